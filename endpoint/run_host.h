@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace dorvane {
+
+/// A connection that could not be opened, in the words of either kind of run.
+struct ConnectionFailure {
+  std::string message;   // for a person at the window
+  std::string log_line;  // for the log of an unattended run
+  std::string title;     // "MS SQL Server", "MySQL Server"
+};
+
+/// What an endpoint asks of the run it works for, beside the nine events. The interactive run shows
+/// message boxes, the unattended one writes its log; the endpoint knows neither.
+class IRunHost {
+ public:
+  virtual ~IRunHost() = default;
+
+  virtual void ConnectionFailed(const ConnectionFailure& failure) = 0;
+  /// A message of a catalog operation, shown at once (unattended runs call none of these).
+  virtual void ShowMessage(std::string_view message, std::int32_t style,
+                           std::string_view title) = 0;
+  /// A failure that only an interactive run reports as ErrorOccured. An unattended run keeps it out
+  /// of its log, writes it to standard error and counts the run as failed.
+  virtual void UnclassifiedFailure(std::string_view message, std::int32_t style,
+                                   std::string_view title) = 0;
+  /// Called often during slow work: lets the window system process what is pending. Cheap.
+  virtual void Yield() = 0;
+  /// True when the user wants the run to end: the row or block in hand is finished, connections are
+  /// closed, and the endpoint returns as if the listed tables had ended there.
+  virtual bool IsStopping() const { return false; }
+};
+
+}  // namespace dorvane

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ado/catalog_types.h"
+#include "platform/ado/errors.h"
+#include "platform/ado/row_block.h"
+#include "platform/ado/types.h"
+
+namespace dorvane::ado {
+
+/// What a logon needs, beside the connection string: a value that holds ";" survives here.
+struct ConnectionSettings {
+  std::string server;    // host, "host\instance" or "host,port"
+  int port = 0;          // 0: the server's usual port
+  std::string user_id;
+  std::string password;
+  std::string database;  // empty: none selected
+  bool integrated_security = false;
+};
+
+/// The results of one statement, read forwards in blocks straight from the server. Owned by its
+/// reader; leaving it early cancels the statement without reading the rest of the result.
+class ResultReader {
+ public:
+  virtual ~ResultReader() = default;
+  /// Fields of the current result; empty for a statement without one.
+  virtual const std::vector<FieldInfo>& Fields() const = 0;
+  /// Replaces the block's rows by the next ones, at least one and at most its limits. False, and an
+  /// empty block, at the end of the current result. Throws ProviderError.
+  virtual bool Read(RowBlock& block) = 0;
+  /// Steps to the next result that has fields. False when there is none. Throws ProviderError.
+  virtual bool NextResult() = 0;
+};
+
+/// Rows on their way into one table.
+class TableWriter {
+ public:
+  virtual ~TableWriter() = default;
+  /// Inserts `count` rows of the block from row `first` on, in as few round trips as the server
+  /// takes. Values are NULL, text and bytes, in the order of the columns the writer was opened
+  /// with. Throws ProviderError on the first refusal; rows before it may have been stored, so a
+  /// caller that sends more than one row does so inside a transaction.
+  virtual void Insert(const RowBlock& rows, std::size_t first, std::size_t count) = 0;
+};
+
+/// One logged-on connection of a client library. Calls must not overlap. Every operation throws
+/// ProviderError.
+class Session {
+ public:
+  virtual ~Session() = default;
+  /// Runs a statement or batch. A batch that returns no rows has been carried out whole when this
+  /// returns; the first failure in it is thrown.
+  virtual std::unique_ptr<ResultReader> Execute(std::string_view sql) = 0;
+  /// True while a reader of this session has rows left on the wire.
+  virtual bool IsStreaming() const = 0;
+
+  /// `table` is a quoted reference as it stands in a statement; columns are unquoted names.
+  virtual std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
+                                                  const std::vector<std::string>& columns) = 0;
+  virtual void BeginTransaction() = 0;
+  virtual void Commit() = 0;
+  virtual void Rollback() = 0;
+
+  /// Catalog of the selected database. Names are exact; an unknown table has no columns.
+  virtual std::vector<TableInfo> Tables() = 0;
+  virtual std::vector<Column> Columns(const std::string& table) = 0;
+  virtual std::vector<Index> Indexes(const std::string& table) = 0;
+  virtual std::vector<Key> Keys(const std::string& table) = 0;
+};
+
+/// A client library. Stateless; lives as long as the program.
+class Provider {
+ public:
+  virtual ~Provider() = default;
+  /// Logs on. Throws ProviderError.
+  virtual std::unique_ptr<Session> Connect(const ConnectionSettings& settings) = 0;
+};
+
+/// Finds the provider that a connection string names; throws RunTimeError kProviderNotFound.
+using ProviderLookup = std::function<Provider&(std::string_view connection_string)>;
+
+/// The real providers: "Provider=SQLOLEDB.1" is SQL Server over ODBC, "Driver={MySql ODBC 3.51
+/// Driver}" is MySQL over its native client library.
+Provider& InstalledProvider(std::string_view connection_string);
+
+/// Each in its own folder; declared here for InstalledProvider and for tests of one of them.
+Provider& OdbcProvider();
+Provider& MySqlProvider();
+
+}  // namespace dorvane::ado

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ado/provider.h"
+#include "platform/ado/row_block.h"
+#include "platform/ado/types.h"
+#include "platform/ado/value.h"
+
+namespace dorvane::ado {
+
+class Connection;
+
+/// A field of the current row: a handle, valid as long as its recordset.
+class Field {
+ public:
+  const FieldInfo& Info() const { return *info_; }
+  /// The current row's value; text and bytes are valid until the recordset moves.
+  const ado::Value& Value() const;
+  /// The value as text: numbers in decimal, bytes as they are, NULL as empty text.
+  std::string Text() const;
+  bool IsNull() const { return ado::IsNull(Value()); }
+  /// Bytes of a binary or text value, 0 for NULL.
+  std::size_t ActualSize() const;
+  /// The next `size` bytes (fewer at the end) of a binary or text value.
+  std::string_view GetChunk(std::size_t size);
+
+  /// Of a row begun by AddNew.
+  void SetNull();
+  void SetText(std::string_view text);
+  void AppendChunk(std::string_view bytes);
+
+ private:
+  friend class Recordset;
+  const FieldInfo* info_ = nullptr;
+  const ado::Value* value_ = nullptr;  // set by the recordset for each row
+  std::size_t chunk_position_ = 0;
+  // The pending value of a row begun by AddNew.
+  enum class Pending { Null, Text, Bytes } pending_ = Pending::Null;
+  std::string pending_value_;
+};
+
+/// Rows from a server, or rows on their way into a table. A reading recordset stands on its first
+/// row after it was opened; it holds one block of rows, never the whole result. Move-only; closing
+/// or destroying it early cancels the statement. Must not outlive its connection.
+class Recordset {
+ public:
+  Recordset(Connection& connection, std::unique_ptr<ResultReader> reader);
+  Recordset(Connection& connection, Session& session, std::unique_ptr<TableWriter> writer,
+            const std::vector<std::string>& columns);
+  Recordset(Recordset&&) noexcept;
+  Recordset& operator=(Recordset&&) noexcept;
+  ~Recordset();
+
+  const std::vector<FieldInfo>& FieldInfos() const;
+  std::size_t FieldCount() const;
+  /// By name the comparison ignores case; an unknown name throws RunTimeError kItemNotFound.
+  ado::Field& Field(std::string_view name);
+  ado::Field& Field(std::size_t index);
+
+  /// True behind the last row (and for a statement without rows).
+  bool AtEnd() const;
+  void MoveNext();
+  /// Steps to the next result of the statement; false when there is none.
+  bool NextRecordset();
+  /// Instead of row by row: the next rows as a block, at least one; false at the end. Not to be
+  /// mixed with Field and MoveNext. May run in another thread (see Connection).
+  bool GetRows(RowBlock& block);
+
+  /// Row by row into a table: AddNew, then set fields, then Update (stores) or CancelUpdate.
+  void AddNew();
+  void Update();
+  void CancelUpdate();
+  /// Rows of NULL, text and bytes in the order of the columns; more than one inside a transaction.
+  void InsertRows(const RowBlock& rows, std::size_t first, std::size_t count);
+
+  void Close();
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace dorvane::ado
