@@ -1,19 +1,18 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <istream>
 #include <memory>
-#include <ostream>
+#include <stdexcept>
 #include <string>
 
 #include "endpoint/database.h"
+#include "platform/text/text_file.h"
 
 namespace dorvane {
 
-/// The 19 lines of a conversion settings file, read.
+/// What the 19 lines of a conversion settings file say.
 struct ConversionSettings {
-  std::unique_ptr<IDatabase> src;
+  std::unique_ptr<IDatabase> src;  // carries the four conversion options
   std::unique_ptr<IDatabase> dest;
   NameList tables;
   std::string log_path;
@@ -22,18 +21,22 @@ struct ConversionSettings {
 /// Makes an endpoint of a kind.
 using EndpointFactory = std::function<std::unique_ptr<IDatabase>(ServerKind kind)>;
 
-/// Reads the 19 lines. Throws RunTimeError: a missing line (62), a number that is none (13) or too
-/// large (6); UnexpectedDirection when line 1 is neither "1" nor "2".
-ConversionSettings ReadConversionSettings(std::istream& file, const EndpointFactory& make_endpoint);
-
+/// Line 1 names neither direction.
 class UnexpectedDirection : public std::runtime_error {
  public:
-  UnexpectedDirection();  // "Conversion Failed - unexpected conversion direction value."
+  UnexpectedDirection()
+      : std::runtime_error("Conversion Failed - unexpected conversion direction value.") {}
 };
 
-/// Writes the 19 lines; the caller closes the stream and looks at its state. Throws RunTimeError
-/// when a value cannot stand in the file: it holds a line break, or a table name holds ":<:".
-void WriteConversionSettings(std::ostream& file, const IDatabase& src, const IDatabase& dest,
+/// Reads the 19 lines. Throws UnexpectedDirection before any endpoint is made, or RunTimeError: a
+/// missing line (62), a number or Boolean that is none (13), a number beyond 16 bits (6).
+ConversionSettings ReadConversionSettings(text::LineReader& file,
+                                          const EndpointFactory& make_endpoint);
+
+/// Writes the 19 lines; the caller closes the file. Throws RunTimeError 5 for what the file could
+/// not give back: no table at all, a line break, a table name with ":<:", a character outside the
+/// ANSI code page, a password that the scrambling does not keep.
+void WriteConversionSettings(text::LineWriter& file, const IDatabase& src, const IDatabase& dest,
                              const NameList& tables, const std::string& log_path);
 
 }  // namespace dorvane

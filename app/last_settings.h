@@ -14,8 +14,8 @@ namespace dorvane {
 /// with DecryptPassword where they are shown.
 struct LastSettings {
   enum Element {
-    kDirection = 0,       // "mssql" or "mysql": the kind of the last source
-    kWinAuth = 1,         // "true" or "false"
+    kDirection = 0,  // "mssql" or "mysql": the kind of the last source
+    kWinAuth = 1,    // "true" or "false"
     kSrcPort = 2,
     kSrcServer = 3,
     kSrcUser = 4,

@@ -25,6 +25,7 @@ class RunTimeError : public std::runtime_error {
 
 /// Numbers of the failures that the program itself reports.
 namespace run_time {
+inline constexpr std::int32_t kInvalidArgument = 5;
 inline constexpr std::int32_t kOverflow = 6;
 inline constexpr std::int32_t kInvalidPropertyAccess = 11;
 inline constexpr std::int32_t kTypeMismatch = 13;

@@ -42,7 +42,7 @@ class Field {
   const ado::Value* value_ = nullptr;  // set by the recordset for each row
   std::size_t chunk_position_ = 0;
   // The pending value of a row begun by AddNew.
-  enum class Pending { Null, Text, Bytes } pending_ = Pending::Null;
+  enum class Pending { None, Text, Bytes } pending_ = Pending::None;
   std::string pending_value_;
 };
 

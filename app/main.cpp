@@ -1,0 +1,70 @@
+#include <fmt/format.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "app/endpoints.h"
+#include "app/unattended_run.h"
+#include "ui/wizard/run_wizard.h"
+
+namespace {
+
+constexpr std::string_view kHelp =
+    "Dorvane copies a database from Microsoft SQL Server to MySQL or back.\n"
+    "\n"
+    "  Dorvane                 opens the wizard\n"
+    "  Dorvane SETTINGS.dcs    converts what the settings file describes, without a window,\n"
+    "                          and appends to the log that it names\n"
+    "  Dorvane --help          prints this text\n"
+    "  Dorvane --version       prints the version\n"
+    "\n"
+    "Exit status of a conversion: 0 everything was converted, 1 something failed (see the log),\n"
+    "2 the settings could not be used.\n";
+
+/// The whole command line is one path, so that blanks in it need no quotes; quotes are taken off.
+std::string SettingsPath(int argc, char** argv) {
+  std::string path;
+  for (int i = 1; i < argc; ++i) path += (i > 1 ? " " : "") + std::string(argv[i]);
+  if (path.size() >= 2 && path.front() == '"' && path.back() == '"') {
+    path = path.substr(1, path.size() - 2);
+  }
+  return path;
+}
+
+bool HasDisplay() {
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    if (const char* value = std::getenv(name); value && *value) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::setlocale(LC_TIME, "");
+  std::signal(SIGPIPE, SIG_IGN);  // a server that went away is an error of its connection
+
+  const std::string path = SettingsPath(argc, argv);
+  if (path == "--help" || path == "-h") {
+    fmt::print("{}", kHelp);
+    return 0;
+  }
+  if (path == "--version") {
+    fmt::print("Dorvane {}\n", DORVANE_VERSION);
+    return 0;
+  }
+  if (!path.empty()) {
+    return static_cast<int>(dorvane::RunUnattendedConversion(path, dorvane::MakeEndpoint));
+  }
+  if (!HasDisplay()) {
+    fmt::print(stderr,
+               "Dorvane: there is no display for the wizard. Give a settings file to convert "
+               "without one; see Dorvane --help.\n");
+    return 2;
+  }
+  return dorvane::RunWizard(argc, argv);
+}

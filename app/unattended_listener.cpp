@@ -1,0 +1,119 @@
+#include "app/unattended_listener.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <clocale>
+#include <cstdio>
+#include <ctime>
+
+namespace dorvane {
+
+namespace {
+
+/// Date and time as the user's locale writes them; ISO order where no locale is set.
+std::string GeneralDateAndTime() {
+  const std::tm now = fmt::localtime(std::time(nullptr));
+  const std::string_view locale = std::setlocale(LC_TIME, nullptr);
+  const bool plain = locale == "C" || locale == "POSIX" || locale.starts_with("C.");
+  char text[128];
+  const std::size_t size =
+      std::strftime(text, sizeof text, plain ? "%Y-%m-%d %H:%M:%S" : "%x %X", &now);
+  return {text, size};
+}
+
+void TellStandardError(std::string_view line) {
+  fmt::print(stderr, "{}\n", line);
+}
+
+}  // namespace
+
+void UnattendedListener::OpenLog(const std::string& path) {
+  log_.emplace(path, text::OpenMode::Append);
+}
+
+void UnattendedListener::CloseLog() {
+  if (!log_) return;
+  try {
+    log_->Close();
+  } catch (const RunTimeError& error) {
+    LogFailure(error);
+  }
+}
+
+void UnattendedListener::Log(const std::string& line) {
+  progress_.Clear();
+  if (!log_ || log_broken_) return TellStandardError(line);
+  try {
+    log_->WriteLine(line);
+  } catch (const RunTimeError& error) {
+    LogFailure(error);
+    TellStandardError(line);
+  }
+}
+
+void UnattendedListener::LogFailure(const RunTimeError& error) {
+  failed_ = true;
+  log_broken_ = true;
+  TellStandardError(fmt::format("The log cannot be written: {}", error.Description()));
+}
+
+void UnattendedListener::ErrorOccured(std::string_view message, std::int32_t /*message_style*/,
+                                      std::string_view source) {
+  failed_ = true;
+  Log(fmt::format("{} - {}", source, message));
+}
+
+void UnattendedListener::ConversionStarted(std::int16_t no_of_tables, bool /*relations_included*/) {
+  progress_.StartConversion(no_of_tables);
+  Log("############### Dorvane (New Conversion) #############");
+  Log("Conversion started at: " + GeneralDateAndTime());
+}
+
+void UnattendedListener::ConversionEnded() {
+  ended_ = true;
+  Log("Conversion ended at: " + GeneralDateAndTime());
+  Log("######################### End OF Conversion #############################");
+}
+
+void UnattendedListener::TableConversionSuccessed(std::string_view /*table_name*/) {
+  Log("Done!");
+}
+
+void UnattendedListener::TableConversionFailed(std::string_view /*table_name*/) {
+  failed_ = true;
+}
+
+void UnattendedListener::TableContentTransferStarted(std::string_view table_name,
+                                                     std::int32_t no_of_records) {
+  progress_.StartTable(table_name, no_of_records);
+}
+
+void UnattendedListener::TableRecordConverted() {
+  progress_.CountRow();
+}
+
+void UnattendedListener::TableConversionStarted(std::string_view table_name) {
+  Log(fmt::format("Converting table '{}' ..... ", table_name));
+}
+
+void UnattendedListener::TableRelationsConversionStarted(std::string_view /*table_name*/) {}
+
+void UnattendedListener::ConnectionFailed(const ConnectionFailure& failure) {
+  failed_ = true;
+  Log(failure.log_line);
+}
+
+void UnattendedListener::ShowMessage(std::string_view message, std::int32_t style,
+                                     std::string_view title) {
+  ErrorOccured(message, style, title);
+}
+
+void UnattendedListener::UnclassifiedFailure(std::string_view message, std::int32_t /*style*/,
+                                             std::string_view title) {
+  failed_ = true;
+  progress_.Clear();
+  TellStandardError(fmt::format("{} - {}", title, message));
+}
+
+}  // namespace dorvane

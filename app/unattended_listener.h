@@ -1,0 +1,55 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/progress_line.h"
+#include "endpoint/events.h"
+#include "endpoint/run_host.h"
+#include "platform/run_time_error.h"
+#include "platform/text/text_file.h"
+
+namespace dorvane {
+
+/// Turns the events of an unattended run into lines of its log and keeps whether anything failed.
+class UnattendedListener : public IConversionListener, public IRunHost {
+ public:
+  /// Lines before this go to standard error. Throws RunTimeError.
+  void OpenLog(const std::string& path);
+  /// Stores what was written.
+  void CloseLog();
+  /// A line of the log; a log that cannot be written is told once, and the run goes on.
+  void Log(const std::string& line);
+  void MarkFailed() { failed_ = true; }
+  /// True when the conversion ran to its end and nothing was reported.
+  bool Succeeded() const { return ended_ && !failed_; }
+
+  void ErrorOccured(std::string_view message, std::int32_t message_style,
+                    std::string_view source) override;
+  void ConversionStarted(std::int16_t no_of_tables, bool relations_included) override;
+  void ConversionEnded() override;
+  void TableConversionSuccessed(std::string_view table_name) override;
+  void TableConversionFailed(std::string_view table_name) override;
+  void TableContentTransferStarted(std::string_view table_name,
+                                   std::int32_t no_of_records) override;
+  void TableRecordConverted() override;
+  void TableConversionStarted(std::string_view table_name) override;
+  void TableRelationsConversionStarted(std::string_view table_name) override;
+
+  void ConnectionFailed(const ConnectionFailure& failure) override;
+  void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
+  void UnclassifiedFailure(std::string_view message, std::int32_t style,
+                           std::string_view title) override;
+  void Yield() override {}
+
+ private:
+  void LogFailure(const RunTimeError& error);
+
+  std::optional<text::LineWriter> log_;
+  ProgressLine progress_;
+  bool log_broken_ = false;
+  bool failed_ = false;
+  bool ended_ = false;
+};
+
+}  // namespace dorvane

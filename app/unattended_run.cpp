@@ -1,0 +1,60 @@
+#include "app/unattended_run.h"
+
+#include <fmt/format.h>
+
+#include "app/conversion_settings.h"
+#include "app/unattended_listener.h"
+
+namespace dorvane {
+
+namespace {
+
+/// Failures of client libraries and of the standard library have no number of their own here.
+constexpr std::int32_t kUnnumbered = 5;
+
+std::string UnknownFailure(std::int32_t number, std::string_view description) {
+  return fmt::format("conversion failed! unkown error {} - {}", number, description);
+}
+
+/// Runs `step`; false when it failed, which the run's line then tells.
+template <typename Step>
+bool Carry(UnattendedListener& listener, Step step) {
+  std::string line;
+  try {
+    step();
+    return true;
+  } catch (const UnexpectedDirection& error) {
+    line = error.what();
+  } catch (const RunTimeError& error) {
+    line = UnknownFailure(error.Number(), error.Description());
+  } catch (const std::exception& error) {
+    line = UnknownFailure(kUnnumbered, error.what());
+  }
+  listener.MarkFailed();
+  listener.Log(line);
+  return false;
+}
+
+}  // namespace
+
+RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
+                                  const HostedEndpointFactory& make_endpoint) {
+  UnattendedListener listener;
+  ConversionSettings settings;
+  const bool usable = Carry(listener, [&] {
+    text::LineReader file(settings_file);
+    settings = ReadConversionSettings(file, [&](ServerKind kind) {
+      auto endpoint = make_endpoint(kind, listener);
+      endpoint->SetListener(&listener);
+      return endpoint;
+    });
+    listener.OpenLog(settings.log_path);
+  });
+  if (!usable) return RunStatus::kSettingsUnusable;
+
+  Carry(listener, [&] { settings.src->TransferToDest(*settings.dest, settings.tables); });
+  listener.CloseLog();
+  return listener.Succeeded() ? RunStatus::kConverted : RunStatus::kFailed;
+}
+
+}  // namespace dorvane
