@@ -1,0 +1,120 @@
+#include "tests/support/servers.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <stdexcept>
+#include <thread>
+
+namespace dorvane::test {
+
+namespace {
+
+constexpr std::chrono::seconds kStartLimit(60);
+
+/// Waits until `ready`; throws with the process's output when it ends or takes too long.
+template <typename Ready>
+void Await(Process& process, const std::filesystem::path& output, Ready ready) {
+  const auto deadline = std::chrono::steady_clock::now() + kStartLimit;
+  while (!ready()) {
+    if (!process.IsRunning() || std::chrono::steady_clock::now() > deadline) {
+      throw std::runtime_error("a server did not start:\n" + ReadFile(output));
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+}
+
+std::vector<std::string> AsRoot(std::vector<std::string> command) {
+  if (geteuid() == 0) command.push_back("--user=root");
+  return command;
+}
+
+void WriteFile(const std::filesystem::path& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+}  // namespace
+
+PrivateMariaDb::PrivateMariaDb(const std::vector<std::string>& extra_options) {
+  const auto data = folder_ / "data";
+  const Outcome made =
+      Run(AsRoot({"mariadb-install-db", "--no-defaults", "--skip-test-db",
+                  "--auth-root-authentication-method=normal", "--datadir=" + data.string()}));
+  if (made.status != 0) throw std::runtime_error("mariadb-install-db:\n" + made.output);
+
+  const auto init = folder_ / "init.sql";
+  WriteFile(init,
+            "SET PASSWORD FOR 'root'@'localhost' = PASSWORD('secret');\n"
+            "GRANT ALL ON *.* TO 'root'@'127.0.0.1' IDENTIFIED BY 'secret' WITH GRANT OPTION;\n");
+  std::vector<std::string> command =
+      AsRoot({"mariadbd", "--no-defaults", "--datadir=" + data.string(),
+              "--socket=" + (folder_ / "s").string(), "--pid-file=" + (folder_ / "pid").string(),
+              "--bind-address=127.0.0.1", fmt::format("--port={}", port_), "--skip-name-resolve",
+              "--init-file=" + init.string(), "--innodb-buffer-pool-size=64M",
+              "--innodb-log-file-size=64M", "--innodb-flush-log-at-trx-commit=0",
+              "--max-allowed-packet=64M"});
+  command.insert(command.end(), extra_options.begin(), extra_options.end());
+  process_ = std::make_unique<Process>(command, folder_ / "log");
+  Await(*process_, folder_ / "log", [&] {
+    return ReadFile(folder_ / "log").find("ready for connections") != std::string::npos;
+  });
+}
+
+std::string PrivateMariaDb::Query(const std::string& sql, const std::string& database) const {
+  const TempFolder folder;
+  WriteFile(folder / "script.sql", sql);
+  std::vector<std::string> command = {"mariadb",
+                                      "--no-defaults",
+                                      "--host=127.0.0.1",
+                                      fmt::format("--port={}", port_),
+                                      "--user=root",
+                                      "--password=secret",
+                                      "--batch",
+                                      "--skip-column-names",
+                                      "--default-character-set=utf8mb4",
+                                      "--execute=source " + (folder / "script.sql").string()};
+  if (!database.empty()) command.push_back(database);
+  const Outcome outcome = Run(command);
+  if (outcome.status != 0) throw std::runtime_error(outcome.output);
+  return outcome.output;
+}
+
+SandboxServer::SandboxServer(const std::vector<std::string>& databases) {
+  std::vector<std::string> command = {SANDBOX_PROGRAM,
+                                      "--folder",
+                                      (folder_ / "data").string(),
+                                      "--port",
+                                      fmt::to_string(port_),
+                                      "--user",
+                                      "sa",
+                                      "--password",
+                                      "secret"};
+  for (const std::string& database : databases) {
+    command.insert(command.end(), {"--create", database});
+  }
+  process_ = std::make_unique<Process>(command, folder_ / "log");
+  Await(*process_, folder_ / "log",
+        [&] { return ReadFile(folder_ / "log").find("listening on") != std::string::npos; });
+}
+
+std::string SandboxServer::Script(const std::string& sql, const std::string& database) const {
+  const TempFolder folder;
+  WriteFile(folder / "script.sql", sql);
+  // The tool reads a server's address from a file of its library, which keeps UTF-8 text whole.
+  WriteFile(folder / "freetds.conf",
+            fmt::format("[sandbox]\nhost = 127.0.0.1\nport = {}\ntds version = 7.4\n"
+                        "client charset = UTF-8\ntext size = 64000000\n",
+                        port_));
+  const Outcome outcome =
+      Run({"bsqldb", "-S", "sandbox", "-U", "sa", "-P", "secret", "-D", database, "-q", "-t", "\\t",
+           "-i", (folder / "script.sql").string()},
+          std::chrono::minutes(5), {{"FREETDSCONF", (folder / "freetds.conf").string()}});
+  if (outcome.status != 0 || outcome.output.find("Msg ") != std::string::npos) {
+    throw std::runtime_error(outcome.output);
+  }
+  return outcome.output;
+}
+
+}  // namespace dorvane::test

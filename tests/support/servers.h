@@ -1,0 +1,51 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/support/process.h"
+#include "tests/support/temp_folder.h"
+
+namespace dorvane::test {
+
+/// A MariaDB server of its own: loopback only, a free port, a temporary folder. User "root" with
+/// password "secret".
+class PrivateMariaDb {
+ public:
+  /// Throws std::runtime_error with the server's log when it does not come up.
+  explicit PrivateMariaDb(const std::vector<std::string>& extra_options = {});
+
+  int Port() const { return port_; }
+  std::string Password() const { return "secret"; }
+  /// Runs statements with the command-line client; its output as tab-separated text. Throws with
+  /// the client's message when they fail.
+  std::string Query(const std::string& sql, const std::string& database = "") const;
+  /// Ends the server at once, as a crash would.
+  void Kill() { process_->Kill(); }
+
+ private:
+  TempFolder folder_;
+  int port_ = FreePort();
+  std::unique_ptr<Process> process_;
+};
+
+/// A practice SQL Server of its own: user "sa", password "secret".
+class SandboxServer {
+ public:
+  explicit SandboxServer(const std::vector<std::string>& databases);
+
+  int Port() const { return port_; }
+  std::string Password() const { return "secret"; }
+  /// Runs a script of batches (separated by "go" lines) with bsqldb; its output as tab-separated
+  /// text. Throws when the server reported an error.
+  std::string Script(const std::string& sql, const std::string& database) const;
+  void Kill() { process_->Kill(); }
+
+ private:
+  TempFolder folder_;
+  int port_ = FreePort();
+  std::unique_ptr<Process> process_;
+};
+
+}  // namespace dorvane::test
