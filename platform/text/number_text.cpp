@@ -57,7 +57,7 @@ bool IsNumeric(std::string_view text) {
 
 std::int16_t ParseInt16(std::string_view text) {
   std::string_view digits = Trim(text);
-  if (digits.starts_with('+')) digits.remove_prefix(1);
+  if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
   std::int16_t value = 0;
   const auto [end, failure] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   if (failure == std::errc::result_out_of_range && end == digits.data() + digits.size()) {

@@ -1,0 +1,147 @@
+#include "app/unattended_run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "tests/app/plain_endpoint.h"
+#include "tests/support/process.h"
+#include "tests/support/temp_folder.h"
+
+namespace dorvane {
+namespace {
+
+using test::PlainEndpoint;
+using test::ReadFile;
+using test::TempFolder;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+class UnattendedRun : public testing::Test {
+ protected:
+  RunStatus Run(const PlainEndpoint::Transfer& transfer, const std::string& log_path) {
+    std::ofstream(folder_ / "n.dcs", std::ios::binary)
+        << "1\r\nh\r\n1\r\nu\r\n\r\n\r\nd\r\nh\r\n2\r\nu\r\n\r\n\r\nd\r\na:<:"
+           "b\r\nFalse\r\nTrue\r\n2\r\n"
+           "False\r\n"
+        << log_path << "\r\n";
+    return RunUnattendedConversion(folder_ / "n.dcs", [&](ServerKind kind, IRunHost& host) {
+      host_ = &host;
+      return std::make_unique<PlainEndpoint>(kind, transfer);
+    });
+  }
+  RunStatus Run(const PlainEndpoint::Transfer& transfer) {
+    return Run(transfer, (folder_ / "log").string());
+  }
+  std::string Log() const { return ReadFile(folder_ / "log"); }
+
+  TempFolder folder_;
+  IRunHost* host_ = nullptr;
+};
+
+TEST_F(UnattendedRun, WritesTheEventsAsLinesAndAppends) {
+  const auto transfer = [](IDatabase&, const NameList& tables, IConversionListener& listener) {
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
+    listener.TableConversionStarted(tables[0]);
+    listener.TableContentTransferStarted(tables[0], 1);
+    listener.TableRecordConverted();
+    listener.TableConversionSuccessed(tables[0]);
+    listener.ConversionEnded();
+  };
+  EXPECT_EQ(Run(transfer), RunStatus::kConverted);
+  const std::string first = Log();
+  EXPECT_THAT(first, MatchesRegex("############### Dorvane \\(New Conversion\\) #############\r\n"
+                                  "Conversion started at: [^\r]+\r\n"
+                                  "Converting table 'a' \\.\\.\\.\\.\\. \r\n"
+                                  "Done!\r\n"
+                                  "Conversion ended at: [^\r]+\r\n"
+                                  "######################### End OF Conversion "
+                                  "#############################\r\n"));
+  Run(transfer);
+  EXPECT_EQ(Log().find(first), 0u);
+  EXPECT_GT(Log().size(), first.size());
+}
+
+TEST_F(UnattendedRun, AnythingReportedFailsTheRun) {
+  EXPECT_EQ(Run([](IDatabase&, const NameList&, IConversionListener& listener) {
+              listener.ErrorOccured("went wrong", 16, "MySQL");
+              listener.ConversionEnded();
+            }),
+            RunStatus::kFailed);
+  EXPECT_THAT(Log(), HasSubstr("MySQL - went wrong\r\n"));
+  EXPECT_EQ(Run([](IDatabase&, const NameList&, IConversionListener& listener) {
+              listener.TableConversionFailed("a");
+              listener.ConversionEnded();
+            }),
+            RunStatus::kFailed);
+}
+
+TEST_F(UnattendedRun, AConnectionFailureIsItsLogLineAndNoEnd) {
+  EXPECT_EQ(Run([this](IDatabase&, const NameList&, IConversionListener& listener) {
+              listener.ConversionStarted(2, false);
+              host_->ConnectionFailed({"for a person", "Conversion Failed! for the log", "title"});
+            }),
+            RunStatus::kFailed);
+  EXPECT_THAT(Log(), HasSubstr("Conversion Failed! for the log\r\n"));
+  EXPECT_THAT(Log(), Not(HasSubstr("ended")));
+}
+
+TEST_F(UnattendedRun, AFailureThatIsNotLoggedStillFailsTheRun) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Run([this](IDatabase&, const NameList&, IConversionListener& listener) {
+              host_->UnclassifiedFailure("Failed to convert table a", 16, "Table Conversion");
+              listener.ConversionEnded();
+            }),
+            RunStatus::kFailed);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Failed to convert table a"));
+  EXPECT_THAT(Log(), Not(HasSubstr("Failed")));
+}
+
+TEST_F(UnattendedRun, AnEscapedErrorIsTheRunsOwnLine) {
+  EXPECT_EQ(Run([](IDatabase&, const NameList&, IConversionListener&) {
+              throw RunTimeError(7, "x", "out of memory");
+            }),
+            RunStatus::kFailed);
+  EXPECT_EQ(Log(), "conversion failed! unkown error 7 - out of memory\r\n");
+}
+
+TEST_F(UnattendedRun, UnusableSettingsGoToStandardError) {
+  const auto unusable = [&](const std::string& bytes) {
+    std::ofstream(folder_ / "bad.dcs", std::ios::binary) << bytes;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(RunUnattendedConversion(
+                  folder_ / "bad.dcs",
+                  [](ServerKind kind, IRunHost&) { return std::make_unique<PlainEndpoint>(kind); }),
+              RunStatus::kSettingsUnusable);
+    return testing::internal::GetCapturedStderr();
+  };
+  EXPECT_EQ(unusable("3\r\n"), "Conversion Failed - unexpected conversion direction value.\n");
+  EXPECT_THAT(unusable("1\r\nh\r\n"), HasSubstr("conversion failed! unkown error 62 - "));
+  std::string noise;
+  for (int i = 0; i < 5000; ++i) noise.push_back(static_cast<char>(i * 37));
+  EXPECT_NE(unusable("1\r\n" + noise), "");
+}
+
+TEST_F(UnattendedRun, ALogThatCannotBeOpenedIsUnusableOneThatFillsUpIsAFailure) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Run({}, (folder_ / "no" / "log").string()), RunStatus::kSettingsUnusable);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("unkown error 76"));
+
+  testing::internal::CaptureStderr();
+  bool finished = false;
+  EXPECT_EQ(Run(
+                [&](IDatabase&, const NameList&, IConversionListener& listener) {
+                  listener.ConversionStarted(1, false);
+                  listener.TableConversionStarted("a");
+                  listener.ConversionEnded();
+                  finished = true;
+                },
+                "/dev/full"),
+            RunStatus::kFailed);
+  EXPECT_TRUE(finished);  // the conversion itself is not lost with its log
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("The log cannot be written"));
+}
+
+}  // namespace
+}  // namespace dorvane

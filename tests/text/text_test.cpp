@@ -1,0 +1,104 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "platform/run_time_error.h"
+#include "platform/text/code_page.h"
+#include "platform/text/number_text.h"
+#include "platform/text/text_file.h"
+#include "tests/support/process.h"
+#include "tests/support/temp_folder.h"
+
+namespace dorvane::text {
+namespace {
+
+using test::ReadFile;
+using test::TempFolder;
+
+std::int32_t NumberOf(const std::function<void()>& failing) {
+  try {
+    failing();
+  } catch (const RunTimeError& error) {
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST(CodePage, KeepsEveryByteOnTheWayToUtf8AndBack) {
+  std::string every_byte;
+  for (int code = 0; code < 256; ++code) every_byte.push_back(static_cast<char>(code));
+  EXPECT_EQ(ToAnsi(FromAnsi(every_byte)), every_byte);
+  EXPECT_TRUE(FitsAnsi(FromAnsi(every_byte)));
+}
+
+TEST(CodePage, KnowsWhatItCannotHold) {
+  EXPECT_EQ(ToAnsi("a€ü"), "a\x80\xFC");
+  EXPECT_EQ(ToAnsi("Отд 😀!"), "??? ?!");
+  EXPECT_FALSE(FitsAnsi("ok 漢"));
+  EXPECT_EQ(ToAnsi("\xFF\xC3"), "??");  // no UTF-8 at all
+  EXPECT_FALSE(FitsAnsi("cut \xE2\x82"));
+}
+
+TEST(NumberText, NumericIsWhatAPersonWritesAsANumber) {
+  for (const char* text : {"0", " -12 ", "+1.5", ".5", "5.", "1e5", "-1.5E-3"}) {
+    EXPECT_TRUE(IsNumeric(text)) << text;
+  }
+  for (const char* text : {"", " ", "-", ".", "1e", "1,5", "0x10", "12a", "1 2", "e5", "--1"}) {
+    EXPECT_FALSE(IsNumeric(text)) << text;
+  }
+}
+
+TEST(NumberText, SixteenBitNumbersFailByKind) {
+  EXPECT_EQ(ParseInt16(" 3306 "), 3306);
+  EXPECT_EQ(ParseInt16("-32768"), -32768);
+  EXPECT_EQ(NumberOf([] { ParseInt16("32768"); }), run_time::kOverflow);
+  for (const char* text : {"", "abc", "33x", "1.5", "+-3"}) {
+    EXPECT_EQ(NumberOf([&] { ParseInt16(text); }), run_time::kTypeMismatch) << text;
+  }
+}
+
+TEST(NumberText, BooleansAreWordsInAnyCaseOrNumbers) {
+  for (const char* text : {"True", "TRUE", "true", "1", "-1", "0.5", "7"}) {
+    EXPECT_TRUE(ParseBoolean(text)) << text;
+  }
+  for (const char* text : {"False", "fALSE", "0", "0.0", "0e5"}) {
+    EXPECT_FALSE(ParseBoolean(text)) << text;
+  }
+  for (const char* text : {"", "yes", "Truee"}) {
+    EXPECT_EQ(NumberOf([&] { ParseBoolean(text); }), run_time::kTypeMismatch) << text;
+  }
+}
+
+TEST(TextFile, ReadsLinesHoweverTheyEnd) {
+  const TempFolder folder;
+  std::ofstream(folder / "file", std::ios::binary) << "a\r\n\r\nb\x80\nlast";
+  LineReader file(folder / "file");
+  EXPECT_EQ(file.ReadLine(), "a");
+  EXPECT_EQ(file.ReadLine(), "");
+  EXPECT_EQ(file.ReadLine(), "b€");
+  EXPECT_EQ(file.ReadLine(), "last");
+  EXPECT_EQ(NumberOf([&] { file.ReadLine(); }), run_time::kInputPastEnd);
+}
+
+TEST(TextFile, AppendsAndTellsWhyItCannot) {
+  const TempFolder folder;
+  const auto path = folder / "log";
+  LineWriter(path, OpenMode::Append).WriteLine("one ü");
+  LineWriter(path, OpenMode::Append).WriteLine("two 漢");
+  EXPECT_EQ(ReadFile(path), "one \xFC\r\ntwo ?\r\n");
+  EXPECT_EQ(NumberOf([&] { LineReader(folder / "none"); }), run_time::kFileNotFound);
+  EXPECT_EQ(NumberOf([&] { LineReader(folder / "no" / "file"); }), run_time::kPathNotFound);
+  EXPECT_EQ(NumberOf([&] { LineReader(folder.Path()); }), run_time::kPermissionDenied);
+  EXPECT_EQ(NumberOf([&] { LineWriter(folder / "no" / "file", OpenMode::Append); }),
+            run_time::kPathNotFound);
+}
+
+TEST(TextFile, AFullDiskIsAnError) {
+  LineWriter full("/dev/full", OpenMode::Append);
+  EXPECT_EQ(NumberOf([&] { full.WriteLine("no room"); }), run_time::kFileInputOutput);
+}
+
+}  // namespace
+}  // namespace dorvane::text
