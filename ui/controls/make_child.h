@@ -1,0 +1,23 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+namespace dorvane {
+
+/// Makes a widget, layout or other Qt object that `parent` owns and deletes. `arguments` are the
+/// constructor's arguments before the parent.
+template <class T, class Parent, class... Arguments>
+T& MakeChild(Parent& parent, Arguments&&... arguments) {
+  return *std::make_unique<T>(std::forward<Arguments>(arguments)..., &parent).release();
+}
+
+/// The same for a control that tests and assistive tools find by its name.
+template <class T, class Parent, class... Arguments>
+T& MakeNamed(const char* name, Parent& parent, Arguments&&... arguments) {
+  T& child = MakeChild<T>(parent, std::forward<Arguments>(arguments)...);
+  child.setObjectName(name);
+  return child;
+}
+
+}  // namespace dorvane

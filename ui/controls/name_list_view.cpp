@@ -1,0 +1,83 @@
+#include "ui/controls/name_list_view.h"
+
+#include <QAbstractListModel>
+#include <algorithm>
+
+#include "ui/controls/make_child.h"
+
+namespace dorvane {
+
+class NameListModel : public QAbstractListModel {
+ public:
+  explicit NameListModel(QObject* parent) : QAbstractListModel(parent) {}
+
+  int rowCount(const QModelIndex& parent = {}) const override {
+    return parent.isValid() ? 0 : static_cast<int>(names_.size());
+  }
+
+  QVariant data(const QModelIndex& index, int role) const override {
+    if (role != Qt::DisplayRole || !index.isValid()) return {};
+    return QString::fromStdString(names_[static_cast<std::size_t>(index.row())]);
+  }
+
+  const std::vector<std::string>& Names() const { return names_; }
+
+  void Reset(std::vector<std::string> names) {
+    beginResetModel();
+    names_ = std::move(names);
+    endResetModel();
+  }
+
+  void Append(std::string name) {
+    beginInsertRows({}, rowCount(), rowCount());
+    names_.push_back(std::move(name));
+    endInsertRows();
+  }
+
+  void RemoveFirst(std::string_view name) {
+    const auto found = std::ranges::find(names_, name);
+    if (found == names_.end()) return;
+    const int row = static_cast<int>(found - names_.begin());
+    beginRemoveRows({}, row, row);
+    names_.erase(found);
+    endRemoveRows();
+  }
+
+ private:
+  std::vector<std::string> names_;
+};
+
+NameListView::NameListView(QWidget* parent)
+    : QListView(parent), model_(&MakeChild<NameListModel>(static_cast<QObject&>(*this))) {
+  setModel(model_);
+  setUniformItemSizes(true);
+  setLayoutMode(QListView::Batched);
+  setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setSelectionMode(QAbstractItemView::SingleSelection);
+  setTextElideMode(Qt::ElideMiddle);
+}
+
+const std::vector<std::string>& NameListView::Names() const {
+  return model_->Names();
+}
+
+void NameListView::SetNames(std::vector<std::string> names, int current) {
+  model_->Reset(std::move(names));
+  SetCurrent(current);
+}
+
+void NameListView::SetCurrent(int position) {
+  const QModelIndex index = position < 0 ? QModelIndex() : model_->index(position);
+  setCurrentIndex(index);
+  if (index.isValid()) scrollTo(index);
+}
+
+void NameListView::Append(std::string name) {
+  model_->Append(std::move(name));
+}
+
+void NameListView::RemoveFirst(std::string_view name) {
+  model_->RemoveFirst(name);
+}
+
+}  // namespace dorvane

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QPixmap>
+#include <QWidget>
+
+namespace dorvane {
+
+/// A picture control: stretches its picture over its area, whatever the picture's resolution. A
+/// disabled one is drawn faintly.
+class PictureBox : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit PictureBox(QWidget* parent = nullptr);
+
+  const QPixmap& Picture() const { return picture_; }
+  void SetPicture(const QPixmap& picture);
+
+ signals:
+  /// The left mouse button went down on the picture.
+  void Pressed();
+  /// It was released over the picture.
+  void Clicked();
+  /// The mouse came over the picture.
+  void Entered();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void enterEvent(QEnterEvent* event) override;
+
+ private:
+  QPixmap picture_;
+};
+
+}  // namespace dorvane

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QLabel>
+
+namespace dorvane {
+
+/// A label of plain text that wraps between words and, where a word is wider than the label, inside
+/// it, so that nothing is cut at the right.
+class WrappedLabel : public QLabel {
+ public:
+  explicit WrappedLabel(QWidget* parent = nullptr);
+
+  bool hasHeightForWidth() const override { return true; }
+  int heightForWidth(int width) const override;
+  QSize sizeHint() const override { return {width(), heightForWidth(width())}; }
+  QSize minimumSizeHint() const override { return {40, fontMetrics().height()}; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+};
+
+}  // namespace dorvane
