@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QPixmap>
+#include <QString>
+
+namespace dorvane {
+
+/// A frame picture of the look that a skinned window has without a skin, of `size` logical pixels
+/// and sharp up to a scale factor of 2. An unknown name gives an empty picture.
+QPixmap BuiltInPicture(const QString& name, QSize size);
+
+}  // namespace dorvane

@@ -1,0 +1,231 @@
+#include "ui/dialogs/frm_msg_box.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <algorithm>
+
+#include "ui/controls/make_child.h"
+#include "ui/dialogs/built_in_skin.h"
+#include "ui/dialogs/message_box.h"
+#include "ui/dialogs/skin_module.h"
+
+namespace dorvane {
+namespace {
+
+const QString kApplicationTitle = QStringLiteral("Dorvane");
+
+constexpr int kBoxWidth = 380;
+constexpr int kTitleHeight = 30;
+constexpr int kBorderWidth = 19;
+constexpr int kIconSize = 32;
+constexpr QPoint kIconPosition(23, 40);
+constexpr int kMessageLeft = 74;
+constexpr int kMessageTop = 44;
+constexpr int kMessageRightMargin = 22;
+constexpr int kMinMessageHeight = 44;
+constexpr int kMaxMessageHeight = 260;
+constexpr int kButtonWidth = 92;
+constexpr int kButtonHeight = 28;
+constexpr int kButtonBottom = 18;  // from the window's lower edge
+constexpr int kOkAlone = 139;
+constexpr int kYesLeft = 70;
+constexpr int kNoLeft = 224;
+
+struct IconChoice {
+  std::int32_t style;
+  QStyle::StandardPixmap in_ok_box;
+  QStyle::StandardPixmap in_yes_no_box;
+};
+constexpr IconChoice kIcons[] = {
+    {message_style::kError, QStyle::SP_MessageBoxCritical, QStyle::SP_MessageBoxCritical},
+    {message_style::kQuestion, QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxQuestion},
+    {message_style::kInformation, QStyle::SP_MessageBoxInformation,
+     QStyle::SP_MessageBoxInformation},
+};
+
+// The pictures as designed; the order is the order in which they lie above each other.
+struct DesignedPicture {
+  const char* name;
+  QSize size;
+};
+constexpr QSize kEdge(kBorderWidth, kTitleHeight);
+constexpr QSize kTitleButton(14, 14);
+constexpr DesignedPicture kPictures[] = {
+    {"imgWindowLeft", kEdge},
+    {"imgWindowRight", kEdge},
+    {"imgWindowBottom", kEdge},
+    {"imgWindowBottomLeft", kEdge},
+    {"imgWindowBottomRight", kEdge},
+    {"imgTitleMain", kEdge},
+    {"imgTitleLeft", kEdge},
+    {"imgTitleRight", kEdge},
+    {"imgTitleMinimize", kTitleButton},
+    {"imgTitleMaximize", kTitleButton},
+    {"imgTitleRestore", kTitleButton},
+    {"imgTitleMaxRestore", kTitleButton},
+    {"imgTitleHelp", kTitleButton},
+    {"imgTitleClose", kTitleButton},
+};
+// Part of every skin, of no use in a box that can't change its size.
+constexpr const char* kWithoutUse[] = {"imgTitleMinimize", "imgTitleMaxRestore", "imgTitleHelp"};
+constexpr const char* kSpares[] = {"imgTitleMaximize", "imgTitleRestore"};
+constexpr const char* kGrips[] = {"imgTitleLeft", "imgTitleMain", "imgTitleRight"};
+
+void DressButton(GradientButton& button) {
+  button.SetButtonStyle(static_cast<int>(ButtonStyle::kSoft));
+  button.SetBackColor(QColor(238, 241, 247));
+  button.SetGradientColor(QColor(196, 206, 224));
+  button.SetGradientMode(static_cast<int>(GradientMode::kToBottom));
+  button.SetForeColor(QColor(22, 32, 60));
+  button.SetHoverForeColor(QColor(160, 30, 20));
+  button.SetHoverBackColor(QColor(255, 255, 255));
+}
+
+// A click on the title text belongs to the picture below it.
+void PassMouseThrough(QWidget& widget) {
+  widget.setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+}  // namespace
+
+QStyle::StandardPixmap MessageIcon(MessageBoxKind kind, std::int32_t style) {
+  const auto found = std::ranges::find(kIcons, style, &IconChoice::style);
+  if (found == std::end(kIcons)) return QStyle::SP_MessageBoxWarning;
+  return kind == MessageBoxKind::kOk ? found->in_ok_box : found->in_yes_no_box;
+}
+
+frmMsgBox::frmMsgBox() : QDialog(nullptr, Qt::Dialog | Qt::FramelessWindowHint) {
+  setObjectName("frmMsgBox");
+  setModal(true);
+  resize(kBoxWidth, 160);
+  AddFramePictures();
+  AddTitle();
+  AddMessage();
+  AddButtons();
+  LayoutSkinFrame(*this);
+  SetTopMost(*this, false);
+  LoadSkin(*this);
+}
+
+void frmMsgBox::AddFramePictures() {
+  for (const DesignedPicture& designed : kPictures) {
+    PictureBox& box = MakeNamed<PictureBox>(designed.name, *this);
+    box.resize(designed.size);
+    box.SetPicture(BuiltInPicture(box.objectName(), designed.size));
+  }
+  for (const char* name : kWithoutUse) findChild<PictureBox*>(name)->setEnabled(false);
+  for (const char* name : kSpares) findChild<PictureBox*>(name)->hide();
+  for (const char* name : kGrips) {
+    connect(findChild<PictureBox*>(name), &PictureBox::Pressed, this,
+            [this] { DragWindow(*this); });
+  }
+  auto* close_picture = findChild<PictureBox*>("imgTitleClose");
+  close_picture->setAccessibleName(tr("Close"));
+  connect(close_picture, &PictureBox::Clicked, this, [this] {
+    unloaded_ = true;
+    End(kAnswerNo);
+  });
+}
+
+void frmMsgBox::AddTitle() {
+  lblTitle_ = &MakeNamed<QLabel>("lblTitle", *this, kApplicationTitle);
+  QFont title_font = font();
+  title_font.setBold(true);
+  lblTitle_->setFont(title_font);
+  QPalette palette = lblTitle_->palette();
+  palette.setColor(QPalette::WindowText, Qt::white);
+  lblTitle_->setPalette(palette);
+  lblTitle_->setTextFormat(Qt::PlainText);
+  lblTitle_->setGeometry(14, 0, kBoxWidth - 14 - 78, kTitleHeight);
+  PassMouseThrough(*lblTitle_);
+}
+
+void frmMsgBox::AddMessage() {
+  message_area_ = &MakeChild<QScrollArea>(*this);
+  message_area_->setFrameShape(QFrame::NoFrame);
+  message_area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  message_area_->viewport()->setAutoFillBackground(false);
+  lblMessage_ = &MakeNamed<WrappedLabel>("lblMessage", *this);
+  QPalette palette = lblMessage_->palette();
+  palette.setColor(QPalette::WindowText, QColor(16, 20, 32));
+  lblMessage_->setPalette(palette);
+  message_area_->setWidget(lblMessage_);
+  lblMessage_->setAutoFillBackground(false);
+}
+
+void frmMsgBox::AddButtons() {
+  cmdOK_ = &MakeNamed<GradientButton>("cmdOK", *this);
+  cmdNo_ = &MakeNamed<GradientButton>("cmdNo", *this);
+  cmdNo_->SetCaption("No");
+  cmdNo_->SetAccessKey('N');
+  for (GradientButton* button : {cmdOK_, cmdNo_}) {
+    DressButton(*button);
+    button->resize(kButtonWidth, kButtonHeight);
+  }
+  connect(cmdOK_, &QAbstractButton::clicked, this, [this] { End(kAnswerYes); });
+  connect(cmdNo_, &QAbstractButton::clicked, this, [this] { End(kAnswerNo); });
+  setTabOrder(cmdOK_, cmdNo_);
+  setTabOrder(cmdNo_, message_area_);
+}
+
+void frmMsgBox::End(int answer) {
+  answer_ = answer;
+  done(answer);
+}
+
+int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
+                   const QString& title) {
+  const bool asks = kind == MessageBoxKind::kYesNo;
+  icon_ = MessageIcon(kind, style);
+  cmdNo_->setVisible(asks);
+  cmdOK_->SetCaption(asks ? "Yes" : "OK");
+  cmdOK_->SetAccessKey(asks ? 'Y' : 'O');
+  lblMessage_->setText(text);
+  setAccessibleDescription(text);
+  const QString shown_title = title.trimmed().isEmpty() ? kApplicationTitle : title;
+  lblTitle_->setText(shown_title);
+
+  FitToMessage();
+  const int button_top = height() - kButtonBottom - kButtonHeight;
+  cmdOK_->move(asks ? kYesLeft : kOkAlone, button_top);
+  cmdNo_->move(kNoLeft, button_top);
+  LayoutSkinFrame(*this);
+  if (kind == MessageBoxKind::kOk) LoadSkin(*this);
+
+  cmdOK_->setFocus();
+  answer_ = kAnswerNo;
+  exec();
+  return answer_;
+}
+
+void frmMsgBox::FitToMessage() {
+  const int width = kBoxWidth - kMessageLeft - kMessageRightMargin;
+  const int wanted = lblMessage_->heightForWidth(width);
+  const int shown = std::clamp(wanted, kMinMessageHeight, kMaxMessageHeight);
+  const bool scrolls = wanted > kMaxMessageHeight;
+  const int text_width =
+      scrolls ? width - message_area_->verticalScrollBar()->sizeHint().width() - 4 : width;
+  lblMessage_->resize(text_width, std::max(shown, lblMessage_->heightForWidth(text_width)));
+  message_area_->setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::NoFocus);
+  message_area_->setGeometry(kMessageLeft, kMessageTop, width, shown);
+  message_area_->verticalScrollBar()->setValue(0);
+  const int height = kMessageTop + shown + 18 + kButtonHeight + kButtonBottom;
+  setFixedSize(kBoxWidth, height);
+}
+
+void frmMsgBox::paintEvent(QPaintEvent* event) {
+  QDialog::paintEvent(event);
+  QPainter painter(this);
+  const QIcon icon = style()->standardIcon(icon_, nullptr, this);
+  icon.paint(&painter, QRect(kIconPosition, QSize(kIconSize, kIconSize)));
+}
+
+void frmMsgBox::keyPressEvent(QKeyEvent* event) {
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (!enter) return QDialog::keyPressEvent(event);
+  (cmdNo_->hasFocus() ? cmdNo_ : cmdOK_)->click();
+}
+
+}  // namespace dorvane

@@ -1,0 +1,47 @@
+#include "ui/dialogs/message_box.h"
+
+#include <QCoreApplication>
+#include <QString>
+#include <memory>
+
+#include "ui/dialogs/frm_msg_box.h"
+
+namespace dorvane {
+namespace {
+
+QString FromUtf8(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// The box stays loaded between messages and goes away before the window system does.
+std::unique_ptr<frmMsgBox>& LoadedBox() {
+  static std::unique_ptr<frmMsgBox> box = [] {
+    qAddPostRoutine([] { LoadedBox().reset(); });
+    return std::unique_ptr<frmMsgBox>();
+  }();
+  return box;
+}
+
+int RunBox(MessageBoxKind kind, std::string_view text, std::int32_t style, std::string_view title) {
+  auto& box = LoadedBox();
+  if (!box) box = std::make_unique<frmMsgBox>();
+  if (box->isVisible()) {
+    // A running transfer reports while the user is still being asked something.
+    return frmMsgBox().Run(kind, FromUtf8(text), style, FromUtf8(title));
+  }
+  const int answer = box->Run(kind, FromUtf8(text), style, FromUtf8(title));
+  if (box->IsUnloaded()) box.reset();
+  return answer;
+}
+
+}  // namespace
+
+void ShowMessage(std::string_view text, std::int32_t style, std::string_view title) {
+  RunBox(MessageBoxKind::kOk, text, style, title);
+}
+
+int AskYesNo(std::string_view text, std::int32_t style, std::string_view title) {
+  return RunBox(MessageBoxKind::kYesNo, text, style, title);
+}
+
+}  // namespace dorvane

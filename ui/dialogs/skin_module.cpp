@@ -1,0 +1,165 @@
+#include "ui/dialogs/skin_module.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainterPath>
+#include <QSettings>
+#include <QWindow>
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "app/program_folder.h"
+#include "ui/controls/make_child.h"
+#include "ui/controls/picture_box.h"
+
+namespace dorvane {
+namespace {
+
+constexpr int kCornerRadius = 12;
+const QColor kBackground(192, 192, 192);
+
+// A coordinate that follows the window's extent: extent * of_window + offset.
+struct Place {
+  int of_window;
+  int offset;
+  int In(int extent) const { return extent * of_window + offset; }
+};
+constexpr std::optional<Place> kAsDesigned;
+
+struct FramePicture {
+  const char* name;
+  Place top, left;
+  std::optional<Place> width, height;
+};
+
+constexpr Place At(int offset) {
+  return {0, offset};
+}
+constexpr Place FromEnd(int offset) {
+  return {1, -offset};
+}
+
+// In the order in which they are placed.
+constexpr std::array kFrame = {
+    FramePicture{"imgTitleLeft", At(0), At(0), kAsDesigned, kAsDesigned},
+    FramePicture{"imgTitleRight", At(0), FromEnd(19), kAsDesigned, kAsDesigned},
+    FramePicture{"imgTitleMain", At(0), At(19), FromEnd(19), kAsDesigned},
+    FramePicture{"imgWindowLeft", At(30), At(0), kAsDesigned, FromEnd(60)},
+    FramePicture{"imgWindowBottomLeft", FromEnd(30), At(0), kAsDesigned, kAsDesigned},
+    FramePicture{"imgWindowBottom", FromEnd(30), At(19), FromEnd(38), kAsDesigned},
+    FramePicture{"imgWindowBottomRight", FromEnd(30), FromEnd(19), kAsDesigned, kAsDesigned},
+    FramePicture{"imgWindowRight", At(30), FromEnd(19), kAsDesigned, FromEnd(38)},
+    FramePicture{"imgTitleClose", At(8), FromEnd(24), kAsDesigned, kAsDesigned},
+    FramePicture{"imgTitleMaxRestore", At(8), FromEnd(39), kAsDesigned, kAsDesigned},
+    FramePicture{"imgTitleMinimize", At(8), FromEnd(56), kAsDesigned, kAsDesigned},
+    FramePicture{"imgTitleHelp", At(8), FromEnd(73), kAsDesigned, kAsDesigned},
+};
+
+void CopyPicture(QWidget& frm, const char* from, const char* to) {
+  const auto* source = frm.findChild<PictureBox*>(from);
+  auto* target = frm.findChild<PictureBox*>(to);
+  if (source && target) target->SetPicture(source->Picture());
+}
+
+// Moves a window by hand where the window system does not do it.
+class ManualDrag : public QObject {
+ public:
+  explicit ManualDrag(QWidget* frm) : QObject(frm), frm_(frm), grip_(QCursor::pos() - frm->pos()) {
+    qApp->installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::MouseMove) {
+      const QPoint mouse = static_cast<QMouseEvent*>(event)->globalPosition().toPoint();
+      frm_->move(mouse - grip_);
+    } else if (event->type() == QEvent::MouseButtonRelease) {
+      deleteLater();
+    }
+    return false;
+  }
+
+ private:
+  QWidget* frm_;
+  QPoint grip_;
+};
+
+}  // namespace
+
+const std::vector<QString>& SkinPictureNames() {
+  static const std::vector<QString> names = [] {
+    std::vector<QString> all;
+    for (const FramePicture& picture : kFrame) all.emplace_back(picture.name);
+    all.emplace_back("imgTitleMaximize");
+    all.emplace_back("imgTitleRestore");
+    return all;
+  }();
+  return names;
+}
+
+QString CurrentSkin() {
+  const QSettings settings("Dorvane", "Dorvane");
+  return settings.value("Options/Current Skin", "Blue").toString();
+}
+
+void LoadSkin(QWidget& frm) {
+  LoadSkin(frm, ProgramFolder() / "Skinz" / CurrentSkin().toStdString());
+}
+
+void LoadSkin(QWidget& frm, const std::filesystem::path& skin_folder) {
+  for (PictureBox* box : frm.findChildren<PictureBox*>()) {
+    const QString name = box->objectName();
+    if (!name.contains("img", Qt::CaseInsensitive)) continue;
+    const std::filesystem::path file = skin_folder / (name.toStdString() + ".gif");
+    QPixmap picture;
+    if (picture.load(QString::fromStdString(file.string()))) box->SetPicture(picture);
+  }
+  CopyPicture(frm, "imgTitleMaximize", "imgTitleMaxRestore");
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+QRect SkinPictureRect(std::string_view name, QSize window, QSize designed) {
+  const auto found = std::ranges::find(kFrame, name, &FramePicture::name);
+  if (found == kFrame.end()) return {{}, designed};
+  const int width = found->width ? found->width->In(window.width()) : designed.width();
+  const int height = found->height ? found->height->In(window.height()) : designed.height();
+  return {found->left.In(window.width()), found->top.In(window.height()), width, height};
+}
+
+void LayoutSkinFrame(QWidget& frm) {
+  const QSize window = frm.size();
+  QPalette palette = frm.palette();
+  palette.setColor(QPalette::Window, kBackground);
+  frm.setPalette(palette);
+  if (const auto* title = frm.findChild<QLabel*>("lblTitle")) frm.setWindowTitle(title->text());
+  RoundWindowCorners(frm);
+  for (const FramePicture& picture : kFrame) {
+    auto* box = frm.findChild<PictureBox*>(picture.name);
+    if (box) box->setGeometry(SkinPictureRect(picture.name, window, box->size()));
+  }
+}
+
+void RoundWindowCorners(QWidget& frm) {
+  QPainterPath outline;
+  outline.addRoundedRect(frm.rect(), kCornerRadius, kCornerRadius);
+  frm.setMask(QRegion(outline.toFillPolygon().toPolygon()));
+}
+
+void DragWindow(QWidget& frm) {
+  if (frm.isMaximized()) return;
+  QWindow* window = frm.windowHandle();
+  if (window && window->startSystemMove()) return;
+  MakeChild<ManualDrag>(frm);
+}
+
+void SetTopMost(QWidget& frm, bool top_most) {
+  if (frm.windowFlags().testFlag(Qt::WindowStaysOnTopHint) == top_most) return;
+  const bool visible = frm.isVisible();
+  frm.setWindowFlag(Qt::WindowStaysOnTopHint, top_most);
+  // Changing a window's flags hides it.
+  if (visible) frm.show();
+}
+
+}  // namespace dorvane
