@@ -48,6 +48,11 @@ std::string WeekDaysOf(const Task& task) {
   return days + " ";
 }
 
+/// "22..31", or "31" alone: systemd takes no range of one number.
+std::string Range(unsigned first, unsigned last) {
+  return first == last ? fmt::format("{:02}", first) : fmt::format("{:02}..{:02}", first, last);
+}
+
 /// Every start from the begin date on: the rest of its month, of its year, and the years after.
 std::vector<std::string> CalendarsOf(const Task& task) {
   const std::chrono::year_month_day date(task.begin_date);
@@ -59,17 +64,25 @@ std::vector<std::string> CalendarsOf(const Task& task) {
     return {fmt::format("{:04}-{:02}-{:02} {}", year, month, day, time)};
   }
   if (task.repetition == Repetition::Monthly) {
-    return {fmt::format("{:04}-{:02}/1-{:02} {}", year, month, day, time),
+    return {fmt::format("{:04}-{}-{:02} {}", year, Range(month, 12), day, time),
             fmt::format("{:04}/1-*-{:02} {}", year + 1, day, time)};
   }
   const std::string days = WeekDaysOf(task);
   std::vector<std::string> calendars{
-      fmt::format("{}{:04}-{:02}-{:02}/1 {}", days, year, month, day, time)};
+      fmt::format("{}{:04}-{:02}-{} {}", days, year, month, Range(day, 31), time)};
   if (month < 12) {
-    calendars.push_back(fmt::format("{}{:04}-{:02}/1-* {}", days, year, month + 1, time));
+    calendars.push_back(fmt::format("{}{:04}-{}-* {}", days, year, Range(month + 1, 12), time));
   }
   calendars.push_back(fmt::format("{}{:04}/1-*-* {}", days, year + 1, time));
   return calendars;
+}
+
+void CheckProgram(const std::filesystem::path& program) {
+  if (program.string().find_first_of("\"'\\") == std::string::npos) return;
+  throw RunTimeError(
+      run_time::kInvalidArgument, "Scheduler",
+      fmt::format("systemd starts no program with quotes or backslashes in its path: {}",
+                  program.string()));
 }
 
 }  // namespace
@@ -136,6 +149,7 @@ std::optional<Task> SystemdScheduler::Find(const std::string& name) const {
 }
 
 void SystemdScheduler::Store(const Task& task) {
+  CheckProgram(task.program);
   ReplaceFile(UnitFile(task.name, ".service"), ServiceText(task), kUnitFileMode);
   ReplaceFile(UnitFile(task.name, ".timer"), TimerText(task), kUnitFileMode);
   const std::string timer = UnitName(task.name) + ".timer";

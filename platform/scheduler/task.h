@@ -26,7 +26,7 @@ struct Task {
   std::chrono::local_days begin_date;  // no run before this day
   std::chrono::minutes start_time{0};  // since midnight, 0 to 1439
   Repetition repetition = Repetition::Daily;
-  std::set<unsigned> week_days;  // for Weekly: 0 Sunday to 6 Saturday
+  std::set<unsigned> week_days{};  // for Weekly: 0 Sunday to 6 Saturday
   /// Start as soon as possible when the computer was off at the time; crontabs cannot do that.
   bool run_missed_start = false;
   bool enabled = true;

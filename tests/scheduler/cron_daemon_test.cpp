@@ -1,0 +1,171 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <ctime>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <thread>
+
+#include "platform/scheduler/cron_scheduler.h"
+#include "tests/scheduler/tasks.h"
+#include "tests/support/process.h"
+#include "tests/support/temp_folder.h"
+
+namespace dorvane::scheduler {
+namespace {
+
+using namespace std::chrono;
+using ::testing::HasSubstr;
+using ::testing::UnorderedElementsAreArray;
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+/// A cron daemon that sees a spool of its own and none of the computer's jobs.
+class PrivateCron {
+ public:
+  PrivateCron() {
+    for (const char* name : {"spool", "run", "cron.d"}) {
+      std::filesystem::create_directory(folder_ / name);
+    }
+    std::ofstream(folder_ / "crontab") << "";
+    process_.emplace(
+        std::vector<std::string>{"unshare", "-m", "--propagation", "private", "sh", "-c",
+                                 "mount --bind \"$0/spool\" /var/spool/cron/crontabs && "
+                                 "mount --bind \"$0/run\" /run && "
+                                 "mount --bind \"$0/cron.d\" /etc/cron.d && "
+                                 "mount --bind \"$0/crontab\" /etc/crontab && exec cron -f",
+                                 folder_.Path().string()},
+        folder_ / "output");
+  }
+
+  /// False where this user may not make a private view of the file system.
+  bool IsUp() {
+    const std::string comm = "/proc/" + std::to_string(process_->Id()) + "/comm";
+    for (int i = 0; i < 500 && process_->IsRunning(); ++i) {
+      if (test::ReadFile(comm) == "cron\n") return true;
+      std::this_thread::sleep_for(milliseconds(10));
+    }
+    return false;
+  }
+
+  std::vector<std::string> CrontabCommand() const {
+    return {"nsenter", "-t", std::to_string(process_->Id()), "-m", "crontab"};
+  }
+
+ private:
+  test::TempFolder folder_;
+  std::optional<test::Process> process_;
+};
+
+#ifdef DORVANE_PROGRAM
+/// A conversion between two ports that nothing listens on.
+void WriteSettings(const std::filesystem::path& path, const std::filesystem::path& log) {
+  std::ofstream file(path, std::ios::binary);
+  const std::string port[] = {std::to_string(test::FreePort()), std::to_string(test::FreePort())};
+  for (const std::string& line :
+       {std::string("1"), std::string("127.0.0.1"), port[0], std::string("sa"), std::string(),
+        std::string("False"), std::string("Sales"), std::string("127.0.0.1"), port[1],
+        std::string("root"), std::string(), std::string(), std::string("sales"),
+        std::string("Customers:<:Orders"), std::string("False"), std::string("True"),
+        std::string("1"), std::string("False"), log.string()}) {
+    file << line << "\r\n";
+  }
+}
+#endif
+
+/// A minute that cron still has ahead, far enough to get the crontab in place.
+LocalMinute ComingMinute() {
+  const std::time_t now = std::time(nullptr);
+  return LocalNow() + minutes(now % 60 < 50 ? 1 : 2);
+}
+
+TEST(CronDaemon, StartsTheTasksThatAreDue) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give cron a spool of its own";
+  PrivateCron cron;
+  if (!cron.IsUp()) GTEST_SKIP() << "no private mounts here";
+  // cron compares whole seconds: a crontab of the second that it started in would stay unseen.
+  std::this_thread::sleep_for(milliseconds(1100));
+  CronScheduler scheduler(cron.CrontabCommand());
+  const test::TempFolder folder;
+  const std::filesystem::path job = folder / "100% it's a \"job\"";
+  std::ofstream(job) << "#!/bin/sh\nprintf '%s|%s|%s\\n' \"$PWD\" $# \"$1\" >> out\n";
+  chmod(job.c_str(), 0755);
+
+  const LocalMinute due = ComingMinute();
+  const local_days today = floor<days>(due);
+  const auto save = [&](const std::string& name, Repetition repetition, days from_today,
+                        bool enabled) {
+    Task task = DailyTask(name);
+    task.program = job;
+    task.working_directory = folder.Path();
+    task.begin_date = today + from_today;
+    task.start_time = due - today;
+    task.repetition = repetition;
+    task.enabled = enabled;
+    const unsigned week_day = weekday(today).c_encoding();
+    task.week_days = {name == "other day" ? (week_day + 1) % 7 : week_day};
+    scheduler.Save(task);
+  };
+
+  std::vector<std::string> expected;
+  const auto expect = [&](const std::string& name) {
+    expected.push_back(folder.Path().string() + "|1|" + name + ".dcs");
+  };
+  for (const std::string& name : HostileNames()) {
+    save(name, Repetition::Daily, days(0), true);
+    expect(name);
+  }
+  for (const auto& [name, repetition] : std::initializer_list<std::pair<std::string, Repetition>>{
+           {"once", Repetition::Once},
+           {"weekly", Repetition::Weekly},
+           {"monthly", Repetition::Monthly}}) {
+    save(name, repetition, days(0), true);
+    expect(name);
+  }
+  save("off", Repetition::Daily, days(0), false);
+  save("tomorrow", Repetition::Daily, days(1), true);
+  save("other day", Repetition::Weekly, days(0), true);
+  save("last year", Repetition::Once, -days(365), true);
+
+#ifdef DORVANE_PROGRAM
+  Task conversion = DailyTask("a conversion");
+  conversion.program = DORVANE_PROGRAM;
+  conversion.working_directory = folder.Path();
+  conversion.begin_date = today;
+  conversion.start_time = due - today;
+  WriteSettings(folder / conversion.arguments, folder / "log.txt");
+  scheduler.Save(conversion);
+#endif
+
+  const auto limit = steady_clock::now() + minutes(3);
+  const auto is_done = [&] {
+    if (Lines(test::ReadFile(folder / "out")).size() < expected.size()) return false;
+#ifdef DORVANE_PROGRAM
+    return test::ReadFile(folder / "log.txt").find("Conversion Failed") != std::string::npos;
+#else
+    return true;
+#endif
+  };
+  while (!is_done() && steady_clock::now() < limit) std::this_thread::sleep_for(milliseconds(200));
+  std::this_thread::sleep_for(seconds(1));  // for those that must not come
+
+  EXPECT_THAT(Lines(test::ReadFile(folder / "out")), UnorderedElementsAreArray(expected));
+  EXPECT_FALSE(std::filesystem::exists(folder / "pwned"));
+#ifdef DORVANE_PROGRAM
+  const std::string log = test::ReadFile(folder / "log.txt");
+  EXPECT_THAT(log, HasSubstr("############### Dorvane (New Conversion) #############\r\n"));
+  EXPECT_THAT(log, HasSubstr("Conversion started at: "));
+  EXPECT_THAT(log, HasSubstr("Conversion Failed! MS SQL Server can not be found"));
+#endif
+}
+
+}  // namespace
+}  // namespace dorvane::scheduler
