@@ -26,9 +26,12 @@ struct TypeInfo {
   int scale = 0;      // digits behind the point, or fractional digits of times
 };
 
+__extension__ using Int128 = __int128;
+__extension__ using UInt128 = unsigned __int128;
+
 /// An exact number: value / 10^scale. 38 digits fit.
 struct DecimalValue {
-  __int128 unscaled = 0;
+  Int128 unscaled = 0;
   int scale = 0;
 };
 

@@ -1,0 +1,101 @@
+#include "sandbox/tds/connection.h"
+
+#include <sys/socket.h>
+#include <sys/time.h>
+
+#include <optional>
+
+#include "sandbox/tds/request_header.h"
+#include "sandbox/tds/text_codec.h"
+
+namespace sandbox::tds {
+namespace {
+
+constexpr int kHandshakeSeconds = 30;
+constexpr std::size_t kLongestBatch = 256 * 1024 * 1024;
+
+void SetReceiveTimeout(int socket, int seconds) {
+  timeval timeout{.tv_sec = seconds, .tv_usec = 0};
+  setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+}
+
+}  // namespace
+
+Connection::Connection(int socket, Engine& engine, const Credentials& credentials,
+                       AttentionWatch& watch)
+    : socket_(socket), engine_(engine), credentials_(credentials), watch_(watch), client_(socket) {}
+
+void Connection::Run() {
+  SetReceiveTimeout(socket_, kHandshakeSeconds);
+  try {
+    if (!LogIn(client_, engine_, credentials_)) return;
+  } catch (const MessageWithdrawn&) {
+    return;
+  }
+  SetReceiveTimeout(socket_, 0);
+  while (auto type = client_.stream.NextMessage()) {
+    try {
+      Serve(*type);
+    } catch (const MessageWithdrawn& withdrawn) {
+      if (withdrawn.attention) ConfirmAttention();
+    }
+    if (client_.stream.Broken()) return;
+  }
+}
+
+void Connection::Serve(MessageType type) {
+  switch (type) {
+    case MessageType::SqlBatch:
+      return ServeBatch();
+    case MessageType::Attention:
+      return ConfirmAttention();
+    default:
+      throw ProtocolError("a message of unknown type");
+  }
+}
+
+void Connection::ServeBatch() {
+  ByteReader reader(client_.stream);
+  SkipAllHeaders(reader, client_.version);
+  std::string batch = Utf16ToUtf8(reader.Rest(kLongestBatch));
+  RunRequest(ResultWriter::Request::Batch,
+             [&](ResultWriter& results) { client_.engine->Execute(batch, results); });
+}
+
+void Connection::ConfirmAttention() {
+  WriteDone(client_.stream.Out(), client_.version, Token::Done, kDoneAttention, 0);
+  client_.stream.EndReply();
+}
+
+void Connection::StartFresh() {
+  client_.engine = engine_.OpenSession(client_.login);
+  client_.engine->UseDatabase(client_.login_database);
+  client_.transaction = 0;
+}
+
+void Connection::RunRequest(ResultWriter::Request kind,
+                            const std::function<void(ResultWriter&)>& work) {
+  const bool reset = client_.stream.ResetRequested();
+  if (reset) StartFresh();
+  client_.engine->cancel = client_.stream.AttentionFollows();
+  ResultWriter results(client_, kind);
+  if (reset) results.ResetAcknowledged();
+  if (!client_.engine->cancel) {
+    // Bytes that were already received are the next request's; the socket would mislead.
+    std::optional<AttentionWatch::Guard> guard;
+    if (!client_.stream.HasMore()) guard.emplace(watch_, socket_, client_.engine->cancel);
+    work(results);
+  }
+  if (!client_.engine->cancel) {
+    results.Finish();
+    client_.stream.EndReply();
+    return;
+  }
+  auto next = client_.stream.NextMessage();
+  if (!next) throw Disconnected("the client left during a request");
+  if (next != MessageType::Attention) throw ProtocolError("a request interrupts another");
+  results.FinishCancelled();
+  client_.stream.EndReply();
+}
+
+}  // namespace sandbox::tds

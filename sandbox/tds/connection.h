@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+
+#include "sandbox/tds/attention_watch.h"
+#include "sandbox/tds/client_session.h"
+#include "sandbox/tds/login_phase.h"
+#include "sandbox/tds/result_writer.h"
+
+namespace sandbox::tds {
+
+/// One client from its handshake to its end.
+class Connection {
+ public:
+  /// The socket stays its owner's; shutting it down ends Run.
+  Connection(int socket, Engine& engine, const Credentials& credentials, AttentionWatch& watch);
+
+  /// Serves the client until it leaves. Throws ProtocolError, Disconnected.
+  void Run();
+
+ private:
+  void Serve(MessageType type);
+  void ServeBatch();
+  void ConfirmAttention();
+  void RunRequest(ResultWriter::Request kind, const std::function<void(ResultWriter&)>& work);
+  void StartFresh();
+
+  int socket_;
+  Engine& engine_;
+  const Credentials& credentials_;
+  AttentionWatch& watch_;
+  ClientSession client_;
+};
+
+}  // namespace sandbox::tds

@@ -1,0 +1,93 @@
+#include "fake_engine.h"
+
+namespace sandbox::tds {
+
+class FakeEngine::Bulk : public BulkTarget {
+ public:
+  explicit Bulk(FakeEngine& engine) : engine_(engine) {}
+  const std::vector<ColumnInfo>& Columns() const override { return engine_.bulk_columns; }
+  bool Row(std::span<const Value> values, ResultSink&) override {
+    std::lock_guard lock(engine_.mutex_);
+    engine_.bulk_rows_.emplace_back(values.begin(), values.end());
+    ++count_;
+    return true;
+  }
+  std::int64_t Finish(ResultSink&) override { return count_; }
+
+ private:
+  FakeEngine& engine_;
+  std::int64_t count_ = 0;
+};
+
+class FakeEngine::Session : public EngineSession {
+ public:
+  explicit Session(FakeEngine& engine) : engine_(engine) {}
+
+  const std::string& Database() const override { return database_; }
+  bool UseDatabase(std::string_view name) override {
+    if (!engine_.HasDatabase(name)) return false;
+    database_ = name;
+    return true;
+  }
+  void Execute(std::string_view batch, ResultSink& sink) override { Run(batch, {}, sink); }
+  void ExecuteWithParameters(std::string_view batch, std::span<Parameter> parameters,
+                             ResultSink& sink) override {
+    Run(batch, parameters, sink);
+  }
+  void Call(std::string_view procedure, std::span<Parameter> parameters,
+            ResultSink& sink) override {
+    engine_.Keep({std::string(procedure), {parameters.begin(), parameters.end()}});
+    auto found = engine_.procedures.find(std::string(procedure));
+    if (found == engine_.procedures.end()) {
+      sink.Message({.number = 2812, .text = "Could not find stored procedure.", .procedure = {}});
+    } else {
+      found->second(parameters, sink);
+    }
+  }
+  std::vector<ColumnInfo> Describe(std::string_view, std::span<const Parameter>) override {
+    return {{.name = "described", .type = {SqlType::Int}}};
+  }
+  std::unique_ptr<BulkTarget> BeginBulk(std::string_view, ResultSink&) override {
+    return std::make_unique<Bulk>(engine_);
+  }
+
+ private:
+  void Run(std::string_view batch, std::span<Parameter> parameters, ResultSink& sink) {
+    batch = batch.substr(0, batch.find_last_not_of(" \r\n") + 1);  // tools end it with a line end
+    engine_.Keep({std::string(batch), {parameters.begin(), parameters.end()}});
+    auto found = engine_.batches.find(std::string(batch));
+    if (found == engine_.batches.end()) {
+      sink.Done(std::nullopt);
+    } else {
+      found->second(*this, sink);
+    }
+  }
+
+  FakeEngine& engine_;
+  std::string database_ = "master";
+};
+
+std::vector<FakeEngine::Call> FakeEngine::Calls() const {
+  std::lock_guard lock(mutex_);
+  return calls_;
+}
+
+std::vector<std::vector<Value>> FakeEngine::BulkRows() const {
+  std::lock_guard lock(mutex_);
+  return bulk_rows_;
+}
+
+void FakeEngine::Keep(Call call) {
+  std::lock_guard lock(mutex_);
+  calls_.push_back(std::move(call));
+}
+
+std::unique_ptr<EngineSession> FakeEngine::OpenSession(std::string_view) {
+  return std::make_unique<Session>(*this);
+}
+
+bool FakeEngine::HasDatabase(std::string_view name) const {
+  return name == "master" || name == "shop";
+}
+
+}  // namespace sandbox::tds
