@@ -1,0 +1,124 @@
+#include "endpoint/row_copier.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+
+namespace dorvane {
+
+namespace {
+
+// A refusal among so few rows is found sooner one by one than by halving.
+constexpr std::size_t kFewRows = 8;
+// So many rows stored one by one make a block worth trying again.
+constexpr std::size_t kCleanRowsForBlock = 4;
+constexpr std::size_t kGrowth = 4;
+
+struct Fetched {
+  bool has_more = false;
+  std::exception_ptr failure;
+};
+
+std::future<Fetched> FetchAhead(const BlockSource& source, ado::RowBlock& block) {
+  return std::async(std::launch::async, [&source, &block] {
+    Fetched fetched;
+    // A source that fails before it reads must not leave rows of an earlier block behind.
+    block.Clear(0);
+    try {
+      fetched.has_more = source(block);
+    } catch (...) {
+      fetched.failure = std::current_exception();
+    }
+    return fetched;
+  });
+}
+
+}  // namespace
+
+RowCopier::RowCopier(IRowDestination& destination, IConversionListener& events, IRunHost& host,
+                     CopyStrategy strategy, ado::BlockLimits limits)
+    : destination_(destination),
+      events_(events),
+      host_(host),
+      blocks_(strategy == CopyStrategy::Blocks && destination.TakesBlocks()),
+      limits_(limits),
+      reach_(blocks_ ? limits.rows : 1) {}
+
+bool RowCopier::Copy(const BlockSource& source) {
+  std::array<ado::RowBlock, 2> blocks{ado::RowBlock(limits_), ado::RowBlock(limits_)};
+  std::size_t current = 0;
+  // Destroyed before the blocks: an early end waits for the block that is being read.
+  std::future<Fetched> ahead = FetchAhead(source, blocks[current]);
+  for (;;) {
+    const Fetched fetched = ahead.get();
+    if (fetched.has_more) ahead = FetchAhead(source, blocks[1 - current]);
+    // The rows that came before a failure of the source are copied like any others.
+    if (!Store(blocks[current])) return false;
+    if (fetched.failure) std::rethrow_exception(fetched.failure);
+    if (!fetched.has_more) return true;
+    current = 1 - current;
+  }
+}
+
+bool RowCopier::Store(const ado::RowBlock& block) {
+  refused_end_ = 0;
+  for (std::size_t position = 0; position < block.Rows();) {
+    if (host_.IsStopping()) return false;
+    position += StoreSome(block, position);
+  }
+  host_.Yield();
+  return true;
+}
+
+std::size_t RowCopier::StoreSome(const ado::RowBlock& block, std::size_t position) {
+  const std::size_t count = NextCount(position, block.Rows());
+  if (count == 1) {
+    StoreOne(block, position);
+    return 1;
+  }
+  switch (destination_.StoreBlock(block, position, count)) {
+    case BlockResult::Stored:
+      clean_rows_ += count;
+      reach_ = std::min(reach_ * kGrowth, limits_.rows);
+      Handled(count);
+      return count;
+    case BlockResult::Refused:
+      refused_end_ = position + count;
+      reach_ = std::max<std::size_t>(1, count / 2);
+      return 0;
+    case BlockResult::Failed:
+      // One row tells whether the destination still answers, and reports once if it does not.
+      clean_rows_ = 0;
+      reach_ = 1;
+      return 0;
+  }
+  return 0;
+}
+
+void RowCopier::StoreOne(const ado::RowBlock& block, std::size_t position) {
+  const RowResult result = destination_.StoreRow(block, position);
+  if (result == RowResult::Refused) {
+    const std::size_t usual_stretch = clean_rows_ / kGrowth;
+    reach_ = usual_stretch < kCleanRowsForBlock ? 1 : std::min(usual_stretch, limits_.rows);
+    clean_rows_ = 0;
+    refused_end_ = 0;
+  } else {
+    ++clean_rows_;
+    if (reach_ == 1 && clean_rows_ >= kCleanRowsForBlock) reach_ = kCleanRowsForBlock;
+  }
+  Handled(1);
+}
+
+std::size_t RowCopier::NextCount(std::size_t position, std::size_t rows) const {
+  if (!blocks_) return 1;
+  const std::size_t count = std::min(reach_, rows - position);
+  if (position >= refused_end_) return count;
+  const std::size_t suspects = refused_end_ - position;
+  return suspects <= kFewRows ? 1 : std::min(count, suspects / 2);
+}
+
+void RowCopier::Handled(std::size_t count) {
+  for (std::size_t row = 0; row < count; ++row) events_.TableRecordConverted();
+}
+
+}  // namespace dorvane

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <future>
+
+#include "endpoint/events.h"
+#include "endpoint/run_host.h"
+#include "platform/ado/row_block.h"
+
+namespace dorvane {
+
+/// How rows travel: one by one, the reference, or in blocks with the same outcome.
+enum class CopyStrategy { Blocks, RowByRow };
+
+/// Why rows sent together were not stored: something in them was refused, or the sending failed in
+/// another way (a lost connection, a deadlock).
+enum class BlockResult { Stored, Refused, Failed };
+
+/// Refused: the row was left out or changed as the rules of the direction say.
+enum class RowResult { Stored, Refused };
+
+/// The table that rows are copied into.
+class IRowDestination {
+ public:
+  virtual ~IRowDestination() = default;
+  /// False for a table that would tell rows sent together from rows sent one by one.
+  virtual bool TakesBlocks() = 0;
+  /// Stores all `count` rows from `first` on, or leaves the table as it was. Does not throw for
+  /// what the server says.
+  virtual BlockResult StoreBlock(const ado::RowBlock& block, std::size_t first,
+                                 std::size_t count) = 0;
+  /// Stores one row under the rules of the direction. Throws RunTimeError when the copy must end.
+  virtual RowResult StoreRow(const ado::RowBlock& block, std::size_t row) = 0;
+};
+
+/// Fills the block with the next rows; false at the end. Called in another thread.
+using BlockSource = std::function<bool(ado::RowBlock& block)>;
+
+/// Copies rows in their order and raises TableRecordConverted once for each row that was handled.
+/// The next block is read while the last one is stored.
+///
+/// A refused block is tried again in halves until the refused row stands alone and goes through
+/// StoreRow. After it the blocks are as long as refusals have lately been apart, growing again
+/// while nothing is refused; where refusals come close together rows go one by one.
+class RowCopier {
+ public:
+  RowCopier(IRowDestination& destination, IConversionListener& events, IRunHost& host,
+            CopyStrategy strategy, ado::BlockLimits limits = {});
+
+  /// False when the user ended the run before the last row. Throws what StoreRow and `source`
+  /// throw, after every row read before has been handled.
+  bool Copy(const BlockSource& source);
+
+ private:
+  bool Store(const ado::RowBlock& block);
+  std::size_t StoreSome(const ado::RowBlock& block, std::size_t position);
+  void StoreOne(const ado::RowBlock& block, std::size_t position);
+  std::size_t NextCount(std::size_t position, std::size_t rows) const;
+  void Handled(std::size_t count);
+
+  IRowDestination& destination_;
+  IConversionListener& events_;
+  IRunHost& host_;
+  const bool blocks_;
+  const ado::BlockLimits limits_;
+
+  std::size_t reach_;            // rows that the next attempt may take
+  std::size_t clean_rows_ = 0;   // stored since the last refusal
+  std::size_t refused_end_ = 0;  // a refusal lies before this row of the block; 0: none is known
+};
+
+}  // namespace dorvane

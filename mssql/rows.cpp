@@ -1,0 +1,223 @@
+#include "mssql/rows.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "mssql/mssql_database.h"
+#include "mssql/values.h"
+#include "platform/text/code_page.h"
+
+namespace dorvane {
+
+namespace {
+
+constexpr std::size_t kChunkBytes = 1000;
+
+// Duplicate entry, duplicate key, duplicate entry with the key's name.
+constexpr std::array kDuplicateErrors{1062, 1022, 1586};
+
+// HRESULTs by which the provider says that a row, not the connection, is at fault.
+constexpr std::array kRowRefusals{ado::hresult::kErrorsInCommand, ado::hresult::kErrorsOccurred,
+                                  ado::hresult::kIntegrityViolation, ado::hresult::kDataOverflow};
+
+bool Contains(std::span<const std::int32_t> numbers, std::int32_t number) {
+  return std::ranges::find(numbers, number) != numbers.end();
+}
+
+std::string MySqlText(std::string_view text) {
+  return Quote(text);
+}
+
+}  // namespace
+
+RowsToMySql::RowsToMySql(ado::Connection& destination, Target target,
+                         const std::vector<ado::FieldInfo>& fields,
+                         const std::vector<ColumnFacts>& facts)
+    : destination_(destination),
+      target_(std::move(target)),
+      fields_(fields),
+      facts_(facts),
+      table_(OnDestination(destination, [&] {
+        return destination.OpenTable("`" + target_.table + "`", target_.columns);
+      })) {}
+
+bool RowsToMySql::TakesBlocks() {
+  try {
+    const std::string table = MySqlText(target_.table);
+    ado::Recordset facts = destination_.Execute(fmt::format(
+        "select coalesce(e.transactions = 'YES', 0), (select count(*) from "
+        "information_schema.triggers where event_object_schema = database() and "
+        "event_object_table = '{0}'), @@sql_mode like '%STRICT%' from information_schema.tables t "
+        "left join information_schema.engines e on e.engine = t.engine where t.table_schema = "
+        "database() and t.table_name = '{0}'",
+        table));
+    if (facts.AtEnd() || facts.Field(0).Text() != "1" || facts.Field(1).Text() != "0") {
+      return false;
+    }
+    const bool is_strict = facts.Field(2).Text() == "1";
+    facts.Close();
+    if (is_strict) return true;
+    // Such a server refuses a NULL in a NOT NULL column only of a row that is sent alone.
+    must_have_value_.assign(target_.columns.size(), false);
+    for (const ado::Column& column : destination_.Columns(target_.table)) {
+      const auto found = std::ranges::find(target_.columns, column.name);
+      if (found == target_.columns.end()) continue;
+      must_have_value_[static_cast<std::size_t>(found - target_.columns.begin())] =
+          (column.attributes & ado::kColumnNullable) == 0;
+    }
+    return true;
+  } catch (const RunTimeError&) {
+    // A server that does not tell is taken for one that would see the difference.
+    return false;
+  }
+}
+
+BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& block, std::size_t first,
+                                    std::size_t count) {
+  Convert(block, first, count);
+  if (LacksValue(converted_)) return BlockResult::Refused;
+  bool in_transaction = false;
+  try {
+    destination_.BeginTrans();
+    in_transaction = true;
+    table_.InsertRows(converted_, 0, count);
+    destination_.CommitTrans();
+    return BlockResult::Stored;
+  } catch (const RunTimeError& error) {
+    const std::int32_t number = error.Number();
+    if (in_transaction) {
+      try {
+        destination_.RollbackTrans();
+      } catch (const RunTimeError&) {
+        return BlockResult::Failed;
+      }
+    }
+    return Contains(kRowRefusals, number) ? BlockResult::Refused : BlockResult::Failed;
+  }
+}
+
+void RowsToMySql::Convert(const ado::RowBlock& block, std::size_t first, std::size_t count) {
+  converted_.Clear(fields_.size());
+  for (std::size_t row = first; row < first + count; ++row) {
+    const std::span<const ado::Value> values = block.Row(row);
+    const std::span<ado::Value> target = converted_.AppendRow();
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const bool is_raw = IsChunkCopied(fields_[i].type);
+      target[i] =
+          is_raw ? values[i] : DataValue(values[i], fields_[i], facts_[i], converted_.Storage());
+    }
+  }
+}
+
+bool RowsToMySql::LacksValue(const ado::RowBlock& block) const {
+  if (must_have_value_.empty()) return false;
+  for (std::size_t row = 0; row < block.Rows(); ++row) {
+    const std::span<const ado::Value> values = block.Row(row);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (must_have_value_[i] && ado::IsNull(values[i])) return true;
+    }
+  }
+  return false;
+}
+
+RowResult RowsToMySql::StoreRow(const ado::RowBlock& block, std::size_t row) {
+  try {
+    Assign(block.Row(row));
+    Update();
+    return RowResult::Stored;
+  } catch (const DestinationFailure& failure) {
+    return Resolve(failure, false);
+  }
+}
+
+void RowsToMySql::Assign(std::span<const ado::Value> row) {
+  table_.AddNew();
+  row_storage_.Clear();
+  has_chunks_ = false;
+  last_text_.reset();
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    ado::Field& field = table_.Field(i);
+    if (IsChunkCopied(fields_[i].type)) {
+      has_chunks_ = true;
+      if (const auto* binary = std::get_if<ado::Binary>(&row[i]))
+        AppendChunks(field, binary->bytes);
+      continue;
+    }
+    const ado::Value value = DataValue(row[i], fields_[i], facts_[i], row_storage_);
+    if (const auto* text = std::get_if<std::string_view>(&value)) {
+      field.SetText(*text);
+      last_text_ = LastText{i, std::string(*text)};
+    } else if (const auto* binary = std::get_if<ado::Binary>(&value)) {
+      field.AppendChunk(binary->bytes);
+    } else {
+      field.SetNull();
+    }
+  }
+}
+
+void RowsToMySql::AppendChunks(ado::Field& field, std::string_view bytes) {
+  // An empty value is appended too, which tells it from NULL.
+  do {
+    field.AppendChunk(bytes.substr(0, kChunkBytes));
+    bytes.remove_prefix(std::min(kChunkBytes, bytes.size()));
+  } while (!bytes.empty());
+}
+
+void RowsToMySql::Update() {
+  OnDestination(destination_, [this] { table_.Update(); });
+}
+
+RowResult RowsToMySql::Resolve(const DestinationFailure& failure, bool is_rebuilt) {
+  const ado::Error* entry = failure.FirstEntry();
+  if (entry == nullptr) throw failure;
+
+  const bool is_bad_value = entry->number == ado::hresult::kErrorsOccurred;
+  const bool is_duplicate = entry->number == ado::hresult::kErrorsInCommand &&
+                            Contains(kDuplicateErrors, entry->native_error);
+  if ((is_bad_value && has_chunks_) || (is_duplicate && target_.leaves_duplicates_out)) {
+    table_.CancelUpdate();
+    return RowResult::Refused;
+  }
+  if (!is_bad_value || is_rebuilt) throw failure;
+  RebuildLastText();
+  try {
+    Update();
+    return RowResult::Refused;
+  } catch (const DestinationFailure& second) {
+    return Resolve(second, true);
+  }
+}
+
+void RowsToMySql::RebuildLastText() {
+  if (!last_text_) return;
+  const std::string rebuilt = text::FromAnsi(text::ToAnsi(last_text_->text));
+  if (rebuilt.find('?') != std::string::npos) table_.Field(last_text_->field).SetText(rebuilt);
+}
+
+bool MsSqlDatabase::CopyTableContent(ado::Table& tab_src) {
+  const std::string& name = tab_src.Name();
+  const std::string dest_name = DestName(name);
+  try {
+    ado::Recordset source = Source().Execute("select * from [" + name + "]");
+    const std::vector<ado::FieldInfo>& fields = source.FieldInfos();
+    const std::int32_t count = CountRows("select count(*) as Rows_No from [" + name + "]");
+    Events().TableContentTransferStarted(name, count);
+
+    Facts().resize(std::max(Facts().size(), fields.size()));
+    RowsToMySql::Target target{dest_name, {}, IsMerging()};
+    for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
+    RowsToMySql rows(Destination(), std::move(target), fields, Facts());
+    return CopyRows(source, rows);
+  } catch (const RunTimeError& error) {
+    const FailureWords words = ProviderWords(error);
+    RaiseError(fmt::format("Unexpected error while transfering data of table {} - {} - {}",
+                           dest_name, words.number, words.description),
+               "Insertion Error");
+    return true;
+  }
+}
+
+}  // namespace dorvane

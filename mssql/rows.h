@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "endpoint/column_facts.h"
+#include "endpoint/destination.h"
+#include "endpoint/row_copier.h"
+#include "platform/ado/connection.h"
+
+namespace dorvane {
+
+/// A MySQL table that rows of a SQL Server table are copied into.
+class RowsToMySql : public IRowDestination {
+ public:
+  struct Target {
+    std::string table;                 // unquoted
+    std::vector<std::string> columns;  // unquoted, in the order of the fields
+    bool leaves_duplicates_out = false;
+  };
+
+  /// Opens the table. `fields` and `facts` describe the source's columns in their order and, like
+  /// the connection, must outlive this. Throws DestinationFailure.
+  RowsToMySql(ado::Connection& destination, Target target,
+              const std::vector<ado::FieldInfo>& fields, const std::vector<ColumnFacts>& facts);
+
+  bool TakesBlocks() override;
+  BlockResult StoreBlock(const ado::RowBlock& block, std::size_t first, std::size_t count) override;
+  RowResult StoreRow(const ado::RowBlock& block, std::size_t row) override;
+
+ private:
+  /// The text assigned last to a field of the row in hand.
+  struct LastText {
+    std::size_t field = 0;
+    std::string text;
+  };
+
+  void Assign(std::span<const ado::Value> row);
+  void AppendChunks(ado::Field& field, std::string_view bytes);
+  void Update();
+  void RebuildLastText();
+  RowResult Resolve(const DestinationFailure& failure, bool is_rebuilt);
+  bool LacksValue(const ado::RowBlock& block) const;
+  void Convert(const ado::RowBlock& block, std::size_t first, std::size_t count);
+
+  ado::Connection& destination_;
+  const Target target_;
+  const std::vector<ado::FieldInfo>& fields_;
+  const std::vector<ColumnFacts>& facts_;
+  ado::Recordset table_;
+  ado::RowBlock converted_;  // rows on their way, reused from block to block
+  ado::Arena row_storage_;
+  bool has_chunks_ = false;  // the row in hand holds a chunk-copied field
+  std::optional<LastText> last_text_;
+  std::vector<bool> must_have_value_;  // by column; empty on a server that refuses such rows alike
+};
+
+}  // namespace dorvane
