@@ -1,6 +1,7 @@
 #include "endpoint/destination.h"
 
 #include <algorithm>
+#include <array>
 #include <exception>
 
 namespace dorvane {
@@ -31,6 +32,12 @@ FailureWords ProviderWords(const RunTimeError& error) {
     return failure->Words();
   }
   return {error.Number(), error.Description()};
+}
+
+bool IsRowRefusal(std::int32_t number) {
+  constexpr std::array kRefusals{ado::hresult::kErrorsInCommand, ado::hresult::kErrorsOccurred,
+                                 ado::hresult::kIntegrityViolation, ado::hresult::kDataOverflow};
+  return std::ranges::find(kRefusals, number) != kRefusals.end();
 }
 
 void ExecuteOn(ado::Connection& destination, std::string_view sql) {

@@ -53,6 +53,9 @@ auto OnDestination(const ado::Connection& destination, Operation&& operation) {
   }
 }
 
+/// True for the HRESULTs by which a provider says that a row, not the connection, is at fault.
+bool IsRowRefusal(std::int32_t number);
+
 /// Executes a statement without rows on the destination. Throws DestinationFailure.
 void ExecuteOn(ado::Connection& destination, std::string_view sql);
 

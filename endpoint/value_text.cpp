@@ -312,6 +312,20 @@ ado::DateTime ParseDateTime(std::string_view text) {
   return value;
 }
 
+std::string PrefixEach(std::string_view text, std::string_view characters, char prefix) {
+  std::string result;
+  result.reserve(text.size());
+  for (const char c : text) {
+    if (characters.find(c) != std::string_view::npos) result += prefix;
+    result += c;
+  }
+  return result;
+}
+
+std::string SqlText(std::string_view text) {
+  return PrefixEach(text, "'", '\'');
+}
+
 void AppendHexDigits(std::string& out, std::string_view bytes) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   const std::size_t start = out.size();

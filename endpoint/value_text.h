@@ -41,6 +41,13 @@ bool IsZeroDate(const ado::DateTime& value);
 /// hh:nn, optional seconds and fraction, with a blank or "T" between. Throws RunTimeError 13.
 ado::DateTime ParseDateTime(std::string_view text);
 
+// Text.
+
+/// The text with `prefix` in front of each of the characters.
+std::string PrefixEach(std::string_view text, std::string_view characters, char prefix);
+/// Text for the inside of a literal that SQL Server reads: "'" doubled.
+std::string SqlText(std::string_view text);
+
 // Bytes.
 
 /// Appends two upper-case hexadecimal digits a byte.

@@ -19,12 +19,9 @@ constexpr std::size_t kChunkBytes = 1000;
 // Duplicate entry, duplicate key, duplicate entry with the key's name.
 constexpr std::array kDuplicateErrors{1062, 1022, 1586};
 
-// HRESULTs by which the provider says that a row, not the connection, is at fault.
-constexpr std::array kRowRefusals{ado::hresult::kErrorsInCommand, ado::hresult::kErrorsOccurred,
-                                  ado::hresult::kIntegrityViolation, ado::hresult::kDataOverflow};
-
-bool Contains(std::span<const std::int32_t> numbers, std::int32_t number) {
-  return std::ranges::find(numbers, number) != numbers.end();
+bool IsDuplicate(const ado::Error& error) {
+  return error.number == ado::hresult::kErrorsInCommand &&
+         std::ranges::find(kDuplicateErrors, error.native_error) != kDuplicateErrors.end();
 }
 
 std::string MySqlText(std::string_view text) {
@@ -87,7 +84,6 @@ BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& block, std::size_t firs
     destination_.CommitTrans();
     return BlockResult::Stored;
   } catch (const RunTimeError& error) {
-    const std::int32_t number = error.Number();
     if (in_transaction) {
       try {
         destination_.RollbackTrans();
@@ -95,7 +91,7 @@ BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& block, std::size_t firs
         return BlockResult::Failed;
       }
     }
-    return Contains(kRowRefusals, number) ? BlockResult::Refused : BlockResult::Failed;
+    return IsRowRefusal(error.Number()) ? BlockResult::Refused : BlockResult::Failed;
   }
 }
 
@@ -175,8 +171,7 @@ RowResult RowsToMySql::Resolve(const DestinationFailure& failure, bool is_rebuil
   if (entry == nullptr) throw failure;
 
   const bool is_bad_value = entry->number == ado::hresult::kErrorsOccurred;
-  const bool is_duplicate = entry->number == ado::hresult::kErrorsInCommand &&
-                            Contains(kDuplicateErrors, entry->native_error);
+  const bool is_duplicate = IsDuplicate(*entry);
   if ((is_bad_value && has_chunks_) || (is_duplicate && target_.leaves_duplicates_out)) {
     table_.CancelUpdate();
     return RowResult::Refused;

@@ -1,7 +1,7 @@
 #include <fmt/format.h>
 
+#include "endpoint/value_text.h"
 #include "mssql/mssql_database.h"
-#include "mssql/values.h"
 
 namespace dorvane {
 

@@ -60,16 +60,6 @@ struct Converter {
   }
 };
 
-std::string WithEach(std::string_view text, std::string_view characters, std::string_view prefix) {
-  std::string result;
-  result.reserve(text.size());
-  for (const char c : text) {
-    if (characters.find(c) != std::string_view::npos) result += prefix;
-    result += c;
-  }
-  return result;
-}
-
 }  // namespace
 
 ado::Value DataValue(const ado::Value& value, const ado::FieldInfo& field, const ColumnFacts& facts,
@@ -93,15 +83,11 @@ bool KeepsFraction(const ado::FieldInfo& field) {
 }
 
 std::string Quote(std::string_view text) {
-  return WithEach(WithEach(text, "\\\"", "\\"), "'", "'");
+  return PrefixEach(PrefixEach(text, "\\\"", '\\'), "'", '\'');
 }
 
 std::string HexCodeGUID(std::string_view braced) {
   return HexCode(GuidBytes(braced));
-}
-
-std::string SqlText(std::string_view text) {
-  return WithEach(text, "'", "'");
 }
 
 }  // namespace dorvane

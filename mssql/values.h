@@ -30,7 +30,4 @@ std::string Quote(std::string_view text);
 /// "0x" and the 32 digits of a braced identifier; "0x00" for any other text.
 std::string HexCodeGUID(std::string_view braced);
 
-/// Text for the inside of a literal sent to SQL Server: "'" doubled.
-std::string SqlText(std::string_view text);
-
 }  // namespace dorvane

@@ -1,0 +1,64 @@
+#include "mysql/literal_shape.h"
+
+#include <algorithm>
+
+namespace dorvane {
+
+namespace {
+
+using Kind = LiteralShape::Kind;
+
+// Digits of the server's widest decimal, and of those that become a float of the same value
+// whatever their scale.
+constexpr int kMostDecimalDigits = 38;
+constexpr int kMostFloatDigits = 15;
+
+LiteralShape ShapeOfNumber(std::string_view literal) {
+  const std::size_t first = literal.find_first_of("0123456789.");
+  const std::string_view digits = literal.substr(std::min(first, literal.size()));
+  if (digits.empty() || digits.find_first_not_of("0123456789.eE+-") != std::string_view::npos) {
+    return {Kind::Other};
+  }
+  if (digits.find_first_of("eE") != std::string_view::npos) return {Kind::Float};
+  const std::size_t point = digits.find('.');
+  if (point == std::string_view::npos) return {Kind::Integer};
+  return {Kind::Decimal, static_cast<int>(point), static_cast<int>(digits.size() - point - 1)};
+}
+
+}  // namespace
+
+LiteralShape ShapeOf(std::string_view literal) {
+  if (literal == "NULL") return {};
+  if (literal.starts_with('\'')) return {Kind::Text};
+  if (literal.starts_with("N'")) return {Kind::NationalText};
+  if (literal.starts_with("0x")) return {Kind::Binary};
+  return ShapeOfNumber(literal);
+}
+
+bool Join(LiteralShape& shape, const LiteralShape& other, ado::DataType type) {
+  if (other.kind == Kind::Null) return true;
+  if (shape.kind == Kind::Null) {
+    shape = other;
+    return true;
+  }
+  // Beside a float the server turns a decimal into a float, as a float column does.
+  const bool has_float = shape.kind == Kind::Float || other.kind == Kind::Float;
+  const bool has_decimal = shape.kind == Kind::Decimal || other.kind == Kind::Decimal;
+  if (has_float && has_decimal && type == ado::DataType::Double) {
+    shape = {Kind::Float};
+    return true;
+  }
+  if (shape.kind != other.kind || shape.kind == Kind::Other) return false;
+  if (shape.kind != Kind::Decimal) return true;
+
+  const int integer_digits = std::max(shape.integer_digits, other.integer_digits);
+  const int scale = std::max(shape.scale, other.scale);
+  const bool is_float_column = type == ado::DataType::Double || type == ado::DataType::Single;
+  const int most = is_float_column ? kMostFloatDigits : kMostDecimalDigits;
+  if (integer_digits + scale > most) return false;
+  shape.integer_digits = integer_digits;
+  shape.scale = scale;
+  return true;
+}
+
+}  // namespace dorvane

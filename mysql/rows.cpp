@@ -1,0 +1,175 @@
+#include "mysql/rows.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "endpoint/value_text.h"
+#include "mysql/mysql_database.h"
+#include "mysql/values.h"
+#include "platform/text/number_text.h"
+
+namespace dorvane {
+
+namespace {
+
+// The server's limit for a VALUES list.
+constexpr std::size_t kMostRowsPerInsert = 1000;
+// A batch is sent when it is that long; one row may be longer.
+constexpr std::size_t kBatchBytes = 256 * 1024;
+
+}  // namespace
+
+RowsToMsSql::RowsToMsSql(ado::Connection& destination, Target target,
+                         const std::vector<ado::FieldInfo>& fields,
+                         const std::vector<ColumnFacts>& facts)
+    : destination_(destination), target_(std::move(target)), fields_(fields), facts_(facts) {
+  head_ = "INSERT INTO " + target_.table + " (";
+  for (std::size_t i = 0; i < fields_.size(); ++i) {
+    head_ += (i == 0 ? "[" : ", [") + fields_[i].name + "]";
+  }
+  head_ += ") ";
+  if (!target_.has_identity_column) return;
+  identity_on_ = "set identity_insert " + target_.table + " On;";
+  identity_off_ = "set identity_insert " + target_.table + " Off;";
+}
+
+bool RowsToMsSql::TakesBlocks() {
+  return target_.is_new || !(HasTriggers() || RefersToItself());
+}
+
+bool RowsToMsSql::HasTriggers() {
+  try {
+    ado::Recordset count =
+        destination_.Execute("select count(*) from sys.triggers where parent_id = object_id('" +
+                             SqlText(target_.table) + "')");
+    return !count.AtEnd() && count.Field(0).Text() != "0";
+  } catch (const RunTimeError&) {
+    // A server without that view has no triggers.
+    return false;
+  }
+}
+
+bool RowsToMsSql::RefersToItself() {
+  const std::string name = target_.table.substr(1, target_.table.size() - 2);
+  try {
+    return std::ranges::any_of(destination_.Keys(name), [&name](const ado::Key& key) {
+      return key.type == ado::KeyType::Foreign && text::EqualsIgnoringCase(key.related_table, name);
+    });
+  } catch (const RunTimeError&) {
+    return true;
+  }
+}
+
+BlockResult RowsToMsSql::StoreBlock(const ado::RowBlock& block, std::size_t first,
+                                    std::size_t count) {
+  batch_ = "begin transaction;" + identity_on_;
+  insert_rows_ = 0;
+  try {
+    for (std::size_t row = first; row < first + count; ++row) {
+      MakeValues(block.Row(row));
+      AppendRow();
+      if (batch_.size() >= kBatchBytes) SendBatch();
+    }
+    batch_ += insert_rows_ > 0 ? ";" + identity_off_ : identity_off_;
+    SendBatch();
+    destination_.Execute("commit transaction");
+    return BlockResult::Stored;
+  } catch (const RunTimeError& error) {
+    TryExecute(destination_, "if @@trancount > 0 rollback transaction");
+    // The switch is no part of the transaction, and a session has it for one table only.
+    if (!identity_off_.empty()) TryExecute(destination_, identity_off_);
+    return IsRowRefusal(error.Number()) ? BlockResult::Refused : BlockResult::Failed;
+  }
+}
+
+void RowsToMsSql::MakeValues(std::span<const ado::Value> row) {
+  values_.clear();
+  row_shapes_.clear();
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (i > 0) values_ += ", ";
+    const std::size_t start = values_.size();
+    AppendDataValue(values_, row[i], facts_[i]);
+    row_shapes_.push_back(ShapeOf(std::string_view(values_).substr(start)));
+  }
+}
+
+void RowsToMsSql::AppendRow() {
+  if (JoinsLastInsert()) {
+    batch_ += ",(";
+  } else {
+    if (insert_rows_ > 0) batch_ += ';';
+    batch_ += head_;
+    batch_ += " VALUES(";
+    insert_shapes_ = row_shapes_;
+    insert_rows_ = 0;
+  }
+  batch_ += values_;
+  batch_ += ')';
+  ++insert_rows_;
+}
+
+bool RowsToMsSql::JoinsLastInsert() {
+  if (insert_rows_ == 0 || insert_rows_ == kMostRowsPerInsert) return false;
+  for (std::size_t i = 0; i < row_shapes_.size(); ++i) {
+    if (!Join(insert_shapes_[i], row_shapes_[i], fields_[i].type)) return false;
+  }
+  return true;
+}
+
+void RowsToMsSql::SendBatch() {
+  if (batch_.empty()) return;
+  destination_.Execute(batch_);
+  batch_.clear();
+  insert_rows_ = 0;
+}
+
+RowResult RowsToMsSql::StoreRow(const ado::RowBlock& block, std::size_t row) {
+  MakeValues(block.Row(row));
+  bool is_stored = ExecuteUnlessViolated(identity_on_ + head_ + " VALUES(" + values_ + ")");
+  if (!identity_off_.empty()) is_stored &= ExecuteUnlessViolated(identity_off_);
+  return is_stored ? RowResult::Stored : RowResult::Refused;
+}
+
+bool RowsToMsSql::ExecuteUnlessViolated(const std::string& statement) {
+  try {
+    ExecuteOn(destination_, statement);
+    return true;
+  } catch (const DestinationFailure& failure) {
+    const ado::Error* entry = failure.FirstEntry();
+    if (target_.leaves_violations_out && entry != nullptr &&
+        entry->number == ado::hresult::kIntegrityViolation) {
+      return false;
+    }
+    // The next table's rows need the switch, which a session has for one table only.
+    if (!identity_off_.empty()) TryExecute(destination_, identity_off_);
+    throw;
+  }
+}
+
+bool MySqlDatabase::CopyTableContent(ado::Table& tab_src, bool has_identity_column,
+                                     bool is_new_table) {
+  const std::string& name = tab_src.Name();
+  const std::string dest_table = "[" + DestName(name) + "]";
+  try {
+    ado::Recordset source = Source().Execute("select * from `" + name + "`");
+    const std::vector<ado::FieldInfo>& fields = source.FieldInfos();
+    const std::int32_t count = CountRows("select count(*) as Rows_No from `" + name + "`");
+    Events().TableContentTransferStarted(name, count);
+
+    Facts().resize(std::max(Facts().size(), fields.size()));
+    RowsToMsSql rows(Destination(), {dest_table, has_identity_column, is_new_table, IsMerging()},
+                     fields, Facts());
+    return CopyRows(source, rows);
+  } catch (const RunTimeError& error) {
+    const FailureWords words = ProviderWords(error);
+    RaiseError(fmt::format("Unexpected error while transfering data of table {} - {} - {}",
+                           dest_table, words.number, words.description),
+               "MS SQL Server");
+    return true;
+  }
+}
+
+}  // namespace dorvane
