@@ -5,8 +5,10 @@
 
 #include <optional>
 
+#include "sandbox/tds/bulk_load.h"
 #include "sandbox/tds/request_header.h"
 #include "sandbox/tds/text_codec.h"
+#include "sandbox/tds/transaction_request.h"
 
 namespace sandbox::tds {
 namespace {
@@ -33,20 +35,47 @@ void Connection::Run() {
     return;
   }
   SetReceiveTimeout(socket_, 0);
-  while (auto type = client_.stream.NextMessage()) {
-    try {
-      Serve(*type);
-    } catch (const MessageWithdrawn& withdrawn) {
-      if (withdrawn.attention) ConfirmAttention();
+  try {
+    while (auto type = client_.stream.NextMessage()) {
+      ServeUnlessWithdrawn(*type);
+      if (client_.stream.Broken()) return;
     }
-    if (client_.stream.Broken()) return;
+  } catch (const ProtocolError&) {
+    ReportBrokenStream();
+    throw;
   }
+}
+
+void Connection::ServeUnlessWithdrawn(MessageType type) {
+  try {
+    Serve(type);
+  } catch (const MessageWithdrawn& withdrawn) {
+    if (withdrawn.attention) ConfirmAttention();
+  }
+}
+
+void Connection::ReportBrokenStream() {
+  ByteWriter& out = client_.stream.Out();
+  out.bytes().clear();
+  WriteMessage(out, client_.version,
+               {.number = 4002,
+                .text = "The incoming tabular data stream (TDS) protocol stream is incorrect. The "
+                        "stream ended unexpectedly.",
+                .procedure = {}});
+  WriteDone(out, client_.version, Token::Done, kDoneError, 0);
+  client_.stream.EndReply();
 }
 
 void Connection::Serve(MessageType type) {
   switch (type) {
     case MessageType::SqlBatch:
       return ServeBatch();
+    case MessageType::Rpc:
+      return ServeProcedures();
+    case MessageType::TransactionManager:
+      return ServeTransaction();
+    case MessageType::BulkLoad:
+      return ServeBulkLoad();
     case MessageType::Attention:
       return ConfirmAttention();
     default:
@@ -58,8 +87,42 @@ void Connection::ServeBatch() {
   ByteReader reader(client_.stream);
   SkipAllHeaders(reader, client_.version);
   std::string batch = Utf16ToUtf8(reader.Rest(kLongestBatch));
+  RunRequest(ResultWriter::Request::Batch, [&](ResultWriter& results) {
+    if (IsInsertBulk(batch)) {
+      bulk_target_ = client_.engine->BeginBulk(batch, results);
+    } else {
+      client_.engine->Execute(batch, results);
+    }
+  });
+}
+
+void Connection::ServeProcedures() {
+  ByteReader reader(client_.stream);
+  std::vector<RpcRequest> requests = ReadRpcRequests(reader, client_.version);
+  RunRequest(ResultWriter::Request::Procedure, [&](ResultWriter& results) {
+    for (RpcRequest& request : requests) procedures_.Run(*client_.engine, request, results);
+  });
+}
+
+void Connection::ServeTransaction() {
+  ByteReader reader(client_.stream);
+  SkipAllHeaders(reader, client_.version);
+  std::string batch = TransactionBatch(reader);
   RunRequest(ResultWriter::Request::Batch,
              [&](ResultWriter& results) { client_.engine->Execute(batch, results); });
+}
+
+void Connection::ServeBulkLoad() {
+  if (bulk_target_ == nullptr) throw ProtocolError("bulk rows arrive without an INSERT BULK");
+  // A load that does not reach its end is given up with its target.
+  std::unique_ptr<BulkTarget> target = std::move(bulk_target_);
+  ByteReader reader(client_.stream);
+  ResultWriter results(client_, ResultWriter::Request::Batch);
+  client_.engine->cancel = false;
+  LoadRows(reader, client_.version, *target, results);
+  client_.stream.SkipMessage();
+  results.Finish();
+  client_.stream.EndReply();
 }
 
 void Connection::ConfirmAttention() {
@@ -71,10 +134,12 @@ void Connection::StartFresh() {
   client_.engine = engine_.OpenSession(client_.login);
   client_.engine->UseDatabase(client_.login_database);
   client_.transaction = 0;
+  procedures_.ForgetAll();
 }
 
 void Connection::RunRequest(ResultWriter::Request kind,
                             const std::function<void(ResultWriter&)>& work) {
+  bulk_target_.reset();
   const bool reset = client_.stream.ResetRequested();
   if (reset) StartFresh();
   client_.engine->cancel = client_.stream.AttentionFollows();

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <string>
 
 #include "sandbox/tds/attention_watch.h"
 #include "sandbox/tds/client_session.h"
 #include "sandbox/tds/login_phase.h"
+#include "sandbox/tds/procedures.h"
 #include "sandbox/tds/result_writer.h"
 
 namespace sandbox::tds {
@@ -21,7 +24,12 @@ class Connection {
  private:
   void Serve(MessageType type);
   void ServeBatch();
+  void ServeProcedures();
+  void ServeTransaction();
+  void ServeBulkLoad();
+  void ServeUnlessWithdrawn(MessageType type);
   void ConfirmAttention();
+  void ReportBrokenStream();
   void RunRequest(ResultWriter::Request kind, const std::function<void(ResultWriter&)>& work);
   void StartFresh();
 
@@ -30,6 +38,8 @@ class Connection {
   const Credentials& credentials_;
   AttentionWatch& watch_;
   ClientSession client_;
+  Procedures procedures_;
+  std::unique_ptr<BulkTarget> bulk_target_;
 };
 
 }  // namespace sandbox::tds

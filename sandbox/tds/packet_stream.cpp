@@ -55,7 +55,7 @@ bool PacketStream::ReadPacket(Header& header) {
 
 std::optional<MessageType> PacketStream::NextMessage() {
   try {
-    while (!last_packet_) NextPiece();
+    SkipMessage();
   } catch (const MessageWithdrawn& withdrawn) {
     if (withdrawn.attention) return MessageType::Attention;
   }
@@ -66,6 +66,10 @@ std::optional<MessageType> PacketStream::NextMessage() {
   withdrawn_ = (header.status & kIgnoreMessage) != 0;
   reset_requested_ = (header.status & kResetConnection) != 0;
   return type_;
+}
+
+void PacketStream::SkipMessage() {
+  while (!last_packet_) NextPiece();
 }
 
 std::string_view PacketStream::NextPiece() {

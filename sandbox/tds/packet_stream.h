@@ -48,6 +48,8 @@ class PacketStream : public ByteSource {
   /// Waits for the first packet of a message; what is left of the one before is skipped. Nothing
   /// when the client closed the connection. Throws ProtocolError, Disconnected.
   std::optional<MessageType> NextMessage();
+  /// Reads and drops what is left of the message.
+  void SkipMessage();
   /// Whether the message's first packet asks for a session as fresh as after the login.
   bool ResetRequested() const { return reset_requested_; }
   /// Whether bytes behind the current message have been received, and are an attention packet.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "sandbox/sql/types.h"
+#include "sandbox/tds/wire_type.h"
+
+namespace sandbox::tds {
+
+/// The value that a wire value's bytes, without their length, stand for. Throws ProtocolError.
+Value DecodeValue(const WireType& type, std::string body);
+
+}  // namespace sandbox::tds
