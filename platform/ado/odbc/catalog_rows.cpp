@@ -1,0 +1,102 @@
+#include "platform/ado/odbc/catalog_rows.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "platform/ado/odbc/result_reader.h"
+#include "platform/ado/odbc/utf16.h"
+
+namespace dorvane::ado::odbc {
+
+namespace {
+
+constexpr std::string_view kDefaultSchema = "dbo";
+
+/// Catalog rows hold text and small numbers only.
+std::optional<std::string> AsText(const Value& value) {
+  if (const auto* text = std::get_if<std::string_view>(&value)) return std::string(*text);
+  if (const auto* number = std::get_if<std::int64_t>(&value)) return fmt::to_string(*number);
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "1" : "0";
+  return std::nullopt;
+}
+
+/// The names that ODBC 3 gives to what some drivers still call by their ODBC 2 names.
+std::string CurrentName(std::string name) {
+  static const std::map<std::string, std::string> kRenamed = {
+      {"TABLE_OWNER", "TABLE_SCHEM"},      {"TABLE_QUALIFIER", "TABLE_CAT"},
+      {"FKTABLE_OWNER", "FKTABLE_SCHEM"},  {"PKTABLE_OWNER", "PKTABLE_SCHEM"},
+      {"PRECISION", "COLUMN_SIZE"},        {"SCALE", "DECIMAL_DIGITS"},
+      {"SEQ_IN_INDEX", "ORDINAL_POSITION"}};
+  const auto found = kRenamed.find(name);
+  return found == kRenamed.end() ? name : found->second;
+}
+
+}  // namespace
+
+std::optional<std::string> CatalogRow::OptionalText(const std::string& name) const {
+  const auto found = values_.find(name);
+  if (found == values_.end()) return std::nullopt;
+  return found->second;
+}
+
+std::string CatalogRow::Text(const std::string& name) const {
+  return OptionalText(name).value_or(std::string());
+}
+
+int CatalogRow::Number(const std::string& name) const {
+  const std::string text = Text(name);
+  int number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
+}
+
+std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon,
+                                    const std::function<SQLRETURN(SQLHANDLE)>& function) {
+  Statement statement = logon->NewStatement();
+  const SQLRETURN executed = function(statement.Get());
+  OdbcResultReader reader(logon, std::move(statement), executed);
+  std::vector<std::string> names;
+  for (const FieldInfo& field : reader.Fields()) names.push_back(CurrentName(field.name));
+  std::vector<CatalogRow> rows;
+  RowBlock block;
+  while (reader.Read(block)) {
+    for (std::size_t row = 0; row < block.Rows(); ++row) {
+      std::map<std::string, std::string> values;
+      for (std::size_t i = 0; i < names.size(); ++i) {
+        if (auto text = AsText(block.Row(row)[i])) values.emplace(names[i], std::move(*text));
+      }
+      rows.emplace_back(std::move(values));
+    }
+  }
+  return rows;
+}
+
+std::vector<CatalogRow> RowsOfTable(std::vector<CatalogRow> rows, const std::string& name_column,
+                                    const std::string& schema_column, const std::string& table) {
+  std::erase_if(rows, [&](const auto& row) { return row.Text(name_column) != table; });
+  if (rows.empty()) return rows;
+  const bool has_default = std::any_of(rows.begin(), rows.end(), [&](const auto& row) {
+    return row.Text(schema_column) == kDefaultSchema;
+  });
+  const std::string schema =
+      has_default ? std::string(kDefaultSchema) : rows.front().Text(schema_column);
+  std::erase_if(rows, [&](const auto& row) { return row.Text(schema_column) != schema; });
+  return rows;
+}
+
+std::u16string AsPattern(std::string_view name) {
+  std::string pattern;
+  for (const char c : name) {
+    if (c == '%' || c == '_' || c == '[') {
+      pattern.append({'[', c, ']'});
+    } else {
+      pattern += c;
+    }
+  }
+  return ToUtf16(pattern);
+}
+
+}  // namespace dorvane::ado::odbc

@@ -1,0 +1,81 @@
+#include "platform/ado/provider.h"
+
+#include <sql.h>
+#include <sqlext.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "platform/ado/odbc/catalog_reader.h"
+#include "platform/ado/odbc/diagnostics.h"
+#include "platform/ado/odbc/logon.h"
+#include "platform/ado/odbc/result_reader.h"
+#include "platform/ado/odbc/utf16.h"
+
+namespace dorvane::ado {
+
+namespace odbc {
+
+namespace {
+
+class OdbcSession : public Session {
+ public:
+  explicit OdbcSession(const ConnectionSettings& settings)
+      : logon_(std::make_shared<Logon>(settings)) {}
+
+  std::unique_ptr<ResultReader> Execute(std::string_view sql) override {
+    std::u16string text = ToUtf16(sql);
+    Statement statement = logon_->NewStatement();
+    const SQLRETURN executed =
+        SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
+                       static_cast<SQLINTEGER>(text.size()));
+    return std::make_unique<OdbcResultReader>(logon_, std::move(statement), executed);
+  }
+
+  bool IsStreaming() const override { return logon_->IsStreaming(); }
+
+  std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
+                                          const std::vector<std::string>& columns) override {
+    (void)columns;
+    throw LibraryError(hresult::kFail, "Rows for " + std::string(table) +
+                                           " go to SQL Server as INSERT statements; there is no "
+                                           "table writer.");
+  }
+
+  // As statements, so that the server's own rollback of a failed batch does not leave the driver
+  // believing in a transaction that is gone.
+  void BeginTransaction() override { Execute("BEGIN TRANSACTION"); }
+  void Commit() override { Execute("COMMIT TRANSACTION"); }
+  void Rollback() override { Execute("IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION"); }
+
+  std::vector<TableInfo> Tables() override { return ReadTables(logon_); }
+  std::vector<Column> Columns(const std::string& table) override {
+    return ReadColumns(logon_, table);
+  }
+  std::vector<Index> Indexes(const std::string& table) override {
+    return ReadIndexes(logon_, table);
+  }
+  std::vector<Key> Keys(const std::string& table) override { return ReadKeys(logon_, table); }
+
+ private:
+  std::shared_ptr<Logon> logon_;
+};
+
+class Odbc : public Provider {
+ public:
+  std::unique_ptr<Session> Connect(const ConnectionSettings& settings) override {
+    return std::make_unique<OdbcSession>(settings);
+  }
+};
+
+}  // namespace
+
+}  // namespace odbc
+
+Provider& OdbcProvider() {
+  static odbc::Odbc provider;
+  return provider;
+}
+
+}  // namespace dorvane::ado

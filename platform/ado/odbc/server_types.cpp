@@ -1,0 +1,148 @@
+#include "platform/ado/odbc/server_types.h"
+
+#include <sqlext.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace dorvane::ado::odbc {
+
+namespace {
+
+// Codes of SQL Server's own types.
+constexpr SQLSMALLINT kSqlVariant = -150;
+constexpr SQLSMALLINT kSqlUserDefined = -151;
+constexpr SQLSMALLINT kSqlXml = -152;
+constexpr SQLSMALLINT kSqlTime = -154;
+constexpr SQLSMALLINT kSqlDateTimeOffset = -155;
+
+constexpr std::int64_t kMaxBytes = 2147483647;
+constexpr std::int64_t kMaxWide = 1073741823;
+/// The largest declared size; (max) columns have 0 or an enormous one instead.
+constexpr std::int64_t kMaxDeclared = 8000;
+constexpr std::int64_t kOffsetTextSize = 34;  // "yyyy-mm-dd hh:mm:ss.fffffff +hh:mm"
+
+using enum SizeMeaning;
+
+// The first type of a code speaks for the code.
+constexpr auto kTypes = std::to_array<ServerType>({
+    {"bigint", SQL_BIGINT, DataType::BigInt, Transfer::Integer, None, true, 19},
+    {"int", SQL_INTEGER, DataType::Integer, Transfer::Integer, None, true, 10},
+    {"smallint", SQL_SMALLINT, DataType::SmallInt, Transfer::Integer, None, true, 5},
+    {"tinyint", SQL_TINYINT, DataType::UnsignedTinyInt, Transfer::Integer, None, true, 3},
+    {"bit", SQL_BIT, DataType::Boolean, Transfer::Bit, None, true},
+    {"decimal", SQL_DECIMAL, DataType::Numeric, Transfer::Decimal, None, true},
+    {"numeric", SQL_NUMERIC, DataType::Numeric, Transfer::Decimal, None, true},
+    {"money", SQL_DECIMAL, DataType::Currency, Transfer::Decimal, None, true, 19, 4},
+    {"smallmoney", SQL_DECIMAL, DataType::Currency, Transfer::Decimal, None, true, 10, 4},
+    {"float", SQL_FLOAT, DataType::Double, Transfer::Float, None, true, 15},
+    {"float", SQL_DOUBLE, DataType::Double, Transfer::Float, None, true, 15},
+    {"real", SQL_REAL, DataType::Single, Transfer::Real, None, true, 7},
+    {"datetime", SQL_TYPE_TIMESTAMP, DataType::DBTimeStamp, Transfer::Timestamp, None, true},
+    {"datetime2", SQL_TYPE_TIMESTAMP, DataType::DBTimeStamp, Transfer::Timestamp, None, true},
+    {"smalldatetime", SQL_TYPE_TIMESTAMP, DataType::DBTimeStamp, Transfer::Timestamp, None, true},
+    {"date", SQL_TYPE_DATE, DataType::DBDate, Transfer::Date, None, true},
+    {"time", kSqlTime, DataType::DBTime, Transfer::Time, None, true},
+    {"time", SQL_TYPE_TIME, DataType::DBTime, Transfer::Time, None, true},
+    {"datetimeoffset", kSqlDateTimeOffset, DataType::VarWChar, Transfer::TimestampOffset},
+    {"char", SQL_CHAR, DataType::Char, Transfer::Text, Characters, true},
+    {"varchar", SQL_VARCHAR, DataType::VarChar, Transfer::Text, Characters, false, 0, 0, kMaxBytes},
+    {"text", SQL_LONGVARCHAR, DataType::LongVarChar, Transfer::Text, Characters, false, 0, 0,
+     kMaxBytes},
+    {"nchar", SQL_WCHAR, DataType::WChar, Transfer::Text, Characters, true},
+    {"nvarchar", SQL_WVARCHAR, DataType::VarWChar, Transfer::Text, Characters, false, 0, 0,
+     kMaxWide},
+    {"sysname", SQL_WVARCHAR, DataType::VarWChar, Transfer::Text, Characters},
+    {"ntext", SQL_WLONGVARCHAR, DataType::LongVarWChar, Transfer::Text, Characters, false, 0, 0,
+     kMaxWide},
+    {"xml", kSqlXml, DataType::LongVarWChar, Transfer::Text, Characters, false, 0, 0, kMaxWide},
+    {"binary", SQL_BINARY, DataType::Binary, Transfer::Bytes, Bytes, true},
+    {"timestamp", SQL_BINARY, DataType::Binary, Transfer::Bytes, Bytes, true},
+    {"rowversion", SQL_BINARY, DataType::Binary, Transfer::Bytes, Bytes, true},
+    {"varbinary", SQL_VARBINARY, DataType::VarBinary, Transfer::Bytes, Bytes, false, 0, 0,
+     kMaxBytes},
+    {"image", SQL_LONGVARBINARY, DataType::LongVarBinary, Transfer::Bytes, Bytes, false, 0, 0,
+     kMaxBytes},
+    {"uniqueidentifier", SQL_GUID, DataType::Guid, Transfer::Guid, None, true},
+    {"sql_variant", kSqlVariant, DataType::Variant, Transfer::Variant, None, false, 0, 0,
+     kMaxDeclared},
+    {"geography", kSqlUserDefined, DataType::LongVarBinary, Transfer::Bytes, Bytes, false, 0, 0,
+     kMaxBytes},
+});
+
+constexpr ServerType kUnknown = {
+    "", 0, DataType::LongVarWChar, Transfer::Text, Characters, false, 0, 0, kMaxWide};
+
+std::string FirstWord(std::string_view text) {
+  std::string word;
+  for (const char c : text.substr(0, text.find_first_of(" ("))) {
+    word += c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+  }
+  return word;
+}
+
+bool IsAlwaysLong(const ServerType& type) {
+  switch (type.code) {
+    case SQL_LONGVARCHAR:
+    case SQL_WLONGVARCHAR:
+    case SQL_LONGVARBINARY:
+    case kSqlXml:
+    case kSqlVariant:
+    case kSqlUserDefined:
+    case 0:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+const ServerType& FindServerType(std::string_view type_name, SQLSMALLINT code) {
+  const std::string name = FirstWord(type_name);
+  const auto named = std::find_if(kTypes.begin(), kTypes.end(),
+                                  [&](const auto& type) { return type.name == name; });
+  if (named != kTypes.end()) return *named;
+  const auto coded = std::find_if(kTypes.begin(), kTypes.end(),
+                                  [&](const auto& type) { return type.code == code; });
+  return coded != kTypes.end() ? *coded : kUnknown;
+}
+
+bool IsUnlimited(const ServerType& type, const ColumnMeasures& measures) {
+  if (type.unlimited_size == 0) return false;
+  return IsAlwaysLong(type) || measures.size <= 0 || measures.size > kMaxDeclared;
+}
+
+FieldInfo DescribeField(const ServerType& type, const ColumnMeasures& measures) {
+  FieldInfo field;
+  field.type = type.type;
+  if (IsUnlimited(type, measures)) {
+    field.defined_size = type.unlimited_size;
+    // A blob type of its own, since the sized type's column need not hold so much.
+    if (field.type == DataType::VarBinary) field.type = DataType::LongVarBinary;
+    return field;
+  }
+  switch (type.transfer) {
+    case Transfer::Decimal:
+      field.precision = type.precision != 0 ? type.precision : static_cast<int>(measures.size);
+      field.numeric_scale = type.scale != 0 ? type.scale : measures.scale;
+      break;
+    case Transfer::Time:
+    case Transfer::Timestamp:
+      field.numeric_scale = measures.scale;
+      break;
+    case Transfer::TimestampOffset:
+      field.defined_size = kOffsetTextSize;
+      break;
+    case Transfer::Guid:
+      field.defined_size = 16;
+      break;
+    default:
+      field.precision = type.precision;
+      if (type.size != None) field.defined_size = measures.size;
+  }
+  return field;
+}
+
+}  // namespace dorvane::ado::odbc
