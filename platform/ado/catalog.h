@@ -14,7 +14,8 @@ namespace dorvane::ado {
 /// A table of the catalog. Columns, indexes and keys are read once, when first asked for.
 class Table {
  public:
-  Table(Connection& connection, TableInfo info) : connection_(&connection), info_(std::move(info)) {}
+  Table(Connection& connection, TableInfo info)
+      : connection_(&connection), info_(std::move(info)) {}
 
   const std::string& Name() const { return info_.name; }
   const std::string& Type() const { return info_.type; }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/ado/errors.h"
@@ -11,6 +12,7 @@
 
 namespace dorvane::ado {
 
+/// The values are ADO's published ones.
 enum class ObjectState { Closed = 0, Open = 1 };
 enum class CursorLocation { Server = 2, Client = 3 };
 enum class CommandType { Text = 1, Table = 2, StoredProc = 4, Unknown = 8 };
@@ -36,22 +38,27 @@ class Connection {
   void SetCursorLocation(CursorLocation location) { cursor_location_ = location; }
   CursorLocation GetCursorLocation() const { return cursor_location_; }
 
+  /// Logs on. Throws RunTimeError, kProviderNotFound and kObjectOpen among its numbers.
   void Open();
-  /// Ends open recordsets' sessions and logs off; closing twice is harmless.
+  /// Closes the recordsets that are open and logs off; closing twice is harmless.
   void Close();
   ObjectState State() const;
   const ado::Errors& Errors() const { return errors_; }
 
-  /// Runs a statement and returns its first result (closed fields when it has none).
+  /// Runs a statement and returns its first result, without fields when it has none. With
+  /// CommandType::Table the text is a quoted table reference, else it is sent as it stands.
   Recordset Execute(std::string_view sql, CommandType type = CommandType::Unknown);
   /// An updatable recordset on a table: AddNew, Update, CancelUpdate, InsertRows. `table` is a
   /// quoted reference, `columns` the names that its rows give values for.
   Recordset OpenTable(std::string_view table, const std::vector<std::string>& columns);
 
+  /// The transaction covers OpenTable's recordsets, and Execute as long as no rows are left unread
+  /// on the session that holds it.
   void BeginTrans();
   void CommitTrans();
   void RollbackTrans();
 
+  /// The catalog of the selected database, see Session and Catalog.
   std::vector<TableInfo> Tables();
   std::vector<Column> Columns(const std::string& table);
   std::vector<Index> Indexes(const std::string& table);
@@ -60,18 +67,48 @@ class Connection {
  private:
   friend class Recordset;
 
+  /// A recordset as its connection sees it.
+  class Dependent {
+   public:
+    virtual ~Dependent() = default;
+    /// Lets go of everything that belongs to the connection's sessions.
+    virtual void Detach() = 0;
+  };
+
+  /// Runs one operation of this connection with the error list that belongs to it.
   template <typename Operation>
   auto Guarded(Operation operation);
+  /// Guarded, on an open connection only.
+  template <typename Operation>
+  auto WhileOpen(Operation operation);
   Session& IdleSession();
+  Session& WritingSession();
+  void EndTransaction(void (Session::*how)());
 
   ProviderLookup providers_;
+  Provider* provider_ = nullptr;
   std::string connection_string_;
   ConnectionSettings settings_;
   bool has_settings_ = false;
   CursorLocation cursor_location_ = CursorLocation::Server;
   std::vector<std::unique_ptr<Session>> sessions_;
+  // Rows are inserted and transactions run on one and the same session.
+  Session* writing_session_ = nullptr;
+  bool in_transaction_ = false;
+  std::vector<Dependent*> dependents_;
   ado::Errors errors_;
 };
+
+template <typename Operation>
+auto Connection::Guarded(Operation operation) {
+  errors_.clear();
+  try {
+    return operation();
+  } catch (const ProviderError& failure) {
+    errors_ = failure.Entries();
+    throw;
+  }
+}
 
 /// Settings read from a connection string ("key=value" parts between ";"), for strings that come
 /// without them.

@@ -14,7 +14,7 @@ struct Error {
   std::int32_t number = 0;        // HRESULT
   std::int32_t native_error = 0;  // the server's or the client library's own number
   std::string description;
-  std::string sql_state;          // five characters, or empty
+  std::string sql_state;  // five characters, or empty
 };
 
 /// The entries of a connection's latest failing operation, the provider's summary (if any) first.

@@ -16,8 +16,8 @@ namespace dorvane::ado {
 
 /// What a logon needs, beside the connection string: a value that holds ";" survives here.
 struct ConnectionSettings {
-  std::string server;    // host, "host\instance" or "host,port"
-  int port = 0;          // 0: the server's usual port
+  std::string server;  // host, "host\instance" or "host,port"
+  int port = 0;        // 0: the server's usual port
   std::string user_id;
   std::string password;
   std::string database;  // empty: none selected

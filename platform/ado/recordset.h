@@ -17,27 +17,32 @@ namespace dorvane::ado {
 
 class Connection;
 
-/// A field of the current row: a handle, valid as long as its recordset.
+/// A field of the current row: a handle, valid until its recordset steps to another result.
 class Field {
  public:
   const FieldInfo& Info() const { return *info_; }
-  /// The current row's value; text and bytes are valid until the recordset moves.
+  /// The current row's value; text and bytes are valid until the recordset moves. Throws
+  /// RunTimeError kNoCurrentRecord before a row is there.
   const ado::Value& Value() const;
-  /// The value as text: numbers in decimal, bytes as they are, NULL as empty text.
+  /// The value as text: see ToText.
   std::string Text() const;
   bool IsNull() const { return ado::IsNull(Value()); }
-  /// Bytes of a binary or text value, 0 for NULL.
+  /// Bytes of a binary or text value, 0 for any other.
   std::size_t ActualSize() const;
-  /// The next `size` bytes (fewer at the end) of a binary or text value.
+  /// The next `size` bytes (fewer at the end) of a binary or text value; empty for any other.
   std::string_view GetChunk(std::size_t size);
 
-  /// Of a row begun by AddNew.
+  /// Of a row begun by AddNew. A field that is not set stays NULL.
   void SetNull();
   void SetText(std::string_view text);
+  /// Appends to the bytes of the field; the first call replaces a text that was set.
   void AppendChunk(std::string_view bytes);
 
  private:
   friend class Recordset;
+  void StandOn(const ado::Value* value);
+  ado::Value PendingValue() const;
+
   const FieldInfo* info_ = nullptr;
   const ado::Value* value_ = nullptr;  // set by the recordset for each row
   std::size_t chunk_position_ = 0;
@@ -47,12 +52,13 @@ class Field {
 };
 
 /// Rows from a server, or rows on their way into a table. A reading recordset stands on its first
-/// row after it was opened; it holds one block of rows, never the whole result. Move-only; closing
-/// or destroying it early cancels the statement. Must not outlive its connection.
+/// row after it was opened; it holds one block of rows, never the whole result, and asks the server
+/// for the first one when it is first looked at. Move-only; closing or destroying it early cancels
+/// the statement. Throws RunTimeError kObjectClosed once it, or its connection, was closed.
 class Recordset {
  public:
   Recordset(Connection& connection, std::unique_ptr<ResultReader> reader);
-  Recordset(Connection& connection, Session& session, std::unique_ptr<TableWriter> writer,
+  Recordset(Connection& connection, std::unique_ptr<TableWriter> writer,
             const std::vector<std::string>& columns);
   Recordset(Recordset&&) noexcept;
   Recordset& operator=(Recordset&&) noexcept;
@@ -73,7 +79,8 @@ class Recordset {
   /// mixed with Field and MoveNext. May run in another thread (see Connection).
   bool GetRows(RowBlock& block);
 
-  /// Row by row into a table: AddNew, then set fields, then Update (stores) or CancelUpdate.
+  /// Row by row into a table: AddNew, then set fields, then Update (stores) or CancelUpdate. A row
+  /// that Update failed to store stays pending: it may be changed and tried again.
   void AddNew();
   void Update();
   void CancelUpdate();
@@ -84,6 +91,11 @@ class Recordset {
 
  private:
   struct State;
+  State& Opened() const;
+  State& Reading() const;
+  State& Writing() const;
+  State& Adding() const;
+
   std::unique_ptr<State> state_;
 };
 

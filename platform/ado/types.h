@@ -56,18 +56,22 @@ inline constexpr std::int32_t kDataOverflow = static_cast<std::int32_t>(0x80040E
 }  // namespace hresult
 
 /// Run-time error numbers of the layer itself.
-inline constexpr std::int32_t kItemNotFound = 3265;      // no such table, field or index
-inline constexpr std::int32_t kObjectClosed = 3704;      // the connection or recordset is closed
-inline constexpr std::int32_t kNoCurrentRecord = 3021;   // before the first or behind the last row
-inline constexpr std::int32_t kProviderNotFound = 3706;  // no client library or driver for the string
+inline constexpr std::int32_t kNotUpdatable = 3251;     // adding rows to a recordset that reads
+inline constexpr std::int32_t kItemNotFound = 3265;     // no such table, field or index
+inline constexpr std::int32_t kObjectClosed = 3704;     // the connection or recordset is closed
+inline constexpr std::int32_t kObjectOpen = 3705;       // opening a connection that is open
+inline constexpr std::int32_t kNoCurrentRecord = 3021;  // before the first or behind the last row
+inline constexpr std::int32_t kProviderNotFound =
+    3706;  // no client library or driver for the string
 
 /// What a result or an updatable table says of one of its fields.
 struct FieldInfo {
-  std::string name;                  // UTF-8, as the server spells it
+  std::string name;  // UTF-8, as the server spells it
   DataType type = DataType::Empty;
-  std::int64_t defined_size = 0;     // characters for text, bytes for binary, 0 where it has no meaning
-  int precision = 0;                 // decimal digits of numbers
-  int numeric_scale = 0;             // digits behind the point; fractional digits of times
+  std::int64_t defined_size =
+      0;                  // characters for text, bytes for binary, 0 where it has no meaning
+  int precision = 0;      // decimal digits of numbers
+  int numeric_scale = 0;  // digits behind the point; fractional digits of times
 };
 
 }  // namespace dorvane::ado

@@ -8,8 +8,8 @@
 namespace dorvane::ado {
 
 /// A calendar date, a time of day or both. MySQL's zero date has year, month and day 0; a pure time
-/// has the date 1899-12-30. A MySQL TIME may lie below zero or beyond a day: seconds and nanoseconds
-/// then share the sign.
+/// has the date 1899-12-30. A MySQL TIME may lie below zero or beyond a day: seconds and
+/// nanoseconds then share the sign.
 struct DateTime {
   std::int16_t year = 1899;
   std::uint8_t month = 12;
@@ -46,6 +46,8 @@ using Null = std::monostate;
 using Value = std::variant<Null, bool, std::int64_t, std::uint64_t, float, double, Decimal,
                            std::string_view, Binary, DateTime, Guid>;
 
-inline bool IsNull(const Value& value) { return std::holds_alternative<Null>(value); }
+inline bool IsNull(const Value& value) {
+  return std::holds_alternative<Null>(value);
+}
 
 }  // namespace dorvane::ado

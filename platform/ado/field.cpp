@@ -1,0 +1,75 @@
+#include <algorithm>
+#include <variant>
+
+#include "platform/ado/recordset.h"
+#include "platform/ado/value_text.h"
+
+namespace dorvane::ado {
+
+namespace {
+
+std::string_view BytesOf(const Value& value) {
+  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
+  if (const auto* binary = std::get_if<Binary>(&value)) return binary->bytes;
+  return {};
+}
+
+}  // namespace
+
+const ado::Value& Field::Value() const {
+  if (value_ == nullptr) {
+    throw RunTimeError(kNoCurrentRecord, "ADODB.Field",
+                       "Either BOF or EOF is True, or the current record has been deleted. "
+                       "Requested operation requires a current record.");
+  }
+  return *value_;
+}
+
+std::string Field::Text() const {
+  return ToText(Value(), info_->type);
+}
+
+std::size_t Field::ActualSize() const {
+  return BytesOf(Value()).size();
+}
+
+std::string_view Field::GetChunk(std::size_t size) {
+  const std::string_view chunk = BytesOf(Value()).substr(chunk_position_, size);
+  chunk_position_ += chunk.size();
+  return chunk;
+}
+
+void Field::SetNull() {
+  pending_ = Pending::None;
+  pending_value_.clear();
+}
+
+void Field::SetText(std::string_view text) {
+  pending_ = Pending::Text;
+  pending_value_ = text;
+}
+
+void Field::AppendChunk(std::string_view bytes) {
+  if (pending_ != Pending::Bytes) pending_value_.clear();
+  pending_ = Pending::Bytes;
+  pending_value_ += bytes;
+}
+
+void Field::StandOn(const ado::Value* value) {
+  value_ = value;
+  chunk_position_ = 0;
+}
+
+ado::Value Field::PendingValue() const {
+  switch (pending_) {
+    case Pending::Text:
+      return std::string_view(pending_value_);
+    case Pending::Bytes:
+      return Binary{pending_value_};
+    case Pending::None:
+      break;
+  }
+  return Null{};
+}
+
+}  // namespace dorvane::ado

@@ -1,0 +1,133 @@
+#include "platform/ado/mysql/logon.h"
+
+#include <fmt/format.h>
+#include <mariadb/errmsg.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <charconv>
+
+#include "platform/ado/mysql/errors.h"
+#include "platform/ado/mysql/sql_mode.h"
+
+namespace dorvane::ado::mysql {
+
+namespace {
+
+constexpr unsigned kConnectTimeout = 15;         // seconds
+constexpr unsigned kUnreachable = 2003;          // what callers know an absent server by
+constexpr unsigned long kFirstQuoting = 100207;  // MariaDB 10.2.7
+
+[[noreturn]] void ThrowLogonError(MYSQL* client) {
+  unsigned native_error = mysql_errno(client);
+  if (native_error == CR_CONNECTION_ERROR || native_error == CR_UNKNOWN_HOST) {
+    native_error = kUnreachable;
+  }
+  const std::string description = mysql_error(client);
+  throw ProviderError(hresult::kFail, kSource, description,
+                      {{.number = hresult::kFail,
+                        .native_error = static_cast<std::int32_t>(native_error),
+                        .description = description,
+                        .sql_state = mysql_sqlstate(client)}});
+}
+
+enum class Tls { WhereOffered, Never };
+
+Client NewClient(const ConnectionSettings& settings, Tls tls) {
+  Client client(mysql_init(nullptr));
+  if (client == nullptr) throw std::bad_alloc();
+  MYSQL* handle = client.get();
+  const my_bool no = 0;
+  mysql_options(handle, MYSQL_OPT_CONNECT_TIMEOUT, &kConnectTimeout);
+  mysql_options(handle, MYSQL_SET_CHARSET_NAME, "utf8mb4");
+  // A server must not be able to ask for files of this machine.
+  const unsigned no_files = 0;
+  mysql_options(handle, MYSQL_OPT_LOCAL_INFILE, &no_files);
+  mysql_options(handle, MYSQL_OPT_SSL_VERIFY_SERVER_CERT, &no);
+  if (tls == Tls::WhereOffered) {
+    const my_bool yes = 1;
+    mysql_options(handle, MYSQL_OPT_SSL_ENFORCE, &yes);
+  }
+  if (settings.port != 0) {
+    // Else "localhost" would mean the socket file, whatever the port.
+    const unsigned tcp = MYSQL_PROTOCOL_TCP;
+    mysql_options(handle, MYSQL_OPT_PROTOCOL, &tcp);
+  }
+  return client;
+}
+
+bool Connect(MYSQL* client, const ConnectionSettings& settings) {
+  const char* database = settings.database.empty() ? nullptr : settings.database.c_str();
+  return mysql_real_connect(client, settings.server.c_str(), settings.user_id.c_str(),
+                            settings.password.c_str(), database,
+                            static_cast<unsigned>(settings.port), nullptr, 0) != nullptr;
+}
+
+Client Connect(const ConnectionSettings& settings) {
+  Client client = NewClient(settings, Tls::WhereOffered);
+  if (Connect(client.get(), settings)) return client;
+  // Old servers offer versions of TLS that the library no longer speaks.
+  if (mysql_errno(client.get()) == CR_SSL_CONNECTION_ERROR) {
+    client = NewClient(settings, Tls::Never);
+    if (Connect(client.get(), settings)) return client;
+  }
+  ThrowLogonError(client.get());
+}
+
+/// A server that vanished without a word is noticed within minutes, while a statement may take as
+/// long as it needs. Unix sockets refuse these options, rightly.
+void WatchPeer(MYSQL* client) {
+  const auto socket = mysql_get_socket(client);
+  const auto set = [socket](int level, int option, int value) {
+    setsockopt(socket, level, option, &value, sizeof value);
+  };
+  set(SOL_SOCKET, SO_KEEPALIVE, 1);
+#ifdef TCP_KEEPIDLE
+  set(IPPROTO_TCP, TCP_KEEPIDLE, 60);
+  set(IPPROTO_TCP, TCP_KEEPINTVL, 10);
+  set(IPPROTO_TCP, TCP_KEEPCNT, 6);
+#endif
+#ifdef TCP_USER_TIMEOUT
+  set(IPPROTO_TCP, TCP_USER_TIMEOUT, 120'000);
+#endif
+}
+
+bool TakesBulk(MYSQL* client) {
+  unsigned long capabilities = 0;
+  unsigned long extended = 0;
+  mariadb_get_infov(client, MARIADB_CONNECTION_SERVER_CAPABILITIES, &capabilities);
+  mariadb_get_infov(client, MARIADB_CONNECTION_EXTENDED_SERVER_CAPABILITIES, &extended);
+  const bool is_mariadb = (capabilities & CLIENT_MYSQL) == 0;
+  return is_mariadb && (extended & (MARIADB_CLIENT_STMT_BULK_OPERATIONS >> 32)) != 0;
+}
+
+bool QuotesDefaults(MYSQL* client) {
+  return mariadb_connection(client) && mysql_get_server_version(client) >= kFirstQuoting;
+}
+
+std::size_t ParseSize(const std::string& text) {
+  std::size_t size = 0;
+  std::from_chars(text.data(), text.data() + text.size(), size);
+  return size;
+}
+
+}  // namespace
+
+ServerLink LogOn(const ConnectionSettings& settings) {
+  ServerLink link;
+  link.client = Connect(settings);
+  MYSQL* client = link.client.get();
+  WatchPeer(client);
+  const TextRows variables = Query(client, "select @@sql_mode, @@max_allowed_packet");
+  // A session waits long for the other side of a copy, so the server must not give it up meanwhile.
+  Query(client, fmt::format("set session sql_mode = {}, autocommit = 1, wait_timeout = 86400, "
+                            "net_read_timeout = 3600, net_write_timeout = 3600",
+                            Literal(client, SessionSqlMode(variables.at(0).at(0).value_or("")))));
+  link.max_allowed_packet = ParseSize(variables.at(0).at(1).value_or(""));
+  link.takes_bulk = TakesBulk(client);
+  link.quotes_defaults = QuotesDefaults(client);
+  return link;
+}
+
+}  // namespace dorvane::ado::mysql

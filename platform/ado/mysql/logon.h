@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+#include "platform/ado/mysql/client.h"
+#include "platform/ado/provider.h"
+
+namespace dorvane::ado::mysql {
+
+/// A logged-on client and what it has to know of its server.
+struct ServerLink {
+  Client client;
+  std::size_t max_allowed_packet = 0;  // bytes
+  bool takes_bulk = false;             // the server knows the bulk protocol
+  bool quotes_defaults = false;        // the catalog gives defaults as expressions, texts quoted
+};
+
+/// Logs on and sets the session up. Reads no option file; uses TLS where the server offers it.
+/// Throws ProviderError; a server that can't be reached has the native error 2003.
+ServerLink LogOn(const ConnectionSettings& settings);
+
+}  // namespace dorvane::ado::mysql

@@ -1,0 +1,88 @@
+#include "platform/ado/mysql/session.h"
+
+#include <mariadb/errmsg.h>
+#include <sys/socket.h>
+
+#include "platform/ado/mysql/catalog.h"
+#include "platform/ado/mysql/errors.h"
+#include "platform/ado/mysql/reader.h"
+#include "platform/ado/mysql/writer.h"
+
+namespace dorvane::ado::mysql {
+
+ClientSession::ClientSession(ConnectionSettings settings, BulkProtocol bulk)
+    : settings_(std::move(settings)), bulk_(bulk), link_(LogOn(settings_)) {}
+
+const ServerLink& ClientSession::Link() {
+  if (!abandoned_) return link_;
+  if (in_transaction_) {
+    throw MakeError(CR_SERVER_LOST, "08S01",
+                    "The transaction was lost with a result that was left unread");
+  }
+  link_ = LogOn(settings_);
+  abandoned_ = false;
+  return link_;
+}
+
+bool ClientSession::UsesBulk() {
+  return bulk_ == BulkProtocol::WhereOffered && Link().takes_bulk;
+}
+
+void ClientSession::Abandon() {
+  streaming_ = false;
+  abandoned_ = true;
+  // The library would read the result to its end before it closes anything.
+  shutdown(mysql_get_socket(link_.client.get()), SHUT_RDWR);
+}
+
+std::unique_ptr<ResultReader> ClientSession::Execute(std::string_view sql) {
+  return OpenReader(*this, sql);
+}
+
+std::unique_ptr<TableWriter> ClientSession::OpenWriter(std::string_view table,
+                                                       const std::vector<std::string>& columns) {
+  return std::make_unique<RowWriter>(*this, table, columns);
+}
+
+void ClientSession::Run(std::string_view sql) {
+  Query(Link().client.get(), sql);
+}
+
+void ClientSession::BeginTransaction() {
+  Run("start transaction");
+  in_transaction_ = true;
+}
+
+void ClientSession::Commit() {
+  Run("commit");
+  in_transaction_ = false;
+}
+
+void ClientSession::Rollback() {
+  // A transaction whose connection is gone was rolled back by the server.
+  const bool is_gone = abandoned_;
+  in_transaction_ = false;
+  if (!is_gone) Run("rollback");
+}
+
+std::vector<TableInfo> ClientSession::Tables() {
+  const ServerLink& link = Link();
+  return ReadTables(link, SelectedDatabase(link));
+}
+
+std::vector<Column> ClientSession::Columns(const std::string& table) {
+  const ServerLink& link = Link();
+  return ReadColumns(link, SelectedDatabase(link), table);
+}
+
+std::vector<Index> ClientSession::Indexes(const std::string& table) {
+  const ServerLink& link = Link();
+  return ReadIndexes(link, SelectedDatabase(link), table);
+}
+
+std::vector<Key> ClientSession::Keys(const std::string& table) {
+  const ServerLink& link = Link();
+  return ReadKeys(link, SelectedDatabase(link), table);
+}
+
+}  // namespace dorvane::ado::mysql

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ado/mysql/logon.h"
+#include "platform/ado/mysql/provider.h"
+
+namespace dorvane::ado::mysql {
+
+/// One logged-on session. Its readers and writers must go before it does.
+class ClientSession final : public Session {
+ public:
+  ClientSession(ConnectionSettings settings, BulkProtocol bulk);
+
+  std::unique_ptr<ResultReader> Execute(std::string_view sql) override;
+  bool IsStreaming() const override { return streaming_; }
+  std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
+                                          const std::vector<std::string>& columns) override;
+  void BeginTransaction() override;
+  void Commit() override;
+  void Rollback() override;
+  std::vector<TableInfo> Tables() override;
+  std::vector<Column> Columns(const std::string& table) override;
+  std::vector<Index> Indexes(const std::string& table) override;
+  std::vector<Key> Keys(const std::string& table) override;
+
+  /// The session's client. Where rows were left unread it logs on again first, since the rest of a
+  /// result can only be read or given up with its connection. Throws ProviderError; inside a
+  /// transaction that was lost so, always.
+  const ServerLink& Link();
+  /// Whether rows are to be sent by the bulk protocol.
+  bool UsesBulk();
+
+  /// For readers: whether rows are left on the wire.
+  void SetStreaming(bool streaming) { streaming_ = streaming; }
+  /// For readers: gives up the rows that were not read, at once, whatever their number.
+  void Abandon();
+
+ private:
+  void Run(std::string_view sql);
+
+  ConnectionSettings settings_;
+  BulkProtocol bulk_;
+  ServerLink link_;
+  bool streaming_ = false;
+  bool abandoned_ = false;
+  bool in_transaction_ = false;
+};
+
+}  // namespace dorvane::ado::mysql

@@ -1,0 +1,174 @@
+#include "platform/ado/mysql/writer.h"
+
+#include <fmt/format.h>
+#include <mariadb/mysqld_error.h>
+
+#include <algorithm>
+#include <bit>
+
+#include "platform/ado/mysql/errors.h"
+#include "platform/ado/mysql/session.h"
+
+namespace dorvane::ado::mysql {
+
+namespace {
+
+constexpr std::size_t kMaxParameters = 65'535;
+constexpr std::size_t kMaxJoinedRows = 512;
+// What a request holds beside its values, at most: its header, and for each value its type, its
+// length and its bit among the NULLs.
+constexpr std::size_t kRequestOverhead = 64;
+constexpr std::size_t kValueOverhead = 12;
+
+std::string_view BytesOf(const Value& value) {
+  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
+  if (const auto* binary = std::get_if<Binary>(&value)) return binary->bytes;
+  return {};
+}
+
+/// Bytes go as a binary string, text as text of the connection's character set.
+enum_field_types ParameterType(const Value& value) {
+  return std::holds_alternative<Binary>(value) ? MYSQL_TYPE_BLOB : MYSQL_TYPE_STRING;
+}
+
+std::size_t SizeOf(std::span<const Value> row) {
+  std::size_t size = 0;
+  for (const Value& value : row) size += BytesOf(value).size() + kValueOverhead;
+  return size;
+}
+
+/// How many rows from `first` on go into one request of `limit` bytes.
+std::size_t FittingRows(const RowBlock& rows, std::size_t first, std::size_t count,
+                        std::size_t limit) {
+  std::size_t size = kRequestOverhead;
+  for (std::size_t i = 0; i < count; ++i) {
+    size += SizeOf(rows.Row(first + i));
+    if (size > limit) return i;
+  }
+  return count;
+}
+
+/// The rows from `first` on whose values are of one type in each column, NULL being of any.
+std::size_t UniformRows(const RowBlock& rows, std::size_t first, std::size_t count,
+                        std::vector<enum_field_types>& types) {
+  types.assign(rows.Columns(), MYSQL_TYPE_NULL);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::span<const Value> row = rows.Row(first + i);
+    for (std::size_t column = 0; column < row.size(); ++column) {
+      if (IsNull(row[column])) continue;
+      const enum_field_types type = ParameterType(row[column]);
+      if (types[column] != MYSQL_TYPE_NULL && types[column] != type) return i;
+      types[column] = type;
+    }
+  }
+  return count;
+}
+
+}  // namespace
+
+RowWriter::RowWriter(ClientSession& session, std::string_view table,
+                     const std::vector<std::string>& columns)
+    : session_(session), columns_(columns.size()) {
+  head_ = fmt::format("INSERT INTO {} (", table);
+  for (const std::string& column : columns) {
+    if (&column != &columns.front()) head_ += ',';
+    head_ += QuotedName(column);
+  }
+  head_ += ") VALUES ";
+}
+
+void RowWriter::Insert(const RowBlock& rows, std::size_t first, std::size_t count) {
+  const std::size_t max_packet = session_.Link().max_allowed_packet;
+  while (count > 0) {
+    std::size_t sent = FittingRows(rows, first, count, max_packet);
+    if (sent == 0) {
+      throw MakeError(ER_NET_PACKET_TOO_LARGE, "08S01",
+                      "Got a packet bigger than 'max_allowed_packet' bytes");
+    }
+    sent = session_.UsesBulk() ? InsertBulk(rows, first, sent) : InsertJoined(rows, first, sent);
+    first += sent;
+    count -= sent;
+  }
+}
+
+MYSQL_STMT* RowWriter::Prepared(Statement& statement, std::size_t rows) {
+  MYSQL* client = session_.Link().client.get();
+  // The library takes statements off a connection that ends.
+  if (statement != nullptr && statement->mysql == client) return statement.get();
+  std::string tuple = "(";
+  for (std::size_t i = 0; i < columns_; ++i) tuple += i == 0 ? "?" : ",?";
+  tuple += ')';
+  std::string sql = head_;
+  for (std::size_t i = 0; i < rows; ++i) {
+    if (i != 0) sql += ',';
+    sql += tuple;
+  }
+  statement = Prepare(client, sql);
+  return statement.get();
+}
+
+void RowWriter::Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds) {
+  const bool bound = binds.empty() || mysql_stmt_bind_param(statement, binds.data()) == 0;
+  if (!bound || mysql_stmt_execute(statement) != 0) {
+    ThrowError(statement, session_.Link().client.get());
+  }
+}
+
+/// As many rows as one statement takes, which is a power of two; returns their number.
+std::size_t RowWriter::InsertJoined(const RowBlock& rows, std::size_t first, std::size_t count) {
+  const std::size_t most = std::max<std::size_t>(
+      1, std::min({count, kMaxJoinedRows, kMaxParameters / std::max<std::size_t>(1, columns_)}));
+  const std::size_t joined = std::bit_floor(most);
+  std::vector<MYSQL_BIND> binds;
+  binds.reserve(joined * columns_);
+  for (std::size_t i = 0; i < joined; ++i) {
+    for (const Value& value : rows.Row(first + i)) {
+      const std::string_view bytes = BytesOf(value);
+      MYSQL_BIND& bind = binds.emplace_back();
+      bind.buffer_type = IsNull(value) ? MYSQL_TYPE_NULL : ParameterType(value);
+      bind.buffer = const_cast<char*>(bytes.data());
+      bind.buffer_length = bytes.size();
+    }
+  }
+  Execute(Prepared(joined_[joined], joined), binds);
+  return joined;
+}
+
+/// The rows that can go in one request of the bulk protocol; returns their number.
+std::size_t RowWriter::InsertBulk(const RowBlock& rows, std::size_t first, std::size_t count) {
+  std::vector<enum_field_types> types;
+  count = UniformRows(rows, first, count, types);
+  if (count == 1) return InsertJoined(rows, first, 1);
+
+  // Column by column: addresses, lengths and NULL indicators of its values.
+  std::vector<const char*> addresses(count * columns_);
+  std::vector<unsigned long> lengths(count * columns_);
+  std::vector<char> indicators(count * columns_, STMT_INDICATOR_NONE);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::span<const Value> row = rows.Row(first + i);
+    for (std::size_t column = 0; column < columns_; ++column) {
+      const std::size_t at = column * count + i;
+      const std::string_view bytes = BytesOf(row[column]);
+      // The library takes a missing address for NULL.
+      addresses[at] = bytes.empty() ? "" : bytes.data();
+      lengths[at] = bytes.size();
+      if (IsNull(row[column])) indicators[at] = STMT_INDICATOR_NULL;
+    }
+  }
+  std::vector<MYSQL_BIND> binds(columns_);
+  for (std::size_t column = 0; column < columns_; ++column) {
+    MYSQL_BIND& bind = binds[column];
+    bind.buffer_type = types[column] == MYSQL_TYPE_NULL ? MYSQL_TYPE_STRING : types[column];
+    bind.buffer = addresses.data() + column * count;
+    bind.length = lengths.data() + column * count;
+    bind.u.indicator = indicators.data() + column * count;
+  }
+
+  MYSQL_STMT* statement = Prepared(bulk_, 1);
+  const auto array_size = static_cast<unsigned>(count);
+  mysql_stmt_attr_set(statement, STMT_ATTR_ARRAY_SIZE, &array_size);
+  Execute(statement, binds);
+  return count;
+}
+
+}  // namespace dorvane::ado::mysql

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ado/mysql/client.h"
+#include "platform/ado/provider.h"
+
+namespace dorvane::ado::mysql {
+
+class ClientSession;
+
+/// Inserts rows by prepared statements: by one for many rows at a time (the bulk protocol) or by
+/// some that take 1, 2, 4... rows each. A request never exceeds what the server takes; a single row
+/// that does is refused with error 1153 without being sent.
+class RowWriter final : public TableWriter {
+ public:
+  RowWriter(ClientSession& session, std::string_view table,
+            const std::vector<std::string>& columns);
+
+  void Insert(const RowBlock& rows, std::size_t first, std::size_t count) override;
+
+ private:
+  MYSQL_STMT* Prepared(Statement& statement, std::size_t rows);
+  void Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds);
+  std::size_t InsertJoined(const RowBlock& rows, std::size_t first, std::size_t count);
+  std::size_t InsertBulk(const RowBlock& rows, std::size_t first, std::size_t count);
+
+  ClientSession& session_;
+  std::string head_;  // the statement up to its values
+  std::size_t columns_;
+  std::map<std::size_t, Statement> joined_;  // by the number of rows each takes
+  Statement bulk_;                           // for one row, sent with as many as there are
+};
+
+}  // namespace dorvane::ado::mysql
