@@ -17,6 +17,7 @@ class CronScheduler : public ITaskScheduler {
 
   std::optional<Task> Find(const std::string& name) const override;
   void Remove(const std::string& name) override;
+  bool CanRunMissedStarts() const override { return false; }
 
  protected:
   void Store(const Task& task) override;

@@ -46,6 +46,9 @@ class ITaskScheduler {
   /// RunTimeError 53 when the program is not there.
   void RunNow(const std::string& name);
 
+  /// Whether Task::run_missed_start has an effect here.
+  virtual bool CanRunMissedStarts() const = 0;
+
  protected:
   virtual void Store(const Task& task) = 0;
   virtual void Start(const Task& task) = 0;

@@ -24,6 +24,7 @@ class SystemdScheduler : public ITaskScheduler {
 
   std::optional<Task> Find(const std::string& name) const override;
   void Remove(const std::string& name) override;
+  bool CanRunMissedStarts() const override { return true; }
 
  protected:
   void Store(const Task& task) override;

@@ -1,0 +1,151 @@
+#include "ui/schedule/frm_schedule.h"
+
+#include <fmt/format.h>
+
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+
+#include "app/conversion_settings.h"
+#include "platform/run_time_error.h"
+#include "platform/text/number_text.h"
+#include "ui/controls/gradient_button.h"
+#include "ui/controls/make_child.h"
+#include "ui/schedule/task_settings_dialog.h"
+
+namespace dorvane {
+
+namespace {
+
+constexpr const char* kTaskComment = "Dorvane";
+#ifdef _WIN32
+constexpr const char* kProgramName = "Dorvane.exe";
+#else
+constexpr const char* kProgramName = "Dorvane";
+#endif
+constexpr int kFieldWidth = 320;
+
+std::string SettingsFileName(const std::string& task_name) {
+  return task_name + ".dcs";
+}
+
+std::string UnknownError(std::int32_t number, std::string_view description) {
+  return fmt::format("Unknown error {} - {}", number, description);
+}
+
+GradientButton& AddButton(const char* name, QWidget& dialog, const QString& caption) {
+  auto& button = MakeNamed<GradientButton>(name, dialog);
+  button.SetCaption(caption);
+  return button;
+}
+
+}  // namespace
+
+frmSchedule::frmSchedule(const IDatabase& src, const IDatabase& dest, NameList tables,
+                         ScheduleServices services, QWidget* parent)
+    : QDialog(parent),
+      src_(src),
+      dest_(dest),
+      tables_(std::move(tables)),
+      services_(std::move(services)) {
+  setObjectName("frmSchedule");
+  setWindowTitle("Schedule Conversion");
+  auto& layout = MakeChild<QGridLayout>(*static_cast<QWidget*>(this));
+  txtTaskName_ = &AddField(layout, "txtTaskName", "Task name");
+  txtLogFile_ = &AddField(layout, "txtLogFile", "Log file");
+  auto& cmdBrowse = AddButton("cmdBrowse", *this, "Browse");
+  auto& cmdSchedule = AddButton("cmdSchedule", *this, "Save and show task settings");
+  auto& cmdCancel = AddButton("cmdCancel", *this, "Close");
+  layout.addWidget(&cmdBrowse, 1, 2);
+  layout.addWidget(&cmdSchedule, 2, 1, Qt::AlignRight);
+  layout.addWidget(&cmdCancel, 2, 2);
+
+  connect(&cmdBrowse, &QAbstractButton::clicked, this, &frmSchedule::Browse);
+  connect(&cmdSchedule, &QAbstractButton::clicked, this, &frmSchedule::Schedule);
+  connect(&cmdCancel, &QAbstractButton::clicked, this, &QWidget::close);
+}
+
+QLineEdit& frmSchedule::AddField(QGridLayout& layout, const char* name, const QString& caption) {
+  const int row = layout.rowCount() - (layout.count() == 0 ? 1 : 0);
+  auto& label = MakeChild<QLabel>(*static_cast<QWidget*>(this), caption);
+  auto& field = MakeNamed<QLineEdit>(name, *static_cast<QWidget*>(this));
+  field.setMinimumWidth(kFieldWidth);
+  label.setBuddy(&field);
+  layout.addWidget(&label, row, 0);
+  layout.addWidget(&field, row, 1);
+  return field;
+}
+
+void frmSchedule::Browse() {
+  QFileDialog cdLogFile(this, "Log file path", txtLogFile_->text(), "txt (*.txt)");
+  cdLogFile.setObjectName("cdLogFile");
+  cdLogFile.setAcceptMode(QFileDialog::AcceptSave);
+  cdLogFile.setDefaultSuffix("txt");
+  // A log that is there already is appended to, never replaced.
+  cdLogFile.setOption(QFileDialog::DontConfirmOverwrite);
+  if (cdLogFile.exec() == QDialog::Accepted)
+    txtLogFile_->setText(cdLogFile.selectedFiles().first());
+}
+
+void frmSchedule::Schedule() {
+  const std::string name = txtTaskName_->text().toStdString();
+  const std::string log = txtLogFile_->text().toStdString();
+  if (name.empty()) return Refuse("Please enter a valid task name", txtTaskName_);
+  if (text::Trim(log).empty()) {
+    return Refuse("Please specify the log file destination", txtLogFile_);
+  }
+  try {
+    SaveTask(name);
+    WriteSettingsFile(name);
+  } catch (const RunTimeError& error) {
+    if (error.Number() == scheduler::kTaskExists) {
+      return Refuse("This task already exists. Please enter a another name", txtTaskName_);
+    }
+    if (error.Number() == scheduler::kInvalidTaskName) {
+      return Refuse(error.Description(), txtTaskName_);
+    }
+    Refuse(UnknownError(error.Number(), error.Description()), nullptr);
+  } catch (const std::exception& error) {
+    Refuse(UnknownError(run_time::kFileInputOutput, error.what()), nullptr);
+  }
+}
+
+void frmSchedule::SaveTask(const std::string& name) {
+  const std::shared_ptr<scheduler::ITaskScheduler> scheduler = services_.make_scheduler();
+  scheduler::Task task = scheduler->NewTask(name);
+  task.comment = kTaskComment;
+  task.program = services_.program_folder / kProgramName;
+  task.working_directory = services_.settings_folder;
+  task.arguments = SettingsFileName(name);
+  task.run_missed_start = true;
+  scheduler->Save(task);
+
+  auto& settings = MakeChild<TaskSettingsDialog>(*this, scheduler, task, services_.show_message);
+  settings.setAttribute(Qt::WA_DeleteOnClose);
+  // Does not wait: the settings file has to be there when the user runs the task from the window.
+  settings.open();
+}
+
+void frmSchedule::WriteSettingsFile(const std::string& name) const {
+  const std::filesystem::path path = services_.settings_folder / SettingsFileName(name);
+  std::filesystem::path draft = path;
+  draft += ".new";
+  text::LineWriter file(draft, text::OpenMode::Replace, true);
+  try {
+    WriteConversionSettings(file, src_, dest_, tables_, txtLogFile_->text().toStdString());
+    file.Close();
+    std::filesystem::rename(draft, path);
+  } catch (...) {
+    std::error_code ignored;
+    std::filesystem::remove(draft, ignored);
+    throw;
+  }
+}
+
+void frmSchedule::Refuse(std::string_view message, QLineEdit* field) const {
+  services_.show_message(message, message_style::kError, "Error");
+  if (field != nullptr) field->setFocus();
+}
+
+}  // namespace dorvane

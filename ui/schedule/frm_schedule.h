@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QDialog>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "endpoint/database.h"
+#include "platform/scheduler/scheduler.h"
+
+class QGridLayout;
+class QLineEdit;
+
+namespace dorvane {
+
+using MessageFunction =
+    std::function<void(std::string_view text, std::int32_t style, std::string_view title)>;
+
+/// What the scheduling dialog gets from its surroundings. All of it must be set.
+struct ScheduleServices {
+  std::function<std::unique_ptr<scheduler::ITaskScheduler>()> make_scheduler =
+      scheduler::MakeTaskScheduler;
+  std::filesystem::path program_folder;   // where "Dorvane" lies
+  std::filesystem::path settings_folder;  // where the task's settings file goes and the task runs
+  MessageFunction show_message;
+};
+
+/// Turns a conversion into a task of the operating system, with a settings file of the task's name.
+/// The endpoints are read when the task is saved and must outlive the dialog.
+class frmSchedule : public QDialog {
+  Q_OBJECT
+
+ public:
+  frmSchedule(const IDatabase& src, const IDatabase& dest, NameList tables,
+              ScheduleServices services, QWidget* parent = nullptr);
+
+ private:
+  QLineEdit& AddField(QGridLayout& layout, const char* name, const QString& caption);
+  void Browse();
+  void Schedule();
+  /// Makes the task and shows its settings. Throws RunTimeError.
+  void SaveTask(const std::string& name);
+  /// Writes the conversion for its owner alone, in one piece. Throws RunTimeError.
+  void WriteSettingsFile(const std::string& name) const;
+  void Refuse(std::string_view message, QLineEdit* field) const;
+
+  const IDatabase& src_;
+  const IDatabase& dest_;
+  const NameList tables_;
+  const ScheduleServices services_;
+  QLineEdit* txtTaskName_;
+  QLineEdit* txtLogFile_;
+};
+
+}  // namespace dorvane
