@@ -1,6 +1,7 @@
 #include "ui/controls/name_list_view.h"
 
 #include <QAbstractListModel>
+#include <QScrollBar>
 #include <algorithm>
 
 #include "ui/controls/make_child.h"
@@ -51,7 +52,6 @@ NameListView::NameListView(QWidget* parent)
     : QListView(parent), model_(&MakeChild<NameListModel>(static_cast<QObject&>(*this))) {
   setModel(model_);
   setUniformItemSizes(true);
-  setLayoutMode(QListView::Batched);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
   setSelectionMode(QAbstractItemView::SingleSelection);
   setTextElideMode(Qt::ElideMiddle);
@@ -62,7 +62,10 @@ const std::vector<std::string>& NameListView::Names() const {
 }
 
 void NameListView::SetNames(std::vector<std::string> names, int current) {
+  const int scrolled = verticalScrollBar()->value();
   model_->Reset(std::move(names));
+  doItemsLayout();
+  verticalScrollBar()->setValue(scrolled);
   SetCurrent(current);
 }
 

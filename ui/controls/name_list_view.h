@@ -20,7 +20,8 @@ class NameListView : public QListView {
   const std::vector<std::string>& Names() const;
   /// Replaces all names; `current` is the position of the current one, -1 for none.
   void SetNames(std::vector<std::string> names, int current);
-  int Current() const { return currentIndex().row(); }
+  /// The position of the selected entry, or -1.
+  int Current() const;
   void SetCurrent(int position);
   void Append(std::string name);
   /// Removes the first entry that equals `name` exactly, if there is one.

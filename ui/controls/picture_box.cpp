@@ -5,7 +5,9 @@
 
 namespace dorvane {
 
-PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {}
+PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {
+  setMouseTracking(true);
+}
 
 void PictureBox::SetPicture(const QPixmap& picture) {
   picture_ = picture;
@@ -27,8 +29,12 @@ void PictureBox::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton && rect().contains(event->pos())) emit Clicked();
 }
 
+void PictureBox::mouseMoveEvent(QMouseEvent*) {
+  emit MouseMoved();
+}
+
 void PictureBox::enterEvent(QEnterEvent*) {
-  emit Entered();
+  emit MouseMoved();
 }
 
 }  // namespace dorvane

@@ -21,13 +21,14 @@ class PictureBox : public QWidget {
   void Pressed();
   /// It was released over the picture.
   void Clicked();
-  /// The mouse came over the picture.
-  void Entered();
+  /// The mouse came over the picture or moved on it.
+  void MouseMoved();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void enterEvent(QEnterEvent* event) override;
 
  private:

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <QApplication>
+#include <QLabel>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/support/temp_folder.h"
+#include "tests/ui/scripted_endpoint.h"
+#include "ui/controls/gradient_button.h"
+#include "ui/controls/name_list_view.h"
+#include "ui/controls/wrapped_label.h"
+#include "ui/wizard/frm_wizard.h"
+
+namespace dorvane::test {
+
+/// A message box as it was seen.
+struct SeenBox {
+  QString title;
+  QString text;
+  bool operator==(const SeenBox&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const SeenBox& box) {
+  return out << box.title.toStdString() << ": " << box.text.toStdString();
+}
+
+/// A wizard on scripted servers, driven as a person does: by clicks and keys on its controls. Every
+/// message box that appears is noted and answered with its OK or Yes button, or with No.
+class WizardDriver {
+ public:
+  explicit WizardDriver(Script& script)
+      : WizardDriver(script, [&script](ServerKind kind, IRunHost& host) {
+          script.host = &host;
+          return std::make_unique<ScriptedEndpoint>(kind, script);
+        }) {}
+
+  WizardDriver(Script&, HostedEndpointFactory make_endpoint)
+      : wizard_({.make_endpoint = std::move(make_endpoint),
+                 .settings_folder = folder_.Path(),
+                 .show_help = [this](std::int32_t context) { help_contexts.push_back(context); },
+                 .show_schedule = [this](const IDatabase&, const IDatabase&, const NameList& tables,
+                                         QWidget*) { scheduled = tables; },
+                 .open_address = [this](const std::string& address) { opened = address; }}) {
+    watcher_.setInterval(5);
+    QObject::connect(&watcher_, &QTimer::timeout, [this] { AnswerBox(); });
+    watcher_.start();
+    QObject::connect(&wizard_, &frmWizard::Closed, [this] { closed = true; });
+    wizard_.show();
+    wizard_.Load();
+  }
+
+  frmWizard& Window() { return wizard_; }
+  const std::filesystem::path& Folder() const { return folder_.Path(); }
+
+  template <class T = QWidget>
+  T& Get(const char* name) {
+    T* found = wizard_.findChild<T*>(name);
+    if (!found) throw std::logic_error(std::string("no control ") + name);
+    return *found;
+  }
+
+  void Click(const char* name) {
+    QWidget& control = Get(name);
+    // Options and check boxes react near their left end only.
+    const bool is_button = qobject_cast<GradientButton*>(&control) != nullptr;
+    const QPoint position = is_button ? control.rect().center() : QPoint(8, control.height() / 2);
+    QTest::mouseClick(&control, Qt::LeftButton, {}, position);
+    QApplication::processEvents();
+  }
+  void Next() { Click("cmdNav3"); }
+  void Back() { Click("cmdNav2"); }
+  void Type(const char* name, const QString& text) {
+    auto& field = Get<QLineEdit>(name);
+    field.setFocus();
+    field.selectAll();
+    QTest::keyClick(&field, Qt::Key_Delete);
+    QTest::keyClicks(&field, text);
+  }
+  QString Text(const char* name) { return Get<QLineEdit>(name).text(); }
+  QString LabelText(const char* name) { return Get<QLabel>(name).text(); }
+  bool IsEnabled(const char* name) {
+    QWidget& control = Get(name);
+    return control.isEnabledTo(control.parentWidget());
+  }
+  const NameList& Names(const char* list) { return Get<NameListView>(list).Names(); }
+
+  /// Boxes seen since the last call.
+  std::vector<SeenBox> TakeBoxes() { return std::exchange(boxes_, {}); }
+
+  std::vector<std::int32_t> help_contexts;
+  NameList scheduled;
+  std::string opened;
+  bool closed = false;
+  bool answer_no = false;
+  /// Called for each box before it is answered.
+  std::function<void(QWidget& box)> on_box;
+
+ private:
+  void AnswerBox() {
+    QWidget* box = QApplication::activeModalWidget();
+    if (!box || box->objectName() != "frmMsgBox") return;
+    auto* no = box->findChild<GradientButton*>("cmdNo");
+    boxes_.push_back({box->findChild<QLabel*>("lblTitle")->text(),
+                      box->findChild<WrappedLabel*>("lblMessage")->text()});
+    if (on_box) on_box(*box);
+    auto* button = answer_no && no->isVisible() ? no : box->findChild<GradientButton*>("cmdOK");
+    QTest::mouseClick(button, Qt::LeftButton);
+  }
+
+  TempFolder folder_;
+  std::vector<SeenBox> boxes_;
+  QTimer watcher_;
+  frmWizard wizard_;
+};
+
+}  // namespace dorvane::test

@@ -1,0 +1,142 @@
+#include "ui/wizard/connection_page.h"
+
+#include "ui/controls/make_child.h"
+#include "ui/dialogs/message_box.h"
+#include "ui/wizard/theme.h"
+#include "ui/wizard/unexpected_failure.h"
+
+namespace dorvane {
+
+void ConnectionPage::Preset() {
+  ConnectionFields fields = Fields();
+  PresetFields(traits_, session_.last, fields);
+  host_->setText(QString::fromStdString(fields.host));
+  user_->setText(QString::fromStdString(fields.user));
+  password_->setText(QString::fromStdString(fields.password));
+  port_->setText(QString::fromStdString(fields.port));
+}
+
+ConnectionFields ConnectionPage::Fields() const {
+  return {.host = host_->text().toStdString(),
+          .user = user_->text().toStdString(),
+          .password = password_->text().toStdString(),
+          .port = port_->text().toStdString()};
+}
+
+void ConnectionPage::ProposeNewName(const std::string& name) {
+  const bool created = IsConnected() && WantsNewDatabase();
+  if (!created) new_name_->setText(QString::fromStdString(name));
+}
+
+void ConnectionPage::ClearFields() {
+  for (QLineEdit* field : {host_, user_, password_, port_}) field->clear();
+}
+
+void ConnectionPage::TickWindowsLogin() {
+  windows_login_->setChecked(true);
+  OnWindowsLogin();
+}
+
+void ConnectionPage::OnWindowsLogin() {
+  const bool ticked = windows_login_->isChecked();
+  Endpoint().SetWinNTAuthentication(ticked);
+  for (QLineEdit* field : {user_, password_}) {
+    field->setEnabled(!ticked);
+    theme::SetColor(*field, QPalette::Base,
+                    ticked ? theme::kDisabledFieldGround : theme::kFieldGround);
+  }
+}
+
+void ConnectionPage::OnExistingDatabase() {
+  merge_->setEnabled(true);
+  overwrite_->setEnabled(true);
+  new_name_->setEnabled(false);
+  databases_->clear();
+  databases_->setEnabled(false);
+  connect_->SetCaption("Connect");
+}
+
+void ConnectionPage::OnNewDatabase() {
+  merge_->setEnabled(false);
+  overwrite_->setEnabled(false);
+  new_name_->setEnabled(true);
+  connect_->SetCaption("Create New Database");
+}
+
+QWidget* ConnectionPage::FocusFor(FieldRefusal::Field field) {
+  switch (field) {
+    case FieldRefusal::kPort:
+      return port_;
+    case FieldRefusal::kUser:
+      return findChild<QWidget*>(traits_.focus_for_user);
+    case FieldRefusal::kNewName:
+      return new_name_;
+  }
+  return nullptr;
+}
+
+void ConnectionPage::OnConnect() {
+  const ConnectionFields fields = Fields();
+  std::optional<std::string> new_name;
+  if (traits_.is_destination && WantsNewDatabase()) new_name = NewName();
+  if (const auto refusal = CheckFields(traits_, fields, UsesWindowsLogin(), new_name)) {
+    ShowMessage(refusal->message, refusal->style, "");
+    FocusFor(refusal->field)->setFocus();
+    return;
+  }
+  bool connected = false;
+  try {
+    ApplyFields(fields, UsesWindowsLogin(), Endpoint());
+    connected = new_name ? CreateDatabase(std::string(Trimmed(*new_name))) : ListDatabases();
+  } catch (...) {
+    const FailureFacts failure = CurrentFailure();
+    ShowMessage(FailureText(traits_, failure.number, failure.description), traits_.failure.style,
+                "");
+    return;
+  }
+  if (!connected || !traits_.is_destination) return;
+  existing_database_->setEnabled(false);
+  new_database_->setEnabled(false);
+  connect_->SetEnabled(false);
+  disconnect_->SetEnabled(true);
+}
+
+bool ConnectionPage::ListDatabases() {
+  std::optional<NameList> names;
+  server_caller_.Run([&] { names = Endpoint().GetDatabases(); });
+  if (!names) return false;
+  databases_->clear();
+  for (const std::string& name : *names) databases_->addItem(QString::fromStdString(name));
+  databases_->setCurrentIndex(names->empty() ? -1 : 0);
+  databases_->setEnabled(true);
+  if (!traits_.is_destination) {
+    disconnect_->SetEnabled(true);
+    databases_->setFocus();
+  }
+  connect_->SetEnabled(false);
+  return true;
+}
+
+bool ConnectionPage::CreateDatabase(const std::string& name) {
+  bool created = false;
+  server_caller_.Run([&] { created = Endpoint().CreateDatabase(name); });
+  if (!created) return false;
+  // The field now says what was created; the table page takes the database's name from it.
+  new_name_->setText(QString::fromStdString(name));
+  new_name_->setEnabled(false);
+  return true;
+}
+
+void ConnectionPage::OnDisconnect() {
+  connect_->SetEnabled(true);
+  disconnect_->SetEnabled(false);
+  databases_->clear();
+  databases_->setEnabled(false);
+  if (!traits_.is_destination) return;
+  existing_database_->setEnabled(true);
+  new_database_->setEnabled(true);
+  existing_database_->setChecked(true);
+  OnExistingDatabase();
+}
+
+}  // namespace dorvane

@@ -1,0 +1,190 @@
+#include "ui/wizard/connection_rules.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "endpoint/events.h"
+#include "platform/run_time_error.h"
+#include "ui/wizard/wizard_steps.h"
+
+namespace dorvane {
+namespace {
+
+using Last = LastSettings;
+
+constexpr const char* kCanNotConnect = "Can not connect to server: {description}";
+
+constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
+    {
+        .page = page::kMsSqlSource,
+        .server = ServerKind::MsSql,
+        .is_destination = false,
+        .controls = {.host = "txtSrcHost",
+                     .user = "txtSrcUsername",
+                     .password = "txtSrcPassword",
+                     .port = "txtSrcPortnumber",
+                     .windows_login = "chkWinAuth",
+                     .databases = "cmbSrcExistingDatabase",
+                     .connect = "cmdSrcConnect",
+                     .disconnect = "cmdSrcDisconnect"},
+        .host_limit = 50,
+        .user_check = UserCheck::kUnlessWindowsLogin,
+        .focus_for_user = "txtSrcUsername",
+        .preset = {"mssql", Last::kSrcServer, Last::kSrcUser, Last::kSrcPassword, Last::kSrcPort,
+                   "sa", "1433"},
+        .failure = {kCanNotConnect, message_style::kError},
+        .not_ready = {},
+    },
+    {
+        .page = page::kMySqlDestination,
+        .server = ServerKind::MySql,
+        .is_destination = true,
+        .controls = {.host = "txtDestHost",
+                     .user = "txtDestUserName",
+                     .password = "txtDestPassword",
+                     .port = "txtDestPortNumber",
+                     .databases = "cmbDestExistingDatabase",
+                     .connect = "cmdDestConnect",
+                     .disconnect = "cmdDestDisconnect",
+                     .existing_database = "optExistingDb",
+                     .new_database = "optNewDb",
+                     .new_name = "txtDestNewDbName",
+                     .merge = "opnMerge",
+                     .overwrite = "opnOverwite"},
+        .host_limit = 40,
+        .user_check = UserCheck::kNever,
+        .focus_for_user = nullptr,
+        .preset = {"mssql", Last::kDestServer, Last::kDestUser, Last::kDestPassword,
+                   Last::kDestPort, "root", "3306"},
+        .failure = {"Error number {number} - Can not connect to the server {description}",
+                    message_style::kPlain},
+        .not_ready = {"Please click create database button first",
+                      "Please enter a valid database name", message_style::kPlain},
+    },
+    {
+        .page = page::kMySqlSource,
+        .server = ServerKind::MySql,
+        .is_destination = false,
+        .controls = {.host = "txtDir2MysqlHost",
+                     .user = "txtDir2MysqlUsername",
+                     .password = "txtDir2MysqlPassword",
+                     .port = "txtDir2MysqlPortNo",
+                     .databases = "cmbDir2MysqlDatabases",
+                     .connect = "cmdDir2MysqlConnect",
+                     .disconnect = "cmdDir2MysqlDisconnect"},
+        .host_limit = 40,
+        .user_check = UserCheck::kAlways,
+        .focus_for_user = "txtDir2MysqlUsername",
+        .preset = {"mysql", Last::kSrcServer, Last::kSrcUser, Last::kSrcPassword, Last::kSrcPort,
+                   "root", "3306"},
+        .failure = {kCanNotConnect, message_style::kError},
+        .not_ready = {},
+    },
+    {
+        .page = page::kMsSqlDestination,
+        .server = ServerKind::MsSql,
+        .is_destination = true,
+        .controls = {.host = "txtDir2MsSqlHost",
+                     .user = "txtDir2MsSqlUsername",
+                     .password = "txtDir2MsSqlPassword",
+                     .port = "txtDir2MsSqlPortNo",
+                     .windows_login = "chkDir2MsSqlAuth",
+                     .databases = "cmbDir2MsSqlExistingDatabase",
+                     .connect = "cmdDir2MsSqlConnect",
+                     .disconnect = "cmdDir2MsSqlDisconnect",
+                     .existing_database = "opnDir2MsSqlExistingDb",
+                     .new_database = "opnDir2MsSqlNewDb",
+                     .new_name = "txtDir2MsSqlNewDatabase",
+                     .merge = "opnDir2MsSqlMerge",
+                     .overwrite = "opnDir2MsSqlOverwite"},
+        .host_limit = 40,
+        .user_check = UserCheck::kUnlessWindowsLogin,
+        .focus_for_user = "chkDir2MsSqlAuth",
+        .preset = {"mysql", Last::kDestServer, Last::kDestUser, Last::kDestPassword,
+                   Last::kDestPort, "sa", "1433"},
+        .failure = {"Unkown Error number {number} - {description}", message_style::kPlain},
+        .not_ready = {"Please click create database button", "Please enter a valid Database Name",
+                      message_style::kInformation},
+    },
+}};
+
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+bool IsNumber(std::string_view text) {
+  return !text.empty() && std::ranges::all_of(text, IsDigit);
+}
+
+std::int16_t PortNumber(std::string_view text) {
+  const std::string_view digits = Trimmed(text);
+  std::int16_t port = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), port);
+  if (result.ec != std::errc()) throw RunTimeError(run_time::kOverflow, "Dorvane", "Overflow");
+  return port;
+}
+
+void FillIfEmpty(std::string& field, const std::string& value) {
+  if (field.empty()) field = value;
+}
+
+}  // namespace
+
+const ConnectionPageTraits& TraitsOf(std::int16_t page) {
+  return *std::ranges::find(kTraits, page, &ConnectionPageTraits::page);
+}
+
+void PresetFields(const ConnectionPageTraits& traits, const LastSettings& last,
+                  ConnectionFields& fields) {
+  const auto& preset = traits.preset;
+  const bool same_way = last[Last::kDirection] == preset.last_direction;
+  FillIfEmpty(fields.host, same_way ? last[preset.host] : "localhost");
+  FillIfEmpty(fields.user, same_way ? last[preset.user] : preset.default_user);
+  FillIfEmpty(fields.port, same_way ? last[preset.port] : preset.default_port);
+  if (same_way) FillIfEmpty(fields.password, last.PlainPassword(preset.password));
+}
+
+std::string_view Trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+std::optional<FieldRefusal> CheckFields(const ConnectionPageTraits& traits,
+                                        const ConnectionFields& fields, bool windows_login,
+                                        const std::optional<std::string>& new_name) {
+  if (!IsNumber(Trimmed(fields.port))) {
+    return FieldRefusal{FieldRefusal::kPort, "Please enter a valid port number",
+                        message_style::kInformation};
+  }
+  const bool needs_user = traits.user_check == UserCheck::kAlways ||
+                          (traits.user_check == UserCheck::kUnlessWindowsLogin && !windows_login);
+  if (needs_user && Trimmed(fields.user).empty()) {
+    return FieldRefusal{FieldRefusal::kUser, "Please enter a valid username",
+                        message_style::kInformation};
+  }
+  if (new_name && Trimmed(*new_name).empty()) {
+    return FieldRefusal{FieldRefusal::kNewName, "Please Enter the New Database Name",
+                        message_style::kPlain};
+  }
+  return std::nullopt;
+}
+
+void ApplyFields(const ConnectionFields& fields, bool windows_login, IDatabase& endpoint) {
+  endpoint.SetUserId(fields.user);
+  endpoint.SetPassword(fields.password);
+  endpoint.SetServer(fields.host);
+  endpoint.SetPortNo(PortNumber(fields.port));
+  if (endpoint.Kind() == ServerKind::MsSql) endpoint.SetWinNTAuthentication(windows_login);
+}
+
+std::string FailureText(const ConnectionPageTraits& traits, std::int32_t number,
+                        std::string_view description) {
+  return fmt::format(fmt::runtime(traits.failure.format), fmt::arg("number", number),
+                     fmt::arg("description", description));
+}
+
+}  // namespace dorvane

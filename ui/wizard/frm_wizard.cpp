@@ -1,0 +1,159 @@
+#include "ui/wizard/frm_wizard.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+
+#include "ui/dialogs/message_box.h"
+#include "ui/wizard/theme.h"
+#include "ui/wizard/unexpected_failure.h"
+
+namespace dorvane {
+namespace {
+
+QString ToQt(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+frmWizard::frmWizard(WizardServices services)
+    : services_(std::move(services)), server_caller_(*this) {
+  setObjectName("frmWizard");
+  BuildWindow();
+  ConnectRun();
+}
+
+frmWizard::~frmWizard() = default;
+
+void frmWizard::ConnectRun() {
+  run_.SetTableCounts([this] { return transfer_page_->Counts(); });
+  connect(&run_, &WizardRun::ProgressChanged, this,
+          [this] { transfer_page_->Show(run_.Progress()); });
+  connect(&run_, &WizardRun::TableConverted, transfer_page_, &TransferPage::MarkConverted);
+  connect(&run_, &WizardRun::Started, this, [this] {
+    transfer_page_->ConversionStarted();
+    for (const Nav button : {kNext, kBack, kFinish}) NavButton(button).SetEnabled(false);
+  });
+  connect(&run_, &WizardRun::Ended, this, [this] {
+    NavButton(kCancel).SetEnabled(false);
+    NavButton(kFinish).SetEnabled(true);
+    transfer_page_->ConversionEnded();
+  });
+}
+
+void frmWizard::Load() {
+  ShowStep(page::kDirection);
+  session_.last = LoadLastSettings(services_.settings_folder, [](std::string_view message) {
+    ShowMessage(message, message_style::kError, "Dorvane");
+  });
+  const bool from_ms_sql = session_.last[LastSettings::kDirection] == "mssql";
+  direction_page_->Choose(from_ms_sql ? ServerKind::MsSql : ServerKind::MySql);
+  if (session_.last[LastSettings::kWinAuth] == "true") {
+    Page(from_ms_sql ? page::kMsSqlSource : page::kMsSqlDestination).TickWindowsLogin();
+  }
+}
+
+void frmWizard::ChooseDirection(ServerKind source) {
+  const bool from_ms_sql = source == ServerKind::MsSql;
+  for (const std::int16_t page : {page::kMsSqlSource, page::kMySqlDestination}) {
+    Page(page).ClearFields();
+    Page(page).ClearDatabases();
+  }
+  Page(page::kMySqlDestination).EnableConnect();
+  if (!from_ms_sql) Page(page::kMsSqlSource).EnableConnect();
+  tables_page_->ClearLists();
+
+  session_.src = services_.make_endpoint(source, run_);
+  session_.dest =
+      services_.make_endpoint(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql, run_);
+  if (from_ms_sql) {
+    session_.src->SetPortNo(1433);
+    session_.src->SetServer("localhost");
+    session_.src->SetUserId("sa");
+    session_.dest->SetPortNo(3306);
+    session_.dest->SetServer("localhost");
+    session_.dest->SetUserId("root");
+  }
+  session_.src->SetListener(&run_);
+  session_.dest->SetListener(&run_);
+  for (const std::int16_t page : {page::kMySqlDestination, page::kMsSqlDestination}) {
+    Page(page).ShowMerge();
+  }
+}
+
+void frmWizard::ShowStep(std::int16_t page) {
+  if (!EnterPage(page)) return;
+  pages_->widget(mnCurStep_)->setEnabled(false);
+  pages_->widget(page)->setEnabled(true);
+  pages_->setCurrentIndex(page);
+  SetStepTitle(page);
+  SetNavigationButtons(page);
+  HighlightStepIndicator(page);
+}
+
+void frmWizard::SetStepTitle(std::int16_t page) {
+  const auto step = StepOfPage(page);
+  if (!step) return;
+  currentScreen_ = *step;
+  lblTitle_->setText(ToQt(StepTitle(*step)));
+  const ServerKind source = session_.src ? session_.Direction() : ServerKind::MsSql;
+  if (const auto caption = WindowCaption(*step, source)) setWindowTitle(ToQt(*caption));
+}
+
+void frmWizard::SetNavigationButtons(std::int16_t page) {
+  mnCurStep_ = page;
+  NavButton(kBack).SetEnabled(page != page::kDirection);
+  NavButton(kNext).SetEnabled(page != page::kTransfer);
+  NavButton(kFinish).SetEnabled(blnFinishAllowed_);
+}
+
+void frmWizard::HighlightStepIndicator(std::int16_t page) {
+  const auto current = StepOfPage(page);
+  if (!current) return;
+  for (std::size_t step = 0; step < kStepCount; ++step) {
+    const bool is_current = step == static_cast<std::size_t>(*current);
+    step_markers_[step]->SetFillColor(is_current ? theme::kCurrentMarker : theme::kOtherMarker);
+    theme::SetColor(*step_labels_[step], QPalette::WindowText,
+                    is_current ? theme::kCurrentStep : theme::kOtherStep);
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  }
+}
+
+void frmWizard::Transfer() {
+  run_.Transfer(*session_.src, *session_.dest, session_.tables);
+  // The window was to be closed while the transfer ran.
+  if (run_.IsStopping()) close();
+}
+
+void frmWizard::Cancel() {
+  const int answer = AskYesNo("Are you sure you want to exit?", message_style::kQuestion, "");
+  if (answer == kAnswerYes) close();
+}
+
+void frmWizard::Finish() {
+  try {
+    SaveLastSettings(services_.settings_folder, *session_.src, *session_.dest);
+  } catch (...) {
+    ShowMessage(DescribeUnexpectedFailure(), message_style::kError, "");
+  }
+  close();
+}
+
+void frmWizard::ShowHelp() {
+  const ServerKind source = session_.src ? session_.Direction() : ServerKind::MsSql;
+  services_.show_help(HelpContext(currentScreen_, source));
+}
+
+void frmWizard::closeEvent(QCloseEvent* event) {
+  if (run_.IsTransferring()) {
+    // The row or block in hand is finished first; Transfer closes the window then.
+    run_.Stop();
+    NavButton(kCancel).SetEnabled(false);
+    event->ignore();
+    return;
+  }
+  event->accept();
+  emit Closed();
+}
+
+}  // namespace dorvane

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <QLabel>
+#include <QStackedWidget>
+#include <QWidget>
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "app/unattended_run.h"
+#include "ui/controls/gradient_button.h"
+#include "ui/controls/picture_box.h"
+#include "ui/wizard/connection_page.h"
+#include "ui/wizard/direction_page.h"
+#include "ui/wizard/step_marker.h"
+#include "ui/wizard/tables_page.h"
+#include "ui/wizard/transfer_page.h"
+#include "ui/wizard/wizard_run.h"
+#include "ui/wizard/wizard_session.h"
+#include "ui/wizard/wizard_steps.h"
+#include "ui/wizard/worker_call.h"
+
+namespace dorvane {
+
+/// What the wizard gets from its surroundings. All of it must be set.
+struct WizardServices {
+  HostedEndpointFactory make_endpoint;
+  std::filesystem::path settings_folder;  // of "config"
+  std::function<void(std::int32_t context)> show_help;
+  std::function<void(const IDatabase& src, const IDatabase& dest, const NameList& tables,
+                     QWidget* parent)>
+      show_schedule;
+  std::function<void(const std::string& address)> open_address;
+};
+
+/// The wizard window: step list, title line, seven pages of which one is shown, and the navigation
+/// bar. Every control carries its name as object name; of an array of controls, the name and the
+/// index ("cmdNav1", "lblleft0", "shpCircle0", "fraStep6").
+class frmWizard : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit frmWizard(WizardServices services);
+  ~frmWizard() override;
+
+  /// Shows the first page, reads the last run's values and chooses their direction.
+  void Load();
+
+  /// Prepares a page and shows it, unless something is missing: that is told and the current page
+  /// stays.
+  void ShowStep(std::int16_t page);
+  void SetStepTitle(std::int16_t page);
+  void SetNavigationButtons(std::int16_t page);
+  void HighlightStepIndicator(std::int16_t page);
+
+  std::int16_t CurrentPage() const { return mnCurStep_; }
+  std::int16_t CurrentScreen() const { return currentScreen_; }
+  const WizardSession& Session() const { return session_; }
+
+ signals:
+  /// The window was closed: the program ends.
+  void Closed();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  enum Nav { kCancel = 1, kBack = 2, kNext = 3, kFinish = 4 };
+
+  void BuildWindow();
+  QWidget& BuildSidebar();
+  QWidget& BuildTitleLine();
+  QWidget& BuildPages();
+  QWidget& BuildNavigationBar();
+  void ConnectRun();
+
+  // What happens when a page is entered; false when it refuses.
+  bool EnterPage(std::int16_t page);
+  bool EnterSource(std::int16_t page);
+  bool EnterDestination(std::int16_t page);
+  bool EnterTables();
+  bool EnterTransfer();
+  bool LoadTableLists(const ConnectionPage& source);
+
+  ConnectionPage& Page(std::int16_t page) { return *connection_pages_.at(page); }
+  GradientButton& NavButton(Nav button) { return *nav_buttons_[static_cast<std::size_t>(button)]; }
+
+  void ChooseDirection(ServerKind source);
+  void Transfer();
+  void Cancel();
+  void Finish();
+  void ShowHelp();
+
+  WizardServices services_;
+  WizardRun run_;  // outlives the endpoints that report to it
+  WizardSession session_;
+  ServerCaller server_caller_;
+
+  std::int16_t mnCurStep_ = page::kDirection;
+  std::int16_t currentScreen_ = 0;
+  bool blnFinishAllowed_ = false;
+
+  std::array<QLabel*, kStepCount> step_labels_{};
+  std::array<StepMarker*, kStepCount> step_markers_{};
+  QLabel* lblTitle_ = nullptr;
+  QStackedWidget* pages_ = nullptr;
+  std::array<GradientButton*, 5> nav_buttons_{};  // index 0 is not used
+  PictureBox* imgHelp_ = nullptr;
+  DirectionPage* direction_page_ = nullptr;
+  std::map<std::int16_t, ConnectionPage*> connection_pages_;
+  TablesPage* tables_page_ = nullptr;
+  TransferPage* transfer_page_ = nullptr;
+};
+
+}  // namespace dorvane

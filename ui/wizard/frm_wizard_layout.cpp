@@ -1,0 +1,186 @@
+// How the wizard window is built: step list, title line, pages and navigation bar.
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QShortcut>
+
+#include "ui/controls/make_child.h"
+#include "ui/wizard/frm_wizard.h"
+#include "ui/wizard/image_list.h"
+#include "ui/wizard/theme.h"
+
+namespace dorvane {
+namespace {
+
+constexpr QSize kWindowSize(860, 600);
+constexpr QSize kLogoSize(120, 56);
+constexpr QSize kHelpSize(28, 28);
+constexpr int kSidebarWidth = 200;
+constexpr int kNavButtonWidth = 96;
+constexpr const char* kHomePage = "https://dorvane.example/";
+
+QString Indexed(const char* name, std::size_t index) {
+  return QString::fromLatin1(name) + QString::number(index);
+}
+
+/// The dark panel behind the step list.
+class Sidebar : public QWidget {
+ public:
+  explicit Sidebar(QWidget* parent) : QWidget(parent) { setFixedWidth(kSidebarWidth); }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    QLinearGradient shade(0, 0, 0, height());
+    shade.setColorAt(0, QColor(theme::kSidebarTop));
+    shade.setColorAt(1, QColor(theme::kSidebarBottom));
+    painter.fillRect(rect(), shade);
+  }
+};
+
+void SetGround(QWidget& widget, QRgb color) {
+  theme::SetColor(widget, QPalette::Window, color);
+  widget.setAutoFillBackground(true);
+}
+
+}  // namespace
+
+void frmWizard::BuildWindow() {
+  auto& grid = MakeChild<QGridLayout>(static_cast<QWidget&>(*this));
+  grid.setContentsMargins(0, 0, 0, 0);
+  grid.setSpacing(0);
+  grid.addWidget(&BuildSidebar(), 0, 0, 3, 1);
+  grid.addWidget(&BuildTitleLine(), 0, 1);
+  grid.addWidget(&BuildPages(), 1, 1);
+  grid.addWidget(&BuildNavigationBar(), 2, 1);
+  grid.setRowStretch(1, 1);
+  grid.setColumnStretch(1, 1);
+  resize(kWindowSize);
+
+  auto& help_key = MakeChild<QShortcut>(*this, QKeySequence(Qt::Key_F1));
+  connect(&help_key, &QShortcut::activated, this, &frmWizard::ShowHelp);
+}
+
+QWidget& frmWizard::BuildSidebar() {
+  auto& sidebar = MakeChild<Sidebar>(static_cast<QWidget&>(*this));
+  auto& layout = MakeChild<QGridLayout>(sidebar);
+  layout.setContentsMargins(22, 22, 16, 22);
+  layout.setHorizontalSpacing(10);
+  layout.setVerticalSpacing(16);
+
+  auto& logo = MakeNamed<PictureBox>("Image2", sidebar);
+  logo.SetPicture(theme::LogoPicture());
+  logo.setFixedSize(kLogoSize);
+  logo.setCursor(Qt::PointingHandCursor);
+  logo.setToolTip(kHomePage);
+  logo.setAccessibleName("Dorvane");
+  connect(&logo, &PictureBox::Clicked, this, [this] { services_.open_address(kHomePage); });
+  layout.addWidget(&logo, 0, 0, 1, 2);
+  layout.setRowMinimumHeight(1, 12);
+
+  for (std::size_t step = 0; step < kStepCount; ++step) {
+    auto& marker = MakeChild<StepMarker>(static_cast<QWidget&>(sidebar));
+    marker.setObjectName(Indexed("shpCircle", step));
+    const std::string_view name = StepName(static_cast<std::int16_t>(step));
+    auto& label = MakeChild<QLabel>(
+        sidebar, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+    label.setObjectName(Indexed("lblleft", step));
+    label.setFont(theme::CaptionFont(font()));
+    const int row = static_cast<int>(step) + 2;
+    layout.addWidget(&marker, row, 0);
+    layout.addWidget(&label, row, 1);
+    step_markers_[step] = &marker;
+    step_labels_[step] = &label;
+  }
+  layout.setRowStretch(kStepCount + 2, 1);
+  layout.setColumnStretch(1, 1);
+  return sidebar;
+}
+
+QWidget& frmWizard::BuildTitleLine() {
+  auto& band = MakeChild<QWidget>(*this);
+  SetGround(band, theme::kTitleGround);
+  auto& layout = MakeChild<QHBoxLayout>(band);
+  layout.setContentsMargins(theme::kMargin, 14, theme::kMargin, 14);
+  lblTitle_ = &MakeNamed<QLabel>("lblTitle", band);
+  lblTitle_->setFont(theme::TitleFont(font()));
+  theme::SetColor(*lblTitle_, QPalette::WindowText, theme::kInk);
+  layout.addWidget(lblTitle_);
+  return band;
+}
+
+QWidget& frmWizard::BuildPages() {
+  pages_ = &MakeChild<QStackedWidget>(*this);
+  direction_page_ = &MakeChild<DirectionPage>(static_cast<QWidget&>(*pages_));
+  pages_->addWidget(direction_page_);
+  for (std::int16_t index = page::kMsSqlSource; index <= page::kMsSqlDestination; ++index) {
+    ConnectionPage*& connection_page = connection_pages_[index];
+    connection_page =
+        &MakeChild<ConnectionPage>(static_cast<QWidget&>(*pages_), index, session_, server_caller_);
+    pages_->addWidget(connection_page);
+  }
+  tables_page_ = &MakeChild<TablesPage>(static_cast<QWidget&>(*pages_));
+  pages_->addWidget(tables_page_);
+  transfer_page_ = &MakeChild<TransferPage>(static_cast<QWidget&>(*pages_));
+  pages_->addWidget(transfer_page_);
+  for (int index = 1; index < pages_->count(); ++index) pages_->widget(index)->setEnabled(false);
+
+  connect(direction_page_, &DirectionPage::Chosen, this, &frmWizard::ChooseDirection);
+  connect(transfer_page_, &TransferPage::TransferRequested, this, &frmWizard::Transfer);
+  connect(transfer_page_, &TransferPage::ScheduleRequested, this, [this] {
+    services_.show_schedule(*session_.src, *session_.dest, session_.tables, this);
+  });
+  return *pages_;
+}
+
+QWidget& frmWizard::BuildNavigationBar() {
+  auto& bar = MakeNamed<PictureBox>("picNav", *this);
+  SetGround(bar, theme::kNavGround);
+  auto& layout = MakeChild<QHBoxLayout>(bar);
+  layout.setContentsMargins(theme::kMargin, 12, theme::kMargin, 12);
+  layout.setSpacing(theme::kGap);
+
+  auto& images = MakeNamed<ImageList>("imglstImages", static_cast<QObject&>(bar),
+                                      theme::HelpPicture(false), theme::HelpPicture(true));
+  imgHelp_ = &MakeNamed<PictureBox>("imgHelp", static_cast<QWidget&>(bar));
+  imgHelp_->setFixedSize(kHelpSize);
+  imgHelp_->SetPicture(images.Picture(1));
+  imgHelp_->setToolTip("F1");
+  imgHelp_->setAccessibleName("Help");
+  layout.addWidget(imgHelp_);
+  layout.addStretch();
+  connect(imgHelp_, &PictureBox::Clicked, this, &frmWizard::ShowHelp);
+  connect(imgHelp_, &PictureBox::MouseMoved, this,
+          [this, &images] { imgHelp_->SetPicture(images.Picture(2)); });
+  connect(&bar, &PictureBox::MouseMoved, this,
+          [this, &images] { imgHelp_->SetPicture(images.Picture(1)); });
+
+  struct NavEntry {
+    Nav index;
+    const char* caption;
+    char access_key;
+    void (*action)(frmWizard& wizard);
+  };
+  constexpr NavEntry kEntries[] = {
+      {kCancel, "Cancel", 'l', [](frmWizard& w) { w.Cancel(); }},
+      {kBack, "<< Back", 'B',
+       [](frmWizard& w) { w.ShowStep(PreviousPage(w.direction_page_->Source(), w.mnCurStep_)); }},
+      {kNext, "Next >>", 'N',
+       [](frmWizard& w) { w.ShowStep(NextPage(w.direction_page_->Source(), w.mnCurStep_)); }},
+      {kFinish, "Finish", 'F', [](frmWizard& w) { w.Finish(); }},
+  };
+  for (const NavEntry& entry : kEntries) {
+    const auto index = static_cast<std::size_t>(entry.index);
+    const QString name = Indexed("cmdNav", index);
+    GradientButton& button =
+        theme::AddButton(name.toLatin1().constData(), bar, entry.caption, entry.access_key);
+    button.setMinimumWidth(kNavButtonWidth);
+    layout.addWidget(&button);
+    connect(&button, &QAbstractButton::clicked, this,
+            [this, action = entry.action] { action(*this); });
+    nav_buttons_[index] = &button;
+  }
+  return bar;
+}
+
+}  // namespace dorvane

@@ -1,0 +1,125 @@
+#include "ui/wizard/tables_page.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+
+#include "ui/controls/make_child.h"
+#include "ui/wizard/theme.h"
+#include "ui/wizard/wizard_steps.h"
+
+namespace dorvane {
+namespace {
+
+constexpr int kMoveButtonWidth = 46;
+
+TableList Shown(const NameListView& view) {
+  return {view.Names(), view.Current()};
+}
+
+void Show(NameListView& view, TableList list) {
+  view.SetNames(std::move(list.names), list.current);
+}
+
+NameListView& AddList(const char* name, const char* caption, QWidget& parent, QGridLayout& grid,
+                      int column) {
+  auto& label = MakeChild<QLabel>(parent, caption);
+  auto& list = MakeNamed<NameListView>(name, parent);
+  label.setBuddy(&list);
+  grid.addWidget(&label, 0, column);
+  grid.addWidget(&list, 1, column);
+  return list;
+}
+
+}  // namespace
+
+TablesPage::TablesPage(QWidget* parent) : WizardPage(page::kTables, parent) {
+  AddLists();
+  AddOptions();
+}
+
+void TablesPage::AddLists() {
+  auto& area = MakeChild<QWidget>(*this);
+  Content().addWidget(&area, 1);
+  auto& grid = MakeChild<QGridLayout>(area);
+  grid.setContentsMargins(0, 0, 0, 0);
+  grid.setHorizontalSpacing(theme::kGap);
+  grid.setVerticalSpacing(5);
+  grid.setColumnStretch(0, 1);
+  grid.setColumnStretch(2, 1);
+  lstSrcTables_ = &AddList("lstSrcTables", "&Available tables:", area, grid, 0);
+
+  auto& buttons = MakeChild<QVBoxLayout>(static_cast<QWidget&>(*this));
+  grid.addLayout(&buttons, 1, 1);
+  buttons.setSpacing(8);
+  struct MoveButton {
+    const char* name;
+    const char* caption;
+    const char* spoken;
+    void (*operation)(TableLists&);
+  };
+  // "<<" moves the selected entry only, as "<" does.
+  constexpr MoveButton kMoveButtons[] = {
+      {"cmdSLR", ">", "Select the table", MoveToSelected},
+      {"cmdMLR", ">>", "Select all tables", MoveAllToSelected},
+      {"cmdSRL", "<", "Take the table back", MoveBack},
+      {"cmdMRL", "<<", "Take the table back", MoveBack},
+  };
+  buttons.addStretch();
+  for (const MoveButton& entry : kMoveButtons) {
+    GradientButton& button = theme::AddButton(entry.name, area, entry.caption, '\0');
+    button.setFixedWidth(kMoveButtonWidth);
+    button.setAccessibleName(entry.spoken);
+    buttons.addWidget(&button);
+    connect(&button, &QAbstractButton::clicked, this,
+            [this, operation = entry.operation] { Move(operation); });
+  }
+  buttons.addStretch();
+
+  lstDestTables_ = &AddList("lstDestTables", "Selected &tables:", area, grid, 2);
+  connect(lstSrcTables_, &QListView::doubleClicked, this, [this] { Move(MoveToSelected); });
+  connect(lstDestTables_, &QListView::doubleClicked, this, [this] { Move(MoveBack); });
+}
+
+void TablesPage::AddOptions() {
+  Card& card = AddCard();
+  auto& layout = MakeChild<QVBoxLayout>(card);
+  layout.setContentsMargins(18, 10, 18, 12);
+  layout.setSpacing(6);
+  auto& caption = MakeChild<QLabel>(card, "Options");
+  caption.setFont(theme::CaptionFont(font()));
+  layout.addWidget(&caption);
+  const auto add = [&](const char* name, const char* text) {
+    auto& box = MakeNamed<QCheckBox>(name, card, text);
+    layout.addWidget(&box);
+    return &box;
+  };
+  chkConvertDefOnly_ = add("chkConvertDefOnly", "Convert table &definition only");
+  chkReplaceSpaceWithUnderscore_ =
+      add("chkReplaceSpaceWithUnderscore", "Convert names spaces to &underscore");
+  chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
+}
+
+void TablesPage::ClearLists() {
+  lstSrcTables_->SetNames({}, -1);
+  lstDestTables_->SetNames({}, -1);
+}
+
+void TablesPage::SetAvailable(NameList names) {
+  const int first = names.empty() ? -1 : 0;
+  lstSrcTables_->SetNames(std::move(names), first);
+}
+
+void TablesPage::ApplyOptions(IDatabase& src) const {
+  src.SetCopyTableContent(!chkConvertDefOnly_->isChecked());
+  src.SetReplaceSpaceWithUnderscore(chkReplaceSpaceWithUnderscore_->isChecked());
+  src.SetConvertRelationships(chkConvertRelationShips_->isChecked());
+}
+
+void TablesPage::Move(void (*operation)(TableLists& lists)) {
+  TableLists lists{Shown(*lstSrcTables_), Shown(*lstDestTables_)};
+  operation(lists);
+  Show(*lstSrcTables_, std::move(lists.available));
+  Show(*lstDestTables_, std::move(lists.selected));
+}
+
+}  // namespace dorvane

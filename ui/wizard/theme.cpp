@@ -1,0 +1,128 @@
+#include "ui/wizard/theme.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include "ui/controls/make_child.h"
+
+namespace dorvane::theme {
+namespace {
+
+constexpr int kPictureScale = 3;
+
+// A picture of `size` logical pixels, ready to be painted on.
+QPixmap BlankPicture(QSize size) {
+  QPixmap picture(size * kPictureScale);
+  picture.setDevicePixelRatio(kPictureScale);
+  picture.fill(Qt::transparent);
+  return picture;
+}
+
+// A database: a drum of three slices.
+void PaintDrum(QPainter& painter, const QRectF& rect, const QColor& color) {
+  const double lid = rect.height() * 0.28;
+  QPainterPath body;
+  body.moveTo(rect.left(), rect.top() + lid / 2);
+  body.lineTo(rect.left(), rect.bottom() - lid / 2);
+  body.arcTo(QRectF(rect.left(), rect.bottom() - lid, rect.width(), lid), 180, 180);
+  body.lineTo(rect.right(), rect.top() + lid / 2);
+  painter.setPen(QPen(color.darker(170), 1));
+  painter.setBrush(color);
+  painter.drawPath(body);
+  for (const double part : {0.34, 0.6}) {
+    const QRectF seam(rect.left(), rect.top() + rect.height() * part - lid / 2, rect.width(), lid);
+    painter.drawArc(seam, 180 * 16, 180 * 16);
+  }
+  painter.setBrush(color.lighter(125));
+  painter.drawEllipse(QRectF(rect.left(), rect.top(), rect.width(), lid));
+}
+
+}  // namespace
+
+QPalette PagePalette() {
+  QPalette palette;
+  const auto set = [&palette](QPalette::ColorRole role, QRgb color, QRgb disabled) {
+    palette.setColor(role, QColor(color));
+    palette.setColor(QPalette::Disabled, role, QColor(disabled));
+  };
+  const QRgb disabled_ink = qRgb(110, 116, 130);
+  set(QPalette::Window, kPageGround, kPageGround);
+  set(QPalette::WindowText, qRgb(255, 255, 255), qRgb(164, 184, 228));
+  set(QPalette::Base, kFieldGround, kDisabledFieldGround);
+  set(QPalette::AlternateBase, qRgb(240, 243, 250), kDisabledFieldGround);
+  set(QPalette::Text, kInk, disabled_ink);
+  set(QPalette::Button, qRgb(238, 241, 247), kDisabledFieldGround);
+  set(QPalette::ButtonText, kInk, disabled_ink);
+  // Amber stands out from the ground: selected entries, and the frame of the field with the focus.
+  set(QPalette::Highlight, qRgb(255, 190, 70), qRgb(190, 196, 208));
+  set(QPalette::HighlightedText, kInk, disabled_ink);
+  set(QPalette::ToolTipBase, qRgb(255, 252, 230), qRgb(255, 252, 230));
+  set(QPalette::ToolTipText, kInk, kInk);
+  return palette;
+}
+
+void SetColor(QWidget& widget, QPalette::ColorRole role, QRgb color) {
+  QPalette palette = widget.palette();
+  palette.setColor(role, QColor(color));
+  widget.setPalette(palette);
+}
+
+QFont TitleFont(const QFont& base) {
+  QFont font = base;
+  font.setPointSizeF(base.pointSizeF() * 1.5);
+  font.setBold(true);
+  return font;
+}
+
+QFont CaptionFont(const QFont& base) {
+  QFont font = base;
+  font.setBold(true);
+  return font;
+}
+
+GradientButton& AddButton(const char* name, QWidget& parent, const char* caption, char access_key) {
+  auto& button = MakeNamed<GradientButton>(name, parent);
+  button.SetCaption(caption);
+  if (access_key) button.SetAccessKey(access_key);
+  button.SetButtonStyle(static_cast<int>(ButtonStyle::kSoft));
+  button.SetGradientMode(static_cast<int>(GradientMode::kToBottom));
+  button.SetBackColor(QColor(252, 253, 255));
+  button.SetGradientColor(QColor(196, 207, 228));
+  button.SetForeColor(QColor(kInk));
+  button.SetHoverBackColor(QColor(255, 226, 160));
+  button.SetHoverForeColor(QColor(110, 44, 0));
+  return button;
+}
+
+QPixmap HelpPicture(bool highlighted) {
+  QPixmap picture = BlankPicture({28, 28});
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(QColor(kInk), 1.2));
+  painter.setBrush(highlighted ? QColor(255, 190, 70) : QColor(kPageGround));
+  painter.drawEllipse(QRectF(2, 2, 24, 24));
+  QFont font;
+  font.setPixelSize(17);
+  font.setBold(true);
+  painter.setFont(font);
+  painter.setPen(highlighted ? QColor(kInk) : QColor(Qt::white));
+  painter.drawText(QRectF(0, 0, 28, 28), Qt::AlignCenter, "?");
+  return picture;
+}
+
+QPixmap LogoPicture() {
+  QPixmap picture = BlankPicture({120, 56});
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  PaintDrum(painter, {6, 8, 34, 42}, QColor(226, 96, 74));
+  PaintDrum(painter, {80, 8, 34, 42}, QColor(255, 190, 70));
+  painter.setPen(QPen(Qt::white, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawLine(QPointF(48, 24), QPointF(72, 24));
+  painter.drawPolyline(QPolygonF({{66, 18}, {72, 24}, {66, 30}}));
+  painter.drawLine(QPointF(48, 36), QPointF(72, 36));
+  painter.drawPolyline(QPolygonF({{54, 30}, {48, 36}, {54, 42}}));
+  return picture;
+}
+
+}  // namespace dorvane::theme

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QColor>
+#include <QLabel>
+#include <QPalette>
+#include <QPixmap>
+
+#include "ui/controls/gradient_button.h"
+
+namespace dorvane::theme {
+
+/// The colours of the wizard.
+inline constexpr QRgb kPageGround = qRgb(71, 102, 171);
+inline constexpr QRgb kSidebarTop = qRgb(36, 52, 96);
+inline constexpr QRgb kSidebarBottom = qRgb(20, 29, 56);
+inline constexpr QRgb kTitleGround = qRgb(244, 246, 250);
+inline constexpr QRgb kNavGround = qRgb(222, 227, 238);
+inline constexpr QRgb kInk = qRgb(24, 34, 62);
+inline constexpr QRgb kCurrentMarker = qRgb(255, 0, 0);
+inline constexpr QRgb kOtherMarker = qRgb(71, 102, 171);
+inline constexpr QRgb kCurrentStep = qRgb(255, 255, 255);
+inline constexpr QRgb kOtherStep = qRgb(128, 128, 128);
+inline constexpr QRgb kFieldGround = qRgb(255, 255, 255);
+inline constexpr QRgb kDisabledFieldGround = qRgb(224, 224, 224);
+
+/// Distances in logical pixels.
+inline constexpr int kMargin = 24;
+inline constexpr int kGap = 10;
+
+/// White words and light fields on the blue page ground.
+QPalette PagePalette();
+/// Sets one colour of a widget for all its states.
+void SetColor(QWidget& widget, QPalette::ColorRole role, QRgb color);
+
+/// The steps of the one font scale, relative to the desktop's font.
+QFont TitleFont(const QFont& base);
+QFont CaptionFont(const QFont& base);
+
+/// A button of the wizard, clicked with Alt and `access_key` as well ('\0' for none).
+GradientButton& AddButton(const char* name, QWidget& parent, const char* caption, char access_key);
+
+/// Pictures drawn for the window, sharp up to a scale factor of 3.
+QPixmap HelpPicture(bool highlighted);
+QPixmap LogoPicture();
+
+}  // namespace dorvane::theme

@@ -1,0 +1,118 @@
+#include "ui/wizard/transfer_page.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+
+#include "ui/controls/make_child.h"
+#include "ui/wizard/theme.h"
+#include "ui/wizard/wizard_steps.h"
+
+namespace dorvane {
+namespace {
+
+QProgressBar& AddBar(const char* name, const char* caption, QWidget& parent, QGridLayout& grid,
+                     int row) {
+  auto& label = MakeChild<QLabel>(parent, caption);
+  auto& bar = MakeNamed<QProgressBar>(name, parent);
+  bar.setRange(0, 1);
+  bar.setValue(0);
+  bar.setAccessibleName(caption);
+  grid.addWidget(&label, row, 0);
+  grid.addWidget(&bar, row, 1);
+  return bar;
+}
+
+void SetBar(QProgressBar& bar, const TransferProgress::Bar& state) {
+  bar.setMaximum(std::max(state.maximum, 1));
+  bar.setValue(state.value);
+}
+
+}  // namespace
+
+TransferPage::TransferPage(QWidget* parent) : WizardPage(page::kTransfer, parent) {
+  AddButtons();
+  AddProgress();
+  AddLists();
+  Show(TransferProgress());
+}
+
+void TransferPage::AddButtons() {
+  cmdTransferTables_ = &theme::AddButton("cmdTransferTables", *this, "Transfer Tables Now", 'T');
+  cmdSchedule_ = &theme::AddButton("cmdSchedule", *this, "Schedule Conversion", 'S');
+  cmdSchedule_->SetEnabled(false);
+  auto& row = MakeChild<QHBoxLayout>(static_cast<QWidget&>(*this));
+  Content().addLayout(&row);
+  row.setSpacing(theme::kGap);
+  row.addWidget(cmdTransferTables_);
+  row.addWidget(cmdSchedule_);
+  row.addStretch();
+  connect(cmdTransferTables_, &QAbstractButton::clicked, this, &TransferPage::TransferRequested);
+  connect(cmdSchedule_, &QAbstractButton::clicked, this, &TransferPage::ScheduleRequested);
+}
+
+void TransferPage::AddProgress() {
+  Card& card = AddCard();
+  auto& grid = MakeChild<QGridLayout>(card);
+  grid.setContentsMargins(18, 12, 18, 12);
+  grid.setHorizontalSpacing(14);
+  grid.setVerticalSpacing(8);
+  lblStatus_ = &MakeNamed<WrappedLabel>("lblStatus", card);
+  lblStatus_->setFont(theme::CaptionFont(font()));
+  grid.addWidget(lblStatus_, 0, 0, 1, 2);
+  pbTablesProgress_ = &AddBar("pbTablesProgress", "Overall Progress", card, grid, 1);
+  pbRecordsProgress_ = &AddBar("pbRecordsProgress", "Table Progress", card, grid, 2);
+  lblRowsProgress_ = &MakeNamed<QLabel>("lblRowsProgress", card);
+  grid.addWidget(lblRowsProgress_, 3, 1);
+  grid.setColumnStretch(1, 1);
+}
+
+void TransferPage::AddLists() {
+  auto& area = MakeChild<QWidget>(*this);
+  Content().addWidget(&area, 1);
+  auto& grid = MakeChild<QGridLayout>(area);
+  grid.setContentsMargins(0, 0, 0, 0);
+  grid.setHorizontalSpacing(14);
+  grid.setVerticalSpacing(5);
+  const auto add = [&](const char* name, const char* caption, int column) {
+    auto& label = MakeChild<QLabel>(area, caption);
+    auto& list = MakeNamed<NameListView>(name, area);
+    label.setBuddy(&list);
+    grid.addWidget(&label, 0, column);
+    grid.addWidget(&list, 1, column);
+    return &list;
+  };
+  lstSelectedTables_ = add("lstSelectedTables", "Tables in &que", 0);
+  lstConvertedTables_ = add("lstConvertedTables", "Con&verted tables ", 1);
+}
+
+void TransferPage::SetWaiting(NameList tables) {
+  lstSelectedTables_->SetNames(std::move(tables), -1);
+}
+
+void TransferPage::MarkConverted(const std::string& table) {
+  lstConvertedTables_->Append(table);
+  lstSelectedTables_->RemoveFirst(table);
+}
+
+WizardRun::TableCounts TransferPage::Counts() const {
+  return {lstConvertedTables_->Names().size(), lstSelectedTables_->Names().size()};
+}
+
+void TransferPage::Show(const TransferProgress& progress) {
+  const QString status = QString::fromStdString(progress.Status());
+  if (lblStatus_->text() != status) lblStatus_->setText(status);
+  SetBar(*pbTablesProgress_, progress.Tables());
+  SetBar(*pbRecordsProgress_, progress.Records());
+  lblRowsProgress_->setText(QString::fromStdString(progress.RowsText()));
+}
+
+void TransferPage::ConversionStarted() {
+  cmdSchedule_->SetEnabled(false);
+  cmdTransferTables_->SetEnabled(false);
+}
+
+void TransferPage::ConversionEnded() {
+  cmdSchedule_->SetEnabled(true);
+}
+
+}  // namespace dorvane

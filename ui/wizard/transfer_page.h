@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QLabel>
+#include <QProgressBar>
+
+#include "ui/controls/gradient_button.h"
+#include "ui/controls/name_list_view.h"
+#include "ui/controls/wrapped_label.h"
+#include "ui/wizard/transfer_progress.h"
+#include "ui/wizard/wizard_page.h"
+#include "ui/wizard/wizard_run.h"
+
+namespace dorvane {
+
+/// Page 6: starts the conversion and shows how it goes.
+class TransferPage : public WizardPage {
+  Q_OBJECT
+
+ public:
+  explicit TransferPage(QWidget* parent);
+
+  /// Fills the list of tables that wait.
+  void SetWaiting(NameList tables);
+  /// Moves a table from the waiting to the converted ones.
+  void MarkConverted(const std::string& table);
+  WizardRun::TableCounts Counts() const;
+  void Show(const TransferProgress& progress);
+  void ConversionStarted();
+  void ConversionEnded();
+
+ signals:
+  void TransferRequested();
+  void ScheduleRequested();
+
+ private:
+  void AddProgress();
+  void AddLists();
+  void AddButtons();
+
+  WrappedLabel* lblStatus_;
+  QProgressBar* pbTablesProgress_;
+  QProgressBar* pbRecordsProgress_;
+  QLabel* lblRowsProgress_;
+  NameListView* lstSelectedTables_;
+  NameListView* lstConvertedTables_;
+  GradientButton* cmdTransferTables_;
+  GradientButton* cmdSchedule_;
+};
+
+}  // namespace dorvane

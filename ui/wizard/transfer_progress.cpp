@@ -1,0 +1,86 @@
+#include "ui/wizard/transfer_progress.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "app/progress_line.h"
+
+namespace dorvane {
+
+TransferProgress::TransferProgress(std::function<Clock::time_point()> now) : now_(std::move(now)) {}
+
+void TransferProgress::ConversionStarted(std::int16_t tables, bool relations_included) {
+  tables_ = {0, relations_included ? 2 * tables : tables};
+  records_.value = 0;
+  started_ = now_();
+  copies_rows_ = false;
+  status_ = "Initializing the conversion.......";
+}
+
+void TransferProgress::TableConversionStarted(std::string_view table) {
+  records_.value = 0;
+  copies_rows_ = false;
+  status_ = fmt::format("Converting table '{}' .....", table);
+}
+
+void TransferProgress::TableContentTransferStarted(std::int32_t records) {
+  records_ = records > 0 ? Bar{0, records} : Bar{1, 1};
+  rows_expected_ = records;
+  rows_done_ = 0;
+  rows_started_ = now_();
+  copies_rows_ = true;
+}
+
+void TransferProgress::RecordsConverted(std::int64_t count) {
+  rows_done_ += count;
+  const std::int64_t value = records_.value + count;
+  records_.value = static_cast<std::int32_t>(std::min<std::int64_t>(value, records_.maximum));
+}
+
+void TransferProgress::TableEnded() {
+  tables_.value = std::min(tables_.value + 1, tables_.maximum);
+}
+
+void TransferProgress::TableRelationsConversionStarted(std::string_view table) {
+  status_ = fmt::format("Converting relationships for table '{}' ......", table);
+  records_.value = 0;
+  copies_rows_ = false;
+  TableEnded();
+}
+
+void TransferProgress::ConversionEnded() {
+  ended_ = now_();
+  copies_rows_ = false;
+  status_ = "Done...";
+}
+
+void TransferProgress::SummaryShown() {
+  status_ = "Conversion Completed.";
+}
+
+void TransferProgress::Stopping() {
+  status_ = "Stopping.......";
+}
+
+std::string TransferProgress::RowsText() const {
+  if (!copies_rows_) return {};
+  return ProgressText(rows_done_, rows_expected_, now_() - rows_started_);
+}
+
+std::string TransferProgress::Summary(std::size_t converted, std::size_t failed) const {
+  const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(ended_ - started_);
+  return fmt::format(
+      "Transfer Complete!\r\n"
+      "No. of converted tables: {}\r\n"
+      "No. of Failed tables: {}\r\n"
+      "Elapsed time: {}",
+      converted, failed, ElapsedText(elapsed));
+}
+
+std::string ElapsedText(std::chrono::seconds elapsed) {
+  const auto seconds = elapsed.count();
+  return fmt::format("{:02}:{:02}:{:02}", seconds / 3600 % 24, seconds / 60 % 60, seconds % 60);
+}
+
+}  // namespace dorvane

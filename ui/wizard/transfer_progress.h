@@ -1,0 +1,61 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace dorvane {
+
+/// What the transfer page shows of a running conversion, moved on by its events.
+class TransferProgress {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  struct Bar {
+    std::int32_t value = 0;
+    std::int32_t maximum = 1;
+    bool operator==(const Bar&) const = default;
+  };
+
+  explicit TransferProgress(std::function<Clock::time_point()> now = Clock::now);
+
+  void ConversionStarted(std::int16_t tables, bool relations_included);
+  void TableConversionStarted(std::string_view table);
+  void TableContentTransferStarted(std::int32_t records);
+  /// `count` rows more. Rows beyond the announced number leave the bar full.
+  void RecordsConverted(std::int64_t count);
+  /// A table has ended, either way.
+  void TableEnded();
+  void TableRelationsConversionStarted(std::string_view table);
+  void ConversionEnded();
+  /// The user has seen the summary.
+  void SummaryShown();
+  void Stopping();
+
+  const std::string& Status() const { return status_; }
+  const Bar& Tables() const { return tables_; }
+  const Bar& Records() const { return records_; }
+  /// Rows done of rows in all, rows per second and time left; empty while no rows are copied.
+  std::string RowsText() const;
+  /// The four lines shown at the end.
+  std::string Summary(std::size_t converted, std::size_t failed) const;
+
+ private:
+  std::function<Clock::time_point()> now_;
+  std::string status_ = "- - - - -";
+  Bar tables_;
+  Bar records_;
+  Clock::time_point started_;
+  Clock::time_point ended_;
+  Clock::time_point rows_started_;
+  std::int64_t rows_done_ = 0;
+  std::int64_t rows_expected_ = 0;
+  bool copies_rows_ = false;
+};
+
+/// "hh:mm:ss", hours modulo 24.
+std::string ElapsedText(std::chrono::seconds elapsed);
+
+}  // namespace dorvane

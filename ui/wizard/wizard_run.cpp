@@ -1,0 +1,143 @@
+#include "ui/wizard/wizard_run.h"
+
+#include <QThread>
+
+#include "ui/dialogs/message_box.h"
+#include "ui/wizard/unexpected_failure.h"
+#include "ui/wizard/worker_call.h"
+
+namespace dorvane {
+namespace {
+
+constexpr std::chrono::milliseconds kRowInterval(30);
+
+}  // namespace
+
+WizardRun::WizardRun() {
+  row_timer_.setInterval(kRowInterval);
+  connect(&row_timer_, &QTimer::timeout, this, &WizardRun::TakeOverRows);
+}
+
+void WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables) {
+  transferring_ = true;
+  row_timer_.start();
+  try {
+    RunInWorker([&] { src.TransferToDest(dest, tables); });
+  } catch (...) {
+    dorvane::ShowMessage(DescribeUnexpectedFailure(), message_style::kPlain, "");
+  }
+  row_timer_.stop();
+  TakeOverRows();
+  transferring_ = false;
+}
+
+void WizardRun::Stop() {
+  stopping_ = true;
+  progress_.Stopping();
+  emit ProgressChanged();
+}
+
+template <class Action>
+void WizardRun::InOwnThread(const Action& action) {
+  const auto in_order = [&] {
+    TakeOverRows();
+    action();
+  };
+  if (QThread::currentThread() == thread()) return in_order();
+  QMetaObject::invokeMethod(this, in_order, Qt::BlockingQueuedConnection);
+}
+
+void WizardRun::TakeOverRows() {
+  const std::int64_t rows = new_rows_.exchange(0);
+  if (rows == 0) return;
+  progress_.RecordsConverted(rows);
+  emit ProgressChanged();
+}
+
+void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view source,
+                                     std::int32_t style) {
+  InOwnThread([&] { dorvane::ShowMessage(message, style, source); });
+}
+
+void WizardRun::ErrorOccured(std::string_view message, std::int32_t message_style,
+                             std::string_view source) {
+  RedirectErrorMessage(message, source, message_style);
+}
+
+void WizardRun::ConversionStarted(std::int16_t no_of_tables, bool relations_included) {
+  InOwnThread([&] {
+    emit Started();
+    progress_.ConversionStarted(no_of_tables, relations_included);
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::TableConversionStarted(std::string_view table_name) {
+  InOwnThread([&] {
+    progress_.TableConversionStarted(table_name);
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::TableContentTransferStarted(std::string_view, std::int32_t no_of_records) {
+  InOwnThread([&] {
+    progress_.TableContentTransferStarted(no_of_records);
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::TableRecordConverted() {
+  ++new_rows_;
+}
+
+void WizardRun::TableConversionSuccessed(std::string_view table_name) {
+  InOwnThread([&] {
+    progress_.TableEnded();
+    emit ProgressChanged();
+    emit TableConverted(std::string(table_name));
+  });
+}
+
+void WizardRun::TableConversionFailed(std::string_view) {
+  InOwnThread([&] {
+    progress_.TableEnded();
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::TableRelationsConversionStarted(std::string_view table_name) {
+  InOwnThread([&] {
+    progress_.TableRelationsConversionStarted(table_name);
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::ConversionEnded() {
+  InOwnThread([&] {
+    // Who closes the window has no use for a summary.
+    if (stopping_) return;
+    progress_.ConversionEnded();
+    emit ProgressChanged();
+    const TableCounts counts = table_counts_ ? table_counts_() : TableCounts();
+    dorvane::ShowMessage(progress_.Summary(counts.converted, counts.waiting),
+                         message_style::kInformation, "");
+    emit Ended();
+    progress_.SummaryShown();
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::ConnectionFailed(const ConnectionFailure& failure) {
+  RedirectErrorMessage(failure.message, failure.title, message_style::kError);
+}
+
+void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::string_view title) {
+  RedirectErrorMessage(message, title, style);
+}
+
+void WizardRun::UnclassifiedFailure(std::string_view message, std::int32_t style,
+                                    std::string_view title) {
+  RedirectErrorMessage(message, title, style);
+}
+
+}  // namespace dorvane

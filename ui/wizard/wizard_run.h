@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <atomic>
+#include <functional>
+#include <string>
+
+#include "endpoint/database.h"
+#include "ui/wizard/transfer_progress.h"
+
+namespace dorvane {
+
+/// The interactive run: what endpoints report and ask while a person watches. Endpoints may call it
+/// from a worker thread; everything is carried out in the thread of this object, and the caller
+/// waits for it, except for single rows: they are only counted, and the window takes the count over
+/// some thirty times a second and before every other event.
+class WizardRun : public QObject, public IConversionListener, public IRunHost {
+  Q_OBJECT
+
+ public:
+  WizardRun();
+
+  const TransferProgress& Progress() const { return progress_; }
+
+  /// Runs the conversion and returns when it has ended; the window stays alive meanwhile.
+  void Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
+  bool IsTransferring() const { return transferring_; }
+  /// Asks a running conversion to end soon.
+  void Stop();
+
+  /// Gives the number of entries of the page's two lists, for the summary.
+  struct TableCounts {
+    std::size_t converted = 0;
+    std::size_t waiting = 0;
+  };
+  void SetTableCounts(std::function<TableCounts()> counts) { table_counts_ = std::move(counts); }
+
+  // IConversionListener
+  void ErrorOccured(std::string_view message, std::int32_t message_style,
+                    std::string_view source) override;
+  void ConversionStarted(std::int16_t no_of_tables, bool relations_included) override;
+  void ConversionEnded() override;
+  void TableConversionSuccessed(std::string_view table_name) override;
+  void TableConversionFailed(std::string_view table_name) override;
+  void TableContentTransferStarted(std::string_view table_name,
+                                   std::int32_t no_of_records) override;
+  void TableRecordConverted() override;
+  void TableConversionStarted(std::string_view table_name) override;
+  void TableRelationsConversionStarted(std::string_view table_name) override;
+
+  // IRunHost
+  void ConnectionFailed(const ConnectionFailure& failure) override;
+  void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
+  void UnclassifiedFailure(std::string_view message, std::int32_t style,
+                           std::string_view title) override;
+  void Yield() override {}
+  bool IsStopping() const override { return stopping_; }
+
+ signals:
+  void Started();
+  void ProgressChanged();
+  void TableConverted(const std::string& table);
+  /// After the user has seen the summary.
+  void Ended();
+
+ private:
+  template <class Action>
+  void InOwnThread(const Action& action);
+  /// Shows the message, in the thread of this object.
+  void RedirectErrorMessage(std::string_view message, std::string_view source, std::int32_t style);
+  void TakeOverRows();
+
+  TransferProgress progress_;
+  std::function<TableCounts()> table_counts_;
+  QTimer row_timer_;
+  std::atomic<std::int64_t> new_rows_ = 0;
+  std::atomic<bool> stopping_ = false;
+  bool transferring_ = false;
+};
+
+}  // namespace dorvane
