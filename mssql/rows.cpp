@@ -24,10 +24,6 @@ bool IsDuplicate(const ado::Error& error) {
          std::ranges::find(kDuplicateErrors, error.native_error) != kDuplicateErrors.end();
 }
 
-std::string MySqlText(std::string_view text) {
-  return Quote(text);
-}
-
 }  // namespace
 
 RowsToMySql::RowsToMySql(ado::Connection& destination, Target target,
@@ -43,29 +39,14 @@ RowsToMySql::RowsToMySql(ado::Connection& destination, Target target,
 
 bool RowsToMySql::TakesBlocks() {
   try {
-    const std::string table = MySqlText(target_.table);
     ado::Recordset facts = destination_.Execute(fmt::format(
         "select coalesce(e.transactions = 'YES', 0), (select count(*) from "
         "information_schema.triggers where event_object_schema = database() and "
-        "event_object_table = '{0}'), @@sql_mode like '%STRICT%' from information_schema.tables t "
-        "left join information_schema.engines e on e.engine = t.engine where t.table_schema = "
-        "database() and t.table_name = '{0}'",
-        table));
-    if (facts.AtEnd() || facts.Field(0).Text() != "1" || facts.Field(1).Text() != "0") {
-      return false;
-    }
-    const bool is_strict = facts.Field(2).Text() == "1";
-    facts.Close();
-    if (is_strict) return true;
-    // Such a server refuses a NULL in a NOT NULL column only of a row that is sent alone.
-    must_have_value_.assign(target_.columns.size(), false);
-    for (const ado::Column& column : destination_.Columns(target_.table)) {
-      const auto found = std::ranges::find(target_.columns, column.name);
-      if (found == target_.columns.end()) continue;
-      must_have_value_[static_cast<std::size_t>(found - target_.columns.begin())] =
-          (column.attributes & ado::kColumnNullable) == 0;
-    }
-    return true;
+        "event_object_table = '{0}') from information_schema.tables t left join "
+        "information_schema.engines e on e.engine = t.engine where t.table_schema = database() "
+        "and t.table_name = '{0}'",
+        Quote(target_.table)));
+    return !facts.AtEnd() && facts.Field(0).Text() == "1" && facts.Field(1).Text() == "0";
   } catch (const RunTimeError&) {
     // A server that does not tell is taken for one that would see the difference.
     return false;
@@ -75,7 +56,6 @@ bool RowsToMySql::TakesBlocks() {
 BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& block, std::size_t first,
                                     std::size_t count) {
   Convert(block, first, count);
-  if (LacksValue(converted_)) return BlockResult::Refused;
   bool in_transaction = false;
   try {
     destination_.BeginTrans();
@@ -106,17 +86,6 @@ void RowsToMySql::Convert(const ado::RowBlock& block, std::size_t first, std::si
           is_raw ? values[i] : DataValue(values[i], fields_[i], facts_[i], converted_.Storage());
     }
   }
-}
-
-bool RowsToMySql::LacksValue(const ado::RowBlock& block) const {
-  if (must_have_value_.empty()) return false;
-  for (std::size_t row = 0; row < block.Rows(); ++row) {
-    const std::span<const ado::Value> values = block.Row(row);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      if (must_have_value_[i] && ado::IsNull(values[i])) return true;
-    }
-  }
-  return false;
 }
 
 RowResult RowsToMySql::StoreRow(const ado::RowBlock& block, std::size_t row) {

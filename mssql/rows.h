@@ -42,7 +42,6 @@ class RowsToMySql : public IRowDestination {
   void Update();
   void RebuildLastText();
   RowResult Resolve(const DestinationFailure& failure, bool is_rebuilt);
-  bool LacksValue(const ado::RowBlock& block) const;
   void Convert(const ado::RowBlock& block, std::size_t first, std::size_t count);
 
   ado::Connection& destination_;
@@ -54,7 +53,6 @@ class RowsToMySql : public IRowDestination {
   ado::Arena row_storage_;
   bool has_chunks_ = false;  // the row in hand holds a chunk-copied field
   std::optional<LastText> last_text_;
-  std::vector<bool> must_have_value_;  // by column; empty on a server that refuses such rows alike
 };
 
 }  // namespace dorvane
