@@ -30,7 +30,7 @@ draw_skin() {
   out -size 57x90 $clear -fill "$inner" -draw 'rectangle 6,0 8,54 rectangle 36,81 57,83' \
       -fill "$edge" -draw 'rectangle 0,0 5,54 rectangle 36,84 57,90' \
       -fill none -stroke "$edge" -strokewidth 6 -draw 'arc 3,21 69,87 90,180' \
-      -stroke "$inner" -strokewidth 3 -draw 'arc 7,17 73,83 90,180' \
+      -stroke "$inner" -strokewidth 3 -draw 'arc 7,25 65,83 90,180' \
       "$name/imgWindowBottomLeft.gif"
   out "$name/imgWindowBottomLeft.gif" -flop "$name/imgWindowBottomRight.gif"
 

@@ -55,10 +55,22 @@ NameListView::NameListView(QWidget* parent)
   setEditTriggers(QAbstractItemView::NoEditTriggers);
   setSelectionMode(QAbstractItemView::SingleSelection);
   setTextElideMode(Qt::ElideMiddle);
+  setSpacing(1);
+  // Scroll bars keep the light look of the list on any ground around it.
+  QPalette light;
+  light.setColor(QPalette::Window, QColor(232, 235, 242));
+  light.setColor(QPalette::Button, QColor(214, 220, 232));
+  for (QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()}) bar->setPalette(light);
 }
 
 const std::vector<std::string>& NameListView::Names() const {
   return model_->Names();
+}
+
+int NameListView::Current() const {
+  // The view itself gives an entry the focus without selecting it.
+  const QModelIndex index = currentIndex();
+  return selectionModel()->isSelected(index) ? index.row() : -1;
 }
 
 void NameListView::SetNames(std::vector<std::string> names, int current) {

@@ -35,14 +35,13 @@ constexpr int kNoLeft = 224;
 
 struct IconChoice {
   std::int32_t style;
-  QStyle::StandardPixmap in_ok_box;
-  QStyle::StandardPixmap in_yes_no_box;
+  MessageIcon in_ok_box;
+  MessageIcon in_yes_no_box;
 };
 constexpr IconChoice kIcons[] = {
-    {message_style::kError, QStyle::SP_MessageBoxCritical, QStyle::SP_MessageBoxCritical},
-    {message_style::kQuestion, QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxQuestion},
-    {message_style::kInformation, QStyle::SP_MessageBoxInformation,
-     QStyle::SP_MessageBoxInformation},
+    {message_style::kError, MessageIcon::kError, MessageIcon::kError},
+    {message_style::kQuestion, MessageIcon::kWarning, MessageIcon::kQuestion},
+    {message_style::kInformation, MessageIcon::kInformation, MessageIcon::kInformation},
 };
 
 // The pictures as designed; the order is the order in which they lie above each other.
@@ -90,9 +89,9 @@ void PassMouseThrough(QWidget& widget) {
 
 }  // namespace
 
-QStyle::StandardPixmap MessageIcon(MessageBoxKind kind, std::int32_t style) {
+MessageIcon IconOf(MessageBoxKind kind, std::int32_t style) {
   const auto found = std::ranges::find(kIcons, style, &IconChoice::style);
-  if (found == std::end(kIcons)) return QStyle::SP_MessageBoxWarning;
+  if (found == std::end(kIcons)) return MessageIcon::kWarning;
   return kind == MessageBoxKind::kOk ? found->in_ok_box : found->in_yes_no_box;
 }
 
@@ -178,7 +177,7 @@ void frmMsgBox::End(int answer) {
 int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
                    const QString& title) {
   const bool asks = kind == MessageBoxKind::kYesNo;
-  icon_ = MessageIcon(kind, style);
+  icon_ = IconOf(kind, style);
   cmdNo_->setVisible(asks);
   cmdOK_->SetCaption(asks ? "Yes" : "OK");
   cmdOK_->SetAccessKey(asks ? 'Y' : 'O');
@@ -203,8 +202,11 @@ int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
 void frmMsgBox::FitToMessage() {
   const int width = kBoxWidth - kMessageLeft - kMessageRightMargin;
   const int wanted = lblMessage_->heightForWidth(width);
-  const int shown = std::clamp(wanted, kMinMessageHeight, kMaxMessageHeight);
-  const bool scrolls = wanted > kMaxMessageHeight;
+  // Whole lines only, so that none is cut in half at the lower edge.
+  const int line = lblMessage_->fontMetrics().height();
+  const int most = kMaxMessageHeight / line * line;
+  const int shown = std::clamp(wanted, kMinMessageHeight, std::max(most, kMinMessageHeight));
+  const bool scrolls = wanted > shown;
   const int text_width =
       scrolls ? width - message_area_->verticalScrollBar()->sizeHint().width() - 4 : width;
   lblMessage_->resize(text_width, std::max(shown, lblMessage_->heightForWidth(text_width)));
@@ -218,8 +220,7 @@ void frmMsgBox::FitToMessage() {
 void frmMsgBox::paintEvent(QPaintEvent* event) {
   QDialog::paintEvent(event);
   QPainter painter(this);
-  const QIcon icon = style()->standardIcon(icon_, nullptr, this);
-  icon.paint(&painter, QRect(kIconPosition, QSize(kIconSize, kIconSize)));
+  PaintMessageIcon(painter, icon_, QRectF(kIconPosition, QSize(kIconSize, kIconSize)));
 }
 
 void frmMsgBox::keyPressEvent(QKeyEvent* event) {

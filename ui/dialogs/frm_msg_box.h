@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QDialog>
-#include <QStyle>
 #include <cstdint>
 
 #include "ui/controls/gradient_button.h"
 #include "ui/controls/picture_box.h"
 #include "ui/controls/wrapped_label.h"
+#include "ui/dialogs/message_icon.h"
 
 class QScrollArea;
 
@@ -14,8 +14,8 @@ namespace dorvane {
 
 enum class MessageBoxKind { kOk, kYesNo };
 
-/// The icon of a message: the standard error, question, warning or information sign.
-QStyle::StandardPixmap MessageIcon(MessageBoxKind kind, std::int32_t style);
+/// The sign of a message of that style.
+MessageIcon IconOf(MessageBoxKind kind, std::int32_t style);
 
 /// The program's message box, a window with a skinned frame. Its controls carry their names as
 /// object names. A long message wraps; one that is longer still scrolls inside the box.
@@ -48,7 +48,7 @@ class frmMsgBox : public QDialog {
   WrappedLabel* lblMessage_;
   GradientButton* cmdOK_;
   GradientButton* cmdNo_;
-  QStyle::StandardPixmap icon_ = QStyle::SP_MessageBoxWarning;
+  MessageIcon icon_ = MessageIcon::kWarning;
   int answer_ = 0;
   bool unloaded_ = false;
 };

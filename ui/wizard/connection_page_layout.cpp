@@ -1,6 +1,7 @@
 // How a connection page is built: its controls, where they stand and what they are connected to.
 #include <QButtonGroup>
 #include <QHBoxLayout>
+#include <QProxyStyle>
 
 #include "ui/controls/make_child.h"
 #include "ui/wizard/connection_page.h"
@@ -12,6 +13,18 @@ namespace {
 constexpr int kUserLimit = 40;
 constexpr int kPortLimit = 8;
 constexpr int kNameLimit = 60;
+
+// Password fields show "*", whatever the desktop's style shows.
+class AsteriskStyle : public QProxyStyle {
+ public:
+  explicit AsteriskStyle(QObject* parent) { setParent(parent); }
+
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override {
+    if (hint == SH_LineEdit_PasswordCharacter) return '*';
+    return QProxyStyle::styleHint(hint, option, widget, data);
+  }
+};
 
 QGridLayout& AddGrid(Card& card) {
   auto& grid = MakeChild<QGridLayout>(card);
@@ -80,8 +93,7 @@ void ConnectionPage::AddServerCard() {
   user_ = &AddField(grid, 1, 0, names.user, "&Username", kUserLimit);
   password_ = &AddField(grid, 1, 2, names.password, "&Password", kUserLimit);
   password_->setEchoMode(QLineEdit::Password);
-  // Fields show "*", not the style's own character.
-  password_->setStyleSheet("QLineEdit { lineedit-password-character: 42 }");
+  password_->setStyle(&MakeChild<AsteriskStyle>(static_cast<QObject&>(*this)));
   grid.setColumnStretch(1, 3);
   grid.setColumnStretch(3, 2);
   if (!names.windows_login) return;

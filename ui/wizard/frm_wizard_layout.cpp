@@ -12,7 +12,7 @@
 namespace dorvane {
 namespace {
 
-constexpr QSize kWindowSize(860, 600);
+constexpr QSize kWindowSize(840, 580);
 constexpr QSize kLogoSize(120, 56);
 constexpr QSize kHelpSize(28, 28);
 constexpr int kSidebarWidth = 200;
