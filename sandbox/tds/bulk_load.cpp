@@ -49,7 +49,8 @@ void LoadRows(ByteReader& reader, ProtocolVersion version, BulkTarget& target,
     throw ProtocolError("a bulk load's columns are not those it announced");
   }
   std::vector<Value> row(columns.size());
-  while (static_cast<Token>(reader.U8()) == Token::Row) {
+  // Some clients end with a DONE token, some with their last row.
+  while (!reader.AtEnd() && static_cast<Token>(reader.U8()) == Token::Row) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
       row[i] = ReadValue(reader, columns[i], LongForm::InRow);
     }

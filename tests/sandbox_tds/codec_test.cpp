@@ -1,0 +1,114 @@
+#include <gtest/gtest.h>
+
+#include "sample_values.h"
+#include "sandbox/tds/temporal.h"
+#include "sandbox/tds/text_codec.h"
+#include "sandbox/tds/type_decoder.h"
+#include "sandbox/tds/value_encoder.h"
+
+namespace sandbox::tds {
+namespace {
+
+/// Writes a value as a result's column and reads it back as a bulk load's.
+Value RoundTrip(const TypeInfo& type, const Value& value, ProtocolVersion version,
+                TypeInfo* declared = nullptr) {
+  WireType wire = MakeWireType(type, version);
+  ByteWriter out;
+  WriteTypeInfo(out, wire);
+  ValueEncoder(wire).Write(out, value);
+  ByteReader reader(out.bytes());
+  WireType read = ReadTypeInfo(reader);
+  if (declared != nullptr) *declared = DeclaredType(read);
+  Value result = ReadValue(reader, read, LongForm::InRow);
+  EXPECT_TRUE(reader.AtEnd());
+  return result;
+}
+
+TEST(ValueCodec, KeepsEveryTypeAndValueAndItsNull) {
+  for (const SampleValue& sample : SampleValues()) {
+    SCOPED_TRACE(sample.name);
+    TypeInfo declared;
+    EXPECT_TRUE(SameValue(RoundTrip(sample.type, sample.value, ProtocolVersion::V74, &declared),
+                          sample.value));
+    EXPECT_TRUE(SameValue(RoundTrip(sample.type, {}, ProtocolVersion::V74), {}));
+    EXPECT_TRUE(SameValue(RoundTrip(sample.type, {}, ProtocolVersion::V71), {}));
+    if (sample.type.type == SqlType::Timestamp) continue;  // travels as binary(8)
+    EXPECT_EQ(declared.type, sample.type.type);
+    EXPECT_EQ(declared.length, sample.type.length);
+    EXPECT_EQ(declared.precision, sample.type.precision);
+    EXPECT_EQ(declared.scale, sample.type.scale);
+  }
+}
+
+TEST(ValueCodec, VariantsCarryTheTypeOfEachValue) {
+  const TypeInfo variant{SqlType::Variant};
+  for (const SampleValue& sample : SampleValues()) {
+    if (sample.type.length < 0) continue;
+    SCOPED_TRACE(sample.name);
+    EXPECT_TRUE(SameValue(RoundTrip(variant, sample.value, ProtocolVersion::V74), sample.value));
+  }
+}
+
+TEST(ValueCodec, FixedTypesArePaddedAndNothingExceedsItsColumn) {
+  using enum SqlType;
+  const auto v74 = ProtocolVersion::V74;
+  EXPECT_TRUE(SameValue(RoundTrip({Char, 4}, std::string("ab"), v74), std::string("ab  ")));
+  EXPECT_TRUE(SameValue(RoundTrip({NChar, 3}, std::string("ab"), v74), std::string("ab ")));
+  EXPECT_TRUE(SameValue(RoundTrip({Binary, 2}, BinaryValue{"\x01"}, v74),
+                        BinaryValue{std::string("\x01\0", 2)}));
+  EXPECT_TRUE(SameValue(RoundTrip({VarChar, 2}, std::string("abc"), v74), std::string("ab")));
+}
+
+TEST(ValueCodec, AValueOfAnotherKindIsRefused) {
+  ByteWriter out;
+  ValueEncoder encoder(MakeWireType({SqlType::Int}, ProtocolVersion::V74));
+  EXPECT_THROW(encoder.Write(out, std::string("5")), std::bad_variant_access);
+}
+
+TEST(TextCodec, ReplacesOnlyWhatHasNoCounterpart) {
+  const auto ansi = [](const std::string& utf8) {
+    std::string out;
+    AppendAnsi(utf8, out);
+    return out;
+  };
+  EXPECT_EQ(ansi("\u20ac\u00e4"), "\x80\xE4");
+  EXPECT_EQ(ansi("a\u65e5b\U0001F642c"), "a?b?c");
+  // The codes that Windows leaves unused survive both ways.
+  for (std::string code : {"\x81", "\x8D", "\x8F", "\x90", "\x9D"}) {
+    EXPECT_EQ(ansi(AnsiToUtf8(code)), code);
+  }
+  std::string utf16;
+  AppendUtf16("a\xFFz", utf16);
+  EXPECT_EQ(Utf16ToUtf8(utf16), "a\uFFFDz");
+  const std::string lone_surrogate("\x3D\xD8z\0", 4);
+  EXPECT_EQ(Utf16ToUtf8(lone_surrogate), "\uFFFDz");
+  EXPECT_EQ(Utf16ToUtf8("a"), "\uFFFD");  // half a character
+  std::string long_text = LongText(100'000);
+  utf16.clear();
+  AppendUtf16(long_text, utf16);
+  EXPECT_EQ(Utf16ToUtf8(utf16), long_text);
+}
+
+TEST(Temporal, ThreeHundredthsRoundIntoTheNextDay) {
+  const LegacyDateTime rounded = ToLegacy({kDaysTo1900, kTicksPerDay - 1, 0});
+  EXPECT_EQ(rounded.days, 1);
+  EXPECT_EQ(rounded.three_hundredths, 0U);
+  // Milliseconds end in 0, 3 or 7, and come back as they went.
+  for (std::int64_t milliseconds : {0, 3, 7, 10, 997}) {
+    const DateTimeValue moment{kDaysTo1900 - 1, milliseconds * 10'000, 0};
+    EXPECT_EQ(FromLegacy(ToLegacy(moment)).ticks, moment.ticks);
+    EXPECT_EQ(FromLegacy(ToLegacy(moment)).days, moment.days);
+  }
+}
+
+TEST(Temporal, OffsetsCrossDays) {
+  const DateTimeValue early{10, kTicksPerMinute, 120};
+  const DateTimeValue utc = ToUtc(early);
+  EXPECT_EQ(utc.days, 9);
+  EXPECT_EQ(utc.ticks, kTicksPerDay - 119 * kTicksPerMinute);
+  EXPECT_EQ(ToLocal(utc).days, 10);
+  EXPECT_EQ(ToLocal(utc).ticks, early.ticks);
+}
+
+}  // namespace
+}  // namespace sandbox::tds

@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "sample_values.h"
+#include "sandbox/tds/login.h"
+#include "sandbox/tds/rpc_request.h"
+#include "sandbox/tds/tokens.h"
+#include "sandbox/tds/transaction_request.h"
+#include "sandbox/tds/type_decoder.h"
+#include "sandbox/tds/value_encoder.h"
+#include "wire_client.h"
+
+namespace sandbox::tds {
+namespace {
+
+/// A call with every sample value as a parameter.
+std::string CallWithEverything() {
+  ByteWriter out;
+  out.Raw(BatchRecord(""));
+  WriteText(out, "sp_everything");
+  out.U16(0);
+  for (const SampleValue& sample : SampleValues()) {
+    WireType type = MakeWireType(sample.type, ProtocolVersion::V74);
+    if (type.shape == WireShape::Long) continue;  // stands otherwise in a parameter
+    WriteShortText(out, "@" + sample.name);
+    out.U8(0);
+    WriteTypeInfo(out, type);
+    ValueEncoder(type).Write(out, sample.value);
+  }
+  return out.bytes();
+}
+
+std::vector<RpcRequest> ReadCalls(std::string_view bytes) {
+  ByteReader reader(bytes);
+  return ReadRpcRequests(reader, ProtocolVersion::V74);
+}
+
+/// Parses `bytes` in every way; only ProtocolError may come of it.
+void ParseAll(std::string_view bytes) {
+  const auto guarded = [](const auto& parse) {
+    try {
+      parse();
+    } catch (const ProtocolError&) {
+    }
+  };
+  guarded([&] { ParsePreLogin(bytes); });
+  guarded([&] { ParseLogin(bytes); });
+  guarded([&] { ReadCalls(bytes); });
+  guarded([&] {
+    ByteReader reader(bytes);
+    TransactionBatch(reader);
+  });
+}
+
+TEST(HostileParser, AGoodCallIsReadWhole) {
+  std::vector<RpcRequest> calls = ReadCalls(CallWithEverything());
+  ASSERT_EQ(calls.size(), 1U);
+  EXPECT_EQ(calls[0].procedure, "sp_everything");
+  std::size_t next = 0;
+  for (const SampleValue& sample : SampleValues()) {
+    if (MakeWireType(sample.type, ProtocolVersion::V74).shape == WireShape::Long) continue;
+    ASSERT_LT(next, calls[0].parameters.size());
+    EXPECT_EQ(calls[0].parameters[next].name, "@" + sample.name);
+    EXPECT_TRUE(SameValue(calls[0].parameters[next].value, sample.value)) << sample.name;
+    ++next;
+  }
+}
+
+TEST(HostileParser, EveryTruncationIsAProtocolError) {
+  const std::string call = CallWithEverything();
+  for (std::size_t size = 1; size < call.size(); ++size) ParseAll(call.substr(0, size));
+  const std::string login = LoginRecord({});
+  for (std::size_t size = 0; size < 94; ++size) {
+    EXPECT_THROW(ParseLogin(login.substr(0, size)), ProtocolError);
+  }
+}
+
+TEST(HostileParser, RandomChangesCrashNothing) {
+  std::mt19937 random(7);
+  for (const std::string& good : {CallWithEverything(), LoginRecord({}), PreLoginRecord(0)}) {
+    for (int round = 0; round < 20'000; ++round) {
+      std::string bad = good;
+      for (std::size_t edits = 1 + random() % 4; edits > 0; --edits) {
+        bad[random() % bad.size()] = static_cast<char>(random());
+      }
+      ParseAll(bad);
+    }
+  }
+}
+
+TEST(HostileParser, ClaimedLengthsAllocateNothing) {
+  ByteWriter out;
+  out.U8(0xE7);  // nvarchar(max)
+  out.U16(0xFFFF);
+  out.Raw(kCollation);
+  out.U64(0xFFFFFFFFFFFFFFFE);
+  out.U32(0x7FFFFFFF);
+  out.Raw("short");
+  ByteReader reader(out.bytes());
+  WireType type = ReadTypeInfo(reader);
+  EXPECT_THROW(ReadValue(reader, type, LongForm::InParameter), ProtocolError);
+}
+
+TEST(ParameterNames, AreFoundWhateverTheirTypes) {
+  EXPECT_EQ(DeclaredParameterNames("@id int, @price decimal(9, 2) output,@n\tnvarchar(max)"),
+            (std::vector<std::string>{"@id", "@price", "@n"}));
+  EXPECT_TRUE(DeclaredParameterNames("").empty());
+}
+
+}  // namespace
+}  // namespace sandbox::tds

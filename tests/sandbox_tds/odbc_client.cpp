@@ -1,0 +1,131 @@
+#include "odbc_client.h"
+
+#include <array>
+
+namespace sandbox::tds {
+namespace {
+
+constexpr char kDriver[] = "/usr/lib/x86_64-linux-gnu/odbc/libtdsodbc.so";
+
+SQLCHAR* Chars(const std::string& text) {
+  return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str()));
+}
+
+}  // namespace
+
+void OdbcClient::Check(SQLRETURN result, SQLSMALLINT kind, SQLHANDLE handle) const {
+  if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return;
+  std::string text;
+  std::vector<int> natives;
+  std::array<SQLCHAR, 1024> message;
+  std::array<SQLCHAR, 6> state;
+  SQLINTEGER native = 0;
+  SQLSMALLINT length = 0;
+  for (SQLSMALLINT record = 1; SQL_SUCCEEDED(SQLGetDiagRec(
+           kind, handle, record, state.data(), &native, message.data(), message.size(), &length));
+       ++record) {
+    text += reinterpret_cast<char*>(message.data()) + std::string("\n");
+    natives.push_back(native);
+  }
+  throw OdbcError(text, natives);
+}
+
+OdbcClient::OdbcClient(std::uint16_t port, const std::string& settings) {
+  SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_);
+  SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, reinterpret_cast<void*>(SQL_OV_ODBC3), 0);
+  SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_);
+  std::string text = std::string("DRIVER=") + kDriver +
+                     ";Server=127.0.0.1;Port=" + std::to_string(port) + ";ClientCharset=UTF-8;" +
+                     settings;
+  if (text.find("UID=") == std::string::npos) text += ";UID=sa;PWD=secret";
+  try {
+    Check(SQLDriverConnect(connection_, nullptr, Chars(text), SQL_NTS, nullptr, 0, nullptr,
+                           SQL_DRIVER_NOPROMPT),
+          SQL_HANDLE_DBC, connection_);
+  } catch (...) {
+    SQLFreeHandle(SQL_HANDLE_DBC, connection_);
+    SQLFreeHandle(SQL_HANDLE_ENV, environment_);
+    throw;
+  }
+  SQLAllocHandle(SQL_HANDLE_STMT, connection_, &statement_);
+}
+
+OdbcClient::~OdbcClient() {
+  SQLFreeHandle(SQL_HANDLE_STMT, statement_);
+  SQLDisconnect(connection_);
+  SQLFreeHandle(SQL_HANDLE_DBC, connection_);
+  SQLFreeHandle(SQL_HANDLE_ENV, environment_);
+}
+
+std::optional<std::string> OdbcClient::Text(SQLUSMALLINT column) {
+  std::string text;
+  std::vector<char> block(65536);
+  SQLLEN indicator = 0;
+  SQLRETURN result = SQL_SUCCESS_WITH_INFO;
+  while (result == SQL_SUCCESS_WITH_INFO) {
+    result = SQLGetData(statement_, column, SQL_C_CHAR, block.data(),
+                        static_cast<SQLLEN>(block.size()), &indicator);
+    if (result == SQL_NO_DATA) break;
+    Check(result, SQL_HANDLE_STMT, statement_);
+    if (indicator == SQL_NULL_DATA) return std::nullopt;
+    text += block.data();
+  }
+  return text;
+}
+
+OdbcClient::Rows OdbcClient::Query(const std::string& sql) {
+  Rows rows;
+  SQLFreeStmt(statement_, SQL_CLOSE);
+  SQLRETURN result = SQLExecDirect(statement_, Chars(sql), SQL_NTS);
+  while (result != SQL_NO_DATA) {
+    Check(result, SQL_HANDLE_STMT, statement_);
+    SQLSMALLINT columns = 0;
+    SQLNumResultCols(statement_, &columns);
+    while (columns > 0) {
+      result = SQLFetch(statement_);
+      if (result == SQL_NO_DATA) break;
+      Check(result, SQL_HANDLE_STMT, statement_);
+      auto& row = rows.emplace_back();
+      for (SQLSMALLINT column = 1; column <= columns; ++column) {
+        row.push_back(Text(static_cast<SQLUSMALLINT>(column)));
+      }
+    }
+    result = SQLMoreResults(statement_);
+  }
+  SQLFreeStmt(statement_, SQL_CLOSE);
+  return rows;
+}
+
+void OdbcClient::ExecutePrepared(const std::string& sql,
+                                 const std::vector<std::vector<std::optional<std::string>>>& sets) {
+  constexpr SQLULEN kColumnSize = 4000;
+  Check(SQLPrepare(statement_, Chars(sql), SQL_NTS), SQL_HANDLE_STMT, statement_);
+  for (const auto& set : sets) {
+    std::vector<SQLLEN> lengths;
+    for (const auto& text : set) lengths.push_back(text ? SQL_NTS : SQL_NULL_DATA);
+    for (std::size_t i = 0; i < set.size(); ++i) {
+      SQLBindParameter(statement_, static_cast<SQLUSMALLINT>(i + 1), SQL_PARAM_INPUT, SQL_C_CHAR,
+                       SQL_WVARCHAR, kColumnSize, 0, set[i] ? Chars(*set[i]) : nullptr, 0,
+                       &lengths[i]);
+    }
+    Check(SQLExecute(statement_), SQL_HANDLE_STMT, statement_);
+    SQLFreeStmt(statement_, SQL_CLOSE);
+  }
+  SQLFreeStmt(statement_, SQL_RESET_PARAMS);
+}
+
+void OdbcClient::SetAutocommit(bool on) {
+  auto value = static_cast<SQLULEN>(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF);
+  Check(SQLSetConnectAttr(connection_, SQL_ATTR_AUTOCOMMIT, reinterpret_cast<SQLPOINTER>(value), 0),
+        SQL_HANDLE_DBC, connection_);
+}
+
+void OdbcClient::Commit() {
+  Check(SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_COMMIT), SQL_HANDLE_DBC, connection_);
+}
+
+void OdbcClient::Rollback() {
+  Check(SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK), SQL_HANDLE_DBC, connection_);
+}
+
+}  // namespace sandbox::tds

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <sql.h>
+#include <sqlext.h>
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace sandbox::tds {
+
+/// A failure with the native error numbers of all its records.
+class OdbcError : public std::runtime_error {
+ public:
+  OdbcError(const std::string& text, std::vector<int> numbers)
+      : std::runtime_error(text), natives(std::move(numbers)) {}
+  std::vector<int> natives;
+};
+
+/// The real driver, against a server on loopback; user "sa", password "secret" unless `settings`
+/// say otherwise. Every failure throws OdbcError.
+class OdbcClient {
+ public:
+  explicit OdbcClient(std::uint16_t port, const std::string& settings = "TDS_Version=7.4");
+  ~OdbcClient();
+  OdbcClient(const OdbcClient&) = delete;
+  OdbcClient& operator=(const OdbcClient&) = delete;
+
+  using Rows = std::vector<std::vector<std::optional<std::string>>>;
+  /// All rows of all results, as text.
+  Rows Query(const std::string& sql);
+  /// A prepared statement executed once per parameter set; text parameters, null for NULL.
+  void ExecutePrepared(const std::string& sql,
+                       const std::vector<std::vector<std::optional<std::string>>>& sets);
+  void SetAutocommit(bool on);
+  void Commit();
+  void Rollback();
+
+  SQLHSTMT Statement() const { return statement_; }
+  void Check(SQLRETURN result, SQLSMALLINT kind, SQLHANDLE handle) const;
+
+ private:
+  std::optional<std::string> Text(SQLUSMALLINT column);
+
+  SQLHENV environment_ = SQL_NULL_HANDLE;
+  SQLHDBC connection_ = SQL_NULL_HANDLE;
+  SQLHSTMT statement_ = SQL_NULL_HANDLE;
+};
+
+}  // namespace sandbox::tds

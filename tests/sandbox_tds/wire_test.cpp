@@ -1,0 +1,203 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "fake_engine.h"
+#include "sandbox/tds/server.h"
+#include "wire_client.h"
+
+namespace sandbox::tds {
+namespace {
+
+using std::string_view_literals::operator""sv;
+
+class Wire : public ::testing::Test {
+ protected:
+  Wire() {
+    engine_.batches["wait"] = [](EngineSession& session, ResultSink& sink) {
+      sink.Columns({{.name = "n", .type = {SqlType::Int}}});
+      while (!session.cancel) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      sink.Message({.number = 3617, .text = "too late to be seen", .procedure = {}});
+    };
+    engine_.batches["long"] = [](EngineSession&, ResultSink& sink) {
+      sink.Columns({{.name = "t", .type = {SqlType::VarChar, -1}}});
+      sink.Row(std::vector<Value>{std::string(100'000, 'x')});
+      sink.Done(1);
+    };
+    engine_.batches["endless"] = [](EngineSession& session, ResultSink& sink) {
+      sink.Columns({{.name = "n", .type = {SqlType::Int}}});
+      const std::vector<Value> row = {std::int64_t{7}};
+      while (!session.cancel) sink.Row(row);
+    };
+  }
+
+  FakeEngine engine_;
+  Server server_{engine_, {"sa", "secret"}, 0};
+};
+
+TEST_F(Wire, PacketsHaveTheNegotiatedSize) {
+  for (std::size_t wanted : {512U, 4096U, 32767U}) {
+    WireClient client(server_.Port());
+    client.LogIn(static_cast<std::uint32_t>(wanted));
+    client.SendBatch("long");
+    std::string reply = client.Receive();
+    EXPECT_EQ(FinalStatus(reply), kDoneCount);
+    EXPECT_TRUE(Contains(reply, std::string(100'000, 'x')));
+    const auto& sizes = client.PacketSizes();
+    for (std::size_t i = 0; i + 1 < sizes.size(); ++i) EXPECT_EQ(sizes[i], wanted);
+    EXPECT_LE(sizes.back(), wanted);
+  }
+}
+
+TEST_F(Wire, UnreasonablePacketSizesAreBroughtIntoRange) {
+  for (auto [wanted, given] : {std::pair{1U, 512U}, {0xFFFFFFFFU, 32767U}, {0U, 4096U}}) {
+    WireClient client(server_.Port());
+    client.LogIn(wanted);
+    client.SendBatch("long");
+    client.Receive();
+    EXPECT_EQ(client.PacketSizes().front(), given);
+  }
+}
+
+TEST_F(Wire, AnAttentionEndsWhatRunsAndIsConfirmedOnce) {
+  WireClient client(server_.Port());
+  client.LogIn();
+  for (const char* batch : {"wait", "endless"}) {
+    client.SendBatch(batch);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    client.Send(MessageType::Attention, "");
+    std::string reply = client.Receive();
+    EXPECT_EQ(FinalStatus(reply), kDoneAttention) << batch;
+    EXPECT_FALSE(Contains(reply, Utf16("too late")));
+  }
+  // Batch and attention in one segment, and an attention that comes when nothing runs.
+  client.SendBytes(Packet(MessageType::SqlBatch, BatchRecord("wait")) +
+                   Packet(MessageType::Attention, ""));
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
+  client.Send(MessageType::Attention, "");
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
+  client.SendBatch("long");
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneCount);
+}
+
+TEST_F(Wire, AClientThatLeavesEndsItsBatch) {
+  std::atomic<bool> ended{false};
+  engine_.batches["observed"] = [&](EngineSession& session, ResultSink&) {
+    while (!session.cancel) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ended = true;
+  };
+  {
+    WireClient client(server_.Port());
+    client.LogIn();
+    client.SendBatch("observed");
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  for (int i = 0; i < 2000 && !ended; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  EXPECT_TRUE(ended);
+}
+
+TEST_F(Wire, AWithdrawnMessageIsNotRun) {
+  constexpr std::uint8_t kLast = 1;
+  constexpr std::uint8_t kIgnore = 2;
+  WireClient client(server_.Port());
+  client.LogIn();
+  client.Send(MessageType::SqlBatch, BatchRecord("withdrawn"), 0);
+  client.Send(MessageType::SqlBatch, "", kLast | kIgnore);
+  client.Send(MessageType::SqlBatch, BatchRecord("interrupted"), 0);
+  client.Send(MessageType::Attention, "");
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
+  client.SendBatch("run");
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneFinal);
+  ASSERT_EQ(engine_.Calls().size(), 1U);
+  EXPECT_EQ(engine_.Calls()[0].text, "run");
+}
+
+TEST_F(Wire, AResetGivesAFreshSession) {
+  constexpr std::uint8_t kLastAndReset = 1 | 8;
+  engine_.batches["leave"] = [](EngineSession& session, ResultSink& sink) {
+    session.UseDatabase("master");
+    sink.DatabaseChanged("master");
+    sink.Done(std::nullopt);
+  };
+  std::string seen;
+  engine_.batches["look"] = [&](EngineSession& session, ResultSink&) { seen = session.Database(); };
+  WireClient client(server_.Port());
+  client.LogIn();
+  client.SendBatch("leave");
+  EXPECT_TRUE(Contains(client.Receive(), Utf16("master")));
+  client.Send(MessageType::SqlBatch, BatchRecord("look"), kLastAndReset);
+  EXPECT_TRUE(Contains(client.Receive(), "\xE3\x03\x00\x12\x00\x00"sv));
+  EXPECT_EQ(seen, "shop");
+}
+
+TEST_F(Wire, TransactionsAreAnnouncedWithTheirDescriptor) {
+  engine_.batches["begin transaction"] = [](EngineSession&, ResultSink& sink) {
+    sink.TransactionChanged(0x0102030405060708, false);
+    sink.Done(std::nullopt);
+  };
+  engine_.batches["commit transaction"] = [](EngineSession&, ResultSink& sink) {
+    sink.TransactionChanged(0, true);
+    sink.Done(std::nullopt);
+  };
+  const std::string headers = BatchRecord("");
+  WireClient client(server_.Port());
+  client.LogIn();
+  client.Send(MessageType::TransactionManager, headers + std::string("\x05\0\0\0"sv));
+  EXPECT_TRUE(Contains(client.Receive(), "\xE3\x0B\0\x08\x08\x08\7\6\5\4\3\2\1\0"sv));
+  client.Send(MessageType::TransactionManager, headers + std::string("\x07\0\0\0"sv));
+  EXPECT_TRUE(Contains(client.Receive(), "\xE3\x0B\0\x09\0\x08\x08\7\6\5\4\3\2\1"sv));
+}
+
+TEST_F(Wire, ErrorsAndCountsOfAnUnfinishedResultStillEndIt) {
+  engine_.batches["broken"] = [](EngineSession&, ResultSink& sink) {
+    sink.Columns({{.name = "n", .type = {SqlType::Int}}});
+    sink.Row(std::vector<Value>{std::string("no number")});
+    sink.Done(1);
+    sink.Done(5);
+  };
+  WireClient client(server_.Port());
+  client.LogIn();
+  client.SendBatch("broken");
+  std::string reply = client.Receive();
+  EXPECT_TRUE(Contains(reply, Utf16("does not match its column's type")));
+  EXPECT_EQ(FinalStatus(reply), kDoneCount);
+}
+
+TEST_F(Wire, RefusalsSayWhy) {
+  struct Case {
+    LoginFields fields;
+    std::string_view text;
+  };
+  const Case cases[] = {{{.password = "Secret"}, "Login failed for user 'sa'."},
+                        {{.user = "bob"}, "Login failed for user 'bob'."},
+                        {{.database = "nowhere"}, "Cannot open database \"nowhere\""},
+                        {{.integrated = true}, "cannot be used with Integrated authentication"},
+                        {{.version = 0x70000000}, "protocol version is not supported"}};
+  for (const Case& refused : cases) {
+    WireClient client(server_.Port());
+    client.Send(MessageType::Login7, LoginRecord(refused.fields));
+    std::string reply = client.Receive();
+    EXPECT_TRUE(Contains(reply, Utf16(refused.text))) << refused.text;
+    EXPECT_TRUE(client.ClosedByServer());
+  }
+  WireClient client(server_.Port());
+  client.Send(MessageType::Login7, LoginRecord({.user = "SA"}));
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneFinal);
+}
+
+TEST_F(Wire, AClientThatNeedsEncryptionIsToldThereIsNone) {
+  constexpr std::uint8_t kOn = 1;
+  constexpr std::uint8_t kRequired = 3;
+  for (std::uint8_t mode : {kOn, kRequired}) {
+    WireClient client(server_.Port());
+    client.Send(MessageType::PreLogin, PreLoginRecord(mode));
+    EXPECT_FALSE(client.Receive().empty());
+    EXPECT_TRUE(client.ClosedByServer());
+  }
+}
+
+}  // namespace
+}  // namespace sandbox::tds
