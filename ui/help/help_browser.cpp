@@ -5,6 +5,8 @@ namespace dorvane {
 namespace {
 
 constexpr const char* kScheme = "chm";
+/// The topics lie side by side at the top of the help file.
+const QUrl kTop("chm:/");
 
 }  // namespace
 
@@ -13,8 +15,7 @@ HelpBrowser::HelpBrowser(QWidget* parent) : QTextBrowser(parent) {
 }
 
 void HelpBrowser::ShowTopic(const std::string& topic) {
-  const QUrl relative(QString::fromStdString(topic));
-  setSource(QUrl(QString("%1:/").arg(kScheme)).resolved(relative), QTextDocument::HtmlResource);
+  setSource(kTop.resolved(QUrl(QString::fromStdString(topic))), QTextDocument::HtmlResource);
 }
 
 void HelpBrowser::ShowText(const QString& text) {
@@ -22,7 +23,8 @@ void HelpBrowser::ShowText(const QString& text) {
 }
 
 QVariant HelpBrowser::loadResource(int /*type*/, const QUrl& name) {
-  const QUrl url = source().isEmpty() ? name : source().resolved(name);
+  // While a topic loads, source() is still the one before: its style sheet comes by a bare name.
+  const QUrl url = kTop.resolved(name);
   if (book_ == nullptr || url.scheme() != kScheme) return {};
   const auto bytes = book_->Read(url.path().toStdString());
   return bytes ? QVariant(QString::fromStdString(*bytes)) : QVariant();
