@@ -32,6 +32,15 @@ Rows PrimaryKeyRows(const std::shared_ptr<Logon>& logon, const std::string& tabl
   return RowsOfTable(std::move(rows), "TABLE_NAME", "TABLE_SCHEM", table);
 }
 
+/// An identifier's text as its values have it.
+void Brace(std::string& guid) {
+  constexpr std::size_t kBareSize = 36;
+  if (guid.size() == kBareSize) guid = "{" + guid + "}";
+  for (char& c : guid) {
+    if (c >= 'a' && c <= 'f') c -= 'a' - 'A';
+  }
+}
+
 Column ToColumn(const CatalogRow& row) {
   const ServerType& type =
       FindServerType(row.Text("TYPE_NAME"), static_cast<SQLSMALLINT>(row.Number("DATA_TYPE")));
@@ -43,6 +52,7 @@ Column ToColumn(const CatalogRow& row) {
   if (row.Number("NULLABLE") != SQL_NO_NULLS) column.attributes |= kColumnNullable;
   if (const auto expression = row.OptionalText("COLUMN_DEF")) {
     column.default_value = DefaultValue(*expression);
+    if (type.transfer == Transfer::Guid && column.default_value) Brace(*column.default_value);
   }
   return column;
 }

@@ -88,15 +88,11 @@ std::vector<CatalogRow> RowsOfTable(std::vector<CatalogRow> rows, const std::str
 }
 
 std::u16string AsPattern(std::string_view name) {
-  std::string pattern;
-  for (const char c : name) {
-    if (c == '%' || c == '_' || c == '[') {
-      pattern.append({'[', c, ']'});
-    } else {
-      pattern += c;
-    }
+  std::u16string pattern = ToUtf16(name);
+  for (char16_t& unit : pattern) {
+    if (std::u16string_view(u"%_[\\").find(unit) != std::u16string_view::npos) unit = u'_';
   }
-  return ToUtf16(pattern);
+  return pattern;
 }
 
 }  // namespace dorvane::ado::odbc

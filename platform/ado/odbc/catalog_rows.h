@@ -39,7 +39,8 @@ std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon,
 std::vector<CatalogRow> RowsOfTable(std::vector<CatalogRow> rows, const std::string& name_column,
                                     const std::string& schema_column, const std::string& table);
 
-/// A name as a search pattern that finds only that name.
+/// A search pattern that finds the name, and perhaps others of its length: drivers do not agree on
+/// how the pattern characters in a name are quoted, so any character may stand in their place.
 std::u16string AsPattern(std::string_view name);
 
 }  // namespace dorvane::ado::odbc

@@ -8,18 +8,15 @@
 
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/types.h"
+#include "platform/text/number_text.h"
 
 namespace dorvane::ado::odbc {
 
 namespace {
 
-constexpr int kUsualPort = 1433;
+using text::Trim;
 
-std::string_view Trim(std::string_view text) {
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  return text;
-}
+constexpr int kUsualPort = 1433;
 
 /// The part behind the separator, which is cut off `text` together with it.
 std::string_view CutAt(std::string_view& text, char separator) {
