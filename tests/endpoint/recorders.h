@@ -77,10 +77,11 @@ class HostRecorder : public IRunHost {
     unclassified.push_back(fmt::format("{} [{}] {}", style, title, message));
   }
   void Yield() override { ++yields; }
-  bool IsStopping() const override { return polls_ >= 0 && polls_until_stop >= 0 && Poll(); }
+  bool IsStopping() const override {
+    return polls_until_stop >= 0 && polls_++ >= polls_until_stop;
+  }
 
  private:
-  bool Poll() const { return polls_++ >= polls_until_stop; }
   mutable int polls_ = 0;
 };
 

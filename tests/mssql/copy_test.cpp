@@ -1,0 +1,214 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "mssql/mssql_database.h"
+#include "mysql/mysql_database.h"
+#include "tests/endpoint/transfer_rig.h"
+
+namespace dorvane {
+namespace {
+
+using ado::DataType;
+using test::Failure;
+using test::MakeColumn;
+using test::TextResult;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::int32_t kRefused = ado::hresult::kErrorsInCommand;
+constexpr std::int32_t kBadValue = ado::hresult::kErrorsOccurred;
+
+using Row = std::vector<std::string>;
+
+/// A table t(k, v) whose rows are copied; every test runs in blocks and row by row.
+struct MsSqlCopy : testing::TestWithParam<CopyStrategy>,
+                   test::TransferRig<MsSqlDatabase, MySqlDatabase> {
+  MsSqlCopy() {
+    source.tables = {{"t", "TABLE"}};
+    src.SetCopyTableContent(true);
+    src.SetCopyStrategy(GetParam());
+    dest.Answer(kFactsQuery, {TextResult({"a", "b"}, {{"1", "0"}})});
+  }
+  void Rows(DataType type, const std::vector<std::pair<std::string_view, ado::Value>>& rows) {
+    source.columns["t"] = {MakeColumn("k", DataType::VarChar), MakeColumn("v", type)};
+    test::ScriptedResult result{{source.columns["t"][0], source.columns["t"][1]}, {}};
+    for (const auto& [key, value] : rows) result.rows.push_back({key, value});
+    source.Answer("select * from [t]", {result});
+    source.Answer("select count(*) as Rows_No from [t]",
+                  {TextResult({"Rows_No"}, {{source.Keep(std::to_string(rows.size()))}})});
+  }
+  void Texts(const std::vector<std::pair<std::string_view, std::string_view>>& rows) {
+    std::vector<std::pair<std::string_view, ado::Value>> values;
+    for (const auto& [key, value] : rows) values.emplace_back(key, value);
+    Rows(DataType::VarChar, values);
+  }
+  /// Rows of this key fail.
+  void Refuse(std::string key, ado::ProviderError error) {
+    dest.on_row = [key, error](const Row& row) {
+      if (row[0] == key) throw error;
+    };
+  }
+
+  static constexpr const char* kFactsQuery =
+      "select coalesce(e.transactions = 'YES', 0), (select count(*) from "
+      "information_schema.triggers where event_object_schema = database() and "
+      "event_object_table = 't') from information_schema.tables t left join "
+      "information_schema.engines e on e.engine = t.engine where t.table_schema = database() and "
+      "t.table_name = 't'";
+};
+
+TEST_P(MsSqlCopy, CopiesRowsAndCountsThem) {
+  Texts({{"1", "a"}, {"2", "Null"}, {"3", "c"}});
+  Transfer({"t"});
+  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"2", "NULL"}, Row{"3", "c"}));
+  EXPECT_THAT(events.events, ElementsAre("started 1 false", "table t", "content t 3", "rows 3",
+                                         "succeeded t", "ended"));
+  EXPECT_THAT(dest.Sent("insert"), ElementsAre("insert `t` (k,v)"));
+}
+
+TEST_P(MsSqlCopy, AnEmptyTableRaisesItsCountAlone) {
+  Texts({});
+  Transfer({"t"});
+  EXPECT_THAT(events.events,
+              ElementsAre("started 1 false", "table t", "content t 0", "succeeded t", "ended"));
+}
+
+TEST_P(MsSqlCopy, LongBytesArriveWholeAndEmptyOnesAreNotNull) {
+  const std::string_view image = source.Keep(std::string(2500, '\x7F'));
+  Rows(DataType::LongVarBinary, {{"1", ado::Binary{image}}, {"2", ado::Binary{""}}, {"3", {}}});
+  Transfer({"t"});
+  ASSERT_EQ(dest.stored.size(), 3u);
+  EXPECT_EQ(dest.stored[0][1].size(), 2 + 2 * 2500u);
+  EXPECT_EQ(dest.stored[1][1], "0x");
+  EXPECT_EQ(dest.stored[2][1], "NULL");
+}
+
+TEST_P(MsSqlCopy, MergeLeavesOutDuplicatesInSilence) {
+  for (const std::int32_t native : {1062, 1022, 1586}) {
+    dest.stored.clear();
+    events.events.clear();
+    Texts({{"1", "a"}, {"2", "b"}, {"3", "c"}});
+    Refuse("2", Failure(kRefused, native, "duplicate"));
+    Transfer({"t"});
+    EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"3", "c"}));
+    EXPECT_THAT(events.Errors(), IsEmpty());
+    EXPECT_THAT(events.Of("rows"), ElementsAre("rows 3"));
+  }
+}
+
+TEST_P(MsSqlCopy, AnyOtherRefusalEndsTheCopyWithAMessage) {
+  const auto message = [](std::int32_t number, std::string_view words) {
+    return fmt::format(
+        "error 16 [Insertion Error] Unexpected error while transfering data of table t - {} - {}",
+        number, words);
+  };
+  struct Case {
+    std::int16_t mode;
+    ado::ProviderError error;
+    std::string event;
+  };
+  const Case cases[] = {
+      {convert_mode::kMerge, Failure(kRefused, 1452, "foreign key"),
+       message(kRefused, "foreign key")},
+      {convert_mode::kOverwrite, Failure(kRefused, 1062, "duplicate"),
+       message(kRefused, "duplicate")},
+      {convert_mode::kMerge, Failure(ado::hresult::kFail, 2013, "lost"),
+       message(ado::hresult::kFail, "lost")},
+      {convert_mode::kMerge, {-6, "test", "run-time", {}}, message(-6, "run-time")},
+  };
+  for (const Case& each : cases) {
+    dest.stored.clear();
+    events.events.clear();
+    src.SetConvertMode(each.mode);
+    Texts({{"1", "a"}, {"2", "b"}, {"3", "c"}});
+    Refuse("2", each.error);
+    Transfer({"t"});
+    EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"})) << each.event;
+    EXPECT_THAT(events.events, ElementsAre("started 1 false", "table t", "content t 3", "rows 1",
+                                           each.event, "succeeded t", "ended"));
+  }
+}
+
+TEST_P(MsSqlCopy, ARefusedTextIsTriedOnceMoreThroughTheCodePage) {
+  Texts({{"1", "a"}, {"2", "caf\u00E9 \u4E16"}, {"3", "c"}});
+  dest.on_row = [](const Row& row) {
+    if (row[1].find("\u4E16") != std::string::npos) throw Failure(kBadValue, 1366, "no such text");
+  };
+  Transfer({"t"});
+  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"2", "caf\u00E9 ?"}, Row{"3", "c"}));
+  EXPECT_THAT(events.Errors(), IsEmpty());
+}
+
+TEST_P(MsSqlCopy, TheRebuiltTextGoesBackWhereItCameFrom) {
+  source.columns["t"] = {MakeColumn("k", DataType::VarWChar), MakeColumn("v", DataType::VarChar)};
+  source.Answer("select * from [t]", {{{source.columns["t"][0], source.columns["t"][1]},
+                                       {{std::string_view("\u4E16"), ado::Null()}}}});
+  source.Answer("select count(*) as Rows_No from [t]", {TextResult({"Rows_No"}, {{"1"}})});
+  dest.on_row = [](const Row& row) {
+    if (row[0] == "\u4E16") throw Failure(kBadValue, 1366, "no such text");
+  };
+  Transfer({"t"});
+  EXPECT_THAT(dest.stored, ElementsAre(Row{"?", "NULL"}));
+}
+
+TEST_P(MsSqlCopy, ARowRefusedTwiceIsReported) {
+  Texts({{"1", "a"}, {"2", "b"}, {"3", "c"}});
+  int tries = 0;
+  dest.on_row = [&tries](const Row& row) {
+    if (row[0] == "2") throw Failure(kBadValue, 1264, fmt::format("out of range {}", ++tries > 0));
+  };
+  Transfer({"t"});
+  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}));
+  EXPECT_THAT(events.Errors(),
+              ElementsAre("error 16 [Insertion Error] Unexpected error while transfering data of "
+                          "table t - -2147217887 - out of range true"));
+}
+
+TEST_P(MsSqlCopy, ARefusedRowWithChunksIsLeftOut) {
+  Rows(DataType::Binary,
+       {{"1", ado::Binary{"a"}}, {"2", ado::Binary{"b"}}, {"3", ado::Binary{"c"}}});
+  Refuse("2", Failure(kBadValue, 1406, "too long"));
+  Transfer({"t"});
+  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "0x61"}, Row{"3", "0x63"}));
+  EXPECT_THAT(events.Errors(), IsEmpty());
+  EXPECT_THAT(events.Of("rows"), ElementsAre("rows 3"));
+}
+
+TEST_P(MsSqlCopy, ABreakingSourceEndsTheCopyBehindItsRows) {
+  Texts({{"1", "a"}, {"2", "b"}});
+  dest.Fail("Create Table", Failure(kRefused, 1050, "exists"));
+  source.BreakResult("select * from [t]", Failure(ado::hresult::kFail, 20004, "read failed"));
+  Transfer({"t"});
+  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"2", "b"}));
+  EXPECT_THAT(events.Errors(),
+              ElementsAre("error 16 [Insertion Error] Unexpected error while transfering data of "
+                          "table t - -2147467259 - read failed"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Both, MsSqlCopy,
+                         testing::Values(CopyStrategy::Blocks, CopyStrategy::RowByRow),
+                         [](const auto& param) {
+                           return param.param == CopyStrategy::Blocks ? "Blocks" : "RowByRow";
+                         });
+
+struct MsSqlCopyInBlocks : MsSqlCopy {};
+
+TEST_P(MsSqlCopyInBlocks, SendsOneTransactionWhereTheTableTakesIt) {
+  Texts({{"1", "a"}, {"2", "b"}});
+  Transfer({"t"});
+  EXPECT_THAT(dest.Sent("begin"), ElementsAre("begin"));
+  EXPECT_THAT(dest.Sent("commit"), ElementsAre("commit"));
+
+  for (const auto& facts : {TextResult({"a", "b"}, {{"0", "0"}}),     // no transactions
+                            TextResult({"a", "b"}, {{"1", "2"}})}) {  // triggers
+    dest.log.clear();
+    dest.Answer(kFactsQuery, {facts});
+    Transfer({"t"});
+    EXPECT_THAT(dest.Sent("begin"), IsEmpty());
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Blocks, MsSqlCopyInBlocks, testing::Values(CopyStrategy::Blocks));
+
+}  // namespace
+}  // namespace dorvane

@@ -1,0 +1,333 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "mssql/mssql_database.h"
+#include "mysql/mysql_database.h"
+#include "tests/endpoint/transfer_rig.h"
+
+namespace dorvane {
+namespace {
+
+using ado::DataType;
+using test::Failure;
+using test::MakeColumn;
+using test::TextResult;
+using test::WithDefault;
+using test::WithDigits;
+using test::WithSize;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct MsSqlTransfer : testing::Test, test::TransferRig<MsSqlDatabase, MySqlDatabase> {
+  void AddTable(const std::string& name, std::vector<ado::Column> columns,
+                std::string_view identity = "No identity column defined.") {
+    source.tables.push_back({name, "TABLE"});
+    source.columns[name] = std::move(columns);
+    source.Answer("sp_help [" + name + "]",
+                  {TextResult({"Name"}, {{"x"}}), TextResult({"Column_name"}, {{"x"}, {"y"}}),
+                   TextResult({"Identity", "Seed"}, {{identity, "1"}}),
+                   TextResult({"RowGuidCol"}, {{"none"}})});
+  }
+  /// The statement that creates a table of one column c.
+  std::string Definition(const ado::Column& column, std::string_view identity = "") {
+    AddTable("t", {column}, identity.empty() ? "No identity column defined." : identity);
+    dest.log.clear();
+    Transfer({"t"});
+    source.tables.clear();
+    const auto created = dest.Sent("Create Table");
+    if (created.empty()) return "no table";
+    const std::string& sql = created[0];
+    const std::string head = "Create Table `t`(`c` ";
+    EXPECT_TRUE(sql.starts_with(head) && sql.ends_with(")")) << sql;
+    return sql.substr(head.size(), sql.size() - head.size() - 1);
+  }
+};
+
+TEST_F(MsSqlTransfer, GivesEachTypeItsText) {
+  struct Row {
+    DataType type;
+    std::string text;
+  };
+  const Row rows[] = {
+      {DataType::SmallInt, "SMALLINT(6)"},
+      {DataType::Integer, "INT"},
+      {DataType::Single, "FLOAT"},
+      {DataType::Double, "DOUBLE"},
+      {DataType::Currency, "DECIMAL(19,4)"},
+      {DataType::Boolean, "TINYINT(1)"},
+      {DataType::TinyInt, "TINYINT(1)"},
+      {DataType::UnsignedTinyInt, "TINYINT(1)"},
+      {DataType::Variant, "LONGBLOB"},
+      {DataType::Guid, "LONGBLOB"},
+      {DataType::LongVarBinary, "LONGBLOB"},
+      {DataType::BigInt, "BIGINT"},
+      {DataType::Binary, "BLOB"},
+      {DataType::VarBinary, "BLOB"},
+      {DataType::LongVarChar, "LONGTEXT"},
+      {DataType::LongVarWChar, "LONGTEXT"},
+      {DataType::DBTimeStamp, "DATETIME"},
+      {DataType::DBDate, "DATE"},
+      {DataType::DBTime, "TIME"},
+      {DataType::Date, "DATETIME"},
+      {DataType::BStr, "LONGTEXT"},
+      {DataType::UnsignedSmallInt, "INT"},
+      {DataType::UnsignedInt, "BIGINT UNSIGNED"},
+      {DataType::UnsignedBigInt, "BIGINT UNSIGNED"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(Definition(MakeColumn("c", row.type)), row.text + " NULL");
+  }
+  EXPECT_EQ(Definition(MakeColumn("c", DataType::Empty, false)), " NOT NULL");
+}
+
+TEST_F(MsSqlTransfer, SizesDecideOverTextAndFractions) {
+  const auto sized = [&](DataType type, std::int64_t size) {
+    return Definition(WithSize(MakeColumn("c", type, false), size));
+  };
+  EXPECT_EQ(sized(DataType::WChar, 10), "varchar(10) NOT NULL");
+  EXPECT_EQ(sized(DataType::Char, 256), "Text NOT NULL");
+  EXPECT_EQ(sized(DataType::VarWChar, 255), "VARCHAR(255) NOT NULL");
+  EXPECT_EQ(sized(DataType::VarChar, 256), "Text NOT NULL");
+  EXPECT_EQ(sized(DataType::VarChar, 2147483647), "Text NOT NULL");
+  const auto digits = [&](DataType type, int precision, int scale) {
+    return Definition(WithDigits(MakeColumn("c", type), precision, scale));
+  };
+  EXPECT_EQ(digits(DataType::Numeric, 10, 2), "DECIMAL(10,2) NULL");
+  EXPECT_EQ(digits(DataType::VarNumeric, 38, 0), "DECIMAL(38,0) NULL");
+  EXPECT_EQ(digits(DataType::DBTimeStamp, 0, 3), "DATETIME NULL");
+  EXPECT_EQ(digits(DataType::DBTimeStamp, 0, 7), "DATETIME(6) NULL");
+  EXPECT_EQ(digits(DataType::DBTime, 0, 7), "TIME(6) NULL");
+}
+
+TEST_F(MsSqlTransfer, TurnsDefaultsIntoLiterals) {
+  struct Row {
+    DataType type;
+    std::string value;
+    std::string tail;
+  };
+  const Row rows[] = {
+      {DataType::Integer, "-7", " Default -7"},
+      {DataType::Double, "0", " Default  0.0"},
+      {DataType::Currency, "1.5", " Default  1.5"},
+      {DataType::Boolean, "1", " Default 1"},
+      {DataType::Boolean, "0", " Default 0"},
+      {DataType::DBTimeStamp, "GetDate()", ""},
+      {DataType::DBTimeStamp, "2020-01-31 10:20:30", " Default 20200131102030"},
+      {DataType::DBDate, "getdate()", ""},
+      {DataType::DBDate, "20200131", " Default '2020-01-31 00:00:00'"},
+      {DataType::VarWChar, "O'Brien \\ \"x\"", " Default 'O''Brien \\\\ \\\"x\\\"'"},
+      {DataType::VarChar, "12'5", " Default 12'5"},
+      {DataType::VarChar, "10", " Default 10"},
+      {DataType::VarChar, "", " Default ''"},
+      {DataType::Guid, "{6F9619FF-8B86-D011-B42D-00C04FC964FF}",
+       " Default 0x6F9619FF8B86D011B42D00C04FC964FF"},
+      {DataType::VarBinary, "0x0aff", " Default 0x0AFF"},
+      {DataType::Binary, "0x0aff", ""},
+  };
+  for (const Row& row : rows) {
+    const std::string text =
+        Definition(WithDefault(WithSize(MakeColumn("c", row.type, false), 20), row.value));
+    const std::string_view not_null = " NOT NULL";
+    const std::size_t at = text.find(not_null);
+    ASSERT_NE(at, std::string::npos) << row.value;
+    EXPECT_EQ(text.substr(at + not_null.size()), row.tail) << row.value;
+  }
+  EXPECT_EQ(Definition(WithDefault(MakeColumn("c", DataType::DBDate), "soon")), "no table");
+  EXPECT_THAT(host.unclassified,
+              ElementsAre("16 [Table Conversion] Failed to convert table t 13: Type mismatch: "
+                          "soon"));
+}
+
+TEST_F(MsSqlTransfer, MarksTheIdentityColumnByItsExactName) {
+  EXPECT_EQ(Definition(MakeColumn("c", DataType::Integer, false), "c"),
+            "INT NOT NULL primary key auto_increment");
+  EXPECT_EQ(Definition(MakeColumn("c", DataType::Integer, false), "C"), "INT NOT NULL");
+}
+
+TEST_F(MsSqlTransfer, ConvertsTablesKeysAndRelationshipsInOrder) {
+  src.SetReplaceSpaceWithUnderscore(true);
+  src.SetConvertMode(convert_mode::kOverwrite);
+  src.SetConvertRelationships(true);
+  AddTable("Order Details", {MakeColumn("Order ID", DataType::Integer, false),
+                             WithSize(MakeColumn("Unit Name", DataType::VarChar), 9)});
+  AddTable("Orders", {MakeColumn("ID", DataType::Integer, false)}, "ID");
+  source.indexes["Order Details"] = {{"PK OD", true, true, {"Order ID", "Unit Name"}},
+                                     {"UX", false, true, {"Unit Name"}},
+                                     {"IX Unit Name", false, false, {"Unit Name", "Order ID"}}};
+  source.indexes["Orders"] = {{"PK_Orders", true, true, {"ID", "other"}}};
+  source.keys["Order Details"] = {{"PK OD", ado::KeyType::Primary, "", {}, {}, {{"Order ID", ""}}},
+                                  {"FK 1",
+                                   ado::KeyType::Foreign,
+                                   "Other Table",
+                                   ado::RuleType::Cascade,
+                                   ado::RuleType::SetNull,
+                                   {{"a b", "x"}, {"b", "y"}}},
+                                  {"FK_2",
+                                   ado::KeyType::Foreign,
+                                   "Orders",
+                                   ado::RuleType::SetDefault,
+                                   ado::RuleType::None,
+                                   {{"c", "z"}}}};
+  Transfer({"Order Details", "Orders"});
+  EXPECT_THAT(
+      dest.log,
+      ElementsAre(
+          "Drop Table If Exists `Order_Details`",
+          "Create Table `Order_Details`(`Order_ID` INT NOT NULL,`Unit_Name` VARCHAR(9) NULL)",
+          "ALTER TABLE `Order_Details` add constraint `PK_OD` Primary "
+          "key(`Order_ID`,`Unit_Name`)",
+          "Create unique index `UX` on `Order_Details`(`Unit_Name`)",
+          "Create index `IX_Unit_Name` on `Order_Details`(`Unit_Name`,`Order_ID`)",
+          "Drop Table If Exists `Orders`",
+          "Create Table `Orders`(`ID` INT NOT NULL primary key auto_increment)",
+          "ALTER TABLE `Order_Details` ADD CONSTRAINT  `FK 1` FOREIGN KEY (a b,b) REFERENCES "
+          "Other_Table(x,y) ON DELETE CASCADE ON UPDATE SET NULL",
+          "ALTER TABLE `Order_Details` ADD CONSTRAINT  `FK_2` FOREIGN KEY (c) REFERENCES "
+          "Orders(z) ON DELETE  ON UPDATE NO ACTION"));
+  EXPECT_THAT(events.events,
+              ElementsAre("started 2 true", "table Order Details", "succeeded Order Details",
+                          "table Orders", "succeeded Orders", "relations Order Details",
+                          "relations Orders", "ended"));
+  EXPECT_GE(host.yields, 3);
+}
+
+TEST_F(MsSqlTransfer, AsksForTheIdentityColumnInAnotherWayWhereTheProcedureIsRefused) {
+  AddTable("it's", {MakeColumn("n", DataType::Integer, false)});
+  source.Fail("sp_help", Failure(ado::hresult::kErrorsInCommand, 2812, "no procedure"));
+  source.Answer(
+      "select name from sys.columns where object_id = object_id('[it''s]') and "
+      "is_identity = 1",
+      {TextResult({"name"}, {{"n"}})});
+  Transfer({"it's"});
+  EXPECT_THAT(dest.log,
+              ElementsAre("Create Table `it's`(`n` INT NOT NULL primary key auto_increment)"));
+}
+
+TEST_F(MsSqlTransfer, AnEmptyListOpensAndClosesBothConnections) {
+  Transfer({});
+  EXPECT_THAT(events.events, ElementsAre("started 0 false", "ended"));
+  dest.connect_failure = Failure(-1, 2003, "x");
+  events.events.clear();
+  Transfer({"t"});
+  EXPECT_THAT(events.events, ElementsAre("started 1 false"));
+  EXPECT_EQ(host.connection_failures.size(), 1u);
+}
+
+TEST_F(MsSqlTransfer, MergeKeepsATableThatExistsAndOverwriteReportsIt) {
+  AddTable("t", {MakeColumn("c", DataType::Integer)});
+  source.indexes["t"] = {{"PK", true, true, {"c"}}};
+  dest.Fail("Create Table", Failure(ado::hresult::kErrorsInCommand, 1050, "exists"));
+  Transfer({"t"});
+  EXPECT_THAT(dest.Sent("ALTER"), IsEmpty());
+  EXPECT_THAT(events.events, ElementsAre("started 1 false", "table t", "succeeded t", "ended"));
+
+  events.events.clear();
+  src.SetConvertMode(convert_mode::kOverwrite);
+  Transfer({"t"});
+  EXPECT_THAT(events.events,
+              ElementsAre("started 1 false", "table t",
+                          "error 16 [Unexpected error] Error no. -2147217900 - exists", "failed t",
+                          "ended"));
+}
+
+TEST_F(MsSqlTransfer, SourceFailuresAreNotPutDownToTheDestination) {
+  AddTable("a", {MakeColumn("c", DataType::Integer)});
+  AddTable("b", {MakeColumn("c", DataType::Integer)});
+  src.SetConvertMode(convert_mode::kOverwrite);
+  dest.Fail("Create Table `a`", Failure(ado::hresult::kTimeout, 1205, "busy"));
+  Transfer({"a", "missing", "b"});
+  EXPECT_THAT(events.events,
+              ElementsAre("started 3 false", "table a",
+                          "error 16 [MySQL] Can not drop table a - Error no. -2147217871 - busy",
+                          "failed a", "table missing", "table b", "succeeded b", "ended"));
+  ASSERT_EQ(host.unclassified.size(), 1u);
+  EXPECT_TRUE(host.unclassified[0].starts_with(
+      "16 [Table Conversion] Failed to convert table missing 3265: "));
+}
+
+TEST_F(MsSqlTransfer, TheFirstRefusedIndexEndsTheTablesIndexes) {
+  src.SetReplaceSpaceWithUnderscore(true);
+  AddTable("my t", {MakeColumn("c", DataType::Integer)});
+  source.indexes["my t"] = {{"I 1", false, false, {"c"}}, {"I 2", false, false, {"c"}}};
+  dest.Fail("Create index", Failure(-5, 1170, "no length"));
+  Transfer({"my t"});
+  EXPECT_THAT(events.events,
+              ElementsAre("started 1 false", "table my t",
+                          "error 16 [Primary Key Constraint] Can not create Primary Key "
+                          "constraint I 1 for table my_t _ -5 _ no length",
+                          "succeeded my t", "ended"));
+  EXPECT_EQ(dest.Sent("Create index").size(), 1u);
+}
+
+struct RelationFailure {
+  std::int16_t mode;
+  ado::ProviderError error;
+  std::string event;  // empty: none
+  bool goes_on;
+};
+
+TEST_F(MsSqlTransfer, ReportsRefusedRelationships) {
+  constexpr auto kMerge = convert_mode::kMerge;
+  constexpr auto kOther = convert_mode::kOverwrite;
+  const std::int32_t refused = ado::hresult::kErrorsInCommand;
+  const std::string cannot =
+      "error 64 [Creating Relationship Error] Could not create relationship between table t and "
+      "table other. Error -2147217900";
+  const RelationFailure rows[] = {
+      {kMerge, Failure(refused, 1005, "(errno: 150)"), cannot, true},
+      {kMerge, Failure(refused, 3780, "incompatible"), cannot, true},
+      {kMerge, Failure(refused, 1005, "(errno: 121)"), "", true},
+      {kMerge, Failure(refused, 1826, "Duplicate key name"), "", true},
+      {kOther, Failure(refused, 1826, "Duplicate key name"),
+       "error 16 [Creating Relationship Error] Unexpected error -2147217900 - Duplicate key name",
+       false},
+      {kMerge, Failure(refused, 1064, "syntax"),
+       "error 16 [Creating Relationship Error] Unexpected error -2147217900 - syntax", false},
+      {kMerge,
+       {-3, "test", "run-time", {}},
+       "error 16 [Creating Relationship Error] Unexpected error -3 - run-time",
+       false},
+  };
+  AddTable("t", {MakeColumn("c", DataType::Integer)});
+  source.keys["t"] = {{"fk1", ado::KeyType::Foreign, "other", {}, {}, {{"c", "d"}}},
+                      {"fk2", ado::KeyType::Foreign, "other", {}, {}, {{"c", "d"}}}};
+  src.SetConvertRelationships(true);
+  for (const RelationFailure& row : rows) {
+    dest.log.clear();
+    events.events.clear();
+    src.SetConvertMode(row.mode);
+    dest.Fail("`fk1`", row.error, 1);
+    Transfer({"t"});
+    EXPECT_EQ(dest.Sent("ALTER TABLE").size(), row.goes_on ? 2u : 1u) << row.error.what();
+    if (row.event.empty()) {
+      EXPECT_THAT(events.Errors(), IsEmpty());
+    } else {
+      EXPECT_THAT(events.Errors(), ElementsAre(row.event));
+    }
+  }
+}
+
+TEST_F(MsSqlTransfer, AFailureBeforeATablesRelationshipsLetsTheNextTableTry) {
+  AddTable("t", {MakeColumn("c", DataType::Integer)});
+  source.keys_failure = Failure(-8, 5, "catalog broke");
+  src.SetConvertRelationships(true);
+  Transfer({"gone", "t"});
+  EXPECT_THAT(events.Of("relations"), ElementsAre("relations gone", "relations t"));
+  EXPECT_EQ(host.unclassified.size(), 2u);  // its conversion, its relationships
+  EXPECT_THAT(events.Errors(),
+              ElementsAre("error 16 [Creating Relationship Error] Unexpected error -8 - catalog "
+                          "broke"));
+}
+
+TEST_F(MsSqlTransfer, StopsBetweenTables) {
+  AddTable("a", {MakeColumn("c", DataType::Integer)});
+  AddTable("b", {MakeColumn("c", DataType::Integer)});
+  src.SetConvertRelationships(true);
+  host.polls_until_stop = 1;
+  Transfer({"a", "b"});
+  EXPECT_THAT(events.events, ElementsAre("started 2 true", "table a", "succeeded a", "ended"));
+}
+
+}  // namespace
+}  // namespace dorvane
