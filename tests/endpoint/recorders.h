@@ -77,9 +77,7 @@ class HostRecorder : public IRunHost {
     unclassified.push_back(fmt::format("{} [{}] {}", style, title, message));
   }
   void Yield() override { ++yields; }
-  bool IsStopping() const override {
-    return polls_until_stop >= 0 && polls_++ >= polls_until_stop;
-  }
+  bool IsStopping() const override { return polls_until_stop >= 0 && polls_++ >= polls_until_stop; }
 
  private:
   mutable int polls_ = 0;

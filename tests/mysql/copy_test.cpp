@@ -1,0 +1,170 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "mssql/mssql_database.h"
+#include "mysql/mysql_database.h"
+#include "tests/endpoint/transfer_rig.h"
+
+namespace dorvane {
+namespace {
+
+using ado::DataType;
+using test::Failure;
+using test::MakeColumn;
+using test::TextResult;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::int32_t kViolation = ado::hresult::kIntegrityViolation;
+
+using Row = std::vector<ado::Value>;
+
+/// A table "a t"(k, v) whose rows are copied.
+struct MySqlCopy : testing::Test, test::TransferRig<MySqlDatabase, MsSqlDatabase> {
+  MySqlCopy() {
+    source.tables = {{"a t", "TABLE"}};
+    src.SetCopyTableContent(true);
+    src.SetReplaceSpaceWithUnderscore(true);
+  }
+  void Rows(DataType type, const std::vector<Row>& rows, bool has_identity = false) {
+    source.columns["a t"] = {MakeColumn("the k", DataType::Integer), MakeColumn("v", type)};
+    source.Answer("show columns from `a t`",
+                  {TextResult({"Field", "Type", "Null", "Key", "Default", "Extra"},
+                              {{"the k", "", "NO", "", {}, has_identity ? "auto_increment" : ""},
+                               {"v", "", "YES", "", {}, ""}})});
+    source.Answer("select * from `a t`",
+                  {{{source.columns["a t"][0], source.columns["a t"][1]}, rows}});
+    source.Answer("select count(*) as Rows_No from `a t`",
+                  {TextResult({"Rows_No"}, {{source.Keep(std::to_string(rows.size()))}})});
+  }
+  static Row Numbered(std::int64_t key, ado::Value value) { return {key, value}; }
+  std::vector<std::string> RowStatements() {
+    dest.log.erase(dest.log.begin());  // the one that creates the table
+    return dest.log;
+  }
+};
+
+constexpr const char* kHead = "INSERT INTO [a_t] ([the k], [v]) ";
+
+TEST_F(MySqlCopy, RowByRowSendsOneInsertEach) {
+  src.SetCopyStrategy(CopyStrategy::RowByRow);
+  Rows(DataType::VarChar, {Numbered(1, std::string_view("It's")), Numbered(2, {})});
+  Transfer({"a t"});
+  EXPECT_THAT(RowStatements(), ElementsAre(std::string(kHead) + " VALUES(1, 'It''s')",
+                                           std::string(kHead) + " VALUES(2, NULL)"));
+  EXPECT_THAT(events.events, ElementsAre("started 1 false", "table a t", "content a t 2", "rows 2",
+                                         "succeeded a t", "ended"));
+}
+
+TEST_F(MySqlCopy, RowByRowSwitchesIdentityInsertAroundEachRow) {
+  src.SetCopyStrategy(CopyStrategy::RowByRow);
+  Rows(DataType::Double, {Numbered(1, 2.0)}, true);
+  Transfer({"a t"});
+  EXPECT_THAT(RowStatements(),
+              ElementsAre("set identity_insert [a_t] On;" + std::string(kHead) + " VALUES(1,  2.0)",
+                          "set identity_insert [a_t] Off;"));
+}
+
+TEST_F(MySqlCopy, BlocksJoinRowsOfOneKindInOneTransaction) {
+  Rows(DataType::VarWChar,
+       {Numbered(1, std::string_view("a")), Numbered(2, {}),
+        Numbered(3, std::string_view("\u4E16")), Numbered(4, std::string_view("b"))},
+       true);
+  Transfer({"a t"});
+  const std::string head(kHead);
+  EXPECT_THAT(RowStatements(),
+              ElementsAre("begin transaction;set identity_insert [a_t] On;" + head +
+                              " VALUES(1, 'a'),(2, NULL);" + head + " VALUES(3, N'\u4E16');" +
+                              head + " VALUES(4, 'b');set identity_insert [a_t] Off;",
+                          "commit transaction"));
+}
+
+TEST_F(MySqlCopy, ARefusedBlockLeavesTheSessionAsItWas) {
+  Rows(DataType::VarChar, {Numbered(1, std::string_view("a")), Numbered(2, std::string_view("b"))},
+       true);
+  dest.Fail("begin transaction", Failure(kViolation, 2627, "duplicate"));
+  dest.Fail("VALUES(1, 'a')", Failure(kViolation, 2627, "duplicate"));
+  Transfer({"a t"});
+  const auto sent = RowStatements();
+  ASSERT_EQ(sent.size(), 7u);
+  EXPECT_EQ(sent[1], "if @@trancount > 0 rollback transaction");
+  for (const std::size_t off : {2, 4, 6}) EXPECT_EQ(sent[off], "set identity_insert [a_t] Off;");
+  EXPECT_THAT(events.Of("rows"), ElementsAre("rows 2"));
+  EXPECT_THAT(events.Errors(), IsEmpty());
+}
+
+TEST_F(MySqlCopy, BatchesAndInsertsStayWithinBounds) {
+  std::vector<Row> rows;
+  const std::string_view text = source.Keep(std::string(5000, 'x'));
+  for (int i = 0; i < 300; ++i) rows.push_back(Numbered(i, text));
+  Rows(DataType::VarChar, rows);
+  Transfer({"a t"});
+  std::size_t longest = 0;
+  for (const std::string& sql : dest.log) longest = std::max(longest, sql.size());
+  EXPECT_LT(longest, 300'000u);
+  EXPECT_GT(dest.Sent("INSERT").size(), 3u);
+}
+
+TEST_F(MySqlCopy, OnlyMergeSkipsViolations) {
+  const std::string prefix =
+      "error 16 [MS SQL Server] Unexpected error while transfering data of table [a_t] - ";
+  struct Case {
+    std::int16_t mode;
+    ado::ProviderError error;
+    std::string event;  // empty: the row is left out
+  };
+  const Case cases[] = {
+      {convert_mode::kMerge, Failure(kViolation, 2627, "duplicate"), ""},
+      {convert_mode::kOverwrite, Failure(kViolation, 2627, "duplicate"),
+       prefix + "-2147217873 - duplicate"},
+      {convert_mode::kMerge, Failure(ado::hresult::kErrorsInCommand, 8152, "too long"),
+       prefix + "-2147217900 - too long"},
+      {convert_mode::kMerge, {-4, "test", "run-time", {}}, prefix + "-4 - run-time"},
+  };
+  for (const CopyStrategy strategy : {CopyStrategy::Blocks, CopyStrategy::RowByRow}) {
+    src.SetCopyStrategy(strategy);
+    for (const Case& each : cases) {
+      test::ScriptedServer& server = dest;
+      server.log.clear();
+      events.events.clear();
+      src.SetConvertMode(each.mode);
+      Rows(DataType::VarChar,
+           {Numbered(1, std::string_view("a")), Numbered(2, std::string_view("b")),
+            Numbered(3, std::string_view("c"))});
+      server.Fail("(2, 'b')", each.error, strategy == CopyStrategy::Blocks ? 2 : 1);
+      Transfer({"a t"});
+      if (each.event.empty()) {
+        EXPECT_THAT(events.Errors(), IsEmpty());
+        EXPECT_THAT(events.Of("rows"), ElementsAre("rows 3"));
+        EXPECT_EQ(server.Sent(std::string(kHead) + " VALUES(3, 'c')").size(), 1u);
+      } else {
+        EXPECT_THAT(events.Errors(), ElementsAre(each.event));
+        EXPECT_THAT(events.Of("rows"), ElementsAre("rows 1"));
+      }
+      EXPECT_THAT(events.Of("succeeded"), ElementsAre("succeeded a t"));
+    }
+  }
+}
+
+TEST_F(MySqlCopy, TablesThatWouldTellBlocksApartGetRows) {
+  Rows(DataType::VarChar, {Numbered(1, std::string_view("a")), Numbered(2, std::string_view("b"))});
+  dest.Fail("Create Table", Failure(ado::hresult::kErrorsInCommand, 2714, "exists"));
+  const std::string triggers =
+      "select count(*) from sys.triggers where parent_id = object_id('[a_t]')";
+  Transfer({"a t"});
+  EXPECT_EQ(dest.Sent("begin").size(), 1u);
+
+  dest.log.clear();
+  dest.Answer(triggers, {TextResult({""}, {{"1"}})});
+  Transfer({"a t"});
+  EXPECT_EQ(dest.Sent("begin").size(), 0u);
+
+  dest.log.clear();
+  dest.Answer(triggers, {TextResult({""}, {{"0"}})});
+  dest.keys["a_t"] = {{"fk", ado::KeyType::Foreign, "A_T", {}, {}, {}}};
+  Transfer({"a t"});
+  EXPECT_EQ(dest.Sent("begin").size(), 0u);
+}
+
+}  // namespace
+}  // namespace dorvane
