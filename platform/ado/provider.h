@@ -49,8 +49,8 @@ class TableWriter {
   virtual void Insert(const RowBlock& rows, std::size_t first, std::size_t count) = 0;
 };
 
-/// One logged-on connection of a client library. Calls must not overlap. Every operation throws
-/// ProviderError.
+/// One logged-on connection of a client library. Its readers and writers go before it does; calls
+/// must not overlap. Every operation throws ProviderError.
 class Session {
  public:
   virtual ~Session() = default;
@@ -65,6 +65,7 @@ class Session {
                                                   const std::vector<std::string>& columns) = 0;
   virtual void BeginTransaction() = 0;
   virtual void Commit() = 0;
+  /// Harmless on a connection that was lost: the server has rolled back by itself.
   virtual void Rollback() = 0;
 
   /// Catalog of the selected database. Names are exact; an unknown table has no columns.

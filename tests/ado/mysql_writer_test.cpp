@@ -227,6 +227,8 @@ TEST_P(MySqlWriterTest, AKilledSessionIsAnError) {
   Server().Query("kill " + Ask(writing_, "select connection_id()"));
   FillNumbers(11, 10);
   EXPECT_EQ(InsertAll(table).number, hresult::kFail);
+  EXPECT_EQ(FailureOf(writing_, [&] { writing_.RollbackTrans(); }), Failure{});
+  EXPECT_EQ(InsertAll(table).number, hresult::kFail);
   EXPECT_NE(FailureOf(writing_, [&] { writing_.CommitTrans(); }), Failure{});
   EXPECT_EQ(Dump("select count(*) from t"), "0\n");
 }

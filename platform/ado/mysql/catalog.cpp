@@ -168,11 +168,11 @@ std::vector<Key> ReadKeys(const ServerLink& link, const std::string& database,
       "and (t.constraint_type = 'FOREIGN KEY') = (k.referenced_table_name is not null) and {} "
       "left join information_schema.referential_constraints r "
       "on r.constraint_name = t.constraint_name and t.constraint_type = 'FOREIGN KEY' "
-      "and r.constraint_schema = {} and r.table_name = k.table_name "
+      "and r.constraint_schema = {} and r.table_name = {} "
       "where {} order by t.constraint_type = 'FOREIGN KEY', t.constraint_name <> 'PRIMARY', "
       "t.constraint_name, k.ordinal_position",
       IsTable(link, "k", database, table), Literal(link.client.get(), database),
-      IsTable(link, "t", database, table));
+      Literal(link.client.get(), table), IsTable(link, "t", database, table));
   std::vector<Key> keys;
   for (auto& row : Query(link.client.get(), sql)) {
     Key key{.name = row.at(0).value_or(""),

@@ -1,7 +1,11 @@
 #include "platform/ado/mysql/session.h"
 
 #include <mariadb/errmsg.h>
+#include <mariadb/mysqld_error.h>
 #include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
 
 #include "platform/ado/mysql/catalog.h"
 #include "platform/ado/mysql/errors.h"
@@ -9,6 +13,16 @@
 #include "platform/ado/mysql/writer.h"
 
 namespace dorvane::ado::mysql {
+
+namespace {
+
+bool IsLostConnection(const ProviderError& failure) {
+  constexpr std::array kNumbers = {CR_SERVER_GONE_ERROR, CR_SERVER_LOST, ER_CONNECTION_KILLED};
+  const std::int32_t number = failure.Entries().at(0).native_error;
+  return std::ranges::find(kNumbers, number) != kNumbers.end();
+}
+
+}  // namespace
 
 ClientSession::ClientSession(ConnectionSettings settings, BulkProtocol bulk)
     : settings_(std::move(settings)), bulk_(bulk), link_(LogOn(settings_)) {}
@@ -59,10 +73,14 @@ void ClientSession::Commit() {
 }
 
 void ClientSession::Rollback() {
-  // A transaction whose connection is gone was rolled back by the server.
-  const bool is_gone = abandoned_;
   in_transaction_ = false;
-  if (!is_gone) Run("rollback");
+  // A transaction whose connection is gone was rolled back by the server.
+  if (abandoned_) return;
+  try {
+    Run("rollback");
+  } catch (const ProviderError& failure) {
+    if (!IsLostConnection(failure)) throw;
+  }
 }
 
 std::vector<TableInfo> ClientSession::Tables() {
