@@ -52,5 +52,14 @@ TEST(ServerTypes, KeepPrecisionAndFraction) {
   EXPECT_EQ(Describe("time", -154, {16, 7}).numeric_scale, 7);
 }
 
+TEST(ServerTypes, FindTheFractionInTheSizeWhereTheCatalogGivesNoScale) {
+  EXPECT_EQ(Describe("datetime2", SQL_WVARCHAR, {27}).numeric_scale, 7);
+  EXPECT_EQ(Describe("datetime2", SQL_WVARCHAR, {21}).numeric_scale, 1);
+  EXPECT_EQ(Describe("datetime2", SQL_WVARCHAR, {19}).numeric_scale, 0);
+  EXPECT_EQ(Describe("time", SQL_WVARCHAR, {16}).numeric_scale, 7);
+  EXPECT_EQ(Describe("time", SQL_WVARCHAR, {8}).numeric_scale, 0);
+  EXPECT_EQ(Describe("date", SQL_WVARCHAR, {10}).type, DataType::DBDate);
+}
+
 }  // namespace
 }  // namespace dorvane::ado::odbc

@@ -46,7 +46,7 @@ Column ToColumn(const CatalogRow& row) {
       FindServerType(row.Text("TYPE_NAME"), static_cast<SQLSMALLINT>(row.Number("DATA_TYPE")));
   Column column;
   static_cast<FieldInfo&>(column) =
-      DescribeField(type, {row.Number("COLUMN_SIZE"), row.Number("DECIMAL_DIGITS")});
+      DescribeField(type, {row.Number("COLUMN_SIZE"), row.OptionalNumber("DECIMAL_DIGITS")});
   column.name = row.Text("COLUMN_NAME");
   if (type.is_fixed) column.attributes |= kColumnFixed;
   if (row.Number("NULLABLE") != SQL_NO_NULLS) column.attributes |= kColumnNullable;
@@ -68,16 +68,46 @@ Item& ItemOf(std::vector<Item>& items, const std::string& name, Begin begin) {
   return items.back();
 }
 
-RuleType ToRule(int rule) {
-  switch (rule) {
-    case SQL_CASCADE:
-      return RuleType::Cascade;
-    case SQL_SET_NULL:
-      return RuleType::SetNull;
-    case SQL_SET_DEFAULT:
-      return RuleType::SetDefault;
-    default:
-      return RuleType::None;
+RuleType ToRule(std::string_view words) {
+  struct Rule {
+    std::string_view words;
+    RuleType type;
+  };
+  static constexpr auto kRules = std::to_array<Rule>({{"CASCADE", RuleType::Cascade},
+                                                      {"SET NULL", RuleType::SetNull},
+                                                      {"SET DEFAULT", RuleType::SetDefault}});
+  for (const Rule& rule : kRules) {
+    if (rule.words == words) return rule.type;
+  }
+  return RuleType::None;
+}
+
+std::string Quoted(std::string_view text) {
+  std::string literal = "N'";
+  for (const char c : text) literal.append(c == '\'' ? 2 : 1, c);
+  return literal + "'";
+}
+
+/// The rules of the keys. The catalog function is no help: sp_fkeys tells only cascade from
+/// everything else.
+void ReadRules(const std::shared_ptr<Logon>& logon, const std::string& schema,
+               std::vector<Key>& keys) {
+  std::string names;
+  for (const Key& key : keys) names += (names.empty() ? "" : ", ") + Quoted(key.name);
+  std::u16string sql = ToUtf16(
+      "select CONSTRAINT_NAME, DELETE_RULE, UPDATE_RULE"
+      " from INFORMATION_SCHEMA.REFERENTIAL_CONSTRAINTS where CONSTRAINT_SCHEMA = " +
+      Quoted(schema) + " and CONSTRAINT_NAME in (" + names + ")");
+  const Rows rows = ReadCatalog(logon, [&](SQLHANDLE statement) {
+    return SQLExecDirectW(statement, Argument(sql), static_cast<SQLINTEGER>(sql.size()));
+  });
+  for (const CatalogRow& row : rows) {
+    const auto key = std::find_if(keys.begin(), keys.end(), [&](const Key& candidate) {
+      return candidate.name == row.Text("CONSTRAINT_NAME");
+    });
+    if (key == keys.end()) continue;
+    key->delete_rule = ToRule(row.Text("DELETE_RULE"));
+    key->update_rule = ToRule(row.Text("UPDATE_RULE"));
   }
 }
 
@@ -113,12 +143,11 @@ std::vector<Key> ForeignKeys(const std::shared_ptr<Logon>& logon, const std::str
       Key fresh;
       fresh.type = KeyType::Foreign;
       fresh.related_table = row.Text("PKTABLE_NAME");
-      fresh.delete_rule = ToRule(row.Number("DELETE_RULE"));
-      fresh.update_rule = ToRule(row.Number("UPDATE_RULE"));
       return fresh;
     });
     key.columns.push_back({row.Text("FKCOLUMN_NAME"), row.Text("PKCOLUMN_NAME")});
   }
+  if (!keys.empty()) ReadRules(logon, rows.front().Text("FKTABLE_SCHEM"), keys);
   return keys;
 }
 

@@ -46,17 +46,17 @@ std::string CatalogRow::Text(const std::string& name) const {
   return OptionalText(name).value_or(std::string());
 }
 
-int CatalogRow::Number(const std::string& name) const {
+std::optional<int> CatalogRow::OptionalNumber(const std::string& name) const {
   const std::string text = Text(name);
   int number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
+  const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (parsed.ec != std::errc()) return std::nullopt;
   return number;
 }
 
-std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon,
-                                    const std::function<SQLRETURN(SQLHANDLE)>& function) {
+std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const Executed& execute) {
   Statement statement = logon->NewStatement();
-  const SQLRETURN executed = function(statement.Get());
+  const SQLRETURN executed = execute(statement.Get());
   OdbcResultReader reader(logon, std::move(statement), executed);
   std::vector<std::string> names;
   for (const FieldInfo& field : reader.Fields()) names.push_back(CurrentName(field.name));

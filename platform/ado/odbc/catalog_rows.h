@@ -23,16 +23,20 @@ class CatalogRow {
   /// Empty for NULL and for a column that the driver does not have.
   std::string Text(const std::string& name) const;
   std::optional<std::string> OptionalText(const std::string& name) const;
+  std::optional<int> OptionalNumber(const std::string& name) const;
   /// 0 for NULL.
-  int Number(const std::string& name) const;
+  int Number(const std::string& name) const { return OptionalNumber(name).value_or(0); }
 
  private:
   std::map<std::string, std::string> values_;  // without the NULLs
 };
 
-/// Calls a catalog function on a fresh statement and reads all of its rows. Throws ProviderError.
-std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon,
-                                    const std::function<SQLRETURN(SQLHANDLE)>& function);
+/// What an execution on a statement handle returned.
+using Executed = std::function<SQLRETURN(SQLHANDLE)>;
+
+/// Calls a catalog function, or runs a query, on a fresh statement and reads all of its rows.
+/// Throws ProviderError.
+std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const Executed& execute);
 
 /// The rows of one table: of all rows those whose `name_column` is exactly `table`, of these the
 /// ones of a single schema, dbo's if it has any.

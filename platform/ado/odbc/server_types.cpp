@@ -97,6 +97,14 @@ bool IsAlwaysLong(const ServerType& type) {
   }
 }
 
+/// sp_columns gives no scale for the newer date and time types, only the size of their text:
+/// "hh:mm:ss" or "yyyy-mm-dd hh:mm:ss", then a point and the digits.
+int FractionDigits(const ServerType& type, const ColumnMeasures& measures) {
+  const int whole_size = type.transfer == Transfer::Time ? 8 : 19;
+  const int rest = static_cast<int>(measures.size) - whole_size - 1;
+  return measures.scale.value_or(std::max(rest, 0));
+}
+
 }  // namespace
 
 const ServerType& FindServerType(std::string_view type_name, SQLSMALLINT code) {
@@ -126,11 +134,11 @@ FieldInfo DescribeField(const ServerType& type, const ColumnMeasures& measures) 
   switch (type.transfer) {
     case Transfer::Decimal:
       field.precision = type.precision != 0 ? type.precision : static_cast<int>(measures.size);
-      field.numeric_scale = type.scale != 0 ? type.scale : measures.scale;
+      field.numeric_scale = type.scale != 0 ? type.scale : measures.scale.value_or(0);
       break;
     case Transfer::Time:
     case Transfer::Timestamp:
-      field.numeric_scale = measures.scale;
+      field.numeric_scale = FractionDigits(type, measures);
       break;
     case Transfer::TimestampOffset:
       field.defined_size = kOffsetTextSize;

@@ -3,6 +3,7 @@
 #include <sql.h>
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "platform/ado/types.h"
@@ -48,8 +49,8 @@ const ServerType& FindServerType(std::string_view type_name, SQLSMALLINT code);
 
 /// What the driver or the catalog says of a column.
 struct ColumnMeasures {
-  std::int64_t size = 0;  // characters, bytes or digits
-  int scale = 0;
+  std::int64_t size = 0;  // characters, bytes, digits, or characters of a time's text
+  std::optional<int> scale = std::nullopt;
 };
 
 /// Whether a column has no declared size of its own: its values are as long as they like.
