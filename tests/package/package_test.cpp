@@ -17,14 +17,15 @@ class PackageTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     folder_ = new TempFolder;
-    const Outcome made = Run({CPACK, "--config", std::string(BUILD_FOLDER) + "/CPackConfig.cmake",
-                              "-G", "DEB", "-B", folder_->Path().string()},
-                             std::chrono::minutes(10));
+    const Outcome made =
+        test::Run({CPACK, "--config", std::string(BUILD_FOLDER) + "/CPackConfig.cmake", "-G", "DEB",
+                   "-B", folder_->Path().string()},
+                  std::chrono::minutes(10));
     ASSERT_EQ(made.status, 0) << made.output;
     for (const auto& entry : std::filesystem::directory_iterator(folder_->Path())) {
       if (entry.path().extension() == ".deb") package_ = entry.path().string();
     }
-    const Outcome unpacked = Run({"dpkg-deb", "-x", package_, Root().string()});
+    const Outcome unpacked = test::Run({"dpkg-deb", "-x", package_, Root().string()});
     ASSERT_EQ(unpacked.status, 0) << unpacked.output;
   }
   static void TearDownTestSuite() {
@@ -35,7 +36,7 @@ class PackageTest : public ::testing::Test {
   static std::filesystem::path Root() { return *folder_ / "root"; }
   static std::string Program() { return Root() / "usr/bin/dorvane"; }
   static std::string Field(const std::string& name) {
-    return Run({"dpkg-deb", "-f", package_, name}).output;
+    return test::Run({"dpkg-deb", "-f", package_, name}).output;
   }
 
   static TempFolder* folder_;
@@ -57,14 +58,14 @@ TEST_F(PackageTest, NamesWhatItNeeds) {
 }
 
 TEST_F(PackageTest, HoldsNothingOfTheComputerThatBuiltIt) {
-  const Outcome listing = Run({"dpkg-deb", "-c", package_});
+  const Outcome listing = test::Run({"dpkg-deb", "-c", package_});
   EXPECT_THAT(listing.output, Not(HasSubstr(BUILD_FOLDER)));
   for (const auto& entry : std::filesystem::recursive_directory_iterator(Root())) {
     if (!entry.is_symlink()) continue;
     const auto target = std::filesystem::read_symlink(entry.path());
     EXPECT_TRUE(target.is_relative() && std::filesystem::exists(entry.path())) << entry.path();
   }
-  const Outcome dynamic = Run({"readelf", "-d", Root() / "usr/lib/dorvane/Dorvane"});
+  const Outcome dynamic = test::Run({"readelf", "-d", Root() / "usr/lib/dorvane/Dorvane"});
   EXPECT_THAT(dynamic.output, Not(HasSubstr("RUNPATH")));
 }
 
@@ -76,14 +77,14 @@ TEST_F(PackageTest, FindsItsOwnFolder) {
 }
 
 TEST_F(PackageTest, RunsBothWays) {
-  const Outcome help = Run({Program(), "--help"});
+  const Outcome help = test::Run({Program(), "--help"});
   EXPECT_EQ(help.status, 0) << help.output;
   EXPECT_THAT(help.output, HasSubstr("SETTINGS.dcs"));
-  EXPECT_THAT(Run({Program(), "--version"}).output, HasSubstr(VERSION));
+  EXPECT_THAT(test::Run({Program(), "--version"}).output, HasSubstr(VERSION));
 
-  EXPECT_EQ(Run({Program(), (*folder_ / "missing.dcs").string()}).status, 2);
+  EXPECT_EQ(test::Run({Program(), (*folder_ / "missing.dcs").string()}).status, 2);
   std::ofstream(*folder_ / "bad.dcs") << "3\r\n";
-  const Outcome bad = Run({Program(), (*folder_ / "bad.dcs").string()});
+  const Outcome bad = test::Run({Program(), (*folder_ / "bad.dcs").string()});
   EXPECT_EQ(bad.status, 2);
   EXPECT_THAT(bad.output, HasSubstr("Conversion Failed - unexpected conversion direction value."));
 
@@ -95,15 +96,16 @@ TEST_F(PackageTest, RunsBothWays) {
 
 TEST_F(PackageTest, ShowsUpOnTheDesktop) {
   const std::filesystem::path share = Root() / "usr/share";
-  const Outcome desktop = Run({"desktop-file-validate", share / "applications/dorvane.desktop"});
+  const Outcome desktop =
+      test::Run({"desktop-file-validate", share / "applications/dorvane.desktop"});
   EXPECT_EQ(desktop.status, 0) << desktop.output;
-  const Outcome metainfo = Run({"appstreamcli", "validate", "--no-net",
-                                share / "metainfo/org.dorvane.Dorvane.metainfo.xml"});
+  const Outcome metainfo = test::Run({"appstreamcli", "validate", "--no-net",
+                                      share / "metainfo/org.dorvane.Dorvane.metainfo.xml"});
   EXPECT_EQ(metainfo.status, 0) << metainfo.output;
   for (const char* icon : {"48x48/apps/dorvane.png", "scalable/apps/dorvane.svg"}) {
     EXPECT_TRUE(std::filesystem::exists(share / "icons/hicolor" / icon)) << icon;
   }
-  const Outcome page = Run({"zcat", share / "man/man1/dorvane.1.gz"});
+  const Outcome page = test::Run({"zcat", share / "man/man1/dorvane.1.gz"});
   EXPECT_THAT(page.output, HasSubstr("EXIT STATUS"));
 }
 
