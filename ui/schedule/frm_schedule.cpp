@@ -10,8 +10,8 @@
 #include "app/conversion_settings.h"
 #include "platform/run_time_error.h"
 #include "platform/text/number_text.h"
-#include "ui/controls/gradient_button.h"
 #include "ui/controls/make_child.h"
+#include "ui/schedule/dialog_button.h"
 #include "ui/schedule/task_settings_dialog.h"
 
 namespace dorvane {
@@ -34,12 +34,6 @@ std::string UnknownError(std::int32_t number, std::string_view description) {
   return fmt::format("Unknown error {} - {}", number, description);
 }
 
-GradientButton& AddButton(const char* name, QWidget& dialog, const QString& caption) {
-  auto& button = MakeNamed<GradientButton>(name, dialog);
-  button.SetCaption(caption);
-  return button;
-}
-
 }  // namespace
 
 frmSchedule::frmSchedule(const IDatabase& src, const IDatabase& dest, NameList tables,
@@ -54,9 +48,9 @@ frmSchedule::frmSchedule(const IDatabase& src, const IDatabase& dest, NameList t
   auto& layout = MakeChild<QGridLayout>(*static_cast<QWidget*>(this));
   txtTaskName_ = &AddField(layout, "txtTaskName", "Task name");
   txtLogFile_ = &AddField(layout, "txtLogFile", "Log file");
-  auto& cmdBrowse = AddButton("cmdBrowse", *this, "Browse");
-  auto& cmdSchedule = AddButton("cmdSchedule", *this, "Save and show task settings");
-  auto& cmdCancel = AddButton("cmdCancel", *this, "Close");
+  auto& cmdBrowse = AddDialogButton("cmdBrowse", *this, "Browse");
+  auto& cmdSchedule = AddDialogButton("cmdSchedule", *this, "Save and show task settings");
+  auto& cmdCancel = AddDialogButton("cmdCancel", *this, "Close");
   layout.addWidget(&cmdBrowse, 1, 2);
   layout.addWidget(&cmdSchedule, 2, 1, Qt::AlignRight);
   layout.addWidget(&cmdCancel, 2, 2);

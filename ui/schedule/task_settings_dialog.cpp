@@ -14,8 +14,8 @@
 
 #include "endpoint/events.h"
 #include "platform/run_time_error.h"
-#include "ui/controls/gradient_button.h"
 #include "ui/controls/make_child.h"
+#include "ui/schedule/dialog_button.h"
 
 namespace dorvane {
 
@@ -136,7 +136,7 @@ QWidget& TaskSettingsDialog::AddWeekDays() {
     // Qt counts from Monday 1 to Sunday 7.
     const QString caption =
         QLocale::c().dayName(day == 0 ? 7 : static_cast<int>(day), QLocale::ShortFormat);
-    chkDay_[day] = &MakeNamed<QCheckBox>("", *days_, caption);
+    chkDay_[day] = &MakeChild<QCheckBox>(*days_, caption);
     chkDay_[day]->setObjectName(QString("chkDay%1").arg(day));
     const bool ticked = task_.week_days.empty() ? day == today : task_.week_days.contains(day);
     chkDay_[day]->setChecked(ticked);
@@ -158,13 +158,11 @@ void TaskSettingsDialog::AddButtons(QVBoxLayout& layout) {
       {"cmdRunNow", "Run now", &TaskSettingsDialog::RunNow},
       {"cmdOK", "OK", &TaskSettingsDialog::Save}};
   for (const auto& [name, caption, action] : buttons) {
-    auto& button = MakeNamed<GradientButton>(name, self);
-    button.SetCaption(caption);
+    auto& button = AddDialogButton(name, self, caption);
     row->addWidget(&button);
     connect(&button, &QAbstractButton::clicked, this, action);
   }
-  auto& cmdCancel = MakeNamed<GradientButton>("cmdTaskCancel", self);
-  cmdCancel.SetCaption("Cancel");
+  auto& cmdCancel = AddDialogButton("cmdTaskCancel", self, "Cancel");
   row->addWidget(&cmdCancel);
   connect(&cmdCancel, &QAbstractButton::clicked, this, &QDialog::reject);
 }
