@@ -9,6 +9,7 @@
 #include <sstream>
 #include <thread>
 
+#include "platform/scheduler/child_process.h"
 #include "platform/scheduler/cron_scheduler.h"
 #include "tests/scheduler/tasks.h"
 #include "tests/support/process.h"
@@ -93,6 +94,13 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
   if (!cron.IsUp()) GTEST_SKIP() << "no private mounts here";
   // cron compares whole seconds: a crontab of the second that it started in would stay unseen.
   std::this_thread::sleep_for(milliseconds(1100));
+  const std::string own = "# mine\nMAILTO=\"\"\n\n5 4 * * 1\techo \\% done  \n";
+  const auto crontab = [&](const char* option, std::string_view input) {
+    std::vector<std::string> command = cron.CrontabCommand();
+    command.emplace_back(option);
+    return RunChildOrThrow(command, input);
+  };
+  crontab("-", own);
   CronScheduler scheduler(cron.CrontabCommand());
   const test::TempFolder folder;
   const std::filesystem::path job = folder / "100% it's a \"job\"";
@@ -101,6 +109,7 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
 
   const LocalMinute due = ComingMinute();
   const local_days today = floor<days>(due);
+  std::vector<std::string> saved;
   const auto save = [&](const std::string& name, Repetition repetition, days from_today,
                         bool enabled) {
     Task task = DailyTask(name);
@@ -113,6 +122,7 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
     const unsigned week_day = weekday(today).c_encoding();
     task.week_days = {name == "other day" ? (week_day + 1) % 7 : week_day};
     scheduler.Save(task);
+    saved.push_back(name);
   };
 
   std::vector<std::string> expected;
@@ -143,6 +153,7 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
   conversion.start_time = due - today;
   WriteSettings(folder / conversion.arguments, folder / "log.txt");
   scheduler.Save(conversion);
+  saved.push_back(conversion.name);
 #endif
 
   const auto limit = steady_clock::now() + minutes(3);
@@ -159,6 +170,8 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
 
   EXPECT_THAT(Lines(test::ReadFile(folder / "out")), UnorderedElementsAreArray(expected));
   EXPECT_FALSE(std::filesystem::exists(folder / "pwned"));
+  for (const std::string& name : saved) scheduler.Remove(name);
+  EXPECT_EQ(crontab("-l", ""), own);
 #ifdef DORVANE_PROGRAM
   const std::string log = test::ReadFile(folder / "log.txt");
   EXPECT_THAT(log, HasSubstr("############### Dorvane (New Conversion) #############\r\n"));
