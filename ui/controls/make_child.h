@@ -20,4 +20,12 @@ T& MakeNamed(const char* name, Parent& parent, Arguments&&... arguments) {
   return child;
 }
 
+/// Makes a layout inside another one, at the place that `where` gives (row and column of a grid).
+template <class T, class Layout, class... Where>
+T& MakeLayout(Layout& outer, Where... where) {
+  T& inner = *std::make_unique<T>().release();
+  outer.addLayout(&inner, where...);
+  return inner;
+}
+
 }  // namespace dorvane

@@ -165,8 +165,7 @@ void ConnectionPage::AddButtons() {
                                traits_.is_destination ? "Create New" : "Connect", 'C');
   disconnect_ = &theme::AddButton(names.disconnect, *this, "Disconnect", 'D');
   disconnect_->SetEnabled(false);
-  auto& row = MakeChild<QHBoxLayout>(static_cast<QWidget&>(*this));
-  Content().addLayout(&row);
+  auto& row = MakeLayout<QHBoxLayout>(Content());
   row.setSpacing(theme::kGap);
   row.addStretch();
   row.addWidget(connect_);

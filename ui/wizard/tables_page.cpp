@@ -48,8 +48,7 @@ void TablesPage::AddLists() {
   grid.setColumnStretch(2, 1);
   lstSrcTables_ = &AddList("lstSrcTables", "&Available tables:", area, grid, 0);
 
-  auto& buttons = MakeChild<QVBoxLayout>(static_cast<QWidget&>(*this));
-  grid.addLayout(&buttons, 1, 1);
+  auto& buttons = MakeLayout<QVBoxLayout>(grid, 1, 1);
   buttons.setSpacing(8);
   struct MoveButton {
     const char* name;

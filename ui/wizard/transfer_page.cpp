@@ -40,8 +40,7 @@ void TransferPage::AddButtons() {
   cmdTransferTables_ = &theme::AddButton("cmdTransferTables", *this, "Transfer Tables Now", 'T');
   cmdSchedule_ = &theme::AddButton("cmdSchedule", *this, "Schedule Conversion", 'S');
   cmdSchedule_->SetEnabled(false);
-  auto& row = MakeChild<QHBoxLayout>(static_cast<QWidget&>(*this));
-  Content().addLayout(&row);
+  auto& row = MakeLayout<QHBoxLayout>(Content());
   row.setSpacing(theme::kGap);
   row.addWidget(cmdTransferTables_);
   row.addWidget(cmdSchedule_);
@@ -76,6 +75,9 @@ void TransferPage::AddLists() {
   const auto add = [&](const char* name, const char* caption, int column) {
     auto& label = MakeChild<QLabel>(area, caption);
     auto& list = MakeNamed<NameListView>(name, area);
+    // Names come and go one by one here: the visible ones are laid out first, the rest when there
+    // is time.
+    list.setLayoutMode(QListView::Batched);
     label.setBuddy(&list);
     grid.addWidget(&label, 0, column);
     grid.addWidget(&list, 1, column);

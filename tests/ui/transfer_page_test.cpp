@@ -1,0 +1,208 @@
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QProgressBar>
+#include <thread>
+
+#include "tests/ui/print_qt.h"
+#include "tests/ui/wizard_driver.h"
+
+namespace dorvane::test {
+namespace {
+
+using Boxes = std::vector<SeenBox>;
+
+class TransferPages : public testing::Test {
+ protected:
+  void GoToTransfer() {
+    driver_.Next();
+    driver_.Click("cmdSrcConnect");
+    driver_.Next();
+    driver_.Click("cmdDestConnect");
+    driver_.Next();
+    driver_.Click("cmdMLR");
+    driver_.Next();
+    ASSERT_EQ(driver_.Window().CurrentPage(), page::kTransfer);
+  }
+  QProgressBar& Bar(const char* name) { return driver_.Get<QProgressBar>(name); }
+
+  Script script_;
+  WizardDriver driver_{script_};
+};
+
+TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
+  script_.transfer = [](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), true);
+    listener.TableConversionStarted(tables[0]);
+    listener.TableContentTransferStarted(tables[0], 3);
+    for (int i = 0; i < 3; ++i) listener.TableRecordConverted();
+    listener.TableConversionSuccessed(tables[0]);
+    listener.TableConversionStarted(tables[1]);
+    listener.ErrorOccured("it was refused", message_style::kError, "Table Conversion");
+    listener.TableConversionFailed(tables[1]);
+    listener.TableRelationsConversionStarted(tables[0]);
+    listener.TableRelationsConversionStarted(tables[1]);
+    listener.ConversionEnded();
+  };
+  GoToTransfer();
+  EXPECT_EQ(driver_.LabelText("lblStatus"), "- - - - -");
+  std::vector<QString> states;
+  driver_.on_box = [&](QWidget&) {
+    states.push_back(driver_.LabelText("lblStatus") + " " +
+                     QString::number(Bar("pbTablesProgress").value()));
+    for (const char* button :
+         {"cmdTransferTables", "cmdSchedule", "cmdNav2", "cmdNav3", "cmdNav4"}) {
+      EXPECT_FALSE(driver_.IsEnabled(button)) << button;
+    }
+    EXPECT_TRUE(driver_.IsEnabled("cmdNav1"));
+  };
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(states, (std::vector<QString>{"Converting table 'Orders' ..... 1", "Done... 4"}));
+  const Boxes boxes = driver_.TakeBoxes();
+  ASSERT_EQ(boxes.size(), 2u);
+  EXPECT_EQ(boxes[0], (SeenBox{"Table Conversion", "it was refused"}));
+  EXPECT_EQ(boxes[1].title, "Dorvane");
+  EXPECT_TRUE(
+      boxes[1].text.startsWith("Transfer Complete!\r\nNo. of converted tables: 1\r\n"
+                               "No. of Failed tables: 1\r\nElapsed time: 00:00:0"))
+      << boxes[1];
+  EXPECT_EQ(Bar("pbTablesProgress").maximum(), 4);
+  EXPECT_EQ(driver_.Names("lstConvertedTables"), NameList{"Customers"});
+  EXPECT_EQ(driver_.Names("lstSelectedTables"), NameList{"Orders"});
+  EXPECT_EQ(driver_.LabelText("lblStatus"), "Conversion Completed.");
+  EXPECT_FALSE(driver_.IsEnabled("cmdNav1"));
+  EXPECT_TRUE(driver_.IsEnabled("cmdNav4"));
+  EXPECT_FALSE(driver_.IsEnabled("cmdTransferTables"));
+  driver_.Click("cmdSchedule");
+  EXPECT_EQ(driver_.scheduled, (NameList{"Customers", "Orders"}));
+}
+
+TEST_F(TransferPages, RowsAreShownInOrderWithTheOtherEvents) {
+  std::vector<int> values;
+  script_.transfer = [&](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(2, false);
+    for (const std::string& table : tables) {
+      listener.TableConversionStarted(table);
+      listener.TableContentTransferStarted(table, 50'000);
+      for (int i = 0; i < 50'007; ++i) listener.TableRecordConverted();
+      // Every row before this event is on the bar when the event is seen.
+      listener.ErrorOccured("look", 0, "");
+    }
+    listener.TableConversionStarted("x");
+    listener.ErrorOccured("look", 0, "");
+  };
+  GoToTransfer();
+  driver_.on_box = [&](QWidget&) { values.push_back(Bar("pbRecordsProgress").value()); };
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(values, (std::vector<int>{50'000, 50'000, 0}));
+}
+
+TEST_F(TransferPages, ATransferThatNeverConnectsKeepsItsState) {
+  script_.transfer = [this](IConversionListener& listener, const NameList&) {
+    listener.ConversionStarted(2, false);
+    script_.host->ConnectionFailed({"no server", "log", "MySQL Server"});
+  };
+  GoToTransfer();
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(driver_.TakeBoxes(), (Boxes{{"MySQL Server", "no server"}}));
+  EXPECT_FALSE(driver_.IsEnabled("cmdSchedule"));
+  EXPECT_FALSE(driver_.IsEnabled("cmdNav4"));
+  EXPECT_TRUE(driver_.IsEnabled("cmdNav1"));
+  EXPECT_EQ(driver_.LabelText("lblStatus"), "Initializing the conversion.......");
+  driver_.Click("cmdNav1");
+  EXPECT_TRUE(driver_.closed);
+}
+
+TEST_F(TransferPages, AnEscapedFailureIsTold) {
+  script_.transfer = [](IConversionListener&, const NameList&) {
+    throw RunTimeError(-2147217900, "x", "went wrong");
+  };
+  GoToTransfer();
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(driver_.TakeBoxes(),
+            (Boxes{{"Dorvane", "Unexpected error no. -2147217900 _ went wrong"}}));
+}
+
+TEST_F(TransferPages, ClosingTheWindowStopsTheTransferFirst) {
+  bool ended = false;
+  script_.transfer = [&](IConversionListener& listener, const NameList&) {
+    listener.ConversionStarted(2, false);
+    listener.TableContentTransferStarted("Customers", 1'000'000);
+    for (int i = 0; i < 2'000 && !script_.host->IsStopping(); ++i) {
+      listener.TableRecordConverted();
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    EXPECT_TRUE(script_.host->IsStopping());
+    EXPECT_FALSE(driver_.closed) << "the connections are still open";
+    listener.ConversionEnded();
+    ended = true;
+  };
+  GoToTransfer();
+  QTimer::singleShot(100, &driver_.Window(), [&] { EXPECT_FALSE(driver_.Window().close()); });
+  driver_.Click("cmdTransferTables");
+  EXPECT_TRUE(ended);
+  EXPECT_TRUE(driver_.closed);
+  EXPECT_TRUE(driver_.TakeBoxes().empty()) << "no summary for who has left";
+}
+
+TEST_F(TransferPages, CancelDuringATransferAsksWhileItGoesOn) {
+  std::atomic<bool> asked = false;
+  script_.transfer = [&](IConversionListener& listener, const NameList&) {
+    listener.ConversionStarted(2, false);
+    for (int i = 0; i < 2'000 && !script_.host->IsStopping(); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    listener.ConversionEnded();
+  };
+  GoToTransfer();
+  driver_.on_box = [&](QWidget&) { asked = true; };
+  QTimer::singleShot(50, &driver_.Window(), [&] { driver_.Click("cmdNav1"); });
+  driver_.Click("cmdTransferTables");
+  EXPECT_TRUE(asked);
+  EXPECT_TRUE(driver_.closed);
+}
+
+// The window's own timer keeps ticking while rows pour in: nothing waits for the copying thread.
+TEST_F(TransferPages, TheWindowStaysAliveWhileRowsPourIn) {
+  script_.transfer = [](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(1, false);
+    listener.TableContentTransferStarted(tables[0], 1 << 30);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
+    while (std::chrono::steady_clock::now() < end) listener.TableRecordConverted();
+  };
+  GoToTransfer();
+  int ticks = 0;
+  int first_value = 0;
+  QTimer timer;
+  QObject::connect(&timer, &QTimer::timeout, [&] {
+    if (++ticks == 3) first_value = Bar("pbRecordsProgress").value();
+  });
+  timer.start(20);
+  driver_.Click("cmdTransferTables");
+  EXPECT_GE(ticks, 5);
+  EXPECT_GT(first_value, 0) << "the bar moves before the transfer ends";
+  EXPECT_GT(Bar("pbRecordsProgress").value(), first_value);
+}
+
+TEST_F(TransferPages, TenThousandTablesStayQuick) {
+  script_.tables = [] {
+    NameList names;
+    for (int i = 0; i < 10'000; ++i) names.push_back("table " + std::to_string(i));
+    return names;
+  };
+  script_.transfer = [](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
+    for (const std::string& table : tables) {
+      listener.TableConversionStarted(table);
+      listener.TableConversionSuccessed(table);
+    }
+    listener.ConversionEnded();
+  };
+  GoToTransfer();
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(driver_.Names("lstConvertedTables").size(), 10'000u);
+  EXPECT_TRUE(driver_.Names("lstSelectedTables").empty());
+}
+
+}  // namespace
+}  // namespace dorvane::test

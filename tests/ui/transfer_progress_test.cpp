@@ -1,0 +1,76 @@
+#include "ui/wizard/transfer_progress.h"
+
+#include <gtest/gtest.h>
+
+namespace dorvane {
+namespace {
+
+using std::chrono::hours;
+using std::chrono::minutes;
+using std::chrono::seconds;
+using Bar = TransferProgress::Bar;
+
+class Progress : public testing::Test {
+ protected:
+  TransferProgress::Clock::time_point now_{};
+  TransferProgress progress_{[this] { return now_; }};
+};
+
+TEST_F(Progress, FourTablesWithRelationshipsTakeEightSteps) {
+  EXPECT_EQ(progress_.Status(), "- - - - -");
+  progress_.ConversionStarted(4, true);
+  EXPECT_EQ(progress_.Status(), "Initializing the conversion.......");
+  EXPECT_EQ(progress_.Tables(), (Bar{0, 8}));
+  for (int i = 0; i < 4; ++i) {
+    progress_.TableConversionStarted("t");
+    progress_.TableEnded();
+  }
+  EXPECT_EQ(progress_.Status(), "Converting table 't' .....");
+  for (int i = 0; i < 4; ++i) progress_.TableRelationsConversionStarted("t");
+  EXPECT_EQ(progress_.Status(), "Converting relationships for table 't' ......");
+  EXPECT_EQ(progress_.Tables(), (Bar{8, 8}));
+  progress_.ConversionEnded();
+  EXPECT_EQ(progress_.Status(), "Done...");
+  progress_.SummaryShown();
+  EXPECT_EQ(progress_.Status(), "Conversion Completed.");
+}
+
+TEST_F(Progress, RecordBarFollowsTheRowsAndStaysWithinItsMaximum) {
+  progress_.ConversionStarted(1, false);
+  progress_.TableContentTransferStarted(0);
+  EXPECT_EQ(progress_.Records(), (Bar{1, 1})) << "an empty table is full at once";
+  progress_.TableContentTransferStarted(100);
+  EXPECT_EQ(progress_.Records(), (Bar{0, 100}));
+  progress_.RecordsConverted(99);
+  EXPECT_EQ(progress_.Records(), (Bar{99, 100}));
+  progress_.RecordsConverted(3'000'000'000);
+  EXPECT_EQ(progress_.Records(), (Bar{100, 100}));
+  progress_.TableConversionStarted("next");
+  EXPECT_EQ(progress_.Records().value, 0);
+}
+
+TEST_F(Progress, RowsLineTellsRateAndTimeLeftWhileRowsAreCopied) {
+  progress_.ConversionStarted(1, false);
+  EXPECT_EQ(progress_.RowsText(), "");
+  progress_.TableContentTransferStarted(10'000);
+  now_ += seconds(2);
+  progress_.RecordsConverted(2'000);
+  EXPECT_EQ(progress_.RowsText(), "2,000 of 10,000 rows, 1,000 rows/s, 0:08 left");
+  progress_.TableConversionStarted("next");
+  EXPECT_EQ(progress_.RowsText(), "");
+}
+
+TEST_F(Progress, SummaryCountsAndTellsTheElapsedTime) {
+  progress_.ConversionStarted(2, false);
+  now_ += minutes(1) + seconds(5);
+  progress_.ConversionEnded();
+  now_ += hours(1);
+  EXPECT_EQ(progress_.Summary(1, 1),
+            "Transfer Complete!\r\nNo. of converted tables: 1\r\nNo. of Failed tables: 1\r\n"
+            "Elapsed time: 00:01:05");
+  EXPECT_EQ(ElapsedText(hours(25)), "01:00:00");
+  EXPECT_EQ(ElapsedText(hours(23) + minutes(59) + seconds(59)), "23:59:59");
+}
+
+}  // namespace
+}  // namespace dorvane
