@@ -185,6 +185,21 @@ TEST_F(ServerTest, TransactionsAreKeptOrTakenBack) {
   EXPECT_NO_THROW(session_->Rollback());  // when the server has ended the transaction itself
 }
 
+TEST(ServerLoss, FailsStatementsButNotTheRollback) {
+  test::SandboxServer server({"shop"});
+  ConnectionSettings settings;
+  settings.server = "127.0.0.1";
+  settings.port = server.Port();
+  settings.user_id = "sa";
+  settings.password = server.Password();
+  const auto session = OdbcProvider().Connect(settings);
+  session->BeginTransaction();
+  server.Kill();
+  EXPECT_NO_THROW(session->Rollback());
+  EXPECT_THROW(session->Execute("select 1"), ProviderError);
+  EXPECT_FALSE(session->IsStreaming());
+}
+
 TEST_F(ServerTest, QuestionMarksAndBracesAreNoSyntax) {
   EXPECT_THAT(Rows("select '?' as a, '{d x}' as b, N'{call ?}' as c -- ? {"),
               ElementsAre(ElementsAre("?", "{d x}", "{call ?}")));

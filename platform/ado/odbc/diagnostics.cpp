@@ -70,10 +70,11 @@ bool IsMissingDriver(const Diagnostic& record) {
          (record.sql_state.starts_with("01") && record.message.starts_with("Can't open lib"));
 }
 
-/// FreeTDS client messages that tell a conversation that was begun or tried from one that ended
-/// before it: unexpected end, unavailable server, unknown host.
+/// FreeTDS's own messages of a way to the server that ended early: a timeout, a failed read or
+/// write, an unavailable server, an unknown host, an unexpected end.
 bool IsFromTheWire(const Diagnostic& record) {
-  static constexpr std::array<std::int32_t, 5> kNumbers = {20003, 20004, 20009, 20013, 20017};
+  static constexpr std::array<std::int32_t, 6> kNumbers = {20003, 20004, 20006,
+                                                           20009, 20013, 20017};
   return record.sql_state.starts_with("HYT") ||
          std::find(kNumbers.begin(), kNumbers.end(), record.native_error) != kNumbers.end();
 }
@@ -111,6 +112,12 @@ const Diagnostic* DecidingRecord(const Diagnostics& records) {
   return other != nullptr ? other : Find(records, IsFromServer);
 }
 
+std::string JoinedMessages(const Diagnostics& records) {
+  std::string text;
+  for (const Diagnostic& record : records) text += (text.empty() ? "" : ". ") + record.message;
+  return text;
+}
+
 Diagnostic LogonCause(const Diagnostics& records, bool integrated_security) {
   if (const Diagnostic* record = DecidingRecord(records)) return *record;
   if (integrated_security && Find(records, IsFromTheWire) == nullptr) {
@@ -119,12 +126,9 @@ Diagnostic LogonCause(const Diagnostics& records, bool integrated_security) {
         "Login failed. There is no Kerberos ticket for a trusted connection to this server, or the "
         "server does not take it."};
   }
-  if (const Diagnostic* record = Find(records, IsUnreachable)) {
-    std::string text = "SQL Server does not exist or access denied. " + record->message;
-    for (const Diagnostic& more : records) {
-      if (&more != record) text += ". " + more.message;
-    }
-    return {"08001", kServerNotFound, text};
+  if (Find(records, IsUnreachable) != nullptr) {
+    return {"08001", kServerNotFound,
+            "SQL Server does not exist or access denied. " + JoinedMessages(records)};
   }
   return records.empty() ? Diagnostic{"HY000", 0, "The driver gave no reason."} : records.front();
 }
@@ -188,6 +192,11 @@ ProviderError StatementError(const Diagnostics& records) {
   }
   const Error first = entries.front();
   return {first.number, std::string(kSource), first.description, std::move(entries)};
+}
+
+ProviderError LostConnectionError(const Diagnostics& records) {
+  const std::string text = "The connection to SQL Server was lost. " + JoinedMessages(records);
+  return {hresult::kFail, std::string(kSource), text, {{hresult::kFail, 0, text, "08S01"}}};
 }
 
 ProviderError LogonError(const Diagnostics& records, bool integrated_security) {

@@ -35,6 +35,9 @@ std::int32_t StatementHresult(std::string_view sql_state, std::int32_t native_er
 /// out, unless there is nothing else.
 ProviderError StatementError(const Diagnostics& records);
 
+/// A statement that failed because its connection is gone; drivers call that many things.
+ProviderError LostConnectionError(const Diagnostics& records);
+
 /// A failed logon: a summary entry first and what the server said second. Whatever keeps the server
 /// from being reached has native error 17; a trusted logon that got no further than this machine
 /// (no ticket) has 18452. A driver that cannot be loaded is kProviderNotFound.

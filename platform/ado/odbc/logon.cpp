@@ -41,4 +41,10 @@ Statement Logon::NewStatement() const {
   return statement;
 }
 
+bool Logon::IsLost() const {
+  SQLUINTEGER state = SQL_CD_FALSE;
+  SQLGetConnectAttrW(connection_.Get(), SQL_ATTR_CONNECTION_DEAD, &state, 0, nullptr);
+  return state == SQL_CD_TRUE;
+}
+
 }  // namespace dorvane::ado::odbc

@@ -21,6 +21,9 @@ class Logon {
   /// A statement whose text is passed to the server as it stands. Throws ProviderError.
   Statement NewStatement() const;
 
+  /// True when the driver has found the connection broken.
+  bool IsLost() const;
+
   /// True while a reader has results left on the wire, which keep other statements from running.
   bool IsStreaming() const { return is_streaming_; }
   void SetStreaming(bool is_streaming) { is_streaming_ = is_streaming; }

@@ -47,7 +47,13 @@ class OdbcSession : public Session {
   // believing in a transaction that is gone.
   void BeginTransaction() override { Execute("BEGIN TRANSACTION"); }
   void Commit() override { Execute("COMMIT TRANSACTION"); }
-  void Rollback() override { Execute("IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION"); }
+  void Rollback() override {
+    try {
+      Execute("IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION");
+    } catch (const ProviderError&) {
+      if (!logon_->IsLost()) throw;  // else the server has rolled back by itself
+    }
+  }
 
   std::vector<TableInfo> Tables() override { return ReadTables(logon_); }
   std::vector<Column> Columns(const std::string& table) override {

@@ -207,7 +207,8 @@ void OdbcResultReader::Finish() {
 void OdbcResultReader::Check(SQLRETURN result) const {
   if (result == SQL_SUCCESS) return;
   const Diagnostics records = ReadDiagnostics(SQL_HANDLE_STMT, statement_.Get());
-  if (!SQL_SUCCEEDED(result) || HasError(records)) throw StatementError(records);
+  if (SQL_SUCCEEDED(result) && !HasError(records)) return;
+  throw logon_->IsLost() ? LostConnectionError(records) : StatementError(records);
 }
 
 }  // namespace dorvane::ado::odbc
