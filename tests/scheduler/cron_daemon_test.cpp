@@ -6,7 +6,6 @@
 #include <ctime>
 #include <fstream>
 #include <optional>
-#include <sstream>
 #include <thread>
 
 #include "platform/scheduler/child_process.h"
@@ -21,13 +20,6 @@ namespace {
 using namespace std::chrono;
 using ::testing::HasSubstr;
 using ::testing::UnorderedElementsAreArray;
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
 
 /// A cron daemon that sees a spool of its own and none of the computer's jobs.
 class PrivateCron {

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "platform/run_time_error.h"
+#include "tests/scheduler/file_crontab.h"
 #include "tests/scheduler/tasks.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
@@ -20,21 +21,12 @@ using ::testing::HasSubstr;
 /// A crontab command that keeps the crontab in a file.
 class CronSchedulerTest : public ::testing::Test {
  protected:
-  CronSchedulerTest() {
-    const std::string tab = "'" + tab_.string() + "'";
-    std::ofstream(folder_ / "crontab")
-        << "#!/bin/sh\ncase $1 in\n"
-        << "-l) test -e " << tab << " || { echo no crontab for me >&2; exit 1; }; cat " << tab
-        << ";;\n-) cat > " << tab << ";;\n-r) rm " << tab << ";;\nesac\n";
-    chmod((folder_ / "crontab").c_str(), 0755);
-  }
-
   void WriteTab(const std::string& text) { std::ofstream(tab_, std::ios::binary) << text; }
   std::string Tab() const { return test::ReadFile(tab_); }
 
   test::TempFolder folder_;
   const std::filesystem::path tab_ = folder_ / "tab";
-  CronScheduler scheduler_{{(folder_ / "crontab").string()}};
+  CronScheduler scheduler_{MakeFileCrontab(folder_.Path())};
 };
 
 TEST_F(CronSchedulerTest, LeavesTheRestOfTheCrontabToTheByte) {

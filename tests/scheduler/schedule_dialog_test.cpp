@@ -20,6 +20,7 @@
 #include "platform/run_time_error.h"
 #include "platform/scheduler/cron_scheduler.h"
 #include "tests/app/plain_endpoint.h"
+#include "tests/scheduler/file_crontab.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 #include "ui/schedule/frm_schedule.h"
@@ -40,12 +41,6 @@ std::string Text(const QString& text) {
 class ScheduleDialogTest : public ::testing::Test {
  protected:
   ScheduleDialogTest() {
-    const std::string tab = "'" + (folder_ / "tab").string() + "'";
-    std::ofstream(folder_ / "crontab")
-        << "#!/bin/sh\ncase $1 in\n"
-        << "-l) test -e " << tab << " || { echo no crontab for me >&2; exit 1; }; cat " << tab
-        << ";;\n-) cat > " << tab << ";;\n-r) rm " << tab << ";;\nesac\n";
-    chmod((folder_ / "crontab").c_str(), 0755);
     std::filesystem::create_directory(program_folder_);
     src_.SetServer("sqlhost");
     src_.SetPortNo(1433);
@@ -97,7 +92,7 @@ class ScheduleDialogTest : public ::testing::Test {
   }
 
   test::TempFolder folder_;
-  const std::vector<std::string> cron_{(folder_ / "crontab").string()};
+  const std::vector<std::string> cron_ = scheduler::MakeFileCrontab(folder_.Path());
   const std::filesystem::path program_folder_ = folder_ / "program";
   test::PlainEndpoint src_{ServerKind::MsSql};
   test::PlainEndpoint dest_{ServerKind::MySql};

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <sstream>
 
 #include "platform/run_time_error.h"
 #include "platform/scheduler/task_fields.h"
@@ -21,13 +20,6 @@ using namespace std::chrono;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
 
 /// A unit folder of its own, and a systemctl that writes down what it is told.
 class SystemdSchedulerTest : public ::testing::Test {

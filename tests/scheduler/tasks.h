@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,13 @@ inline std::vector<std::string> HostileNames() {
           "[X-Dorvane]",
           "# END Dorvane task \"nightly\"",
           std::string(200, 'n')};
+}
+
+inline std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
 }
 
 inline Task DailyTask(const std::string& name) {
