@@ -56,6 +56,16 @@ std::string Lower(std::string text) {
   return text;
 }
 
+/// Parameters by these names whose values are still to come.
+std::vector<Parameter> Placeholders(const std::vector<std::string>& names) {
+  constexpr int kLongestShort = 4000;
+  std::vector<Parameter> parameters;
+  for (const std::string& name : names) {
+    parameters.push_back({.name = name, .type = {SqlType::NVarChar, kLongestShort}, .value = {}});
+  }
+  return parameters;
+}
+
 }  // namespace
 
 const std::map<std::string, Procedures::Handler, std::less<>>& Procedures::Handlers() {
@@ -93,7 +103,7 @@ void Procedures::ExecuteSql(Call call) {
 // sp_prepare handle output, declarations, statement, options
 void Procedures::Prepare(Call call) {
   Prepared prepared{TextAt(call.parameters, 2), DeclaredParameterNames(TextAt(call.parameters, 1))};
-  auto columns = call.session.Describe(prepared.statement, {});
+  auto columns = call.session.Describe(prepared.statement, Placeholders(prepared.parameter_names));
   if (!columns.empty()) {
     call.results.Columns(columns);
     call.results.Done(std::nullopt);

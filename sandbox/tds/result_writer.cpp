@@ -14,6 +14,13 @@ std::string_view DescriptorBytes(const std::uint64_t& id) {
   return {reinterpret_cast<const char*>(&id), sizeof id};
 }
 
+ServerMessage Mismatch(const std::string& what) {
+  return {.number = 8630,
+          .severity = 17,
+          .text = "Internal Query Processor Error: " + what + ".",
+          .procedure = {}};
+}
+
 }  // namespace
 
 ResultWriter::ResultWriter(ClientSession& client, Request request)
@@ -83,10 +90,7 @@ void ResultWriter::Row(std::span<const Value> values) {
     for (std::size_t i = 0; i < values.size(); ++i) encoders_[i].Write(out_, values[i]);
   } catch (const std::bad_variant_access&) {
     out_.bytes().resize(start);
-    Message({.number = 8630,
-             .severity = 17,
-             .text = "Internal Query Processor Error: a value does not match its column's type.",
-             .procedure = {}});
+    Message(Mismatch("a value does not match its column's type"));
     result_open_ = false;
   }
   Flush();
@@ -158,6 +162,7 @@ void ResultWriter::OutputParameter(std::uint16_t ordinal, const Parameter& param
     ValueEncoder(type).Write(out_, parameter.value);
   } catch (const std::bad_variant_access&) {
     out_.bytes().resize(start);
+    Message(Mismatch("an output parameter does not match its type"));
   }
 }
 

@@ -8,7 +8,7 @@
 namespace sandbox::tds {
 namespace {
 
-constexpr int kFirstErrorSeverity = 11;
+constexpr int kInformation = 10;
 
 /// Starts a token with a 16-bit length, which its end fills in.
 class SizedToken {
@@ -52,10 +52,11 @@ void WriteText(ByteWriter& out, std::string_view utf8) {
 }
 
 void WriteMessage(ByteWriter& out, ProtocolVersion version, const ServerMessage& message) {
-  SizedToken token(out, message.severity >= kFirstErrorSeverity ? Token::Error : Token::Info);
+  SizedToken token(out, message.severity > kInformation ? Token::Error : Token::Info);
   out.Write(message.number);
   out.U8(static_cast<std::uint8_t>(message.state));
-  out.U8(static_cast<std::uint8_t>(message.severity));
+  // Severity 10 reaches clients as 0.
+  out.U8(static_cast<std::uint8_t>(message.severity == kInformation ? 0 : message.severity));
   WriteText(out, message.text);
   WriteShortText(out, kServerName);
   WriteShortText(out, message.procedure);

@@ -13,6 +13,7 @@ namespace {
 constexpr std::uint64_t kPartialNull = ~std::uint64_t{0};
 constexpr std::uint16_t kShortNull = 0xFFFF;
 constexpr int kMoneyScale = 4;
+constexpr int kFullScale = 7;
 constexpr std::size_t kDateSize = 3;
 
 void WriteLow(ByteWriter& out, std::uint64_t value, std::size_t bytes) {
@@ -245,19 +246,36 @@ VariantForm FormOfInteger(std::int64_t value) {
   return {PlainType(narrow ? WireCode::Int4 : WireCode::Int8, narrow ? 4 : 8), "", IntegerBody};
 }
 
-VariantForm FormOfMoment(const DateTimeValue& moment) {
-  constexpr int kFullScale = 7;
+VariantForm FormOfText() {
+  constexpr std::uint16_t kGreatest = 8000;
+  return {PlainType(WireCode::NVarChar, kGreatest),
+          std::string(kCollation) + SizeProperty(kGreatest), UnicodeBody};
+}
+
+VariantForm FormOfLaterDate(SqlType type) {
+  VariantForm form = FormOfText();
+  form.type.sql_type = type;
+  form.type.scale = kFullScale;
+  return form;
+}
+
+VariantForm FormOfMoment(const DateTimeValue& moment, bool knows_date_types) {
+  if (moment.offset_minutes == 0 && FitsLegacy(moment)) {
+    return {PlainType(WireCode::DateTime, 8), "", LegacyDateTimeBody};
+  }
+  if (!knows_date_types) {
+    return FormOfLaterDate(moment.offset_minutes != 0 ? SqlType::DateTimeOffset
+                                                      : SqlType::DateTime2);
+  }
   if (moment.offset_minutes != 0) {
     return {PlainType(WireCode::DateTimeOffsetN, 10, kFullScale), Bytes({kFullScale}),
             DateTimeOffsetBody};
   }
-  if (FitsLegacy(moment)) return {PlainType(WireCode::DateTime, 8), "", LegacyDateTimeBody};
   return {PlainType(WireCode::DateTime2N, 8, kFullScale), Bytes({kFullScale}), DateTime2Body};
 }
 
-VariantForm FormOfVariant(const Value& value) {
+VariantForm FormOfVariant(const Value& value, bool knows_date_types) {
   constexpr std::uint16_t kGreatest = 8000;
-  constexpr std::uint32_t kUnbounded = kGreatest;
   if (std::holds_alternative<bool>(value)) return {PlainType(WireCode::Bit, 1), "", IntegerBody};
   if (const auto* integer = std::get_if<std::int64_t>(&value)) return FormOfInteger(*integer);
   if (std::holds_alternative<double>(value)) {
@@ -268,19 +286,19 @@ VariantForm FormOfVariant(const Value& value) {
     return {PlainType(WireCode::NumericN, DecimalSize(kPrecision), decimal->scale),
             Bytes({kPrecision, decimal->scale}), DecimalBody};
   }
-  if (const auto* moment = std::get_if<DateTimeValue>(&value)) return FormOfMoment(*moment);
+  if (const auto* moment = std::get_if<DateTimeValue>(&value))
+    return FormOfMoment(*moment, knows_date_types);
   if (std::holds_alternative<GuidValue>(value)) {
     return {PlainType(WireCode::Guid, 16), "", GuidBody};
   }
   if (std::holds_alternative<BinaryValue>(value)) {
-    return {PlainType(WireCode::VarBinary, kUnbounded), SizeProperty(kGreatest), BinaryBody};
+    return {PlainType(WireCode::VarBinary, kGreatest), SizeProperty(kGreatest), BinaryBody};
   }
-  return {PlainType(WireCode::NVarChar, kUnbounded),
-          std::string(kCollation) + SizeProperty(kGreatest), UnicodeBody};
+  return FormOfText();
 }
 
-void Variant(ByteWriter& out, const WireType&, const Value& value) {
-  VariantForm form = FormOfVariant(value);
+void Variant(ByteWriter& out, const WireType& type, const Value& value) {
+  VariantForm form = FormOfVariant(value, type.knows_date_types);
   out.U32(0);
   std::size_t start = out.size();
   out.U8(static_cast<std::uint8_t>(form.type.code));

@@ -120,7 +120,8 @@ WireType MakeWireType(const TypeInfo& declared, ProtocolVersion version) {
                 .precision = static_cast<std::uint8_t>(type.precision),
                 .scale = static_cast<std::uint8_t>(declared.scale),
                 .user_type = 0,
-                .sql_type = declared.type};
+                .sql_type = declared.type,
+                .knows_date_types = version >= ProtocolVersion::V73};
   switch (form.shape) {
     case WireShape::Decimal:
       wire.precision = static_cast<std::uint8_t>(std::clamp(type.precision, 1, 38));

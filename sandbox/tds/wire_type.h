@@ -77,6 +77,7 @@ struct WireType {
   std::uint8_t scale = 0;
   std::uint32_t user_type = 0;
   SqlType sql_type = SqlType::Int;
+  bool knows_date_types = true;  // else a variant holds later dates as text
 };
 
 /// Older clients get later types in the form SQL Server gives them: dates as text, (max) as text.

@@ -52,6 +52,56 @@ TEST_F(Driver, ShowsEveryTypeInEveryProtocolVersion) {
   }
 }
 
+TEST_F(Driver, VariantsShowEachValueInItsOwnType) {
+  const ColumnInfo variant{.name = "v", .type = {SqlType::Variant}};
+  const std::vector<std::pair<Value, std::string>> values = {
+      {std::int64_t{-7}, "-7"},
+      {DecimalValue{-12'345, 3}, "-12.345"},
+      {std::string("h\u00e4 \u65e5"), "h\u00e4 \u65e5"},
+      {DateTimeValue{738'000, 36'000'000'000, 0}, "2021-07-30 01:00:00.000"},
+      {DateTimeValue{738'000, 36'000'000'001, 0}, "2021-07-30 01:00:00.0000001"},
+      {DateTimeValue{738'000, 36'000'000'000, -60}, "2021-07-30 01:00:00.0000000 -01:00"},
+  };
+  engine_.batches["variants"] = [&](EngineSession&, ResultSink& sink) {
+    sink.Columns({variant});
+    for (const auto& [value, text] : values) sink.Row(std::vector<Value>{value});
+    sink.Done(1);
+  };
+  for (const char* version : kVersions) {
+    SCOPED_TRACE(version);
+    auto rows = OdbcClient(server_.Port(), Version(version)).Query("variants");
+    ASSERT_EQ(rows.size(), values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) EXPECT_EQ(rows[i][0], values[i].second);
+  }
+}
+
+TEST_F(Driver, ProceduresGiveTheirStatusAndOutputParameters) {
+  engine_.procedures["sp_answer"] = [](std::span<Parameter> parameters, ResultSink& sink) {
+    parameters[1].value = std::get<std::string>(parameters[0].value) + "!";
+    sink.ReturnStatus(42);
+  };
+  OdbcClient client(server_.Port());
+  SQLHSTMT statement = client.Statement();
+  SQLINTEGER status = 0;
+  char question[] = "h\u00e4";
+  char answer[32] = "";
+  SQLLEN status_size = 0;
+  SQLLEN question_size = SQL_NTS;
+  SQLLEN answer_size = 0;
+  SQLBindParameter(statement, 1, SQL_PARAM_OUTPUT, SQL_C_SLONG, SQL_INTEGER, 0, 0, &status, 0,
+                   &status_size);
+  SQLBindParameter(statement, 2, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 20, 0, question, 0,
+                   &question_size);
+  SQLBindParameter(statement, 3, SQL_PARAM_OUTPUT, SQL_C_CHAR, SQL_VARCHAR, 20, 0, answer,
+                   sizeof answer, &answer_size);
+  client.Check(SQLExecDirect(statement, (SQLCHAR*)"{? = call sp_answer(?, ?)}", SQL_NTS),
+               SQL_HANDLE_STMT, statement);
+  while (SQLMoreResults(statement) == SQL_SUCCESS) {
+  }
+  EXPECT_EQ(status, 42);
+  EXPECT_STREQ(answer, "h\u00e4!");
+}
+
 TEST_F(Driver, DescribesColumns) {
   struct Expected {
     ColumnInfo column;

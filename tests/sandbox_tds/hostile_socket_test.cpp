@@ -9,8 +9,13 @@
 namespace sandbox::tds {
 namespace {
 
-/// A whole conversation: handshake, batch, call, bulk load.
-std::string Conversation() {
+std::string Handshake() {
+  return Packet(MessageType::PreLogin, PreLoginRecord(2)) +
+         Packet(MessageType::Login7, LoginRecord({}));
+}
+
+/// A batch, a call and a bulk load.
+std::string Requests() {
   ByteWriter call;
   call.Raw(BatchRecord(""));
   call.U16(0xFFFF);
@@ -39,9 +44,7 @@ std::string Conversation() {
   bulk.U8(0xFD);
   bulk.Fill(12, 0);
 
-  return Packet(MessageType::PreLogin, PreLoginRecord(2)) +
-         Packet(MessageType::Login7, LoginRecord({})) +
-         Packet(MessageType::SqlBatch, BatchRecord("select 1")) +
+  return Packet(MessageType::SqlBatch, BatchRecord("select 1")) +
          Packet(MessageType::Rpc, call.bytes()) +
          Packet(MessageType::SqlBatch, BatchRecord("insert bulk t (n int)")) +
          Packet(MessageType::BulkLoad, bulk.bytes());
@@ -73,10 +76,11 @@ TEST(HostileSocket, BrokenConversationsEndOnlyThemselves) {
   FakeEngine engine;
   engine.bulk_columns = {{.name = "n", .type = {SqlType::Int}}};
   Server server(engine, {"sa", "secret"}, 0);
-  const std::string good = Conversation();
+  const std::string handshake = Handshake();
+  const std::string requests = Requests();
   {
     WireClient client(server.Port());
-    client.SendBytes(good);
+    client.SendBytes(handshake + requests);
     for (int reply = 0; reply < 6; ++reply) EXPECT_FALSE(client.Receive().empty());
   }
   ASSERT_EQ(engine.BulkRows().size(), 1U);
@@ -84,7 +88,11 @@ TEST(HostileSocket, BrokenConversationsEndOnlyThemselves) {
   std::mt19937 random(20240501);
   for (int round = 0; round < 400; ++round) {
     WireClient client(server.Port());
-    client.SendBytes(Mutated(good, random));
+    const bool late = round % 4 != 0;
+    client.SendBytes(late ? handshake + Mutated(requests, random)
+                          : Mutated(handshake + requests, random));
+    client.StopSending();
+    EXPECT_TRUE(client.ClosedByServer());
   }
   for (const char* nonsense :
        {"GET / HTTP/1.1\r\n\r\n", "\x16\x03\x01\x02\x00", "\x12\x01\x00\x00"}) {

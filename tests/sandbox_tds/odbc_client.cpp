@@ -60,14 +60,14 @@ OdbcClient::~OdbcClient() {
 std::optional<std::string> OdbcClient::Text(SQLUSMALLINT column) {
   std::string text;
   std::vector<char> block(65536);
-  SQLLEN indicator = 0;
-  SQLRETURN result = SQL_SUCCESS_WITH_INFO;
-  while (result == SQL_SUCCESS_WITH_INFO) {
-    result = SQLGetData(statement_, column, SQL_C_CHAR, block.data(),
-                        static_cast<SQLLEN>(block.size()), &indicator);
+  const auto room = static_cast<SQLLEN>(block.size());
+  SQLLEN left = room;
+  // The length tells: the driver calls a variant's value cut even when it came whole.
+  while (left >= room || left == SQL_NO_TOTAL) {
+    SQLRETURN result = SQLGetData(statement_, column, SQL_C_CHAR, block.data(), room, &left);
     if (result == SQL_NO_DATA) break;
     Check(result, SQL_HANDLE_STMT, statement_);
-    if (indicator == SQL_NULL_DATA) return std::nullopt;
+    if (left == SQL_NULL_DATA) return std::nullopt;
     text += block.data();
   }
   return text;

@@ -155,6 +155,10 @@ std::string WireClient::Receive() {
   return payload;
 }
 
+void WireClient::StopSending() {
+  shutdown(socket_.get(), SHUT_WR);
+}
+
 bool WireClient::ClosedByServer() {
   char byte;
   while (ReceiveExactly(&byte, 1)) {

@@ -25,7 +25,9 @@ class WireClient {
   std::string Receive();
   /// The sizes of the latest reply's packets, headers included.
   const std::vector<std::size_t>& PacketSizes() const { return packet_sizes_; }
-  /// The server closed the connection, whatever it sent before.
+  /// Tells the server that nothing more comes.
+  void StopSending();
+  /// The server closed the connection, whatever it sent before. Fails when it does not.
   bool ClosedByServer();
 
  private:
