@@ -31,7 +31,8 @@ class ResultSink {
   virtual ~ResultSink() = default;
   virtual void Columns(const std::vector<ColumnInfo>& columns) = 0;
   virtual void Row(std::span<const Value> values) = 0;
-  /// A statement ended; the count of rows returned or affected where it has one (and nocount is off).
+  /// A statement ended; the count of rows returned or affected where it has one (and nocount is
+  /// off).
   virtual void Done(std::optional<std::int64_t> row_count) = 0;
   virtual void Message(const ServerMessage& message) = 0;
   virtual void DatabaseChanged(std::string_view database) = 0;
@@ -90,7 +91,8 @@ class Engine {
   virtual bool HasDatabase(std::string_view name) const = 0;
 };
 
-/// Opens (or makes) the server's folder. Throws std::runtime_error when it cannot be used.
-std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder);
+/// Opens (or makes) the server's folder. Throws std::runtime_error when it cannot be used. Without
+/// `durable` a power cut may lose the latest commits.
+std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder, bool durable = true);
 
 }  // namespace sandbox

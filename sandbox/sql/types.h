@@ -9,13 +9,36 @@ namespace sandbox {
 
 /// SQL Server's column types.
 enum class SqlType {
-  Bit, TinyInt, SmallInt, Int, BigInt,
-  Decimal, Numeric, SmallMoney, Money,
-  Real, Float,
-  SmallDateTime, DateTime, DateTime2, DateTimeOffset, Date, Time,
-  Char, VarChar, Text, NChar, NVarChar, NText, Xml,
-  Binary, VarBinary, Image, Timestamp,
-  UniqueIdentifier, Variant,
+  Bit,
+  TinyInt,
+  SmallInt,
+  Int,
+  BigInt,
+  Decimal,
+  Numeric,
+  SmallMoney,
+  Money,
+  Real,
+  Float,
+  SmallDateTime,
+  DateTime,
+  DateTime2,
+  DateTimeOffset,
+  Date,
+  Time,
+  Char,
+  VarChar,
+  Text,
+  NChar,
+  NVarChar,
+  NText,
+  Xml,
+  Binary,
+  VarBinary,
+  Image,
+  Timestamp,
+  UniqueIdentifier,
+  Variant,
 };
 
 /// A type with its declared measures.
@@ -37,8 +60,8 @@ struct DecimalValue {
 
 /// A point in time. Pure dates have ticks 0, pure times days 0.
 struct DateTimeValue {
-  std::int32_t days = 0;           // since 0001-01-01
-  std::int64_t ticks = 0;          // of 100 ns since midnight
+  std::int32_t days = 0;            // since 0001-01-01
+  std::int64_t ticks = 0;           // of 100 ns since midnight
   std::int16_t offset_minutes = 0;  // datetimeoffset only
 };
 

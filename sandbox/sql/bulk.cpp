@@ -1,0 +1,143 @@
+#include "sandbox/sql/definitions.h"
+#include "sandbox/sql/insert_plan.h"
+#include "sandbox/sql/parser.h"
+#include "sandbox/sql/session.h"
+
+namespace sandbox {
+namespace {
+
+// One bulk load: all its rows are kept together, or none.
+class BulkLoad final : public BulkTarget {
+ public:
+  BulkLoad(Session& session, DatabaseLink& link, const TableDef& table,
+           const std::vector<std::string>& names, std::vector<ColumnInfo> columns)
+      : session_(session), link_(link), columns_(std::move(columns)), table_(table) {
+    const bool keeps_identity = [&] {
+      const ColumnDef* identity = table_.IdentityColumn();
+      for (const std::string& name : names) {
+        if (identity && table_.FindColumn(name) == identity) return true;
+      }
+      return false;
+    }();
+    scope_.emplace(link_);
+    writer_.emplace(
+        session_, link_, table_, names,
+        keeps_identity ? RowWriter::Identity::Explicit : RowWriter::Identity::Generated);
+    for (const ColumnInfo& column : columns_) types_.push_back(column.type);
+    cells_.resize(columns_.size());
+  }
+
+  ~BulkLoad() override {
+    scope_.reset();  // undoes what was not finished
+    if (!session_.InTransaction() && !finished_) link_.Rollback();
+  }
+
+  const std::vector<ColumnInfo>& Columns() const override { return columns_; }
+
+  bool Row(std::span<const Value> values, ResultSink& sink) override {
+    if (failed_) return false;
+    for (std::size_t i = 0; i < cells_.size(); ++i) {
+      // A NULL for a column with a default takes the default, as the server does without
+      // KEEP_NULLS.
+      const bool takes_default = values[i].index() == 0 && HasDefault(i);
+      cells_[i] = takes_default ? nullptr : &values[i];
+    }
+    return Guarded(sink, [&] {
+      writer_->Write(cells_, types_);
+      ++rows_;
+    });
+  }
+
+  std::int64_t Finish(ResultSink& sink) override {
+    if (failed_) return 0;
+    Guarded(sink, [&] {
+      writer_->Finish();
+      scope_->Keep();
+      finished_ = true;
+      session_.CommitImplicit();
+    });
+    return failed_ ? 0 : rows_;
+  }
+
+ private:
+  bool HasDefault(std::size_t cell) const {
+    for (const InsertPlan::Slot& slot : writer_->Plan().slots) {
+      if (slot.source == InsertPlan::Source::Cell && slot.cell == cell)
+        return slot.default_value != nullptr;
+    }
+    return false;
+  }
+
+  template <class Body>
+  bool Guarded(ResultSink& sink, Body body) {
+    try {
+      body();
+      return true;
+    } catch (const SqlError& error) {
+      for (ServerMessage message : error.messages) {
+        if (message.line == 0) message.line = 1;
+        sink.Message(message);
+      }
+    } catch (const Cancelled&) {
+    } catch (const std::exception& error) {
+      sink.Message({15034, 1, 17, error.what(), "", 1});
+    }
+    failed_ = true;
+    return false;
+  }
+
+  Session& session_;
+  DatabaseLink& link_;
+  std::vector<ColumnInfo> columns_;
+  const TableDef table_;
+  std::optional<StatementScope> scope_;
+  std::optional<RowWriter> writer_;
+  std::vector<TypeInfo> types_;
+  std::vector<const Value*> cells_;
+  std::int64_t rows_ = 0;
+  bool failed_ = false;
+  bool finished_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<BulkTarget> Session::BeginBulk(std::string_view statement, ResultSink& sink) {
+  sink_ = &sink;
+  current_line_ = 1;
+  std::unique_ptr<BulkTarget> target;
+  try {
+    Parser parser(statement);
+    const CreateTableStatement bulk = parser.ParseInsertBulk();
+    CommitImplicit();
+    DatabaseLink& link = LinkTo(bulk.table.database);
+    link.BeginWrite();
+    const TableDef& table = TargetTable(link, bulk.table, 208);
+    std::vector<std::string> names;
+    std::vector<ColumnInfo> columns;
+    for (const ColumnSyntax& column : bulk.columns) {
+      const ColumnDef* found = table.FindColumn(column.column.name);
+      if (!found) Raise(207, column.column.name);
+      if (found->type.type == SqlType::Timestamp) Raise(273);
+      names.push_back(found->name);
+      columns.push_back({found->name, column.column.type, found->nullable, found->identity});
+    }
+    if (bulk.columns.empty()) {
+      for (const ColumnDef& column : table.columns) {
+        if (column.type.type == SqlType::Timestamp) continue;
+        names.push_back(column.name);
+        columns.push_back({column.name, column.type, column.nullable, column.identity});
+      }
+    }
+    target = std::make_unique<BulkLoad>(*this, link, table, names, std::move(columns));
+  } catch (const SqlError& error) {
+    EndImplicit();
+    Report(error, 1, false);
+  } catch (const std::exception& error) {
+    EndImplicit();
+    Message(15034, 17, 1, error.what());
+  }
+  sink_ = nullptr;
+  return target;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+
+#include "sandbox/sql/errors.h"
+#include "sandbox/storage/catalog.h"
+#include "sandbox/storage/server_folder.h"
+
+namespace sandbox {
+
+struct InsertPlan;
+
+/// Thrown when the client gave up what runs; nothing is reported for it.
+struct Cancelled {};
+
+/// A session's own connection to one database: its catalog, its write transaction, its statements.
+class DatabaseLink {
+ public:
+  DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseState> state,
+               std::atomic<bool>& cancel);
+  ~DatabaseLink();
+  DatabaseLink(const DatabaseLink&) = delete;
+  DatabaseLink& operator=(const DatabaseLink&) = delete;
+
+  DatabaseState& State() const { return *state_; }
+  const std::string& Name() const { return state_->name; }
+  SqliteConnection& Connection() { return connection_; }
+
+  /// The definitions as this session sees them now. References into it end with the next call.
+  const Catalog& Definitions();
+
+  /// A statement from the cache, reset. It lives until the definitions change.
+  SqliteStatement& Cached(const std::string& sql);
+  /// Steps a statement; an error raised by one of our functions or a cancel comes out as itself.
+  bool Step(SqliteStatement& statement);
+  void Run(SqliteStatement& statement);
+
+  /// Starts the write transaction unless it runs. Waits for other writers.
+  void BeginWrite();
+  bool Writing() const { return connection_.InTransaction(); }
+  void Commit();
+  void Rollback();
+  void Savepoint(const std::string& name);
+  void ReleaseSavepoint(const std::string& name);
+  void RollbackTo(const std::string& name);
+
+  /// Changes a table's definition (or adds it) and stores it. Within a write transaction.
+  void Store(TableDef table);
+  void Forget(int table_id);
+  void Store(ViewDef view);
+  void ForgetView(int view_id);
+  int NewObjectId();
+
+  /// The next identity value; the counter moves on.
+  std::int64_t NextIdentity(const TableDef& table, const ColumnDef& column);
+  /// Notes an explicit value, beyond which the counter goes on.
+  void NoteIdentity(const TableDef& table, const ColumnDef& column, std::int64_t value);
+  void ResetIdentity(const TableDef& table);
+  /// The last value given out; nothing before the first.
+  std::optional<std::int64_t> LastIdentity(const TableDef& table);
+  std::int64_t NextRowVersion();
+
+  /// Kept until the definitions change.
+  std::map<std::string, std::shared_ptr<InsertPlan>> insert_plans;
+  /// What a function called by SQLite raised; the failing Step throws it.
+  std::optional<SqlError> raised;
+
+ private:
+  [[noreturn]] void Translate(const SqliteError& error);
+  void ForgetStatements();
+  void SaveCounters();
+
+  std::shared_ptr<DatabaseState> state_;
+  std::atomic<bool>& cancel_;
+  SqliteConnection connection_;
+  Catalog catalog_;
+  std::uint64_t catalog_version_ = 0;
+  bool definitions_changed_ = false;
+  std::unordered_map<std::string, SqliteStatement> statements_;
+  std::map<int, std::int64_t> unsaved_identities_;
+  std::optional<std::int64_t> stored_row_version_;
+  bool row_version_moved_ = false;
+};
+
+/// A savepoint around one statement: what is not kept is undone.
+class StatementScope {
+ public:
+  explicit StatementScope(DatabaseLink& link);
+  ~StatementScope();
+  void Keep();
+  StatementScope(const StatementScope&) = delete;
+  StatementScope& operator=(const StatementScope&) = delete;
+
+ private:
+  DatabaseLink& link_;
+  bool kept_ = false;
+};
+
+}  // namespace sandbox

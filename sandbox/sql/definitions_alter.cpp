@@ -1,0 +1,183 @@
+#include <algorithm>
+
+#include "sandbox/sql/constraints.h"
+#include "sandbox/sql/convert.h"
+#include "sandbox/sql/definitions.h"
+#include "sandbox/sql/parser.h"
+#include "sandbox/sql/session.h"
+#include "sandbox/sql/type_rules.h"
+#include "sandbox/storage/encoding.h"
+#include "sandbox/storage/text_order.h"
+
+namespace sandbox {
+namespace {
+
+std::string StoredColumnText(const ColumnDef& column) {
+  std::string text = TableDef::StoredColumn(column.id);
+  if (IsText(column.type.type)) text += std::string(" COLLATE ") + kTextCollation;
+  return text;
+}
+
+bool Uses(const std::vector<int>& columns, int id) {
+  return std::find(columns.begin(), columns.end(), id) != columns.end();
+}
+
+// The name and kind of what stands on the column, for messages 5074 and 4922.
+void RefuseIfUsed(DatabaseLink& link, const TableDef& table, const ColumnDef& column,
+                  const char* action) {
+  const auto refuse = [&](const char* kind, const std::string& name) {
+    SqlError error = Error(5074, kind, name, column.name);
+    error.messages.push_back(Error(4922, action, column.name).messages.front());
+    throw error;
+  };
+  for (const IndexDef& index : table.indexes) {
+    for (const IndexColumn& key : index.columns) {
+      if (key.column_id == column.id) refuse(index.IsConstraint() ? "object" : "index", index.name);
+    }
+  }
+  for (const ForeignKeyDef& key : table.foreign_keys) {
+    if (Uses(key.columns, column.id)) refuse("object", key.name);
+  }
+  for (const auto& [id, other] : link.Definitions().tables) {
+    for (const ForeignKeyDef& key : other.foreign_keys) {
+      if (key.parent_table == table.id && Uses(key.parent_columns, column.id))
+        refuse("object", key.name);
+    }
+  }
+  for (const CheckDef& check : table.checks) {
+    if (check.text.find("[" + column.name + "]") != std::string::npos) refuse("object", check.name);
+  }
+}
+
+}  // namespace
+
+void AddColumns(Session& session, DatabaseLink& link, const TableDef& table,
+                const std::vector<int>& column_ids, bool has_rows) {
+  for (const int id : column_ids) {
+    const ColumnDef& column = table.Column(id);
+    link.Connection().Execute("ALTER TABLE " + table.StoredName() + " ADD COLUMN " +
+                              StoredColumnText(column));
+    const bool fills = !column.nullable && !column.default_text.empty();
+    const bool generated = column.identity || column.type.type == SqlType::Timestamp;
+    if (!has_rows) continue;
+    if (!column.nullable && !fills && !generated) Raise(4901, column.name, table.name);
+    if (!fills && !generated) continue;
+    SqliteStatement rows =
+        link.Connection().Prepare("SELECT rowid FROM " + table.StoredName() + " ORDER BY rowid");
+    SqliteStatement update = link.Connection().Prepare(fmt::format(
+        "UPDATE {} SET {}=?1 WHERE rowid=?2", table.StoredName(), TableDef::StoredColumn(id)));
+    std::vector<std::int64_t> numbers;
+    while (link.Step(rows)) numbers.push_back(rows.Integer(0));
+    ExprPtr expr;
+    if (fills) {
+      Parser parser(column.default_text);
+      expr = parser.ParseExpressionText();
+    }
+    for (const std::int64_t number : numbers) {
+      Value value;
+      if (column.identity) {
+        value = Convert(link.NextIdentity(table, column), BigIntType(), column.type);
+      } else if (fills) {
+        value = session.Evaluate(*expr, &column.type);
+      } else {
+        value = Convert(link.NextRowVersion(), BigIntType(), column.type);
+      }
+      BindValue(update.get(), 1, value, column.type);
+      update.Bind(2, number);
+      link.Run(update);
+    }
+  }
+}
+
+void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name, bool if_exists) {
+  for (ColumnDef& column : table.columns) {
+    if (column.default_id == 0 || !SameName(column.default_name, name)) continue;
+    column.default_id = 0;
+    column.default_name.clear();
+    column.default_text.clear();
+    return;
+  }
+  if (std::erase_if(table.foreign_keys, [&](const auto& key) { return SameName(key.name, name); }))
+    return;
+  if (std::erase_if(table.checks, [&](const auto& check) { return SameName(check.name, name); }))
+    return;
+  const IndexDef* index = table.FindIndex(name);
+  if (!index || !index->IsConstraint()) {
+    if (if_exists) return;
+    SqlError error = Error(3728, name);
+    error.messages.push_back(Error(3727).messages.front());
+    throw error;
+  }
+  std::vector<int> columns;
+  for (const IndexColumn& key : index->columns) columns.push_back(key.column_id);
+  std::sort(columns.begin(), columns.end());
+  for (const auto& [id, other] : link.Definitions().tables) {
+    for (const ForeignKeyDef& key : other.foreign_keys) {
+      std::vector<int> referenced = key.parent_columns;
+      std::sort(referenced.begin(), referenced.end());
+      if (key.parent_table != table.id || referenced != columns) continue;
+      SqlError error = Error(3725, name, other.name, key.name);
+      error.messages.push_back(Error(3727).messages.front());
+      throw error;
+    }
+  }
+  link.Connection().Execute("DROP INDEX " + table.StoredIndexName(*index));
+  const int id = index->id;
+  std::erase_if(table.indexes, [&](const IndexDef& other) { return other.id == id; });
+}
+
+void DropColumn(DatabaseLink& link, TableDef& table, const std::string& name) {
+  const ColumnDef* column = table.FindColumn(name);
+  if (!column) Raise(4924, "DROP COLUMN", name, table.name);
+  RefuseIfUsed(link, table, *column, "DROP");
+  if (column->default_id != 0) {
+    SqlError error = Error(5074, "object", column->default_name, column->name);
+    error.messages.push_back(Error(4922, "DROP", column->name).messages.front());
+    throw error;
+  }
+  link.Connection().Execute("ALTER TABLE " + table.StoredName() + " DROP COLUMN " +
+                            TableDef::StoredColumn(column->id));
+  const int id = column->id;
+  std::erase_if(table.columns, [&](const ColumnDef& other) { return other.id == id; });
+}
+
+void AlterColumn(DatabaseLink& link, TableDef& table, const ColumnSyntax& syntax) {
+  ColumnDef* column = nullptr;
+  for (ColumnDef& candidate : table.columns) {
+    if (SameName(candidate.name, syntax.column.name)) column = &candidate;
+  }
+  if (!column) Raise(4924, "ALTER COLUMN", syntax.column.name, table.name);
+  RefuseIfUsed(link, table, *column, "ALTER");
+  const TypeInfo before = column->type, after = syntax.column.type;
+  const std::string stored = TableDef::StoredColumn(column->id);
+  SqliteStatement rows = link.Connection().Prepare(
+      fmt::format("SELECT rowid, {} FROM {}", stored, table.StoredName()));
+  std::vector<std::pair<std::int64_t, Value>> values;
+  while (link.Step(rows)) {
+    Value value;
+    ReadColumn(rows.get(), 1, before, value);
+    values.emplace_back(rows.Integer(0), std::move(value));
+  }
+  rows.Reset();
+  const std::string full_name = fmt::format("{}.dbo.{}", link.Name(), table.name);
+  column->type = after;
+  column->nullable = syntax.nullable.value_or(true);
+  // A column of its own with the new collation takes the old one's place.
+  const int old_id = column->id;
+  column->id = table.next_column_id++;
+  link.Connection().Execute("ALTER TABLE " + table.StoredName() + " ADD COLUMN " +
+                            StoredColumnText(*column));
+  SqliteStatement update = link.Connection().Prepare(
+      fmt::format("UPDATE {} SET {}=?1 WHERE rowid=?2", table.StoredName(),
+                  TableDef::StoredColumn(column->id)));
+  for (const auto& [row, value] : values) {
+    if (value.index() == 0 && !column->nullable) Raise(515, column->name, full_name, "UPDATE");
+    BindValue(update.get(), 1, StoreValue(link, table, *column, value, before), after);
+    update.Bind(2, row);
+    link.Run(update);
+  }
+  link.Connection().Execute("ALTER TABLE " + table.StoredName() + " DROP COLUMN " +
+                            TableDef::StoredColumn(old_id));
+}
+
+}  // namespace sandbox

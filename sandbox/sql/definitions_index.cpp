@@ -1,0 +1,119 @@
+#include <algorithm>
+
+#include "sandbox/sql/constraints.h"
+#include "sandbox/sql/definitions.h"
+#include "sandbox/sql/session.h"
+#include "sandbox/sql/type_rules.h"
+#include "sandbox/storage/encoding.h"
+#include "sandbox/storage/text_order.h"
+
+namespace sandbox {
+namespace {
+
+// A unique index takes one NULL only; SQLite would take any number. No value looks like this one.
+constexpr const char* kNullKey = "x'4e554c4c204e554c4c204e554c4c204e554c4c204e554c4c'";
+
+std::string IndexTerm(const TableDef& table, const IndexDef& index, const IndexColumn& key) {
+  const ColumnDef& column = table.Column(key.column_id);
+  std::string term = TableDef::StoredColumn(column.id);
+  if (index.unique && column.nullable) term = fmt::format("ifnull({}, {})", term, kNullKey);
+  if (IsText(column.type.type)) term += std::string(" COLLATE ") + kTextCollation;
+  return term + (key.descending ? " DESC" : "");
+}
+
+// The key that several rows have.
+std::string DuplicateText(DatabaseLink& link, const TableDef& table, const IndexDef& index) {
+  std::string columns;
+  for (const IndexColumn& key : index.columns) {
+    columns += (columns.empty() ? "" : ",") + TableDef::StoredColumn(key.column_id);
+  }
+  SqliteStatement statement = link.Connection().Prepare(fmt::format(
+      "SELECT {0} FROM {1} GROUP BY {0} HAVING count(*) > 1 LIMIT 1", columns, table.StoredName()));
+  std::vector<Value> keys(index.columns.size());
+  if (link.Step(statement)) {
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      ReadColumn(statement.get(), static_cast<int>(i),
+                 table.Column(index.columns[i].column_id).type, keys[i]);
+    }
+  }
+  return KeyText(table, index, keys);
+}
+
+}  // namespace
+
+void MakeStoredIndex(DatabaseLink& link, const TableDef& table, const IndexDef& index) {
+  std::string terms;
+  for (const IndexColumn& key : index.columns) {
+    terms += (terms.empty() ? "" : ", ") + IndexTerm(table, index, key);
+  }
+  const std::string sql = fmt::format("CREATE {}INDEX {} ON {}({})", index.unique ? "UNIQUE " : "",
+                                      table.StoredIndexName(index), table.StoredName(), terms);
+  SqliteStatement statement = link.Connection().Prepare(sql);
+  try {
+    link.Run(statement);
+  } catch (const SqliteError&) {
+    const std::string object = "dbo." + table.name;
+    SqlError error = Error(1505, object, index.name, DuplicateText(link, table, index));
+    if (index.IsConstraint()) error.messages.push_back(Error(1750).messages.front());
+    throw error;
+  }
+}
+
+Flow Session::Run(const CreateIndexStatement& create) {
+  DatabaseLink& link = LinkTo(create.table.database);
+  link.BeginWrite();
+  TableDef table = TargetTable(link, create.table, 1088);
+  StatementScope scope(link);
+  IndexDef index;
+  index.name = create.name;
+  index.unique = create.unique;
+  index.clustered = create.clustered;
+  for (const IndexDef& other : table.indexes) {
+    if (SameName(other.name, create.name)) Raise(1913, create.name, "dbo." + table.name);
+    if (other.clustered && create.clustered) Raise(1902, "table", table.name, other.name);
+    index.id = std::max(index.id, other.id);
+  }
+  ++index.id;
+  for (std::size_t i = 0; i < create.columns.names.size(); ++i) {
+    const ColumnDef* column = table.FindColumn(create.columns.names[i]);
+    if (!column) Raise(1911, create.columns.names[i]);
+    if (!IsKeyable(column->type)) Raise(1919, column->name, "dbo." + table.name);
+    for (const IndexColumn& other : index.columns) {
+      if (other.column_id == column->id) Raise(1909, "index", column->name);
+    }
+    index.columns.push_back({column->id, create.columns.descending[i]});
+  }
+  table.indexes.push_back(index);
+  link.Store(table);
+  MakeStoredIndex(link, table, index);
+  scope.Keep();
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+Flow Session::Run(const DropIndexStatement& drop) {
+  DatabaseLink& link = LinkTo(drop.table.database);
+  link.BeginWrite();
+  const TableDef* found = link.Definitions().FindTable(drop.table.name);
+  const IndexDef* index = found ? found->FindIndex(drop.name) : nullptr;
+  if (!index && drop.if_exists) {
+    Done(std::nullopt);
+    return Flow::Next;
+  }
+  if (!index) Raise(3701, "drop", "index", drop.table.name + "." + drop.name);
+  if (index->IsConstraint()) {
+    Raise(3723, drop.table.name + "." + drop.name, index->primary ? "PRIMARY KEY" : "UNIQUE KEY");
+  }
+  StatementScope scope(link);
+  TableDef table = *found;
+  const int id = index->id;
+  const std::string sql = "DROP INDEX " + table.StoredIndexName(*index);
+  std::erase_if(table.indexes, [&](const IndexDef& other) { return other.id == id; });
+  link.Store(table);
+  link.Connection().Execute(sql);
+  scope.Keep();
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,226 @@
+#include <algorithm>
+
+#include "sandbox/sql/constraints.h"
+#include "sandbox/sql/convert.h"
+#include "sandbox/sql/definitions.h"
+#include "sandbox/sql/session.h"
+#include "sandbox/sql/type_rules.h"
+#include "sandbox/storage/text_order.h"
+
+namespace sandbox {
+namespace {
+
+std::string StoredColumnText(const ColumnDef& column) {
+  std::string text = TableDef::StoredColumn(column.id);
+  if (IsText(column.type.type)) text += std::string(" COLLATE ") + kTextCollation;
+  return text;
+}
+
+void CheckIdentity(const TableDef& table, const ColumnDef& column, const ColumnSyntax& syntax) {
+  if (!column.identity) return;
+  if (table.IdentityColumn()) Raise(2744, table.name);
+  const bool whole =
+      IsInteger(column.type.type) ||
+      ((column.type.type == SqlType::Decimal || column.type.type == SqlType::Numeric) &&
+       column.type.scale == 0);
+  if (!whole || syntax.nullable.value_or(false)) Raise(2749, column.name);
+}
+
+void AppendColumn(TableDef& table, const ColumnSyntax& syntax) {
+  ColumnDef column = syntax.column;
+  if (table.FindColumn(column.name)) Raise(2705, column.name, table.name);
+  CheckIdentity(table, column, syntax);
+  if (column.type.type == SqlType::Timestamp) {
+    for (const ColumnDef& other : table.columns) {
+      if (other.type.type == SqlType::Timestamp) Raise(2738, table.name, column.name);
+    }
+  }
+  const bool never_null = column.identity || column.type.type == SqlType::Timestamp;
+  column.nullable = syntax.nullable.value_or(!never_null);
+  column.id = table.next_column_id++;
+  table.columns.push_back(std::move(column));
+}
+
+bool HasRows(DatabaseLink& link, const TableDef& table) {
+  SqliteStatement& statement = link.Cached("SELECT 1 FROM " + table.StoredName() + " LIMIT 1");
+  ResetGuard guard(statement);
+  return link.Step(statement);
+}
+
+void CheckName(DatabaseLink& link, const ObjectName& name) {
+  if (link.Definitions().HasObject(name.name)) Raise(2714, name.name);
+}
+
+}  // namespace
+
+const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, int missing) {
+  const bool ours = name.schema.empty() || SameName(name.schema, "dbo");
+  const TableDef* table = ours ? link.Definitions().FindTable(name.name) : nullptr;
+  if (!table) Raise(missing, name.Text());
+  return *table;
+}
+
+void AddTable(DatabaseLink& link, TableDef table) {
+  if (table.id == 0) table.id = link.NewObjectId();
+  table.created = NowTicks();
+  std::string columns;
+  for (const ColumnDef& column : table.columns) {
+    columns += (columns.empty() ? "" : ", ") + StoredColumnText(column);
+  }
+  link.Connection().Execute("CREATE TABLE " + table.StoredName() + "(" + columns + ")");
+  link.Store(std::move(table));
+}
+
+Flow Session::Run(const CreateTableStatement& create) {
+  DatabaseLink& link = LinkTo(create.table.database);
+  link.BeginWrite();
+  CheckName(link, create.table);
+  StatementScope scope(link);
+  TableDef table;
+  table.name = create.table.name;
+  table.id = link.NewObjectId();
+  for (const ColumnSyntax& column : create.columns) AppendColumn(table, column);
+  // A primary key makes its columns NOT NULL unless they were said to take NULL.
+  for (const ConstraintSyntax& constraint : create.constraints) {
+    const auto* key = std::get_if<KeySyntax>(&constraint.what);
+    if (!key || !key->primary) continue;
+    for (const std::string& name : key->columns.names) {
+      for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        if (!SameName(table.columns[i].name, name)) continue;
+        if (create.columns[i].nullable.value_or(false)) RaiseForConstraint(8111, table.name);
+        table.columns[i].nullable = false;
+      }
+    }
+  }
+  ConstraintAdder adder(*this, link, table, false);
+  // Keys first: a foreign key may refer to its own table.
+  for (const ConstraintSyntax& constraint : create.constraints) {
+    if (std::holds_alternative<KeySyntax>(constraint.what)) adder.Add(constraint);
+  }
+  for (const ConstraintSyntax& constraint : create.constraints) {
+    if (!std::holds_alternative<KeySyntax>(constraint.what)) adder.Add(constraint);
+  }
+  AddTable(link, table);
+  adder.Finish();
+  scope.Keep();
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+Flow Session::Run(const AlterTableStatement& alter) {
+  using Action = AlterTableStatement::Action;
+  DatabaseLink& link = LinkTo(alter.table.database);
+  link.BeginWrite();
+  TableDef table = TargetTable(link, alter.table, 4902);
+  StatementScope scope(link);
+  if (alter.action == Action::Add) {
+    const bool rows = HasRows(link, table);
+    std::vector<int> added;
+    for (const ColumnSyntax& column : alter.columns) {
+      AppendColumn(table, column);
+      added.push_back(table.columns.back().id);
+    }
+    ConstraintAdder adder(*this, link, table, true);
+    for (const ConstraintSyntax& constraint : alter.constraints) {
+      if (std::holds_alternative<DefaultSyntax>(constraint.what)) adder.Add(constraint);
+    }
+    AddColumns(*this, link, table, added, rows);
+    for (const ConstraintSyntax& constraint : alter.constraints) {
+      if (!std::holds_alternative<DefaultSyntax>(constraint.what))
+        adder.Add(constraint, !alter.no_check);
+    }
+    link.Store(table);
+    adder.Finish();
+  } else if (alter.action == Action::DropConstraint) {
+    for (const std::string& name : alter.names) DropConstraint(link, table, name, alter.if_exists);
+    link.Store(table);
+  } else if (alter.action == Action::DropColumn) {
+    for (const std::string& name : alter.names) DropColumn(link, table, name);
+    link.Store(table);
+  } else if (alter.action == Action::AlterColumn) {
+    AlterColumn(link, table, alter.columns.front());
+    link.Store(table);
+  }
+  scope.Keep();
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+Flow Session::Run(const DropTableStatement& drop) {
+  for (const ObjectName& name : drop.tables) {
+    DatabaseLink& link = LinkTo(name.database);
+    link.BeginWrite();
+    const Catalog& catalog = link.Definitions();
+    const bool ours = name.schema.empty() || SameName(name.schema, "dbo");
+    if (drop.view) {
+      const ViewDef* view = ours ? catalog.FindView(name.name) : nullptr;
+      if (!view && drop.if_exists) continue;
+      if (!view) Raise(3701, "drop", "view", name.Text());
+      link.ForgetView(view->id);
+      continue;
+    }
+    const TableDef* table = ours ? catalog.FindTable(name.name) : nullptr;
+    if (!table && drop.if_exists) continue;
+    if (!table) Raise(3701, "drop", "table", name.Text());
+    for (const auto& [id, other] : catalog.tables) {
+      for (const ForeignKeyDef& key : other.foreign_keys) {
+        if (key.parent_table == table->id && id != table->id) Raise(3726, name.Text());
+      }
+    }
+    StatementScope scope(link);
+    const std::string sql = "DROP TABLE " + table->StoredName();
+    const int id = table->id;
+    link.State().SetLastIdentity(id, std::nullopt);
+    link.Forget(id);
+    link.Connection().Execute(sql);
+    scope.Keep();
+    if (identity_insert_ && *identity_insert_ == std::pair(&link.State(), id))
+      identity_insert_.reset();
+  }
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+Flow Session::Run(const CreateViewStatement& create) {
+  DatabaseLink& link = LinkTo(create.name.database);
+  link.BeginWrite();
+  CheckName(link, create.name);
+  Binder binder(*this);
+  const BoundQuery query = binder.BindQuery(*create.query);
+  for (std::size_t i = 0; i < query.columns.size(); ++i) {
+    if (query.columns[i].name.empty()) Raise(8155, i + 1, create.name.name);
+  }
+  link.Store(ViewDef{link.NewObjectId(), create.name.name, NowTicks(), create.text});
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+Flow Session::Run(const CreateDatabaseStatement& create) {
+  if (InTransaction())
+    Raise(15034, "CREATE DATABASE statement not allowed within multi-statement transaction.");
+  CommitImplicit();
+  if (create.name.find('/') != std::string::npos || create.name.find('\0') != std::string::npos) {
+    Raise(5105, create.name);
+  }
+  if (!folder_.Create(create.name)) Raise(1801, create.name);
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+Flow Session::Run(const DropDatabaseStatement& drop) {
+  CommitImplicit();
+  for (const std::string& name : drop.names) {
+    const auto state = folder_.Find(name);
+    if (!state && drop.if_exists) continue;
+    if (!state) Raise(3701, "drop", "database", name);
+    if (state->id <= 4) Raise(3708, name);
+    if (state->users > 0) Raise(3702, name);
+    links_.erase(state->id);
+    if (identity_insert_ && identity_insert_->first == state.get()) identity_insert_.reset();
+    folder_.Drop(*state);
+  }
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,101 @@
+#include "sandbox/sql/convert.h"
+#include "sandbox/sql/definitions.h"
+#include "sandbox/sql/insert_plan.h"
+#include "sandbox/sql/session.h"
+#include "sandbox/sql/type_rules.h"
+#include "sandbox/storage/encoding.h"
+
+namespace sandbox {
+
+Flow Session::Run(const SelectStatement& statement) {
+  const Query& query = *statement.query;
+  const Select& first = query.selects.front();
+  if (!first.into.name.empty()) {
+    SelectInto(first, query);
+    return Flow::Next;
+  }
+  link_->Definitions();
+  Binder binder(*this);
+  const BoundQuery bound = binder.BindQuery(query);
+  if (!bound.variables.empty()) {
+    AssignVariables(bound, binder);
+  } else {
+    StreamQuery(bound, binder);
+  }
+  return Flow::Next;
+}
+
+void Session::StreamQuery(const BoundQuery& query, const Binder& binder) {
+  CommitImplicit();  // a slow reader must not hold up the writers
+  SqliteStatement& statement = link_->Cached(query.sql);
+  ResetGuard guard(statement);
+  int index = 0;
+  for (const auto& [value, type] : binder.Parameters())
+    BindValue(statement.get(), ++index, value, type);
+  sink_->Columns(query.columns);
+  std::int64_t rows = 0;
+  if (!options_.format_only) {
+    std::vector<Value> values(query.columns.size());
+    while (link_->Step(statement)) {
+      if (cancel) throw Cancelled();
+      for (std::size_t i = 0; i < values.size(); ++i) {
+        ReadColumn(statement.get(), static_cast<int>(i), query.columns[i].type, values[i]);
+      }
+      sink_->Row(values);
+      if (++rows == options_.row_limit) break;
+    }
+  }
+  Done(rows);
+}
+
+void Session::AssignVariables(const BoundQuery& query, const Binder& binder) {
+  if (query.variables.size() != query.columns.size()) {
+    Raise(15034,
+          "A SELECT statement that assigns a value to a variable must not be combined with "
+          "data-retrieval operations.");
+  }
+  SqliteStatement& statement = link_->Cached(query.sql);
+  ResetGuard guard(statement);
+  int index = 0;
+  for (const auto& [value, type] : binder.Parameters())
+    BindValue(statement.get(), ++index, value, type);
+  std::int64_t rows = 0;
+  Value value;
+  for (; link_->Step(statement); ++rows) {
+    for (std::size_t i = 0; i < query.columns.size(); ++i) {
+      ReadColumn(statement.get(), static_cast<int>(i), query.columns[i].type, value);
+      Assign(query.variables[i], value, query.columns[i].type);
+    }
+  }
+  row_count_ = rows;
+}
+
+void Session::SelectInto(const Select& select, const Query& query) {
+  link_->BeginWrite();
+  const Catalog& catalog = link_->Definitions();
+  if (catalog.HasObject(select.into.name)) Raise(2714, select.into.name);
+  Binder binder(*this);
+  const BoundQuery bound = binder.BindQuery(query);
+  StatementScope scope(*link_);
+  TableDef table;
+  table.name = select.into.name;
+  for (const ColumnInfo& column : bound.columns) {
+    if (column.name.empty()) Raise(1038);
+    if (table.FindColumn(column.name)) Raise(2705, column.name, table.name);
+    ColumnDef& added = table.columns.emplace_back();
+    added.id = table.next_column_id++;
+    added.name = column.name;
+    added.type = column.type;
+    added.nullable = column.nullable;
+    added.identity = column.identity;
+  }
+  AddTable(*link_, table);
+  const TableDef& stored = *link_->Definitions().FindTable(table.name);
+  RowWriter writer(*this, *link_, stored, {}, RowWriter::Identity::Explicit);
+  const std::int64_t rows = writer.WriteQuery(bound, binder);
+  writer.Finish();
+  scope.Keep();
+  Done(rows);
+}
+
+}  // namespace sandbox

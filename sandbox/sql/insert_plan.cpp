@@ -1,0 +1,223 @@
+#include "sandbox/sql/insert_plan.h"
+
+#include <algorithm>
+
+#include "sandbox/sql/constraints.h"
+#include "sandbox/sql/convert.h"
+#include "sandbox/sql/database_link.h"
+#include "sandbox/sql/parser.h"
+#include "sandbox/sql/session.h"
+#include "sandbox/sql/type_rules.h"
+#include "sandbox/storage/encoding.h"
+#include "sandbox/storage/text_order.h"
+
+namespace sandbox {
+namespace {
+
+std::string PlanKey(const TableDef& table, const std::vector<std::string>& columns,
+                    RowWriter::Identity identity) {
+  std::string key = fmt::format("{} {}", table.id, static_cast<int>(identity));
+  for (const std::string& column : columns) key += '\n' + column;
+  return key;
+}
+
+std::string InsertSql(const TableDef& table) {
+  std::string names, marks;
+  for (const ColumnDef& column : table.columns) {
+    names += (names.empty() ? "" : ",") + TableDef::StoredColumn(column.id);
+    marks += marks.empty() ? "?" : ",?";
+  }
+  return fmt::format("INSERT INTO {}({}) VALUES({})", table.StoredName(), names, marks);
+}
+
+Value RowVersionValue(std::int64_t version) {
+  std::string bytes(8, '\0');
+  for (std::size_t i = 8; i-- > 0; version >>= 8) bytes[i] = static_cast<char>(version & 0xFF);
+  return BinaryValue{std::move(bytes)};
+}
+
+}  // namespace
+
+RowWriter::RowWriter(Session& session, DatabaseLink& link, const TableDef& table,
+                     const std::vector<std::string>& columns, Identity identity)
+    : session_(session), link_(link), table_(table) {
+  std::shared_ptr<InsertPlan>& cached = link.insert_plans[PlanKey(table, columns, identity)];
+  if (!cached) cached = MakePlan(columns, identity);
+  plan_ = cached;
+  stored_.resize(plan_->slots.size());
+}
+
+std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& columns,
+                                                Identity identity) {
+  auto plan = std::make_shared<InsertPlan>();
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (!table_.FindColumn(columns[i])) Raise(207, columns[i]);
+    for (std::size_t j = 0; j < i; ++j) {
+      if (SameName(columns[i], columns[j])) Raise(264, columns[i]);
+    }
+  }
+  for (const ColumnDef& column : table_.columns) {
+    InsertPlan::Slot& slot = plan->slots.emplace_back();
+    slot.column = column;
+    const bool row_version = column.type.type == SqlType::Timestamp;
+    const auto listed = std::find_if(columns.begin(), columns.end(), [&](const std::string& name) {
+      return SameName(name, column.name);
+    });
+    const bool generated = column.identity && identity == Identity::Generated;
+    if (!column.default_text.empty()) {
+      Parser parser(column.default_text);
+      slot.default_value = parser.ParseExpressionText();
+    }
+    if (listed != columns.end()) {
+      slot.cell = static_cast<std::size_t>(listed - columns.begin());
+      slot.source = InsertPlan::Source::Cell;
+      if (column.identity && generated) Raise(544, table_.name);
+    } else if (row_version) {
+      slot.source = InsertPlan::Source::RowVersion;
+    } else if (generated) {
+      slot.source = InsertPlan::Source::Identity;
+    } else if (columns.empty()) {
+      slot.source = InsertPlan::Source::Cell;
+      slot.cell = plan->cells++;
+    } else if (column.identity) {
+      Raise(545, table_.name);
+    } else {
+      slot.source = slot.default_value ? InsertPlan::Source::Default : InsertPlan::Source::Null;
+    }
+    if (column.identity) plan->has_explicit_identity = slot.source == InsertPlan::Source::Cell;
+  }
+  if (!columns.empty()) plan->cells = columns.size();
+  for (const InsertPlan::Slot& slot : plan->slots) {
+    if (slot.column.identity) plan->identity = &slot.column;
+  }
+  plan->insert = link_.Connection().Prepare(InsertSql(table_));
+  plan->verifies = !table_.foreign_keys.empty() || !table_.checks.empty();
+  return plan;
+}
+
+Value RowWriter::DefaultOf(const InsertPlan::Slot& slot) {
+  return slot.default_value ? session_.Evaluate(*slot.default_value, &slot.column.type) : Value();
+}
+
+void RowWriter::Store(int index, const ColumnDef& column, const Value& value,
+                      const TypeInfo& from) {
+  if (value.index() == 0) {
+    if (!column.nullable) {
+      Raise(515, column.name, fmt::format("{}.dbo.{}", link_.Name(), table_.name), "INSERT");
+    }
+    sqlite3_bind_null(plan_->insert.get(), index);
+    stored_[static_cast<std::size_t>(index - 1)] = Value();
+    return;
+  }
+  Value& stored = stored_[static_cast<std::size_t>(index - 1)];
+  stored = StoreValue(link_, table_, column, value, from);
+  BindValue(plan_->insert.get(), index, stored, column.type);
+}
+
+void RowWriter::BindSlot(const InsertPlan::Slot& slot, int index, const Value* value,
+                         const TypeInfo* type) {
+  using Source = InsertPlan::Source;
+  Source source = slot.source;
+  if (source == Source::Cell && !value) {
+    source = slot.column.type.type == SqlType::Timestamp ? Source::RowVersion : Source::Default;
+  }
+  switch (source) {
+    case Source::Cell:
+      if (slot.column.type.type == SqlType::Timestamp) Raise(273);
+      Store(index, slot.column, *value, *type);
+      if (slot.column.identity) {
+        const Value as_number = Convert(*value, *type, BigIntType());
+        last_identity_ = std::get<std::int64_t>(as_number);
+        link_.NoteIdentity(table_, slot.column, *last_identity_);
+      }
+      return;
+    case Source::Identity:
+      last_identity_ = link_.NextIdentity(table_, slot.column);
+      return Store(index, slot.column, *last_identity_, BigIntType());
+    case Source::RowVersion:
+      return Store(index, slot.column, RowVersionValue(link_.NextRowVersion()), slot.column.type);
+    default:
+      return Store(index, slot.column, DefaultOf(slot), slot.column.type);
+  }
+}
+
+void RowWriter::Write(std::span<const Value* const> values, std::span<const TypeInfo> types) {
+  int index = 0;
+  for (const InsertPlan::Slot& slot : plan_->slots) {
+    const bool cell = slot.source == InsertPlan::Source::Cell;
+    BindSlot(slot, ++index, cell ? values[slot.cell] : nullptr, cell ? &types[slot.cell] : nullptr);
+  }
+  try {
+    link_.Run(plan_->insert);
+  } catch (const SqliteError& error) {
+    RaiseDuplicate(error);
+  }
+  last_row_ = sqlite3_last_insert_rowid(link_.Connection().get());
+  if (first_row_ == 0) first_row_ = last_row_;
+}
+
+void RowWriter::WriteDefaults() {
+  const std::vector<const Value*> none(plan_->cells, nullptr);
+  const std::vector<TypeInfo> types(plan_->cells);
+  Write(none, types);
+}
+
+std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder) {
+  if (query.columns.size() != Width()) Raise(query.columns.size() < Width() ? 120 : 121);
+  std::vector<TypeInfo> types;
+  for (const ColumnInfo& column : query.columns) types.push_back(column.type);
+  for (const InsertPlan::Slot& slot : plan_->slots) {
+    if (slot.source == InsertPlan::Source::Cell) {
+      CheckConvertible(types[slot.cell], slot.column.type, false);
+    }
+  }
+  SqliteStatement statement = link_.Connection().Prepare(query.sql);
+  int index = 0;
+  for (const auto& [value, type] : binder.Parameters())
+    BindValue(statement.get(), ++index, value, type);
+  std::vector<Value> row(types.size());
+  std::vector<const Value*> cells;
+  for (const Value& value : row) cells.push_back(&value);
+  const auto read = [&] {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      ReadColumn(statement.get(), static_cast<int>(i), types[i], row[i]);
+    }
+  };
+  std::int64_t rows = 0;
+  // A query that reads the table it fills must not meet its own rows: it is read to the end first.
+  std::vector<std::vector<Value>> kept;
+  const bool self = query.sql.find(table_.StoredName() + " AS ") != std::string::npos;
+  for (; link_.Step(statement); ++rows) {
+    read();
+    if (self) {
+      kept.push_back(row);
+    } else {
+      Write(cells, types);
+    }
+  }
+  for (std::vector<Value>& values : kept) {
+    row.swap(values);
+    Write(cells, types);
+  }
+  return rows;
+}
+
+void RowWriter::RaiseDuplicate(const SqliteError& error) {
+  const IndexDef* index = BrokenIndex(table_, error.what());
+  if (!index) throw error;
+  std::vector<Value> keys;
+  for (const IndexColumn& column : index->columns) {
+    for (std::size_t i = 0; i < plan_->slots.size(); ++i) {
+      if (plan_->slots[i].column.id == column.column_id) keys.push_back(stored_[i]);
+    }
+  }
+  throw DuplicateKey(table_, *index, keys);
+}
+
+void RowWriter::Finish() {
+  if (last_identity_) session_.SetScopeIdentity(*last_identity_);
+  if (plan_->verifies && last_row_ >= 0)
+    VerifyRows(session_, link_, table_, first_row_, last_row_, "INSERT");
+}
+
+}  // namespace sandbox

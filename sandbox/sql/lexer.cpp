@@ -1,0 +1,181 @@
+#include "sandbox/sql/lexer.h"
+
+#include <algorithm>
+#include <array>
+
+#include "sandbox/sql/errors.h"
+
+namespace sandbox {
+namespace {
+
+constexpr std::array<std::string_view, 14> kTwoCharacterSymbols{
+    "<=", ">=", "<>", "!=", "!<", "!>", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^="};
+
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+bool IsHexDigit(char c) {
+  return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+bool StartsName(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' || (c & 0x80);
+}
+bool ContinuesName(char c) {
+  return StartsName(c) || IsDigit(c) || c == '@' || c == '$';
+}
+char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+}  // namespace
+
+bool Token::Is(std::string_view keyword) const {
+  return kind == TokenKind::Word && text.size() == keyword.size() &&
+         std::equal(text.begin(), text.end(), keyword.begin(),
+                    [](char a, char b) { return Lower(a) == Lower(b); });
+}
+
+void Lexer::SkipBlockComment() {
+  int depth = 1;
+  for (position_ += 2; position_ < text_.size(); ++position_) {
+    const std::string_view two = text_.substr(position_, 2);
+    if (text_[position_] == '\n') ++line_;
+    if (two == "/*") {
+      ++depth;
+      ++position_;
+    } else if (two == "*/") {
+      ++position_;
+      if (--depth == 0) {
+        ++position_;
+        return;
+      }
+    }
+  }
+  Raise(113);
+}
+
+void Lexer::SkipBlanks() {
+  while (position_ < text_.size()) {
+    const auto c = static_cast<unsigned char>(text_[position_]);
+    if (c == '\n') ++line_;
+    if (c <= ' ') {
+      ++position_;
+    } else if (c == 0xC2 && text_.substr(position_, 2) == "\xC2\xA0") {
+      position_ += 2;
+    } else if (c == 0xEF && text_.substr(position_, 3) == "\xEF\xBB\xBF") {
+      position_ += 3;
+    } else if (text_.substr(position_, 2) == "--") {
+      position_ = std::min(text_.find('\n', position_), text_.size());
+    } else if (text_.substr(position_, 2) == "/*") {
+      SkipBlockComment();
+    } else {
+      return;
+    }
+  }
+}
+
+Token Lexer::Finish(TokenKind kind, std::size_t start, std::size_t end) {
+  Token token;
+  token.kind = kind;
+  token.text = text_.substr(start, end - start);
+  token.line = line_;
+  token.offset = start;
+  position_ = end;
+  return token;
+}
+
+// The text between the quote at `position_` and the single `close` that ends it.
+Token Lexer::Quoted(TokenKind kind, char close) {
+  const std::size_t start = position_ + 1;
+  const int line = line_;
+  bool escaped = false;
+  std::size_t end = start;
+  while (true) {
+    end = text_.find(close, end);
+    if (end == std::string_view::npos) Raise(105, text_.substr(start, 128));
+    if (end + 1 >= text_.size() || text_[end + 1] != close) break;
+    escaped = true;
+    end += 2;
+  }
+  Token token = Finish(kind, start, end);
+  token.line = line;
+  token.escaped = escaped;
+  line_ += static_cast<int>(std::count(token.text.begin(), token.text.end(), '\n'));
+  ++position_;
+  return token;
+}
+
+Token Lexer::Number() {
+  const std::size_t start = position_;
+  std::size_t end = start;
+  const auto digits = [&] {
+    while (end < text_.size() && IsDigit(text_[end])) ++end;
+  };
+  if (text_[end] == '0' && end + 1 < text_.size() && Lower(text_[end + 1]) == 'x') {
+    end += 2;
+    while (end < text_.size() && IsHexDigit(text_[end])) ++end;
+    return Finish(TokenKind::Hex, start, end);
+  }
+  digits();
+  TokenKind kind = TokenKind::Integer;
+  if (end < text_.size() && text_[end] == '.') {
+    kind = TokenKind::Decimal;
+    ++end;
+    digits();
+  }
+  if (end < text_.size() && Lower(text_[end]) == 'e') {
+    std::size_t exponent = end + 1;
+    if (exponent < text_.size() && (text_[exponent] == '+' || text_[exponent] == '-')) ++exponent;
+    end = exponent;
+    digits();
+    kind = TokenKind::Float;
+  }
+  return Finish(kind, start, end);
+}
+
+Token Lexer::Next() {
+  SkipBlanks();
+  if (position_ >= text_.size()) return Finish(TokenKind::End, text_.size(), text_.size());
+  const char c = text_[position_];
+  const char next = position_ + 1 < text_.size() ? text_[position_ + 1] : '\0';
+  if ((c == 'N' || c == 'n') && next == '\'') {
+    ++position_;
+    return Quoted(TokenKind::NString, '\'');
+  }
+  if (c == '\'') return Quoted(TokenKind::String, '\'');
+  if (c == '[') return Quoted(TokenKind::Quoted, ']');
+  if (c == '"') return Quoted(TokenKind::Quoted, '"');
+  if (IsDigit(c) || (c == '.' && IsDigit(next))) return Number();
+  std::size_t end = position_ + 1;
+  const auto name = [&] {
+    while (end < text_.size() && ContinuesName(text_[end])) ++end;
+  };
+  if (StartsName(c)) {
+    name();
+    return Finish(TokenKind::Word, position_, end);
+  }
+  if (c == '@') {
+    name();
+    return Finish(TokenKind::Variable, position_, end);
+  }
+  if (c == '$' && (IsDigit(next) || next == '.')) {
+    while (end < text_.size() && (IsDigit(text_[end]) || text_[end] == '.')) ++end;
+    return Finish(TokenKind::Money, position_, end);
+  }
+  const std::string_view two = text_.substr(position_, 2);
+  const bool pair = std::find(kTwoCharacterSymbols.begin(), kTwoCharacterSymbols.end(), two) !=
+                    kTwoCharacterSymbols.end();
+  return Finish(TokenKind::Symbol, position_, position_ + (pair ? 2 : 1));
+}
+
+std::string Unquote(const Token& token, char quote) {
+  std::string text;
+  text.reserve(token.text.size());
+  for (std::size_t i = 0; i < token.text.size(); ++i) {
+    text += token.text[i];
+    if (token.text[i] == quote) ++i;
+  }
+  return text;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,250 @@
+#include "sandbox/sql/parser.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "sandbox/sql/errors.h"
+#include "sandbox/storage/text_order.h"
+
+namespace sandbox {
+namespace {
+
+constexpr std::size_t kMaxNameLength = 128;
+
+constexpr std::array<std::string_view, 96> kReserved{
+    "add",       "all",      "alter",     "and",          "any",
+    "as",        "asc",      "begin",     "between",      "break",
+    "by",        "cascade",  "case",      "check",        "close",
+    "clustered", "coalesce", "column",    "commit",       "constraint",
+    "continue",  "convert",  "create",    "cross",        "current_timestamp",
+    "database",  "declare",  "default",   "delete",       "desc",
+    "distinct",  "drop",     "else",      "end",          "escape",
+    "except",    "exec",     "execute",   "exists",       "fetch",
+    "for",       "foreign",  "from",      "full",         "goto",
+    "group",     "having",   "holdlock",  "identity",     "identity_insert",
+    "if",        "in",       "index",     "inner",        "insert",
+    "intersect", "into",     "is",        "join",         "key",
+    "left",      "like",     "nocheck",   "nonclustered", "not",
+    "null",      "nullif",   "of",        "on",           "option",
+    "or",        "order",    "outer",     "over",         "percent",
+    "primary",   "print",    "procedure", "raiserror",    "references",
+    "return",    "right",    "rollback",  "save",         "select",
+    "set",       "table",    "then",      "top",          "truncate",
+    "union",     "unique",   "update",    "use",          "values",
+    "view"};
+constexpr std::array<std::string_view, 5> kMoreReserved{"waitfor", "when", "where", "while",
+                                                        "with"};
+
+}  // namespace
+
+std::string ObjectName::Text() const {
+  std::string text = name;
+  if (!schema.empty() || !database.empty()) text = schema + "." + text;
+  return database.empty() ? text : database + "." + text;
+}
+
+bool IsReserved(const Token& token) {
+  const auto is = [&](std::string_view word) { return token.Is(word); };
+  return std::any_of(kReserved.begin(), kReserved.end(), is) ||
+         std::any_of(kMoreReserved.begin(), kMoreReserved.end(), is);
+}
+
+Parser::Parser(std::string_view text) : text_(text), lexer_(text), token_(lexer_.Next()) {}
+
+const Token& Parser::PeekSecond() {
+  if (ahead_.empty()) ahead_.push_back(lexer_.Next());
+  return ahead_.front();
+}
+
+Token Parser::Take() {
+  Token taken = token_;
+  if (ahead_.empty()) {
+    token_ = lexer_.Next();
+  } else {
+    token_ = ahead_.front();
+    ahead_.pop_front();
+  }
+  return taken;
+}
+
+bool Parser::Accept(std::string_view keyword) {
+  if (!token_.Is(keyword)) return false;
+  Take();
+  return true;
+}
+
+bool Parser::AcceptSymbol(std::string_view symbol) {
+  if (!token_.IsSymbol(symbol)) return false;
+  Take();
+  return true;
+}
+
+void Parser::Expect(std::string_view keyword) {
+  if (!Accept(keyword)) Fail();
+}
+
+void Parser::ExpectSymbol(std::string_view symbol) {
+  if (!AcceptSymbol(symbol)) Fail();
+}
+
+// The server names what it stumbled over; at the end of the text that is what it read last.
+void Parser::Fail() const {
+  std::string_view near = token_.text;
+  if (token_.kind == TokenKind::End) {
+    Lexer again(text_);
+    for (Token token = again.Next(); token.kind != TokenKind::End; token = again.Next()) {
+      near = token.text;
+    }
+  }
+  SqlError error = IsReserved(token_) ? Error(156, near) : Error(102, near);
+  error.messages.front().line = token_.line;
+  throw error;
+}
+
+std::string Parser::TakeName() {
+  if (!token_.IsName() || IsReserved(token_)) Fail();
+  const Token token = Take();
+  std::string name = token.escaped ? Unquote(token, text_[token.offset - 1] == '[' ? ']' : '"')
+                                   : std::string(token.text);
+  if (token.kind == TokenKind::Quoted && name.empty()) Raise(1038);
+  if (name.size() > kMaxNameLength && CompareText(name, "") != 0) {
+    const auto characters =
+        std::count_if(name.begin(), name.end(), [](char c) { return (c & 0xC0) != 0x80; });
+    if (static_cast<std::size_t>(characters) > kMaxNameLength) Raise(103, name.substr(0, 128));
+  }
+  return name;
+}
+
+ObjectName Parser::TakeObjectName() {
+  std::vector<std::string> parts{TakeName()};
+  while (AcceptSymbol(".")) {
+    parts.push_back(token_.IsSymbol(".") ? "" : TakeName());
+  }
+  if (parts.size() > 4) Fail();
+  ObjectName name;
+  name.name = parts.back();
+  if (parts.size() > 1) name.schema = parts[parts.size() - 2];
+  if (parts.size() > 2) name.database = parts[parts.size() - 3];
+  return name;
+}
+
+bool Parser::AtAlias() const {
+  if (token_.kind == TokenKind::String || token_.kind == TokenKind::NString) return true;
+  return token_.IsName() && !IsReserved(token_);
+}
+
+std::string Parser::TakeAlias() {
+  if (token_.kind == TokenKind::String || token_.kind == TokenKind::NString) {
+    return Unquote(Take(), '\'');
+  }
+  return TakeName();
+}
+
+std::vector<std::string> Parser::TakeNameList() {
+  ExpectSymbol("(");
+  std::vector<std::string> names;
+  do {
+    names.push_back(TakeName());
+  } while (AcceptSymbol(","));
+  ExpectSymbol(")");
+  return names;
+}
+
+ColumnList Parser::TakeColumnList() {
+  ExpectSymbol("(");
+  ColumnList list;
+  do {
+    list.names.push_back(TakeName());
+    const bool descending = Accept("desc");
+    if (!descending) Accept("asc");
+    list.descending.push_back(descending);
+  } while (AcceptSymbol(","));
+  ExpectSymbol(")");
+  return list;
+}
+
+std::int64_t Parser::TakeInteger() {
+  const bool negative = AcceptSymbol("-");
+  if (!negative) AcceptSymbol("+");
+  if (token_.kind != TokenKind::Integer) Fail();
+  const Token token = Take();
+  std::int64_t number = 0;
+  const auto [end, failure] =
+      std::from_chars(token.text.data(), token.text.data() + token.text.size(), number);
+  if (failure != std::errc()) Raise(1007, token.text);
+  return negative ? -number : number;
+}
+
+Block Parser::ParseBatch() {
+  Block block;
+  while (token_.kind != TokenKind::End) {
+    if (AcceptSymbol(";")) continue;
+    // A batch may begin with a procedure's name alone.
+    const bool call = block.empty() && token_.IsName() && !IsReserved(token_) &&
+                      !token_.Is("merge") && !token_.Is("throw") && !token_.Is("deny") &&
+                      !token_.Is("grant") && !token_.Is("revoke") && !token_.Is("tran") &&
+                      !PeekSecond().IsSymbol(":");
+    if (call) {
+      auto statement = std::make_unique<Statement>();
+      const int line = token_.line;
+      *statement = ParseExecute(true);
+      statement->line = line;
+      block.push_back(std::move(statement));
+      continue;
+    }
+    block.push_back(ParseStatement());
+  }
+  return block;
+}
+
+ExprPtr Parser::ParseExpressionText() {
+  ExprPtr expr = ParseExpr();
+  if (token_.kind != TokenKind::End) Fail();
+  return expr;
+}
+
+ObjectName Parser::ParseNameText() {
+  ObjectName name = TakeObjectName();
+  if (token_.kind != TokenKind::End) Fail();
+  return name;
+}
+
+std::vector<DeclareItem> Parser::ParseParameterList() {
+  std::vector<DeclareItem> items;
+  if (token_.kind == TokenKind::End) return items;
+  do {
+    if (token_.kind != TokenKind::Variable) Fail();
+    DeclareItem item;
+    item.name = std::string(Take().text);
+    Accept("as");
+    item.type = ParseType(static_cast<int>(items.size()) + 1, item.name);
+    if (AcceptSymbol("=")) item.value = ParseExpr();
+    if (!Accept("output")) Accept("out");
+    items.push_back(std::move(item));
+  } while (AcceptSymbol(","));
+  if (token_.kind != TokenKind::End) Fail();
+  return items;
+}
+
+CreateTableStatement Parser::ParseInsertBulk() {
+  CreateTableStatement bulk;
+  Expect("insert");
+  Expect("bulk");
+  bulk.table = TakeObjectName();
+  if (AcceptSymbol("(")) {
+    do {
+      ColumnSyntax column;
+      column.column.name = TakeName();
+      column.column.type = ParseType(static_cast<int>(bulk.columns.size()) + 1, column.column.name);
+      if (Accept("collate")) TakeName();
+      if (Accept("not")) Expect("null");
+      Accept("null");
+      bulk.columns.push_back(std::move(column));
+    } while (AcceptSymbol(","));
+    ExpectSymbol(")");
+  }
+  return bulk;  // what follows ("with (keepnulls)") changes nothing here
+}
+
+}  // namespace sandbox

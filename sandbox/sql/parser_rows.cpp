@@ -1,0 +1,118 @@
+#include "sandbox/sql/errors.h"
+#include "sandbox/sql/parser.h"
+
+namespace sandbox {
+namespace {
+
+constexpr std::size_t kMaxRowValues = 1000;
+
+}  // namespace
+
+// One value of a row. Literals, which are nearly all there is in a load, need no expression node.
+InsertCell Parser::ParseCell() {
+  const auto ends = [](const Token& token) { return token.IsSymbol(",") || token.IsSymbol(")"); };
+  if (IsLiteralToken(token_) && ends(PeekSecond())) return {ParseLiteral(Take(), false)};
+  if (token_.Is("default") && ends(PeekSecond())) {
+    Take();
+    return {std::monostate()};
+  }
+  ExprPtr expr = ParseExpr();
+  if (expr->kind == ExprKind::Literal) return {std::move(expr->literal)};
+  return {std::move(expr)};
+}
+
+void Parser::ParseValuesRows(InsertStatement& insert) {
+  Expect("values");
+  do {
+    ExpectSymbol("(");
+    const std::size_t before = insert.cells.size();
+    do {
+      insert.cells.push_back(ParseCell());
+    } while (AcceptSymbol(","));
+    ExpectSymbol(")");
+    const std::size_t width = insert.cells.size() - before;
+    if (insert.rows == 0) {
+      insert.width = width;
+    } else if (width != insert.width) {
+      Raise(10709);
+    }
+    if (++insert.rows > kMaxRowValues) Raise(10738);
+  } while (AcceptSymbol(","));
+}
+
+Statement Parser::ParseInsert() {
+  Expect("insert");
+  Accept("into");
+  InsertStatement insert;
+  insert.table = TakeObjectName();
+  SkipTableHints();
+  if (token_.IsSymbol("(") && !PeekSecond().Is("select")) insert.columns = TakeNameList();
+  if (Accept("default")) {
+    Expect("values");
+    insert.default_values = true;
+    insert.rows = 1;
+  } else if (token_.Is("values")) {
+    ParseValuesRows(insert);
+  } else if (token_.Is("exec") || token_.Is("execute")) {
+    insert.execute = ParseStatement();
+  } else if (token_.Is("select") || token_.Is("with") || token_.IsSymbol("(")) {
+    insert.query = ParseQuery();
+  } else {
+    Fail();
+  }
+  return {1, std::move(insert)};
+}
+
+Statement Parser::ParseUpdate() {
+  Expect("update");
+  UpdateStatement update;
+  if (Accept("top")) {
+    ExpectSymbol("(");
+    update.top = ParseExpr();
+    ExpectSymbol(")");
+  }
+  update.table = TakeObjectName();
+  SkipTableHints();
+  Expect("set");
+  do {
+    Assignment assignment;
+    if (token_.kind == TokenKind::Variable) {
+      assignment.variable = std::string(Take().text);
+      ExpectSymbol("=");
+      if (token_.IsName() && PeekSecond().IsSymbol("=")) {
+        assignment.column = TakeName();
+        Take();
+      }
+    } else {
+      assignment.column = TakeObjectName().name;
+      ExpectSymbol("=");
+    }
+    if (Accept("default")) {
+      assignment.value = nullptr;
+    } else {
+      assignment.value = ParseSum();
+    }
+    update.assignments.push_back(std::move(assignment));
+  } while (AcceptSymbol(","));
+  if (Accept("from")) update.from = ParseFrom();
+  if (Accept("where")) update.where = ParseExpr();
+  return {1, std::move(update)};
+}
+
+Statement Parser::ParseDelete() {
+  Expect("delete");
+  DeleteStatement remove;
+  if (Accept("top")) {
+    ExpectSymbol("(");
+    remove.top = ParseExpr();
+    ExpectSymbol(")");
+  }
+  Accept("from");
+  remove.table = TakeObjectName();
+  SkipTableHints();
+  if (Accept("from")) remove.from = ParseFrom();
+  if (Accept("where")) remove.where = ParseExpr();
+  return {1, std::move(remove)};
+}
+
+}  // namespace sandbox

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "sandbox/sql/types.h"
+#include "sandbox/storage/catalog.h"
+
+namespace sandbox {
+
+/// A type as the ODBC catalog procedures describe it; NULL where it has no such measure.
+struct OdbcFacts {
+  Value data_type, precision, length, scale, radix, sql_data_type, datetime_sub, octet_length,
+      ss_data_type;
+};
+
+/// `version3`: dates by their ODBC 3 codes; `modern`: the newer date types by codes of their own.
+OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern);
+
+/// TYPE_NAME: "int", "int identity", "numeric() identity".
+std::string OdbcTypeName(const ColumnDef& column);
+
+}  // namespace sandbox

@@ -1,0 +1,244 @@
+#include "sandbox/sql/session.h"
+
+#include "sandbox/sql/convert.h"
+#include "sandbox/sql/parser.h"
+#include "sandbox/sql/type_rules.h"
+#include "sandbox/storage/text_order.h"
+
+namespace sandbox {
+namespace {
+
+constexpr int kMaxNesting = 32;
+
+// The batch is over; what there was to say has been said.
+struct BatchEnded {};
+
+class EngineImpl final : public Engine {
+ public:
+  EngineImpl(const std::filesystem::path& folder, bool durable) : folder_(folder, durable) {}
+
+  std::unique_ptr<EngineSession> OpenSession(std::string_view login) override {
+    return std::make_unique<Session>(folder_, std::string(login), ++last_spid_);
+  }
+  bool HasDatabase(std::string_view name) const override { return folder_.Find(name) != nullptr; }
+
+ private:
+  ServerFolder folder_;
+  std::atomic<int> last_spid_{50};
+};
+
+bool ChangesRows(const Statement& statement) {
+  return std::holds_alternative<InsertStatement>(statement.what) ||
+         std::holds_alternative<UpdateStatement>(statement.what) ||
+         std::holds_alternative<DeleteStatement>(statement.what) ||
+         std::holds_alternative<CreateIndexStatement>(statement.what);
+}
+
+}  // namespace
+
+std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder, bool durable) {
+  try {
+    return std::make_unique<EngineImpl>(folder, durable);
+  } catch (const SqliteError& error) {
+    throw std::runtime_error(error.what());
+  }
+}
+
+Session::Session(ServerFolder& folder, std::string login, int spid)
+    : folder_(folder), login_(std::move(login)), spid_(spid) {
+  UseDatabase("master");
+}
+
+Session::~Session() {
+  for (auto& [id, link] : links_) {
+    link->Rollback();
+    if (link.get() == link_) --link->State().users;
+  }
+}
+
+bool Session::UseDatabase(std::string_view name) {
+  const auto state = folder_.Find(name);
+  if (!state) return false;
+  auto& link = links_[state->id];
+  if (!link) link = std::make_unique<DatabaseLink>(folder_, state, cancel);
+  ++state->users;
+  if (link_) --link_->State().users;
+  link_ = link.get();
+  return true;
+}
+
+DatabaseLink& Session::LinkTo(std::string_view database) {
+  if (database.empty() || SameName(database, Database())) return *link_;
+  const auto state = folder_.Find(database);
+  if (!state) Raise(911, database);
+  auto& link = links_[state->id];
+  if (!link) link = std::make_unique<DatabaseLink>(folder_, state, cancel);
+  return *link;
+}
+
+void Session::CommitImplicit() {
+  if (transaction_count_ > 0) return;
+  for (auto& [id, link] : links_) link->Commit();
+}
+
+void Session::EndImplicit() noexcept {
+  try {
+    CommitImplicit();
+  } catch (...) {
+    for (auto& [id, link] : links_) link->Rollback();
+    Message(3314, 21, 3, "What the batch changed could not be kept: the storage refused it.");
+  }
+}
+
+void Session::Message(int number, int severity, int state, std::string text) {
+  sink_->Message({number, state, severity, std::move(text), "", current_line_});
+}
+
+void Session::Done(std::optional<std::int64_t> rows) {
+  if (rows) row_count_ = *rows;
+  sink_->Done(options_.no_count ? std::nullopt : rows);
+}
+
+void Session::SendRows(const std::vector<ColumnInfo>& columns,
+                       const std::vector<std::vector<Value>>& rows) {
+  sink_->Columns(columns);
+  for (const auto& row : rows) sink_->Row(row);
+  Done(static_cast<std::int64_t>(rows.size()));
+}
+
+void Session::Execute(std::string_view batch, ResultSink& sink) {
+  RunText(batch, {}, sink, {});
+}
+
+void Session::ExecuteWithParameters(std::string_view batch, std::span<Parameter> parameters,
+                                    ResultSink& sink) {
+  Variables variables;
+  for (const Parameter& parameter : parameters) {
+    variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
+  }
+  RunText(batch, std::move(variables), sink, parameters);
+}
+
+void Session::RunText(std::string_view batch, Variables variables, ResultSink& sink,
+                      std::span<Parameter> outputs) {
+  ResultSink* outer_sink = std::exchange(sink_, &sink);
+  std::swap(variables_, variables);
+  const bool outermost = nesting_++ == 0;
+  const int outer_line = std::exchange(current_line_, 1);
+  bool ended = false;
+  try {
+    if (nesting_ > kMaxNesting) Raise(191);
+    Parser parser(batch);
+    const Block block = parser.ParseBatch();
+    RunBlock(block);
+  } catch (const SqlError& error) {
+    if (!outermost && try_depth_ > 0) {
+      --nesting_;
+      std::swap(variables_, variables);
+      sink_ = outer_sink;
+      throw;
+    }
+    Report(error, 1, false);
+  } catch (const BatchEnded&) {
+    ended = true;
+  } catch (const Cancelled&) {
+    for (auto& [id, link] : links_) link->raised.reset();
+    ended = true;
+    if (transaction_count_ == 0) {
+      for (auto& [id, link] : links_) link->Rollback();
+    }
+  } catch (const std::exception& error) {
+    Message(15034, 17, 1, error.what());
+    RollbackAll(false);
+  }
+  if (outermost) EndImplicit();
+  for (Parameter& parameter : outputs) {
+    if (parameter.output) parameter.value = variables_[LowerText(parameter.name)].value;
+  }
+  --nesting_;
+  current_line_ = outer_line;
+  std::swap(variables_, variables);
+  sink_ = outer_sink;
+  if (ended && !outermost) throw BatchEnded();
+}
+
+Flow Session::RunBlock(const Block& block) {
+  for (const StatementPtr& statement : block) {
+    const Flow flow = RunStatement(*statement);
+    if (flow != Flow::Next) return flow;
+  }
+  return Flow::Next;
+}
+
+Flow Session::RunStatement(const Statement& statement) {
+  if (cancel) throw Cancelled();
+  current_line_ = statement.line;
+  if (try_depth_ > 0) return Dispatch(statement);
+  try {
+    return Dispatch(statement);
+  } catch (const SqlError& error) {
+    const bool ends = error.ends_batch || options_.xact_abort;
+    Report(error, statement.line, ChangesRows(statement));
+    if (ends) throw BatchEnded();
+    return Flow::Next;
+  }
+}
+
+Flow Session::Dispatch(const Statement& statement) {
+  const Flow flow = std::visit([this](const auto& what) { return Run(what); }, statement.what);
+  const bool keeps_error = std::holds_alternative<IfStatement>(statement.what) ||
+                           std::holds_alternative<RaiseStatement>(statement.what) ||
+                           std::holds_alternative<BlockStatement>(statement.what);
+  if (!keeps_error) last_error_ = 0;
+  return flow;
+}
+
+void Session::Report(SqlError error, int line, bool changes_rows) {
+  for (ServerMessage& message : error.messages) {
+    if (message.line == 0) message.line = line;
+    sink_->Message(message);
+    if (message.severity > 10) last_error_ = message.number;
+  }
+  if (error.rolls_back || options_.xact_abort) RollbackAll(true);
+  if (changes_rows && !error.ends_batch) {
+    Message(3621, 0, 0, "The statement has been terminated.");
+  }
+  row_count_ = 0;
+  sink_->Done(std::nullopt);
+}
+
+void Session::RollbackAll(bool tell) {
+  if (transaction_count_ == 0) return;
+  for (auto& [id, link] : links_) link->Rollback();
+  transaction_count_ = 0;
+  transaction_id_ = 0;
+  if (tell) sink_->TransactionChanged(0, false);
+}
+
+std::vector<ColumnInfo> Session::Describe(std::string_view batch,
+                                          std::span<const Parameter> parameters) {
+  Variables variables;
+  for (const Parameter& parameter : parameters) {
+    variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
+  }
+  std::swap(variables_, variables);
+  std::vector<ColumnInfo> columns;
+  try {
+    Parser parser(batch);
+    for (const StatementPtr& statement : parser.ParseBatch()) {
+      const auto* select = std::get_if<SelectStatement>(&statement->what);
+      if (!select || !select->query->selects.front().into.name.empty()) continue;
+      Binder binder(*this);
+      columns = binder.BindQuery(*select->query).columns;
+      break;
+    }
+  } catch (const SqlError&) {
+    columns.clear();  // running it will say what is wrong
+  } catch (const std::exception&) {
+    columns.clear();
+  }
+  variables_ = std::move(variables);
+  return columns;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,231 @@
+#include <array>
+
+#include "sandbox/sql/convert.h"
+#include "sandbox/sql/object_names.h"
+#include "sandbox/sql/parser.h"
+#include "sandbox/sql/session.h"
+#include "sandbox/sql/system_views.h"
+#include "sandbox/sql/type_rules.h"
+#include "sandbox/storage/text_order.h"
+
+namespace sandbox {
+namespace {
+
+constexpr const char* kVersion =
+    "Microsoft SQL Server 2019 (RTM) - 15.0.2000.5 (X64) \n\tPractice server of Dorvane";
+
+using Result = std::pair<Value, TypeInfo>;
+
+Result Text(std::string text) {
+  return {std::move(text), NVarChar(128)};
+}
+Result Integer(std::int64_t number) {
+  return {number, IntType()};
+}
+Result Null(const TypeInfo& type) {
+  return {Value(), type};
+}
+
+struct ServerProperty {
+  const char* name;
+  const char* value;
+};
+constexpr std::array kServerProperties{
+    ServerProperty{"productversion", "15.0.2000.5"},
+    ServerProperty{"productlevel", "RTM"},
+    ServerProperty{"edition", "Developer Edition (64-bit)"},
+    ServerProperty{"servername", "SANDBOX"},
+    ServerProperty{"machinename", "SANDBOX"},
+    ServerProperty{"collation", "SQL_Latin1_General_CP1_CI_AS"},
+};
+
+bool IsNumber(const Value& value, std::int64_t number) {
+  const auto* held = std::get_if<std::int64_t>(&value);
+  return held && *held == number;
+}
+
+std::string TextArgument(const std::vector<Value>& args, std::size_t i) {
+  if (i >= args.size()) return "";
+  const auto* text = std::get_if<std::string>(&args[i]);
+  return text ? *text : "";
+}
+
+}  // namespace
+
+const Variable* Session::FindVariable(std::string_view name) const {
+  const auto found = variables_.find(name);
+  return found == variables_.end() ? nullptr : &found->second;
+}
+
+Relation Session::FindRelation(const ObjectName& name) {
+  DatabaseLink& link = LinkTo(name.database);
+  if (const auto view = FindSystemView(name)) return FillSystemView(*view, *this, link);
+  const bool other = &link != link_;
+  if (!name.schema.empty() && !SameName(name.schema, "dbo")) Raise(208, name.Text());
+  const Catalog& catalog = link.Definitions();
+  Relation relation;
+  relation.table = catalog.FindTable(name.name);
+  relation.view = catalog.FindView(name.name);
+  if (!relation.table && !relation.view) Raise(208, name.Text());
+  if (!relation.table) return relation;
+  std::string schema = "main";
+  if (other) {
+    schema = fmt::format("db{}", link.State().id);
+    const bool attached = sqlite3_db_filename(link_->Connection().get(), schema.c_str()) != nullptr;
+    if (!attached) {
+      link_->Connection().Execute("ATTACH '" + link.State().file.string() + "' AS " + schema);
+    }
+  }
+  relation.stored = schema + "." + relation.table->StoredName();
+  return relation;
+}
+
+std::optional<Result> Session::SessionValue(std::string_view name,
+                                            const std::vector<Value>& arguments) {
+  struct Entry {
+    std::string_view name;
+    Result (*value)(Session&, const std::vector<Value>&);
+  };
+  using Args = const std::vector<Value>&;
+  static constexpr std::array kEntries{
+      Entry{"@@version",
+            [](Session&, Args) {
+              return Result{std::string(kVersion), NVarChar(300)};
+            }},
+      Entry{"@@rowcount", [](Session& s, Args) { return Integer(s.row_count_); }},
+      Entry{"rowcount_big",
+            [](Session& s, Args) {
+              return Result{s.row_count_, BigIntType()};
+            }},
+      Entry{"@@error", [](Session& s, Args) { return Integer(s.last_error_); }},
+      Entry{"@@trancount", [](Session& s, Args) { return Integer(s.transaction_count_); }},
+      Entry{"@@spid",
+            [](Session& s, Args) {
+              return Result{std::int64_t{s.spid_}, SmallIntType()};
+            }},
+      Entry{"@@servername", [](Session&, Args) { return Text("SANDBOX"); }},
+      Entry{"@@servicename", [](Session&, Args) { return Text("MSSQLSERVER"); }},
+      Entry{"@@language", [](Session&, Args) { return Text("us_english"); }},
+      Entry{"@@microsoftversion", [](Session&, Args) { return Integer(0x0F0007D0); }},
+      Entry{"@@options", [](Session&, Args) { return Integer(5496); }},
+      Entry{"@@max_precision",
+            [](Session&, Args) {
+              return Result{std::int64_t{38}, TinyIntType()};
+            }},
+      Entry{"@@textsize", [](Session& s, Args) { return Integer(s.options_.text_size); }},
+      Entry{"@@datefirst",
+            [](Session&, Args) {
+              return Result{std::int64_t{7}, TinyIntType()};
+            }},
+      Entry{"@@lock_timeout", [](Session&, Args) { return Integer(-1); }},
+      Entry{"@@nestlevel", [](Session& s, Args) { return Integer(s.nesting_ - 1); }},
+      Entry{"@@fetch_status", [](Session&, Args) { return Integer(-1); }},
+      Entry{"xact_state",
+            [](Session& s, Args) {
+              return Result{std::int64_t{s.transaction_count_ > 0}, SmallIntType()};
+            }},
+      Entry{"@@identity",
+            [](Session& s, Args) {
+              return Result{
+                  s.scope_identity_ ? Value(DecimalValue{*s.scope_identity_, 0}) : Value(),
+                  DecimalType(38, 0)};
+            }},
+      Entry{"scope_identity",
+            [](Session& s, Args) {
+              return Result{
+                  s.scope_identity_ ? Value(DecimalValue{*s.scope_identity_, 0}) : Value(),
+                  DecimalType(38, 0)};
+            }},
+      Entry{"ident_current",
+            [](Session& s, Args args) {
+              const TableDef* table =
+                  s.link_->Definitions().FindTable(LastNamePart(TextArgument(args, 0)));
+              if (!table || !table->IdentityColumn()) return Null(DecimalType(38, 0));
+              const std::int64_t last =
+                  s.link_->LastIdentity(*table).value_or(table->IdentityColumn()->seed);
+              return Result{DecimalValue{last, 0}, DecimalType(38, 0)};
+            }},
+      Entry{"db_name",
+            [](Session& s, Args args) {
+              if (args.empty()) return Text(s.Database());
+              for (const auto& database : s.folder_.All()) {
+                if (IsNumber(args[0], database->id)) return Text(database->name);
+              }
+              return Null(NVarChar(128));
+            }},
+      Entry{"db_id",
+            [](Session& s, Args args) {
+              if (args.empty()) return Result{std::int64_t{s.link_->State().id}, SmallIntType()};
+              const auto database = s.folder_.Find(TextArgument(args, 0));
+              return database ? Result{std::int64_t{database->id}, SmallIntType()}
+                              : Null(SmallIntType());
+            }},
+      Entry{"user_name", [](Session&, Args) { return Text("dbo"); }},
+      Entry{"user", [](Session&, Args) { return Text("dbo"); }},
+      Entry{"current_user", [](Session&, Args) { return Text("dbo"); }},
+      Entry{"session_user", [](Session&, Args) { return Text("dbo"); }},
+      Entry{"schema_name",
+            [](Session&, Args args) {
+              return args.empty() || IsNumber(args[0], 1) ? Text("dbo") : Text("sys");
+            }},
+      Entry{"schema_id", [](Session&, Args) { return Integer(1); }},
+      Entry{"user_id", [](Session&, Args) { return Integer(1); }},
+      Entry{"suser_sname", [](Session& s, Args) { return Text(s.login_); }},
+      Entry{"suser_name", [](Session& s, Args) { return Text(s.login_); }},
+      Entry{"system_user", [](Session& s, Args) { return Text(s.login_); }},
+      Entry{"original_login", [](Session& s, Args) { return Text(s.login_); }},
+      Entry{"host_name", [](Session&, Args) { return Text("localhost"); }},
+      Entry{"app_name", [](Session&, Args) { return Text(""); }},
+      Entry{"is_srvrolemember", [](Session&, Args) { return Integer(1); }},
+      Entry{"is_member", [](Session&, Args) { return Integer(1); }},
+      Entry{"has_dbaccess", [](Session&, Args) { return Integer(1); }},
+      Entry{"object_id",
+            [](Session& s, Args args) {
+              return ObjectIdOf(s, TextArgument(args, 0), TextArgument(args, 1));
+            }},
+      Entry{"object_name", [](Session& s, Args args) { return ObjectNameOf(s, args); }},
+      Entry{"col_name", [](Session& s, Args args) { return ColumnNameOf(s, args); }},
+      Entry{"columnproperty", [](Session& s, Args args) { return ColumnPropertyOf(s, args); }},
+      Entry{"objectproperty", [](Session& s, Args args) { return ObjectPropertyOf(s, args); }},
+      Entry{"databasepropertyex",
+            [](Session&, Args args) {
+              return SameName(TextArgument(args, 1), "collation")
+                         ? Text("SQL_Latin1_General_CP1_CI_AS")
+                         : Text("ONLINE");
+            }},
+      Entry{"serverproperty",
+            [](Session&, Args args) {
+              for (const ServerProperty& property : kServerProperties) {
+                if (SameName(property.name, TextArgument(args, 0))) return Text(property.value);
+              }
+              if (SameName(TextArgument(args, 0), "engineedition")) return Integer(3);
+              if (SameName(TextArgument(args, 0), "isintegratedsecurityonly")) return Integer(0);
+              return Null(NVarChar(128));
+            }},
+      Entry{"error_number",
+            [](Session& s, Args) {
+              return s.caught_ ? Integer(s.caught_->number) : Null(IntType());
+            }},
+      Entry{"error_severity",
+            [](Session& s, Args) {
+              return s.caught_ ? Integer(s.caught_->severity) : Null(IntType());
+            }},
+      Entry{
+          "error_state",
+          [](Session& s, Args) { return s.caught_ ? Integer(s.caught_->state) : Null(IntType()); }},
+      Entry{
+          "error_line",
+          [](Session& s, Args) { return s.caught_ ? Integer(s.caught_->line) : Null(IntType()); }},
+      Entry{"error_procedure", [](Session&, Args) { return Null(NVarChar(128)); }},
+      Entry{"error_message",
+            [](Session& s, Args) {
+              return s.caught_ ? Result{s.caught_->text, NVarChar(4000)} : Null(NVarChar(4000));
+            }},
+  };
+  for (const Entry& entry : kEntries) {
+    if (entry.name == name) return entry.value(*this, arguments);
+  }
+  return std::nullopt;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sandbox/sql/types.h"
+
+namespace sandbox {
+
+/// A column as defined. Default texts are in the server's normalised form, "((0))".
+struct ColumnDef {
+  int id = 0;  // from 1, never used twice within a table
+  std::string name;
+  TypeInfo type;
+  bool nullable = true;
+  bool identity = false;
+  std::int64_t seed = 1;
+  std::int64_t increment = 1;
+  std::string default_name;
+  std::string default_text;  // empty when there is none
+  int default_id = 0;
+  bool row_guid = false;
+};
+
+struct IndexColumn {
+  int column_id = 0;
+  bool descending = false;
+};
+
+/// An index; primary keys and unique constraints are indexes too.
+struct IndexDef {
+  int id = 0;         // from 1, within the table
+  int object_id = 0;  // of the constraint; 0 for a plain index
+  std::string name;
+  bool unique = false;
+  bool primary = false;
+  bool clustered = false;
+  std::vector<IndexColumn> columns;
+  bool IsConstraint() const { return object_id != 0; }
+};
+
+enum class ForeignKeyRule { NoAction, Cascade, SetNull, SetDefault };
+
+struct ForeignKeyDef {
+  int id = 0;
+  std::string name;
+  std::vector<int> columns;
+  int parent_table = 0;  // the referenced table
+  std::vector<int> parent_columns;
+  ForeignKeyRule on_delete = ForeignKeyRule::NoAction;
+  ForeignKeyRule on_update = ForeignKeyRule::NoAction;
+};
+
+struct CheckDef {
+  int id = 0;
+  std::string name;
+  std::string text;   // normalised, in parentheses
+  int column_id = 0;  // 0 for a check of the table
+};
+
+struct TableDef {
+  int id = 0;
+  std::string name;
+  std::int64_t created = 0;  // ticks of 100 ns since 0001-01-01
+  int next_column_id = 1;
+  std::vector<ColumnDef> columns;
+  std::vector<IndexDef> indexes;
+  std::vector<ForeignKeyDef> foreign_keys;
+  std::vector<CheckDef> checks;
+
+  const ColumnDef* FindColumn(std::string_view column) const;
+  const ColumnDef& Column(int column_id) const;
+  const IndexDef* FindIndex(std::string_view index) const;
+  const IndexDef* PrimaryKey() const;
+  const ColumnDef* IdentityColumn() const;
+  /// Names in SQLite: the table "t<id>", its columns "c<id>", its indexes "i<table id>_<id>".
+  std::string StoredName() const;
+  std::string StoredIndexName(const IndexDef& index) const;
+  static std::string StoredColumn(int column_id);
+};
+
+struct ViewDef {
+  int id = 0;
+  std::string name;
+  std::int64_t created = 0;
+  std::string text;  // the whole CREATE VIEW statement
+};
+
+/// A constraint found by its name, with the table that has it.
+struct ConstraintRef {
+  enum class Kind { Default, Index, ForeignKey, Check };
+  const TableDef* table = nullptr;
+  Kind kind = Kind::Default;
+  int id = 0;
+};
+
+/// All definitions of one database.
+struct Catalog {
+  std::map<int, TableDef> tables;
+  std::map<int, ViewDef> views;
+  int last_object_id = 0;
+
+  int NewObjectId();
+  const TableDef* FindTable(std::string_view name) const;
+  const ViewDef* FindView(std::string_view name) const;
+  const ConstraintRef FindConstraint(std::string_view name) const;
+  /// True when any object of the database (table, view, constraint) has the name.
+  bool HasObject(std::string_view name) const;
+  /// The tables in the order of their names.
+  std::vector<const TableDef*> Sorted() const;
+};
+
+}  // namespace sandbox

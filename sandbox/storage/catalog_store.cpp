@@ -1,0 +1,247 @@
+#include "sandbox/storage/catalog_store.h"
+
+#include "sandbox/storage/encoding.h"
+
+namespace sandbox {
+namespace {
+
+constexpr const char* kSchema = R"(
+CREATE TABLE cat_table(id INTEGER PRIMARY KEY, name TEXT, created INTEGER, next_column INTEGER);
+CREATE TABLE cat_view(id INTEGER PRIMARY KEY, name TEXT, created INTEGER, body TEXT);
+CREATE TABLE cat_column(table_id INTEGER, position INTEGER, id INTEGER, name TEXT, type INTEGER,
+  nullable INTEGER, identity INTEGER, seed INTEGER, increment INTEGER, default_name TEXT,
+  default_text TEXT, default_id INTEGER, row_guid INTEGER, PRIMARY KEY(table_id, position));
+CREATE TABLE cat_index(table_id INTEGER, id INTEGER, object_id INTEGER, name TEXT, is_unique INTEGER,
+  is_primary INTEGER, clustered INTEGER, PRIMARY KEY(table_id, id));
+CREATE TABLE cat_index_column(table_id INTEGER, index_id INTEGER, position INTEGER,
+  column_id INTEGER, descending INTEGER, PRIMARY KEY(table_id, index_id, position));
+CREATE TABLE cat_foreign_key(table_id INTEGER, id INTEGER PRIMARY KEY, name TEXT,
+  parent INTEGER, on_delete INTEGER, on_update INTEGER);
+CREATE TABLE cat_foreign_key_column(table_id INTEGER, key_id INTEGER, position INTEGER,
+  column_id INTEGER, parent_column INTEGER, PRIMARY KEY(key_id, position));
+CREATE TABLE cat_check(table_id INTEGER, id INTEGER PRIMARY KEY, name TEXT, body TEXT,
+  column_id INTEGER);
+CREATE TABLE cat_counter(name TEXT PRIMARY KEY, value INTEGER);
+)";
+
+constexpr const char* kLastObjectId = "last_object_id";
+
+constexpr const char* kPerTable[] = {
+    "cat_column", "cat_index", "cat_index_column", "cat_foreign_key", "cat_foreign_key_column",
+    "cat_check"};
+
+// Binds its arguments to the statement's parameters in their order and runs it.
+template <class... Arguments>
+void RunWith(SqliteStatement& statement, const Arguments&... arguments) {
+  int index = 0;
+  (statement.Bind(++index, arguments), ...);
+  statement.Run();
+}
+
+std::int64_t Number(std::int64_t value) {
+  return value;
+}
+
+void LoadColumns(SqliteConnection& connection, Catalog& catalog) {
+  auto rows = connection.Prepare(
+      "SELECT table_id, id, name, type, nullable, identity, seed, increment, default_name, "
+      "default_text, default_id, row_guid FROM cat_column ORDER BY table_id, position");
+  while (rows.Step()) {
+    ColumnDef column;
+    column.id = static_cast<int>(rows.Integer(1));
+    column.name = rows.Text(2);
+    column.type = UnpackType(rows.Integer(3));
+    column.nullable = rows.Integer(4) != 0;
+    column.identity = rows.Integer(5) != 0;
+    column.seed = rows.Integer(6);
+    column.increment = rows.Integer(7);
+    column.default_name = rows.Text(8);
+    column.default_text = rows.Text(9);
+    column.default_id = static_cast<int>(rows.Integer(10));
+    column.row_guid = rows.Integer(11) != 0;
+    catalog.tables[static_cast<int>(rows.Integer(0))].columns.push_back(std::move(column));
+  }
+}
+
+void LoadIndexes(SqliteConnection& connection, Catalog& catalog) {
+  auto rows = connection.Prepare(
+      "SELECT table_id, id, object_id, name, is_unique, is_primary, clustered FROM cat_index "
+      "ORDER BY table_id, id");
+  auto columns = connection.Prepare(
+      "SELECT column_id, descending FROM cat_index_column WHERE table_id=?1 AND index_id=?2 "
+      "ORDER BY position");
+  while (rows.Step()) {
+    IndexDef index;
+    index.id = static_cast<int>(rows.Integer(1));
+    index.object_id = static_cast<int>(rows.Integer(2));
+    index.name = rows.Text(3);
+    index.unique = rows.Integer(4) != 0;
+    index.primary = rows.Integer(5) != 0;
+    index.clustered = rows.Integer(6) != 0;
+    columns.Bind(1, rows.Integer(0)).Bind(2, rows.Integer(1));
+    ResetGuard guard(columns);
+    while (columns.Step()) {
+      index.columns.push_back({static_cast<int>(columns.Integer(0)), columns.Integer(1) != 0});
+    }
+    catalog.tables[static_cast<int>(rows.Integer(0))].indexes.push_back(std::move(index));
+  }
+}
+
+void LoadForeignKeys(SqliteConnection& connection, Catalog& catalog) {
+  auto rows = connection.Prepare(
+      "SELECT table_id, id, name, parent, on_delete, on_update FROM cat_foreign_key ORDER BY id");
+  auto columns = connection.Prepare(
+      "SELECT column_id, parent_column FROM cat_foreign_key_column WHERE key_id=?1 "
+      "ORDER BY position");
+  while (rows.Step()) {
+    ForeignKeyDef key;
+    key.id = static_cast<int>(rows.Integer(1));
+    key.name = rows.Text(2);
+    key.parent_table = static_cast<int>(rows.Integer(3));
+    key.on_delete = static_cast<ForeignKeyRule>(rows.Integer(4));
+    key.on_update = static_cast<ForeignKeyRule>(rows.Integer(5));
+    columns.Bind(1, rows.Integer(1));
+    ResetGuard guard(columns);
+    while (columns.Step()) {
+      key.columns.push_back(static_cast<int>(columns.Integer(0)));
+      key.parent_columns.push_back(static_cast<int>(columns.Integer(1)));
+    }
+    catalog.tables[static_cast<int>(rows.Integer(0))].foreign_keys.push_back(std::move(key));
+  }
+}
+
+void LoadChecks(SqliteConnection& connection, Catalog& catalog) {
+  auto rows =
+      connection.Prepare("SELECT table_id, id, name, body, column_id FROM cat_check ORDER BY id");
+  while (rows.Step()) {
+    catalog.tables[static_cast<int>(rows.Integer(0))].checks.push_back(
+        {static_cast<int>(rows.Integer(1)), rows.Text(2), rows.Text(3),
+         static_cast<int>(rows.Integer(4))});
+  }
+}
+
+void StoreColumns(SqliteConnection& connection, const TableDef& table) {
+  auto insert = connection.Prepare("INSERT INTO cat_column VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)");
+  std::int64_t position = 0;
+  for (const ColumnDef& column : table.columns) {
+    RunWith(insert, Number(table.id), position++, Number(column.id), std::string_view(column.name),
+            PackType(column.type), Number(column.nullable), Number(column.identity), column.seed,
+            column.increment, std::string_view(column.default_name),
+            std::string_view(column.default_text), Number(column.default_id),
+            Number(column.row_guid));
+  }
+}
+
+void StoreIndexes(SqliteConnection& connection, const TableDef& table) {
+  auto insert = connection.Prepare("INSERT INTO cat_index VALUES(?,?,?,?,?,?,?)");
+  auto insert_column = connection.Prepare("INSERT INTO cat_index_column VALUES(?,?,?,?,?)");
+  for (const IndexDef& index : table.indexes) {
+    RunWith(insert, Number(table.id), Number(index.id), Number(index.object_id),
+            std::string_view(index.name), Number(index.unique), Number(index.primary),
+            Number(index.clustered));
+    std::int64_t position = 0;
+    for (const IndexColumn& column : index.columns) {
+      RunWith(insert_column, Number(table.id), Number(index.id), position++,
+              Number(column.column_id), Number(column.descending));
+    }
+  }
+}
+
+void StoreForeignKeys(SqliteConnection& connection, const TableDef& table) {
+  auto insert = connection.Prepare("INSERT INTO cat_foreign_key VALUES(?,?,?,?,?,?)");
+  auto insert_column = connection.Prepare("INSERT INTO cat_foreign_key_column VALUES(?,?,?,?,?)");
+  for (const ForeignKeyDef& key : table.foreign_keys) {
+    RunWith(insert, Number(table.id), Number(key.id), std::string_view(key.name),
+            Number(key.parent_table), static_cast<std::int64_t>(key.on_delete),
+            static_cast<std::int64_t>(key.on_update));
+    for (std::size_t i = 0; i < key.columns.size(); ++i) {
+      RunWith(insert_column, Number(table.id), Number(key.id), static_cast<std::int64_t>(i),
+              Number(key.columns[i]), Number(key.parent_columns[i]));
+    }
+  }
+}
+
+}  // namespace
+
+void CreateCatalogTables(SqliteConnection& connection) {
+  connection.Execute(kSchema);
+}
+
+Catalog LoadCatalog(SqliteConnection& connection) {
+  Catalog catalog;
+  catalog.last_object_id = static_cast<int>(LoadCounter(connection, kLastObjectId, 0));
+  auto rows = connection.Prepare("SELECT id, name, created, next_column FROM cat_table");
+  while (rows.Step()) {
+    TableDef& table = catalog.tables[static_cast<int>(rows.Integer(0))];
+    table.id = static_cast<int>(rows.Integer(0));
+    table.name = rows.Text(1);
+    table.created = rows.Integer(2);
+    table.next_column_id = static_cast<int>(rows.Integer(3));
+  }
+  auto views = connection.Prepare("SELECT id, name, created, body FROM cat_view");
+  while (views.Step()) {
+    const int id = static_cast<int>(views.Integer(0));
+    catalog.views[id] = {id, views.Text(1), views.Integer(2), views.Text(3)};
+  }
+  LoadColumns(connection, catalog);
+  LoadIndexes(connection, catalog);
+  LoadForeignKeys(connection, catalog);
+  LoadChecks(connection, catalog);
+  return catalog;
+}
+
+void ForgetTable(SqliteConnection& connection, int table_id) {
+  for (const char* name : kPerTable) {
+    auto remove = connection.Prepare(std::string("DELETE FROM ") + name + " WHERE table_id=?1");
+    RunWith(remove, Number(table_id));
+  }
+  auto remove = connection.Prepare("DELETE FROM cat_table WHERE id=?1");
+  RunWith(remove, Number(table_id));
+}
+
+void StoreTable(SqliteConnection& connection, const Catalog& catalog, const TableDef& table) {
+  ForgetTable(connection, table.id);
+  auto insert = connection.Prepare("INSERT INTO cat_table VALUES(?,?,?,?)");
+  RunWith(insert, Number(table.id), std::string_view(table.name), table.created,
+          Number(table.next_column_id));
+  StoreColumns(connection, table);
+  StoreIndexes(connection, table);
+  StoreForeignKeys(connection, table);
+  auto insert_check = connection.Prepare("INSERT INTO cat_check VALUES(?,?,?,?,?)");
+  for (const CheckDef& check : table.checks) {
+    RunWith(insert_check, Number(table.id), Number(check.id), std::string_view(check.name),
+            std::string_view(check.text), Number(check.column_id));
+  }
+  StoreCounter(connection, kLastObjectId, catalog.last_object_id);
+}
+
+void StoreView(SqliteConnection& connection, const Catalog& catalog, const ViewDef& view) {
+  auto insert = connection.Prepare("INSERT INTO cat_view VALUES(?,?,?,?)");
+  RunWith(insert, Number(view.id), std::string_view(view.name), view.created,
+          std::string_view(view.text));
+  StoreCounter(connection, kLastObjectId, catalog.last_object_id);
+}
+
+void ForgetView(SqliteConnection& connection, int view_id) {
+  auto remove = connection.Prepare("DELETE FROM cat_view WHERE id=?1");
+  RunWith(remove, Number(view_id));
+}
+
+std::int64_t LoadCounter(SqliteConnection& connection, std::string_view name,
+                         std::int64_t when_missing) {
+  auto row = connection.Prepare("SELECT value FROM cat_counter WHERE name=?1");
+  row.Bind(1, name);
+  return row.Step() ? row.Integer(0) : when_missing;
+}
+
+void StoreCounter(SqliteConnection& connection, std::string_view name, std::int64_t value) {
+  auto insert = connection.Prepare("INSERT OR REPLACE INTO cat_counter VALUES(?1,?2)");
+  RunWith(insert, name, value);
+}
+
+void ForgetCounter(SqliteConnection& connection, std::string_view name) {
+  auto remove = connection.Prepare("DELETE FROM cat_counter WHERE name=?1");
+  RunWith(remove, name);
+}
+
+}  // namespace sandbox

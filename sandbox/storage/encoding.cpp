@@ -1,0 +1,372 @@
+#include "sandbox/storage/encoding.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cstring>
+
+namespace sandbox {
+namespace {
+
+// Positions of the text form's bytes, most significant for sorting first.
+constexpr std::array<int, 16> kGuidOrder{10, 11, 12, 13, 14, 15, 8, 9, 7, 6, 5, 4, 3, 2, 1, 0};
+
+enum class VariantTag : char { Bool = 1, Decimal, Binary, DateTime, Guid };
+
+template <class Number>
+std::string BigEndian(Number number) {
+  std::string bytes(sizeof(Number), '\0');
+  for (std::size_t i = sizeof(Number); i-- > 0; number >>= 8) {
+    bytes[i] = static_cast<char>(number & 0xFF);
+  }
+  return bytes;
+}
+
+template <class Number>
+Number FromBigEndian(std::string_view bytes) {
+  Number number = 0;
+  for (const char c : bytes.substr(0, sizeof(Number))) {
+    number = static_cast<Number>(number << 8) | static_cast<unsigned char>(c);
+  }
+  return number;
+}
+
+using UnsignedWide = UInt128;
+constexpr UnsignedWide kWideSign = UnsignedWide{1} << 127;
+
+std::string EncodeDecimal(Int128 unscaled) {
+  return BigEndian(static_cast<UnsignedWide>(unscaled) ^ kWideSign);
+}
+
+Int128 DecodeDecimal(std::string_view bytes) {
+  return static_cast<Int128>(FromBigEndian<UnsignedWide>(bytes) ^ kWideSign);
+}
+
+std::string EncodeGuid(const GuidValue& guid) {
+  std::string bytes(16, '\0');
+  for (std::size_t i = 0; i < 16; ++i) bytes[i] = static_cast<char>(guid.bytes[kGuidOrder[i]]);
+  return bytes;
+}
+
+GuidValue DecodeGuid(std::string_view bytes) {
+  GuidValue guid{};
+  for (std::size_t i = 0; i < 16 && i < bytes.size(); ++i) {
+    guid.bytes[kGuidOrder[i]] = static_cast<unsigned char>(bytes[i]);
+  }
+  return guid;
+}
+
+constexpr std::uint64_t kTickSign = std::uint64_t{1} << 63;
+
+std::string EncodeOffset(const DateTimeValue& value) {
+  const std::int64_t local = value.days * kTicksPerDay + value.ticks;
+  const std::int64_t utc = local - value.offset_minutes * 60 * kTicksPerSecond;
+  return BigEndian(static_cast<std::uint64_t>(utc) ^ kTickSign) +
+         BigEndian(static_cast<std::uint16_t>(value.offset_minutes));
+}
+
+DateTimeValue FromTicks(std::int64_t ticks) {
+  std::int64_t days = ticks / kTicksPerDay;
+  std::int64_t rest = ticks % kTicksPerDay;
+  if (rest < 0) {
+    rest += kTicksPerDay;
+    --days;
+  }
+  return {static_cast<std::int32_t>(days), rest, 0};
+}
+
+DateTimeValue DecodeOffset(std::string_view bytes) {
+  if (bytes.size() < 10) return {};
+  const auto utc = static_cast<std::int64_t>(FromBigEndian<std::uint64_t>(bytes) ^ kTickSign);
+  const auto offset = static_cast<std::int16_t>(FromBigEndian<std::uint16_t>(bytes.substr(8)));
+  DateTimeValue value = FromTicks(utc + offset * 60 * kTicksPerSecond);
+  value.offset_minutes = offset;
+  return value;
+}
+
+std::string EncodeVariant(const Value& value) {
+  const auto tagged = [](VariantTag tag, std::string bytes) {
+    bytes.insert(bytes.begin(), static_cast<char>(tag));
+    return bytes;
+  };
+  if (const auto* flag = std::get_if<bool>(&value)) {
+    return tagged(VariantTag::Bool, std::string(1, *flag ? '\1' : '\0'));
+  }
+  if (const auto* decimal = std::get_if<DecimalValue>(&value)) {
+    return tagged(VariantTag::Decimal, EncodeDecimal(decimal->unscaled) +
+                                           std::string(1, static_cast<char>(decimal->scale)));
+  }
+  if (const auto* time = std::get_if<DateTimeValue>(&value)) {
+    return tagged(VariantTag::DateTime, EncodeOffset(*time));
+  }
+  if (const auto* guid = std::get_if<GuidValue>(&value)) {
+    return tagged(VariantTag::Guid, EncodeGuid(*guid));
+  }
+  return tagged(VariantTag::Binary, std::get<BinaryValue>(value).bytes);
+}
+
+Value DecodeVariant(std::string_view bytes) {
+  if (bytes.empty()) return std::monostate();
+  const std::string_view body = bytes.substr(1);
+  switch (static_cast<VariantTag>(bytes.front())) {
+    case VariantTag::Bool:
+      return !body.empty() && body.front() != 0;
+    case VariantTag::Decimal:
+      return DecimalValue{DecodeDecimal(body), body.size() > 16 ? body[16] : 0};
+    case VariantTag::DateTime:
+      return DecodeOffset(body);
+    case VariantTag::Guid:
+      return DecodeGuid(body);
+    case VariantTag::Binary:
+      break;
+  }
+  return BinaryValue{std::string(body)};
+}
+
+std::int64_t DateTimeNumber(const DateTimeValue& value, SqlType type) {
+  if (type == SqlType::Date) return value.days;
+  if (type == SqlType::Time) return value.ticks;
+  return value.days * kTicksPerDay + value.ticks;
+}
+
+// Hands the stored form of a value to `out`, which has Null, Integer, Real, Text and Blob.
+template <class Out>
+void Encode(const Value& value, const TypeInfo& type, Out&& out) {
+  switch (value.index()) {
+    case 0:
+      return out.Null();
+    case 1:
+      if (type.type == SqlType::Variant) return out.Blob(EncodeVariant(value));
+      return out.Integer(std::get<bool>(value) ? 1 : 0);
+    case 2:
+      return out.Integer(std::get<std::int64_t>(value));
+    case 3:
+      return out.Real(std::get<double>(value));
+    case 5:
+      return out.Text(std::get<std::string>(value));
+    default:
+      break;
+  }
+  if (type.type == SqlType::Variant) return out.Blob(EncodeVariant(value));
+  if (const auto* decimal = std::get_if<DecimalValue>(&value)) {
+    return out.Blob(EncodeDecimal(decimal->unscaled));
+  }
+  if (const auto* binary = std::get_if<BinaryValue>(&value)) return out.Blob(binary->bytes);
+  if (const auto* guid = std::get_if<GuidValue>(&value)) return out.Blob(EncodeGuid(*guid));
+  const auto& time = std::get<DateTimeValue>(value);
+  if (type.type == SqlType::DateTimeOffset) return out.Blob(EncodeOffset(time));
+  out.Integer(DateTimeNumber(time, type.type));
+}
+
+struct Binding {
+  sqlite3_stmt* statement;
+  int index;
+  void Null() { sqlite3_bind_null(statement, index); }
+  void Integer(std::int64_t number) { sqlite3_bind_int64(statement, index, number); }
+  void Real(double number) { sqlite3_bind_double(statement, index, number); }
+  void Text(const std::string& text) {
+    sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+  }
+  void Blob(const std::string& bytes) {
+    sqlite3_bind_blob64(statement, index, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+  }
+};
+
+struct Returning {
+  sqlite3_context* context;
+  void Null() { sqlite3_result_null(context); }
+  void Integer(std::int64_t number) { sqlite3_result_int64(context, number); }
+  void Real(double number) { sqlite3_result_double(context, number); }
+  void Text(const std::string& text) {
+    sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+  }
+  void Blob(const std::string& bytes) {
+    sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+  }
+};
+
+struct Writing {
+  std::string text;
+  void Null() { text = "NULL"; }
+  void Integer(std::int64_t number) {
+    // The lowest number can't be written with a minus in front: its digits alone overflow.
+    text = number == INT64_MIN ? "(-9223372036854775807-1)" : fmt::format("{}", number);
+  }
+  void Real(double number) {
+    text = fmt::format("{:#.17g}", number);
+    if (number > 1.7976931348623157e308) text = "9e999";
+  }
+  void Blob(const std::string& bytes) {
+    text = "x'";
+    for (const char c : bytes) text += fmt::format("{:02x}", static_cast<unsigned char>(c));
+    text += '\'';
+  }
+  void Text(const std::string& value) {
+    if (value.find('\0') != std::string::npos) {
+      Blob(value);
+      text = "CAST(" + text + " AS TEXT)";
+      return;
+    }
+    text = "'";
+    for (const char c : value) text.append(c == '\'' ? 2 : 1, c);
+    text += '\'';
+  }
+};
+
+struct ColumnSource {
+  sqlite3_stmt* statement;
+  int column;
+  int Kind() const { return sqlite3_column_type(statement, column); }
+  std::int64_t Integer() const { return sqlite3_column_int64(statement, column); }
+  double Real() const { return sqlite3_column_double(statement, column); }
+  std::string_view Text() const {
+    const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+    return {data ? data : "", static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+  }
+  std::string_view Blob() const {
+    const auto* data = static_cast<const char*>(sqlite3_column_blob(statement, column));
+    return {data ? data : "", static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+  }
+};
+
+struct ArgumentSource {
+  sqlite3_value* value;
+  int Kind() const { return sqlite3_value_type(value); }
+  std::int64_t Integer() const { return sqlite3_value_int64(value); }
+  double Real() const { return sqlite3_value_double(value); }
+  std::string_view Text() const {
+    const auto* data = reinterpret_cast<const char*>(sqlite3_value_text(value));
+    return {data ? data : "", static_cast<std::size_t>(sqlite3_value_bytes(value))};
+  }
+  std::string_view Blob() const {
+    const auto* data = static_cast<const char*>(sqlite3_value_blob(value));
+    return {data ? data : "", static_cast<std::size_t>(sqlite3_value_bytes(value))};
+  }
+};
+
+void AssignText(Value& value, std::string_view text) {
+  if (auto* held = std::get_if<std::string>(&value)) {
+    held->assign(text);
+  } else {
+    value.emplace<std::string>(text);
+  }
+}
+
+template <class Source>
+void DecodeVariantFrom(const Source& source, Value& value) {
+  switch (source.Kind()) {
+    case SQLITE_INTEGER:
+      value = source.Integer();
+      return;
+    case SQLITE_FLOAT:
+      value = source.Real();
+      return;
+    case SQLITE_TEXT:
+      return AssignText(value, source.Text());
+    default:
+      value = DecodeVariant(source.Blob());
+  }
+}
+
+template <class Source>
+void Decode(const Source& source, const TypeInfo& type, Value& value) {
+  if (source.Kind() == SQLITE_NULL) {
+    value = std::monostate();
+    return;
+  }
+  switch (type.type) {
+    case SqlType::Bit:
+      value = source.Integer() != 0;
+      return;
+    case SqlType::TinyInt:
+    case SqlType::SmallInt:
+    case SqlType::Int:
+    case SqlType::BigInt:
+      value = source.Integer();
+      return;
+    case SqlType::Decimal:
+    case SqlType::Numeric:
+      value = DecimalValue{DecodeDecimal(source.Blob()), type.scale};
+      return;
+    case SqlType::SmallMoney:
+    case SqlType::Money:
+      value = DecimalValue{DecodeDecimal(source.Blob()), 4};
+      return;
+    case SqlType::Real:
+    case SqlType::Float:
+      value = source.Real();
+      return;
+    case SqlType::SmallDateTime:
+    case SqlType::DateTime:
+    case SqlType::DateTime2:
+      value = FromTicks(source.Integer());
+      return;
+    case SqlType::DateTimeOffset:
+      value = DecodeOffset(source.Blob());
+      return;
+    case SqlType::Date:
+      value = DateTimeValue{static_cast<std::int32_t>(source.Integer()), 0, 0};
+      return;
+    case SqlType::Time:
+      value = DateTimeValue{0, source.Integer(), 0};
+      return;
+    case SqlType::Char:
+    case SqlType::VarChar:
+    case SqlType::Text:
+    case SqlType::NChar:
+    case SqlType::NVarChar:
+    case SqlType::NText:
+    case SqlType::Xml:
+      return AssignText(value, source.Text());
+    case SqlType::Binary:
+    case SqlType::VarBinary:
+    case SqlType::Image:
+    case SqlType::Timestamp:
+      value = BinaryValue{std::string(source.Blob())};
+      return;
+    case SqlType::UniqueIdentifier:
+      value = DecodeGuid(source.Blob());
+      return;
+    case SqlType::Variant:
+      return DecodeVariantFrom(source, value);
+  }
+}
+
+}  // namespace
+
+void BindValue(sqlite3_stmt* statement, int index, const Value& value, const TypeInfo& type) {
+  Encode(value, type, Binding{statement, index});
+}
+
+void ReadColumn(sqlite3_stmt* statement, int column, const TypeInfo& type, Value& value) {
+  Decode(ColumnSource{statement, column}, type, value);
+}
+
+Value ReadArgument(sqlite3_value* argument, const TypeInfo& type) {
+  Value value;
+  Decode(ArgumentSource{argument}, type, value);
+  return value;
+}
+
+void ReturnValue(sqlite3_context* context, const Value& value, const TypeInfo& type) {
+  Encode(value, type, Returning{context});
+}
+
+std::string SqliteLiteral(const Value& value, const TypeInfo& type) {
+  Writing writing;
+  Encode(value, type, writing);
+  return writing.text;
+}
+
+std::int64_t PackType(const TypeInfo& type) {
+  return static_cast<std::int64_t>(type.type) | static_cast<std::int64_t>(type.length + 1) << 8 |
+         static_cast<std::int64_t>(type.precision) << 40 |
+         static_cast<std::int64_t>(type.scale) << 48;
+}
+
+TypeInfo UnpackType(std::int64_t packed) {
+  return {static_cast<SqlType>(packed & 0xFF), static_cast<int>((packed >> 8) & 0xFFFFFFFF) - 1,
+          static_cast<int>((packed >> 40) & 0xFF), static_cast<int>((packed >> 48) & 0xFF)};
+}
+
+}  // namespace sandbox

@@ -1,0 +1,133 @@
+#include "sandbox/storage/server_folder.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+
+#include "sandbox/storage/catalog_store.h"
+#include "sandbox/storage/encoding.h"
+#include "sandbox/storage/text_order.h"
+
+namespace sandbox {
+namespace {
+
+constexpr std::int64_t kDaysToUnixEpoch = 719162;
+
+}  // namespace
+
+std::int64_t NowTicks() {
+  using std::chrono::system_clock;
+  const auto now = system_clock::now();
+  const std::time_t seconds = system_clock::to_time_t(now);
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  const auto ticks =
+      std::chrono::duration_cast<std::chrono::nanoseconds>(now - system_clock::from_time_t(seconds))
+          .count() /
+      100;
+  return kDaysToUnixEpoch * kTicksPerDay + (seconds + local.tm_gmtoff) * kTicksPerSecond + ticks;
+}
+
+DatabaseState::DatabaseState(std::string database_name, std::filesystem::path database_file,
+                             int database_id, std::int64_t when)
+    : name(std::move(database_name)),
+      file(std::move(database_file)),
+      id(database_id),
+      created(when) {}
+
+std::optional<std::int64_t> DatabaseState::LastIdentity(int table_id) {
+  std::lock_guard lock(mutex_);
+  const auto found = last_identity_.find(table_id);
+  return found == last_identity_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void DatabaseState::SetLastIdentity(int table_id, std::optional<std::int64_t> value) {
+  std::lock_guard lock(mutex_);
+  if (value) {
+    last_identity_[table_id] = *value;
+  } else {
+    last_identity_.erase(table_id);
+  }
+}
+
+std::int64_t DatabaseState::NextRowVersion(std::int64_t stored) {
+  std::lock_guard lock(mutex_);
+  row_version_ = std::max(row_version_, stored) + 1;
+  return row_version_;
+}
+
+ServerFolder::ServerFolder(std::filesystem::path folder, bool durable)
+    : folder_(std::move(folder)), durable_(durable) {
+  std::filesystem::create_directories(folder_);
+  index_ = std::make_unique<SqliteConnection>(folder_ / "server.db", durable_);
+  index_->Execute(
+      "CREATE TABLE IF NOT EXISTS databases(id INTEGER PRIMARY KEY, name TEXT, created INTEGER)");
+  auto rows = index_->Prepare("SELECT id, name, created FROM databases ORDER BY id");
+  while (rows.Step()) {
+    const int id = static_cast<int>(rows.Integer(0));
+    databases_.push_back(std::make_shared<DatabaseState>(
+        rows.Text(1), folder_ / fmt::format("database{}.db", id), id, rows.Integer(2)));
+  }
+  rows.Reset();
+  for (const char* name : {"master", "tempdb", "model", "msdb"}) {
+    if (!Find(name)) Add(name);
+  }
+}
+
+std::shared_ptr<DatabaseState> ServerFolder::Find(std::string_view name) const {
+  std::lock_guard lock(mutex_);
+  for (const auto& database : databases_) {
+    if (CompareText(database->name, name) == 0) return database;
+  }
+  return nullptr;
+}
+
+std::vector<std::shared_ptr<DatabaseState>> ServerFolder::All() const {
+  std::lock_guard lock(mutex_);
+  return databases_;
+}
+
+std::shared_ptr<DatabaseState> ServerFolder::Create(std::string_view name) {
+  std::lock_guard lock(mutex_);
+  for (const auto& database : databases_) {
+    if (CompareText(database->name, name) == 0) return nullptr;
+  }
+  return Add(name);
+}
+
+// The file is complete before the index names it: a crash in between leaves no half database.
+std::shared_ptr<DatabaseState> ServerFolder::Add(std::string_view name) {
+  int id = 1;
+  for (const auto& database : databases_) id = std::max(id, database->id + 1);
+  const auto file = folder_ / fmt::format("database{}.db", id);
+  for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(file.string() + suffix);
+  SqliteConnection connection(file, durable_);
+  connection.Execute("BEGIN IMMEDIATE");
+  CreateCatalogTables(connection);
+  connection.Execute("COMMIT");
+  const std::int64_t created = NowTicks();
+  auto insert = index_->Prepare("INSERT INTO databases VALUES(?1,?2,?3)");
+  insert.Bind(1, id).Bind(2, name).Bind(3, created).Run();
+  databases_.push_back(std::make_shared<DatabaseState>(std::string(name), file, id, created));
+  return databases_.back();
+}
+
+void ServerFolder::Drop(const DatabaseState& database) {
+  std::lock_guard lock(mutex_);
+  const auto file = database.file;
+  const int id = database.id;
+  auto remove = index_->Prepare("DELETE FROM databases WHERE id=?1");
+  remove.Bind(1, id).Run();
+  std::erase_if(databases_, [&](const auto& entry) { return entry->id == id; });
+  for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(file.string() + suffix);
+}
+
+SqliteConnection ServerFolder::Connect(const DatabaseState& database) const {
+  SqliteConnection connection(database.file, durable_);
+  RegisterTextOrder(connection.get());
+  return connection;
+}
+
+}  // namespace sandbox

@@ -1,0 +1,1 @@
+#include "tests/sandbox_sql/batch.h"
