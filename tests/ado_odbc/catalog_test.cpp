@@ -112,13 +112,14 @@ TEST_F(ServerTest, IndexesComeWholeWithThePrimaryKeyMarked) {
 TEST_F(ServerTest, ForeignKeysComeWholeWithTheirRules) {
   Run("create table parent (x int not null, y int not null, primary key (x, y))");
   Run("create table other (id int not null primary key)");
+  Run("create table third (id int not null primary key)");
   Run("create table child (id int not null primary key, p int null, q int null, o int null,"
       " s int null default 1,"
       " constraint fk_pair foreign key (p, q) references parent (x, y)"
       "  on delete cascade on update no action,"
       " constraint fk_null foreign key (o) references other (id)"
       "  on delete set null on update cascade,"
-      " constraint fk_default foreign key (s) references other (id)"
+      " constraint fk_default foreign key (s) references third (id)"
       "  on delete set default on update no action)");
   const std::vector<Key> keys = session_->Keys("child");
   EXPECT_EQ(keys.size(), 4U);
