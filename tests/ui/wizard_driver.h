@@ -29,17 +29,19 @@ inline std::ostream& operator<<(std::ostream& out, const SeenBox& box) {
   return out << box.title.toStdString() << ": " << box.text.toStdString();
 }
 
-/// A wizard on scripted servers, driven as a person does: by clicks and keys on its controls. Every
-/// message box that appears is noted and answered with its OK or Yes button, or with No.
+/// A wizard, on scripted servers as a rule, driven as a person does: by clicks and keys on its
+/// controls. Every message box that appears is noted and answered with its OK or Yes button, or
+/// with No.
 class WizardDriver {
  public:
   explicit WizardDriver(Script& script)
-      : WizardDriver(script, [&script](ServerKind kind, IRunHost& host) {
+      : WizardDriver([&script](ServerKind kind, IRunHost& host) {
           script.host = &host;
           return std::make_unique<ScriptedEndpoint>(kind, script);
         }) {}
 
-  WizardDriver(Script&, HostedEndpointFactory make_endpoint)
+  /// On other endpoints, real ones perhaps.
+  explicit WizardDriver(HostedEndpointFactory make_endpoint)
       : wizard_({.make_endpoint = std::move(make_endpoint),
                  .settings_folder = folder_.Path(),
                  .show_help = [this](std::int32_t context) { help_contexts.push_back(context); },
