@@ -68,8 +68,6 @@ ado::Value DataValue(const ado::Value& value, const ado::FieldInfo& field, const
     if (facts.nullable) return {};
     return Converter::Text(facts.default_text);
   }
-  // A variant's values have no text of their own.
-  if (field.type == DataType::Variant) return std::string_view();
   return std::visit(Converter{field, storage}, value);
 }
 

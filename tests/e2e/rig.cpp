@@ -1,0 +1,117 @@
+#include "tests/e2e/rig.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "platform/text/code_page.h"
+
+namespace dorvane::test {
+
+namespace {
+
+void Prepare(IDatabase& endpoint, int port, const std::string& user, const std::string& password,
+             const std::string& database) {
+  endpoint.SetServer("127.0.0.1");
+  endpoint.SetPortNo(static_cast<std::int16_t>(port));
+  endpoint.SetUserId(user);
+  endpoint.SetPassword(password);
+  endpoint.SetDbName(database);
+}
+
+void WriteSettings(const Job& job, const TempFolder& folder) {
+  const bool from_ms_sql = job.source == ServerKind::MsSql;
+  PlainEndpoint src(job.source);
+  PlainEndpoint dest(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql);
+  Rig& rig = Rig::Get();
+  Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : rig.MsSql().Port(), "sa",
+          job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
+  Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : rig.MySql().Port(), "root",
+          job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
+  src.SetCopyTableContent(true);
+  src.SetConvertMode(job.mode);
+  src.SetConvertRelationships(job.relationships);
+  src.SetReplaceSpaceWithUnderscore(job.underscores);
+  text::LineWriter file(folder / "run.dcs", text::OpenMode::Replace);
+  WriteConversionSettings(file, src, dest, job.tables, (folder / "log.txt").string());
+}
+
+std::string Trimmed(std::string text) {
+  const auto is_blank = [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; };
+  text.erase(text.begin(), std::ranges::find_if_not(text, is_blank));
+  while (!text.empty() && is_blank(text.back())) text.pop_back();
+  return text;
+}
+
+}  // namespace
+
+Rig& Rig::Get() {
+  static Rig rig;
+  return rig;
+}
+
+std::string Rig::NewMsSqlDatabase() {
+  const std::string name = fmt::format("db{}", ++databases_);
+  ms_sql_.Script("create database " + name + "\ngo\n", "master");
+  return name;
+}
+
+std::string Rig::NewDatabases() {
+  const std::string name = NewMsSqlDatabase();
+  my_sql_.Query("create database " + name + " character set utf8mb4");
+  return name;
+}
+
+std::string Rig::MsSqlValue(const std::string& query, const std::string& database) const {
+  ado::Connection connection;
+  Open(connection, database);
+  ado::Recordset rows = connection.Execute(query);
+  std::string text;
+  for (; !rows.AtEnd(); rows.MoveNext()) text += rows.Field(0).Text() + "\n";
+  return Trimmed(text);
+}
+
+std::string Rig::MySqlValue(const std::string& query, const std::string& database) const {
+  return Trimmed(my_sql_.Query(query, database));
+}
+
+void Rig::Open(ado::Connection& connection, const std::string& database) const {
+  connection.SetConnectionString("Provider=SQLOLEDB.1");
+  connection.SetSettings({.server = "127.0.0.1",
+                          .port = ms_sql_.Port(),
+                          .user_id = "sa",
+                          .password = ms_sql_.Password(),
+                          .database = database});
+  connection.Open();
+}
+
+ProgramRun::ProgramRun(const Job& job,
+                       std::vector<std::pair<std::string, std::string>> environment) {
+  WriteSettings(job, folder_);
+  // No display, and none of the user's own settings: neither may matter.
+  environment.insert(environment.end(), {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
+  process_ = std::make_unique<Process>(
+      std::vector<std::string>{"/usr/bin/time", "--output=" + (folder_ / "peak").string(),
+                               "--format=%M", DORVANE_PROGRAM, (folder_ / "run.dcs").string()},
+      folder_ / "output", environment);
+}
+
+int ProgramRun::Wait(std::chrono::seconds limit) {
+  const auto status = process_->Wait(limit);
+  EXPECT_TRUE(status) << "the program hangs; its log:\n" << Log();
+  return status.value_or(-1);
+}
+
+std::string ProgramRun::Log() const {
+  std::string log = text::FromAnsi(ReadFile(folder_ / "log.txt"));
+  std::erase(log, '\r');
+  return log;
+}
+
+long ProgramRun::PeakKiB() const {
+  const std::string lines = Trimmed(ReadFile(folder_ / "peak"));
+  return std::stol(lines.substr(lines.rfind('\n') + 1));
+}
+
+}  // namespace dorvane::test

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/conversion_settings.h"
+#include "tests/app/plain_endpoint.h"
+#include "tests/support/process.h"
+#include "tests/support/servers.h"
+
+namespace dorvane::test {
+
+/// What one unattended run is asked for; both servers are the rig's unless changed.
+struct Job {
+  ServerKind source = ServerKind::MsSql;
+  std::string source_db;
+  std::string dest_db;
+  NameList tables;
+  std::int16_t mode = convert_mode::kOverwrite;
+  bool relationships = false;
+  bool underscores = false;
+  int ms_sql_port = 0;  // 0: the rig's server
+  int my_sql_port = 0;
+  std::string ms_sql_password = "secret";
+  std::string my_sql_password = "secret";
+};
+
+/// Two private servers, shared by all tests of the program, and runs of the real program.
+class Rig {
+ public:
+  static Rig& Get();
+
+  SandboxServer& MsSql() { return ms_sql_; }
+  PrivateMariaDb& MySql() { return my_sql_; }
+  /// Fresh, empty databases; returns their common name.
+  std::string NewDatabases();
+  /// A fresh, empty database on the practice SQL Server.
+  std::string NewMsSqlDatabase();
+
+  /// One value or the lines of a query, blanks and headings removed.
+  std::string MsSqlValue(const std::string& query, const std::string& database) const;
+  std::string MySqlValue(const std::string& query, const std::string& database) const;
+
+  /// Opens a connection to a database of the practice SQL Server.
+  void Open(ado::Connection& connection, const std::string& database) const;
+
+ private:
+  Rig() = default;
+  PrivateMariaDb my_sql_;
+  SandboxServer ms_sql_{{"first"}};
+  int databases_ = 0;
+};
+
+/// A run of the program in a folder of its own.
+class ProgramRun {
+ public:
+  explicit ProgramRun(const Job& job,
+                      std::vector<std::pair<std::string, std::string>> environment = {});
+
+  Process& Program() { return *process_; }
+  /// The exit status; fails the test when the program hangs.
+  int Wait(std::chrono::seconds limit = std::chrono::seconds(120));
+  /// UTF-8, lines ended by line feeds.
+  std::string Log() const;
+  std::string Output() const { return ReadFile(folder_ / "output"); }
+  /// Peak resident memory of the finished program, in KiB.
+  long PeakKiB() const;
+
+ private:
+  TempFolder folder_;
+  std::unique_ptr<Process> process_;
+};
+
+}  // namespace dorvane::test

@@ -1,0 +1,167 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/e2e/rig.h"
+#include "tests/support/compare.h"
+
+namespace dorvane::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+const NameList kTables = {"Departments", "Employees",   "Countries", "Warehouses",    "Products",
+                          "Stocks",      "Shipments",   "Couriers",  "Order Details", "Every Type",
+                          "Pictures",    "Suggestions", "Readings"};
+
+std::size_t Occurrences(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+/// The sample company on both servers, converted once and shared by the tests below.
+class Sample : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    Rig& rig = Rig::Get();
+    database_ = rig.NewDatabases();
+    rig.MsSql().Script(ReadFile(SAMPLE_DATABASE), database_);
+    ProgramRun run(
+        {.source_db = database_, .dest_db = database_, .tables = kTables, .relationships = true});
+    status_ = run.Wait();
+    log_ = run.Log();
+  }
+
+  static std::string MySql(const std::string& query) {
+    return Rig::Get().MySqlValue(query, database_);
+  }
+  static std::string MsSql(const std::string& query) {
+    return Rig::Get().MsSqlValue(query, database_);
+  }
+  static std::string Rows() {
+    std::string rows;
+    for (const std::string& table : kTables) {
+      rows += table + " " + MySql("select count(*) from `" + table + "`") + "\n";
+    }
+    return rows;
+  }
+
+  static std::string database_;
+  static std::string log_;
+  static int status_;
+};
+
+std::string Sample::database_;
+std::string Sample::log_;
+int Sample::status_ = -1;
+
+TEST_F(Sample, ConvertsEveryTableAndReportsTheRuleThatMySqlLacks) {
+  EXPECT_EQ(Occurrences(log_, "Done!\n"), kTables.size()) << log_;
+  EXPECT_EQ(Occurrences(log_, "Error - "), 1u) << log_;
+  EXPECT_THAT(log_, HasSubstr("Creating Relationship Error - Unexpected error "));
+  EXPECT_EQ(status_, 1);
+  for (const std::string& table : kTables) {
+    EXPECT_EQ(MySql("select count(*) from `" + table + "`"),
+              MsSql("select count(*) from [" + table + "]"))
+        << table;
+  }
+}
+
+TEST_F(Sample, KeepsDefinitions) {
+  const auto definition = [](const std::string& table) {
+    return MySql("show create table `" + table + "`");
+  };
+  EXPECT_THAT(definition("Employees"), HasSubstr("`EmployeeId` int(11) NOT NULL AUTO_INCREMENT"));
+  EXPECT_THAT(definition("Employees"), HasSubstr("ON DELETE SET NULL"));
+  EXPECT_THAT(definition("Employees"),
+              HasSubstr("KEY `IX_Employees_Name` (`LastName`,`FirstName`)"));
+  EXPECT_THAT(definition("Stocks"), HasSubstr("PRIMARY KEY (`Country`,`Number`,`ProductId`)"));
+  EXPECT_THAT(definition("Stocks"),
+              HasSubstr("FOREIGN KEY (`Country`, `Number`) REFERENCES `Warehouses` (`Country`, "
+                        "`Number`) ON DELETE CASCADE ON UPDATE CASCADE"));
+  EXPECT_THAT(definition("Order Details"), HasSubstr("UNIQUE KEY `UX Order Details`"));
+  EXPECT_THAT(definition("Every Type"), HasSubstr("`ADateTime2` datetime(6)"));
+  EXPECT_THAT(definition("Every Type"), HasSubstr("`ADecimal` decimal(38,10)"));
+  EXPECT_THAT(definition("Couriers"), Not(HasSubstr("CONSTRAINT")));
+}
+
+TEST_F(Sample, KeepsValues) {
+  EXPECT_EQ(MySql("select LastName from Employees where EmployeeId = 100"), "O'Neill");
+  EXPECT_EQ(
+      MySql("select Remarks = 'She said: \"back\\\\slash\"' from Employees where EmployeeId = 100"),
+      "1");
+  EXPECT_EQ(MySql("select char_length(Remarks) from Employees where EmployeeId = 115"), "8");
+  EXPECT_EQ(MySql("select ADecimal from `Every Type` where Id = 1"),
+            "-1234567890123456789012345678.0123456789");
+  EXPECT_EQ(MySql("select AMoney from `Every Type` where Id = 1"), "-922337203685477.5808");
+  EXPECT_EQ(MySql("select ADateTime2 from `Every Type` where Id = 1"),
+            "1000-01-01 00:00:00.000001");
+  EXPECT_EQ(MySql("select ATime from `Every Type` where Id = 2"), "23:59:59.999999");
+  EXPECT_EQ(MySql("select hex(AGuid) from `Every Type` where Id = 1"),
+            "00000000000000000000000000000001");
+  EXPECT_EQ(MySql("select hex(AVarBinary) from `Every Type` where Id = 2"), "DEADBEEF");
+  EXPECT_EQ(MySql("select AFloat = 0.1 from `Every Type` where Id = 2"), "1");
+  EXPECT_EQ(MySql("select count(*) from `Every Type` where ABigInt is null and AnXml is null and "
+                  "AGuid is null and AnImage is null"),
+            "1");
+  EXPECT_EQ(MySql("select group_concat(length(Picture) order by PictureId) from Pictures"),
+            "2500,5242880");
+  EXPECT_EQ(MySql("select group_concat(PictureId order by PictureId) from Pictures"), "0,1,2");
+  EXPECT_EQ(MySql("select md5(Picture) = md5(repeat('Dorvane ', 655360)) from Pictures where "
+                  "PictureId = 1"),
+            "1");
+}
+
+TEST_F(Sample, ASecondMergeAddsNothingAndASecondOverwriteEndsWithTheSameRows) {
+  const std::string rows = Rows();
+  for (const std::int16_t mode : {convert_mode::kMerge, convert_mode::kOverwrite}) {
+    // Overwriting drops tables one by one, so the keys between them go first.
+    if (mode == convert_mode::kOverwrite) {
+      MySql(
+          "alter table Employees drop foreign key FK_Employees_Departments;"
+          "alter table Warehouses drop foreign key FK_Warehouses_Countries;"
+          "alter table Stocks drop foreign key FK_Stocks_Warehouses, drop foreign key "
+          "FK_Stocks_Products;"
+          "alter table Shipments drop foreign key FK_Shipments_Warehouses;"
+          "alter table `Order Details` drop foreign key FK_OrderDetails_Products");
+    }
+    ProgramRun run({.source_db = database_, .dest_db = database_, .tables = kTables, .mode = mode});
+    EXPECT_EQ(run.Wait(), 0) << run.Log();
+    EXPECT_EQ(Rows(), rows);
+  }
+}
+
+TEST_F(Sample, ComesBackEqualInAllThatBothServersHold) {
+  Rig& rig = Rig::Get();
+  const std::string again = rig.NewMsSqlDatabase();
+  ProgramRun run(
+      {.source = ServerKind::MySql, .source_db = database_, .dest_db = again, .tables = kTables});
+  EXPECT_EQ(run.Wait(), 0) << run.Log();
+  EXPECT_EQ(Occurrences(run.Log(), "Done!\n"), kTables.size()) << run.Log();
+
+  ado::Connection first;
+  ado::Connection last;
+  rig.Open(first, database_);
+  rig.Open(last, again);
+  const Comparison comparison = CompareDatabases(first, last);
+  EXPECT_EQ(comparison.tables.size(), kTables.size());
+  EXPECT_THAT(comparison.faults, IsEmpty());
+
+  const std::string rows = rig.MsSqlValue("select count(*) from Readings", again);
+  for (const std::int16_t mode : {convert_mode::kMerge, convert_mode::kOverwrite}) {
+    ProgramRun second({.source = ServerKind::MySql,
+                       .source_db = database_,
+                       .dest_db = again,
+                       .tables = kTables,
+                       .mode = mode});
+    EXPECT_EQ(second.Wait(), 0) << second.Log();
+    EXPECT_EQ(rig.MsSqlValue("select count(*) from Readings", again), rows);
+  }
+}
+
+}  // namespace
+}  // namespace dorvane::test
