@@ -223,6 +223,16 @@ Bound Binder::BindBinary(const Expr& expr, const Scope& scope) {
 Bound Binder::BindArithmetic(char op, Bound left, Bound right) {
   if (left.is_null) left.type = right.type;
   if (right.is_null) right.type = left.type;
+  // A whole number that is written out counts with the digits it has, not with an int's.
+  const auto narrow = [](Bound& bound, const TypeInfo& other) {
+    const auto* number = bound.constant ? std::get_if<std::int64_t>(&*bound.constant) : nullptr;
+    const bool decimal = other.type == SqlType::Decimal || other.type == SqlType::Numeric;
+    if (!number || !decimal) return;
+    const int digits = static_cast<int>(fmt::format("{}", *number).size()) - (*number < 0 ? 1 : 0);
+    bound = Coerce(std::move(bound), DecimalType(digits, 0));
+  };
+  narrow(left, right.type);
+  narrow(right, left.type);
   const TypeInfo result = ArithmeticType(op, left.type, right.type);
   const bool nullable = left.nullable || right.nullable;
   // Operands take the result's kind; decimals keep their own scales.

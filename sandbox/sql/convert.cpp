@@ -48,6 +48,11 @@ std::int64_t FromLittleBytes(std::string_view bytes, std::size_t size) {
   return static_cast<std::int64_t>(number);
 }
 
+// The server speaks of numeric whatever the column was called.
+const char* ExactName(const TypeInfo& type) {
+  return type.type == SqlType::Decimal ? "numeric" : TypeName(type);
+}
+
 // ---- to integers
 
 std::int64_t CheckRange(std::int64_t number, const TypeInfo& from, const TypeInfo& to) {
@@ -94,7 +99,7 @@ std::int64_t DecimalToInteger(const DecimalValue& number, const TypeInfo& from,
   Int128 whole = number.unscaled / PowerOfTen(number.scale);
   if (IsMoney(from.type)) whole = Rescale(number, 0)->unscaled;
   const IntegerRange& range = RangeOf(to.type);
-  if (whole < range.low || whole > range.high) Raise(8115, TypeName(from), TypeName(to));
+  if (whole < range.low || whole > range.high) Raise(8115, ExactName(from), TypeName(to));
   return static_cast<std::int64_t>(whole);
 }
 
@@ -183,7 +188,7 @@ DecimalValue ExactSource(const Value& value, const TypeInfo& from, const TypeInf
       return {std::get<std::int64_t>(value), 0};
     case 3: {
       const auto number = DecimalFromDouble(std::get<double>(value), to.scale);
-      if (!number) Raise(8115, TypeName(from), TypeName(to));
+      if (!number) Raise(8115, ExactName(from), ExactName(to));
       return *number;
     }
     case 4:
@@ -193,7 +198,7 @@ DecimalValue ExactSource(const Value& value, const TypeInfo& from, const TypeInf
       const auto number = IsMoney(to.type) ? TextToMoney(text) : ParseDecimal(Trim(text));
       if (number) return *number;
       if (IsMoney(to.type)) Raise(235);
-      Raise(8114, TypeName(from), TypeName(to));
+      Raise(8114, TypeName(from), ExactName(to));
     }
     case 6:
       return {FromLittleBytes(std::get<BinaryValue>(value).bytes, 8), IsMoney(to.type) ? 4 : 0};
@@ -217,8 +222,8 @@ Value ToExact(const Value& value, const TypeInfo& from, const TypeInfo& to) {
           ? number && number->unscaled >= INT32_MIN && number->unscaled <= INT32_MAX
           : number && FitsPrecision(*number, to.precision);
   if (!money_range) {
-    const char* source = IsMoney(to.type) && !IsText(from.type) ? "expression" : TypeName(from);
-    Raise(8115, source, TypeName(to));
+    const char* source = IsMoney(to.type) && !IsText(from.type) ? "expression" : ExactName(from);
+    Raise(8115, source, ExactName(to));
   }
   return *number;
 }

@@ -86,6 +86,7 @@ void Session::SelectInto(const Select& select, const Query& query) {
     added.id = table.next_column_id++;
     added.name = column.name;
     added.type = column.type;
+    if (column.type.type == SqlType::Timestamp) added.type = {SqlType::Binary, 8, 0, 0};
     added.nullable = column.nullable;
     added.identity = column.identity;
   }

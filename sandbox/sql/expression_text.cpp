@@ -28,6 +28,7 @@ std::string LiteralText(const Expr& expr) {
   if (const auto* text = std::get_if<std::string>(&literal.value)) {
     return Quoted(*text, IsUnicode(literal.type.type));
   }
+  if (std::holds_alternative<BinaryValue>(literal.value)) return expr.text;
   return "(" + expr.text + ")";
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/database_link.h"
@@ -175,9 +176,24 @@ void LikeFunction(sqlite3_context* context, int count, sqlite3_value** args) {
 struct Sum {
   std::int64_t count;
   double real;
-  DecimalValue exact;
+  // SQLite's memory is aligned for eight bytes only: the wide sum lies in it as bytes.
+  unsigned char unscaled[sizeof(Int128)];
+  std::int64_t scale;
   std::int64_t type;
   bool overflow;
+
+  DecimalValue Exact() const {
+    DecimalValue exact;
+    std::memcpy(&exact.unscaled, unscaled, sizeof unscaled);
+    exact.scale = static_cast<int>(scale);
+    return exact;
+  }
+  void Add(const DecimalValue& number) {
+    const DecimalValue total{Exact().unscaled + number.unscaled, number.scale};
+    std::memcpy(unscaled, &total.unscaled, sizeof unscaled);
+    scale = number.scale;
+    if (!FitsPrecision(total, 38)) overflow = true;
+  }
 };
 
 void SumStep(sqlite3_context* context, int, sqlite3_value** args) {
@@ -194,9 +210,7 @@ void SumStep(sqlite3_context* context, int, sqlite3_value** args) {
   DecimalValue number;
   if (const auto* integer = std::get_if<std::int64_t>(&value)) number.unscaled = *integer;
   if (const auto* exact = std::get_if<DecimalValue>(&value)) number = *exact;
-  sum->exact.scale = number.scale;
-  sum->exact.unscaled += number.unscaled;
-  if (!FitsPrecision(sum->exact, 38)) sum->overflow = true;
+  if (!sum->overflow) sum->Add(number);
 }
 
 TypeInfo SumType(const TypeInfo& type) {
@@ -224,7 +238,7 @@ void SumFinal(sqlite3_context* context, bool average) {
       const double value = average ? sum->real / static_cast<double>(sum->count) : sum->real;
       return ReturnValue(context, value, result);
     }
-    DecimalValue exact = sum->exact;
+    DecimalValue exact = sum->Exact();
     if (average && !IsExact(type.type)) {
       exact.unscaled /= sum->count;
     } else if (average) {

@@ -72,7 +72,7 @@ std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& 
       slot.cell = static_cast<std::size_t>(listed - columns.begin());
       slot.source = InsertPlan::Source::Cell;
       if (column.identity && generated) Raise(544, table_.name);
-    } else if (row_version) {
+    } else if (row_version && !columns.empty()) {
       slot.source = InsertPlan::Source::RowVersion;
     } else if (generated) {
       slot.source = InsertPlan::Source::Identity;
@@ -196,7 +196,7 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
     }
   }
   for (std::vector<Value>& values : kept) {
-    row.swap(values);
+    std::move(values.begin(), values.end(), row.begin());
     Write(cells, types);
   }
   return rows;

@@ -11,6 +11,7 @@ namespace sandbox {
 namespace {
 
 constexpr std::size_t kMaxNameLength = 128;
+constexpr int kMaxDepth = 200;
 
 constexpr std::array<std::string_view, 96> kReserved{
     "add",       "all",      "alter",     "and",          "any",
@@ -48,6 +49,11 @@ bool IsReserved(const Token& token) {
   const auto is = [&](std::string_view word) { return token.Is(word); };
   return std::any_of(kReserved.begin(), kReserved.end(), is) ||
          std::any_of(kMoreReserved.begin(), kMoreReserved.end(), is);
+}
+
+Parser::DepthGuard::DepthGuard(Parser& parser) : depth(parser.depth_) {
+  if (depth >= kMaxDepth) Raise(191);
+  ++depth;
 }
 
 Parser::Parser(std::string_view text) : text_(text), lexer_(text), token_(lexer_.Next()) {}

@@ -125,7 +125,12 @@ class Parser {
   ExprPtr NewExpr(ExprKind kind) const;
   std::vector<ExprPtr> ParseList();
 
-  struct DepthGuard;
+  // Text nested without end must not take the stack with it.
+  struct DepthGuard {
+    explicit DepthGuard(Parser& parser);
+    ~DepthGuard() { --depth; }
+    int& depth;
+  };
 
   std::string_view text_;
   Lexer lexer_;

@@ -54,9 +54,11 @@ Statement Parser::ParseCreateTable() {
   create.table = TakeObjectName();
   ExpectSymbol("(");
   do {
-    if (token_.IsSymbol(")")) break;  // the server takes a comma behind the last column
+    if (token_.IsSymbol(")") && !create.columns.empty())
+      break;  // the server takes a comma behind the last column
     ParseTableElement(create.columns, create.constraints);
   } while (AcceptSymbol(","));
+  if (create.columns.empty()) Fail();
   ExpectSymbol(")");
   SkipIndexOptions();
   return {1, std::move(create)};

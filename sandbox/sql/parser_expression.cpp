@@ -9,7 +9,7 @@
 namespace sandbox {
 namespace {
 
-constexpr int kMaxDepth = 200;
+constexpr int kMaxChain = 900;   // operators in a row, which make a tree as deep
 constexpr int kCastLength = 30;  // of a text or binary type without a length in a cast
 constexpr std::array<std::string_view, 9> kComparisons{
     "=", "<>", "!=", "<", "<=", ">", ">=", "!<", "!>"};
@@ -25,18 +25,6 @@ bool OneOf(const Token& token, std::span<const std::string_view> words) {
 }
 
 }  // namespace
-
-// Text nested without end must not take the stack with it.
-struct Parser::DepthGuard {
-  explicit DepthGuard(Parser& parser) : depth(parser.depth_) {
-    if (++depth > kMaxDepth) {
-      --depth;
-      Raise(191);
-    }
-  }
-  ~DepthGuard() { --depth; }
-  int& depth;
-};
 
 ExprPtr Parser::NewExpr(ExprKind kind) const {
   auto expr = std::make_unique<Expr>();
@@ -56,7 +44,8 @@ std::vector<ExprPtr> Parser::ParseList() {
 ExprPtr Parser::ParseOr() {
   DepthGuard guard(*this);
   ExprPtr left = ParseAnd();
-  while (token_.Is("or")) {
+  for (int chain = 0; token_.Is("or"); ++chain) {
+    if (chain == kMaxChain) Raise(191);
     ExprPtr expr = NewExpr(ExprKind::Binary);
     Take();
     expr->text = "or";
@@ -69,7 +58,8 @@ ExprPtr Parser::ParseOr() {
 
 ExprPtr Parser::ParseAnd() {
   ExprPtr left = ParseNot();
-  while (token_.Is("and")) {
+  for (int chain = 0; token_.Is("and"); ++chain) {
+    if (chain == kMaxChain) Raise(191);
     ExprPtr expr = NewExpr(ExprKind::Binary);
     Take();
     expr->text = "and";
@@ -100,7 +90,8 @@ ExprPtr Parser::ParsePredicate() {
     return expr;
   }
   ExprPtr left = ParseSum();
-  while (true) {
+  for (int chain = 0;; ++chain) {
+    if (chain == kMaxChain) Raise(191);
     const Expr* before = left.get();
     if (token_.kind == TokenKind::Symbol) {
       left = ParseComparison(std::move(left));
@@ -179,9 +170,12 @@ ExprPtr Parser::ParseAfterOperand(ExprPtr left, bool negated) {
 
 ExprPtr Parser::ParseSum() {
   ExprPtr left = ParseProduct();
-  while (token_.kind == TokenKind::Symbol &&
-         (token_.text == "+" || token_.text == "-" || token_.text == "&" || token_.text == "|" ||
-          token_.text == "^")) {
+  const auto at_operator = [&] {
+    return token_.kind == TokenKind::Symbol && token_.text.size() == 1 &&
+           std::string_view("+-&|^").find(token_.text) != std::string_view::npos;
+  };
+  for (int chain = 0; at_operator(); ++chain) {
+    if (chain == kMaxChain) Raise(191);
     ExprPtr expr = NewExpr(ExprKind::Binary);
     expr->text = std::string(Take().text);
     expr->args.push_back(std::move(left));
@@ -193,7 +187,11 @@ ExprPtr Parser::ParseSum() {
 
 ExprPtr Parser::ParseProduct() {
   ExprPtr left = ParseUnary();
-  while (token_.IsSymbol("*") || token_.IsSymbol("/") || token_.IsSymbol("%")) {
+  const auto at_operator = [&] {
+    return token_.IsSymbol("*") || token_.IsSymbol("/") || token_.IsSymbol("%");
+  };
+  for (int chain = 0; at_operator(); ++chain) {
+    if (chain == kMaxChain) Raise(191);
     ExprPtr expr = NewExpr(ExprKind::Binary);
     expr->text = std::string(Take().text);
     expr->args.push_back(std::move(left));

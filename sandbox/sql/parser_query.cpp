@@ -4,6 +4,7 @@
 namespace sandbox {
 
 QueryPtr Parser::ParseQuery() {
+  const DepthGuard guard(*this);
   auto query = std::make_unique<Query>();
   query->line = token_.line;
   if (token_.Is("with")) query->with = ParseWith();
@@ -159,6 +160,7 @@ std::vector<FromItem> Parser::ParseFrom() {
 }
 
 void Parser::ParseJoins(std::vector<FromItem>& items) {
+  const DepthGuard guard(*this);
   while (true) {
     JoinKind kind = JoinKind::Inner;
     if (Accept("cross")) {
@@ -197,6 +199,7 @@ void Parser::ParseJoins(std::vector<FromItem>& items) {
 }
 
 FromItem Parser::ParseFromPrimary() {
+  const DepthGuard guard(*this);
   FromItem item;
   item.line = token_.line;
   if (AcceptSymbol("(")) {

@@ -5,20 +5,13 @@
 #include "sandbox/storage/text_order.h"
 
 namespace sandbox {
-namespace {
-
-constexpr int kMaxStatementDepth = 100;
-
-}  // namespace
-
 StatementPtr Parser::ParseStatement() {
-  if (++depth_ > kMaxStatementDepth) Raise(191);
+  const DepthGuard guard(*this);
   const int line = token_.line;
   auto statement = std::make_unique<Statement>(ParseKeyword());
   statement->line = line;
   while (AcceptSymbol(";")) {
   }
-  --depth_;
   return statement;
 }
 
