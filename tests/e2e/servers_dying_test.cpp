@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <thread>
 
 #include "tests/e2e/rig.h"
@@ -33,39 +34,41 @@ void AwaitRows(const PrivateMariaDb& server, const std::string& database) {
   FAIL() << "no rows arrived";
 }
 
-TEST(DyingServers, ALostDestinationEndsTheRunWithItsMessages) {
-  SandboxServer ms_sql({"big"});
-  ms_sql.Script(kManyRows, "big");
-  PrivateMariaDb my_sql;
-  my_sql.Query("create database big");
-  ProgramRun run({.source_db = "big",
-                  .dest_db = "big",
-                  .tables = {"Big", "Small"},
-                  .ms_sql_port = ms_sql.Port(),
-                  .my_sql_port = my_sql.Port()});
-  AwaitRows(my_sql, "big");
-  my_sql.Kill();
-  EXPECT_EQ(run.Wait(), 1);
-  EXPECT_THAT(run.Log(), HasSubstr("Insertion Error - Unexpected error while transfering data of "
-                                   "table Big - "));
-  EXPECT_THAT(run.Log(), HasSubstr("End OF Conversion"));
+/// Servers of its own, since they do not survive the test, and a copy under way between them.
+class DyingServers : public testing::Test {
+ protected:
+  DyingServers() {
+    ms_sql_.Script(kManyRows, "big");
+    my_sql_.Query("create database big");
+    run_.emplace(Job{.source_db = "big",
+                     .dest_db = "big",
+                     .tables = {"Big", "Small"},
+                     .ms_sql_port = ms_sql_.Port(),
+                     .my_sql_port = my_sql_.Port()});
+    AwaitRows(my_sql_, "big");
+  }
+
+  /// The run ends by itself and says where it was.
+  void ExpectOrderlyEnd() {
+    EXPECT_EQ(run_->Wait(), 1);
+    EXPECT_THAT(run_->Log(), HasSubstr("Insertion Error - Unexpected error while transfering data "
+                                       "of table Big - "));
+    EXPECT_THAT(run_->Log(), HasSubstr("End OF Conversion"));
+  }
+
+  SandboxServer ms_sql_{{"big"}};
+  PrivateMariaDb my_sql_;
+  std::optional<ProgramRun> run_;
+};
+
+TEST_F(DyingServers, ALostDestinationIsReported) {
+  my_sql_.Kill();
+  ExpectOrderlyEnd();
 }
 
-TEST(DyingServers, ALostSourceEndsTheRunWithItsMessages) {
-  SandboxServer ms_sql({"big"});
-  ms_sql.Script(kManyRows, "big");
-  PrivateMariaDb my_sql;
-  my_sql.Query("create database big");
-  ProgramRun run({.source_db = "big",
-                  .dest_db = "big",
-                  .tables = {"Big", "Small"},
-                  .ms_sql_port = ms_sql.Port(),
-                  .my_sql_port = my_sql.Port()});
-  AwaitRows(my_sql, "big");
-  ms_sql.Kill();
-  EXPECT_EQ(run.Wait(), 1);
-  EXPECT_THAT(run.Log(), HasSubstr("Unexpected error while transfering data of table Big - "));
-  EXPECT_THAT(run.Log(), HasSubstr("End OF Conversion"));
+TEST_F(DyingServers, ALostSourceIsReported) {
+  ms_sql_.Kill();
+  ExpectOrderlyEnd();
 }
 
 struct Unreachable {
