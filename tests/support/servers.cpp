@@ -82,6 +82,16 @@ std::string PrivateMariaDb::Query(const std::string& sql, const std::string& dat
 }
 
 SandboxServer::SandboxServer(const std::vector<std::string>& databases) {
+  Start(databases);
+}
+
+void SandboxServer::Restart() {
+  Kill();
+  std::filesystem::remove(folder_ / "log");
+  Start({});
+}
+
+void SandboxServer::Start(const std::vector<std::string>& databases) {
   std::vector<std::string> command = {SANDBOX_PROGRAM,
                                       "--folder",
                                       (folder_ / "data").string(),

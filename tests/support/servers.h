@@ -41,8 +41,12 @@ class SandboxServer {
   /// text. Throws when the server reported an error.
   std::string Script(const std::string& sql, const std::string& database) const;
   void Kill() { process_->Kill(); }
+  /// Kills the server when it still runs and starts it again on the same folder and port.
+  void Restart();
 
  private:
+  void Start(const std::vector<std::string>& databases);
+
   TempFolder folder_;
   int port_ = FreePort();
   std::unique_ptr<Process> process_;

@@ -1,0 +1,260 @@
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <memory>
+
+#include "tests/support/process.h"
+#include "tests/support/servers.h"
+#include "tests/support/temp_folder.h"
+
+namespace dorvane::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+constexpr char kTables[] = R"(
+create table Everything (
+  Id int identity(10,5) not null primary key,
+  Bi bit null, Ti tinyint null, Si smallint null, Bg bigint null,
+  De decimal(9,3) null, Nu numeric(38,0) null, Sm smallmoney null, Mo money null,
+  Re real null, Fl float null, Sd smalldatetime null, Dt datetime null, D2 datetime2(3) null,
+  Dx datetimeoffset(3) null, Da date null, Tm time(3) null,
+  Ch char(5) null, Vc varchar(20) null, Vm varchar(max) null, Tx text null,
+  Nc nchar(3) null, Nv nvarchar(20) null, Nm nvarchar(max) null, Nt ntext null, Xm xml null,
+  Bn binary(4) null, Vb varbinary(8) null, Wm varbinary(max) null, Im image null,
+  Gu uniqueidentifier null, Ts timestamp, Va sql_variant null)
+GO
+insert into Everything (Bi, Ti, Si, Bg, De, Nu, Sm, Mo, Re, Fl, Sd, Dt, D2, Dx, Da, Tm,
+  Ch, Vc, Vm, Tx, Nc, Nv, Nm, Nt, Xm, Bn, Vb, Wm, Im, Gu, Va) values
+ (1, 255, -32768, 9223372036854775807, 123456.789, 12345678901234567890123456789012345678,
+  -1.5, 922337203685477.5807, 1.5, 0.1, '2026-02-28 12:34', '2026-02-28T12:34:56.997',
+  '2026-02-28 12:34:56.123', '2026-02-28 12:34:56.123 +05:30', '2026-02-28', '12:34:56.789',
+  'ab', 'it''s', 'long', 'text', N'日本', N'Zürich 🙂', N'ж', N'ntext', N'<a/>',
+  0x0102, 0xff, 0xdead, 0xbeef, '6F9619FF-8B86-D011-B42D-00C04FC964FF', N'v'),
+ (0, null, null, null, null, null, null, null, null, null, null, null, null, null, null, null,
+  null, '', null, null, null, null, null, null, null, null, null, null, null, null, null)
+go
+create table Orders (
+  Number int not null constraint PK_Orders primary key,
+  Ref int null references Everything(Id) on delete cascade,
+  Code varchar(8) not null constraint UQ_Code unique,
+  Qty int not null constraint DF_Qty default (1) check (Qty > 0))
+go
+
+-- one row, then several
+insert Orders (Number, Ref, Code) values (1, 10, 'a')
+insert Orders (Number, Ref, Code, Qty) values (2, 15, 'b', 7), (3, null, 'c;d', 9)
+go
+create table Others (Id int identity primary key, Line varchar(3) null)
+create index IX_Line on Others (Line desc)
+Go
+)";
+
+/// Sessions of the usual tools with one practice server that has loaded the script above.
+class SandboxTools : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    server_ = std::make_unique<SandboxServer>(std::vector<std::string>{"shop"});
+    loaded_ = server_->Script(kTables, "shop");
+  }
+  static void TearDownTestSuite() { server_.reset(); }
+
+  SandboxTools() {
+    std::ofstream freetds(folder_ / "freetds.conf");
+    for (const char* version : {"7.2", "7.4"}) {
+      freetds << fmt::format(
+          "[tds{}]\nhost = 127.0.0.1\nport = {}\ntds version = {}\nclient charset = UTF-8\n",
+          version, server_->Port(), version);
+    }
+    std::ofstream(folder_ / "odbc.ini") << fmt::format(
+        "[shop]\nDriver = FreeTDS\nServer = 127.0.0.1\nPort = {}\nDatabase = shop\n"
+        "TDS_Version = 7.4\nClientCharset = UTF-8\n",
+        server_->Port());
+  }
+
+  /// What a tool shows for a script on its standard input.
+  std::string Session(const std::string& command, const std::string& script) {
+    std::ofstream(folder_ / "script.sql") << script;
+    return Shell(command + " < '" + (folder_ / "script.sql").string() + "'");
+  }
+  std::string Tsql(const std::string& script) {
+    return Session("tsql -o fhq -S tds7.4 -U sa -P secret -D shop 2>&1", script);
+  }
+  std::string Copy(const std::string& table, const std::string& direction,
+                   const std::string& file) {
+    return Shell("freebcp shop.dbo." + table + " " + direction + " '" + (folder_ / file).string() +
+                 "' -c -t '|' -S tds7.4 -U sa -P secret");
+  }
+  std::string Shell(const std::string& command) {
+    return test::Run({"sh", "-c", command}, std::chrono::minutes(1),
+                     {{"FREETDSCONF", (folder_ / "freetds.conf").string()},
+                      {"ODBCINI", (folder_ / "odbc.ini").string()},
+                      {"LC_ALL", "C.UTF-8"}})
+        .output;
+  }
+
+  static std::unique_ptr<SandboxServer> server_;
+  static std::string loaded_;
+  TempFolder folder_;
+};
+
+std::unique_ptr<SandboxServer> SandboxTools::server_;
+std::string SandboxTools::loaded_;
+
+TEST_F(SandboxTools, IsqlShowsWhatWasLoaded) {
+  const std::string isql = "isql shop sa secret -b -d'|'";
+  EXPECT_EQ(Session(isql, "select * from Everything\nselect * from Orders\n"),
+            "10|1|255|-32768|9223372036854775807|123456.789|"
+            "12345678901234567890123456789012345678|-1.5000|922337203685477.5807|1.5|"
+            "0.10000000000000001|2026-02-28 12:34:00|2026-02-28 12:34:56.997|"
+            "2026-02-28 12:34:56.123|2026-02-28 12:34:56.123 +05:30|2026-02-28|12:34:56.789|"
+            "ab   |it's|long|text|日本 |Zürich 🙂|ж|ntext|<a/>|01020000|ff|dead|beef|"
+            "6F9619FF-8B86-D011-B42D-00C04FC964FF|00000000000007d1|v\n"
+            "15|0||||||||||||||||||||||||||||||00000000000007d2|\n"
+            "1|10|a|1\n2|15|b|7\n3||c;d|9\n");
+  EXPECT_THAT(Session(isql, "help\n"), HasSubstr("shop|dbo|Orders|TABLE|"));
+  EXPECT_THAT(Session(isql, "help Orders\n"),
+              HasSubstr("shop|dbo|Orders|Qty|4|int|10|4|0|10|0||((1))|4|||4|NO|"));
+  EXPECT_THAT(Session(isql + " -v", "select * from nothing\n"),
+              HasSubstr("Invalid object name 'nothing'."));
+}
+
+TEST_F(SandboxTools, BsqldbShowsWhatWasLoaded) {
+  // The tool itself knows no sql_variant and no uniqueidentifier, and has room for 21 digits.
+  EXPECT_EQ(Session("bsqldb -q -t '|' -S tds7.2 -U sa -P secret -D shop",
+                    "select Id, Bi, Ti, Si, Bg, De, convert(varchar(38), Nu), Sm, Mo, Re, Fl\n"
+                    "from Everything\ngo\n"
+                    "select D2, Dx, Da, Tm, Ch, Vc, Tx, Nc, Nv, Nt, Xm, Bn, Vb, Wm, Im, Ts,\n"
+                    "  convert(varchar(36), Gu), convert(varchar(9), Va)\n"
+                    "from Everything where Id = 10\ngo\n"),
+            "10|1|255|-32768|9223372036854775807|123456.789|"
+            "12345678901234567890123456789012345678|-1.5000|922337203685477.5807|1.5|"
+            "0.10000000000000001\n"
+            "15|0|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL\n"
+            "2026-02-28 12:34:56.123|2026-02-28 12:34:56.123 +05:30|2026-02-28|12:34:56.789|"
+            "ab|it's|text|日本|Zürich 🙂|ntext|<a/>|0x01020000|0xff|0xdead|0xbeef|"
+            "0x00000000000007d1|6F9619FF-8B86-D011-B42D-00C04FC964FF|v\n");
+  EXPECT_EQ(loaded_, "") << "the script loads without a word";
+}
+
+TEST_F(SandboxTools, TsqlShowsRowsAndTheDefinition) {
+  EXPECT_EQ(Tsql("select * from Orders order by Number desc\ngo\n"),
+            "3\tNULL\tc;d\t9\n2\t15\tb\t7\n1\t10\ta\t1\n");
+  EXPECT_EQ(Tsql("select c.name, y.name, c.max_length, c.is_nullable\n"
+                 "from sys.columns c join sys.tables t on t.object_id = c.object_id\n"
+                 "join sys.types y on y.user_type_id = c.user_type_id\n"
+                 "where t.name = 'Others' order by c.column_id\ngo\n"),
+            "Id\tint\t4\t0\nLine\tvarchar\t3\t1\n");
+  const std::string help = Tsql("sp_help Orders\ngo\n");
+  EXPECT_THAT(help, HasSubstr("No identity column defined."));
+  EXPECT_THAT(help, HasSubstr("PK_Orders"));
+  EXPECT_THAT(help, HasSubstr("UQ_Code"));
+  EXPECT_THAT(help, HasSubstr("DEFAULT on column Qty\tDF_Qty"));
+}
+
+/// A batch that the server refuses, and the message as the server words it.
+struct Refusal {
+  const char* batch;
+  const char* message;
+};
+
+constexpr Refusal kRefusals[] = {
+    {"select * from nothing",
+     R"(Msg 208 (severity 16, state 1) from SANDBOX Line 1:
+	"Invalid object name 'nothing'.")"},
+    {"select 1\ninsert Orders values 1",
+     R"(Msg 102 (severity 15, state 1) from SANDBOX Line 2:
+	"Incorrect syntax near '1'.")"},
+    {"insert Orders (Number, Code) values (1, 'z')",
+     R"(Msg 2627 (severity 14, state 1) from SANDBOX Line 1:
+	"Violation of PRIMARY KEY constraint 'PK_Orders'. Cannot insert duplicate key in object 'dbo.Orders'. The duplicate key value is (1).")"},
+    {"insert Orders (Number, Code) values (9, 'A')",
+     R"(	"Violation of UNIQUE KEY constraint 'UQ_Code'. Cannot insert duplicate key in object 'dbo.Orders'. The duplicate key value is (A).")"},
+    {"\ninsert Orders (Number, Code, Ref) values (9, 'z', 99)",
+     R"(Msg 547 (severity 16, state 0) from SANDBOX Line 2:
+	"The INSERT statement conflicted with the FOREIGN KEY constraint "FK__Orders__)"},
+    {"insert Orders (Number, Code, Qty) values (9, 'z', 0)",
+     R"(	"The INSERT statement conflicted with the CHECK constraint "CK__Orders__)"},
+    {"insert Orders (Number) values (9)",
+     R"(Msg 515 (severity 16, state 2) from SANDBOX Line 1:
+	"Cannot insert the value NULL into column 'Code', table 'shop.dbo.Orders'; column does not allow nulls. INSERT fails.")"},
+    {"insert Orders (Number, Code) values (9, 'far too long')",
+     R"(Msg 2628 (severity 16, state 1) from SANDBOX Line 1:
+	"String or binary data would be truncated in table 'shop.dbo.Orders', column 'Code'. Truncated value: 'far too '.")"},
+    {"insert Everything (Ti) values (256)",
+     R"(Msg 220 (severity 16, state 2) from SANDBOX Line 1:
+	"Arithmetic overflow error for data type tinyint, value = 256.")"},
+    {"insert Everything (Id) values (1)",
+     R"(Msg 544 (severity 16, state 1) from SANDBOX Line 1:
+	"Cannot insert explicit value for identity column in table 'Everything' when IDENTITY_INSERT is set to OFF.")"},
+    {"create table Orders (a int)",
+     R"(Msg 2714 (severity 16, state 6) from SANDBOX Line 1:
+	"There is already an object named 'Orders' in the database.")"},
+    {"drop table nothing",
+     R"(Msg 3701 (severity 11, state 5) from SANDBOX Line 1:
+	"Cannot drop the table 'nothing', because it does not exist or you do not have permission.")"},
+    {"create table Twice (a int references Everything(Id) on delete cascade,\n"
+     "  b int constraint FK_B references Everything(Id) on delete cascade)",
+     R"(Msg 1785 (severity 16, state 0) from SANDBOX Line 1:
+	"Introducing FOREIGN KEY constraint 'FK_B' on table 'Twice' may cause cycles or multiple cascade paths. Specify ON DELETE NO ACTION or ON UPDATE NO ACTION, or modify other FOREIGN KEY constraints.")"},
+    {"set identity_insert Everything on\nset identity_insert Others on",
+     R"(Msg 8107 (severity 16, state 1) from SANDBOX Line 2:
+	"IDENTITY_INSERT is already ON for table 'shop.dbo.Everything'. Cannot perform SET operation for table 'Others'.")"},
+};
+
+TEST_F(SandboxTools, ErrorsAreShownAsTheServerWordsThem) {
+  for (const Refusal& refusal : kRefusals) {
+    EXPECT_THAT(Tsql(std::string(refusal.batch) + "\ngo\n"), HasSubstr(refusal.message));
+  }
+  EXPECT_EQ(Tsql("select count(*) from Orders\nselect count(*) from Everything\ngo\n"), "3\n2\n");
+}
+
+TEST_F(SandboxTools, FreebcpCopiesATableOutAndIn) {
+  // The tool itself copies no sql_variant and no xml.
+  const std::string columns = R"((Id int not null primary key,
+    Bi bit null, Ti tinyint null, Si smallint null, Bg bigint null,
+    De decimal(9,3) null, Nu numeric(38,0) null, Sm smallmoney null, Mo money null,
+    Re real null, Fl float null, Sd smalldatetime null, Dt datetime null, D2 datetime2(3) null,
+    Dx datetimeoffset(3) null, Da date null, Tm time(3) null,
+    Ch char(5) null, Vc varchar(20) null, Vm varchar(max) null, Tx text null,
+    Nc nchar(3) null, Nv nvarchar(20) null, Nm nvarchar(max) null, Nt ntext null,
+    Bn binary(4) null, Vb varbinary(8) null, Wm varbinary(max) null, Im image null,
+    Gu uniqueidentifier null)
+go
+)";
+  const std::string names =
+      "Id, Bi, Ti, Si, Bg, De, Nu, Sm, Mo, Re, Fl, Sd, Dt, D2, Dx, Da, Tm, Ch, Vc, Vm, Tx, Nc, Nv, "
+      "Nm, Nt, Bn, Vb, Wm, Im, Gu";
+  server_->Script("create table Original " + columns + "create table Copied " + columns +
+                      "insert Original (" + names + ") select " + names + " from Everything\ngo\n",
+                  "shop");
+  EXPECT_THAT(Copy("Original", "out", "out.txt"), HasSubstr("2 rows copied."));
+  EXPECT_THAT(Copy("Copied", "in", "out.txt"), HasSubstr("2 rows copied."));
+  const std::string original = Tsql("select * from Original\ngo\n");
+  EXPECT_THAT(original, HasSubstr("Zürich 🙂\tж\tntext\t01020000"));
+  EXPECT_EQ(Tsql("select * from Copied\ngo\n"), original);
+  EXPECT_THAT(Copy("Copied", "out", "again.txt"), HasSubstr("2 rows copied."));
+  EXPECT_EQ(ReadFile(folder_ / "again.txt"), ReadFile(folder_ / "out.txt"));
+
+  EXPECT_THAT(Copy("Copied", "in", "out.txt"),
+              HasSubstr("Violation of PRIMARY KEY constraint 'PK__Copied__"));
+  EXPECT_EQ(Tsql("select count(*) from Copied\ngo\n"), "2\n");
+}
+
+TEST_F(SandboxTools, WhatWasStoredOutlivesAKilledServer) {
+  const std::string everything =
+      "select * from Everything\nselect * from Orders\n"
+      "select name from sys.indexes where name like 'IX%'\ngo\n";
+  const std::string before = Tsql(everything);
+  EXPECT_THAT(before, HasSubstr("IX_Line"));
+  // What is not committed goes with the session.
+  Tsql("begin transaction\ndelete Orders\ngo\n");
+  server_->Restart();
+  EXPECT_EQ(Tsql(everything), before);
+  EXPECT_THAT(Tsql("insert Orders (Number, Code) values (1, 'z')\ngo\n"), HasSubstr("Msg 2627"));
+  EXPECT_EQ(Tsql("insert Others (Line) values ('x')\nselect * from Others\ngo\n"), "1\tx\n");
+}
+
+}  // namespace
+}  // namespace dorvane::test
