@@ -241,17 +241,20 @@ Flow Session::Run(const UseStatement& statement) {
   return Flow::Next;
 }
 
+void Session::BeginTransaction() {
+  static std::atomic<std::uint64_t> last_id{0};
+  CommitImplicit();
+  transaction_count_ = 1;
+  transaction_id_ = ++last_id;
+  sink_->TransactionChanged(transaction_id_, false);
+}
+
 Flow Session::Run(const TransactionStatement& statement) {
   using Kind = TransactionStatement::Kind;
   switch (statement.kind) {
     case Kind::Begin:
       if (transaction_count_ == 0) {
-        CommitImplicit();
-        ++transaction_id_;
-        transaction_count_ = 1;
-        static std::atomic<std::uint64_t> last_id{0};
-        transaction_id_ = ++last_id;
-        sink_->TransactionChanged(transaction_id_, false);
+        BeginTransaction();
       } else {
         ++transaction_count_;
       }

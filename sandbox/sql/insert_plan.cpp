@@ -171,7 +171,8 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
       CheckConvertible(types[slot.cell], slot.column.type, false);
     }
   }
-  SqliteStatement statement = link_.Connection().Prepare(query.sql);
+  DatabaseLink& source = session_.Link();  // names are bound to the session's own database
+  SqliteStatement statement = source.Connection().Prepare(query.sql);
   int index = 0;
   for (const auto& [value, type] : binder.Parameters())
     BindValue(statement.get(), ++index, value, type);
@@ -187,7 +188,7 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
   // A query that reads the table it fills must not meet its own rows: it is read to the end first.
   std::vector<std::vector<Value>> kept;
   const bool self = query.sql.find(table_.StoredName() + " AS ") != std::string::npos;
-  for (; link_.Step(statement); ++rows) {
+  for (; source.Step(statement); ++rows) {
     read();
     if (self) {
       kept.push_back(row);

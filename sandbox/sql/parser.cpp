@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <unordered_set>
 
 #include "sandbox/sql/errors.h"
 #include "sandbox/storage/text_order.h"
@@ -13,7 +14,7 @@ namespace {
 constexpr std::size_t kMaxNameLength = 128;
 constexpr int kMaxDepth = 200;
 
-constexpr std::array<std::string_view, 96> kReserved{
+const std::unordered_set<std::string_view> kReserved{
     "add",       "all",      "alter",     "and",          "any",
     "as",        "asc",      "begin",     "between",      "break",
     "by",        "cascade",  "case",      "check",        "close",
@@ -33,9 +34,9 @@ constexpr std::array<std::string_view, 96> kReserved{
     "return",    "right",    "rollback",  "save",         "select",
     "set",       "table",    "then",      "top",          "truncate",
     "union",     "unique",   "update",    "use",          "values",
-    "view"};
-constexpr std::array<std::string_view, 5> kMoreReserved{"waitfor", "when", "where", "while",
-                                                        "with"};
+    "view",      "waitfor",  "when",      "where",        "while",
+    "with"};
+constexpr std::size_t kLongestReserved = 20;
 
 }  // namespace
 
@@ -46,9 +47,11 @@ std::string ObjectName::Text() const {
 }
 
 bool IsReserved(const Token& token) {
-  const auto is = [&](std::string_view word) { return token.Is(word); };
-  return std::any_of(kReserved.begin(), kReserved.end(), is) ||
-         std::any_of(kMoreReserved.begin(), kMoreReserved.end(), is);
+  if (token.kind != TokenKind::Word || token.text.size() > kLongestReserved) return false;
+  std::array<char, kLongestReserved> lower;
+  std::transform(token.text.begin(), token.text.end(), lower.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  return kReserved.count({lower.data(), token.text.size()}) > 0;
 }
 
 Parser::DepthGuard::DepthGuard(Parser& parser) : depth(parser.depth_) {

@@ -185,6 +185,15 @@ Flow Session::RunStatement(const Statement& statement) {
 }
 
 Flow Session::Dispatch(const Statement& statement) {
+  const bool only_shown =
+      options_.no_execute && !std::holds_alternative<SetOptionStatement>(statement.what);
+  if (only_shown || (options_.format_only && ChangesRows(statement))) {
+    Done(std::nullopt);
+    return Flow::Next;
+  }
+  const bool opens =
+      ChangesRows(statement) || std::holds_alternative<SelectStatement>(statement.what);
+  if (options_.implicit_transactions && transaction_count_ == 0 && opens) BeginTransaction();
   const Flow flow = std::visit([this](const auto& what) { return Run(what); }, statement.what);
   const bool keeps_error = std::holds_alternative<IfStatement>(statement.what) ||
                            std::holds_alternative<RaiseStatement>(statement.what) ||

@@ -84,6 +84,7 @@ class Session final : public EngineSession, public BindContext {
   Flow RunBlock(const Block& block);
   Flow RunStatement(const Statement& statement);
   Flow Dispatch(const Statement& statement);
+  void BeginTransaction();
   void Report(SqlError error, int line, bool changes_rows);
   void RollbackAll(bool tell);
   void EndImplicit() noexcept;

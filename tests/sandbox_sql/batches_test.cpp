@@ -62,6 +62,16 @@ TEST_F(BatchesTest, Transactions) {
   EXPECT_EQ(Run("rollback").Numbers(), "3903");
 }
 
+TEST_F(BatchesTest, ImplicitTransactionsAndBatchesThatOnlyShow) {
+  Must(
+      "set implicit_transactions on insert t values (1, 'a') rollback set implicit_transactions "
+      "off");
+  Must(
+      "set fmtonly on insert t values (2, 'b') set fmtonly off set noexec on insert t values (3, "
+      "'c') set noexec off");
+  EXPECT_EQ(Query("select count(*), @@trancount from t"), "0|0");
+}
+
 TEST_F(BatchesTest, CountsAndOptions) {
   EXPECT_THAT(
       Run("insert t values (1, 'a'), (2, 'b') update t set v = 'c' delete t where id = 1").counts,
