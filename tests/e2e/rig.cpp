@@ -20,23 +20,6 @@ void Prepare(IDatabase& endpoint, int port, const std::string& user, const std::
   endpoint.SetDbName(database);
 }
 
-void WriteSettings(const Job& job, const TempFolder& folder) {
-  const bool from_ms_sql = job.source == ServerKind::MsSql;
-  PlainEndpoint src(job.source);
-  PlainEndpoint dest(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql);
-  Rig& rig = Rig::Get();
-  Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : rig.MsSql().Port(), "sa",
-          job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
-  Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : rig.MySql().Port(), "root",
-          job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
-  src.SetCopyTableContent(true);
-  src.SetConvertMode(job.mode);
-  src.SetConvertRelationships(job.relationships);
-  src.SetReplaceSpaceWithUnderscore(job.underscores);
-  text::LineWriter file(folder / "run.dcs", text::OpenMode::Replace);
-  WriteConversionSettings(file, src, dest, job.tables, (folder / "log.txt").string());
-}
-
 std::string Trimmed(std::string text) {
   const auto is_blank = [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; };
   text.erase(text.begin(), std::ranges::find_if_not(text, is_blank));
@@ -86,9 +69,33 @@ void Rig::Open(ado::Connection& connection, const std::string& database) const {
   connection.Open();
 }
 
+void WriteSettings(const Job& job, const std::filesystem::path& settings,
+                   const std::filesystem::path& log) {
+  const bool from_ms_sql = job.source == ServerKind::MsSql;
+  PlainEndpoint src(job.source);
+  PlainEndpoint dest(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql);
+  Rig& rig = Rig::Get();
+  Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : rig.MsSql().Port(), "sa",
+          job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
+  Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : rig.MySql().Port(), "root",
+          job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
+  src.SetCopyTableContent(true);
+  src.SetConvertMode(job.mode);
+  src.SetConvertRelationships(job.relationships);
+  src.SetReplaceSpaceWithUnderscore(job.underscores);
+  text::LineWriter file(settings, text::OpenMode::Replace);
+  WriteConversionSettings(file, src, dest, job.tables, log.string());
+}
+
+std::string ReadLog(const std::filesystem::path& log) {
+  std::string lines = text::FromAnsi(ReadFile(log));
+  std::erase(lines, '\r');
+  return lines;
+}
+
 ProgramRun::ProgramRun(const Job& job,
                        std::vector<std::pair<std::string, std::string>> environment) {
-  WriteSettings(job, folder_);
+  WriteSettings(job, folder_ / "run.dcs", folder_ / "log.txt");
   // No display, and none of the user's own settings: neither may matter.
   environment.insert(environment.end(), {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
   process_ = std::make_unique<Process>(
@@ -101,12 +108,6 @@ int ProgramRun::Wait(std::chrono::seconds limit) {
   const auto status = process_->Wait(limit);
   EXPECT_TRUE(status) << "the program hangs; its log:\n" << Log();
   return status.value_or(-1);
-}
-
-std::string ProgramRun::Log() const {
-  std::string log = text::FromAnsi(ReadFile(folder_ / "log.txt"));
-  std::erase(log, '\r');
-  return log;
 }
 
 long ProgramRun::PeakKiB() const {

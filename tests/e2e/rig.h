@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -52,6 +53,13 @@ class Rig {
   int databases_ = 0;
 };
 
+/// Writes the settings file of a job that logs to `log`.
+void WriteSettings(const Job& job, const std::filesystem::path& settings,
+                   const std::filesystem::path& log);
+
+/// A log of the program as UTF-8, lines ended by line feeds.
+std::string ReadLog(const std::filesystem::path& log);
+
 /// A run of the program in a folder of its own.
 class ProgramRun {
  public:
@@ -61,8 +69,7 @@ class ProgramRun {
   Process& Program() { return *process_; }
   /// The exit status; fails the test when the program hangs.
   int Wait(std::chrono::seconds limit = std::chrono::seconds(120));
-  /// UTF-8, lines ended by line feeds.
-  std::string Log() const;
+  std::string Log() const { return ReadLog(folder_ / "log.txt"); }
   std::string Output() const { return ReadFile(folder_ / "output"); }
   /// Peak resident memory of the finished program, in KiB.
   long PeakKiB() const;

@@ -10,6 +10,7 @@
 
 #include "platform/scheduler/child_process.h"
 #include "platform/scheduler/cron_scheduler.h"
+#include "tests/e2e/rig.h"
 #include "tests/scheduler/tasks.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
@@ -58,21 +59,19 @@ class PrivateCron {
   std::optional<test::Process> process_;
 };
 
-#ifdef DORVANE_PROGRAM
-/// A conversion between two ports that nothing listens on.
-void WriteSettings(const std::filesystem::path& path, const std::filesystem::path& log) {
-  std::ofstream file(path, std::ios::binary);
-  const std::string port[] = {std::to_string(test::FreePort()), std::to_string(test::FreePort())};
-  for (const std::string& line :
-       {std::string("1"), std::string("127.0.0.1"), port[0], std::string("sa"), std::string(),
-        std::string("False"), std::string("Sales"), std::string("127.0.0.1"), port[1],
-        std::string("root"), std::string(), std::string(), std::string("sales"),
-        std::string("Customers:<:Orders"), std::string("False"), std::string("True"),
-        std::string("1"), std::string("False"), log.string()}) {
-    file << line << "\r\n";
-  }
+/// A database with one table on the practice SQL Server, to be converted to MariaDB: its name.
+std::string PrepareConversion(const std::filesystem::path& settings,
+                              const std::filesystem::path& log) {
+  test::Rig& rig = test::Rig::Get();
+  const std::string database = rig.NewDatabases();
+  rig.MsSql().Script(
+      "create table Clients (Id int identity primary key, Name nvarchar(40))\n"
+      "insert Clients (Name) values (N'Zürich'), (null)\ngo\n",
+      database);
+  test::WriteSettings({.source_db = database, .dest_db = database, .tables = {"Clients"}}, settings,
+                      log);
+  return database;
 }
-#endif
 
 /// A minute that cron still has ahead, far enough to get the crontab in place.
 LocalMinute ComingMinute() {
@@ -99,6 +98,8 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
   std::ofstream(job) << "#!/bin/sh\nprintf '%s|%s|%s\\n' \"$PWD\" $# \"$1\" >> out\n";
   chmod(job.c_str(), 0755);
 
+  const std::filesystem::path log = folder / "log.txt";
+  const std::string database = PrepareConversion(folder / "a conversion.dcs", log);
   const LocalMinute due = ComingMinute();
   const local_days today = floor<days>(due);
   std::vector<std::string> saved;
@@ -137,25 +138,18 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
   save("other day", Repetition::Weekly, days(0), true);
   save("last year", Repetition::Once, -days(365), true);
 
-#ifdef DORVANE_PROGRAM
   Task conversion = DailyTask("a conversion");
   conversion.program = DORVANE_PROGRAM;
   conversion.working_directory = folder.Path();
   conversion.begin_date = today;
   conversion.start_time = due - today;
-  WriteSettings(folder / conversion.arguments, folder / "log.txt");
   scheduler.Save(conversion);
   saved.push_back(conversion.name);
-#endif
 
   const auto limit = steady_clock::now() + minutes(3);
   const auto is_done = [&] {
     if (Lines(test::ReadFile(folder / "out")).size() < expected.size()) return false;
-#ifdef DORVANE_PROGRAM
-    return test::ReadFile(folder / "log.txt").find("Conversion Failed") != std::string::npos;
-#else
-    return true;
-#endif
+    return test::ReadLog(log).find("Done!") != std::string::npos;
   };
   while (!is_done() && steady_clock::now() < limit) std::this_thread::sleep_for(milliseconds(200));
   std::this_thread::sleep_for(seconds(1));  // for those that must not come
@@ -164,12 +158,13 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
   EXPECT_FALSE(std::filesystem::exists(folder / "pwned"));
   for (const std::string& name : saved) scheduler.Remove(name);
   EXPECT_EQ(crontab("-l", ""), own);
-#ifdef DORVANE_PROGRAM
-  const std::string log = test::ReadFile(folder / "log.txt");
-  EXPECT_THAT(log, HasSubstr("############### Dorvane (New Conversion) #############\r\n"));
-  EXPECT_THAT(log, HasSubstr("Conversion started at: "));
-  EXPECT_THAT(log, HasSubstr("Conversion Failed! MS SQL Server can not be found"));
-#endif
+
+  EXPECT_THAT(test::ReadLog(log),
+              HasSubstr("############### Dorvane (New Conversion) #############\n"));
+  EXPECT_THAT(test::ReadLog(log), HasSubstr("Converting table 'Clients'"));
+  EXPECT_THAT(test::ReadLog(log), HasSubstr("\nDone!"));
+  EXPECT_EQ(test::Rig::Get().MySqlValue("select Name from Clients order by Id", database),
+            "Zürich\nNULL");
 }
 
 }  // namespace
