@@ -22,11 +22,6 @@ class ValueRows {
   }
 
   void Write(RowWriter& writer) {
-    // A sql_variant takes each value as it is written.
-    for (const InsertPlan::Slot& slot : writer.Plan().slots) {
-      const bool variant = slot.column.type.type == SqlType::Variant;
-      if (variant && slot.source == InsertPlan::Source::Cell) unified_[slot.cell] = false;
-    }
     std::vector<const Value*> values(insert_.width);
     std::vector<TypeInfo> types(insert_.width);
     std::vector<Value> converted(insert_.width);
