@@ -1,5 +1,5 @@
-// Saves pictures of every window into a folder, for looking at: take_screenshots FOLDER SKINS.
-// QT_SCALE_FACTOR=2 gives them at 200 %.
+// Saves pictures of every window into a folder, for looking at: take_screenshots FOLDER SKINS
+// HELP_FILE. QT_SCALE_FACTOR=2 gives them at 200 %.
 #include <QApplication>
 #include <QDir>
 #include <QTimer>
@@ -10,6 +10,7 @@
 #include "ui/dialogs/frm_wait.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/dialogs/skin_module.h"
+#include "ui/help/help_window.h"
 
 namespace dorvane::test {
 namespace {
@@ -27,24 +28,45 @@ class Camera {
   QDir folder_;
 };
 
-void TakeWizard(Camera& camera, bool from_ms_sql) {
+/// Enough of them to scroll.
+NameList Tables() {
+  NameList names = {"Departments", "Employees", "Countries", "Warehouses",
+                    "Products",    "Stocks",    "Shipments", "Couriers",
+                    "Customers",   "Invoices",  "Suppliers", "Order Details"};
+  for (int year = 1999; year <= 2026; ++year) names.push_back("Orders " + std::to_string(year));
+  return names;
+}
+
+/// Stops in the middle of a table's rows.
+void TransferHalf(IConversionListener& listener, const NameList& tables) {
+  listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), true);
+  listener.TableConversionStarted(tables[0]);
+  listener.TableConversionSuccessed(tables[0]);
+  listener.TableConversionStarted(tables[1]);
+  listener.TableContentTransferStarted(tables[1], 500'000);
+  for (int i = 0; i < 123'456; ++i) listener.TableRecordConverted();
+  listener.TableRelationsConversionStarted(tables[0]);
+  listener.TableContentTransferStarted(tables[1], 500'000);
+  for (int i = 0; i < 123'456; ++i) listener.TableRecordConverted();
+}
+
+void TransferAll(IConversionListener& listener, const NameList& tables) {
+  listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
+  for (const std::string& table : tables) {
+    listener.TableConversionStarted(table);
+    listener.TableContentTransferStarted(table, 5'000);
+    for (int i = 0; i < 5'000; ++i) listener.TableRecordConverted();
+    listener.TableConversionSuccessed(table);
+  }
+  listener.ConversionEnded();
+}
+
+/// Every page of one direction; the last after `transfer`, under the name `end`.
+void TakeWizard(Camera& camera, bool from_ms_sql,
+                void (*transfer)(IConversionListener&, const NameList&), const QString& end) {
   Script script;
-  script.tables = [] {
-    NameList names;
-    for (int i = 1; i <= 40; ++i) names.push_back("Customer orders " + std::to_string(i));
-    return names;
-  };
-  script.transfer = [&](IConversionListener& listener, const NameList& tables) {
-    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), true);
-    listener.TableConversionStarted(tables[0]);
-    listener.TableConversionSuccessed(tables[0]);
-    listener.TableConversionStarted(tables[1]);
-    listener.TableContentTransferStarted(tables[1], 500'000);
-    for (int i = 0; i < 123'456; ++i) listener.TableRecordConverted();
-    listener.TableRelationsConversionStarted(tables[0]);
-    listener.TableContentTransferStarted(tables[1], 500'000);
-    for (int i = 0; i < 123'456; ++i) listener.TableRecordConverted();
-  };
+  script.tables = Tables;
+  script.transfer = transfer;
   WizardDriver driver(script);
   const QString direction = from_ms_sql ? "mssql" : "mysql";
   driver.Window().show();
@@ -53,6 +75,7 @@ void TakeWizard(Camera& camera, bool from_ms_sql) {
   driver.Next();
   camera.Take(driver.Window(), direction + "-source");
   driver.Click(from_ms_sql ? "cmdSrcConnect" : "cmdDir2MysqlConnect");
+  camera.Take(driver.Window(), direction + "-source-connected");
   driver.Next();
   camera.Take(driver.Window(), direction + "-destination");
   driver.Click(from_ms_sql ? "optExistingDb" : "opnDir2MsSqlExistingDb");
@@ -66,7 +89,7 @@ void TakeWizard(Camera& camera, bool from_ms_sql) {
   driver.Next();
   camera.Take(driver.Window(), direction + "-ready");
   driver.Click("cmdTransferTables");
-  camera.Take(driver.Window(), direction + "-transfer");
+  camera.Take(driver.Window(), direction + "-" + end);
 }
 
 void TakeBox(Camera& camera, const QString& name, MessageBoxKind kind, const QString& text,
@@ -87,12 +110,14 @@ int main(int argc, char** argv) {
   using namespace dorvane;
   using namespace dorvane::test;
   QApplication app(argc, argv);
-  if (argc != 3) return 2;
+  if (argc != 4) return 2;
   Camera camera(argv[1]);
   const std::filesystem::path skins = argv[2];
+  QApplication::setStyle("Fusion");
 
-  TakeWizard(camera, true);
-  TakeWizard(camera, false);
+  TakeWizard(camera, true, TransferHalf, "transfer");
+  TakeWizard(camera, false, TransferHalf, "transfer");
+  TakeWizard(camera, true, TransferAll, "finished");
   const QString failed =
       "MS SQL Server can not be found at that server. Make sure that you entered the correct host "
       "name";
@@ -112,5 +137,9 @@ int main(int argc, char** argv) {
   frmWait wait;
   wait.show();
   camera.Take(wait, "wait");
+  HelpWindow help(argv[3]);
+  help.show();
+  help.ShowContext(3);
+  camera.Take(help, "help");
   return 0;
 }

@@ -1,6 +1,7 @@
 #include "ui/wizard/direction_page.h"
 
 #include <QButtonGroup>
+#include <QStyle>
 
 #include "ui/controls/make_child.h"
 #include "ui/wizard/theme.h"
@@ -33,7 +34,9 @@ QRadioButton& DirectionPage::AddOption(const char* name, const char* caption,
   layout.addWidget(&option);
   auto& text = MakeChild<QLabel>(card, explanation);
   text.setWordWrap(true);
-  text.setIndent(26);
+  // Below the option's words, not below its mark.
+  text.setIndent(style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth, nullptr, &option) +
+                 style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing, nullptr, &option));
   layout.addWidget(&text);
   connect(&option, &QRadioButton::clicked, this, [this, source] { emit Chosen(source); });
   return option;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QIcon>
 #include <QUrl>
 
 #include "app/endpoints.h"
@@ -22,11 +23,20 @@ void ShowSchedule(const IDatabase& src, const IDatabase& dest, const NameList& t
   frmSchedule(src, dest, tables, services, parent).exec();
 }
 
+QIcon ProgramIcon() {
+  QIcon icon;
+  for (const int size : {48, 128, 256}) icon.addFile(QString(":/icons/dorvane-%1.png").arg(size));
+  return icon;
+}
+
 }  // namespace
 
 int RunWizard(int argc, char** argv) {
   QApplication app(argc, argv);
   QApplication::setApplicationName("Dorvane");
+  QApplication::setWindowIcon(ProgramIcon());
+  // Desktops that take a window's icon from its desktop entry find it by this name.
+  QGuiApplication::setDesktopFileName("dorvane");
   // The one style that looks alike on every desktop and follows the wizard's colours.
   QApplication::setStyle("Fusion");
   // A message box may come and go while no other window is open yet.

@@ -10,15 +10,25 @@
 namespace dorvane {
 namespace {
 
+/// A window shown before another one, which has the keys again afterwards if it had them before.
 class Shown {
  public:
-  explicit Shown(QWidget& window) : window_(window) { window_.show(); }
+  Shown(QWidget& window, QWidget& behind)
+      : window_(window), behind_(behind), was_active_(behind.isActiveWindow()) {
+    window_.show();
+  }
   Shown(const Shown&) = delete;
   Shown& operator=(const Shown&) = delete;
-  ~Shown() { window_.hide(); }
+  ~Shown() {
+    window_.hide();
+    // Not every window manager gives the keys back by itself.
+    if (was_active_) behind_.activateWindow();
+  }
 
  private:
   QWidget& window_;
+  QWidget& behind_;
+  bool was_active_;
 };
 
 }  // namespace
@@ -48,7 +58,7 @@ ServerCaller::~ServerCaller() = default;
 
 void ServerCaller::Run(const std::function<void()>& work) {
   if (!wait_) wait_ = std::make_unique<frmWait>(&parent_);
-  const Shown shown(*wait_);
+  const Shown shown(*wait_, parent_);
   RunInWorker(work);
 }
 
