@@ -13,6 +13,18 @@ using Kind = LiteralShape::Kind;
 constexpr int kMostDecimalDigits = 38;
 constexpr int kMostFloatDigits = 15;
 
+bool IsNumber(ado::DataType type) {
+  using ado::DataType;
+  constexpr DataType kNumbers[] = {
+      DataType::SmallInt,         DataType::Integer,     DataType::Single,
+      DataType::Double,           DataType::Currency,    DataType::Boolean,
+      DataType::Decimal,          DataType::TinyInt,     DataType::UnsignedTinyInt,
+      DataType::UnsignedSmallInt, DataType::UnsignedInt, DataType::BigInt,
+      DataType::UnsignedBigInt,   DataType::Numeric,     DataType::VarNumeric,
+  };
+  return std::ranges::find(kNumbers, type) != std::end(kNumbers);
+}
+
 LiteralShape ShapeOfNumber(std::string_view literal) {
   const std::size_t first = literal.find_first_of("0123456789.");
   const std::string_view digits = literal.substr(std::min(first, literal.size()));
@@ -41,6 +53,11 @@ bool Join(LiteralShape& shape, const LiteralShape& other, ado::DataType type) {
     shape = other;
     return true;
   }
+  // A column of text or bytes shows the scale and the width of the numbers that it is given.
+  const auto is_number = [](Kind kind) {
+    return kind == Kind::Integer || kind == Kind::Decimal || kind == Kind::Float;
+  };
+  if (is_number(shape.kind) && !IsNumber(type)) return false;
   // Beside a float the server turns a decimal into a float, as a float column does.
   const bool has_float = shape.kind == Kind::Float || other.kind == Kind::Float;
   const bool has_decimal = shape.kind == Kind::Decimal || other.kind == Kind::Decimal;

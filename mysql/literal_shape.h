@@ -18,7 +18,7 @@ struct LiteralShape {
 LiteralShape ShapeOf(std::string_view literal);
 
 /// Widens `shape` to take in `other`. False, and no change, when literals of both shapes in one
-/// list could reach a column of this type with another value or error than each alone.
+/// list could reach a destination column of this type with another value or error than each alone.
 bool Join(LiteralShape& shape, const LiteralShape& other, ado::DataType type);
 
 }  // namespace dorvane

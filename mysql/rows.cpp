@@ -37,7 +37,30 @@ RowsToMsSql::RowsToMsSql(ado::Connection& destination, Target target,
 }
 
 bool RowsToMsSql::TakesBlocks() {
+  LearnTypes();
   return target_.is_new || !(HasTriggers() || RefersToItself());
+}
+
+void RowsToMsSql::LearnTypes() {
+  types_.assign(fields_.size(), ado::DataType::Empty);
+  if (target_.is_new) {
+    // Its columns were made for the source's.
+    std::ranges::transform(fields_, types_.begin(), &ado::FieldInfo::type);
+    return;
+  }
+  try {
+    for (const ado::Column& column : destination_.Columns(BareName())) {
+      for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (text::EqualsIgnoringCase(fields_[i].name, column.name)) types_[i] = column.type;
+      }
+    }
+  } catch (const RunTimeError&) {
+    // Without a type numbers are not joined.
+  }
+}
+
+std::string RowsToMsSql::BareName() const {
+  return target_.table.substr(1, target_.table.size() - 2);
 }
 
 bool RowsToMsSql::HasTriggers() {
@@ -53,7 +76,7 @@ bool RowsToMsSql::HasTriggers() {
 }
 
 bool RowsToMsSql::RefersToItself() {
-  const std::string name = target_.table.substr(1, target_.table.size() - 2);
+  const std::string name = BareName();
   try {
     return std::ranges::any_of(destination_.Keys(name), [&name](const ado::Key& key) {
       return key.type == ado::KeyType::Foreign && text::EqualsIgnoringCase(key.related_table, name);
@@ -114,7 +137,7 @@ void RowsToMsSql::AppendRow() {
 bool RowsToMsSql::JoinsLastInsert() {
   if (insert_rows_ == 0 || insert_rows_ == kMostRowsPerInsert) return false;
   for (std::size_t i = 0; i < row_shapes_.size(); ++i) {
-    if (!Join(insert_shapes_[i], row_shapes_[i], fields_[i].type)) return false;
+    if (!Join(insert_shapes_[i], row_shapes_[i], types_[i])) return false;
   }
   return true;
 }

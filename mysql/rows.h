@@ -37,15 +37,18 @@ class RowsToMsSql : public IRowDestination {
   bool JoinsLastInsert();
   void SendBatch();
   bool ExecuteUnlessViolated(const std::string& statement);
+  void LearnTypes();
   bool HasTriggers();
   bool RefersToItself();
+  std::string BareName() const;
 
   ado::Connection& destination_;
   const Target target_;
   const std::vector<ado::FieldInfo>& fields_;
   const std::vector<ColumnFacts>& facts_;
-  std::string head_;         // "INSERT INTO ... (...) "
-  std::string identity_on_;  // empty without an identity column
+  std::vector<ado::DataType> types_;  // of the destination's columns; Empty: not known
+  std::string head_;                  // "INSERT INTO ... (...) "
+  std::string identity_on_;           // empty without an identity column
   std::string identity_off_;
 
   std::string values_;                       // the row in hand: "1, 'a'"

@@ -68,6 +68,14 @@ TEST(LiteralShape, KeepsApartWhatWouldChange) {
   EXPECT_FALSE(Joins(" 12345678901234567890123456789012345678.0", " 0.5", DataType::Numeric));
 }
 
+TEST(LiteralShape, KeepsNumbersApartThatTextOrBytesWouldShow) {
+  EXPECT_FALSE(Joins(" 0.5", " 0.25", DataType::VarChar));
+  EXPECT_FALSE(Joins("1", "3000000000", DataType::VarBinary));
+  EXPECT_FALSE(Joins("1", "2", DataType::Empty));
+  EXPECT_TRUE(Joins("NULL", " 0.5", DataType::VarChar));
+  EXPECT_TRUE(Joins("'a'", "'bb'", DataType::Empty));
+}
+
 TEST(LiteralShape, WidensOverManyRows) {
   LiteralShape shape = ShapeOf(" 1.0");
   ASSERT_TRUE(Join(shape, ShapeOf(" 1234567890.0"), DataType::Double));
