@@ -224,22 +224,24 @@ TEST_F(WizardOnServers, TheKeyboardAloneConvertsMySqlIntoANewMsSqlDatabase) {
     QTest::keyClick(focus(), Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(focus(), text);
   };
-  const auto log_on = [&](const QString& port) {
+  const auto log_on = [&](const QString& port, const char* connect) {
     fill(Qt::Key_H, "127.0.0.1");
     fill(Qt::Key_O, port);
     fill(Qt::Key_P, "secret");
     access_key(Qt::Key_C);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !driver_.IsEnabled(connect); }))
+        << testing::PrintToString(driver_.TakeBoxes());
   };
 
   access_key(Qt::Key_Y);
   access_key(Qt::Key_N);
   ASSERT_EQ(window.CurrentPage(), page::kMySqlSource);
-  log_on(MySqlPort());
+  log_on(MySqlPort(), "cmdDir2MysqlConnect");
   ASSERT_TRUE(driver_.HasFocus("cmbDir2MysqlDatabases"));
   Pick("cmbDir2MysqlDatabases", "stock");
   access_key(Qt::Key_N);
   ASSERT_EQ(window.CurrentPage(), page::kMsSqlDestination);
-  log_on(MsSqlPort());
+  log_on(MsSqlPort(), "cmdDir2MsSqlConnect");
   EXPECT_FALSE(driver_.IsEnabled("txtDir2MsSqlNewDatabase")) << "created as proposed";
 
   access_key(Qt::Key_N);
