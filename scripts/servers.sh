@@ -62,7 +62,7 @@ start_mariadb() {
   local user=()
   [ "$(id -u)" = 0 ] && user=(--user=root)
   mysql_port=$(free_port)
-  mariadb-install-db --no-defaults --skip-test-db --auth-root-authentication-method=normal \
+  mariadb-install-db --no-defaults --force --skip-test-db --auth-root-authentication-method=normal \
     --datadir="$work/mariadb" "${user[@]}" >"$work/install.log" 2>&1 ||
     { cat "$work/install.log" >&2; exit 1; }
   echo "SET PASSWORD FOR 'root'@'localhost' = PASSWORD('secret');

@@ -40,7 +40,7 @@ void WriteFile(const std::filesystem::path& path, const std::string& text) {
 PrivateMariaDb::PrivateMariaDb(const std::vector<std::string>& extra_options) {
   const auto data = folder_ / "data";
   const Outcome made =
-      Run(AsRoot({"mariadb-install-db", "--no-defaults", "--skip-test-db",
+      Run(AsRoot({"mariadb-install-db", "--no-defaults", "--force", "--skip-test-db",
                   "--auth-root-authentication-method=normal", "--datadir=" + data.string()}));
   if (made.status != 0) throw std::runtime_error("mariadb-install-db:\n" + made.output);
 
