@@ -77,8 +77,9 @@ std::string PrivateMariaDb::Query(const std::string& sql, const std::string& dat
                                       "--execute=source " + (folder / "script.sql").string()};
   if (!database.empty()) command.push_back(database);
   const Outcome outcome = Run(command);
-  if (outcome.status != 0) throw std::runtime_error(outcome.output);
-  return outcome.output;
+  if (outcome.status == 0) return outcome.output;
+  const bool has_died = !process_->IsRunning();
+  throw std::runtime_error(outcome.output + (has_died ? ReadFile(folder_ / "log") : ""));
 }
 
 SandboxServer::SandboxServer(const std::vector<std::string>& databases) {

@@ -45,8 +45,12 @@ bool ClientSession::UsesBulk() {
 void ClientSession::Abandon() {
   streaming_ = false;
   abandoned_ = true;
-  // The library would read the result to its end before it closes anything.
-  shutdown(mysql_get_socket(link_.client.get()), SHUT_RDWR);
+  // The library would read the result to its end before it closes anything, and a server that waits
+  // for room to send learns of the end by a reset only.
+  const int socket = mysql_get_socket(link_.client.get());
+  const linger reset_on_close{1, 0};
+  setsockopt(socket, SOL_SOCKET, SO_LINGER, &reset_on_close, sizeof reset_on_close);
+  shutdown(socket, SHUT_RDWR);
 }
 
 std::unique_ptr<ResultReader> ClientSession::Execute(std::string_view sql) {
