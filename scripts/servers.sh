@@ -62,12 +62,14 @@ start_mariadb() {
   local user=()
   [ "$(id -u)" = 0 ] && user=(--user=root)
   mysql_port=$(free_port)
-  mariadb-install-db --no-defaults --force --skip-test-db --auth-root-authentication-method=normal \
+  # Servers that share a folder for temporary files delete each other's when they start.
+  mkdir "$work/tmp"
+  TMPDIR="$work/tmp" mariadb-install-db --no-defaults --force --skip-test-db --auth-root-authentication-method=normal \
     --datadir="$work/mariadb" "${user[@]}" >"$work/install.log" 2>&1 ||
     { cat "$work/install.log" >&2; exit 1; }
   echo "SET PASSWORD FOR 'root'@'localhost' = PASSWORD('secret');
 GRANT ALL ON *.* TO 'root'@'127.0.0.1' IDENTIFIED BY 'secret' WITH GRANT OPTION;" >"$work/init.sql"
-  mariadbd --no-defaults "${user[@]}" --datadir="$work/mariadb" --socket="$work/s" \
+  mariadbd --no-defaults "${user[@]}" --datadir="$work/mariadb" --tmpdir="$work/tmp" --socket="$work/s" \
     --pid-file="$work/mariadb.pid" --bind-address=127.0.0.1 --port="$mysql_port" \
     --skip-name-resolve --init-file="$work/init.sql" --max-allowed-packet=64M "$@" \
     >"$work/mariadb.log" 2>&1 &

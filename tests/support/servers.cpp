@@ -39,22 +39,26 @@ void WriteFile(const std::filesystem::path& path, const std::string& text) {
 
 PrivateMariaDb::PrivateMariaDb(const std::vector<std::string>& extra_options) {
   const auto data = folder_ / "data";
+  // Servers that share a folder for temporary files delete each other's when they start.
+  const auto temporary = folder_ / "tmp";
+  std::filesystem::create_directory(temporary);
   const Outcome made =
       Run(AsRoot({"mariadb-install-db", "--no-defaults", "--force", "--skip-test-db",
-                  "--auth-root-authentication-method=normal", "--datadir=" + data.string()}));
+                  "--auth-root-authentication-method=normal", "--datadir=" + data.string()}),
+          std::chrono::minutes(2), {{"TMPDIR", temporary.string()}});
   if (made.status != 0) throw std::runtime_error("mariadb-install-db:\n" + made.output);
 
   const auto init = folder_ / "init.sql";
   WriteFile(init,
             "SET PASSWORD FOR 'root'@'localhost' = PASSWORD('secret');\n"
             "GRANT ALL ON *.* TO 'root'@'127.0.0.1' IDENTIFIED BY 'secret' WITH GRANT OPTION;\n");
-  std::vector<std::string> command =
-      AsRoot({"mariadbd", "--no-defaults", "--datadir=" + data.string(),
-              "--socket=" + (folder_ / "s").string(), "--pid-file=" + (folder_ / "pid").string(),
-              "--bind-address=127.0.0.1", fmt::format("--port={}", port_), "--skip-name-resolve",
-              "--init-file=" + init.string(), "--innodb-buffer-pool-size=64M",
-              "--innodb-log-file-size=64M", "--innodb-flush-log-at-trx-commit=0",
-              "--max-allowed-packet=64M"});
+  std::vector<std::string> command = AsRoot(
+      {"mariadbd", "--no-defaults", "--datadir=" + data.string(), "--tmpdir=" + temporary.string(),
+       "--socket=" + (folder_ / "s").string(), "--pid-file=" + (folder_ / "pid").string(),
+       "--bind-address=127.0.0.1", fmt::format("--port={}", port_), "--skip-name-resolve",
+       "--init-file=" + init.string(), "--innodb-buffer-pool-size=64M",
+       "--innodb-log-file-size=64M", "--innodb-flush-log-at-trx-commit=0",
+       "--max-allowed-packet=64M"});
   command.insert(command.end(), extra_options.begin(), extra_options.end());
   process_ = std::make_unique<Process>(command, folder_ / "log");
   Await(*process_, folder_ / "log", [&] {
