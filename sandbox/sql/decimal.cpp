@@ -196,9 +196,13 @@ std::optional<DecimalValue> Calculate(char op, const DecimalValue& left, const D
   const int common = std::max(left.scale, right.scale);
   const auto a = Rescale(left, common), b = Rescale(right, common);
   if (!a || !b) return std::nullopt;
-  const Int128 result = op == '+'   ? a->unscaled + b->unscaled
-                        : op == '-' ? a->unscaled - b->unscaled
-                                    : a->unscaled % b->unscaled;
+  // Two numbers of 38 digits can leave 128 bits.
+  Int128 result = 0;
+  const bool overflows =
+      op == '+'   ? __builtin_add_overflow(a->unscaled, b->unscaled, &result)
+      : op == '-' ? __builtin_sub_overflow(a->unscaled, b->unscaled, &result)
+                  : (result = a->unscaled % b->unscaled, false);
+  if (overflows) return std::nullopt;
   if (!FitsPrecision({result, common}, kMaxDigits)) return std::nullopt;
   return Rescale({result, common}, scale);
 }
