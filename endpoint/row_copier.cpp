@@ -14,26 +14,18 @@ constexpr std::size_t kFewRows = 8;
 constexpr std::size_t kCleanRowsForBlock = 4;
 constexpr std::size_t kGrowth = 4;
 
-struct Fetched {
+}  // namespace
+
+struct RowCopier::Rows {
+  explicit Rows(const ado::BlockLimits& limits) : source(limits) {}
+  ado::RowBlock source;
+  ado::RowBlock made;
+};
+
+struct RowCopier::Fetched {
   bool has_more = false;
   std::exception_ptr failure;
 };
-
-std::future<Fetched> FetchAhead(const BlockSource& source, ado::RowBlock& block) {
-  return std::async(std::launch::async, [&source, &block] {
-    Fetched fetched;
-    // A source that fails before it reads must not leave rows of an earlier block behind.
-    block.Clear(0);
-    try {
-      fetched.has_more = source(block);
-    } catch (...) {
-      fetched.failure = std::current_exception();
-    }
-    return fetched;
-  });
-}
-
-}  // namespace
 
 RowCopier::RowCopier(IRowDestination& destination, IConversionListener& events, IRunHost& host,
                      CopyStrategy strategy, ado::BlockLimits limits)
@@ -45,38 +37,53 @@ RowCopier::RowCopier(IRowDestination& destination, IConversionListener& events, 
       reach_(blocks_ ? limits.rows : 1) {}
 
 bool RowCopier::Copy(const BlockSource& source) {
-  std::array<ado::RowBlock, 2> blocks{ado::RowBlock(limits_), ado::RowBlock(limits_)};
+  std::array<Rows, 2> rows{Rows(limits_), Rows(limits_)};
   std::size_t current = 0;
-  // Destroyed before the blocks: an early end waits for the block that is being read.
-  std::future<Fetched> ahead = FetchAhead(source, blocks[current]);
+  // Destroyed before the rows: an early end waits for the block that is being read.
+  std::future<Fetched> ahead = FetchAhead(source, rows[current]);
   for (;;) {
     const Fetched fetched = ahead.get();
-    if (fetched.has_more) ahead = FetchAhead(source, blocks[1 - current]);
+    if (fetched.has_more) ahead = FetchAhead(source, rows[1 - current]);
     // The rows that came before a failure of the source are copied like any others.
-    if (!Store(blocks[current])) return false;
+    if (!Store(rows[current].made)) return false;
     if (fetched.failure) std::rethrow_exception(fetched.failure);
     if (!fetched.has_more) return true;
     current = 1 - current;
   }
 }
 
-bool RowCopier::Store(const ado::RowBlock& block) {
+std::future<RowCopier::Fetched> RowCopier::FetchAhead(const BlockSource& source, Rows& rows) {
+  return std::async(std::launch::async, [this, &source, &rows] {
+    Fetched fetched;
+    // A source that fails before it reads must not leave rows of an earlier block behind.
+    rows.source.Clear(0);
+    try {
+      fetched.has_more = source(rows.source);
+    } catch (...) {
+      fetched.failure = std::current_exception();
+    }
+    destination_.MakeValues(rows.source, rows.made);
+    return fetched;
+  });
+}
+
+bool RowCopier::Store(const ado::RowBlock& made) {
   refused_end_ = 0;
-  for (std::size_t position = 0; position < block.Rows();) {
+  for (std::size_t position = 0; position < made.Rows();) {
     if (host_.IsStopping()) return false;
-    position += StoreSome(block, position);
+    position += StoreSome(made, position);
   }
   host_.Yield();
   return true;
 }
 
-std::size_t RowCopier::StoreSome(const ado::RowBlock& block, std::size_t position) {
-  const std::size_t count = NextCount(position, block.Rows());
+std::size_t RowCopier::StoreSome(const ado::RowBlock& made, std::size_t position) {
+  const std::size_t count = NextCount(position, made.Rows());
   if (count == 1) {
-    StoreOne(block, position);
+    StoreOne(made, position);
     return 1;
   }
-  switch (destination_.StoreBlock(block, position, count)) {
+  switch (destination_.StoreBlock(made, position, count)) {
     case BlockResult::Stored:
       clean_rows_ += count;
       reach_ = std::min(reach_ * kGrowth, limits_.rows);
@@ -95,8 +102,8 @@ std::size_t RowCopier::StoreSome(const ado::RowBlock& block, std::size_t positio
   return 0;
 }
 
-void RowCopier::StoreOne(const ado::RowBlock& block, std::size_t position) {
-  const RowResult result = destination_.StoreRow(block, position);
+void RowCopier::StoreOne(const ado::RowBlock& made, std::size_t position) {
+  const RowResult result = destination_.StoreRow(made, position);
   if (result == RowResult::Refused) {
     const std::size_t usual_stretch = clean_rows_ / kGrowth;
     reach_ = usual_stretch < kCleanRowsForBlock ? 1 : std::min(usual_stretch, limits_.rows);

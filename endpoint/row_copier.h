@@ -26,19 +26,26 @@ class IRowDestination {
   virtual ~IRowDestination() = default;
   /// False for a table that would tell rows sent together from rows sent one by one.
   virtual bool TakesBlocks() = 0;
+  /// Fills `made` with the values to be stored for the rows of `source`, which it may refer to.
+  /// Called in another thread while earlier rows are stored.
+  virtual void MakeValues(const ado::RowBlock& source, ado::RowBlock& made) = 0;
   /// Stores all `count` rows from `first` on, or leaves the table as it was. Does not throw for
   /// what the server says.
-  virtual BlockResult StoreBlock(const ado::RowBlock& block, std::size_t first,
+  virtual BlockResult StoreBlock(const ado::RowBlock& made, std::size_t first,
                                  std::size_t count) = 0;
   /// Stores one row under the rules of the direction. Throws RunTimeError when the copy must end.
-  virtual RowResult StoreRow(const ado::RowBlock& block, std::size_t row) = 0;
+  virtual RowResult StoreRow(const ado::RowBlock& made, std::size_t row) = 0;
 };
+
+/// The blocks that rows travel in, by measuring: larger ones are no faster, smaller ones wait
+/// longer for commits. Four are in memory at a time.
+inline constexpr ado::BlockLimits kTravellingBlock{.rows = 10'000, .bytes = 2 << 20};
 
 /// Fills the block with the next rows; false at the end. Called in another thread.
 using BlockSource = std::function<bool(ado::RowBlock& block)>;
 
 /// Copies rows in their order and raises TableRecordConverted once for each row that was handled.
-/// The next block is read while the last one is stored.
+/// The next block is read and its values are made while the last one is stored.
 ///
 /// A refused block is tried again in halves until the refused row stands alone and goes through
 /// StoreRow. After it the blocks are as long as refusals have lately been apart, growing again
@@ -46,16 +53,20 @@ using BlockSource = std::function<bool(ado::RowBlock& block)>;
 class RowCopier {
  public:
   RowCopier(IRowDestination& destination, IConversionListener& events, IRunHost& host,
-            CopyStrategy strategy, ado::BlockLimits limits = {});
+            CopyStrategy strategy, ado::BlockLimits limits = kTravellingBlock);
 
   /// False when the user ended the run before the last row. Throws what StoreRow and `source`
   /// throw, after every row read before has been handled.
   bool Copy(const BlockSource& source);
 
  private:
-  bool Store(const ado::RowBlock& block);
-  std::size_t StoreSome(const ado::RowBlock& block, std::size_t position);
-  void StoreOne(const ado::RowBlock& block, std::size_t position);
+  struct Rows;
+  struct Fetched;
+
+  std::future<Fetched> FetchAhead(const BlockSource& source, Rows& rows);
+  bool Store(const ado::RowBlock& made);
+  std::size_t StoreSome(const ado::RowBlock& made, std::size_t position);
+  void StoreOne(const ado::RowBlock& made, std::size_t position);
   std::size_t NextCount(std::size_t position, std::size_t rows) const;
   void Handled(std::size_t count);
 

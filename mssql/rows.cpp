@@ -53,14 +53,25 @@ bool RowsToMySql::TakesBlocks() {
   }
 }
 
-BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& block, std::size_t first,
+void RowsToMySql::MakeValues(const ado::RowBlock& source, ado::RowBlock& made) {
+  made.Clear(source.Columns());
+  for (std::size_t row = 0; row < source.Rows(); ++row) {
+    const std::span<const ado::Value> values = source.Row(row);
+    const std::span<ado::Value> target = made.AppendRow();
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const bool is_raw = IsChunkCopied(fields_[i].type);
+      target[i] = is_raw ? values[i] : DataValue(values[i], fields_[i], facts_[i], made.Storage());
+    }
+  }
+}
+
+BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& made, std::size_t first,
                                     std::size_t count) {
-  Convert(block, first, count);
   bool in_transaction = false;
   try {
     destination_.BeginTrans();
     in_transaction = true;
-    table_.InsertRows(converted_, 0, count);
+    table_.InsertRows(made, first, count);
     destination_.CommitTrans();
     return BlockResult::Stored;
   } catch (const RunTimeError& error) {
@@ -75,22 +86,9 @@ BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& block, std::size_t firs
   }
 }
 
-void RowsToMySql::Convert(const ado::RowBlock& block, std::size_t first, std::size_t count) {
-  converted_.Clear(fields_.size());
-  for (std::size_t row = first; row < first + count; ++row) {
-    const std::span<const ado::Value> values = block.Row(row);
-    const std::span<ado::Value> target = converted_.AppendRow();
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      const bool is_raw = IsChunkCopied(fields_[i].type);
-      target[i] =
-          is_raw ? values[i] : DataValue(values[i], fields_[i], facts_[i], converted_.Storage());
-    }
-  }
-}
-
-RowResult RowsToMySql::StoreRow(const ado::RowBlock& block, std::size_t row) {
+RowResult RowsToMySql::StoreRow(const ado::RowBlock& made, std::size_t row) {
   try {
-    Assign(block.Row(row));
+    Assign(made.Row(row));
     Update();
     return RowResult::Stored;
   } catch (const DestinationFailure& failure) {
@@ -100,7 +98,6 @@ RowResult RowsToMySql::StoreRow(const ado::RowBlock& block, std::size_t row) {
 
 void RowsToMySql::Assign(std::span<const ado::Value> row) {
   table_.AddNew();
-  row_storage_.Clear();
   has_chunks_ = false;
   last_text_.reset();
   for (std::size_t i = 0; i < row.size(); ++i) {
@@ -109,13 +106,10 @@ void RowsToMySql::Assign(std::span<const ado::Value> row) {
       has_chunks_ = true;
       if (const auto* binary = std::get_if<ado::Binary>(&row[i]))
         AppendChunks(field, binary->bytes);
-      continue;
-    }
-    const ado::Value value = DataValue(row[i], fields_[i], facts_[i], row_storage_);
-    if (const auto* text = std::get_if<std::string_view>(&value)) {
+    } else if (const auto* text = std::get_if<std::string_view>(&row[i])) {
       field.SetText(*text);
       last_text_ = LastText{i, std::string(*text)};
-    } else if (const auto* binary = std::get_if<ado::Binary>(&value)) {
+    } else if (const auto* binary = std::get_if<ado::Binary>(&row[i])) {
       field.AppendChunk(binary->bytes);
     } else {
       field.SetNull();

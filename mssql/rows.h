@@ -27,8 +27,9 @@ class RowsToMySql : public IRowDestination {
               const std::vector<ado::FieldInfo>& fields, const std::vector<ColumnFacts>& facts);
 
   bool TakesBlocks() override;
-  BlockResult StoreBlock(const ado::RowBlock& block, std::size_t first, std::size_t count) override;
-  RowResult StoreRow(const ado::RowBlock& block, std::size_t row) override;
+  void MakeValues(const ado::RowBlock& source, ado::RowBlock& made) override;
+  BlockResult StoreBlock(const ado::RowBlock& made, std::size_t first, std::size_t count) override;
+  RowResult StoreRow(const ado::RowBlock& made, std::size_t row) override;
 
  private:
   /// The text assigned last to a field of the row in hand.
@@ -42,15 +43,12 @@ class RowsToMySql : public IRowDestination {
   void Update();
   void RebuildLastText();
   RowResult Resolve(const DestinationFailure& failure, bool is_rebuilt);
-  void Convert(const ado::RowBlock& block, std::size_t first, std::size_t count);
 
   ado::Connection& destination_;
   const Target target_;
   const std::vector<ado::FieldInfo>& fields_;
   const std::vector<ColumnFacts>& facts_;
   ado::Recordset table_;
-  ado::RowBlock converted_;  // rows on their way, reused from block to block
-  ado::Arena row_storage_;
   bool has_chunks_ = false;  // the row in hand holds a chunk-copied field
   std::optional<LastText> last_text_;
 };

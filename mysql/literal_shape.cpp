@@ -25,16 +25,28 @@ bool IsNumber(ado::DataType type) {
   return std::ranges::find(kNumbers, type) != std::end(kNumbers);
 }
 
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
 LiteralShape ShapeOfNumber(std::string_view literal) {
-  const std::size_t first = literal.find_first_of("0123456789.");
-  const std::string_view digits = literal.substr(std::min(first, literal.size()));
-  if (digits.empty() || digits.find_first_not_of("0123456789.eE+-") != std::string_view::npos) {
+  literal.remove_prefix(std::min(literal.find_first_not_of(" -"), literal.size()));
+  if (literal.empty() || !(IsDigit(literal.front()) || literal.front() == '.')) {
     return {Kind::Other};
   }
-  if (digits.find_first_of("eE") != std::string_view::npos) return {Kind::Float};
-  const std::size_t point = digits.find('.');
-  if (point == std::string_view::npos) return {Kind::Integer};
-  return {Kind::Decimal, static_cast<int>(point), static_cast<int>(digits.size() - point - 1)};
+  LiteralShape shape{Kind::Integer};
+  for (const char c : literal) {
+    if (IsDigit(c)) {
+      ++(shape.kind == Kind::Integer ? shape.integer_digits : shape.scale);
+    } else if (c == '.') {
+      shape.kind = Kind::Decimal;
+    } else if (c == 'e') {
+      return {Kind::Float};
+    } else {
+      return {Kind::Other};
+    }
+  }
+  return shape.kind == Kind::Integer ? LiteralShape{Kind::Integer} : shape;
 }
 
 }  // namespace

@@ -18,7 +18,21 @@ namespace {
 // The server's limit for a VALUES list.
 constexpr std::size_t kMostRowsPerInsert = 1000;
 // A batch is sent when it is that long; one row may be longer.
-constexpr std::size_t kBatchBytes = 256 * 1024;
+constexpr std::size_t kBatchBytes = 512 * 1024;
+
+std::string_view TextOf(const ado::Value& literal) {
+  return std::get<std::string_view>(literal);
+}
+
+void AppendTuple(std::string& out, std::span<const ado::Value> literals) {
+  const char* separator = "(";
+  for (const ado::Value& literal : literals) {
+    out += separator;
+    out += TextOf(literal);
+    separator = ", ";
+  }
+  out += ')';
+}
 
 }  // namespace
 
@@ -26,14 +40,15 @@ RowsToMsSql::RowsToMsSql(ado::Connection& destination, Target target,
                          const std::vector<ado::FieldInfo>& fields,
                          const std::vector<ColumnFacts>& facts)
     : destination_(destination), target_(std::move(target)), fields_(fields), facts_(facts) {
-  head_ = "INSERT INTO " + target_.table + " (";
+  const std::string table = "[" + target_.table + "]";
+  head_ = "INSERT INTO " + table + " (";
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     head_ += (i == 0 ? "[" : ", [") + fields_[i].name + "]";
   }
   head_ += ") ";
   if (!target_.has_identity_column) return;
-  identity_on_ = "set identity_insert " + target_.table + " On;";
-  identity_off_ = "set identity_insert " + target_.table + " Off;";
+  identity_on_ = "set identity_insert " + table + " On;";
+  identity_off_ = "set identity_insert " + table + " Off;";
 }
 
 bool RowsToMsSql::TakesBlocks() {
@@ -49,7 +64,7 @@ void RowsToMsSql::LearnTypes() {
     return;
   }
   try {
-    for (const ado::Column& column : destination_.Columns(BareName())) {
+    for (const ado::Column& column : destination_.Columns(target_.table)) {
       for (std::size_t i = 0; i < fields_.size(); ++i) {
         if (text::EqualsIgnoringCase(fields_[i].name, column.name)) types_[i] = column.type;
       }
@@ -59,15 +74,11 @@ void RowsToMsSql::LearnTypes() {
   }
 }
 
-std::string RowsToMsSql::BareName() const {
-  return target_.table.substr(1, target_.table.size() - 2);
-}
-
 bool RowsToMsSql::HasTriggers() {
   try {
     ado::Recordset count =
         destination_.Execute("select count(*) from sys.triggers where parent_id = object_id('" +
-                             SqlText(target_.table) + "')");
+                             SqlText("[" + target_.table + "]") + "')");
     return !count.AtEnd() && count.Field(0).Text() != "0";
   } catch (const RunTimeError&) {
     // A server without that view has no triggers.
@@ -76,7 +87,7 @@ bool RowsToMsSql::HasTriggers() {
 }
 
 bool RowsToMsSql::RefersToItself() {
-  const std::string name = BareName();
+  const std::string& name = target_.table;
   try {
     return std::ranges::any_of(destination_.Keys(name), [&name](const ado::Key& key) {
       return key.type == ado::KeyType::Foreign && text::EqualsIgnoringCase(key.related_table, name);
@@ -86,14 +97,26 @@ bool RowsToMsSql::RefersToItself() {
   }
 }
 
-BlockResult RowsToMsSql::StoreBlock(const ado::RowBlock& block, std::size_t first,
+void RowsToMsSql::MakeValues(const ado::RowBlock& source, ado::RowBlock& made) {
+  made.Clear(source.Columns());
+  for (std::size_t row = 0; row < source.Rows(); ++row) {
+    const std::span<const ado::Value> values = source.Row(row);
+    const std::span<ado::Value> target = made.AppendRow();
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      literal_.clear();
+      AppendDataValue(literal_, values[i], facts_[i]);
+      target[i] = made.Storage().Store(literal_);
+    }
+  }
+}
+
+BlockResult RowsToMsSql::StoreBlock(const ado::RowBlock& made, std::size_t first,
                                     std::size_t count) {
   batch_ = "begin transaction;" + identity_on_;
   insert_rows_ = 0;
   try {
     for (std::size_t row = first; row < first + count; ++row) {
-      MakeValues(block.Row(row));
-      AppendRow();
+      AppendRow(made.Row(row));
       if (batch_.size() >= kBatchBytes) SendBatch();
     }
     batch_ += insert_rows_ > 0 ? ";" + identity_off_ : identity_off_;
@@ -108,29 +131,19 @@ BlockResult RowsToMsSql::StoreBlock(const ado::RowBlock& block, std::size_t firs
   }
 }
 
-void RowsToMsSql::MakeValues(std::span<const ado::Value> row) {
-  values_.clear();
+void RowsToMsSql::AppendRow(std::span<const ado::Value> literals) {
   row_shapes_.clear();
-  for (std::size_t i = 0; i < row.size(); ++i) {
-    if (i > 0) values_ += ", ";
-    const std::size_t start = values_.size();
-    AppendDataValue(values_, row[i], facts_[i]);
-    row_shapes_.push_back(ShapeOf(std::string_view(values_).substr(start)));
-  }
-}
-
-void RowsToMsSql::AppendRow() {
+  for (const ado::Value& literal : literals) row_shapes_.push_back(ShapeOf(TextOf(literal)));
   if (JoinsLastInsert()) {
-    batch_ += ",(";
+    batch_ += ',';
   } else {
     if (insert_rows_ > 0) batch_ += ';';
     batch_ += head_;
-    batch_ += " VALUES(";
+    batch_ += " VALUES";
     insert_shapes_ = row_shapes_;
     insert_rows_ = 0;
   }
-  batch_ += values_;
-  batch_ += ')';
+  AppendTuple(batch_, literals);
   ++insert_rows_;
 }
 
@@ -149,9 +162,10 @@ void RowsToMsSql::SendBatch() {
   insert_rows_ = 0;
 }
 
-RowResult RowsToMsSql::StoreRow(const ado::RowBlock& block, std::size_t row) {
-  MakeValues(block.Row(row));
-  bool is_stored = ExecuteUnlessViolated(identity_on_ + head_ + " VALUES(" + values_ + ")");
+RowResult RowsToMsSql::StoreRow(const ado::RowBlock& made, std::size_t row) {
+  std::string statement = identity_on_ + head_ + " VALUES";
+  AppendTuple(statement, made.Row(row));
+  bool is_stored = ExecuteUnlessViolated(statement);
   if (!identity_off_.empty()) is_stored &= ExecuteUnlessViolated(identity_off_);
   return is_stored ? RowResult::Stored : RowResult::Refused;
 }
@@ -175,7 +189,7 @@ bool RowsToMsSql::ExecuteUnlessViolated(const std::string& statement) {
 bool MySqlDatabase::CopyTableContent(ado::Table& tab_src, bool has_identity_column,
                                      bool is_new_table) {
   const std::string& name = tab_src.Name();
-  const std::string dest_table = "[" + DestName(name) + "]";
+  const std::string dest_name = DestName(name);
   try {
     ado::Recordset source = Source().Execute("select * from `" + name + "`");
     const std::vector<ado::FieldInfo>& fields = source.FieldInfos();
@@ -183,13 +197,13 @@ bool MySqlDatabase::CopyTableContent(ado::Table& tab_src, bool has_identity_colu
     Events().TableContentTransferStarted(name, count);
 
     Facts().resize(std::max(Facts().size(), fields.size()));
-    RowsToMsSql rows(Destination(), {dest_table, has_identity_column, is_new_table, IsMerging()},
+    RowsToMsSql rows(Destination(), {dest_name, has_identity_column, is_new_table, IsMerging()},
                      fields, Facts());
     return CopyRows(source, rows);
   } catch (const RunTimeError& error) {
     const FailureWords words = ProviderWords(error);
-    RaiseError(fmt::format("Unexpected error while transfering data of table {} - {} - {}",
-                           dest_table, words.number, words.description),
+    RaiseError(fmt::format("Unexpected error while transfering data of table [{}] - {} - {}",
+                           dest_name, words.number, words.description),
                "MS SQL Server");
     return true;
   }

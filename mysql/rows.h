@@ -16,7 +16,7 @@ namespace dorvane {
 class RowsToMsSql : public IRowDestination {
  public:
   struct Target {
-    std::string table;                 // in brackets
+    std::string table;                 // without brackets
     bool has_identity_column = false;  // its values come with the rows
     bool is_new = false;               // just created: no triggers, no foreign keys
     bool leaves_violations_out = false;
@@ -28,19 +28,18 @@ class RowsToMsSql : public IRowDestination {
               const std::vector<ado::FieldInfo>& fields, const std::vector<ColumnFacts>& facts);
 
   bool TakesBlocks() override;
-  BlockResult StoreBlock(const ado::RowBlock& block, std::size_t first, std::size_t count) override;
-  RowResult StoreRow(const ado::RowBlock& block, std::size_t row) override;
+  void MakeValues(const ado::RowBlock& source, ado::RowBlock& made) override;
+  BlockResult StoreBlock(const ado::RowBlock& made, std::size_t first, std::size_t count) override;
+  RowResult StoreRow(const ado::RowBlock& made, std::size_t row) override;
 
  private:
-  void MakeValues(std::span<const ado::Value> row);
-  void AppendRow();
+  void AppendRow(std::span<const ado::Value> literals);
   bool JoinsLastInsert();
   void SendBatch();
   bool ExecuteUnlessViolated(const std::string& statement);
   void LearnTypes();
   bool HasTriggers();
   bool RefersToItself();
-  std::string BareName() const;
 
   ado::Connection& destination_;
   const Target target_;
@@ -51,8 +50,8 @@ class RowsToMsSql : public IRowDestination {
   std::string identity_on_;           // empty without an identity column
   std::string identity_off_;
 
-  std::string values_;                       // the row in hand: "1, 'a'"
-  std::vector<LiteralShape> row_shapes_;     // its literals
+  std::string literal_;                      // the value in hand, in the reading thread
+  std::vector<LiteralShape> row_shapes_;     // of the row in hand
   std::vector<LiteralShape> insert_shapes_;  // those of the INSERT that is being built
   std::size_t insert_rows_ = 0;              // rows in that INSERT; 0: there is none
   std::string batch_;

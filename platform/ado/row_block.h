@@ -35,7 +35,7 @@ class Arena {
 /// How much of a result one block may hold. A block always takes at least one row.
 struct BlockLimits {
   std::size_t rows = 1000;
-  std::size_t bytes = 1 << 20;
+  std::size_t bytes = 1 << 20;  // of values with their text and bytes
 };
 
 /// Rows in memory, values row by row, their text and bytes in the block's own arena. Reused from
@@ -49,7 +49,7 @@ class RowBlock {
   const BlockLimits& Limits() const { return limits_; }
   std::size_t Rows() const { return columns_ == 0 ? 0 : values_.size() / columns_; }
   std::size_t Columns() const { return columns_; }
-  std::size_t Bytes() const { return arena_.BytesUsed(); }
+  std::size_t Bytes() const { return arena_.BytesUsed() + values_.size() * sizeof(Value); }
   bool IsFull() const { return Rows() >= limits_.rows || Bytes() >= limits_.bytes; }
   std::span<const Value> Row(std::size_t row) const {
     return {values_.data() + row * columns_, columns_};

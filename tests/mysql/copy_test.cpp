@@ -93,16 +93,39 @@ TEST_F(MySqlCopy, ARefusedBlockLeavesTheSessionAsItWas) {
   EXPECT_THAT(events.Errors(), IsEmpty());
 }
 
-TEST_F(MySqlCopy, BatchesAndInsertsStayWithinBounds) {
+TEST_F(MySqlCopy, BatchesStayWithinBounds) {
   std::vector<Row> rows;
   const std::string_view text = source.Keep(std::string(5000, 'x'));
-  for (int i = 0; i < 300; ++i) rows.push_back(Numbered(i, text));
+  for (int i = 0; i < 600; ++i) rows.push_back(Numbered(i, text));
   Rows(DataType::VarChar, rows);
   Transfer({"a t"});
   std::size_t longest = 0;
   for (const std::string& sql : dest.log) longest = std::max(longest, sql.size());
-  EXPECT_LT(longest, 300'000u);
+  EXPECT_LT(longest, 600'000u);
   EXPECT_GT(dest.Sent("INSERT").size(), 3u);
+}
+
+TEST_F(MySqlCopy, NoInsertHasMoreRowsThanTheServerTakes) {
+  std::vector<Row> rows;
+  for (int i = 0; i < 2500; ++i) rows.push_back(Numbered(i, true));
+  Rows(DataType::Boolean, rows);
+  Transfer({"a t"});
+  const auto occurrences = [](std::string_view text, std::string_view part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at < text.size(); at = text.find(part, at + 1)) ++count;
+    return count;
+  };
+  std::size_t stored = 0;
+  for (const std::string& sql : RowStatements()) {
+    for (std::size_t at = sql.find(kHead); at < sql.size();) {
+      const std::size_t next = sql.find(kHead, at + 1);
+      const std::size_t tuples = 1 + occurrences(sql.substr(at, next - at), "),(");
+      EXPECT_LE(tuples, 1000u);
+      stored += tuples;
+      at = next;
+    }
+  }
+  EXPECT_EQ(stored, rows.size());
 }
 
 TEST_F(MySqlCopy, OnlyMergeSkipsViolations) {

@@ -55,17 +55,25 @@ char32_t NextCodePoint(std::string_view text, std::size_t& position) {
 }  // namespace
 
 std::u16string ToUtf16(std::string_view utf8) {
-  std::u16string result;
-  result.reserve(utf8.size());
+  // No text has more units than bytes.
+  std::u16string result(utf8.size(), u'\0');
+  char16_t* out = result.data();
   for (std::size_t position = 0; position < utf8.size();) {
+    const auto byte = static_cast<unsigned char>(utf8[position]);
+    if (byte < 0x80) {
+      *out++ = byte;
+      ++position;
+      continue;
+    }
     const char32_t code = NextCodePoint(utf8, position);
     if (code < 0x10000) {
-      result.push_back(static_cast<char16_t>(code));
+      *out++ = static_cast<char16_t>(code);
     } else {
-      result.push_back(static_cast<char16_t>(0xD7C0 + (code >> 10)));
-      result.push_back(static_cast<char16_t>(0xDC00 + (code & 0x3FF)));
+      *out++ = static_cast<char16_t>(0xD7C0 + (code >> 10));
+      *out++ = static_cast<char16_t>(0xDC00 + (code & 0x3FF));
     }
   }
+  result.resize(out - result.data());
   return result;
 }
 
