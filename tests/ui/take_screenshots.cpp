@@ -8,6 +8,8 @@
 #include <semaphore>
 #include <thread>
 
+#include "platform/scheduler/cron_scheduler.h"
+#include "tests/scheduler/file_crontab.h"
 #include "tests/ui/scripted_endpoint.h"
 #include "tests/ui/wizard_driver.h"
 #include "ui/controls/window_style.h"
@@ -16,6 +18,8 @@
 #include "ui/dialogs/message_box.h"
 #include "ui/dialogs/skin_module.h"
 #include "ui/help/help_window.h"
+#include "ui/schedule/frm_schedule.h"
+#include "ui/schedule/task_settings_dialog.h"
 
 namespace dorvane::test {
 namespace {
@@ -152,6 +156,25 @@ void GiveLongNames(WizardDriver&, Script& script) {
   script.tables = [] { return NameList{kLongName + "1", kLongName + "2", kLongName + "3", "x"}; };
 }
 
+void TakeSchedule(Camera& camera) {
+  const TempFolder folder;
+  const auto crontab = scheduler::MakeFileCrontab(folder.Path());
+  ScheduleServices services;
+  services.make_scheduler = [&] { return std::make_unique<scheduler::CronScheduler>(crontab); };
+  services.program_folder = "/usr/lib/dorvane";
+  services.settings_folder = folder.Path();
+  services.show_message = ShowMessage;
+  PlainEndpoint src(ServerKind::MsSql);
+  PlainEndpoint dest(ServerKind::MySql);
+  frmSchedule dialog(src, dest, Tables(), services);
+  dialog.show();
+  dialog.findChild<QLineEdit*>("txtTaskName")->setText("Company nightly");
+  dialog.findChild<QLineEdit*>("txtLogFile")->setText("/var/log/dorvane/company.txt");
+  camera.Take(dialog, "schedule");
+  dialog.findChild<GradientButton*>("cmdSchedule")->click();
+  camera.Take(*dialog.findChild<TaskSettingsDialog*>(), "schedule-settings");
+}
+
 void TakeBox(Camera& camera, const QString& name, MessageBoxKind kind, const QString& text,
              std::int32_t style, const std::filesystem::path& skin) {
   frmMsgBox box;
@@ -195,6 +218,7 @@ int main(int argc, char** argv) {
           skins / "Blue");
   TakeBox(camera, "box-warning", MessageBoxKind::kOk, "Please click connect to database button",
           message_style::kPlain, skins / "Blue");
+  TakeSchedule(camera);
   frmWait wait;
   wait.show();
   camera.Take(wait, "wait");
