@@ -72,9 +72,9 @@ class HeldTransfer {
     listener.TableConversionStarted(tables[0]);
     listener.TableConversionSuccessed(tables[0]);
     listener.TableConversionStarted(tables[1]);
-    listener.TableContentTransferStarted(tables[1], 500'000);
-    for (int row = 0; row < 223'456; ++row) {
-      if (row % 10'000 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    listener.TableContentTransferStarted(tables[1], 120'000);
+    for (int row = 0; row < 53'456; ++row) {
+      if (row % 2'000 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(50));
       listener.TableRecordConverted();
     }
     reached_.release();
