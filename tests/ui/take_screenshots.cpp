@@ -2,15 +2,24 @@
 // HELP_FILE. QT_SCALE_FACTOR=2 gives them at 200 %.
 #include <QApplication>
 #include <QDir>
+#include <QPainter>
 #include <QTimer>
+#include <functional>
+#include <semaphore>
+#include <thread>
 
+#include "platform/scheduler/cron_scheduler.h"
+#include "tests/scheduler/file_crontab.h"
 #include "tests/ui/scripted_endpoint.h"
 #include "tests/ui/wizard_driver.h"
+#include "ui/controls/window_style.h"
 #include "ui/dialogs/frm_msg_box.h"
 #include "ui/dialogs/frm_wait.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/dialogs/skin_module.h"
 #include "ui/help/help_window.h"
+#include "ui/schedule/frm_schedule.h"
+#include "ui/schedule/task_settings_dialog.h"
 
 namespace dorvane::test {
 namespace {
@@ -21,12 +30,30 @@ class Camera {
 
   void Take(QWidget& window, const QString& name) {
     QApplication::processEvents();
-    window.grab().save(folder_.filePath(name + ".png"));
+    QPixmap picture = window.grab();
+    if (!window.mask().isEmpty()) CutOut(picture, window.mask());
+    picture.save(folder_.filePath(name + ".png"));
   }
 
  private:
+  /// Leaves what lies outside a window's shape transparent, as a desktop shows it.
+  static void CutOut(QPixmap& picture, const QRegion& shape) {
+    QPixmap cut(picture.size());
+    cut.setDevicePixelRatio(picture.devicePixelRatio());
+    cut.fill(Qt::transparent);
+    QPainter painter(&cut);
+    painter.setClipRegion(shape);
+    painter.drawPixmap(0, 0, picture);
+    painter.end();
+    picture = cut;
+  }
+
   QDir folder_;
 };
+
+const std::string kLongName =
+    "a_table_that_carries_every_word_of_its_meaning_in_its_name_as_some_generated_schemas_do_"
+    "up_to_the_limit_of_128_characters_______";
 
 /// Enough of them to scroll.
 NameList Tables() {
@@ -37,59 +64,115 @@ NameList Tables() {
   return names;
 }
 
-/// Stops in the middle of a table's rows.
-void TransferHalf(IConversionListener& listener, const NameList& tables) {
-  listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), true);
-  listener.TableConversionStarted(tables[0]);
-  listener.TableConversionSuccessed(tables[0]);
-  listener.TableConversionStarted(tables[1]);
-  listener.TableContentTransferStarted(tables[1], 500'000);
-  for (int i = 0; i < 123'456; ++i) listener.TableRecordConverted();
-  listener.TableRelationsConversionStarted(tables[0]);
-  listener.TableContentTransferStarted(tables[1], 500'000);
-  for (int i = 0; i < 123'456; ++i) listener.TableRecordConverted();
-}
-
-void TransferAll(IConversionListener& listener, const NameList& tables) {
-  listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
-  for (const std::string& table : tables) {
-    listener.TableConversionStarted(table);
-    listener.TableContentTransferStarted(table, 5'000);
-    for (int i = 0; i < 5'000; ++i) listener.TableRecordConverted();
-    listener.TableConversionSuccessed(table);
+/// A transfer that stops in the middle of a table's rows until it has been looked at.
+class HeldTransfer {
+ public:
+  void operator()(IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), true);
+    listener.TableConversionStarted(tables[0]);
+    listener.TableConversionSuccessed(tables[0]);
+    listener.TableConversionStarted(tables[1]);
+    listener.TableContentTransferStarted(tables[1], 120'000);
+    for (int row = 0; row < 53'456; ++row) {
+      if (row % 2'000 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      listener.TableRecordConverted();
+    }
+    reached_.release();
+    go_on_.acquire();
+    for (std::size_t table = 1; table < tables.size(); ++table) {
+      listener.TableConversionSuccessed(tables[table]);
+    }
+    for (const std::string& table : tables) listener.TableRelationsConversionStarted(table);
+    listener.ConversionEnded();
   }
-  listener.ConversionEnded();
-}
 
-/// Every page of one direction; the last after `transfer`, under the name `end`.
-void TakeWizard(Camera& camera, bool from_ms_sql,
-                void (*transfer)(IConversionListener&, const NameList&), const QString& end) {
+  /// Calls `look` in this thread while the transfer waits.
+  void WhenReached(std::function<void()> look) {
+    timer_.callOnTimeout([this, look = std::move(look)] {
+      if (!reached_.try_acquire()) return;
+      timer_.stop();
+      // The rows are on the window within this time.
+      QTest::qWait(100);
+      look();
+      go_on_.release();
+    });
+    timer_.start(20);
+  }
+
+ private:
+  std::binary_semaphore reached_{0};
+  std::binary_semaphore go_on_{0};
+  QTimer timer_;
+};
+
+struct Direction {
+  const char *option, *source_connect, *existing, *destination_connect;
+};
+constexpr Direction kFromMsSql{"optMsSqlToMySql", "cmdSrcConnect", "optExistingDb",
+                               "cmdDestConnect"};
+constexpr Direction kFromMySql{"optMySqlToMsSql", "cmdDir2MysqlConnect", "opnDir2MsSqlExistingDb",
+                               "cmdDir2MsSqlConnect"};
+
+/// Every page of one direction, the last one during and after a transfer.
+void TakeWizard(Camera& camera, const Direction& direction, QString prefix,
+                const std::function<void(WizardDriver&, Script&)>& prepare) {
   Script script;
   script.tables = Tables;
-  script.transfer = transfer;
   WizardDriver driver(script);
-  const QString direction = from_ms_sql ? "mssql" : "mysql";
-  driver.Window().show();
-  driver.Click(from_ms_sql ? "optMsSqlToMySql" : "optMySqlToMsSql");
-  if (from_ms_sql) camera.Take(driver.Window(), "page0");
+  prepare(driver, script);
+  const auto take = [&](const char* name) { camera.Take(driver.Window(), prefix + name); };
+  driver.on_box = [&](QWidget& box) { camera.Take(box, prefix + "box-summary"); };
+  driver.Click(direction.option);
+  take("direction");
   driver.Next();
-  camera.Take(driver.Window(), direction + "-source");
-  driver.Click(from_ms_sql ? "cmdSrcConnect" : "cmdDir2MysqlConnect");
-  camera.Take(driver.Window(), direction + "-source-connected");
+  take("source");
+  driver.Click(direction.source_connect);
+  take("source-connected");
   driver.Next();
-  camera.Take(driver.Window(), direction + "-destination");
-  driver.Click(from_ms_sql ? "optExistingDb" : "opnDir2MsSqlExistingDb");
-  driver.Click(from_ms_sql ? "cmdDestConnect" : "cmdDir2MsSqlConnect");
-  camera.Take(driver.Window(), direction + "-destination-connected");
+  take("destination");
+  driver.Click(direction.existing);
+  driver.Click(direction.destination_connect);
+  take("destination-connected");
   driver.Next();
-  driver.Click("cmdSLR");
-  driver.Click("cmdSLR");
-  driver.Click("cmdSLR");
-  camera.Take(driver.Window(), direction + "-tables");
+  for (int count = 0; count < 3; ++count) driver.Click("cmdSLR");
+  take("tables");
   driver.Next();
-  camera.Take(driver.Window(), direction + "-ready");
+  take("ready");
+  HeldTransfer transfer;
+  transfer.WhenReached([&] { take("transfer"); });
+  script.transfer = std::ref(transfer);
   driver.Click("cmdTransferTables");
-  camera.Take(driver.Window(), direction + "-" + end);
+  take("finished");
+}
+
+void LeaveAsItIs(WizardDriver&, Script&) {}
+
+void MakeSmall(WizardDriver& driver, Script&) {
+  driver.Window().resize(1, 1);
+}
+
+void GiveLongNames(WizardDriver&, Script& script) {
+  script.databases = [] { return NameList{kLongName, "x"}; };
+  script.tables = [] { return NameList{kLongName + "1", kLongName + "2", kLongName + "3", "x"}; };
+}
+
+void TakeSchedule(Camera& camera) {
+  const TempFolder folder;
+  const auto crontab = scheduler::MakeFileCrontab(folder.Path());
+  ScheduleServices services;
+  services.make_scheduler = [&] { return std::make_unique<scheduler::CronScheduler>(crontab); };
+  services.program_folder = "/usr/lib/dorvane";
+  services.settings_folder = folder.Path();
+  services.show_message = ShowMessage;
+  PlainEndpoint src(ServerKind::MsSql);
+  PlainEndpoint dest(ServerKind::MySql);
+  frmSchedule dialog(src, dest, Tables(), services);
+  dialog.show();
+  dialog.findChild<QLineEdit*>("txtTaskName")->setText("Company nightly");
+  dialog.findChild<QLineEdit*>("txtLogFile")->setText("/var/log/dorvane/company.txt");
+  camera.Take(dialog, "schedule");
+  dialog.findChild<GradientButton*>("cmdSchedule")->click();
+  camera.Take(*dialog.findChild<TaskSettingsDialog*>(), "schedule-settings");
 }
 
 void TakeBox(Camera& camera, const QString& name, MessageBoxKind kind, const QString& text,
@@ -113,11 +196,12 @@ int main(int argc, char** argv) {
   if (argc != 4) return 2;
   Camera camera(argv[1]);
   const std::filesystem::path skins = argv[2];
-  QApplication::setStyle("Fusion");
+  QApplication::setStyle(std::make_unique<WindowStyle>().release());
 
-  TakeWizard(camera, true, TransferHalf, "transfer");
-  TakeWizard(camera, false, TransferHalf, "transfer");
-  TakeWizard(camera, true, TransferAll, "finished");
+  TakeWizard(camera, kFromMsSql, "mssql-", LeaveAsItIs);
+  TakeWizard(camera, kFromMySql, "mysql-", LeaveAsItIs);
+  TakeWizard(camera, kFromMsSql, "small-", MakeSmall);
+  TakeWizard(camera, kFromMySql, "long-", GiveLongNames);
   const QString failed =
       "MS SQL Server can not be found at that server. Make sure that you entered the correct host "
       "name";
@@ -134,6 +218,7 @@ int main(int argc, char** argv) {
           skins / "Blue");
   TakeBox(camera, "box-warning", MessageBoxKind::kOk, "Please click connect to database button",
           message_style::kPlain, skins / "Blue");
+  TakeSchedule(camera);
   frmWait wait;
   wait.show();
   camera.Take(wait, "wait");

@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QProgressBar>
+#include <limits>
+#include <semaphore>
 #include <thread>
 
 #include "tests/ui/print_qt.h"
@@ -162,26 +163,67 @@ TEST_F(TransferPages, CancelDuringATransferAsksWhileItGoesOn) {
   EXPECT_TRUE(driver_.closed);
 }
 
-// The window's own timer keeps ticking while rows pour in: nothing waits for the copying thread.
-TEST_F(TransferPages, TheWindowStaysAliveWhileRowsPourIn) {
-  script_.transfer = [](IConversionListener& listener, const NameList& tables) {
-    listener.ConversionStarted(1, false);
-    listener.TableContentTransferStarted(tables[0], 1 << 30);
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
-    while (std::chrono::steady_clock::now() < end) listener.TableRecordConverted();
-  };
+/// Tells a thread that waits for it that a widget was painted.
+class PaintWatch : public QObject {
+ public:
+  explicit PaintWatch(QWidget& widget) : QObject(&widget) { widget.installEventFilter(this); }
+
+  bool WaitForPaint() { return painted_.try_acquire_for(std::chrono::seconds(20)); }
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::Paint) painted_.release();
+    return false;
+  }
+
+ private:
+  std::counting_semaphore<> painted_{0};
+};
+
+// The servers of this test answer only when the window has painted itself meanwhile: a window that
+// waits for them would wait for ever.
+TEST_F(TransferPages, TheWindowWaitsForNoServer) {
   GoToTransfer();
-  int ticks = 0;
-  int first_value = 0;
-  QTimer timer;
-  QObject::connect(&timer, &QTimer::timeout, [&] {
-    if (++ticks == 3) first_value = Bar("pbRecordsProgress").value();
-  });
-  timer.start(20);
+  QWidget& list = driver_.Get("lstConvertedTables");
+  PaintWatch watch(list);
+  int painted = 0;
+  const auto slow_answer = [&] {
+    QMetaObject::invokeMethod(&list, [&list] { list.update(); });
+    painted += watch.WaitForPaint() ? 1 : 0;
+  };
+  script_.transfer = [&](IConversionListener& listener, const NameList& tables) {
+    slow_answer();  // logging on
+    listener.ConversionStarted(1, true);
+    listener.TableConversionStarted(tables[0]);
+    slow_answer();  // counting
+    listener.TableContentTransferStarted(tables[0], 2'000);
+    for (int block = 0; block < 2; ++block) {
+      slow_answer();  // storing
+      for (int row = 0; row < 1'000; ++row) listener.TableRecordConverted();
+    }
+    listener.TableConversionSuccessed(tables[0]);
+    listener.TableRelationsConversionStarted(tables[0]);
+    slow_answer();
+    listener.ConversionEnded();
+  };
   driver_.Click("cmdTransferTables");
-  EXPECT_GE(ticks, 5);
-  EXPECT_GT(first_value, 0) << "the bar moves before the transfer ends";
-  EXPECT_GT(Bar("pbRecordsProgress").value(), first_value);
+  EXPECT_EQ(painted, 5);
+  EXPECT_EQ(Bar("pbRecordsProgress").maximum(), 2'000);
+}
+
+// A transfer that never stops reporting rows ends when the bar has been painted in its middle.
+TEST_F(TransferPages, TheBarMovesWhileRowsPourIn) {
+  GoToTransfer();
+  std::atomic<int> shown = 0;
+  script_.transfer = [&](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(1, false);
+    listener.TableContentTransferStarted(tables[0], std::numeric_limits<std::int32_t>::max());
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (shown < 3 && std::chrono::steady_clock::now() < end) listener.TableRecordConverted();
+  };
+  QObject::connect(&Bar("pbRecordsProgress"), &QProgressBar::valueChanged, [&] { ++shown; });
+  driver_.Click("cmdTransferTables");
+  EXPECT_GE(shown, 3);
 }
 
 TEST_F(TransferPages, TenThousandTablesAreMovedAndConverted) {

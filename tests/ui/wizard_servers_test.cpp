@@ -213,7 +213,7 @@ TEST_F(WizardOnServers, TheKeyboardAloneConvertsMySqlIntoANewMsSqlDatabase) {
   const auto access_key = [&](Qt::Key key) {
     // A desktop gives the keys back when a box or the wait window goes; offscreen there is none.
     window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &window; }));
     QTest::keyClick(focus(), key, Qt::AltModifier);
     // A button that is clicked by its access key shows itself pressed for a tenth of a second
     // first.

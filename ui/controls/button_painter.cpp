@@ -107,6 +107,7 @@ void PaintBorder(QPainter& painter, const ButtonLook& look, const ButtonState& s
     case ButtonStyle::kFlat:
     case ButtonStyle::kSoft:
       stroke(0.5);
+      if (state.is_default) stroke(1.5);
       break;
     case ButtonStyle::kThick:
       stroke(0.5), stroke(1.5), stroke(2.5);

@@ -12,6 +12,7 @@ struct ButtonState {
   bool enabled = true;
   bool hovered = false;
   bool pressed = false;
+  bool is_default = false;
   bool focus_rect = false;
   QChar access_key;  // underlined in the caption where the caption itself marks none
 };

@@ -193,6 +193,11 @@ void GradientButton::SetAccessKey(QChar key) {
   Changed();
 }
 
+void GradientButton::SetDefault(bool value) {
+  is_default_ = value;
+  update();
+}
+
 void GradientButton::ApplyAccessKey() {
   // A mark in the caption wins: the base class has made it the shortcut.
   if (access_key_.isNull() || !QKeySequence::mnemonic(text()).isEmpty()) return;
@@ -246,6 +251,7 @@ void GradientButton::paintEvent(QPaintEvent*) {
               {.enabled = isEnabled(),
                .hovered = hovered_,
                .pressed = isDown(),
+               .is_default = is_default_,
                .focus_rect = show_focus_rect_ && hasFocus(),
                .access_key = access_key_},
               rect(), font());

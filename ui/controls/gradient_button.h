@@ -151,6 +151,10 @@ class GradientButton : public QAbstractButton {
   QChar AccessKey() const { return access_key_; }
   void SetAccessKey(QChar key);
 
+  /// The default button of its window has a heavier border.
+  bool IsDefault() const { return is_default_; }
+  void SetDefault(bool value);
+
   /// Design-time settings by their stored keys; an absent key takes its default. Colours are
   /// stored as numbers, red in the lowest byte.
   void ReadProperties(const QVariantMap& stored);
@@ -186,6 +190,7 @@ class GradientButton : public QAbstractButton {
   QChar access_key_;
   bool show_focus_rect_ = true;
   bool hovered_ = false;
+  bool is_default_ = false;
 };
 
 }  // namespace dorvane

@@ -60,6 +60,7 @@ NameListView::NameListView(QWidget* parent)
   QPalette light;
   light.setColor(QPalette::Window, QColor(232, 235, 242));
   light.setColor(QPalette::Button, QColor(214, 220, 232));
+  light.setColor(QPalette::WindowText, QColor(24, 34, 62));
   for (QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()}) bar->setPalette(light);
 }
 

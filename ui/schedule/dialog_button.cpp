@@ -4,9 +4,18 @@
 
 namespace dorvane {
 
-GradientButton& AddDialogButton(const char* name, QWidget& dialog, const QString& caption) {
+namespace {
+
+constexpr int kMinimumWidth = 84;
+
+}  // namespace
+
+GradientButton& AddDialogButton(const char* name, QWidget& dialog, const QString& caption,
+                                char access_key) {
   auto& button = MakeNamed<GradientButton>(name, dialog);
   button.SetCaption(caption);
+  button.SetAccessKey(access_key);
+  button.setMinimumWidth(kMinimumWidth);
   button.SetButtonStyle(static_cast<int>(ButtonStyle::kSoft));
   button.SetGradientMode(static_cast<int>(GradientMode::kToBottom));
   button.SetBackColor(QColor(238, 241, 247));

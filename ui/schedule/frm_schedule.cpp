@@ -10,6 +10,7 @@
 #include "app/conversion_settings.h"
 #include "platform/run_time_error.h"
 #include "platform/text/number_text.h"
+#include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
 #include "ui/schedule/dialog_button.h"
 #include "ui/schedule/task_settings_dialog.h"
@@ -46,11 +47,14 @@ frmSchedule::frmSchedule(const IDatabase& src, const IDatabase& dest, NameList t
   setObjectName("frmSchedule");
   setWindowTitle("Schedule Conversion");
   auto& layout = MakeChild<QGridLayout>(*static_cast<QWidget*>(this));
-  txtTaskName_ = &AddField(layout, "txtTaskName", "Task name");
-  txtLogFile_ = &AddField(layout, "txtLogFile", "Log file");
-  auto& cmdBrowse = AddDialogButton("cmdBrowse", *this, "Browse");
-  auto& cmdSchedule = AddDialogButton("cmdSchedule", *this, "Save and show task settings");
-  auto& cmdCancel = AddDialogButton("cmdCancel", *this, "Close");
+  layout.setContentsMargins(kDialogMargin, kDialogMargin, kDialogMargin, kDialogMargin);
+  layout.setSpacing(kDialogGap);
+  txtTaskName_ = &AddField(layout, "txtTaskName", "Task &name");
+  txtLogFile_ = &AddField(layout, "txtLogFile", "&Log file");
+  auto& cmdBrowse = AddDialogButton("cmdBrowse", *this, "Browse", 'B');
+  auto& cmdSchedule = AddDialogButton("cmdSchedule", *this, "Save and show task settings", 'S');
+  auto& cmdCancel = AddDialogButton("cmdCancel", *this, "Close", 'C');
+  MakeChild<DefaultButton>(static_cast<QWidget&>(*this), std::vector{&cmdSchedule});
   layout.addWidget(&cmdBrowse, 1, 2);
   layout.addWidget(&cmdSchedule, 2, 1, Qt::AlignRight);
   layout.addWidget(&cmdCancel, 2, 2);

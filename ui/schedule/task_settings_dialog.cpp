@@ -14,6 +14,7 @@
 
 #include "endpoint/events.h"
 #include "platform/run_time_error.h"
+#include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
 #include "ui/schedule/dialog_button.h"
 
@@ -69,7 +70,10 @@ TaskSettingsDialog::TaskSettingsDialog(
   setObjectName("frmTaskSettings");
   setWindowTitle(QString::fromStdString(task_.name));
   auto& layout = MakeChild<QVBoxLayout>(*static_cast<QWidget*>(this));
+  layout.setContentsMargins(kDialogMargin, kDialogMargin, kDialogMargin, kDialogMargin);
+  layout.setSpacing(kDialogGap);
   auto* form = std::make_unique<QFormLayout>().release();
+  form->setHorizontalSpacing(2 * kDialogGap);
   layout.addLayout(form);
   AddFacts(*form);
   AddSchedule(*form);
@@ -95,12 +99,12 @@ void TaskSettingsDialog::AddFacts(QFormLayout& form) {
 
 void TaskSettingsDialog::AddSchedule(QFormLayout& form) {
   QWidget& self = *this;
-  chkEnabled_ = &MakeNamed<QCheckBox>("chkEnabled", self, "Enabled");
+  chkEnabled_ = &MakeNamed<QCheckBox>("chkEnabled", self, "&Enabled");
   dteBegin_ = &MakeNamed<QDateEdit>("dteBegin", self, ToQDate(task_.begin_date));
   tmeStart_ = &MakeNamed<QTimeEdit>("tmeStart", self, ToQTime(task_.start_time));
   cmbRepetition_ = &MakeNamed<QComboBox>("cmbRepetition", self);
   chkRunMissed_ =
-      &MakeNamed<QCheckBox>("chkRunMissed", self, "Run as soon as possible after a missed start");
+      &MakeNamed<QCheckBox>("chkRunMissed", self, "&Run as soon as possible after a missed start");
   lblNextRun_ = &MakeNamed<QLabel>("lblNextRun", self);
 
   dteBegin_->setDisplayFormat("yyyy-MM-dd");
@@ -113,9 +117,9 @@ void TaskSettingsDialog::AddSchedule(QFormLayout& form) {
   chkRunMissed_->setEnabled(scheduler_->CanRunMissedStarts());
 
   form.addRow(chkEnabled_);
-  form.addRow("Begin date", dteBegin_);
-  form.addRow("Start time", tmeStart_);
-  form.addRow("Repetition", cmbRepetition_);
+  form.addRow("&Begin date", dteBegin_);
+  form.addRow("&Start time", tmeStart_);
+  form.addRow("Re&petition", cmbRepetition_);
   form.addRow("Days", &AddWeekDays());
   form.addRow(chkRunMissed_);
   form.addRow("Next run", lblNextRun_);
@@ -153,16 +157,18 @@ void TaskSettingsDialog::AddButtons(QVBoxLayout& layout) {
   auto* row = std::make_unique<QHBoxLayout>().release();
   layout.addLayout(row);
   row->addStretch();
-  const std::tuple<const char*, const char*, void (TaskSettingsDialog::*)()> buttons[] = {
-      {"cmdDelete", "Delete task", &TaskSettingsDialog::Delete},
-      {"cmdRunNow", "Run now", &TaskSettingsDialog::RunNow},
-      {"cmdOK", "OK", &TaskSettingsDialog::Save}};
-  for (const auto& [name, caption, action] : buttons) {
-    auto& button = AddDialogButton(name, self, caption);
+  row->setSpacing(kDialogGap);
+  const auto add = [&](const char* name, const char* caption, char access_key,
+                       void (TaskSettingsDialog::*action)()) {
+    auto& button = AddDialogButton(name, self, caption, access_key);
     row->addWidget(&button);
     connect(&button, &QAbstractButton::clicked, this, action);
-  }
-  auto& cmdCancel = AddDialogButton("cmdTaskCancel", self, "Cancel");
+    return &button;
+  };
+  add("cmdDelete", "Delete task", 'D', &TaskSettingsDialog::Delete);
+  add("cmdRunNow", "Run now", 'N', &TaskSettingsDialog::RunNow);
+  MakeChild<DefaultButton>(self, std::vector{add("cmdOK", "OK", 'O', &TaskSettingsDialog::Save)});
+  auto& cmdCancel = AddDialogButton("cmdTaskCancel", self, "Cancel", 'C');
   row->addWidget(&cmdCancel);
   connect(&cmdCancel, &QAbstractButton::clicked, this, &QDialog::reject);
 }

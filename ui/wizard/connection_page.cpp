@@ -109,10 +109,8 @@ bool ConnectionPage::ListDatabases() {
   for (const std::string& name : *names) databases_->addItem(QString::fromStdString(name));
   databases_->setCurrentIndex(names->empty() ? -1 : 0);
   databases_->setEnabled(true);
-  if (!traits_.is_destination) {
-    disconnect_->SetEnabled(true);
-    databases_->setFocus();
-  }
+  databases_->setFocus();
+  if (!traits_.is_destination) disconnect_->SetEnabled(true);
   connect_->SetEnabled(false);
   return true;
 }

@@ -25,6 +25,7 @@ class ConnectionPage : public WizardPage {
 
   /// Fills the empty fields as the last run or the defaults have them.
   void Preset();
+  GradientButton& ConnectButton() { return *connect_; }
   bool IsConnected() const { return !connect_->Enabled(); }
   /// Whether the connect button stands for creating a database.
   bool CreatesDatabase() const { return connect_->Caption().startsWith(u"Create"); }

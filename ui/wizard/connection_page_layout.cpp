@@ -1,9 +1,9 @@
 // How a connection page is built: its controls, where they stand and what they are connected to.
-#include <QButtonGroup>
+#include <QAbstractItemView>
 #include <QHBoxLayout>
-#include <QProxyStyle>
 
 #include "ui/controls/make_child.h"
+#include "ui/controls/option_group.h"
 #include "ui/wizard/connection_page.h"
 #include "ui/wizard/theme.h"
 
@@ -13,18 +13,6 @@ namespace {
 constexpr int kUserLimit = 40;
 constexpr int kPortLimit = 8;
 constexpr int kNameLimit = 60;
-
-// Password fields show "*", whatever the desktop's style shows.
-class AsteriskStyle : public QProxyStyle {
- public:
-  explicit AsteriskStyle(QObject* parent) { setParent(parent); }
-
-  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                QStyleHintReturn* data) const override {
-    if (hint == SH_LineEdit_PasswordCharacter) return '*';
-    return QProxyStyle::styleHint(hint, option, widget, data);
-  }
-};
 
 QGridLayout& AddGrid(Card& card) {
   auto& grid = MakeChild<QGridLayout>(card);
@@ -39,12 +27,15 @@ QComboBox& AddDatabaseList(const char* name, QWidget& parent) {
   // A long name must not widen the window.
   list.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   list.setMinimumContentsLength(18);
+  // The popup is a window of its own and takes no colours from the page.
+  list.view()->setPalette(theme::PagePalette());
+  list.view()->setTextElideMode(Qt::ElideMiddle);
   list.setEnabled(false);
   return list;
 }
 
 QRadioButton& AddOption(const char* name, QWidget& parent, const char* caption,
-                        QButtonGroup& group) {
+                        OptionGroup& group) {
   auto& option = MakeNamed<QRadioButton>(name, parent, caption);
   group.addButton(&option);
   return option;
@@ -93,7 +84,6 @@ void ConnectionPage::AddServerCard() {
   user_ = &AddField(grid, 1, 0, names.user, "&Username", kUserLimit);
   password_ = &AddField(grid, 1, 2, names.password, "&Password", kUserLimit);
   password_->setEchoMode(QLineEdit::Password);
-  password_->setStyle(&MakeChild<AsteriskStyle>(static_cast<QObject&>(*this)));
   grid.setColumnStretch(1, 3);
   grid.setColumnStretch(3, 2);
   if (!names.windows_login) return;
@@ -120,7 +110,7 @@ void ConnectionPage::AddDestinationCard() {
   QGridLayout& grid = AddGrid(card);
   const auto& names = traits_.controls;
 
-  auto& kinds = MakeChild<QButtonGroup>(static_cast<QObject&>(*this));
+  auto& kinds = MakeChild<OptionGroup>(static_cast<QObject&>(*this));
   existing_database_ = &AddOption(names.existing_database, card, "&existing database", kinds);
   databases_ = &AddDatabaseList(names.databases, card);
   databases_->setAccessibleName("existing database");
@@ -130,7 +120,7 @@ void ConnectionPage::AddDestinationCard() {
   new_name_->setMaxLength(kNameLimit);
   new_name_->setAccessibleName("new database");
 
-  auto& modes = MakeChild<QButtonGroup>(static_cast<QObject&>(*this));
+  auto& modes = MakeChild<OptionGroup>(static_cast<QObject&>(*this));
   merge_ = &AddOption(names.merge, card, "&Merge", modes);
   merge_->setToolTip("Add tables to the destination database.");
   merge_->setChecked(true);
@@ -145,7 +135,7 @@ void ConnectionPage::AddDestinationCard() {
   grid.addWidget(new_database_, 2, 0);
   grid.addWidget(new_name_, 2, 1, 1, 2);
   grid.setColumnStretch(2, 1);
-  // As they stand; a pair of options of the same group follows its first one by itself.
+  // As they stand.
   setTabOrder(databases_, merge_);
   setTabOrder(merge_, overwrite_);
   setTabOrder(overwrite_, new_database_);

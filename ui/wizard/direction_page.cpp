@@ -1,9 +1,9 @@
 #include "ui/wizard/direction_page.h"
 
-#include <QButtonGroup>
 #include <QStyle>
 
 #include "ui/controls/make_child.h"
+#include "ui/controls/option_group.h"
 #include "ui/wizard/theme.h"
 #include "ui/wizard/wizard_steps.h"
 
@@ -17,7 +17,7 @@ DirectionPage::DirectionPage(QWidget* parent) : WizardPage(page::kDirection, par
       &AddOption("optMySqlToMsSql", "M&ySQL to  MS SQL",
                  "I have a MySQL database and I want to convert it to MS SQL.", ServerKind::MySql);
   // Each option stands in a card of its own; the two exclude each other in this group.
-  auto& group = MakeChild<QButtonGroup>(static_cast<QObject&>(*this));
+  auto& group = MakeChild<OptionGroup>(static_cast<QObject&>(*this));
   group.addButton(optMsSqlToMySql_);
   group.addButton(optMySqlToMsSql_);
   Content().addStretch();

@@ -89,6 +89,18 @@ void frmWizard::ShowStep(std::int16_t page) {
   SetStepTitle(page);
   SetNavigationButtons(page);
   HighlightStepIndicator(page);
+  FocusPage(*pages_->widget(page));
+}
+
+void frmWizard::FocusPage(QWidget& page) {
+  QWidget* control = &page;
+  do {
+    control = control->nextInFocusChain();
+    const bool takes_tab = (control->focusPolicy() & Qt::TabFocus) != 0;
+    if (takes_tab && page.isAncestorOf(control) && control->isEnabled() && !control->isHidden()) {
+      return control->setFocus(Qt::TabFocusReason);
+    }
+  } while (control != &page);
 }
 
 void frmWizard::SetStepTitle(std::int16_t page) {
@@ -117,6 +129,10 @@ void frmWizard::HighlightStepIndicator(std::int16_t page) {
                     is_current ? theme::kCurrentStep : theme::kOtherStep);
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
   }
+}
+
+void frmWizard::GoOnFrom(const ConnectionPage& page) {
+  if (page.IsConnected() && !page.isAncestorOf(focusWidget())) NavButton(kNext).setFocus();
 }
 
 void frmWizard::Transfer() {

@@ -73,11 +73,17 @@ class frmWizard : public QWidget {
   enum Nav { kCancel = 1, kBack = 2, kNext = 3, kFinish = 4 };
 
   void BuildWindow();
+  void AddDefaultButton();
   QWidget& BuildSidebar();
   QWidget& BuildTitleLine();
   QWidget& BuildPages();
   QWidget& BuildNavigationBar();
   void ConnectRun();
+
+  /// Puts the keys on the first control of the page that takes them.
+  void FocusPage(QWidget& page);
+  /// A page that has connected and has no use for the keys leaves them to Next.
+  void GoOnFrom(const ConnectionPage& page);
 
   // What happens when a page is entered; false when it refuses.
   bool EnterPage(std::int16_t page);

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QShortcut>
 
+#include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
 #include "ui/wizard/frm_wizard.h"
 #include "ui/wizard/image_list.h"
@@ -56,9 +57,20 @@ void frmWizard::BuildWindow() {
   grid.setRowStretch(1, 1);
   grid.setColumnStretch(1, 1);
   resize(kWindowSize);
+  AddDefaultButton();
 
   auto& help_key = MakeChild<QShortcut>(*this, QKeySequence(Qt::Key_F1));
   connect(&help_key, &QShortcut::activated, this, &frmWizard::ShowHelp);
+}
+
+// Enter connects, then goes on; on the last page it transfers, then finishes.
+void frmWizard::AddDefaultButton() {
+  std::vector<GradientButton*> candidates;
+  for (const auto& [index, page] : connection_pages_) candidates.push_back(&page->ConnectButton());
+  candidates.push_back(&transfer_page_->TransferButton());
+  candidates.push_back(&NavButton(kNext));
+  candidates.push_back(&NavButton(kFinish));
+  MakeChild<DefaultButton>(static_cast<QWidget&>(*this), std::move(candidates));
 }
 
 QWidget& frmWizard::BuildSidebar() {
@@ -118,6 +130,8 @@ QWidget& frmWizard::BuildPages() {
     connection_page =
         &MakeChild<ConnectionPage>(static_cast<QWidget&>(*pages_), index, session_, server_caller_);
     pages_->addWidget(connection_page);
+    connect(&connection_page->ConnectButton(), &QAbstractButton::clicked, this,
+            [this, connection_page] { GoOnFrom(*connection_page); });
   }
   tables_page_ = &MakeChild<TablesPage>(static_cast<QWidget&>(*pages_));
   pages_->addWidget(tables_page_);

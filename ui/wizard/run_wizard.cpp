@@ -4,9 +4,11 @@
 #include <QDesktopServices>
 #include <QIcon>
 #include <QUrl>
+#include <memory>
 
 #include "app/endpoints.h"
 #include "app/program_folder.h"
+#include "ui/controls/window_style.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/help/html_help_viewer.h"
 #include "ui/schedule/frm_schedule.h"
@@ -37,8 +39,7 @@ int RunWizard(int argc, char** argv) {
   QApplication::setWindowIcon(ProgramIcon());
   // Desktops that take a window's icon from its desktop entry find it by this name.
   QGuiApplication::setDesktopFileName("dorvane");
-  // The one style that looks alike on every desktop and follows the wizard's colours.
-  QApplication::setStyle("Fusion");
+  QApplication::setStyle(std::make_unique<WindowStyle>().release());
   // A message box may come and go while no other window is open yet.
   QApplication::setQuitOnLastWindowClosed(false);
 

@@ -11,8 +11,9 @@ namespace dorvane::theme {
 
 /// The colours of the wizard.
 inline constexpr QRgb kPageGround = qRgb(71, 102, 171);
-inline constexpr QRgb kSidebarTop = qRgb(36, 52, 96);
-inline constexpr QRgb kSidebarBottom = qRgb(20, 29, 56);
+// Dark behind the step list, so that its grey words can be read.
+inline constexpr QRgb kSidebarTop = qRgb(13, 19, 40);
+inline constexpr QRgb kSidebarBottom = qRgb(33, 47, 88);
 inline constexpr QRgb kTitleGround = qRgb(244, 246, 250);
 inline constexpr QRgb kNavGround = qRgb(222, 227, 238);
 inline constexpr QRgb kInk = qRgb(24, 34, 62);

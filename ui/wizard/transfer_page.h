@@ -19,6 +19,7 @@ class TransferPage : public WizardPage {
  public:
   explicit TransferPage(QWidget* parent);
 
+  GradientButton& TransferButton() { return *cmdTransferTables_; }
   /// Fills the list of tables that wait.
   void SetWaiting(NameList tables);
   /// Moves a table from the waiting to the converted ones.

@@ -1,7 +1,11 @@
 #include "ui/wizard/worker_call.h"
 
 #include <QEventLoop>
+#include <QGuiApplication>
+#include <QTimer>
+#include <QWindow>
 #include <atomic>
+#include <chrono>
 #include <exception>
 #include <thread>
 
@@ -9,6 +13,9 @@
 
 namespace dorvane {
 namespace {
+
+// Window managers that give a new window no keys must not hold up the wizard for long.
+constexpr std::chrono::milliseconds kKeysTimeout(200);
 
 /// A window shown before another one, which has the keys again afterwards if it had them before.
 class Shown {
@@ -20,12 +27,27 @@ class Shown {
   Shown(const Shown&) = delete;
   Shown& operator=(const Shown&) = delete;
   ~Shown() {
+    if (was_active_) AwaitKeys();
     window_.hide();
     // Not every window manager gives the keys back by itself.
     if (was_active_) behind_.activateWindow();
   }
 
  private:
+  // A window that goes before the window manager has given it the keys leaves them nowhere.
+  void AwaitKeys() {
+    const auto has_keys = [this] {
+      return QGuiApplication::focusWindow() == window_.windowHandle();
+    };
+    if (has_keys()) return;
+    QEventLoop loop;
+    QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &loop, [&] {
+      if (has_keys()) loop.quit();
+    });
+    QTimer::singleShot(kKeysTimeout, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+  }
+
   QWidget& window_;
   QWidget& behind_;
   bool was_active_;
