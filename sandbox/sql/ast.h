@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "sandbox/sql/lexer.h"
 #include "sandbox/sql/types.h"
 #include "sandbox/storage/catalog.h"
 
@@ -175,7 +176,7 @@ struct SelectStatement {
 };
 
 struct InsertCell {
-  std::variant<std::monostate, Literal, ExprPtr> value;  // monostate: DEFAULT
+  std::variant<std::monostate, LiteralText, ExprPtr> value;  // monostate: DEFAULT
 };
 
 struct InsertStatement {

@@ -510,6 +510,11 @@ Value ConvertAny(const Value& value, const TypeInfo& from, const TypeInfo& to, i
 
 }  // namespace
 
+bool FitsInteger(std::int64_t number, SqlType type) {
+  const IntegerRange& range = RangeOf(type);
+  return number >= range.low && number <= range.high;
+}
+
 std::string GuidText(const GuidValue& guid) {
   std::string text;
   for (std::size_t i = 0; i < 16; ++i) {

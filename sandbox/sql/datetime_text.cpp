@@ -15,7 +15,9 @@ namespace {
 
 constexpr std::array kMonths{"January", "February", "March",     "April",   "May",      "June",
                              "July",    "August",   "September", "October", "November", "December"};
-constexpr std::int64_t kMaxDays = 3652058;  // 9999-12-31
+constexpr std::int64_t kMaxDays = 3652058;      // 9999-12-31
+constexpr std::int64_t kDaysTo1753 = 639905;    // where datetime begins
+constexpr std::int64_t kLastSmallDay = 759130;  // 2079-06-06
 
 // One run of digits, one word or one mark of a date's text.
 struct Piece {
@@ -251,6 +253,20 @@ class DateReader {
   int offset_ = 0;
 };
 
+bool IsLeap(int year) {
+  return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
+
+// The number that `count` digits at `at` make; -1 when they are none.
+int FixedNumber(std::string_view text, std::size_t at, std::size_t count) {
+  int number = 0;
+  for (const char c : text.substr(at, count)) {
+    if (!IsDigit(c)) return -1;
+    number = number * 10 + (c - '0');
+  }
+  return number;
+}
+
 std::int64_t RoundTo(std::int64_t ticks, std::int64_t step) {
   return (ticks + step / 2) / step * step;
 }
@@ -290,15 +306,15 @@ constexpr std::array kStyles{
 
 int DaysInMonth(int year, int month) {
   static constexpr std::array kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-  return month == 2 && leap ? 29 : kDays[static_cast<std::size_t>(month - 1)];
+  return month == 2 && IsLeap(year) ? 29 : kDays[static_cast<std::size_t>(month - 1)];
 }
 
 std::int64_t FromCivil(const CivilDate& date) {
+  static constexpr std::array kDaysBefore{0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
   const std::int64_t y = date.year - 1;
-  std::int64_t days = y * 365 + y / 4 - y / 100 + y / 400;
-  for (int month = 1; month < date.month; ++month) days += DaysInMonth(date.year, month);
-  return days + date.day - 1;
+  const std::int64_t days = y * 365 + y / 4 - y / 100 + y / 400;
+  const int leap_day = date.month > 2 && IsLeap(date.year) ? 1 : 0;
+  return days + kDaysBefore[static_cast<std::size_t>(date.month - 1)] + leap_day + date.day - 1;
 }
 
 CivilDate ToCivil(std::int64_t days) {
@@ -314,7 +330,36 @@ CivilDate ToCivil(std::int64_t days) {
   return date;
 }
 
+std::optional<DateTimeValue> ParsePlainDateTime(std::string_view text) {
+  constexpr std::string_view kForm = "0000-00-00 00:00:00";
+  constexpr std::size_t kDate = 10, kFraction = kForm.size() + 1, kMostDigits = 7;
+  const bool has_time = text.size() >= kForm.size();
+  const bool has_fraction = text.size() > kFraction && text.size() <= kFraction + kMostDigits;
+  if (text.size() != kDate && text.size() != kForm.size() && !has_fraction) return std::nullopt;
+  if (text[4] != '-' || text[7] != '-') return std::nullopt;
+  const CivilDate date{FixedNumber(text, 0, 4), FixedNumber(text, 5, 2), FixedNumber(text, 8, 2)};
+  const bool valid = date.year >= 1 && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
+                     date.day <= DaysInMonth(date.year, date.month);
+  if (!valid) return std::nullopt;
+  DateTimeValue value{static_cast<std::int32_t>(FromCivil(date)), 0, 0};
+  if (!has_time) return value;
+  if ((text[10] != ' ' && text[10] != 'T') || text[13] != ':' || text[16] != ':')
+    return std::nullopt;
+  const int hour = FixedNumber(text, 11, 2), minute = FixedNumber(text, 14, 2);
+  const int second = FixedNumber(text, 17, 2);
+  if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59)
+    return std::nullopt;
+  value.ticks = ((hour * 60 + minute) * 60 + second) * kTicksPerSecond;
+  if (!has_fraction) return value;
+  int fraction = FixedNumber(text, kFraction, kMostDigits);
+  if (text[kForm.size()] != '.' || fraction < 0) return std::nullopt;
+  for (std::size_t digits = text.size() - kFraction; digits < kMostDigits; ++digits) fraction *= 10;
+  value.ticks += fraction;
+  return value;
+}
+
 ParsedDateTime ParseDateTime(std::string_view text) {
+  if (const auto plain = ParsePlainDateTime(text)) return {DateProblem::None, *plain, true};
   return DateReader(Split(text)).Read();
 }
 
@@ -349,20 +394,13 @@ std::optional<DateTimeValue> FitDateTime(const DateTimeValue& value, const TypeI
     ++fitted.days;
   }
   if (type.type != SqlType::DateTimeOffset) fitted.offset_minutes = 0;
-  struct Range {
-    SqlType type;
-    std::int64_t first, last;
-  };
-  static const std::array kRanges{
-      Range{SqlType::DateTime, FromCivil({1753, 1, 1}), kMaxDays},
-      Range{SqlType::SmallDateTime, kDaysTo1900, FromCivil({2079, 6, 6})},
-  };
-  for (const Range& range : kRanges) {
-    if (range.type == type.type && (fitted.days < range.first || fitted.days > range.last)) {
-      return std::nullopt;
-    }
+  std::int64_t first = 0, last = kMaxDays;
+  if (type.type == SqlType::DateTime) first = kDaysTo1753;
+  if (type.type == SqlType::SmallDateTime) {
+    first = kDaysTo1900;
+    last = kLastSmallDay;
   }
-  if (fitted.days < 0 || fitted.days > kMaxDays) return std::nullopt;
+  if (fitted.days < first || fitted.days > last) return std::nullopt;
   return fitted;
 }
 

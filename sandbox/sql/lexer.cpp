@@ -1,15 +1,19 @@
 #include "sandbox/sql/lexer.h"
 
 #include <algorithm>
-#include <array>
 
 #include "sandbox/sql/errors.h"
 
 namespace sandbox {
 namespace {
 
-constexpr std::array<std::string_view, 14> kTwoCharacterSymbols{
-    "<=", ">=", "<>", "!=", "!<", "!>", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^="};
+// The symbols of two characters: what their second may follow.
+bool IsPair(char first, char second) {
+  constexpr std::string_view kBeforeEquals = "<>!+-*/%&|^";
+  if (second == '=') return kBeforeEquals.find(first) != std::string_view::npos;
+  if (second == '>') return first == '<' || first == '!';
+  return second == '<' && first == '!';
+}
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
@@ -64,9 +68,9 @@ void Lexer::SkipBlanks() {
       position_ += 2;
     } else if (c == 0xEF && text_.substr(position_, 3) == "\xEF\xBB\xBF") {
       position_ += 3;
-    } else if (text_.substr(position_, 2) == "--") {
+    } else if (c == '-' && At(position_ + 1) == '-') {
       position_ = std::min(text_.find('\n', position_), text_.size());
-    } else if (text_.substr(position_, 2) == "/*") {
+    } else if (c == '/' && At(position_ + 1) == '*') {
       SkipBlockComment();
     } else {
       return;
@@ -137,7 +141,7 @@ Token Lexer::Next() {
   SkipBlanks();
   if (position_ >= text_.size()) return Finish(TokenKind::End, text_.size(), text_.size());
   const char c = text_[position_];
-  const char next = position_ + 1 < text_.size() ? text_[position_ + 1] : '\0';
+  const char next = At(position_ + 1);
   if ((c == 'N' || c == 'n') && next == '\'') {
     ++position_;
     return Quoted(TokenKind::NString, '\'');
@@ -162,20 +166,17 @@ Token Lexer::Next() {
     while (end < text_.size() && (IsDigit(text_[end]) || text_[end] == '.')) ++end;
     return Finish(TokenKind::Money, position_, end);
   }
-  const std::string_view two = text_.substr(position_, 2);
-  const bool pair = std::find(kTwoCharacterSymbols.begin(), kTwoCharacterSymbols.end(), two) !=
-                    kTwoCharacterSymbols.end();
-  return Finish(TokenKind::Symbol, position_, position_ + (pair ? 2 : 1));
+  return Finish(TokenKind::Symbol, position_, position_ + (IsPair(c, next) ? 2 : 1));
 }
 
-std::string Unquote(const Token& token, char quote) {
-  std::string text;
-  text.reserve(token.text.size());
-  for (std::size_t i = 0; i < token.text.size(); ++i) {
-    text += token.text[i];
-    if (token.text[i] == quote) ++i;
+std::string Unquote(std::string_view text, char quote) {
+  std::string single;
+  single.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    single += text[i];
+    if (text[i] == quote) ++i;
   }
-  return text;
+  return single;
 }
 
 }  // namespace sandbox

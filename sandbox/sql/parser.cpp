@@ -61,31 +61,36 @@ Parser::DepthGuard::DepthGuard(Parser& parser) : depth(parser.depth_) {
 
 Parser::Parser(std::string_view text) : text_(text), lexer_(text), token_(lexer_.Next()) {}
 
-const Token& Parser::PeekSecond() {
-  if (ahead_.empty()) ahead_.push_back(lexer_.Next());
-  return ahead_.front();
+const Token& Parser::PeekAhead(std::size_t count) {
+  while (ahead_count_ < count) ahead_[ahead_count_++] = lexer_.Next();
+  return ahead_[count - 1];
+}
+
+void Parser::Advance() {
+  if (ahead_count_ == 0) {
+    token_ = lexer_.Next();
+    return;
+  }
+  token_ = ahead_.front();
+  std::move(ahead_.begin() + 1, ahead_.end(), ahead_.begin());
+  --ahead_count_;
 }
 
 Token Parser::Take() {
-  Token taken = token_;
-  if (ahead_.empty()) {
-    token_ = lexer_.Next();
-  } else {
-    token_ = ahead_.front();
-    ahead_.pop_front();
-  }
+  const Token taken = token_;
+  Advance();
   return taken;
 }
 
 bool Parser::Accept(std::string_view keyword) {
   if (!token_.Is(keyword)) return false;
-  Take();
+  Advance();
   return true;
 }
 
 bool Parser::AcceptSymbol(std::string_view symbol) {
   if (!token_.IsSymbol(symbol)) return false;
-  Take();
+  Advance();
   return true;
 }
 
@@ -114,7 +119,7 @@ void Parser::Fail() const {
 std::string Parser::TakeName() {
   if (!token_.IsName() || IsReserved(token_)) Fail();
   const Token token = Take();
-  std::string name = token.escaped ? Unquote(token, text_[token.offset - 1] == '[' ? ']' : '"')
+  std::string name = token.escaped ? Unquote(token.text, text_[token.offset - 1] == '[' ? ']' : '"')
                                    : std::string(token.text);
   if (token.kind == TokenKind::Quoted && name.empty()) Raise(1038);
   if (name.size() > kMaxNameLength && CompareText(name, "") != 0) {
@@ -145,7 +150,7 @@ bool Parser::AtAlias() const {
 
 std::string Parser::TakeAlias() {
   if (token_.kind == TokenKind::String || token_.kind == TokenKind::NString) {
-    return Unquote(Take(), '\'');
+    return Unquote(Take().text, '\'');
   }
   return TakeName();
 }

@@ -5,20 +5,35 @@ namespace sandbox {
 namespace {
 
 constexpr std::size_t kMaxRowValues = 1000;
+constexpr std::size_t kMaxDigits = 38;
 
 }  // namespace
 
-// One value of a row. Literals, which are nearly all there is in a load, need no expression node.
+// A literal alone, which is nearly all there is in a load: it stays as it is written, and no
+// expression is made of it. False with nothing taken where there is more to the cell.
+bool Parser::TakeCellLiteral(InsertCell& cell) {
+  const bool negative = token_.IsSymbol("-");
+  if (negative && !IsNumberToken(PeekSecond())) return false;
+  if (!negative && !IsLiteralToken(token_)) return false;
+  const Token& end = PeekAhead(negative ? 2 : 1);
+  if (!end.IsSymbol(",") && !end.IsSymbol(")")) return false;
+  if (negative) Advance();
+  const LiteralText literal(token_, negative);
+  const bool may_not_fit = IsNumberToken(token_) &&
+                           (literal.kind == TokenKind::Float || literal.text.size() > kMaxDigits);
+  if (may_not_fit) ParseLiteral(literal);  // a number too long is an error of the text
+  cell.value = literal;
+  Advance();
+  return true;
+}
+
 InsertCell Parser::ParseCell() {
-  const auto ends = [](const Token& token) { return token.IsSymbol(",") || token.IsSymbol(")"); };
-  if (IsLiteralToken(token_) && ends(PeekSecond())) return {ParseLiteral(Take(), false)};
-  if (token_.Is("default") && ends(PeekSecond())) {
-    Take();
-    return {std::monostate()};
-  }
-  ExprPtr expr = ParseExpr();
-  if (expr->kind == ExprKind::Literal) return {std::move(expr->literal)};
-  return {std::move(expr)};
+  InsertCell cell;
+  if (TakeCellLiteral(cell)) return cell;
+  const bool ends = PeekSecond().IsSymbol(",") || PeekSecond().IsSymbol(")");
+  if (ends && Accept("default")) return cell;
+  cell.value = ParseExpr();
+  return cell;
 }
 
 void Parser::ParseValuesRows(InsertStatement& insert) {
