@@ -5,7 +5,6 @@
 #include "sandbox/sql/constraints.h"
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/database_link.h"
-#include "sandbox/sql/literal_binding.h"
 #include "sandbox/sql/parser.h"
 #include "sandbox/sql/session.h"
 #include "sandbox/sql/type_rules.h"
@@ -88,6 +87,7 @@ std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& 
   for (const ColumnDef& column : table_.columns) {
     InsertPlan::Slot& slot = plan->slots.emplace_back();
     slot.column = column;
+    slot.bind_literal = LiteralBinderFor(column.type.type);
     const bool row_version = column.type.type == SqlType::Timestamp;
     const auto listed = std::find_if(columns.begin(), columns.end(), [&](const std::string& name) {
       return SameName(name, column.name);
@@ -149,11 +149,7 @@ void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCe
   Source source = slot.source;
   if (source == Source::Cell) {
     const LiteralText* literal = row.AsWritten(slot.cell);
-    std::string& scratch = scratch_[static_cast<std::size_t>(place.index - 1)];
-    if (literal &&
-        BindLiteral(place.statement.get(), place.index, slot.column, *literal, scratch)) {
-      return;
-    }
+    if (literal && BindAsWritten(slot, place, *literal)) return;
     const RowCells::Cell cell = row.Get(slot.cell);
     if (cell.value) return BindCell(slot, place, cell);
     source = slot.column.type.type == SqlType::Timestamp ? Source::RowVersion : Source::Default;
@@ -167,6 +163,16 @@ void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCe
     default:
       return Store(place, slot.column, DefaultOf(slot), slot.column.type);
   }
+}
+
+bool RowWriter::BindAsWritten(const InsertPlan::Slot& slot, const Place& place,
+                              const LiteralText& literal) {
+  if (literal.IsNull()) {
+    if (slot.column.nullable) sqlite3_bind_null(place.statement.get(), place.index);
+    return slot.column.nullable;
+  }
+  return slot.bind_literal(place.statement.get(), place.index, slot.column.type, literal,
+                           scratch_[static_cast<std::size_t>(place.index - 1)]);
 }
 
 void RowWriter::BindCell(const InsertPlan::Slot& slot, const Place& place,

@@ -8,6 +8,7 @@
 
 #include "sandbox/sql/ast.h"
 #include "sandbox/sql/binder.h"
+#include "sandbox/sql/literal_binding.h"
 #include "sandbox/storage/catalog.h"
 #include "sandbox/storage/sqlite.h"
 
@@ -24,6 +25,7 @@ struct InsertPlan {
     Source source = Source::Null;
     std::size_t cell = 0;
     ExprPtr default_value;  // null when there is none
+    LiteralBinder bind_literal = nullptr;
   };
   std::vector<Slot> slots;  // in the order of the table's columns
   std::size_t cells = 0;    // the values a row brings
@@ -82,6 +84,7 @@ class RowWriter {
   bool WriteBlock(RowCells& rows, std::size_t first);
   void BindRow(SqliteStatement& statement, int first_index, RowCells& row);
   void BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCells& row);
+  bool BindAsWritten(const InsertPlan::Slot& slot, const Place& place, const LiteralText& literal);
   void BindCell(const InsertPlan::Slot& slot, const Place& place, const RowCells::Cell& cell);
   void Store(const Place& place, const ColumnDef& column, const Value& value, const TypeInfo& from);
   Value DefaultOf(const InsertPlan::Slot& slot);

@@ -1,6 +1,7 @@
 #include "sandbox/sql/lexer.h"
 
 #include <algorithm>
+#include <array>
 
 #include "sandbox/sql/errors.h"
 
@@ -18,8 +19,15 @@ bool IsPair(char first, char second) {
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
+constexpr auto kIsHexDigit = [] {
+  std::array<bool, 256> is{};
+  for (const char c : std::string_view("0123456789abcdefABCDEF")) {
+    is[static_cast<unsigned char>(c)] = true;
+  }
+  return is;
+}();
 bool IsHexDigit(char c) {
-  return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+  return kIsHexDigit[static_cast<unsigned char>(c)];
 }
 bool StartsName(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' || (c & 0x80);

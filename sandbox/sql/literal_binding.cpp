@@ -42,7 +42,7 @@ bool BindText(sqlite3_stmt* statement, int index, const TypeInfo& type, const Li
 }
 
 bool BindMoment(sqlite3_stmt* statement, int index, const TypeInfo& type,
-                const LiteralText& literal) {
+                const LiteralText& literal, std::string&) {
   const auto moment = ParsePlainDateTime(literal.text);
   if (!moment) return false;
   const auto fitted = FitDateTime(*moment, type);
@@ -63,8 +63,8 @@ bool BindBytes(sqlite3_stmt* statement, int index, const TypeInfo& type, const L
   return true;
 }
 
-bool BindFloat(sqlite3_stmt* statement, int index, const TypeInfo& type,
-               const LiteralText& literal) {
+bool BindFloat(sqlite3_stmt* statement, int index, const TypeInfo& type, const LiteralText& literal,
+               std::string&) {
   double number = 0;
   const char* const end = literal.text.data() + literal.text.size();
   const auto [stop, failure] = std::from_chars(literal.text.data(), end, number);
@@ -98,8 +98,8 @@ ShortDecimal ReadExact(const LiteralText& literal) {
   return number;
 }
 
-bool BindExact(sqlite3_stmt* statement, int index, const TypeInfo& type,
-               const LiteralText& literal) {
+bool BindExact(sqlite3_stmt* statement, int index, const TypeInfo& type, const LiteralText& literal,
+               std::string&) {
   const ShortDecimal number = ReadExact(literal);
   if (!IsExact(type.type)) {
     const bool bit = type.type == SqlType::Bit;
@@ -153,18 +153,11 @@ bool TakesAsWritten(const ColumnDef& column, unsigned kinds) {
   return (kinds & ~taken) == 0;
 }
 
-bool BindLiteral(sqlite3_stmt* statement, int index, const ColumnDef& column,
-                 const LiteralText& literal, std::string& scratch) {
-  const TypeInfo& type = column.type;
-  if (literal.IsNull()) {
-    if (column.nullable) sqlite3_bind_null(statement, index);
-    return column.nullable;
-  }
-  if (IsText(type.type)) return BindText(statement, index, type, literal, scratch);
-  if (IsTemporal(type.type)) return BindMoment(statement, index, type, literal);
-  if (IsBinary(type.type)) return BindBytes(statement, index, type, literal, scratch);
-  if (IsApproximate(type.type)) return BindFloat(statement, index, type, literal);
-  return BindExact(statement, index, type, literal);
+LiteralBinder LiteralBinderFor(SqlType column) {
+  if (IsText(column)) return BindText;
+  if (IsTemporal(column)) return BindMoment;
+  if (IsBinary(column)) return BindBytes;
+  return IsApproximate(column) ? BindFloat : BindExact;
 }
 
 }  // namespace sandbox

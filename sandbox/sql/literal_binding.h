@@ -28,10 +28,11 @@ bool HaveOneType(unsigned kinds);
 /// in common.
 bool TakesAsWritten(const ColumnDef& column, unsigned kinds);
 
-/// Binds a literal of a kind that the column takes as written. False, with nothing bound, where
-/// converting it has more to it, or is an error. The binding refers to the literal's text and to
-/// `scratch`.
-bool BindLiteral(sqlite3_stmt* statement, int index, const ColumnDef& column,
-                 const LiteralText& literal, std::string& scratch);
+/// Binds a literal of a kind that the column takes as written, but for NULL. False, with nothing
+/// bound, where converting it has more to it, or is an error. The binding refers to the literal's
+/// text and to `scratch`.
+using LiteralBinder = bool (*)(sqlite3_stmt* statement, int index, const TypeInfo& column,
+                               const LiteralText& literal, std::string& scratch);
+LiteralBinder LiteralBinderFor(SqlType column);
 
 }  // namespace sandbox

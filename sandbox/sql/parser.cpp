@@ -61,19 +61,18 @@ Parser::DepthGuard::DepthGuard(Parser& parser) : depth(parser.depth_) {
 
 Parser::Parser(std::string_view text) : text_(text), lexer_(text), token_(lexer_.Next()) {}
 
-const Token& Parser::PeekAhead(std::size_t count) {
-  while (ahead_count_ < count) ahead_[ahead_count_++] = lexer_.Next();
-  return ahead_[count - 1];
+const Token& Parser::PeekSecond() {
+  if (!second_) second_ = lexer_.Next();
+  return *second_;
 }
 
 void Parser::Advance() {
-  if (ahead_count_ == 0) {
+  if (!second_) {
     token_ = lexer_.Next();
     return;
   }
-  token_ = ahead_.front();
-  std::move(ahead_.begin() + 1, ahead_.end(), ahead_.begin());
-  --ahead_count_;
+  token_ = *second_;
+  second_.reset();
 }
 
 Token Parser::Take() {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <array>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,9 +32,7 @@ class Parser {
  private:
   // tokens (parser.cpp)
   const Token& Peek() const { return token_; }
-  const Token& PeekSecond() { return PeekAhead(1); }
-  /// The token that is so many behind the current one, at most kMostAhead.
-  const Token& PeekAhead(std::size_t count);
+  const Token& PeekSecond();
   Token Take();
   void Advance();
   bool Accept(std::string_view keyword);
@@ -137,13 +135,10 @@ class Parser {
     int& depth;
   };
 
-  static constexpr std::size_t kMostAhead = 2;
-
   std::string_view text_;
   Lexer lexer_;
   Token token_;
-  std::array<Token, kMostAhead> ahead_;
-  std::size_t ahead_count_ = 0;
+  std::optional<Token> second_;  // the one behind it, if it was looked at
   int depth_ = 0;
 };
 

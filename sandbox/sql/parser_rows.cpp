@@ -12,19 +12,27 @@ constexpr std::size_t kMaxDigits = 38;
 // A literal alone, which is nearly all there is in a load: it stays as it is written, and no
 // expression is made of it. False with nothing taken where there is more to the cell.
 bool Parser::TakeCellLiteral(InsertCell& cell) {
-  const bool negative = token_.IsSymbol("-");
-  if (negative && !IsNumberToken(PeekSecond())) return false;
-  if (!negative && !IsLiteralToken(token_)) return false;
-  const Token& end = PeekAhead(negative ? 2 : 1);
-  if (!end.IsSymbol(",") && !end.IsSymbol(")")) return false;
+  if (second_) return false;
+  const Lexer behind_first = lexer_;
+  const Token first = token_;
+  const bool negative = first.IsSymbol("-");
   if (negative) Advance();
-  const LiteralText literal(token_, negative);
-  const bool may_not_fit = IsNumberToken(token_) &&
-                           (literal.kind == TokenKind::Float || literal.text.size() > kMaxDigits);
-  if (may_not_fit) ParseLiteral(literal);  // a number too long is an error of the text
-  cell.value = literal;
-  Advance();
-  return true;
+  const Token& written = negative ? token_ : first;
+  const bool number = IsNumberToken(written);
+  if (negative ? number : IsLiteralToken(written)) {
+    const LiteralText literal(written, negative);
+    Advance();
+    if (token_.IsSymbol(",") || token_.IsSymbol(")")) {
+      const bool may_not_fit =
+          number && (literal.kind == TokenKind::Float || literal.text.size() > kMaxDigits);
+      if (may_not_fit) ParseLiteral(literal);  // a number too long is an error of the text
+      cell.value = literal;
+      return true;
+    }
+  }
+  lexer_ = behind_first;
+  token_ = first;
+  return false;
 }
 
 InsertCell Parser::ParseCell() {

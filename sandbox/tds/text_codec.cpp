@@ -151,6 +151,30 @@ Decoded FirstOf(std::string_view text) {
   return {code, length};
 }
 
+void AppendUtf8(std::string_view utf16, std::string& out) {
+  constexpr std::size_t kMostBytesPerUnit = 3;
+  const std::size_t start = out.size();
+  out.resize(start + kMostBytesPerUnit * ((utf16.size() + 1) / 2));
+  const char* from = utf16.data();
+  const char* const end = from + utf16.size();
+  char* to = out.data() + start;
+  while (true) {
+    TakeAscii(from, end, to);
+    if (end - from < 2) break;
+    char32_t code = UnitAt(from);
+    from += 2;
+    if (IsHighSurrogate(code) && end - from >= 2 && IsLowSurrogate(UnitAt(from))) {
+      code = 0x10000 + ((code - 0xD800) << 10) + (UnitAt(from) - 0xDC00);
+      from += 2;
+    } else if (IsHighSurrogate(code) || IsLowSurrogate(code)) {
+      code = kReplacement;
+    }
+    to = PutUtf8(to, code);
+  }
+  if (from != end) to = PutUtf8(to, kReplacement);  // half a character
+  out.resize(static_cast<std::size_t>(to - out.data()));
+}
+
 }  // namespace
 
 void AppendUtf16(std::string_view utf8, std::string& out) {
@@ -175,28 +199,23 @@ void AppendUtf16(std::string_view utf8, std::string& out) {
 }
 
 std::string Utf16ToUtf8(std::string_view bytes) {
-  constexpr std::size_t kMostBytesPerUnit = 3;
-  std::string out;
-  out.resize(kMostBytesPerUnit * ((bytes.size() + 1) / 2));
-  const char* from = bytes.data();
-  const char* const end = from + bytes.size();
-  char* to = out.data();
-  while (true) {
-    TakeAscii(from, end, to);
-    if (end - from < 2) break;
-    char32_t code = UnitAt(from);
-    from += 2;
-    if (IsHighSurrogate(code) && end - from >= 2 && IsLowSurrogate(UnitAt(from))) {
-      code = 0x10000 + ((code - 0xD800) << 10) + (UnitAt(from) - 0xDC00);
-      from += 2;
-    } else if (IsHighSurrogate(code) || IsLowSurrogate(code)) {
-      code = kReplacement;
-    }
-    to = PutUtf8(to, code);
-  }
-  if (from != end) to = PutUtf8(to, kReplacement);  // half a character
-  out.resize(static_cast<std::size_t>(to - out.data()));
-  return out;
+  std::string utf8;
+  AppendUtf8(bytes, utf8);
+  return utf8;
+}
+
+void Utf16Decoder::Append(std::string_view piece, std::string& utf8) {
+  std::string joined;
+  if (!rest_.empty()) piece = joined = rest_.append(piece);
+  std::size_t whole = piece.size() / 2 * 2;
+  if (whole > 0 && IsHighSurrogate(UnitAt(piece.data() + whole - 2))) whole -= 2;
+  AppendUtf8(piece.substr(0, whole), utf8);
+  rest_ = piece.substr(whole);
+}
+
+void Utf16Decoder::Finish(std::string& utf8) {
+  AppendUtf8(rest_, utf8);
+  rest_.clear();
 }
 
 void AppendAnsi(std::string_view utf8, std::string& out) {
