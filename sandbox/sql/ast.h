@@ -100,6 +100,7 @@ struct Select {
   bool distinct = false;
   ExprPtr top;
   bool top_percent = false;
+  bool with_ties = false;
   std::vector<SelectItem> items;
   ObjectName into;
   std::vector<FromItem> from;

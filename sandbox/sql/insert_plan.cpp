@@ -294,21 +294,22 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
 }
 
 void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
-  const IndexDef* index = BrokenIndex(table_, error.what());
+  if (!BrokenIndex(table_, error.what())) throw error;
+  const auto value = [&](int column_id) -> Value {
+    const auto slot =
+        std::find_if(plan_->slots.begin(), plan_->slots.end(),
+                     [&](const InsertPlan::Slot& each) { return each.column.id == column_id; });
+    const bool written =
+        slot->source == InsertPlan::Source::Cell && row.AsWritten(slot->cell) != nullptr;
+    if (!written) return stored_[static_cast<std::size_t>(slot - plan_->slots.begin())];
+    const RowCells::Cell cell = row.Get(slot->cell);
+    if (cell.value->index() == 0) return {};
+    return StoreValue(link_, table_, slot->column, *cell.value, cell.type);
+  };
+  const IndexDef* index = FirstBrokenIndex(link_, table_, value, 0);
   if (!index) throw error;
   std::vector<Value> keys;
-  for (const IndexColumn& column : index->columns) {
-    const auto slot = std::find_if(
-        plan_->slots.begin(), plan_->slots.end(),
-        [&](const InsertPlan::Slot& each) { return each.column.id == column.column_id; });
-    const bool cell = slot->source == InsertPlan::Source::Cell;
-    if (!cell || !row.AsWritten(slot->cell)) {
-      keys.push_back(stored_[static_cast<std::size_t>(slot - plan_->slots.begin())]);
-      continue;
-    }
-    const RowCells::Cell value = row.Get(slot->cell);
-    keys.push_back(StoreValue(link_, table_, slot->column, *value.value, value.type));
-  }
+  for (const IndexColumn& column : index->columns) keys.push_back(value(column.column_id));
   throw DuplicateKey(table_, *index, keys);
 }
 

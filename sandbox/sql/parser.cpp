@@ -103,15 +103,15 @@ void Parser::ExpectSymbol(std::string_view symbol) {
 
 // The server names what it stumbled over; at the end of the text that is what it read last.
 void Parser::Fail() const {
-  std::string_view near = token_.text;
+  Token near = token_;
   if (token_.kind == TokenKind::End) {
     Lexer again(text_);
     for (Token token = again.Next(); token.kind != TokenKind::End; token = again.Next()) {
-      near = token.text;
+      near = token;
     }
   }
-  SqlError error = IsReserved(token_) ? Error(156, near) : Error(102, near);
-  error.messages.front().line = token_.line;
+  SqlError error = IsReserved(token_) ? Error(156, near.text) : Error(102, near.text);
+  error.messages.front().line = near.line;
   throw error;
 }
 
