@@ -15,6 +15,9 @@ struct CivilDate {
 CivilDate ToCivil(std::int64_t days);
 std::int64_t FromCivil(const CivilDate& date);  // days since 0001-01-01
 int DaysInMonth(int year, int month);
+std::string_view MonthName(int month);  // 1 to 12
+/// Ticks (not below 0) to the nearest multiple of `step`.
+std::int64_t RoundTo(std::int64_t ticks, std::int64_t step);
 
 enum class DateProblem { None, Syntax, Range };
 
