@@ -86,18 +86,17 @@ void Lexer::SkipBlanks() {
   }
 }
 
-Token Lexer::Finish(TokenKind kind, std::size_t start, std::size_t end) {
-  Token token;
+void Lexer::Finish(TokenKind kind, std::size_t start, std::size_t end, Token& token) {
   token.kind = kind;
   token.text = text_.substr(start, end - start);
   token.line = line_;
   token.offset = start;
+  token.escaped = false;
   position_ = end;
-  return token;
 }
 
 // The text between the quote at `position_` and the single `close` that ends it.
-Token Lexer::Quoted(TokenKind kind, char close) {
+void Lexer::Quoted(TokenKind kind, char close, Token& token) {
   const std::size_t start = position_ + 1;
   const int line = line_;
   bool escaped = false;
@@ -109,15 +108,14 @@ Token Lexer::Quoted(TokenKind kind, char close) {
     escaped = true;
     end += 2;
   }
-  Token token = Finish(kind, start, end);
+  Finish(kind, start, end, token);
   token.line = line;
   token.escaped = escaped;
   line_ += static_cast<int>(std::count(token.text.begin(), token.text.end(), '\n'));
   ++position_;
-  return token;
 }
 
-Token Lexer::Number() {
+void Lexer::Number(Token& token) {
   const std::size_t start = position_;
   std::size_t end = start;
   const auto digits = [&] {
@@ -126,7 +124,7 @@ Token Lexer::Number() {
   if (text_[end] == '0' && end + 1 < text_.size() && Lower(text_[end + 1]) == 'x') {
     end += 2;
     while (end < text_.size() && IsHexDigit(text_[end])) ++end;
-    return Finish(TokenKind::Hex, start, end);
+    return Finish(TokenKind::Hex, start, end, token);
   }
   digits();
   TokenKind kind = TokenKind::Integer;
@@ -142,39 +140,39 @@ Token Lexer::Number() {
     digits();
     kind = TokenKind::Float;
   }
-  return Finish(kind, start, end);
+  Finish(kind, start, end, token);
 }
 
-Token Lexer::Next() {
+void Lexer::Read(Token& token) {
   SkipBlanks();
-  if (position_ >= text_.size()) return Finish(TokenKind::End, text_.size(), text_.size());
+  if (position_ >= text_.size()) return Finish(TokenKind::End, text_.size(), text_.size(), token);
   const char c = text_[position_];
   const char next = At(position_ + 1);
   if ((c == 'N' || c == 'n') && next == '\'') {
     ++position_;
-    return Quoted(TokenKind::NString, '\'');
+    return Quoted(TokenKind::NString, '\'', token);
   }
-  if (c == '\'') return Quoted(TokenKind::String, '\'');
-  if (c == '[') return Quoted(TokenKind::Quoted, ']');
-  if (c == '"') return Quoted(TokenKind::Quoted, '"');
-  if (IsDigit(c) || (c == '.' && IsDigit(next))) return Number();
+  if (c == '\'') return Quoted(TokenKind::String, '\'', token);
+  if (c == '[') return Quoted(TokenKind::Quoted, ']', token);
+  if (c == '"') return Quoted(TokenKind::Quoted, '"', token);
+  if (IsDigit(c) || (c == '.' && IsDigit(next))) return Number(token);
   std::size_t end = position_ + 1;
   const auto name = [&] {
     while (end < text_.size() && ContinuesName(text_[end])) ++end;
   };
   if (StartsName(c)) {
     name();
-    return Finish(TokenKind::Word, position_, end);
+    return Finish(TokenKind::Word, position_, end, token);
   }
   if (c == '@') {
     name();
-    return Finish(TokenKind::Variable, position_, end);
+    return Finish(TokenKind::Variable, position_, end, token);
   }
   if (c == '$' && (IsDigit(next) || next == '.')) {
     while (end < text_.size() && (IsDigit(text_[end]) || text_[end] == '.')) ++end;
-    return Finish(TokenKind::Money, position_, end);
+    return Finish(TokenKind::Money, position_, end, token);
   }
-  return Finish(TokenKind::Symbol, position_, position_ + (IsPair(c, next) ? 2 : 1));
+  Finish(TokenKind::Symbol, position_, position_ + (IsPair(c, next) ? 2 : 1), token);
 }
 
 std::string Unquote(std::string_view text, char quote) {

@@ -54,14 +54,25 @@ class Lexer {
  public:
   explicit Lexer(std::string_view text) : text_(text) {}
   /// Raises 105 for an open string, 113 for an open comment.
-  Token Next();
+  void Read(Token& token);
+
+  /// A place between two tokens, to go back to.
+  struct Place {
+    std::size_t position = 0;
+    int line = 1;
+  };
+  Place Here() const { return {position_, line_}; }
+  void Return(const Place& place) {
+    position_ = place.position;
+    line_ = place.line;
+  }
 
  private:
   void SkipBlanks();
   void SkipBlockComment();
-  Token Quoted(TokenKind kind, char close);
-  Token Number();
-  Token Finish(TokenKind kind, std::size_t start, std::size_t end);
+  void Quoted(TokenKind kind, char close, Token& token);
+  void Number(Token& token);
+  void Finish(TokenKind kind, std::size_t start, std::size_t end, Token& token);
   char At(std::size_t position) const { return position < text_.size() ? text_[position] : '\0'; }
 
   std::string_view text_;

@@ -59,18 +59,25 @@ Parser::DepthGuard::DepthGuard(Parser& parser) : depth(parser.depth_) {
   ++depth;
 }
 
-Parser::Parser(std::string_view text) : text_(text), lexer_(text), token_(lexer_.Next()) {}
+Parser::Parser(std::string_view text) : text_(text), lexer_(text) {
+  Advance();
+}
 
 const Token& Parser::PeekSecond() {
-  if (!second_) second_ = lexer_.Next();
+  if (!second_) {
+    before_second_ = lexer_.Here();
+    lexer_.Read(second_.emplace());
+  }
   return *second_;
 }
 
 void Parser::Advance() {
   if (!second_) {
-    token_ = lexer_.Next();
+    before_token_ = lexer_.Here();
+    lexer_.Read(token_);
     return;
   }
+  before_token_ = before_second_;
   token_ = *second_;
   second_.reset();
 }
@@ -106,9 +113,8 @@ void Parser::Fail() const {
   Token near = token_;
   if (token_.kind == TokenKind::End) {
     Lexer again(text_);
-    for (Token token = again.Next(); token.kind != TokenKind::End; token = again.Next()) {
-      near = token;
-    }
+    Token token;
+    for (again.Read(token); token.kind != TokenKind::End; again.Read(token)) near = token;
   }
   SqlError error = IsReserved(token_) ? Error(156, near.text) : Error(102, near.text);
   error.messages.front().line = near.line;

@@ -139,6 +139,7 @@ class Parser {
   Lexer lexer_;
   Token token_;
   std::optional<Token> second_;  // the one behind it, if it was looked at
+  Lexer::Place before_token_, before_second_;
   int depth_ = 0;
 };
 

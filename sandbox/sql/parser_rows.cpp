@@ -13,14 +13,12 @@ constexpr std::size_t kMaxDigits = 38;
 // expression is made of it. False with nothing taken where there is more to the cell.
 bool Parser::TakeCellLiteral(InsertCell& cell) {
   if (second_) return false;
-  const Lexer behind_first = lexer_;
-  const Token first = token_;
-  const bool negative = first.IsSymbol("-");
+  const Lexer::Place start = before_token_;
+  const bool negative = token_.IsSymbol("-");
   if (negative) Advance();
-  const Token& written = negative ? token_ : first;
-  const bool number = IsNumberToken(written);
-  if (negative ? number : IsLiteralToken(written)) {
-    const LiteralText literal(written, negative);
+  const bool number = IsNumberToken(token_);
+  if (negative ? number : IsLiteralToken(token_)) {
+    const LiteralText literal(token_, negative);
     Advance();
     if (token_.IsSymbol(",") || token_.IsSymbol(")")) {
       const bool may_not_fit =
@@ -30,8 +28,8 @@ bool Parser::TakeCellLiteral(InsertCell& cell) {
       return true;
     }
   }
-  lexer_ = behind_first;
-  token_ = first;
+  lexer_.Return(start);
+  Advance();
   return false;
 }
 
