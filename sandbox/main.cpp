@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <malloc.h>
 #include <signal.h>
 
 #include <charconv>
@@ -18,6 +19,8 @@
 namespace {
 
 constexpr int kExitFailure = 1;
+// Batches take and give back up to some megabytes each; the memory is kept for the next.
+constexpr int kKeptMemory = 64 * 1024 * 1024;
 constexpr int kExitUsage = 2;
 
 constexpr char kHelp[] =
@@ -153,6 +156,8 @@ void Run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  mallopt(M_MMAP_THRESHOLD, kKeptMemory);
+  mallopt(M_TRIM_THRESHOLD, kKeptMemory);
   try {
     Options options = ParseOptions({argv + 1, argv + argc});
     if (options.help) {

@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "sandbox/sql/lexer.h"
 #include "sandbox/sql/types.h"
 #include "sandbox/storage/catalog.h"
 
@@ -99,6 +100,7 @@ struct Select {
   bool distinct = false;
   ExprPtr top;
   bool top_percent = false;
+  bool with_ties = false;
   std::vector<SelectItem> items;
   ObjectName into;
   std::vector<FromItem> from;
@@ -175,7 +177,7 @@ struct SelectStatement {
 };
 
 struct InsertCell {
-  std::variant<std::monostate, Literal, ExprPtr> value;  // monostate: DEFAULT
+  std::variant<std::monostate, LiteralText, ExprPtr> value;  // monostate: DEFAULT
 };
 
 struct InsertStatement {

@@ -111,9 +111,16 @@ class Binder {
   std::string BindItems(const Select& select, Scope& scope, BoundQuery& query);
   BoundQuery BindValues(const Select& select, const Scope* outer);
   BoundQuery BindCompound(const Query& query, const Scope* outer);
-  std::string BindOrder(const Query& query, const BoundQuery& bound, const Select& select,
-                        Scope& scope);
-  std::string Limit(const Select* select, const Query* query, const Scope& scope);
+  /// A term of ORDER BY.
+  struct OrderTerm {
+    std::string sql;
+    TypeInfo type;
+    std::optional<std::size_t> column;  // the result's column that it names
+    bool descending = false;
+  };
+  std::vector<OrderTerm> BindOrder(const Query& query, const BoundQuery& bound, Scope& scope);
+  std::string TopCount(const Select& select, const std::string& rows, const Scope& scope);
+  std::string Offset(const Query& query, const Scope& scope);
   BoundQuery CoerceQuery(BoundQuery query, const std::vector<TypeInfo>& types) const;
   std::string BindJoin(const FromItem& item, Scope& scope, bool first);
   std::string BindSource(const FromItem& item, Scope& scope);
@@ -135,6 +142,7 @@ class Binder {
   Bound BindSubquery(const Expr& expr, const Scope& scope);
   Bound BindCase(const Expr& expr, const Scope& scope);
   Bound BindFunction(const Expr& expr, const Scope& scope);
+  Bound BindSessionFunction(const Expr& expr, const Scope& scope);
   Bound BindAggregate(const Expr& expr, const Scope& scope);
   Bound BindWindow(const Expr& expr, const Scope& scope);
   Bound BindScalar(std::size_t position, const Expr& expr, const Scope& scope);

@@ -37,21 +37,30 @@ Bound Binder::BindFunction(const Expr& expr, const Scope& scope) {
     return BindChoice(expr, scope);
   }
   if (const auto position = FindFunction(expr.text)) return BindScalar(*position, expr, scope);
+  return BindSessionFunction(expr, scope);
+}
+
+// Arguments that are known here make the value known; those of a row make it wait for the row.
+Bound Binder::BindSessionFunction(const Expr& expr, const Scope& scope) {
   std::vector<Value> args;
-  std::vector<Bound> bound;
+  std::string row_args;
+  bool known = true;
   for (const ExprPtr& arg : expr.args) {
     if (arg->kind == ExprKind::Star) Raise(102, "*");
-    bound.push_back(BindValue(*arg, scope));
-    args.push_back(bound.back().constant.value_or(Value()));
-    // A variable's value is known; a column's is not.
-    if (arg->kind == ExprKind::Variable && !bound.back().constant) {
-      if (const Variable* variable = context_.FindVariable(arg->text))
-        args.back() = variable->value;
-    }
+    const Bound bound = BindValue(*arg, scope);
+    const Variable* variable =
+        arg->kind == ExprKind::Variable ? context_.FindVariable(arg->text) : nullptr;
+    known &= bound.constant || bound.is_null || variable;
+    args.push_back(bound.constant ? *bound.constant : variable ? variable->value : Value());
+    row_args += fmt::format(", {}, {}", PackType(bound.type), bound.sql);
   }
   const auto value = context_.SessionValue(expr.text, args);
   if (!value) Raise(195, expr.text);
-  return Constant(value->first, value->second);
+  if (known) return Constant(value->first, value->second);
+  Bound bound;
+  bound.type = value->second;
+  bound.sql = fmt::format("tsql_session('{}', {}{})", expr.text, PackType(bound.type), row_args);
+  return bound;
 }
 
 Bound Binder::BindScalar(std::size_t position, const Expr& expr, const Scope& scope) {

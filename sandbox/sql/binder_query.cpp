@@ -18,6 +18,34 @@ std::string ResultColumn(std::size_t i) {
   return fmt::format("c{}", i + 1);
 }
 
+template <class Terms>
+std::string OrderText(const Terms& terms) {
+  std::string text;
+  for (const auto& term : terms) {
+    text += (text.empty() ? " ORDER BY " : ", ") + Binder::Collated(term.sql, term.type) +
+            (term.descending ? " DESC" : "");
+  }
+  return text;
+}
+
+// The rows whose rank is no more than `count`: those that tie with the last one have its rank.
+// `rows` makes the query with more items.
+template <class Rows, class Terms>
+std::string WithTies(const Rows& rows, std::size_t width, Terms terms, const std::string& count) {
+  std::string more_items, columns;
+  for (std::size_t i = 0; i < terms.size(); ++i) {
+    const std::string name =
+        terms[i].column ? ResultColumn(*terms[i].column) : fmt::format("k{}", i);
+    if (!terms[i].column) more_items += ", " + terms[i].sql + " AS " + name;
+    terms[i].sql = name;
+  }
+  for (std::size_t i = 0; i < width; ++i) columns += (i ? ", " : "") + ResultColumn(i);
+  return fmt::format(
+      "SELECT {} FROM (SELECT *, rank() OVER ({}) AS place FROM ({})) WHERE place <= {} ORDER BY "
+      "place",
+      columns, OrderText(terms).substr(1), rows(more_items), count);
+}
+
 }  // namespace
 
 std::string Binder::NewAlias() {
@@ -68,8 +96,8 @@ BoundQuery Binder::BindCompound(const Query& query, const Scope* outer) {
   }
   Scope none;
   none.outer = outer;
-  const std::string order = BindOrder(query, whole, query.selects.front(), none);
-  const std::string limit = Limit(nullptr, &query, none);
+  const std::string order = OrderText(BindOrder(query, whole, none));
+  const std::string limit = Offset(query, none);
   if (!order.empty() || !limit.empty()) {
     whole.sql = "SELECT * FROM (" + whole.sql + ")" + order + limit;
   }
@@ -155,10 +183,23 @@ BoundQuery Binder::BindSelect(const Select& select, const Query* ordered, const 
     group_by += (group_by.empty() ? " GROUP BY " : ", ") + group;
   // An aggregate's condition without groups: SQLite wants to see a group.
   if (groups.empty() && select.having) group_by = " GROUP BY NULL";
-  query.sql = fmt::format("SELECT {}{}{}{}{}{}", select.distinct ? "DISTINCT " : "", items, from,
-                          where, group_by, having);
-  if (ordered) query.sql += BindOrder(*ordered, query, select, scope);
-  query.sql += Limit(&select, ordered, scope);
+  const std::vector<OrderTerm> order =
+      ordered ? BindOrder(*ordered, query, scope) : std::vector<OrderTerm>();
+  const auto rows = [&](const std::string& more_items) {
+    return fmt::format("SELECT {}{}{}{}{}{}{}", select.distinct ? "DISTINCT " : "", items,
+                       more_items, from, where, group_by, having);
+  };
+  if (select.with_ties) {
+    if (order.empty()) Raise(1062);
+    query.sql = WithTies(rows, query.columns.size(), order, TopCount(select, rows(""), scope));
+    return query;
+  }
+  query.sql = rows("") + OrderText(order);
+  if (select.top) {
+    query.sql += " LIMIT " + TopCount(select, rows(""), scope);
+  } else if (ordered) {
+    query.sql += Offset(*ordered, scope);
+  }
   return query;
 }
 
@@ -204,47 +245,66 @@ void Binder::AddStar(const Expr& star, const Scope& scope, std::vector<Bound>& i
   if (!found) Raise(107, star.parts.back());
 }
 
-std::string Binder::BindOrder(const Query& query, const BoundQuery& bound, const Select& select,
-                              Scope& scope) {
-  std::string text;
-  const auto ordinal = [&](std::size_t i) {
-    return Collated(fmt::format("{}", i + 1), bound.columns[i].type);
-  };
+std::vector<Binder::OrderTerm> Binder::BindOrder(const Query& query, const BoundQuery& bound,
+                                                 Scope& scope) {
+  std::vector<OrderTerm> terms;
   for (const OrderItem& item : query.order) {
-    std::string term;
+    OrderTerm& term = terms.emplace_back();
+    term.descending = item.descending;
     const Expr& expr = *item.expr;
     if (expr.kind == ExprKind::Literal) {
       const auto* number = std::get_if<std::int64_t>(&expr.literal.value);
       const bool valid =
           number && *number >= 1 && *number <= static_cast<std::int64_t>(bound.columns.size());
       if (!valid) Raise(108, expr.text);
-      term = ordinal(static_cast<std::size_t>(*number - 1));
+      term.column = static_cast<std::size_t>(*number - 1);
     } else if (expr.kind == ExprKind::Column && expr.parts.size() == 1) {
-      for (std::size_t i = 0; i < bound.columns.size() && term.empty(); ++i) {
-        if (SameName(bound.columns[i].name, expr.parts.front())) term = ordinal(i);
+      for (std::size_t i = 0; i < bound.columns.size() && !term.column; ++i) {
+        if (SameName(bound.columns[i].name, expr.parts.front())) term.column = i;
       }
     }
-    if (term.empty()) {
-      if (query.selects.size() > 1) Raise(104);
-      const Bound value = BindValue(expr, scope);
-      term = Collated(value.sql, value.type);
+    if (term.column) {
+      term.type = bound.columns[*term.column].type;
+      term.sql = fmt::format("{}", *term.column + 1);
+      continue;
     }
-    text += (text.empty() ? " ORDER BY " : ", ") + term + (item.descending ? " DESC" : "");
+    if (query.selects.size() > 1) Raise(104);
+    const Bound value = BindValue(expr, scope);
+    term.type = value.type;
+    term.sql = value.sql;
   }
-  (void)select;
-  return text;
+  return terms;
 }
 
-std::string Binder::Limit(const Select* select, const Query* query, const Scope& scope) {
+// The number of rows that TOP lets through of those that the query `rows` has.
+std::string Binder::TopCount(const Select& select, const std::string& rows, const Scope& scope) {
+  Scope none;
+  none.outer = scope.outer;
+  const Bound count =
+      Coerce(BindValue(*select.top, none), select.top_percent ? FloatType() : BigIntType());
+  if (!select.top_percent) {
+    const auto* number = count.constant ? std::get_if<std::int64_t>(&*count.constant) : nullptr;
+    if (number && *number < 0) Raise(127);
+    return count.sql;
+  }
+  const auto* percent = count.constant ? std::get_if<double>(&*count.constant) : nullptr;
+  if (percent && (*percent < 0 || *percent > 100)) Raise(1031);
+  // A part of a row is a row.
+  return fmt::format(
+      "(SELECT CAST(x AS INTEGER) + (x > CAST(x AS INTEGER)) FROM (SELECT count(*) * {} / 100.0 AS "
+      "x FROM ({})))",
+      count.sql, rows);
+}
+
+std::string Binder::Offset(const Query& query, const Scope& scope) {
+  if (!query.offset) return "";
+  Scope none;
+  none.outer = scope.outer;
   const auto number = [&](const Expr& expr) {
-    Scope none;
-    none.outer = scope.outer;
     return Coerce(BindValue(expr, none), BigIntType()).sql;
   };
-  if (select && select->top) return " LIMIT " + number(*select->top);
-  if (!query || !query->offset) return "";
-  const std::string count = query->fetch ? number(*query->fetch) : "-1";
-  return " LIMIT " + count + " OFFSET " + number(*query->offset);
+  const std::string count = query.fetch ? number(*query.fetch) : "-1";
+  return " LIMIT " + count + " OFFSET " + number(*query.offset);
 }
 
 // ---- FROM

@@ -1,5 +1,7 @@
 #include "sandbox/sql/constraints.h"
 
+#include <algorithm>
+
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/database_link.h"
 #include "sandbox/sql/parser.h"
@@ -51,6 +53,35 @@ const IndexDef* BrokenIndex(const TableDef& table, std::string_view message) {
         message.find("'" + table.StoredIndexName(index) + "'") != std::string_view::npos) {
       return &index;
     }
+  }
+  return nullptr;
+}
+
+const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
+                                 const std::function<Value(int column_id)>& value,
+                                 std::int64_t own_row) {
+  std::vector<const IndexDef*> unique;
+  for (const IndexDef& index : table.indexes) {
+    if (index.unique) unique.push_back(&index);
+  }
+  std::stable_sort(unique.begin(), unique.end(), [](const IndexDef* a, const IndexDef* b) {
+    return a->primary != b->primary ? a->primary : a->id < b->id;
+  });
+  for (const IndexDef* index : unique) {
+    std::string match = "rowid <> ?1";
+    for (std::size_t i = 0; i < index->columns.size(); ++i) {
+      match +=
+          fmt::format(" AND {} IS ?{}", TableDef::StoredColumn(index->columns[i].column_id), i + 2);
+    }
+    SqliteStatement& statement =
+        link.Cached(fmt::format("SELECT 1 FROM {} WHERE {}", table.StoredName(), match));
+    ResetGuard guard(statement);
+    statement.Bind(1, own_row);
+    for (std::size_t i = 0; i < index->columns.size(); ++i) {
+      const int column = index->columns[i].column_id;
+      BindValue(statement.get(), static_cast<int>(i) + 2, value(column), table.Column(column).type);
+    }
+    if (link.Step(statement)) return index;
   }
   return nullptr;
 }

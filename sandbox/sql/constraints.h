@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -19,6 +20,13 @@ Value StoreValue(DatabaseLink& link, const TableDef& table, const ColumnDef& col
 
 /// The index that SQLite's message of a broken uniqueness means; null when none.
 const IndexDef* BrokenIndex(const TableDef& table, std::string_view sqlite_message);
+
+/// Of the unique indexes that a row breaks the one the server names: the primary key's, else the
+/// oldest. `value` gives the row's value of a column by its number; `own_row` is its row number
+/// when it is in the table already, else 0. Null when it breaks none.
+const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
+                                 const std::function<Value(int column_id)>& value,
+                                 std::int64_t own_row);
 
 /// 2627 or 2601 with the key's values, which are in the order of the index.
 SqlError DuplicateKey(const TableDef& table, const IndexDef& index, const std::vector<Value>& keys);

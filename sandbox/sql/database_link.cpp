@@ -33,7 +33,7 @@ DatabaseLink::~DatabaseLink() = default;
 
 const Catalog& DatabaseLink::Definitions() {
   const std::uint64_t current = state_->definition_version;
-  if (definitions_changed_ || current == catalog_version_) return catalog_;
+  if (keeps_definitions || definitions_changed_ || current == catalog_version_) return catalog_;
   ForgetStatements();
   catalog_ = LoadCatalog(connection_);
   catalog_version_ = current;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -68,6 +69,12 @@ class DatabaseLink {
 
   /// Kept until the definitions change.
   std::map<std::string, std::shared_ptr<InsertPlan>> insert_plans;
+  /// What object_name() and other functions that depend on the session give for the values of a
+  /// row. They must not make the link read its definitions anew, which ends its statements.
+  std::function<std::pair<Value, TypeInfo>(std::string_view name, const std::vector<Value>& args)>
+      session_value;
+  /// Keeps the definitions as they are while a statement runs.
+  bool keeps_definitions = false;
   /// What a function called by SQLite raised; the failing Step throws it.
   std::optional<SqlError> raised;
 

@@ -53,6 +53,7 @@ constexpr std::array kMessages{
         121, 15, 1, Ends::Batch,
         "The select list for the INSERT statement contains more items than the insert list. "
         "The number of SELECT values must match the number of INSERT columns."},
+    MessageText{127, 15, 1, Ends::Batch, "A TOP N or FETCH rowcount value may not be negative."},
     MessageText{134, 15, 2, Ends::Batch,
                 "The variable name '{}' has already been declared. Variable names must be unique "
                 "within a query batch or stored procedure."},
@@ -151,10 +152,14 @@ constexpr std::array kMessages{
                 "The ORDER BY clause is invalid in views, inline functions, derived tables, "
                 "subqueries, and common table expressions, unless TOP, OFFSET or FOR XML is also "
                 "specified."},
+    MessageText{1031, 15, 1, Ends::Batch, "Percent values must be between 0 and 100."},
     MessageText{1038, 15, 4, Ends::Batch,
                 "An object or column name is missing or empty. For SELECT INTO statements, verify "
                 "each column has a name. For other statements, look for empty alias names. Aliases "
                 "defined as \"\" or [] are not allowed. Change the alias to a valid name."},
+    MessageText{1062, 15, 1, Ends::Batch,
+                "The TOP N WITH TIES clause is not allowed without a corresponding ORDER BY "
+                "clause."},
     MessageText{1088, 16, 12, Ends::Batch,
                 "Cannot find the object \"{}\" because it does not exist or you do not have "
                 "permissions."},

@@ -22,7 +22,7 @@ std::string Bracketed(const std::vector<std::string>& parts) {
   return text;
 }
 
-std::string LiteralText(const Expr& expr) {
+std::string TextOfLiteral(const Expr& expr) {
   const Literal& literal = expr.literal;
   if (literal.is_null) return "NULL";
   if (const auto* text = std::get_if<std::string>(&literal.value)) {
@@ -65,7 +65,7 @@ std::string CaseText(const Expr& expr) {
 std::string NormalisedText(const Expr& expr) {
   switch (expr.kind) {
     case ExprKind::Literal:
-      return LiteralText(expr);
+      return TextOfLiteral(expr);
     case ExprKind::Column:
       return Bracketed(expr.parts);
     case ExprKind::Variable:

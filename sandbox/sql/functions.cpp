@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/database_link.h"
@@ -29,6 +30,11 @@ void Guarded(sqlite3_context* context, Body body) {
   }
 }
 
+std::string_view TextArgument(sqlite3_value* value) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  return {text ? text : "", static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
 TypeInfo TypeArgument(sqlite3_value* value) {
   return UnpackType(sqlite3_value_int64(value));
 }
@@ -47,6 +53,21 @@ void CallFunction(sqlite3_context* context, int count, sqlite3_value** args) {
       if (null && !function.takes_null) return sqlite3_result_null(context);
     }
     ReturnValue(context, function.evaluate({values, types, result}), result);
+  });
+}
+
+void SessionFunction(sqlite3_context* context, int count, sqlite3_value** args) {
+  Guarded(context, [&] {
+    auto& link = *static_cast<DatabaseLink*>(sqlite3_user_data(context));
+    const TypeInfo result = TypeArgument(args[1]);
+    std::vector<Value> values;
+    for (int i = 2; i + 1 < count; i += 2) {
+      values.push_back(ReadArgument(args[i + 1], TypeArgument(args[i])));
+    }
+    const bool kept = std::exchange(link.keeps_definitions, true);
+    const auto [value, type] = link.session_value(TextArgument(args[0]), values);
+    link.keeps_definitions = kept;
+    ReturnValue(context, Convert(value, type, result), result);
   });
 }
 
@@ -151,11 +172,6 @@ void MathFunction(sqlite3_context* context, int, sqlite3_value** args) {
     if (null(a) || null(b)) return sqlite3_result_null(context);
     ReturnValue(context, Compute(op, left, result, a, b), result);
   });
-}
-
-std::string_view TextArgument(sqlite3_value* value) {
-  const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  return {text ? text : "", static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
 void LikeFunction(sqlite3_context* context, int count, sqlite3_value** args) {
@@ -287,6 +303,7 @@ void RegisterFunctions(sqlite3* connection, DatabaseLink& link) {
                                nullptr, nullptr);
   };
   scalar("tsql_call", -1, CallFunction);
+  scalar("tsql_session", -1, SessionFunction);
   scalar("tsql_convert", 5, ConvertFunction);
   scalar("tsql_math", 6, MathFunction);
   scalar("tsql_like", 2, LikeFunction);

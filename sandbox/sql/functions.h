@@ -38,6 +38,7 @@ std::optional<std::string_view> DateUnit(std::string_view word);
 
 /// Makes the language's functions known to SQLite:
 ///   tsql_call(position, result type, type, value, ...)
+///   tsql_session(name, result type, type, value, ...)
 ///   tsql_convert(from, to, style, try, value)   tsql_store as ConvertToStore, without style and
 ///   try tsql_math(operator, operand type, result type, left, right) tsql_like(text, pattern[,
 ///   escape]) tsql_sum, tsql_avg (type, value)            tsql_one(value): 512 on a second row

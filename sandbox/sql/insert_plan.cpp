@@ -21,14 +21,41 @@ std::string PlanKey(const TableDef& table, const std::vector<std::string>& colum
   return key;
 }
 
-std::string InsertSql(const TableDef& table) {
+// SQLite starts and ends each statement at a cost of about two rows.
+constexpr std::size_t kBlockRows = 16;
+constexpr std::size_t kMostBlockColumns = 1000;
+
+std::string InsertSql(const TableDef& table, std::size_t rows) {
   std::string names, marks;
   for (const ColumnDef& column : table.columns) {
     names += (names.empty() ? "" : ",") + TableDef::StoredColumn(column.id);
-    marks += marks.empty() ? "?" : ",?";
+    marks += marks.empty() ? "(?" : ",?";
   }
-  return fmt::format("INSERT INTO {}({}) VALUES({})", table.StoredName(), names, marks);
+  marks += ")";
+  std::string sql = fmt::format("INSERT INTO {}({}) VALUES{}", table.StoredName(), names, marks);
+  for (std::size_t i = 1; i < rows; ++i) sql += "," + marks;
+  return sql;
 }
+
+bool TakesBlocks(const InsertPlan& plan) {
+  using Source = InsertPlan::Source;
+  return plan.slots.size() <= kMostBlockColumns &&
+         std::none_of(plan.slots.begin(), plan.slots.end(), [](const InsertPlan::Slot& slot) {
+           return slot.source == Source::Identity || slot.column.type.type == SqlType::Timestamp;
+         });
+}
+
+// A row of values that are at hand.
+class ReadyRow final : public RowCells {
+ public:
+  ReadyRow(std::span<const Value* const> values, std::span<const TypeInfo> types)
+      : values_(values), types_(types) {}
+  Cell Get(std::size_t cell) override { return {values_[cell], types_[cell]}; }
+
+ private:
+  std::span<const Value* const> values_;
+  std::span<const TypeInfo> types_;
+};
 
 Value RowVersionValue(std::int64_t version) {
   std::string bytes(8, '\0');
@@ -45,6 +72,7 @@ RowWriter::RowWriter(Session& session, DatabaseLink& link, const TableDef& table
   if (!cached) cached = MakePlan(columns, identity);
   plan_ = cached;
   stored_.resize(plan_->slots.size());
+  scratch_.resize(plan_->slots.size());
 }
 
 std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& columns,
@@ -59,6 +87,7 @@ std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& 
   for (const ColumnDef& column : table_.columns) {
     InsertPlan::Slot& slot = plan->slots.emplace_back();
     slot.column = column;
+    slot.bind_literal = LiteralBinderFor(column.type.type);
     const bool row_version = column.type.type == SqlType::Timestamp;
     const auto listed = std::find_if(columns.begin(), columns.end(), [&](const std::string& name) {
       return SameName(name, column.name);
@@ -90,7 +119,8 @@ std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& 
   for (const InsertPlan::Slot& slot : plan->slots) {
     if (slot.column.identity) plan->identity = &slot.column;
   }
-  plan->insert = link_.Connection().Prepare(InsertSql(table_));
+  plan->insert = link_.Connection().Prepare(InsertSql(table_, 1));
+  plan->takes_blocks = TakesBlocks(*plan);
   plan->verifies = !table_.foreign_keys.empty() || !table_.checks.empty();
   return plan;
 }
@@ -99,61 +129,121 @@ Value RowWriter::DefaultOf(const InsertPlan::Slot& slot) {
   return slot.default_value ? session_.Evaluate(*slot.default_value, &slot.column.type) : Value();
 }
 
-void RowWriter::Store(int index, const ColumnDef& column, const Value& value,
+void RowWriter::Store(const Place& place, const ColumnDef& column, const Value& value,
                       const TypeInfo& from) {
+  Value& stored = stored_[static_cast<std::size_t>(place.index - 1)];
   if (value.index() == 0) {
     if (!column.nullable) {
       Raise(515, column.name, fmt::format("{}.dbo.{}", link_.Name(), table_.name), "INSERT");
     }
-    sqlite3_bind_null(plan_->insert.get(), index);
-    stored_[static_cast<std::size_t>(index - 1)] = Value();
+    sqlite3_bind_null(place.statement.get(), place.index);
+    stored = Value();
     return;
   }
-  Value& stored = stored_[static_cast<std::size_t>(index - 1)];
   stored = StoreValue(link_, table_, column, value, from);
-  BindValue(plan_->insert.get(), index, stored, column.type);
+  BindKeptValue(place.statement.get(), place.index, stored, column.type);
 }
 
-void RowWriter::BindSlot(const InsertPlan::Slot& slot, int index, const Value* value,
-                         const TypeInfo* type) {
+void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCells& row) {
   using Source = InsertPlan::Source;
   Source source = slot.source;
-  if (source == Source::Cell && !value) {
+  if (source == Source::Cell) {
+    const LiteralText* literal = row.AsWritten(slot.cell);
+    if (literal && BindAsWritten(slot, place, *literal)) return;
+    const RowCells::Cell cell = row.Get(slot.cell);
+    if (cell.value) return BindCell(slot, place, cell);
     source = slot.column.type.type == SqlType::Timestamp ? Source::RowVersion : Source::Default;
   }
   switch (source) {
-    case Source::Cell:
-      if (slot.column.type.type == SqlType::Timestamp) Raise(273);
-      Store(index, slot.column, *value, *type);
-      if (slot.column.identity) {
-        const Value as_number = Convert(*value, *type, BigIntType());
-        last_identity_ = std::get<std::int64_t>(as_number);
-        link_.NoteIdentity(table_, slot.column, *last_identity_);
-      }
-      return;
     case Source::Identity:
       last_identity_ = link_.NextIdentity(table_, slot.column);
-      return Store(index, slot.column, *last_identity_, BigIntType());
+      return Store(place, slot.column, *last_identity_, BigIntType());
     case Source::RowVersion:
-      return Store(index, slot.column, RowVersionValue(link_.NextRowVersion()), slot.column.type);
+      return Store(place, slot.column, RowVersionValue(link_.NextRowVersion()), slot.column.type);
     default:
-      return Store(index, slot.column, DefaultOf(slot), slot.column.type);
+      return Store(place, slot.column, DefaultOf(slot), slot.column.type);
+  }
+}
+
+bool RowWriter::BindAsWritten(const InsertPlan::Slot& slot, const Place& place,
+                              const LiteralText& literal) {
+  if (literal.IsNull()) {
+    if (slot.column.nullable) sqlite3_bind_null(place.statement.get(), place.index);
+    return slot.column.nullable;
+  }
+  return slot.bind_literal(place.statement.get(), place.index, slot.column.type, literal,
+                           scratch_[static_cast<std::size_t>(place.index - 1)]);
+}
+
+void RowWriter::BindCell(const InsertPlan::Slot& slot, const Place& place,
+                         const RowCells::Cell& cell) {
+  if (slot.column.type.type == SqlType::Timestamp) Raise(273);
+  Store(place, slot.column, *cell.value, cell.type);
+  if (!slot.column.identity) return;
+  const Value as_number = Convert(*cell.value, cell.type, BigIntType());
+  last_identity_ = std::get<std::int64_t>(as_number);
+  link_.NoteIdentity(table_, slot.column, *last_identity_);
+}
+
+void RowWriter::BindRow(SqliteStatement& statement, int first_index, RowCells& row) {
+  int index = first_index;
+  for (const InsertPlan::Slot& slot : plan_->slots) BindSlot(slot, {statement, index++}, row);
+}
+
+void RowWriter::WriteRow(RowCells& row) {
+  BindRow(plan_->insert, 1, row);
+  try {
+    link_.Run(plan_->insert);
+  } catch (const SqliteError& error) {
+    RaiseDuplicate(error, row);
+  }
+  last_row_ = sqlite3_last_insert_rowid(link_.Connection().get());
+  if (first_row_ == 0) first_row_ = last_row_;
+}
+
+// False with nothing written when any of the rows is refused.
+bool RowWriter::WriteBlock(RowCells& rows, std::size_t first) {
+  const std::size_t width = plan_->slots.size();
+  if (!plan_->insert_block) {
+    plan_->insert_block = link_.Connection().Prepare(InsertSql(table_, kBlockRows));
+  }
+  stored_.resize(kBlockRows * width);
+  scratch_.resize(kBlockRows * width);
+  try {
+    for (std::size_t i = 0; i < kBlockRows; ++i) {
+      rows.Select(first + i);
+      BindRow(plan_->insert_block, static_cast<int>(i * width) + 1, rows);
+    }
+    link_.Run(plan_->insert_block);
+  } catch (const SqlError&) {
+    return false;
+  } catch (const SqliteError&) {
+    return false;
+  }
+  last_row_ = sqlite3_last_insert_rowid(link_.Connection().get());
+  if (first_row_ == 0) first_row_ = last_row_ - static_cast<std::int64_t>(kBlockRows) + 1;
+  return true;
+}
+
+void RowWriter::WriteRows(RowCells& rows, std::size_t count) {
+  for (std::size_t row = 0; row < count;) {
+    const bool block = plan_->takes_blocks && count - row >= kBlockRows;
+    if (block && WriteBlock(rows, row)) {
+      row += kBlockRows;
+      continue;
+    }
+    // Of a block that was refused the row at fault raises its error by itself.
+    const std::size_t end = block ? row + kBlockRows : count;
+    for (; row < end; ++row) {
+      rows.Select(row);
+      WriteRow(rows);
+    }
   }
 }
 
 void RowWriter::Write(std::span<const Value* const> values, std::span<const TypeInfo> types) {
-  int index = 0;
-  for (const InsertPlan::Slot& slot : plan_->slots) {
-    const bool cell = slot.source == InsertPlan::Source::Cell;
-    BindSlot(slot, ++index, cell ? values[slot.cell] : nullptr, cell ? &types[slot.cell] : nullptr);
-  }
-  try {
-    link_.Run(plan_->insert);
-  } catch (const SqliteError& error) {
-    RaiseDuplicate(error);
-  }
-  last_row_ = sqlite3_last_insert_rowid(link_.Connection().get());
-  if (first_row_ == 0) first_row_ = last_row_;
+  ReadyRow row(values, types);
+  WriteRow(row);
 }
 
 void RowWriter::WriteDefaults() {
@@ -203,15 +293,23 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
   return rows;
 }
 
-void RowWriter::RaiseDuplicate(const SqliteError& error) {
-  const IndexDef* index = BrokenIndex(table_, error.what());
+void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
+  if (!BrokenIndex(table_, error.what())) throw error;
+  const auto value = [&](int column_id) -> Value {
+    const auto slot =
+        std::find_if(plan_->slots.begin(), plan_->slots.end(),
+                     [&](const InsertPlan::Slot& each) { return each.column.id == column_id; });
+    const bool written =
+        slot->source == InsertPlan::Source::Cell && row.AsWritten(slot->cell) != nullptr;
+    if (!written) return stored_[static_cast<std::size_t>(slot - plan_->slots.begin())];
+    const RowCells::Cell cell = row.Get(slot->cell);
+    if (cell.value->index() == 0) return {};
+    return StoreValue(link_, table_, slot->column, *cell.value, cell.type);
+  };
+  const IndexDef* index = FirstBrokenIndex(link_, table_, value, 0);
   if (!index) throw error;
   std::vector<Value> keys;
-  for (const IndexColumn& column : index->columns) {
-    for (std::size_t i = 0; i < plan_->slots.size(); ++i) {
-      if (plan_->slots[i].column.id == column.column_id) keys.push_back(stored_[i]);
-    }
-  }
+  for (const IndexColumn& column : index->columns) keys.push_back(value(column.column_id));
   throw DuplicateKey(table_, *index, keys);
 }
 

@@ -8,6 +8,7 @@
 
 #include "sandbox/sql/ast.h"
 #include "sandbox/sql/binder.h"
+#include "sandbox/sql/literal_binding.h"
 #include "sandbox/storage/catalog.h"
 #include "sandbox/storage/sqlite.h"
 
@@ -24,13 +25,31 @@ struct InsertPlan {
     Source source = Source::Null;
     std::size_t cell = 0;
     ExprPtr default_value;  // null when there is none
+    LiteralBinder bind_literal = nullptr;
   };
   std::vector<Slot> slots;  // in the order of the table's columns
   std::size_t cells = 0;    // the values a row brings
   SqliteStatement insert;
+  SqliteStatement insert_block;  // kBlockRows rows at once; prepared when first needed
+  bool takes_blocks = false;     // its values can be worked out again when a block fails
   const ColumnDef* identity = nullptr;
   bool verifies = false;  // foreign keys or checks look at the row afterwards
   bool has_explicit_identity = false;
+};
+
+/// Rows for a RowWriter: the values of the selected one, cell by cell.
+class RowCells {
+ public:
+  struct Cell {
+    const Value* value = nullptr;  // null: DEFAULT
+    TypeInfo type;
+  };
+  virtual ~RowCells() = default;
+  virtual void Select(std::size_t) {}
+  /// A literal that the cell's column takes as it is written; null when there is none.
+  virtual const LiteralText* AsWritten(std::size_t) const { return nullptr; }
+  /// The cell's value, which stays until it is asked for in another row.
+  virtual Cell Get(std::size_t cell) = 0;
 };
 
 /// Writes rows into one table: conversion, defaults, identity, NOT NULL and keys row by row;
@@ -45,6 +64,7 @@ class RowWriter {
 
   std::size_t Width() const { return plan_->cells; }
   const InsertPlan& Plan() const { return *plan_; }
+  void WriteRows(RowCells& rows, std::size_t count);
   /// One row; a null pointer in `values` is DEFAULT.
   void Write(std::span<const Value* const> values, std::span<const TypeInfo> types);
   void WriteDefaults();
@@ -54,16 +74,30 @@ class RowWriter {
 
  private:
   std::shared_ptr<InsertPlan> MakePlan(const std::vector<std::string>& columns, Identity identity);
-  void BindSlot(const InsertPlan::Slot& slot, int index, const Value* value, const TypeInfo* type);
-  void Store(int index, const ColumnDef& column, const Value& value, const TypeInfo& from);
+  /// Where a value goes.
+  struct Place {
+    SqliteStatement& statement;
+    int index;
+  };
+
+  void WriteRow(RowCells& row);
+  bool WriteBlock(RowCells& rows, std::size_t first);
+  void BindRow(SqliteStatement& statement, int first_index, RowCells& row);
+  void BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCells& row);
+  bool BindAsWritten(const InsertPlan::Slot& slot, const Place& place, const LiteralText& literal);
+  void BindCell(const InsertPlan::Slot& slot, const Place& place, const RowCells::Cell& cell);
+  void Store(const Place& place, const ColumnDef& column, const Value& value, const TypeInfo& from);
   Value DefaultOf(const InsertPlan::Slot& slot);
-  [[noreturn]] void RaiseDuplicate(const SqliteError& error);
+  [[noreturn]] void RaiseDuplicate(const SqliteError& error, RowCells& row);
 
   Session& session_;
   DatabaseLink& link_;
   const TableDef& table_;
   std::shared_ptr<InsertPlan> plan_;
-  std::vector<Value> stored_;  // the row as it is stored, for messages
+  // By the index of the parameter that refers to them: values as they are stored, and what literals
+  // that are bound as written need.
+  std::vector<Value> stored_;
+  std::vector<std::string> scratch_;
   std::int64_t first_row_ = 0;
   std::int64_t last_row_ = -1;
   std::optional<std::int64_t> last_identity_;

@@ -8,14 +8,26 @@
 namespace sandbox {
 namespace {
 
-constexpr std::array<std::string_view, 14> kTwoCharacterSymbols{
-    "<=", ">=", "<>", "!=", "!<", "!>", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^="};
+// The symbols of two characters: what their second may follow.
+bool IsPair(char first, char second) {
+  constexpr std::string_view kBeforeEquals = "<>!+-*/%&|^";
+  if (second == '=') return kBeforeEquals.find(first) != std::string_view::npos;
+  if (second == '>') return first == '<' || first == '!';
+  return second == '<' && first == '!';
+}
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
+constexpr auto kIsHexDigit = [] {
+  std::array<bool, 256> is{};
+  for (const char c : std::string_view("0123456789abcdefABCDEF")) {
+    is[static_cast<unsigned char>(c)] = true;
+  }
+  return is;
+}();
 bool IsHexDigit(char c) {
-  return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+  return kIsHexDigit[static_cast<unsigned char>(c)];
 }
 bool StartsName(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' || (c & 0x80);
@@ -64,9 +76,9 @@ void Lexer::SkipBlanks() {
       position_ += 2;
     } else if (c == 0xEF && text_.substr(position_, 3) == "\xEF\xBB\xBF") {
       position_ += 3;
-    } else if (text_.substr(position_, 2) == "--") {
+    } else if (c == '-' && At(position_ + 1) == '-') {
       position_ = std::min(text_.find('\n', position_), text_.size());
-    } else if (text_.substr(position_, 2) == "/*") {
+    } else if (c == '/' && At(position_ + 1) == '*') {
       SkipBlockComment();
     } else {
       return;
@@ -74,18 +86,17 @@ void Lexer::SkipBlanks() {
   }
 }
 
-Token Lexer::Finish(TokenKind kind, std::size_t start, std::size_t end) {
-  Token token;
+void Lexer::Finish(TokenKind kind, std::size_t start, std::size_t end, Token& token) {
   token.kind = kind;
   token.text = text_.substr(start, end - start);
   token.line = line_;
   token.offset = start;
+  token.escaped = false;
   position_ = end;
-  return token;
 }
 
 // The text between the quote at `position_` and the single `close` that ends it.
-Token Lexer::Quoted(TokenKind kind, char close) {
+void Lexer::Quoted(TokenKind kind, char close, Token& token) {
   const std::size_t start = position_ + 1;
   const int line = line_;
   bool escaped = false;
@@ -97,15 +108,14 @@ Token Lexer::Quoted(TokenKind kind, char close) {
     escaped = true;
     end += 2;
   }
-  Token token = Finish(kind, start, end);
+  Finish(kind, start, end, token);
   token.line = line;
   token.escaped = escaped;
   line_ += static_cast<int>(std::count(token.text.begin(), token.text.end(), '\n'));
   ++position_;
-  return token;
 }
 
-Token Lexer::Number() {
+void Lexer::Number(Token& token) {
   const std::size_t start = position_;
   std::size_t end = start;
   const auto digits = [&] {
@@ -114,7 +124,7 @@ Token Lexer::Number() {
   if (text_[end] == '0' && end + 1 < text_.size() && Lower(text_[end + 1]) == 'x') {
     end += 2;
     while (end < text_.size() && IsHexDigit(text_[end])) ++end;
-    return Finish(TokenKind::Hex, start, end);
+    return Finish(TokenKind::Hex, start, end, token);
   }
   digits();
   TokenKind kind = TokenKind::Integer;
@@ -130,52 +140,49 @@ Token Lexer::Number() {
     digits();
     kind = TokenKind::Float;
   }
-  return Finish(kind, start, end);
+  Finish(kind, start, end, token);
 }
 
-Token Lexer::Next() {
+void Lexer::Read(Token& token) {
   SkipBlanks();
-  if (position_ >= text_.size()) return Finish(TokenKind::End, text_.size(), text_.size());
+  if (position_ >= text_.size()) return Finish(TokenKind::End, text_.size(), text_.size(), token);
   const char c = text_[position_];
-  const char next = position_ + 1 < text_.size() ? text_[position_ + 1] : '\0';
+  const char next = At(position_ + 1);
   if ((c == 'N' || c == 'n') && next == '\'') {
     ++position_;
-    return Quoted(TokenKind::NString, '\'');
+    return Quoted(TokenKind::NString, '\'', token);
   }
-  if (c == '\'') return Quoted(TokenKind::String, '\'');
-  if (c == '[') return Quoted(TokenKind::Quoted, ']');
-  if (c == '"') return Quoted(TokenKind::Quoted, '"');
-  if (IsDigit(c) || (c == '.' && IsDigit(next))) return Number();
+  if (c == '\'') return Quoted(TokenKind::String, '\'', token);
+  if (c == '[') return Quoted(TokenKind::Quoted, ']', token);
+  if (c == '"') return Quoted(TokenKind::Quoted, '"', token);
+  if (IsDigit(c) || (c == '.' && IsDigit(next))) return Number(token);
   std::size_t end = position_ + 1;
   const auto name = [&] {
     while (end < text_.size() && ContinuesName(text_[end])) ++end;
   };
   if (StartsName(c)) {
     name();
-    return Finish(TokenKind::Word, position_, end);
+    return Finish(TokenKind::Word, position_, end, token);
   }
   if (c == '@') {
     name();
-    return Finish(TokenKind::Variable, position_, end);
+    return Finish(TokenKind::Variable, position_, end, token);
   }
   if (c == '$' && (IsDigit(next) || next == '.')) {
     while (end < text_.size() && (IsDigit(text_[end]) || text_[end] == '.')) ++end;
-    return Finish(TokenKind::Money, position_, end);
+    return Finish(TokenKind::Money, position_, end, token);
   }
-  const std::string_view two = text_.substr(position_, 2);
-  const bool pair = std::find(kTwoCharacterSymbols.begin(), kTwoCharacterSymbols.end(), two) !=
-                    kTwoCharacterSymbols.end();
-  return Finish(TokenKind::Symbol, position_, position_ + (pair ? 2 : 1));
+  Finish(TokenKind::Symbol, position_, position_ + (IsPair(c, next) ? 2 : 1), token);
 }
 
-std::string Unquote(const Token& token, char quote) {
-  std::string text;
-  text.reserve(token.text.size());
-  for (std::size_t i = 0; i < token.text.size(); ++i) {
-    text += token.text[i];
-    if (token.text[i] == quote) ++i;
+std::string Unquote(std::string_view text, char quote) {
+  std::string single;
+  single.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    single += text[i];
+    if (text[i] == quote) ++i;
   }
-  return text;
+  return single;
 }
 
 }  // namespace sandbox

@@ -28,11 +28,25 @@ struct Token {
   bool escaped = false;  // a doubled quote is inside
 
   bool Is(std::string_view keyword) const;  // a word, whatever its case
+  /// A mark of one or two characters.
   bool IsSymbol(std::string_view symbol) const {
-    return kind == TokenKind::Symbol && text == symbol;
+    return kind == TokenKind::Symbol && text.size() == symbol.size() &&
+           text.front() == symbol.front() && text.back() == symbol.back();
   }
   /// A name, bare or quoted.
   bool IsName() const { return kind == TokenKind::Word || kind == TokenKind::Quoted; }
+};
+
+/// A literal as it stands in a text, which must outlive it.
+struct LiteralText {
+  TokenKind kind = TokenKind::Word;  // Word: NULL
+  bool negative = false;
+  bool escaped = false;
+  std::string_view text;
+
+  LiteralText(const Token& token, bool has_minus)
+      : kind(token.kind), negative(has_minus), escaped(token.escaped), text(token.text) {}
+  bool IsNull() const { return kind == TokenKind::Word; }
 };
 
 /// Cuts T-SQL text into tokens, one at a time. The text must outlive it.
@@ -40,21 +54,33 @@ class Lexer {
  public:
   explicit Lexer(std::string_view text) : text_(text) {}
   /// Raises 105 for an open string, 113 for an open comment.
-  Token Next();
+  void Read(Token& token);
+
+  /// A place between two tokens, to go back to.
+  struct Place {
+    std::size_t position = 0;
+    int line = 1;
+  };
+  Place Here() const { return {position_, line_}; }
+  void Return(const Place& place) {
+    position_ = place.position;
+    line_ = place.line;
+  }
 
  private:
   void SkipBlanks();
   void SkipBlockComment();
-  Token Quoted(TokenKind kind, char close);
-  Token Number();
-  Token Finish(TokenKind kind, std::size_t start, std::size_t end);
+  void Quoted(TokenKind kind, char close, Token& token);
+  void Number(Token& token);
+  void Finish(TokenKind kind, std::size_t start, std::size_t end, Token& token);
+  char At(std::size_t position) const { return position < text_.size() ? text_[position] : '\0'; }
 
   std::string_view text_;
   std::size_t position_ = 0;
   int line_ = 1;
 };
 
-/// The text of a string or quoted name with its doubled quotes made single.
-std::string Unquote(const Token& token, char quote);
+/// Text between quotes with its doubled quotes made single.
+std::string Unquote(std::string_view text, char quote);
 
 }  // namespace sandbox

@@ -11,8 +11,13 @@ namespace {
 
 constexpr int kMaxDigits = 38;
 
-Literal TextLiteral(const Token& token, bool unicode) {
-  std::string text = token.escaped ? Unquote(token, '\'') : std::string(token.text);
+// The value of a hexadecimal digit: letters have bit 6, and their low bits count from 1.
+constexpr int HexDigit(char c) {
+  return (c & 0x0F) + (c >> 6) * 9;
+}
+
+Literal TextLiteral(const LiteralText& literal, bool unicode) {
+  std::string text = literal.escaped ? Unquote(literal.text, '\'') : std::string(literal.text);
   if (!unicode) text = KeepCodePage(text);
   const TypeInfo type = unicode ? NVarChar(Utf16Length(text)) : VarChar(CodePointCount(text));
   return {std::move(text), type, false};
@@ -63,17 +68,8 @@ Literal FloatLiteral(std::string_view text, bool negative) {
 }
 
 Literal HexLiteral(std::string_view text) {
-  const auto digit = [](char c) { return c <= '9' ? c - '0' : (c | 32) - 'a' + 10; };
-  std::string_view digits = text.substr(2);
   std::string bytes;
-  bytes.reserve(digits.size() / 2 + 1);
-  if (digits.size() % 2 == 1) {
-    bytes += static_cast<char>(digit(digits.front()));
-    digits.remove_prefix(1);
-  }
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    bytes += static_cast<char>(digit(digits[i]) << 4 | digit(digits[i + 1]));
-  }
+  AppendHexBytes(text, bytes);
   const TypeInfo type = VarBinary(bytes.size());
   return {BinaryValue{std::move(bytes)}, type, false};
 }
@@ -104,22 +100,39 @@ bool IsLiteralToken(const Token& token) {
   }
 }
 
-Literal ParseLiteral(const Token& token, bool negative) {
-  switch (token.kind) {
+bool IsNumberToken(const Token& token) {
+  return token.kind >= TokenKind::Integer && token.kind <= TokenKind::Money;
+}
+
+void AppendHexBytes(std::string_view literal, std::string& bytes) {
+  const std::string_view digits = literal.substr(2);
+  const std::size_t start = bytes.size();
+  bytes.resize(start + (digits.size() + 1) / 2);
+  char* to = bytes.data() + start;
+  const char* from = digits.data();
+  const char* const end = from + digits.size();
+  if (digits.size() % 2 == 1) *to++ = static_cast<char>(HexDigit(*from++));
+  for (; from != end; from += 2) {
+    *to++ = static_cast<char>(HexDigit(from[0]) << 4 | HexDigit(from[1]));
+  }
+}
+
+Literal ParseLiteral(const LiteralText& literal) {
+  switch (literal.kind) {
     case TokenKind::String:
-      return TextLiteral(token, false);
+      return TextLiteral(literal, false);
     case TokenKind::NString:
-      return TextLiteral(token, true);
+      return TextLiteral(literal, true);
     case TokenKind::Integer:
-      return IntegerLiteral(token.text, negative);
+      return IntegerLiteral(literal.text, literal.negative);
     case TokenKind::Decimal:
-      return ExactLiteral(token.text, negative);
+      return ExactLiteral(literal.text, literal.negative);
     case TokenKind::Float:
-      return FloatLiteral(token.text, negative);
+      return FloatLiteral(literal.text, literal.negative);
     case TokenKind::Money:
-      return MoneyLiteral(token.text, negative);
+      return MoneyLiteral(literal.text, literal.negative);
     case TokenKind::Hex:
-      return HexLiteral(token.text);
+      return HexLiteral(literal.text);
     default:
       return {std::monostate(), IntType(), true};
   }

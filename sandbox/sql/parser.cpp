@@ -59,33 +59,44 @@ Parser::DepthGuard::DepthGuard(Parser& parser) : depth(parser.depth_) {
   ++depth;
 }
 
-Parser::Parser(std::string_view text) : text_(text), lexer_(text), token_(lexer_.Next()) {}
+Parser::Parser(std::string_view text) : text_(text), lexer_(text) {
+  Advance();
+}
 
 const Token& Parser::PeekSecond() {
-  if (ahead_.empty()) ahead_.push_back(lexer_.Next());
-  return ahead_.front();
+  if (!second_) {
+    before_second_ = lexer_.Here();
+    lexer_.Read(second_.emplace());
+  }
+  return *second_;
+}
+
+void Parser::Advance() {
+  if (!second_) {
+    before_token_ = lexer_.Here();
+    lexer_.Read(token_);
+    return;
+  }
+  before_token_ = before_second_;
+  token_ = *second_;
+  second_.reset();
 }
 
 Token Parser::Take() {
-  Token taken = token_;
-  if (ahead_.empty()) {
-    token_ = lexer_.Next();
-  } else {
-    token_ = ahead_.front();
-    ahead_.pop_front();
-  }
+  const Token taken = token_;
+  Advance();
   return taken;
 }
 
 bool Parser::Accept(std::string_view keyword) {
   if (!token_.Is(keyword)) return false;
-  Take();
+  Advance();
   return true;
 }
 
 bool Parser::AcceptSymbol(std::string_view symbol) {
   if (!token_.IsSymbol(symbol)) return false;
-  Take();
+  Advance();
   return true;
 }
 
@@ -99,22 +110,21 @@ void Parser::ExpectSymbol(std::string_view symbol) {
 
 // The server names what it stumbled over; at the end of the text that is what it read last.
 void Parser::Fail() const {
-  std::string_view near = token_.text;
+  Token near = token_;
   if (token_.kind == TokenKind::End) {
     Lexer again(text_);
-    for (Token token = again.Next(); token.kind != TokenKind::End; token = again.Next()) {
-      near = token.text;
-    }
+    Token token;
+    for (again.Read(token); token.kind != TokenKind::End; again.Read(token)) near = token;
   }
-  SqlError error = IsReserved(token_) ? Error(156, near) : Error(102, near);
-  error.messages.front().line = token_.line;
+  SqlError error = IsReserved(token_) ? Error(156, near.text) : Error(102, near.text);
+  error.messages.front().line = near.line;
   throw error;
 }
 
 std::string Parser::TakeName() {
   if (!token_.IsName() || IsReserved(token_)) Fail();
   const Token token = Take();
-  std::string name = token.escaped ? Unquote(token, text_[token.offset - 1] == '[' ? ']' : '"')
+  std::string name = token.escaped ? Unquote(token.text, text_[token.offset - 1] == '[' ? ']' : '"')
                                    : std::string(token.text);
   if (token.kind == TokenKind::Quoted && name.empty()) Raise(1038);
   if (name.size() > kMaxNameLength && CompareText(name, "") != 0) {
@@ -145,7 +155,7 @@ bool Parser::AtAlias() const {
 
 std::string Parser::TakeAlias() {
   if (token_.kind == TokenKind::String || token_.kind == TokenKind::NString) {
-    return Unquote(Take(), '\'');
+    return Unquote(Take().text, '\'');
   }
   return TakeName();
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <deque>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +12,8 @@
 namespace sandbox {
 
 /// Reads T-SQL text into statements. Raises the server's syntax errors (102, 105, 156, ...), with
-/// the line in the message. The text must outlive the parser, not what it returns.
+/// the line in the message. The text must outlive the parser, and the rows of an INSERT that it
+/// returns; nothing else of what it returns looks at it.
 class Parser {
  public:
   explicit Parser(std::string_view text);
@@ -33,6 +34,7 @@ class Parser {
   const Token& Peek() const { return token_; }
   const Token& PeekSecond();
   Token Take();
+  void Advance();
   bool Accept(std::string_view keyword);
   bool AcceptSymbol(std::string_view symbol);
   void Expect(std::string_view keyword);
@@ -68,6 +70,7 @@ class Parser {
   Statement ParseDelete();
   void ParseValuesRows(InsertStatement& insert);
   InsertCell ParseCell();
+  bool TakeCellLiteral(InsertCell& cell);
 
   // definitions (parser_definitions.cpp)
   Statement ParseCreate();
@@ -135,13 +138,18 @@ class Parser {
   std::string_view text_;
   Lexer lexer_;
   Token token_;
-  std::deque<Token> ahead_;
+  std::optional<Token> second_;  // the one behind it, if it was looked at
+  Lexer::Place before_token_, before_second_;
   int depth_ = 0;
 };
 
 bool IsLiteralToken(const Token& token);
-/// The literal's value and type. Raises 1007 for a number of more than 38 digits.
-Literal ParseLiteral(const Token& token, bool negative);
+bool IsNumberToken(const Token& token);
+/// The literal's value and type. Raises 1007 for a number of more than 38 digits, 232 for a float
+/// out of range.
+Literal ParseLiteral(const LiteralText& literal);
+/// The bytes that a literal "0x..." stands for; an odd digit is the first byte's.
+void AppendHexBytes(std::string_view literal, std::string& bytes);
 
 /// True for a word that can't be an alias or a name without quotes.
 bool IsReserved(const Token& token);

@@ -207,11 +207,10 @@ ExprPtr Parser::ParseUnary() {
   DepthGuard guard(*this);
   ExprPtr expr = NewExpr(ExprKind::Unary);
   expr->text = std::string(Take().text);
-  const bool number = token_.kind >= TokenKind::Integer && token_.kind <= TokenKind::Money;
-  if (expr->text == "-" && number) {
+  if (expr->text == "-" && IsNumberToken(token_)) {
     expr->kind = ExprKind::Literal;
     expr->text = "-" + std::string(token_.text);
-    expr->literal = ParseLiteral(Take(), true);
+    expr->literal = ParseLiteral({Take(), true});
     return expr;
   }
   expr->args.push_back(ParseUnary());
@@ -223,7 +222,7 @@ ExprPtr Parser::ParsePrimary() {
     ExprPtr expr = NewExpr(ExprKind::Literal);
     const bool text = token_.kind == TokenKind::String || token_.kind == TokenKind::NString;
     expr->text = text ? "" : std::string(token_.text);
-    expr->literal = ParseLiteral(Take(), false);
+    expr->literal = ParseLiteral({Take(), false});
     return expr;
   }
   if (token_.kind == TokenKind::Variable) {

@@ -106,10 +106,15 @@ Select Parser::ParseSelect() {
       select.top = ParseExpr();
       ExpectSymbol(")");
     } else {
-      if (token_.kind != TokenKind::Integer && token_.kind != TokenKind::Variable) Fail();
+      if (!IsNumberToken(token_) && token_.kind != TokenKind::Variable) Fail();
       select.top = ParsePrimary();
     }
     select.top_percent = Accept("percent");
+    select.with_ties = token_.Is("with") && PeekSecond().Is("ties");
+    if (select.with_ties) {
+      Advance();
+      Advance();
+    }
   }
   do {
     select.items.push_back(ParseSelectItem());

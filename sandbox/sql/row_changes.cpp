@@ -117,15 +117,16 @@ void RowChanger::WriteRow(const TableDef& table, const RowChange& change) {
   try {
     link_.Run(statement);
   } catch (const SqliteError& error) {
-    const IndexDef* broken = BrokenIndex(table, error.what());
+    if (!BrokenIndex(table, error.what())) throw;
+    const auto value = [&](int column_id) {
+      const auto changed = change.values.find(column_id);
+      return changed != change.values.end() ? changed->second
+                                            : ReadKey(table, {column_id}, change.row).front();
+    };
+    const IndexDef* broken = FirstBrokenIndex(link_, table, value, change.row);
     if (!broken) throw;
     Key key;
-    for (const IndexColumn& column : broken->columns) {
-      const auto changed = change.values.find(column.column_id);
-      key.push_back(changed != change.values.end()
-                        ? changed->second
-                        : ReadKey(table, {column.column_id}, change.row).front());
-    }
+    for (const IndexColumn& column : broken->columns) key.push_back(value(column.column_id));
     throw DuplicateKey(table, *broken, key);
   }
 }

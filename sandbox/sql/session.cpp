@@ -56,14 +56,23 @@ Session::~Session() {
   }
 }
 
+DatabaseLink& Session::OpenLink(const std::shared_ptr<DatabaseState>& state) {
+  auto& link = links_[state->id];
+  if (link) return *link;
+  link = std::make_unique<DatabaseLink>(folder_, state, cancel);
+  link->session_value = [this](std::string_view name, const std::vector<Value>& args) {
+    return SessionValue(name, args).value();
+  };
+  return *link;
+}
+
 bool Session::UseDatabase(std::string_view name) {
   const auto state = folder_.Find(name);
   if (!state) return false;
-  auto& link = links_[state->id];
-  if (!link) link = std::make_unique<DatabaseLink>(folder_, state, cancel);
+  DatabaseLink& link = OpenLink(state);
   ++state->users;
   if (link_) --link_->State().users;
-  link_ = link.get();
+  link_ = &link;
   return true;
 }
 
@@ -71,9 +80,7 @@ DatabaseLink& Session::LinkTo(std::string_view database) {
   if (database.empty() || SameName(database, Database())) return *link_;
   const auto state = folder_.Find(database);
   if (!state) Raise(911, database);
-  auto& link = links_[state->id];
-  if (!link) link = std::make_unique<DatabaseLink>(folder_, state, cancel);
-  return *link;
+  return OpenLink(state);
 }
 
 void Session::CommitImplicit() {

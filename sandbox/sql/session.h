@@ -78,6 +78,8 @@ class Session final : public EngineSession, public BindContext {
  private:
   friend class ProcedureRunner;
 
+  DatabaseLink& OpenLink(const std::shared_ptr<DatabaseState>& state);
+
   // batches (session.cpp)
   void RunText(std::string_view batch, Variables variables, ResultSink& sink,
                std::span<Parameter> outputs);

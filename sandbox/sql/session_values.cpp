@@ -166,7 +166,9 @@ std::optional<Result> Session::SessionValue(std::string_view name,
       Entry{"session_user", [](Session&, Args) { return Text("dbo"); }},
       Entry{"schema_name",
             [](Session&, Args args) {
-              return args.empty() || IsNumber(args[0], 1) ? Text("dbo") : Text("sys");
+              if (args.empty() || IsNumber(args[0], 1)) return Text("dbo");
+              if (IsNumber(args[0], 3)) return Text("INFORMATION_SCHEMA");
+              return IsNumber(args[0], 4) ? Text("sys") : Null(NVarChar(128));
             }},
       Entry{"schema_id", [](Session&, Args) { return Integer(1); }},
       Entry{"user_id", [](Session&, Args) { return Integer(1); }},
@@ -185,6 +187,14 @@ std::optional<Result> Session::SessionValue(std::string_view name,
             }},
       Entry{"object_name", [](Session& s, Args args) { return ObjectNameOf(s, args); }},
       Entry{"col_name", [](Session& s, Args args) { return ColumnNameOf(s, args); }},
+      Entry{"type_name",
+            [](Session&, Args args) {
+              for (int i = 0; !args.empty() && i <= static_cast<int>(SqlType::Variant); ++i) {
+                const TypeFacts& facts = Facts(static_cast<SqlType>(i));
+                if (IsNumber(args[0], facts.system_type_id)) return Text(facts.name);
+              }
+              return Null(NVarChar(128));
+            }},
       Entry{"columnproperty", [](Session& s, Args args) { return ColumnPropertyOf(s, args); }},
       Entry{"objectproperty", [](Session& s, Args args) { return ObjectPropertyOf(s, args); }},
       Entry{"databasepropertyex",

@@ -20,11 +20,13 @@ int CodePageByte(char32_t code) {
   return found == kHighControls.end() ? -1 : 0x80 + static_cast<int>(found - kHighControls.begin());
 }
 
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
-}
-
 }  // namespace
+
+bool IsAscii(std::string_view text) {
+  unsigned char all = 0;
+  for (const char c : text) all |= static_cast<unsigned char>(c);
+  return all < 0x80;
+}
 
 bool FitsCodePage(std::string_view text) {
   if (IsAscii(text)) return true;

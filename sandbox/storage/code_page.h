@@ -5,6 +5,8 @@
 
 namespace sandbox {
 
+bool IsAscii(std::string_view text);
+
 /// What a varchar keeps of the text: a character outside the code page becomes "?".
 std::string KeepCodePage(std::string_view text);
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -14,10 +15,11 @@ constexpr std::array<int, 16> kGuidOrder{10, 11, 12, 13, 14, 15, 8, 9, 7, 6, 5, 
 enum class VariantTag : char { Bool = 1, Decimal, Binary, DateTime, Guid };
 
 template <class Number>
-std::string BigEndian(Number number) {
-  std::string bytes(sizeof(Number), '\0');
-  for (std::size_t i = sizeof(Number); i-- > 0; number >>= 8) {
-    bytes[i] = static_cast<char>(number & 0xFF);
+std::array<char, sizeof(Number)> BigEndian(Number number) {
+  std::array<char, sizeof(Number)> bytes;
+  for (std::size_t i = bytes.size(); i-- > 0;) {
+    bytes[i] = static_cast<char>(number);
+    number = static_cast<Number>(number >> 8);
   }
   return bytes;
 }
@@ -31,19 +33,29 @@ Number FromBigEndian(std::string_view bytes) {
   return number;
 }
 
+template <std::size_t size>
+std::string_view View(const std::array<char, size>& bytes) {
+  return {bytes.data(), bytes.size()};
+}
+
 using UnsignedWide = UInt128;
 constexpr UnsignedWide kWideSign = UnsignedWide{1} << 127;
 
-std::string EncodeDecimal(Int128 unscaled) {
+std::array<char, 16> EncodeDecimal(Int128 unscaled) {
   return BigEndian(static_cast<UnsignedWide>(unscaled) ^ kWideSign);
 }
 
 Int128 DecodeDecimal(std::string_view bytes) {
-  return static_cast<Int128>(FromBigEndian<UnsignedWide>(bytes) ^ kWideSign);
+  if (bytes.size() < sizeof(UnsignedWide)) return 0;
+  std::uint64_t high, low;
+  std::memcpy(&high, bytes.data(), sizeof high);
+  std::memcpy(&low, bytes.data() + sizeof high, sizeof low);
+  const UnsignedWide wide = UnsignedWide{__builtin_bswap64(high)} << 64 | __builtin_bswap64(low);
+  return static_cast<Int128>(wide ^ kWideSign);
 }
 
-std::string EncodeGuid(const GuidValue& guid) {
-  std::string bytes(16, '\0');
+std::array<char, 16> EncodeGuid(const GuidValue& guid) {
+  std::array<char, 16> bytes;
   for (std::size_t i = 0; i < 16; ++i) bytes[i] = static_cast<char>(guid.bytes[kGuidOrder[i]]);
   return bytes;
 }
@@ -58,11 +70,14 @@ GuidValue DecodeGuid(std::string_view bytes) {
 
 constexpr std::uint64_t kTickSign = std::uint64_t{1} << 63;
 
-std::string EncodeOffset(const DateTimeValue& value) {
+std::array<char, 10> EncodeOffset(const DateTimeValue& value) {
   const std::int64_t local = value.days * kTicksPerDay + value.ticks;
   const std::int64_t utc = local - value.offset_minutes * 60 * kTicksPerSecond;
-  return BigEndian(static_cast<std::uint64_t>(utc) ^ kTickSign) +
-         BigEndian(static_cast<std::uint16_t>(value.offset_minutes));
+  const auto moment = BigEndian(static_cast<std::uint64_t>(utc) ^ kTickSign);
+  const auto offset = BigEndian(static_cast<std::uint16_t>(value.offset_minutes));
+  std::array<char, 10> bytes;
+  std::copy(offset.begin(), offset.end(), std::copy(moment.begin(), moment.end(), bytes.begin()));
+  return bytes;
 }
 
 DateTimeValue FromTicks(std::int64_t ticks) {
@@ -85,22 +100,21 @@ DateTimeValue DecodeOffset(std::string_view bytes) {
 }
 
 std::string EncodeVariant(const Value& value) {
-  const auto tagged = [](VariantTag tag, std::string bytes) {
-    bytes.insert(bytes.begin(), static_cast<char>(tag));
-    return bytes;
+  const auto tagged = [](VariantTag tag, std::string_view bytes) {
+    return static_cast<char>(tag) + std::string(bytes);
   };
   if (const auto* flag = std::get_if<bool>(&value)) {
-    return tagged(VariantTag::Bool, std::string(1, *flag ? '\1' : '\0'));
+    return tagged(VariantTag::Bool, *flag ? "\1" : std::string_view("\0", 1));
   }
   if (const auto* decimal = std::get_if<DecimalValue>(&value)) {
-    return tagged(VariantTag::Decimal, EncodeDecimal(decimal->unscaled) +
-                                           std::string(1, static_cast<char>(decimal->scale)));
+    return tagged(VariantTag::Decimal, View(EncodeDecimal(decimal->unscaled))) +
+           static_cast<char>(decimal->scale);
   }
   if (const auto* time = std::get_if<DateTimeValue>(&value)) {
-    return tagged(VariantTag::DateTime, EncodeOffset(*time));
+    return tagged(VariantTag::DateTime, View(EncodeOffset(*time)));
   }
   if (const auto* guid = std::get_if<GuidValue>(&value)) {
-    return tagged(VariantTag::Guid, EncodeGuid(*guid));
+    return tagged(VariantTag::Guid, View(EncodeGuid(*guid)));
   }
   return tagged(VariantTag::Binary, std::get<BinaryValue>(value).bytes);
 }
@@ -129,14 +143,15 @@ std::int64_t DateTimeNumber(const DateTimeValue& value, SqlType type) {
   return value.days * kTicksPerDay + value.ticks;
 }
 
-// Hands the stored form of a value to `out`, which has Null, Integer, Real, Text and Blob.
+// Hands the stored form of a value to `out`, which has Null, Integer, Real, Text and Blob; Made is
+// for bytes that were made here and don't stay.
 template <class Out>
 void Encode(const Value& value, const TypeInfo& type, Out&& out) {
   switch (value.index()) {
     case 0:
       return out.Null();
     case 1:
-      if (type.type == SqlType::Variant) return out.Blob(EncodeVariant(value));
+      if (type.type == SqlType::Variant) return out.Made(EncodeVariant(value));
       return out.Integer(std::get<bool>(value) ? 1 : 0);
     case 2:
       return out.Integer(std::get<std::int64_t>(value));
@@ -147,27 +162,31 @@ void Encode(const Value& value, const TypeInfo& type, Out&& out) {
     default:
       break;
   }
-  if (type.type == SqlType::Variant) return out.Blob(EncodeVariant(value));
+  if (type.type == SqlType::Variant) return out.Made(EncodeVariant(value));
   if (const auto* decimal = std::get_if<DecimalValue>(&value)) {
-    return out.Blob(EncodeDecimal(decimal->unscaled));
+    return out.Made(View(EncodeDecimal(decimal->unscaled)));
   }
   if (const auto* binary = std::get_if<BinaryValue>(&value)) return out.Blob(binary->bytes);
-  if (const auto* guid = std::get_if<GuidValue>(&value)) return out.Blob(EncodeGuid(*guid));
+  if (const auto* guid = std::get_if<GuidValue>(&value)) return out.Made(View(EncodeGuid(*guid)));
   const auto& time = std::get<DateTimeValue>(value);
-  if (type.type == SqlType::DateTimeOffset) return out.Blob(EncodeOffset(time));
+  if (type.type == SqlType::DateTimeOffset) return out.Made(View(EncodeOffset(time)));
   out.Integer(DateTimeNumber(time, type.type));
 }
 
 struct Binding {
   sqlite3_stmt* statement;
   int index;
+  sqlite3_destructor_type lifetime;  // of text and bytes: SQLITE_STATIC or SQLITE_TRANSIENT
   void Null() { sqlite3_bind_null(statement, index); }
   void Integer(std::int64_t number) { sqlite3_bind_int64(statement, index, number); }
   void Real(double number) { sqlite3_bind_double(statement, index, number); }
-  void Text(const std::string& text) {
-    sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+  void Text(std::string_view text) {
+    sqlite3_bind_text64(statement, index, text.data(), text.size(), lifetime, SQLITE_UTF8);
   }
-  void Blob(const std::string& bytes) {
+  void Blob(std::string_view bytes) {
+    sqlite3_bind_blob64(statement, index, bytes.data(), bytes.size(), lifetime);
+  }
+  void Made(std::string_view bytes) {
     sqlite3_bind_blob64(statement, index, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
   }
 };
@@ -177,12 +196,13 @@ struct Returning {
   void Null() { sqlite3_result_null(context); }
   void Integer(std::int64_t number) { sqlite3_result_int64(context, number); }
   void Real(double number) { sqlite3_result_double(context, number); }
-  void Text(const std::string& text) {
+  void Text(std::string_view text) {
     sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
   }
-  void Blob(const std::string& bytes) {
+  void Blob(std::string_view bytes) {
     sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
   }
+  void Made(std::string_view bytes) { Blob(bytes); }
 };
 
 struct Writing {
@@ -196,11 +216,12 @@ struct Writing {
     text = fmt::format("{:#.17g}", number);
     if (number > 1.7976931348623157e308) text = "9e999";
   }
-  void Blob(const std::string& bytes) {
+  void Blob(std::string_view bytes) {
     text = "x'";
     for (const char c : bytes) text += fmt::format("{:02x}", static_cast<unsigned char>(c));
     text += '\'';
   }
+  void Made(std::string_view bytes) { Blob(bytes); }
   void Text(const std::string& value) {
     if (value.find('\0') != std::string::npos) {
       Blob(value);
@@ -213,23 +234,7 @@ struct Writing {
   }
 };
 
-struct ColumnSource {
-  sqlite3_stmt* statement;
-  int column;
-  int Kind() const { return sqlite3_column_type(statement, column); }
-  std::int64_t Integer() const { return sqlite3_column_int64(statement, column); }
-  double Real() const { return sqlite3_column_double(statement, column); }
-  std::string_view Text() const {
-    const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-    return {data ? data : "", static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
-  }
-  std::string_view Blob() const {
-    const auto* data = static_cast<const char*>(sqlite3_column_blob(statement, column));
-    return {data ? data : "", static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
-  }
-};
-
-struct ArgumentSource {
+struct Source {
   sqlite3_value* value;
   int Kind() const { return sqlite3_value_type(value); }
   std::int64_t Integer() const { return sqlite3_value_int64(value); }
@@ -252,7 +257,6 @@ void AssignText(Value& value, std::string_view text) {
   }
 }
 
-template <class Source>
 void DecodeVariantFrom(const Source& source, Value& value) {
   switch (source.Kind()) {
     case SQLITE_INTEGER:
@@ -268,7 +272,6 @@ void DecodeVariantFrom(const Source& source, Value& value) {
   }
 }
 
-template <class Source>
 void Decode(const Source& source, const TypeInfo& type, Value& value) {
   if (source.Kind() == SQLITE_NULL) {
     value = std::monostate();
@@ -335,16 +338,21 @@ void Decode(const Source& source, const TypeInfo& type, Value& value) {
 }  // namespace
 
 void BindValue(sqlite3_stmt* statement, int index, const Value& value, const TypeInfo& type) {
-  Encode(value, type, Binding{statement, index});
+  Encode(value, type, Binding{statement, index, SQLITE_TRANSIENT});
+}
+
+void BindKeptValue(sqlite3_stmt* statement, int index, const Value& value, const TypeInfo& type) {
+  Encode(value, type, Binding{statement, index, SQLITE_STATIC});
 }
 
 void ReadColumn(sqlite3_stmt* statement, int column, const TypeInfo& type, Value& value) {
-  Decode(ColumnSource{statement, column}, type, value);
+  // Asked once for the cell, which is cheaper than asking the statement for each thing about it.
+  Decode(Source{sqlite3_column_value(statement, column)}, type, value);
 }
 
 Value ReadArgument(sqlite3_value* argument, const TypeInfo& type) {
   Value value;
-  Decode(ArgumentSource{argument}, type, value);
+  Decode(Source{argument}, type, value);
   return value;
 }
 

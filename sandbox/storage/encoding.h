@@ -20,6 +20,8 @@ namespace sandbox {
 ///   binary                 BLOB;  uniqueidentifier: 16 bytes in the server's sorting order
 ///   sql_variant            INTEGER, REAL or TEXT as they are, all else a BLOB with a tag in front
 void BindValue(sqlite3_stmt* statement, int index, const Value& value, const TypeInfo& type);
+/// The same without a copy: text and bytes must stay until the statement has run.
+void BindKeptValue(sqlite3_stmt* statement, int index, const Value& value, const TypeInfo& type);
 void ReadColumn(sqlite3_stmt* statement, int column, const TypeInfo& type, Value& value);
 Value ReadArgument(sqlite3_value* argument, const TypeInfo& type);
 void ReturnValue(sqlite3_context* context, const Value& value, const TypeInfo& type);

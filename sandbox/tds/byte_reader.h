@@ -79,14 +79,20 @@ class ByteReader {
       count -= part;
     }
   }
-  /// All that is left of the message. Throws ProtocolError beyond `limit` bytes.
+  /// Hands all that is left of the message to `take`, piece by piece. Throws ProtocolError beyond
+  /// `limit` bytes.
+  template <typename Take>
+  void EachPiece(std::size_t limit, Take take) {
+    for (std::size_t taken = 0; Refill(); piece_ = {}) {
+      taken += piece_.size();
+      if (taken > limit) throw ProtocolError("the message is too long");
+      take(piece_);
+    }
+  }
+  /// The same in one string.
   std::string Rest(std::size_t limit) {
     std::string out;
-    while (Refill()) {
-      if (out.size() + piece_.size() > limit) throw ProtocolError("the message is too long");
-      out.append(piece_);
-      piece_ = {};
-    }
+    EachPiece(limit, [&out](std::string_view piece) { out.append(piece); });
     return out;
   }
 

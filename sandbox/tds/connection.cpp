@@ -86,7 +86,10 @@ void Connection::Serve(MessageType type) {
 void Connection::ServeBatch() {
   ByteReader reader(client_.stream);
   SkipAllHeaders(reader, client_.version);
-  std::string batch = Utf16ToUtf8(reader.Rest(kLongestBatch));
+  std::string batch;
+  Utf16Decoder decoder;
+  reader.EachPiece(kLongestBatch, [&](std::string_view piece) { decoder.Append(piece, batch); });
+  decoder.Finish(batch);
   RunRequest(ResultWriter::Request::Batch, [&](ResultWriter& results) {
     if (IsInsertBulk(batch)) {
       bulk_target_ = client_.engine->BeginBulk(batch, results);

@@ -13,4 +13,15 @@ void AppendAnsi(std::string_view utf8, std::string& out);
 std::string Utf16ToUtf8(std::string_view bytes);
 std::string AnsiToUtf8(std::string_view bytes);
 
+/// Converts UTF-16 that arrives in pieces, which may be cut anywhere.
+class Utf16Decoder {
+ public:
+  void Append(std::string_view piece, std::string& utf8);
+  /// Ends the text.
+  void Finish(std::string& utf8);
+
+ private:
+  std::string rest_;  // a part of a character, from the end of the last piece
+};
+
 }  // namespace sandbox::tds

@@ -49,6 +49,23 @@ TEST_F(CatalogTest, HelpHasItsResultsInOrder) {
   EXPECT_THAT(Run("exec sp_help").results[0].Names(), ElementsAre("Name", "Owner", "Object_type"));
 }
 
+TEST_F(CatalogTest, NamesOfWhatARowRefersTo) {
+  EXPECT_EQ(Query("select object_name(parent_object_id), object_name(referenced_object_id), "
+                  "object_name(object_id) from sys.foreign_keys"),
+            "my table|parent|fk_parent");
+  EXPECT_EQ(
+      Query("select col_name(object_id, column_id), type_name(system_type_id) from sys.columns "
+            "where object_id = object_id('parent') order by column_id"),
+      "a|int;b|char");
+  EXPECT_EQ(
+      Query("select schema_name(schema_id), schema_name(schema_id + 90) from sys.schemas where "
+            "schema_id in (1, 3, 4) order by schema_id"),
+      "dbo|NULL;INFORMATION_SCHEMA|NULL;sys|NULL");
+  EXPECT_EQ(Query("select count(*) from sys.columns where object_name(object_id) = 'my table'"),
+            "11");
+  EXPECT_EQ(Query("select type_name(null), type_name(1), type_name(231)"), "NULL|NULL|nvarchar");
+}
+
 TEST_F(CatalogTest, ColumnsAsTheDriversAsk) {
   const Answer columns = Run("exec sp_columns 'my table'");
   const auto& rows = columns.results.at(0).rows;

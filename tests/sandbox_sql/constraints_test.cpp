@@ -30,6 +30,24 @@ TEST_F(ConstraintsTest, UniquenessIsLookedAtWhenTheStatementEnds) {
   EXPECT_EQ(Query("select id from t order by id"), "2;3;4");
 }
 
+TEST_F(ConstraintsTest, OfSeveralBrokenKeysThePrimaryKeyIsNamed) {
+  Must(
+      "create table t (u int null constraint uq unique, id int constraint pk primary key, w "
+      "varchar(9)); create unique index ux on t (w)");
+  Must("insert t values (10, 1, 'a'), (20, 2, 'b'), (null, 3, 'c')");
+  const auto broken = [&](const char* batch) {
+    const Answer answer = Run(batch);
+    return answer.Numbers() + " " + answer.FirstText();
+  };
+  EXPECT_THAT(broken("insert t values (10, 2, 'B')"), ::testing::HasSubstr("'pk'"));
+  EXPECT_THAT(broken("insert t values (null, 9, 'b')"), ::testing::HasSubstr("'uq'"));
+  EXPECT_THAT(broken("insert t values (90, 9, 'B')"), ::testing::StartsWith("2601"));
+  EXPECT_THAT(broken("update t set u = 10, id = 1, w = 'a' where id = 2"),
+              ::testing::HasSubstr("'pk'"));
+  EXPECT_THAT(broken("update t set u = 10, w = 'a' where id = 2"), ::testing::HasSubstr("'uq'"));
+  EXPECT_EQ(Query("select u, id, w from t order by id"), "10|1|a;20|2|b;NULL|3|c");
+}
+
 TEST_F(ConstraintsTest, KeysCompareAsTheDefaultCollation) {
   Must("create table t (k varchar(10) primary key); insert t values ('Straße')");
   for (const char* same : {"'STRAßE'", "'straße'", "'Straße  '"}) {

@@ -254,6 +254,7 @@ TEST_F(ErrorsTest, SeverityStateAndLine) {
   EXPECT_EQ(first("insert parent values (1, 'QQ')").severity, 14);
   EXPECT_EQ(first("drop table nosuch").severity, 11);
   EXPECT_EQ(first("select 1 +").severity, 15);
+  EXPECT_EQ(first("select 1\nselect 1 +\n\n").line, 2) << "where the text ends, not the batch";
 }
 
 }  // namespace

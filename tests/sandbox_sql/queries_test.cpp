@@ -56,6 +56,34 @@ TEST_F(QueriesTest, GroupsAndOrder) {
   EXPECT_EQ(Run("select id from a union select id, name from a").Numbers(), "205");
 }
 
+TEST_F(QueriesTest, TopByPercentAndWithTies) {
+  Must(
+      "create table n (i int, g varchar(5)); insert n values (1,'a'), (2,'b'), (3,'B'), (4,'b'), "
+      "(5,'c'), (6,'d'), (7,'d')");
+  struct Case {
+    const char* query;
+    const char* rows;
+  };
+  for (const auto& [query, rows] : std::vector<Case>{
+           {"select top 10 percent i from n order by i", "1"},
+           {"select top (30) percent i from n order by i desc", "7;6;5"},
+           {"select top 0 percent i from n", ""},
+           {"select top 50.5 percent i from n where i > 3 order by i", "4;5;6"},
+           {"select top 100 percent g, count(*) from n group by g order by 1", "a|1;b|3;c|1;d|2"},
+           {"select count(*) from (select top 50 percent i from n order by i) x", "4"},
+           {"select top 2 with ties g from n order by g", "a;b;B;b"},
+           {"select top 1 with ties i % 3 as r, i from n order by r", "0|3;0|6"},
+           {"select top 1 with ties i from n order by g desc", "6;7"},
+           {"select top (40) percent with ties i from n order by len(g), g", "1;2;3;4"},
+           {"select top 1 with ties g, count(*) from n group by g order by count(*) desc", "b|3"},
+           {"select top 0 i from n", ""}}) {
+    EXPECT_EQ(Query(query), rows) << query;
+  }
+  EXPECT_EQ(Run("select top 1 with ties i from n").Numbers(), "1062");
+  EXPECT_EQ(Run("select top 101 percent i from n").Numbers(), "1031");
+  EXPECT_EQ(Run("select top (-1) i from n").Numbers(), "127");
+}
+
 TEST_F(QueriesTest, NamesOfEveryForm) {
   EXPECT_EQ(Query("select [a].[id] from [db].[dbo].[a] where \"name\" = 'ONE'"), "1");
   EXPECT_EQ(Query("select id from db..A where Name = N'two'"), "2");
