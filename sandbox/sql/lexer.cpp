@@ -122,8 +122,8 @@ void Lexer::Number(Token& token) {
     while (end < text_.size() && IsDigit(text_[end])) ++end;
   };
   if (text_[end] == '0' && end + 1 < text_.size() && Lower(text_[end + 1]) == 'x') {
-    end += 2;
-    while (end < text_.size() && IsHexDigit(text_[end])) ++end;
+    const auto stop = std::find_if_not(text_.begin() + end + 2, text_.end(), IsHexDigit);
+    end = static_cast<std::size_t>(stop - text_.begin());
     return Finish(TokenKind::Hex, start, end, token);
   }
   digits();

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 #include "sandbox/sql/errors.h"
@@ -11,9 +12,16 @@ namespace {
 
 constexpr int kMaxDigits = 38;
 
-// The value of a hexadecimal digit: letters have bit 6, and their low bits count from 1.
-constexpr int HexDigit(char c) {
-  return (c & 0x0F) + (c >> 6) * 9;
+// The values of the hexadecimal digits.
+constexpr auto kHexDigits = [] {
+  std::array<unsigned char, 256> values{};
+  for (unsigned char i = 0; i < 10; ++i) values['0' + i] = i;
+  for (unsigned char i = 0; i < 6; ++i) values['a' + i] = values['A' + i] = 10 + i;
+  return values;
+}();
+
+unsigned HexDigit(char c) {
+  return kHexDigits[static_cast<unsigned char>(c)];
 }
 
 Literal TextLiteral(const LiteralText& literal, bool unicode) {

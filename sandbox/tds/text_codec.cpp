@@ -119,10 +119,10 @@ char* PutUtf8(char* to, char32_t code) {
   return to;
 }
 
-// Copies the ASCII characters that the UTF-16 text starts with, four at a time.
-void TakeAscii(const char*& from, const char* end, char*& to) {
+// Copies the ASCII characters that the UTF-16 text starts with, four at a time and within `room`.
+void TakeAscii(const char*& from, const char* end, char*& to, const char* room) {
   constexpr std::uint64_t kBeyondAscii = 0xFF80FF80FF80FF80;
-  for (std::uint64_t four; end - from >= 8; from += 8, to += 4) {
+  for (std::uint64_t four; end - from >= 8 && room - to >= 4; from += 8, to += 4) {
     std::memcpy(&four, from, sizeof four);
     if ((four & kBeyondAscii) != 0) return;
     four = (four | four >> 8) & 0x0000FFFF0000FFFF;
@@ -152,27 +152,30 @@ Decoded FirstOf(std::string_view text) {
 }
 
 void AppendUtf8(std::string_view utf16, std::string& out) {
-  constexpr std::size_t kMostBytesPerUnit = 3;
-  const std::size_t start = out.size();
-  out.resize(start + kMostBytesPerUnit * ((utf16.size() + 1) / 2));
+  constexpr std::ptrdiff_t kLongestCharacter = 4;
   const char* from = utf16.data();
   const char* const end = from + utf16.size();
-  char* to = out.data() + start;
-  while (true) {
-    TakeAscii(from, end, to);
-    if (end - from < 2) break;
-    char32_t code = UnitAt(from);
-    from += 2;
-    if (IsHighSurrogate(code) && end - from >= 2 && IsLowSurrogate(UnitAt(from))) {
-      code = 0x10000 + ((code - 0xD800) << 10) + (UnitAt(from) - 0xDC00);
+  while (end - from >= 2) {
+    std::array<char, 2048> block;
+    const char* const room = block.data() + block.size();
+    char* to = block.data();
+    while (end - from >= 2 && room - to >= kLongestCharacter) {
+      char32_t code = UnitAt(from);
       from += 2;
-    } else if (IsHighSurrogate(code) || IsLowSurrogate(code)) {
-      code = kReplacement;
+      if (IsHighSurrogate(code) && end - from >= 2 && IsLowSurrogate(UnitAt(from))) {
+        code = 0x10000 + ((code - 0xD800) << 10) + (UnitAt(from) - 0xDC00);
+        from += 2;
+      } else if (IsHighSurrogate(code) || IsLowSurrogate(code)) {
+        code = kReplacement;
+      }
+      to = PutUtf8(to, code);
+      TakeAscii(from, end, to, room);
     }
-    to = PutUtf8(to, code);
+    out.append(block.data(), to);
   }
-  if (from != end) to = PutUtf8(to, kReplacement);  // half a character
-  out.resize(static_cast<std::size_t>(to - out.data()));
+  if (from == end) return;
+  char half[kLongestCharacter];
+  out.append(half, PutUtf8(half, kReplacement));
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
@@ -243,18 +245,32 @@ TEST_F(ErrorsTest, TwoCascadePathsAndRings) {
 }
 
 TEST_F(ErrorsTest, SeverityStateAndLine) {
-  const auto first = [&](const char* batch) { return Run(batch).messages.front(); };
-  const ServerMessage null = first("print 'x'\n\ninsert plain values (null, 'z')");
-  EXPECT_EQ(null.number, 0);
-  const Answer answer = Run("\n\ninsert plain values (null, 'z')");
-  EXPECT_EQ(answer.messages[0].line, 3);
-  EXPECT_EQ(answer.messages[0].severity, 16);
-  EXPECT_EQ(answer.messages[0].state, 2);
-  EXPECT_EQ(answer.messages[1].severity, 0);
-  EXPECT_EQ(first("insert parent values (1, 'QQ')").severity, 14);
-  EXPECT_EQ(first("drop table nosuch").severity, 11);
-  EXPECT_EQ(first("select 1 +").severity, 15);
-  EXPECT_EQ(first("select 1\nselect 1 +\n\n").line, 2) << "where the text ends, not the batch";
+  struct Case {
+    const char* batch;
+    const char* first;  // number, severity, state, line
+  };
+  for (const auto& [batch, expected] : std::vector<Case>{
+           {"print 'x'", "0 0 1 1"},
+           {"select * from nosuch", "208 16 1 1"},
+           {"select 1 +", "102 15 1 1"},
+           {"select 1\nselect 1 +\n\n", "102 15 1 2"},
+           {"\n\ninsert plain values (null, 'z')", "515 16 2 3"},
+           {"insert parent values (1, 'QQ')", "2627 14 1 1"},
+           {"\ninsert t (parent) values (7)", "547 16 0 2"},
+           {"insert t (name) values ('123456')", "2628 16 1 1"},
+           {"insert t (tiny) values (256)", "220 16 2 1"},
+           {"insert t (id) values (5)", "544 16 1 1"},
+           {"create table plain (a int)", "2714 16 6 1"},
+           {"drop table nosuch", "3701 11 5 1"},
+           {"create table self (id int primary key, up int references self (id) on delete cascade)",
+            "1785 16 0 1"},
+           {"set identity_insert t on\nset identity_insert [other identity] on", "8107 16 1 2"}}) {
+    const ServerMessage first = Run(batch).messages.at(0);
+    EXPECT_EQ(fmt::format("{} {} {} {}", first.number, first.severity, first.state, first.line),
+              expected)
+        << batch;
+  }
+  EXPECT_EQ(Run("insert plain values (null, 'z')").messages.at(1).severity, 0);
 }
 
 }  // namespace

@@ -89,6 +89,28 @@ TEST(TextCodec, ReplacesOnlyWhatHasNoCounterpart) {
   EXPECT_EQ(Utf16ToUtf8(utf16), long_text);
 }
 
+TEST(TextCodec, PiecesMayBeCutAnywhere) {
+  const std::string text =
+      "plain text, then \u00e9\u20ac\u65e5 \U0001F642\U0001F642 and more plain text";
+  std::string utf16;
+  AppendUtf16(text, utf16);
+  for (std::size_t cut = 0; cut <= utf16.size(); ++cut) {
+    Utf16Decoder decoder;
+    std::string utf8;
+    for (const std::string& piece : {utf16.substr(0, cut), utf16.substr(cut, 1),
+                                     utf16.substr(std::min(cut + 1, utf16.size()))}) {
+      decoder.Append(piece, utf8);
+    }
+    decoder.Finish(utf8);
+    EXPECT_EQ(utf8, text) << cut;
+  }
+  Utf16Decoder decoder;
+  std::string utf8;
+  decoder.Append(std::string_view("a\0\x3D\xD8", 4), utf8);
+  decoder.Finish(utf8);
+  EXPECT_EQ(utf8, "a\uFFFD") << "half a pair at the end";
+}
+
 TEST(Temporal, ThreeHundredthsRoundIntoTheNextDay) {
   const LegacyDateTime rounded = ToLegacy({kDaysTo1900, kTicksPerDay - 1, 0});
   EXPECT_EQ(rounded.days, 1);
