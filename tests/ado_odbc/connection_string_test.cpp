@@ -80,9 +80,10 @@ TEST(ServerName, IsTakenApartAsSqlServersClientsReadIt) {
 }
 
 TEST(ConnectionString, LeavesNothingOfFreeTdsToAConfigurationFile) {
-  EXPECT_EQ(DriverConnectionString(kFreeTds, Settings()),
-            "DRIVER={FreeTDS};Server=db1;Port=1444;TDS_Version=7.4;ClientCharset=UTF-8;"
-            "Encryption=request;Language=us_english;APP=Dorvane;UID=sa;PWD=secret;Database=shop;");
+  EXPECT_EQ(
+      DriverConnectionString(kFreeTds, Settings()),
+      "DRIVER={FreeTDS};Server=db1;Port=1444;TDS_Version=7.4;ClientCharset=UTF-8;PacketSize=16383;"
+      "Encryption=request;Language=us_english;APP=Dorvane;UID=sa;PWD=secret;Database=shop;");
 }
 
 TEST(ConnectionString, NamesAnInstanceOrAPortToFreeTdsButNotBoth) {

@@ -82,8 +82,11 @@ std::string FreeTdsString(const Driver& driver, const ConnectionSettings& settin
   } else {
     text += "\\" + address.instance;
   }
+  // Packets as large as a server takes them encrypted: the usual ones of 4,096 bytes cost this
+  // driver four times the system calls.
   text +=
-      ";TDS_Version=7.4;ClientCharset=UTF-8;Encryption=request;Language=us_english;APP=Dorvane;";
+      ";TDS_Version=7.4;ClientCharset=UTF-8;PacketSize=16383;Encryption=request;"
+      "Language=us_english;APP=Dorvane;";
   if (settings.integrated_security) {
     text += "Trusted_Connection=yes;";
   } else {
