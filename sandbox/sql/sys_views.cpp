@@ -222,6 +222,9 @@ void CheckConstraints(Session&, DatabaseLink& link, Rows& rows) {
   }
 }
 
+// There are no triggers here.
+void NoTriggers(Session& /*session*/, DatabaseLink& /*link*/, SystemView::Rows& /*rows*/) {}
+
 }  // namespace
 
 std::vector<SystemView> SysViews() {
@@ -375,6 +378,16 @@ std::vector<SystemView> SysViews() {
         {"definition", kText},
         {"is_disabled", kBit}},
        CheckConstraints},
+      {"sys",
+       "triggers",
+       {{"name", kName},
+        {"object_id", kInt},
+        {"parent_class", kTiny},
+        {"parent_id", kInt},
+        {"type", kKind},
+        {"is_disabled", kBit},
+        {"is_instead_of_trigger", kBit}},
+       NoTriggers},
   };
 }
 
