@@ -149,7 +149,7 @@ void DatabaseBase::ConvertListedTables(const NameList& src_tables) {
 }
 
 bool DatabaseBase::CopyRows(ado::Recordset& source, IRowDestination& rows) {
-  RowCopier copier(rows, Events(), host_, copy_strategy_);
+  RowCopier copier(rows, Events(), host_, copy_strategy_, block_limits_);
   return copier.Copy([&source](ado::RowBlock& block) { return source.GetRows(block); });
 }
 

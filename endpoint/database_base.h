@@ -48,7 +48,10 @@ class DatabaseBase : public IDatabase {
   void SetListener(IConversionListener* listener) override { listener_ = listener; }
 
   /// How rows travel when this endpoint is the source. The outcome is the same.
-  void SetCopyStrategy(CopyStrategy strategy) { copy_strategy_ = strategy; }
+  void SetCopyStrategy(CopyStrategy strategy, ado::BlockLimits limits = kTravellingBlock) {
+    copy_strategy_ = strategy;
+    block_limits_ = limits;
+  }
 
  protected:
   /// `host` must outlive the endpoint.
@@ -75,7 +78,6 @@ class DatabaseBase : public IDatabase {
   bool CopyRows(ado::Recordset& source, IRowDestination& rows);
   /// The number that a "select count(*) as Rows_No" statement gives on the source.
   std::int32_t CountRows(std::string_view sql);
-  CopyStrategy Strategy() const { return copy_strategy_; }
 
  private:
   // Connecting and the catalog.
@@ -109,6 +111,7 @@ class DatabaseBase : public IDatabase {
   IConversionListener* listener_ = nullptr;
   std::optional<Transfer> transfer_;
   CopyStrategy copy_strategy_ = CopyStrategy::Blocks;
+  ado::BlockLimits block_limits_ = kTravellingBlock;
 
   bool win_nt_authentication_ = false;
   std::string user_id_;

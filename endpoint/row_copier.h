@@ -53,7 +53,7 @@ using BlockSource = std::function<bool(ado::RowBlock& block)>;
 class RowCopier {
  public:
   RowCopier(IRowDestination& destination, IConversionListener& events, IRunHost& host,
-            CopyStrategy strategy, ado::BlockLimits limits = kTravellingBlock);
+            CopyStrategy strategy, ado::BlockLimits limits);
 
   /// False when the user ended the run before the last row. Throws what StoreRow and `source`
   /// throw, after every row read before has been handled.
