@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdio>
 
 namespace dorvane {
@@ -21,7 +22,7 @@ std::string Grouped(std::int64_t number) {
 }
 
 std::string TimeText(double seconds) {
-  const auto whole = static_cast<std::int64_t>(seconds + 0.5);
+  const std::int64_t whole = std::llround(seconds);
   if (whole < 3600) return fmt::format("{}:{:02}", whole / 60, whole % 60);
   return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
 }

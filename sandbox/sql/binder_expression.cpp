@@ -248,7 +248,8 @@ Bound Binder::BindArithmetic(char op, Bound left, Bound right) {
       return;
     }
     if (bound.type.type == SqlType::Decimal || bound.type.type == SqlType::Numeric) return;
-    bound = Coerce(std::move(bound), IsNumber(bound.type.type) ? AsDecimal(bound.type) : result);
+    const TypeInfo type = IsNumber(bound.type.type) ? AsDecimal(bound.type) : result;
+    bound = Coerce(std::move(bound), type);
   };
   operand(left);
   operand(right);
