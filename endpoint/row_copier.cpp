@@ -62,9 +62,20 @@ std::future<RowCopier::Fetched> RowCopier::FetchAhead(const BlockSource& source,
     } catch (...) {
       fetched.failure = std::current_exception();
     }
-    destination_.MakeValues(rows.source, rows.made);
+    MakeValues(rows);
     return fetched;
   });
+}
+
+void RowCopier::MakeValues(Rows& rows) {
+  rows.made.Clear(rows.source.Columns());
+  for (std::size_t row = 0; row < rows.source.Rows(); ++row) {
+    const std::span<const ado::Value> values = rows.source.Row(row);
+    const std::span<ado::Value> made = rows.made.AppendRow();
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      made[i] = destination_.MakeValue(values[i], i, rows.made.Storage());
+    }
+  }
 }
 
 bool RowCopier::Store(const ado::RowBlock& made) {

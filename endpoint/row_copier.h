@@ -26,9 +26,11 @@ class IRowDestination {
   virtual ~IRowDestination() = default;
   /// False for a table that would tell rows sent together from rows sent one by one.
   virtual bool TakesBlocks() = 0;
-  /// Fills `made` with the values to be stored for the rows of `source`, which it may refer to.
-  /// Called in another thread while earlier rows are stored.
-  virtual void MakeValues(const ado::RowBlock& source, ado::RowBlock& made) = 0;
+  /// The value to be stored for one of the source's, by the position of its column. It may refer to
+  /// `value`; text and bytes that are new are kept in `storage`. Called in another thread while
+  /// earlier rows are stored.
+  virtual ado::Value MakeValue(const ado::Value& value, std::size_t column,
+                               ado::Arena& storage) = 0;
   /// Stores all `count` rows from `first` on, or leaves the table as it was. Does not throw for
   /// what the server says.
   virtual BlockResult StoreBlock(const ado::RowBlock& made, std::size_t first,
@@ -64,6 +66,7 @@ class RowCopier {
   struct Fetched;
 
   std::future<Fetched> FetchAhead(const BlockSource& source, Rows& rows);
+  void MakeValues(Rows& rows);
   bool Store(const ado::RowBlock& made);
   std::size_t StoreSome(const ado::RowBlock& made, std::size_t position);
   void StoreOne(const ado::RowBlock& made, std::size_t position);

@@ -53,16 +53,10 @@ bool RowsToMySql::TakesBlocks() {
   }
 }
 
-void RowsToMySql::MakeValues(const ado::RowBlock& source, ado::RowBlock& made) {
-  made.Clear(source.Columns());
-  for (std::size_t row = 0; row < source.Rows(); ++row) {
-    const std::span<const ado::Value> values = source.Row(row);
-    const std::span<ado::Value> target = made.AppendRow();
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      const bool is_raw = IsChunkCopied(fields_[i].type);
-      target[i] = is_raw ? values[i] : DataValue(values[i], fields_[i], facts_[i], made.Storage());
-    }
-  }
+ado::Value RowsToMySql::MakeValue(const ado::Value& value, std::size_t column,
+                                  ado::Arena& storage) {
+  if (IsChunkCopied(fields_[column].type)) return value;
+  return DataValue(value, fields_[column], facts_[column], storage);
 }
 
 BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& made, std::size_t first,

@@ -97,17 +97,11 @@ bool RowsToMsSql::RefersToItself() {
   }
 }
 
-void RowsToMsSql::MakeValues(const ado::RowBlock& source, ado::RowBlock& made) {
-  made.Clear(source.Columns());
-  for (std::size_t row = 0; row < source.Rows(); ++row) {
-    const std::span<const ado::Value> values = source.Row(row);
-    const std::span<ado::Value> target = made.AppendRow();
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      literal_.clear();
-      AppendDataValue(literal_, values[i], facts_[i]);
-      target[i] = made.Storage().Store(literal_);
-    }
-  }
+ado::Value RowsToMsSql::MakeValue(const ado::Value& value, std::size_t column,
+                                  ado::Arena& storage) {
+  literal_.clear();
+  AppendDataValue(literal_, value, facts_[column]);
+  return storage.Store(literal_);
 }
 
 BlockResult RowsToMsSql::StoreBlock(const ado::RowBlock& made, std::size_t first,

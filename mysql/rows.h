@@ -28,7 +28,7 @@ class RowsToMsSql : public IRowDestination {
               const std::vector<ado::FieldInfo>& fields, const std::vector<ColumnFacts>& facts);
 
   bool TakesBlocks() override;
-  void MakeValues(const ado::RowBlock& source, ado::RowBlock& made) override;
+  ado::Value MakeValue(const ado::Value& value, std::size_t column, ado::Arena& storage) override;
   BlockResult StoreBlock(const ado::RowBlock& made, std::size_t first, std::size_t count) override;
   RowResult StoreRow(const ado::RowBlock& made, std::size_t row) override;
 

@@ -59,12 +59,6 @@ std::u16string ToUtf16(std::string_view utf8) {
   std::u16string result(utf8.size(), u'\0');
   char16_t* out = result.data();
   for (std::size_t position = 0; position < utf8.size();) {
-    const auto byte = static_cast<unsigned char>(utf8[position]);
-    if (byte < 0x80) {
-      *out++ = byte;
-      ++position;
-      continue;
-    }
     const char32_t code = NextCodePoint(utf8, position);
     if (code < 0x10000) {
       *out++ = static_cast<char16_t>(code);
