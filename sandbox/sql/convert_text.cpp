@@ -8,6 +8,7 @@
 #include "sandbox/sql/decimal.h"
 #include "sandbox/sql/errors.h"
 #include "sandbox/storage/code_page.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox {
 namespace conversion {
@@ -71,7 +72,9 @@ std::string ToText(const Value& value, const TypeInfo& from, const TypeInfo& to,
       const std::string& bytes = std::get<BinaryValue>(value).bytes;
       if (style == 1) return "0x" + HexText(bytes);
       if (style == 2) return HexText(bytes);
-      return IsUnicode(to.type) ? FromUtf16(bytes) : FromCodePage(bytes);
+      if (!IsUnicode(to.type)) return FromCodePage(bytes);
+      // Half a unit at the end is left off.
+      return Utf16ToUtf8(std::string_view(bytes).substr(0, bytes.size() / 2 * 2));
     }
     case 7: {
       const auto text = DateTimeText(std::get<DateTimeValue>(value), from, style);
@@ -135,7 +138,9 @@ std::string ToBytes(const Value& value, const TypeInfo& from, const TypeInfo& to
       Raise(257, TypeName(from), TypeName(to));
     case 5: {
       const std::string& text = std::get<std::string>(value);
-      if (style != 1 && style != 2) return IsUnicode(from.type) ? ToUtf16(text) : ToCodePage(text);
+      if (style != 1 && style != 2) {
+        return IsUnicode(from.type) ? Utf8ToUtf16(text) : ToCodePage(text);
+      }
       std::string_view digits = Trim(text);
       if (style == 1 && digits.substr(0, 2) != "0x") Raise(8114, TypeName(from), TypeName(to));
       if (style == 1) digits.remove_prefix(2);

@@ -10,6 +10,7 @@
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/code_page.h"
 #include "sandbox/storage/encoding.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox {
 namespace {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "sandbox/storage/text_order.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox {
 namespace {
@@ -21,12 +22,6 @@ int CodePageByte(char32_t code) {
 }
 
 }  // namespace
-
-bool IsAscii(std::string_view text) {
-  unsigned char all = 0;
-  for (const char c : text) all |= static_cast<unsigned char>(c);
-  return all < 0x80;
-}
 
 bool FitsCodePage(std::string_view text) {
   if (IsAscii(text)) return true;
@@ -64,44 +59,6 @@ std::string FromCodePage(std::string_view bytes) {
   for (const char c : bytes) {
     const auto byte = static_cast<unsigned char>(c);
     AppendUtf8(text, byte >= 0x80 && byte < 0xA0 ? kHighControls[byte - 0x80u] : byte);
-  }
-  return text;
-}
-
-std::string ToUtf16(std::string_view text) {
-  std::string bytes;
-  const auto append = [&](char32_t unit) {
-    bytes += static_cast<char>(unit & 0xFF);
-    bytes += static_cast<char>(unit >> 8);
-  };
-  while (!text.empty()) {
-    const char32_t code = NextCodePoint(text);
-    if (code < 0x10000) {
-      append(code);
-      continue;
-    }
-    append(0xD800 + ((code - 0x10000) >> 10));
-    append(0xDC00 + ((code - 0x10000) & 0x3FF));
-  }
-  return bytes;
-}
-
-std::string FromUtf16(std::string_view bytes) {
-  std::string text;
-  const auto unit = [&](std::size_t i) {
-    return static_cast<char32_t>(static_cast<unsigned char>(bytes[i])) |
-           static_cast<char32_t>(static_cast<unsigned char>(bytes[i + 1])) << 8;
-  };
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    char32_t code = unit(i);
-    const bool high = code >= 0xD800 && code < 0xDC00;
-    if (high && i + 3 < bytes.size() && unit(i + 2) >= 0xDC00 && unit(i + 2) < 0xE000) {
-      code = 0x10000 + ((code - 0xD800) << 10) + (unit(i + 2) - 0xDC00);
-      i += 2;
-    } else if (code >= 0xD800 && code < 0xE000) {
-      code = 0xFFFD;
-    }
-    AppendUtf8(text, code);
   }
   return text;
 }

@@ -5,8 +5,6 @@
 
 namespace sandbox {
 
-bool IsAscii(std::string_view text);
-
 /// What a varchar keeps of the text: a character outside the code page becomes "?".
 std::string KeepCodePage(std::string_view text);
 
@@ -16,10 +14,6 @@ bool FitsCodePage(std::string_view text);
 /// The bytes of the text in the code page, and back.
 std::string ToCodePage(std::string_view text);
 std::string FromCodePage(std::string_view bytes);
-
-/// The bytes of the text as nvarchar keeps it (UTF-16, low byte first), and back.
-std::string ToUtf16(std::string_view text);
-std::string FromUtf16(std::string_view bytes);
 
 /// The number of UTF-16 units, which is how nchar and nvarchar count.
 std::size_t Utf16Length(std::string_view text);

@@ -7,8 +7,8 @@
 
 #include "sandbox/tds/bulk_load.h"
 #include "sandbox/tds/request_header.h"
-#include "sandbox/tds/text_codec.h"
 #include "sandbox/tds/transaction_request.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "sandbox/tds/request_header.h"
-#include "sandbox/tds/text_codec.h"
 #include "sandbox/tds/type_decoder.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
 namespace {

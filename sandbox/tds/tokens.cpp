@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "sandbox/tds/text_codec.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
 namespace {

@@ -1,6 +1,6 @@
 #include "sandbox/tds/transaction_request.h"
 
-#include "sandbox/tds/text_codec.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
 namespace {

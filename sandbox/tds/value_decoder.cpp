@@ -7,6 +7,7 @@
 #include "sandbox/tds/byte_reader.h"
 #include "sandbox/tds/temporal.h"
 #include "sandbox/tds/text_codec.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
 namespace {

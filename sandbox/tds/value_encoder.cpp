@@ -6,6 +6,7 @@
 #include "sandbox/tds/temporal.h"
 #include "sandbox/tds/text_codec.h"
 #include "sandbox/tds/tokens.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
 namespace {

@@ -5,6 +5,7 @@
 #include "sandbox/tds/text_codec.h"
 #include "sandbox/tds/type_decoder.h"
 #include "sandbox/tds/value_encoder.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "sandbox/tds/text_codec.h"
+#include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
 
