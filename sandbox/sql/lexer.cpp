@@ -1,9 +1,9 @@
 #include "sandbox/sql/lexer.h"
 
 #include <algorithm>
-#include <array>
 
 #include "sandbox/sql/errors.h"
+#include "sandbox/sql/hex_digit.h"
 
 namespace sandbox {
 namespace {
@@ -19,15 +19,8 @@ bool IsPair(char first, char second) {
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
-constexpr auto kIsHexDigit = [] {
-  std::array<bool, 256> is{};
-  for (const char c : std::string_view("0123456789abcdefABCDEF")) {
-    is[static_cast<unsigned char>(c)] = true;
-  }
-  return is;
-}();
 bool IsHexDigit(char c) {
-  return kIsHexDigit[static_cast<unsigned char>(c)];
+  return HexDigit(c) != kNoHexDigit;
 }
 bool StartsName(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' || (c & 0x80);

@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <array>
 #include <charconv>
 
 #include "sandbox/sql/errors.h"
+#include "sandbox/sql/hex_digit.h"
 #include "sandbox/sql/parser.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/code_page.h"
@@ -11,18 +11,6 @@ namespace sandbox {
 namespace {
 
 constexpr int kMaxDigits = 38;
-
-// The values of the hexadecimal digits.
-constexpr auto kHexDigits = [] {
-  std::array<unsigned char, 256> values{};
-  for (unsigned char i = 0; i < 10; ++i) values['0' + i] = i;
-  for (unsigned char i = 0; i < 6; ++i) values['a' + i] = values['A' + i] = 10 + i;
-  return values;
-}();
-
-unsigned HexDigit(char c) {
-  return kHexDigits[static_cast<unsigned char>(c)];
-}
 
 Literal TextLiteral(const LiteralText& literal, bool unicode) {
   std::string text = literal.escaped ? Unquote(literal.text, '\'') : std::string(literal.text);
