@@ -8,13 +8,14 @@
 #include "app/unattended_run.h"
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"
+#include "tests/support/planned_endpoint.h"
 
 namespace {
 
 template <typename Endpoint>
 std::unique_ptr<dorvane::IDatabase> RowByRow(dorvane::IRunHost& host) {
-  auto endpoint = std::make_unique<Endpoint>(host);
-  endpoint->SetCopyStrategy(dorvane::CopyStrategy::RowByRow);
+  auto endpoint = std::make_unique<dorvane::test::PlannedEndpoint<Endpoint>>(host);
+  endpoint->plan.strategy = dorvane::CopyStrategy::RowByRow;
   return endpoint;
 }
 

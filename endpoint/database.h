@@ -9,13 +9,12 @@
 #include "endpoint/events.h"
 #include "endpoint/run_host.h"
 #include "platform/ado/connection.h"
+#include "platform/ado/connection_settings.h"
 
 namespace dorvane {
 
 /// Table or database names in order, as the server's catalog spells them (UTF-8).
 using NameList = std::vector<std::string>;
-
-enum class ServerKind { MsSql, MySql };
 
 /// What to do with a destination table of the same name. Kept as a number: other values behave as
 /// each operation says.
@@ -24,34 +23,48 @@ inline constexpr std::int16_t kMerge = 1;
 inline constexpr std::int16_t kOverwrite = 2;
 }  // namespace convert_mode
 
-/// One database server as the converter sees it. The conversion options are read from the source
-/// endpoint only. Operations report their failures themselves (events, IRunHost) and return their
-/// failure value; exceptions are named below.
+/// How a database is converted; read from the source endpoint only.
+struct ConversionOptions {
+  bool copy_table_content = false;
+  std::int16_t convert_mode = convert_mode::kMerge;
+  bool replace_space_with_underscore = false;
+  bool convert_relationships = false;
+};
+
+/// One database server as the converter sees it. Operations report their failures themselves
+/// (events, IRunHost) and return their failure value; exceptions are named below.
 class IDatabase {
  public:
   virtual ~IDatabase() = default;
 
+  /// Whole, for those who fill or read all of it; the accessors below are the same values one by
+  /// one.
+  virtual const ado::ConnectionSettings& Settings() const = 0;
+  virtual void SetSettings(ado::ConnectionSettings settings) = 0;
+  virtual const ConversionOptions& Options() const = 0;
+  virtual void SetOptions(ConversionOptions options) = 0;
+
   /// On a MySQL endpoint both throw RunTimeError 11, "MySql", "Invalid Property Access".
-  virtual bool WinNTAuthentication() const = 0;
-  virtual void SetWinNTAuthentication(bool value) = 0;
-  virtual const std::string& UserId() const = 0;
-  virtual void SetUserId(std::string value) = 0;
-  virtual const std::string& Password() const = 0;
-  virtual void SetPassword(std::string value) = 0;
-  virtual std::int16_t PortNo() const = 0;
-  virtual void SetPortNo(std::int16_t value) = 0;
-  virtual const std::string& DbName() const = 0;
-  virtual void SetDbName(std::string value) = 0;
-  virtual const std::string& Server() const = 0;
-  virtual void SetServer(std::string value) = 0;
-  virtual bool CopyTableContent() const = 0;
-  virtual void SetCopyTableContent(bool value) = 0;
-  virtual void SetConvertMode(std::int16_t value) = 0;
-  virtual std::int16_t ConvertMode() const = 0;
-  virtual void SetReplaceSpaceWithUnderscore(bool value) = 0;
-  virtual bool ReplaceSpaceWithUnderscore() const = 0;
-  virtual bool ConvertRelationships() const = 0;
-  virtual void SetConvertRelationships(bool value) = 0;
+  bool WinNTAuthentication() const;
+  void SetWinNTAuthentication(bool value);
+  const std::string& UserId() const { return Settings().user_id; }
+  void SetUserId(std::string value);
+  const std::string& Password() const { return Settings().password; }
+  void SetPassword(std::string value);
+  std::int16_t PortNo() const { return static_cast<std::int16_t>(Settings().port); }
+  void SetPortNo(std::int16_t value);
+  const std::string& DbName() const { return Settings().database; }
+  void SetDbName(std::string value);
+  const std::string& Server() const { return Settings().server; }
+  void SetServer(std::string value);
+  bool CopyTableContent() const { return Options().copy_table_content; }
+  void SetCopyTableContent(bool value);
+  void SetConvertMode(std::int16_t value);
+  std::int16_t ConvertMode() const { return Options().convert_mode; }
+  void SetReplaceSpaceWithUnderscore(bool value);
+  bool ReplaceSpaceWithUnderscore() const { return Options().replace_space_with_underscore; }
+  bool ConvertRelationships() const { return Options().convert_relationships; }
+  void SetConvertRelationships(bool value);
 
   /// A new connection, owned by the caller, with `DbName` selected on request. None when it could
   /// not be opened; the failure has then been reported.

@@ -19,7 +19,7 @@ constexpr std::size_t kGrowth = 4;
 struct RowCopier::Rows {
   explicit Rows(const ado::BlockLimits& limits) : source(limits) {}
   ado::RowBlock source;
-  ado::RowBlock made;
+  ado::RowBlock converted;
 };
 
 struct RowCopier::Fetched {
@@ -28,13 +28,13 @@ struct RowCopier::Fetched {
 };
 
 RowCopier::RowCopier(IRowDestination& destination, IConversionListener& events, IRunHost& host,
-                     CopyStrategy strategy, ado::BlockLimits limits)
+                     const CopyPlan& plan)
     : destination_(destination),
       events_(events),
       host_(host),
-      blocks_(strategy == CopyStrategy::Blocks && destination.TakesBlocks()),
-      limits_(limits),
-      reach_(blocks_ ? limits.rows : 1) {}
+      blocks_(plan.strategy == CopyStrategy::Blocks && destination.TakesBlocks()),
+      limits_(plan.limits),
+      batch_size_(blocks_ ? plan.limits.rows : 1) {}
 
 bool RowCopier::Copy(const BlockSource& source) {
   std::array<Rows, 2> rows{Rows(limits_), Rows(limits_)};
@@ -45,7 +45,7 @@ bool RowCopier::Copy(const BlockSource& source) {
     const Fetched fetched = ahead.get();
     if (fetched.has_more) ahead = FetchAhead(source, rows[1 - current]);
     // The rows that came before a failure of the source are copied like any others.
-    if (!Store(rows[current].made)) return false;
+    if (!Store(rows[current].converted)) return false;
     if (fetched.failure) std::rethrow_exception(fetched.failure);
     if (!fetched.has_more) return true;
     current = 1 - current;
@@ -62,74 +62,74 @@ std::future<RowCopier::Fetched> RowCopier::FetchAhead(const BlockSource& source,
     } catch (...) {
       fetched.failure = std::current_exception();
     }
-    MakeValues(rows);
+    ConvertValues(rows);
     return fetched;
   });
 }
 
-void RowCopier::MakeValues(Rows& rows) {
-  rows.made.Clear(rows.source.Columns());
+void RowCopier::ConvertValues(Rows& rows) {
+  rows.converted.Clear(rows.source.Columns());
   for (std::size_t row = 0; row < rows.source.Rows(); ++row) {
     const std::span<const ado::Value> values = rows.source.Row(row);
-    const std::span<ado::Value> made = rows.made.AppendRow();
+    const std::span<ado::Value> converted = rows.converted.AppendRow();
     for (std::size_t i = 0; i < values.size(); ++i) {
-      made[i] = destination_.MakeValue(values[i], i, rows.made.Storage());
+      converted[i] = destination_.ConvertValue(values[i], i, rows.converted.Storage());
     }
   }
 }
 
-bool RowCopier::Store(const ado::RowBlock& made) {
+bool RowCopier::Store(const ado::RowBlock& converted) {
   refused_end_ = 0;
-  for (std::size_t position = 0; position < made.Rows();) {
+  for (std::size_t position = 0; position < converted.Rows();) {
     if (host_.IsStopping()) return false;
-    position += StoreSome(made, position);
+    position += StoreSome(converted, position);
   }
   host_.Yield();
   return true;
 }
 
-std::size_t RowCopier::StoreSome(const ado::RowBlock& made, std::size_t position) {
-  const std::size_t count = NextCount(position, made.Rows());
+std::size_t RowCopier::StoreSome(const ado::RowBlock& converted, std::size_t position) {
+  const std::size_t count = NextCount(position, converted.Rows());
   if (count == 1) {
-    StoreOne(made, position);
+    StoreOne(converted, position);
     return 1;
   }
-  switch (destination_.StoreBlock(made, position, count)) {
+  switch (destination_.StoreBlock(converted, position, count)) {
     case BlockResult::Stored:
       clean_rows_ += count;
-      reach_ = std::min(reach_ * kGrowth, limits_.rows);
+      batch_size_ = std::min(batch_size_ * kGrowth, limits_.rows);
       Handled(count);
       return count;
     case BlockResult::Refused:
       refused_end_ = position + count;
-      reach_ = std::max<std::size_t>(1, count / 2);
+      batch_size_ = std::max<std::size_t>(1, count / 2);
       return 0;
     case BlockResult::Failed:
       // One row tells whether the destination still answers, and reports once if it does not.
       clean_rows_ = 0;
-      reach_ = 1;
+      batch_size_ = 1;
       return 0;
   }
   return 0;
 }
 
-void RowCopier::StoreOne(const ado::RowBlock& made, std::size_t position) {
-  const RowResult result = destination_.StoreRow(made, position);
+void RowCopier::StoreOne(const ado::RowBlock& converted, std::size_t position) {
+  const RowResult result = destination_.StoreRow(converted, position);
   if (result == RowResult::Refused) {
     const std::size_t usual_stretch = clean_rows_ / kGrowth;
-    reach_ = usual_stretch < kCleanRowsForBlock ? 1 : std::min(usual_stretch, limits_.rows);
+    batch_size_ = usual_stretch < kCleanRowsForBlock ? 1 : std::min(usual_stretch, limits_.rows);
     clean_rows_ = 0;
     refused_end_ = 0;
   } else {
     ++clean_rows_;
-    if (reach_ == 1 && clean_rows_ >= kCleanRowsForBlock) reach_ = kCleanRowsForBlock;
+    if (batch_size_ == 1 && clean_rows_ >= kCleanRowsForBlock) batch_size_ = kCleanRowsForBlock;
   }
   Handled(1);
 }
 
 std::size_t RowCopier::NextCount(std::size_t position, std::size_t rows) const {
   if (!blocks_) return 1;
-  const std::size_t count = std::min(reach_, rows - position);
+  const std::size_t count = std::min(batch_size_, rows - position);
   if (position >= refused_end_) return count;
   const std::size_t suspects = refused_end_ - position;
   return suspects <= kFewRows ? 1 : std::min(count, suspects / 2);

@@ -10,9 +10,6 @@
 
 namespace dorvane {
 
-/// How rows travel: one by one, the reference, or in blocks with the same outcome.
-enum class CopyStrategy { Blocks, RowByRow };
-
 /// Why rows sent together were not stored: something in them was refused, or the sending failed in
 /// another way (a lost connection, a deadlock).
 enum class BlockResult { Stored, Refused, Failed };
@@ -29,25 +26,33 @@ class IRowDestination {
   /// The value to be stored for one of the source's, by the position of its column. It may refer to
   /// `value`; text and bytes that are new are kept in `storage`. Called in another thread while
   /// earlier rows are stored.
-  virtual ado::Value MakeValue(const ado::Value& value, std::size_t column,
-                               ado::Arena& storage) = 0;
+  virtual ado::Value ConvertValue(const ado::Value& value, std::size_t column,
+                                  ado::Arena& storage) = 0;
   /// Stores all `count` rows from `first` on, or leaves the table as it was. Does not throw for
   /// what the server says.
-  virtual BlockResult StoreBlock(const ado::RowBlock& made, std::size_t first,
+  virtual BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                                  std::size_t count) = 0;
   /// Stores one row under the rules of the direction. Throws RunTimeError when the copy must end.
-  virtual RowResult StoreRow(const ado::RowBlock& made, std::size_t row) = 0;
+  virtual RowResult StoreRow(const ado::RowBlock& converted, std::size_t row) = 0;
 };
 
 /// The blocks that rows travel in, by measuring: larger ones are no faster, smaller ones wait
 /// longer for commits. Four are in memory at a time.
 inline constexpr ado::BlockLimits kTravellingBlock{.rows = 10'000, .bytes = 2 << 20};
 
+/// How rows travel: one by one, the reference, or in blocks with the same outcome.
+enum class CopyStrategy { Blocks, RowByRow };
+
+struct CopyPlan {
+  CopyStrategy strategy = CopyStrategy::Blocks;
+  ado::BlockLimits limits = kTravellingBlock;
+};
+
 /// Fills the block with the next rows; false at the end. Called in another thread.
 using BlockSource = std::function<bool(ado::RowBlock& block)>;
 
 /// Copies rows in their order and raises TableRecordConverted once for each row that was handled.
-/// The next block is read and its values are made while the last one is stored.
+/// The next block is read and its values are converted while the last one is stored.
 ///
 /// A refused block is tried again in halves until the refused row stands alone and goes through
 /// StoreRow. After it the blocks are as long as refusals have lately been apart, growing again
@@ -55,7 +60,7 @@ using BlockSource = std::function<bool(ado::RowBlock& block)>;
 class RowCopier {
  public:
   RowCopier(IRowDestination& destination, IConversionListener& events, IRunHost& host,
-            CopyStrategy strategy, ado::BlockLimits limits);
+            const CopyPlan& plan);
 
   /// False when the user ended the run before the last row. Throws what StoreRow and `source`
   /// throw, after every row read before has been handled.
@@ -66,10 +71,10 @@ class RowCopier {
   struct Fetched;
 
   std::future<Fetched> FetchAhead(const BlockSource& source, Rows& rows);
-  void MakeValues(Rows& rows);
-  bool Store(const ado::RowBlock& made);
-  std::size_t StoreSome(const ado::RowBlock& made, std::size_t position);
-  void StoreOne(const ado::RowBlock& made, std::size_t position);
+  void ConvertValues(Rows& rows);
+  bool Store(const ado::RowBlock& converted);
+  std::size_t StoreSome(const ado::RowBlock& converted, std::size_t position);
+  void StoreOne(const ado::RowBlock& converted, std::size_t position);
   std::size_t NextCount(std::size_t position, std::size_t rows) const;
   void Handled(std::size_t count);
 
@@ -79,7 +84,7 @@ class RowCopier {
   const bool blocks_;
   const ado::BlockLimits limits_;
 
-  std::size_t reach_;            // rows that the next attempt may take
+  std::size_t batch_size_;       // rows that the next attempt may take
   std::size_t clean_rows_ = 0;   // stored since the last refusal
   std::size_t refused_end_ = 0;  // a refusal lies before this row of the block; 0: none is known
 };

@@ -25,26 +25,20 @@ auto Connection::WhileOpen(Operation operation) {
   });
 }
 
-Connection::Connection(ProviderLookup providers) : providers_(std::move(providers)) {}
+Connection::Connection(Provider& provider) : provider_(provider) {}
 
 Connection::~Connection() {
   Close();
 }
 
-void Connection::SetSettings(ConnectionSettings settings) {
-  settings_ = std::move(settings);
-  has_settings_ = true;
-}
-
-void Connection::Open() {
+void Connection::Open(ConnectionSettings settings) {
   Guarded([&] {
     if (State() == ObjectState::Open) {
       throw RunTimeError(kObjectOpen, "ADODB.Connection",
                          "Operation is not allowed when the object is open.");
     }
-    provider_ = &providers_(connection_string_);
-    if (!has_settings_) settings_ = ParseConnectionString(connection_string_);
-    sessions_.push_back(provider_->Connect(settings_));
+    settings_ = std::move(settings);
+    sessions_.push_back(provider_.Connect(settings_));
   });
 }
 
@@ -66,7 +60,7 @@ Session& Connection::IdleSession() {
   const auto idle = std::ranges::find_if(
       sessions_, [](const std::unique_ptr<Session>& session) { return !session->IsStreaming(); });
   if (idle != sessions_.end()) return **idle;
-  sessions_.push_back(provider_->Connect(settings_));
+  sessions_.push_back(provider_.Connect(settings_));
   return *sessions_.back();
 }
 

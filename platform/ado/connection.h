@@ -14,7 +14,6 @@ namespace dorvane::ado {
 
 /// The values are ADO's published ones.
 enum class ObjectState { Closed = 0, Open = 1 };
-enum class CursorLocation { Server = 2, Client = 3 };
 enum class CommandType { Text = 1, Table = 2, StoredProc = 4, Unknown = 8 };
 
 /// A connection to one server. A statement that is issued while an earlier one is still streaming
@@ -25,21 +24,13 @@ enum class CommandType { Text = 1, Table = 2, StoredProc = 4, Unknown = 8 };
 /// operation runs on its connection.
 class Connection {
  public:
-  explicit Connection(ProviderLookup providers = InstalledProvider);
+  explicit Connection(Provider& provider);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  /// Kept to the letter; Open parses it for what SetSettings did not give.
-  void SetConnectionString(std::string text) { connection_string_ = std::move(text); }
-  const std::string& ConnectionString() const { return connection_string_; }
-  /// The values of the connection string, unquoted and unambiguous. They win over the string.
-  void SetSettings(ConnectionSettings settings);
-  void SetCursorLocation(CursorLocation location) { cursor_location_ = location; }
-  CursorLocation GetCursorLocation() const { return cursor_location_; }
-
-  /// Logs on. Throws RunTimeError, kProviderNotFound and kObjectOpen among its numbers.
-  void Open();
+  /// Logs on. Throws RunTimeError, kObjectOpen among its numbers.
+  void Open(ConnectionSettings settings);
   /// Closes the recordsets that are open and logs off; closing twice is harmless.
   void Close();
   ObjectState State() const;
@@ -85,12 +76,8 @@ class Connection {
   Session& WritingSession();
   void EndTransaction(void (Session::*how)());
 
-  ProviderLookup providers_;
-  Provider* provider_ = nullptr;
-  std::string connection_string_;
+  Provider& provider_;
   ConnectionSettings settings_;
-  bool has_settings_ = false;
-  CursorLocation cursor_location_ = CursorLocation::Server;
   std::vector<std::unique_ptr<Session>> sessions_;
   // Rows are inserted and transactions run on one and the same session.
   Session* writing_session_ = nullptr;
@@ -109,9 +96,5 @@ auto Connection::Guarded(Operation operation) {
     throw;
   }
 }
-
-/// Settings read from a connection string ("key=value" parts between ";"), for strings that come
-/// without them.
-ConnectionSettings ParseConnectionString(std::string_view text);
 
 }  // namespace dorvane::ado

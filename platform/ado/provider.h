@@ -8,21 +8,12 @@
 #include <vector>
 
 #include "platform/ado/catalog_types.h"
+#include "platform/ado/connection_settings.h"
 #include "platform/ado/errors.h"
 #include "platform/ado/row_block.h"
 #include "platform/ado/types.h"
 
 namespace dorvane::ado {
-
-/// What a logon needs, beside the connection string: a value that holds ";" survives here.
-struct ConnectionSettings {
-  std::string server;  // host, "host\instance" or "host,port"
-  int port = 0;        // 0: the server's usual port
-  std::string user_id;
-  std::string password;
-  std::string database;  // empty: none selected
-  bool integrated_security = false;
-};
 
 /// The results of one statement, read forwards in blocks straight from the server. Owned by its
 /// reader; leaving it early cancels the statement without reading the rest of the result.
@@ -83,15 +74,14 @@ class Provider {
   virtual std::unique_ptr<Session> Connect(const ConnectionSettings& settings) = 0;
 };
 
-/// Finds the provider that a connection string names; throws RunTimeError kProviderNotFound.
-using ProviderLookup = std::function<Provider&(std::string_view connection_string)>;
+/// Gives the provider for a kind of server.
+using ProviderLookup = std::function<Provider&(ServerKind kind)>;
 
-/// The real providers: "Provider=SQLOLEDB.1" is SQL Server over ODBC, "Driver={MySql ODBC 3.51
-/// Driver}" is MySQL over its native client library.
-Provider& InstalledProvider(std::string_view connection_string);
-
-/// Each in its own folder; declared here for InstalledProvider and for tests of one of them.
+/// SQL Server over ODBC, MySQL over its native client library; each in its own folder.
 Provider& OdbcProvider();
 Provider& MySqlProvider();
+inline Provider& InstalledProvider(ServerKind kind) {
+  return kind == ServerKind::MsSql ? OdbcProvider() : MySqlProvider();
+}
 
 }  // namespace dorvane::ado

@@ -135,18 +135,16 @@ class ScriptedSession final : public Session {
 
 class ScriptedProvider final : public Provider {
  public:
-  std::unique_ptr<Session> Connect(const ConnectionSettings& settings) override {
+  std::unique_ptr<Session> Connect(const ConnectionSettings& /*settings*/) override {
     if (log.refuse_logon) throw Failing(1045);
-    last_settings = settings;
     return std::make_unique<ScriptedSession>(log);
   }
   Log log;
-  ConnectionSettings last_settings;
 };
 
 class ModelTest : public testing::Test {
  protected:
-  void SetUp() override { connection_.Open(); }
+  void SetUp() override { connection_.Open({}); }
 
   std::int32_t NumberOf(const std::function<void()>& operation) {
     try {
@@ -159,7 +157,7 @@ class ModelTest : public testing::Test {
 
   ScriptedProvider provider_;
   Log& log_ = provider_.log;
-  Connection connection_{[this](std::string_view) -> Provider& { return provider_; }};
+  Connection connection_{provider_};
 };
 
 TEST_F(ModelTest, ErrorsAreThoseOfTheLatestOperationOnly) {
@@ -185,12 +183,12 @@ TEST_F(ModelTest, ErrorsAreThoseOfTheLatestOperationOnly) {
 TEST_F(ModelTest, ARefusedLogonLeavesTheConnectionClosed) {
   log_.refuse_logon = true;
   connection_.Close();
-  EXPECT_EQ(NumberOf([&] { connection_.Open(); }), hresult::kFail);
+  EXPECT_EQ(NumberOf([&] { connection_.Open({}); }), hresult::kFail);
   EXPECT_EQ(connection_.Errors().at(0).native_error, 1045);
   EXPECT_EQ(connection_.State(), ObjectState::Closed);
   log_.refuse_logon = false;
-  connection_.Open();
-  EXPECT_EQ(NumberOf([&] { connection_.Open(); }), kObjectOpen);
+  connection_.Open({});
+  EXPECT_EQ(NumberOf([&] { connection_.Open({}); }), kObjectOpen);
 }
 
 TEST_F(ModelTest, StatementsWhileStreamingUseOneFurtherSession) {
@@ -279,51 +277,6 @@ TEST_F(ModelTest, TheCatalogAsksOnce) {
   catalog.TableByName("ORDERS").Columns();
   EXPECT_EQ(catalog.TableByName("orders").Name(), "Orders");
   EXPECT_THAT(log_.actions, ElementsAre("1: tables", "1: columns of ORDERS", "1: tables"));
-}
-
-TEST_F(ModelTest, SettingsWinOverTheString) {
-  connection_.Close();
-  connection_.SetConnectionString("Driver={MySql ODBC 3.51 Driver};Password=a;b=c;Server=h");
-  connection_.Open();
-  EXPECT_EQ(provider_.last_settings.password, "a");
-  connection_.Close();
-  ConnectionSettings settings;
-  settings.server = "other";
-  settings.password = "a;b=c";
-  connection_.SetSettings(settings);
-  connection_.Open();
-  EXPECT_EQ(provider_.last_settings.password, "a;b=c");
-  EXPECT_EQ(provider_.last_settings.server, "other");
-}
-
-TEST(ConnectionStrings, BothFormsAreRead) {
-  const ConnectionSettings mysql = ParseConnectionString(
-      "Driver={MySql ODBC 3.51 Driver};Password=p=w ;User ID=me;Server=db.host;port=3307;"
-      "option=16387;Database=my db");
-  EXPECT_EQ(mysql.password, "p=w ");
-  EXPECT_EQ(mysql.user_id, "me");
-  EXPECT_EQ(mysql.server, "db.host");
-  EXPECT_EQ(mysql.port, 3307);
-  EXPECT_EQ(mysql.database, "my db");
-  EXPECT_FALSE(mysql.integrated_security);
-  const ConnectionSettings trusted = ParseConnectionString(
-      "provider=sqloledb.1;INTEGRATED security=sspi;Data Source=host\\inst;port=0");
-  EXPECT_TRUE(trusted.integrated_security);
-  EXPECT_EQ(trusted.server, "host\\inst");
-  EXPECT_EQ(trusted.port, 0);
-}
-
-TEST(ConnectionStrings, NameTheirProvider) {
-  EXPECT_EQ(&InstalledProvider("Driver={MySql ODBC 3.51 Driver};Password=x;Provider=SQLOLEDB.1"),
-            &MySqlProvider());
-  for (const char* text : {"", "Driver={SQLite}", "Password=SQLOLEDB.1"}) {
-    try {
-      InstalledProvider(text);
-      ADD_FAILURE() << text;
-    } catch (const RunTimeError& error) {
-      EXPECT_EQ(error.Number(), kProviderNotFound);
-    }
-  }
 }
 
 TEST(ValueText, NumbersReadBackEqual) {

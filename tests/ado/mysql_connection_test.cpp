@@ -15,10 +15,8 @@ namespace {
 class MySqlConnectionTest : public MySqlTest {
  protected:
   static Failure LogOn(const ConnectionSettings& settings) {
-    Connection connection;
-    connection.SetConnectionString("Driver={MySql ODBC 3.51 Driver}");
-    connection.SetSettings(settings);
-    return FailureOf(connection, [&] { connection.Open(); });
+    Connection connection(MySqlProvider());
+    return FailureOf(connection, [&] { connection.Open(settings); });
   }
 
   static ConnectionSettings With(void (*change)(ConnectionSettings&)) {
@@ -71,12 +69,11 @@ TEST_F(MySqlConnectionTest, UsesTlsWhereTheServerHasIt) {
                  "/CN=nobody", "-keyout", key, "-out", certificate});
   ASSERT_EQ(made.status, 0) << made.output;
   test::PrivateMariaDb server({"--ssl-key=" + key, "--ssl-cert=" + certificate});
-  Connection connection;
-  connection.SetConnectionString(
-      fmt::format("Driver={{MySql ODBC 3.51 Driver}};Password=secret;User ID=root;"
-                  "Server=127.0.0.1;port={};option=16387",
-                  server.Port()));
-  connection.Open();
+  Connection connection(MySqlProvider());
+  connection.Open({.server = "127.0.0.1",
+                   .port = server.Port(),
+                   .user_id = "root",
+                   .password = server.Password()});
   Recordset status = connection.Execute("show session status like 'Ssl_cipher'");
   EXPECT_NE(status.Field("Value").Text(), "");
   // Reads and a broken connection behave the same inside the cipher.
@@ -87,8 +84,8 @@ TEST_F(MySqlConnectionTest, UsesTlsWhereTheServerHasIt) {
 
 TEST_F(MySqlConnectionTest, SessionModeKeepsValuesAndRefusesWhatDoesNotFit) {
   Run("set global sql_mode = 'ANSI,NO_BACKSLASH_ESCAPES,NO_ZERO_DATE'");
-  Connection connection;
-  Open(connection);
+  Connection connection(MySqlProvider());
+  connection.Open(Settings());
   Run("set global sql_mode = default");
   const std::string mode = Ask(connection, "select @@sql_mode");
   EXPECT_THAT(mode, testing::HasSubstr("NO_AUTO_VALUE_ON_ZERO"));

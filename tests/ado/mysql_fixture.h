@@ -27,7 +27,7 @@ class MySqlTest : public testing::Test {
         fmt::format("drop database if exists {0}; create database {0} "
                     "character set utf8mb4",
                     kDatabase));
-    Open(connection_);
+    connection_.Open(Settings());
   }
 
   static ConnectionSettings Settings() {
@@ -36,12 +36,6 @@ class MySqlTest : public testing::Test {
             .user_id = "root",
             .password = Server().Password(),
             .database = kDatabase};
-  }
-
-  static void Open(Connection& connection) {
-    connection.SetConnectionString("Driver={MySql ODBC 3.51 Driver}");
-    connection.SetSettings(Settings());
-    connection.Open();
   }
 
   void Run(std::string_view sql) { connection_.Execute(sql); }
@@ -54,7 +48,7 @@ class MySqlTest : public testing::Test {
   }
 
   static constexpr const char* kDatabase = "ado_test";
-  Connection connection_;
+  Connection connection_{MySqlProvider()};
 };
 
 /// The failure of an operation: the HRESULT thrown and the native error of the list's first entry.

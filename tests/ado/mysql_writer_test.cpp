@@ -11,11 +11,7 @@ using mysql::BulkProtocol;
 /// Every test runs over the bulk protocol and over statements of many rows.
 class MySqlWriterTest : public MySqlTest, public testing::WithParamInterface<BulkProtocol> {
  protected:
-  MySqlWriterTest()
-      : provider_(GetParam()),
-        writing_([this](std::string_view) -> Provider& { return provider_; }) {
-    Open(writing_);
-  }
+  MySqlWriterTest() : provider_(GetParam()), writing_(provider_) { writing_.Open(Settings()); }
 
   /// Fills the block with rows of texts; a null pointer is NULL.
   void Fill(const std::vector<std::vector<const char*>>& rows) {

@@ -13,6 +13,7 @@
 #include "mysql/mysql_database.h"
 #include "tests/e2e/rig.h"
 #include "tests/endpoint/recorders.h"
+#include "tests/support/planned_endpoint.h"
 
 namespace dorvane::test {
 namespace {
@@ -59,7 +60,7 @@ std::vector<std::string> Content(ado::Connection& connection, const std::string&
 /// The settings of one endpoint on the rig's servers.
 template <typename Endpoint>
 Endpoint Connected(IRunHost& host, const std::string& database) {
-  constexpr bool kIsMySql = std::is_same_v<Endpoint, MySqlDatabase>;
+  constexpr bool kIsMySql = std::is_base_of_v<MySqlDatabase, Endpoint>;
   Endpoint endpoint(host);
   endpoint.SetServer("127.0.0.1");
   endpoint.SetPortNo(
@@ -113,16 +114,16 @@ class Differential {
   Outcome Run(const Case& each) {
     SCOPED_TRACE(each.name);
     const std::string name = Rig::Get().NewDatabases();
-    Source src = Connected<Source>(host_, name);
+    auto src = Connected<PlannedEndpoint<Source>>(host_, name);
     Dest dest = Connected<Dest>(host_, name);
     Execute(src, true, each.source);
-    src.SetCopyStrategy(CopyStrategy::RowByRow);
+    src.plan.strategy = CopyStrategy::RowByRow;
     const Outcome rows = Convert(src, dest, each);
     ExpectWhatTheCaseSays(each, rows);
     for (const ado::BlockLimits& limits : {kShortBlock, kTravellingBlock}) {
       // One name for all, since the servers' messages hold it.
       Recreate(dest, name);
-      src.SetCopyStrategy(CopyStrategy::Blocks, limits);
+      src.plan = {CopyStrategy::Blocks, limits};
       const Outcome blocks = Convert(src, dest, each);
       EXPECT_EQ(blocks.events, rows.events);
       EXPECT_EQ(blocks.unclassified, rows.unclassified);

@@ -47,8 +47,8 @@ std::string Rig::NewDatabases() {
 }
 
 std::string Rig::MsSqlValue(const std::string& query, const std::string& database) const {
-  ado::Connection connection;
-  Open(connection, database);
+  ado::Connection connection(ado::OdbcProvider());
+  connection.Open(MsSqlSettings(database));
   ado::Recordset rows = connection.Execute(query);
   std::string text;
   for (; !rows.AtEnd(); rows.MoveNext()) text += rows.Field(0).Text() + "\n";
@@ -59,14 +59,12 @@ std::string Rig::MySqlValue(const std::string& query, const std::string& databas
   return Trimmed(my_sql_.Query(query, database));
 }
 
-void Rig::Open(ado::Connection& connection, const std::string& database) const {
-  connection.SetConnectionString("Provider=SQLOLEDB.1");
-  connection.SetSettings({.server = "127.0.0.1",
-                          .port = ms_sql_.Port(),
-                          .user_id = "sa",
-                          .password = ms_sql_.Password(),
-                          .database = database});
-  connection.Open();
+ado::ConnectionSettings Rig::MsSqlSettings(const std::string& database) const {
+  return {.server = "127.0.0.1",
+          .port = ms_sql_.Port(),
+          .user_id = "sa",
+          .password = ms_sql_.Password(),
+          .database = database};
 }
 
 void WriteSettings(const Job& job, const std::filesystem::path& settings,

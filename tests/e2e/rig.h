@@ -43,8 +43,8 @@ class Rig {
   std::string MsSqlValue(const std::string& query, const std::string& database) const;
   std::string MySqlValue(const std::string& query, const std::string& database) const;
 
-  /// Opens a connection to a database of the practice SQL Server.
-  void Open(ado::Connection& connection, const std::string& database) const;
+  /// How to log on to a database of the practice SQL Server.
+  ado::ConnectionSettings MsSqlSettings(const std::string& database) const;
 
  private:
   Rig() = default;

@@ -143,10 +143,10 @@ TEST_F(Sample, ComesBackEqualInAllThatBothServersHold) {
   EXPECT_EQ(run.Wait(), 0) << run.Log();
   EXPECT_EQ(Occurrences(run.Log(), "Done!\n"), kTables.size()) << run.Log();
 
-  ado::Connection first;
-  ado::Connection last;
-  rig.Open(first, database_);
-  rig.Open(last, again);
+  ado::Connection first(ado::OdbcProvider());
+  ado::Connection last(ado::OdbcProvider());
+  first.Open(rig.MsSqlSettings(database_));
+  last.Open(rig.MsSqlSettings(again));
   const Comparison comparison = CompareDatabases(first, last);
   EXPECT_EQ(comparison.tables.size(), kTables.size());
   EXPECT_THAT(comparison.faults, IsEmpty());

@@ -27,7 +27,9 @@ class NumberTable : public IRowDestination {
   std::size_t row_attempts = 0;
 
   bool TakesBlocks() override { return takes_blocks; }
-  ado::Value MakeValue(const ado::Value& value, std::size_t, ado::Arena&) override { return value; }
+  ado::Value ConvertValue(const ado::Value& value, std::size_t, ado::Arena&) override {
+    return value;
+  }
   BlockResult StoreBlock(const ado::RowBlock& block, std::size_t first,
                          std::size_t count) override {
     ++attempts;
@@ -79,7 +81,7 @@ struct Copy {
   std::int32_t failure = 0;
 
   void Run(const BlockSource& source, CopyStrategy strategy, std::size_t block_rows) {
-    RowCopier copier(table, events, host, strategy, {block_rows, 1 << 20});
+    RowCopier copier(table, events, host, {strategy, {block_rows, 1 << 20}});
     try {
       finished = copier.Copy(source);
     } catch (const RunTimeError& error) {

@@ -139,10 +139,7 @@ std::unique_ptr<ado::Session> ScriptedServer::Connect(const ado::ConnectionSetti
 }
 
 ado::ProviderLookup ScriptedServer::Lookup() {
-  return [this](std::string_view connection_string) -> ado::Provider& {
-    last_connection_string = connection_string;
-    return *this;
-  };
+  return [this](ServerKind) -> ado::Provider& { return *this; };
 }
 
 std::vector<std::string> ScriptedServer::Sent(std::string_view beginning) const {

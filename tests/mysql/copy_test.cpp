@@ -4,6 +4,7 @@
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"
 #include "tests/endpoint/transfer_rig.h"
+#include "tests/support/planned_endpoint.h"
 
 namespace dorvane {
 namespace {
@@ -20,7 +21,8 @@ constexpr std::int32_t kViolation = ado::hresult::kIntegrityViolation;
 using Row = std::vector<ado::Value>;
 
 /// A table "a t"(k, v) whose rows are copied.
-struct MySqlCopy : testing::Test, test::TransferRig<MySqlDatabase, MsSqlDatabase> {
+struct MySqlCopy : testing::Test,
+                   test::TransferRig<test::PlannedEndpoint<MySqlDatabase>, MsSqlDatabase> {
   MySqlCopy() {
     source.tables = {{"a t", "TABLE"}};
     src.SetCopyTableContent(true);
@@ -47,7 +49,7 @@ struct MySqlCopy : testing::Test, test::TransferRig<MySqlDatabase, MsSqlDatabase
 constexpr const char* kHead = "INSERT INTO [a_t] ([the k], [v]) ";
 
 TEST_F(MySqlCopy, RowByRowSendsOneInsertEach) {
-  src.SetCopyStrategy(CopyStrategy::RowByRow);
+  src.plan.strategy = CopyStrategy::RowByRow;
   Rows(DataType::VarChar, {Numbered(1, std::string_view("It's")), Numbered(2, {})});
   Transfer({"a t"});
   EXPECT_THAT(RowStatements(), ElementsAre(std::string(kHead) + " VALUES(1, 'It''s')",
@@ -57,7 +59,7 @@ TEST_F(MySqlCopy, RowByRowSendsOneInsertEach) {
 }
 
 TEST_F(MySqlCopy, RowByRowSwitchesIdentityInsertAroundEachRow) {
-  src.SetCopyStrategy(CopyStrategy::RowByRow);
+  src.plan.strategy = CopyStrategy::RowByRow;
   Rows(DataType::Double, {Numbered(1, 2.0)}, true);
   Transfer({"a t"});
   EXPECT_THAT(RowStatements(),
@@ -145,7 +147,7 @@ TEST_F(MySqlCopy, OnlyMergeSkipsViolations) {
       {convert_mode::kMerge, {-4, "test", "run-time", {}}, prefix + "-4 - run-time"},
   };
   for (const CopyStrategy strategy : {CopyStrategy::Blocks, CopyStrategy::RowByRow}) {
-    src.SetCopyStrategy(strategy);
+    src.plan.strategy = strategy;
     for (const Case& each : cases) {
       test::ScriptedServer& server = dest;
       server.log.clear();

@@ -1,8 +1,8 @@
-#include "mysql/foreign_key_text.h"
+#include "mysql/to_mssql/foreign_key_text.h"
 
 #include <gtest/gtest.h>
 
-#include "mysql/reserved_words.h"
+#include "mysql/to_mssql/reserved_words.h"
 #include "mysql/util.h"
 
 namespace dorvane {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "mysql/literal_shape.h"
-#include "mysql/values.h"
+#include "mysql/to_mssql/literal_shape.h"
+#include "mysql/to_mssql/literals.h"
 
 namespace dorvane {
 namespace {

@@ -12,14 +12,12 @@
 
 namespace {
 
-void Open(dorvane::ado::Connection& connection, char** arguments, const char* database) {
-  connection.SetConnectionString("Provider=SQLOLEDB.1");
-  connection.SetSettings({.server = "127.0.0.1",
-                          .port = std::atoi(arguments[1]),
-                          .user_id = "sa",
-                          .password = arguments[2],
-                          .database = database});
-  connection.Open();
+dorvane::ado::ConnectionSettings SettingsOf(char** arguments, const char* database) {
+  return {.server = "127.0.0.1",
+          .port = std::atoi(arguments[1]),
+          .user_id = "sa",
+          .password = arguments[2],
+          .database = database};
 }
 
 void Print(std::string_view heading, const std::vector<std::string>& lines) {
@@ -36,10 +34,10 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    dorvane::ado::Connection first;
-    dorvane::ado::Connection last;
-    Open(first, argv, argv[3]);
-    Open(last, argv, argv[4]);
+    dorvane::ado::Connection first(dorvane::ado::OdbcProvider());
+    dorvane::ado::Connection last(dorvane::ado::OdbcProvider());
+    first.Open(SettingsOf(argv, argv[3]));
+    last.Open(SettingsOf(argv, argv[4]));
     const auto comparison = dorvane::test::CompareDatabases(first, last);
     Print(fmt::format("{} and {}, row by row:", argv[3], argv[4]), comparison.tables);
     Print("Not to be kept on the way over MySQL:", comparison.losses);

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/ado/connection.h"
+#include "platform/run_time_error.h"
+
+namespace dorvane {
+
+/// The number and description by which a failure is reported.
+struct ErrorSummary {
+  std::int32_t number = 0;
+  std::string description;
+};
+
+/// The primary error of a list: the entry at `index`, the last one of a shorter list, none of an
+/// empty one.
+const ado::Error* PrimaryError(const ado::Errors& errors, std::size_t index);
+
+/// Native error and description of the primary error; of the run-time error when the list is
+/// empty.
+ErrorSummary NativeSummary(const ado::Errors& errors, std::size_t index, const RunTimeError& error);
+
+/// A failure that came from the destination, with its error list of that moment. Failures of the
+/// source are plain RunTimeErrors, so no old entry of the destination's list is taken for theirs.
+class DestinationFailure : public RunTimeError {
+ public:
+  DestinationFailure(const RunTimeError& error, ado::Errors entries);
+  const ado::Errors& Entries() const { return entries_; }
+  /// The first entry, null when the destination left none.
+  const ado::Error* Primary() const { return PrimaryError(entries_, 0); }
+  /// Native error of the first entry; 0 when there is none.
+  std::int32_t NativeError() const;
+  /// HRESULT and description of the first entry; of the run-time error when there is none.
+  ErrorSummary Summary() const;
+
+ private:
+  ado::Errors entries_;
+};
+
+/// HRESULT and description by which the failure of a conversion step is reported, whichever side it
+/// came from.
+ErrorSummary SummaryOf(const RunTimeError& error);
+
+/// Runs an operation on the destination connection and marks its failure as the destination's.
+template <typename Operation>
+auto OnDestination(const ado::Connection& destination, Operation&& operation) {
+  try {
+    return std::forward<Operation>(operation)();
+  } catch (const RunTimeError& error) {
+    throw DestinationFailure(error, destination.Errors());
+  }
+}
+
+/// True for the HRESULTs by which a provider says that a row, not the connection, is at fault.
+bool IsRowRefusal(std::int32_t number);
+
+/// Executes a statement without rows on the destination. Throws DestinationFailure.
+void ExecuteOn(ado::Connection& destination, std::string_view sql);
+
+/// Executes a statement whose refusal changes nothing any more (tidying up after a failure).
+void TryExecute(ado::Connection& destination, std::string_view sql) noexcept;
+
+}  // namespace dorvane

@@ -1,0 +1,27 @@
+#include "endpoint/names.h"
+
+namespace dorvane {
+
+namespace {
+
+std::string Quoted(char open, std::string_view name, char close) {
+  std::string quoted(1, open);
+  for (const char c : name) {
+    quoted += c;
+    if (c == close) quoted += c;
+  }
+  quoted += close;
+  return quoted;
+}
+
+}  // namespace
+
+std::string MySqlName(std::string_view name) {
+  return Quoted('`', name, '`');
+}
+
+std::string MsSqlName(std::string_view name) {
+  return Quoted('[', name, ']');
+}
+
+}  // namespace dorvane

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "endpoint/table_definition.h"
+#include "platform/ado/catalog_types.h"
+
+namespace dorvane {
+
+/// The MySQL definition of a SQL Server column. `identity_column` is empty for a table without one.
+/// Throws RunTimeError when the default cannot be converted.
+ColumnDefinition GetColumnType(const ado::Column& col, const std::string& identity_column);
+
+}  // namespace dorvane

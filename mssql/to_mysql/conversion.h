@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "endpoint/conversion.h"
+
+namespace dorvane {
+
+/// Converts SQL Server tables into MySQL tables.
+class MsSqlToMySql : public Conversion {
+ public:
+  explicit MsSqlToMySql(Context context) : Conversion(std::move(context)) {}
+
+ private:
+  // conversion.cpp
+  void PrepareDestination(const NameList& src_tables) override;
+  TableDefinition DefineTable(ado::Table& tab_src) override;
+  void PrepareTable(const TableDefinition& table) override;
+  std::string CreateTableStatement(const TableDefinition& table) const override;
+  void RelateTable(const std::string& name) override;
+  std::string SourceName(std::string_view name) const override;
+  void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
+  /// Empty when the table has no identity column. Throws RunTimeError.
+  std::string FindIdentityColumn(const std::string& table_name);
+
+  // keys.cpp
+  void AddPrimaryKeyConstraint(ado::Table& tab_src, const TableDefinition& table) override;
+
+  // rows.cpp
+  std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
+                                            const std::vector<ado::FieldInfo>& fields,
+                                            const std::vector<ColumnFacts>& facts) override;
+  void ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) override;
+
+  // relationships.cpp
+  void AddRelationships(ado::Table& tab_src);
+  /// False when the failure ends the table's relationships.
+  bool AddRelationship(const std::string& table_name, const ado::Key& key);
+};
+
+}  // namespace dorvane

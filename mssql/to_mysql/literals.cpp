@@ -1,0 +1,91 @@
+#include "mssql/to_mysql/literals.h"
+
+#include "endpoint/value_text.h"
+
+namespace dorvane {
+
+namespace {
+
+using ado::DataType;
+
+// A datetime keeps thousandths of which MySQL's plain DATETIME never took any.
+constexpr int kMostDroppedDigits = 3;
+
+/// Text that a writer puts into storage of at most `size` bytes.
+template <typename Writer>
+ado::Value Written(ado::Arena& storage, std::size_t size, Writer writer) {
+  char* out = storage.Allocate(size);
+  return std::string_view(out, writer(out));
+}
+
+/// Makes the destination's value, whatever form the source's has.
+struct Converter {
+  const ado::FieldInfo& field;
+  ado::Arena& storage;
+
+  ado::Value operator()(ado::Null) const { return {}; }
+  ado::Value operator()(bool value) const { return std::string_view(value ? "1" : "0"); }
+  ado::Value operator()(std::int64_t value) const { return Integer(value); }
+  ado::Value operator()(std::uint64_t value) const { return Integer(value); }
+  ado::Value operator()(float value) const { return Number(value); }
+  ado::Value operator()(double value) const { return Number(value); }
+  ado::Value operator()(ado::Decimal value) const { return Number(value); }
+  ado::Value operator()(std::string_view value) const { return Text(value); }
+  ado::Value operator()(ado::Binary value) const { return value; }
+  ado::Value operator()(ado::Guid value) const {
+    return ado::Binary{storage.Store(GuidBytes(value.text))};
+  }
+  ado::Value operator()(const ado::DateTime& value) const {
+    return Written(storage, kDateTimeSize, [&](char* out) {
+      switch (field.type) {
+        case DataType::DBDate:
+          return WriteDate(out, value);
+        case DataType::DBTime:
+          return WriteTime(out, value, KeepsFraction(field));
+        default:
+          return WriteDateTime(out, value, KeepsFraction(field));
+      }
+    });
+  }
+
+  ado::Value Integer(const ado::Value& value) const {
+    return Written(storage, NumberSize(value), [&](char* out) { return WriteInteger(out, value); });
+  }
+  ado::Value Number(const ado::Value& value) const {
+    return Written(storage, NumberSize(value), [&](char* out) { return WriteNumber(out, value); });
+  }
+  static ado::Value Text(std::string_view text) {
+    if (text == "Null") return {};
+    return text;
+  }
+};
+
+}  // namespace
+
+ado::Value DataValue(const ado::Value& value, const ado::FieldInfo& field, const ColumnFacts& facts,
+                     ado::Arena& storage) {
+  if (ado::IsNull(value)) {
+    if (facts.nullable) return {};
+    return Converter::Text(facts.default_text);
+  }
+  return std::visit(Converter{field, storage}, value);
+}
+
+bool IsChunkCopied(DataType type) {
+  return type == DataType::LongVarBinary || type == DataType::Binary;
+}
+
+bool KeepsFraction(const ado::FieldInfo& field) {
+  if (field.type == DataType::DBTime) return field.numeric_scale > 0;
+  return field.type == DataType::DBTimeStamp && field.numeric_scale > kMostDroppedDigits;
+}
+
+std::string Quote(std::string_view text) {
+  return PrefixEach(PrefixEach(text, "\\\"", '\\'), "'", '\'');
+}
+
+std::string HexCodeGUID(std::string_view braced) {
+  return HexCode(GuidBytes(braced));
+}
+
+}  // namespace dorvane

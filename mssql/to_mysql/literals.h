@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "endpoint/table_definition.h"
+#include "platform/ado/row_block.h"
+#include "platform/ado/types.h"
+#include "platform/ado/value.h"
+
+namespace dorvane {
+
+/// What a source value becomes in a field of the MySQL table: NULL, text, or bytes (identifiers and
+/// binary values). New text is kept in `storage`; other text and bytes stay where the value has
+/// them. A NULL becomes the column's default where the column takes no NULL; the text "Null"
+/// becomes NULL.
+ado::Value DataValue(const ado::Value& value, const ado::FieldInfo& field, const ColumnFacts& facts,
+                     ado::Arena& storage);
+
+/// True for the types whose bytes go into the destination piece by piece.
+bool IsChunkCopied(ado::DataType type);
+
+/// True for a date and time, or a time, that keeps more fractional digits than MySQL's plain type
+/// is given for.
+bool KeepsFraction(const ado::FieldInfo& field);
+
+/// A MySQL literal's inside: backslashes and double quotes behind a backslash, "'" doubled.
+std::string Quote(std::string_view text);
+
+/// "0x" and the 32 digits of a braced identifier; "0x00" for any other text.
+std::string HexCodeGUID(std::string_view braced);
+
+}  // namespace dorvane

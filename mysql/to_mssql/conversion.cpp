@@ -1,0 +1,94 @@
+#include "mysql/to_mssql/conversion.h"
+
+#include <fmt/format.h>
+
+#include "endpoint/names.h"
+#include "mysql/to_mssql/columns.h"
+
+namespace dorvane {
+
+namespace {
+
+constexpr std::string_view kDestinationTitle = "MS SQL Server";
+constexpr std::string_view kSourceTitle = "MySQL Server";
+
+// SQL Server's own numbers.
+constexpr std::int32_t kNoSuchTable = 3701;
+constexpr std::int32_t kTableIsReferenced = 3726;
+constexpr std::int32_t kObjectExists = 2714;
+
+}  // namespace
+
+// All tables are dropped before the first one is created.
+void MySqlToMsSql::PrepareDestination(const NameList& src_tables) {
+  if (!IsOverwriting()) return;
+  for (const std::string& name : src_tables) {
+    try {
+      ExecuteOn(Destination(), "drop table  " + MsSqlName(DestName(name)));
+    } catch (const RunTimeError& error) {
+      ReportTableFailure(name, error);
+    }
+  }
+}
+
+void MySqlToMsSql::PrepareTable(const TableDefinition&) {}
+
+TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
+  const std::string& name = tab_src.Name();
+  const std::vector<ColumnDescription> descriptions = ShowColumns(Source(), MySqlName(name));
+  TableDefinition table{name, DestName(name), {}};
+  for (const ado::Column& column : tab_src.Columns()) {
+    table.columns.push_back({GetColumnType(column, descriptions), column.name});
+  }
+  return table;
+}
+
+std::string MySqlToMsSql::CreateTableStatement(const TableDefinition& table) const {
+  std::string statement = "Create Table " + MsSqlName(table.dest_name) + "(";
+  const char* separator = "";
+  for (const TableDefinition::Column& column : table.columns) {
+    statement += separator + MsSqlName(DestName(column.name)) + " " + column.text;
+    separator = ", ";
+  }
+  return statement + ")";
+}
+
+std::string MySqlToMsSql::SourceName(std::string_view name) const {
+  return MySqlName(name);
+}
+
+void MySqlToMsSql::RelateTable(const std::string& name) {
+  ado::Table& tab_src = SourceCatalog().TableByName(name);
+  Events().TableRelationsConversionStarted(tab_src.Name());
+  AddRelationships(tab_src);
+}
+
+void MySqlToMsSql::ReportTableFailure(const std::string& name, const RunTimeError& error) {
+  const auto* failure = dynamic_cast<const DestinationFailure*>(&error);
+  const ado::Error* entry = failure != nullptr ? failure->Primary() : nullptr;
+  if (failure == nullptr && error.Number() == ado::kItemNotFound) {
+    RaiseError(
+        fmt::format("Table {} does not exist in the source database  '{}'", name, SourceDatabase()),
+        kDestinationTitle);
+    return;
+  }
+  if (entry == nullptr) {
+    RaiseError(fmt::format("Unknown error {} - {}", error.Number(), error.Description()),
+               kSourceTitle);
+    return;
+  }
+  if (entry->native_error == kNoSuchTable) return;
+  if (entry->native_error == kTableIsReferenced) {
+    RaiseError(fmt::format("Could not drop table '{}' due to relationship(s) with other table(s)",
+                           DestName(name)),
+               kDestinationTitle);
+    return;
+  }
+  if (entry->native_error != kObjectExists || !IsOverwriting()) {
+    RaiseError(fmt::format("Unknown error {} - {}", entry->native_error, entry->description),
+               kSourceTitle);
+  }
+  Events().TableConversionFailed(name);
+}
+
+}  // namespace dorvane

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "endpoint/failure.h"
+#include "endpoint/row_copier.h"
+#include "endpoint/table_definition.h"
+#include "mysql/to_mssql/literal_shape.h"
+#include "platform/ado/connection.h"
+
+namespace dorvane {
+
+/// A SQL Server table that rows of a MySQL table are copied into.
+class RowsToMsSql : public IRowDestination {
+ public:
+  struct Target {
+    std::string table;                 // without brackets
+    bool has_identity_column = false;  // its values come with the rows
+    bool is_new = false;               // just created: no triggers, no foreign keys
+    bool leaves_violations_out = false;
+  };
+
+  /// `fields` and `facts` describe the source's columns in their order and, like the connection,
+  /// must outlive this.
+  RowsToMsSql(ado::Connection& destination, Target target,
+              const std::vector<ado::FieldInfo>& fields, const std::vector<ColumnFacts>& facts);
+
+  bool TakesBlocks() override;
+  ado::Value ConvertValue(const ado::Value& value, std::size_t column,
+                          ado::Arena& storage) override;
+  BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
+                         std::size_t count) override;
+  RowResult StoreRow(const ado::RowBlock& converted, std::size_t row) override;
+
+ private:
+  void AppendRow(std::span<const ado::Value> literals);
+  bool JoinsLastInsert();
+  void SendBatch();
+  bool ExecuteUnlessViolated(const std::string& statement);
+  void LearnTypes();
+  bool HasTriggers();
+  bool RefersToItself();
+
+  ado::Connection& destination_;
+  const Target target_;
+  const std::vector<ado::FieldInfo>& fields_;
+  const std::vector<ColumnFacts>& facts_;
+  std::vector<ado::DataType> types_;  // of the destination's columns; Empty: not known
+  std::string head_;                  // "INSERT INTO ... (...) "
+  std::string identity_on_;           // empty without an identity column
+  std::string identity_off_;
+
+  std::string literal_;                      // the value in hand, in the reading thread
+  std::vector<LiteralShape> row_shapes_;     // of the row in hand
+  std::vector<LiteralShape> insert_shapes_;  // those of the INSERT that is being built
+  std::size_t insert_rows_ = 0;              // rows in that INSERT; 0: there is none
+  std::string batch_;
+};
+
+}  // namespace dorvane
