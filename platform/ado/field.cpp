@@ -6,16 +6,6 @@
 
 namespace dorvane::ado {
 
-namespace {
-
-std::string_view BytesOf(const Value& value) {
-  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
-  if (const auto* binary = std::get_if<Binary>(&value)) return binary->bytes;
-  return {};
-}
-
-}  // namespace
-
 const ado::Value& Field::Value() const {
   if (value_ == nullptr) {
     throw RunTimeError(kNoCurrentRecord, "ADODB.Field",

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "platform/help/html_text.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::help {
 
@@ -96,15 +97,15 @@ std::optional<std::string> HelpBook::Read(std::string_view path) const {
 
 std::vector<Topic> HelpBook::Search(std::string_view query) const {
   std::vector<std::string> words;
-  std::istringstream stream(ToLower(query));
+  std::istringstream stream(text::ToLower(query));
   for (std::string word; stream >> word;) words.push_back(word);
 
   std::vector<std::pair<std::size_t, Topic>> found;
   for (const std::string& path : file_.List()) {
-    if (!ToLower(path).ends_with(".html")) continue;
+    if (!text::ToLower(path).ends_with(".html")) continue;
     const std::string html = file_.Read(path).value_or("");
     const std::string title = TitleOf(html);
-    const std::size_t score = Score(words, ToLower(title), ToLower(PlainText(html)));
+    const std::size_t score = Score(words, text::ToLower(title), text::ToLower(PlainText(html)));
     if (score > 0) found.emplace_back(score, Topic{path, title});
   }
   std::ranges::stable_sort(found, std::greater<>(), [](const auto& hit) { return hit.first; });

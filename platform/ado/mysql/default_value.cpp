@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/ado/mysql/catalog.h"
+#include "platform/text/ascii.h"
 #include "platform/text/number_text.h"
 
 namespace dorvane::ado::mysql {

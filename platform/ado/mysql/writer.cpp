@@ -20,12 +20,6 @@ constexpr std::size_t kMaxJoinedRows = 512;
 constexpr std::size_t kRequestOverhead = 64;
 constexpr std::size_t kValueOverhead = 12;
 
-std::string_view BytesOf(const Value& value) {
-  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
-  if (const auto* binary = std::get_if<Binary>(&value)) return binary->bytes;
-  return {};
-}
-
 /// Bytes go as a binary string, text as text of the connection's character set.
 enum_field_types ParameterType(const Value& value) {
   return std::holds_alternative<Binary>(value) ? MYSQL_TYPE_BLOB : MYSQL_TYPE_STRING;

@@ -6,6 +6,8 @@
 #include <array>
 #include <string>
 
+#include "platform/text/ascii.h"
+
 namespace dorvane::ado::odbc {
 
 namespace {
@@ -74,14 +76,6 @@ constexpr auto kTypes = std::to_array<ServerType>({
 constexpr ServerType kUnknown = {
     "", 0, DataType::LongVarWChar, Transfer::Text, Characters, false, 0, 0, kMaxWide};
 
-std::string FirstWord(std::string_view text) {
-  std::string word;
-  for (const char c : text.substr(0, text.find_first_of(" ("))) {
-    word += c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-  }
-  return word;
-}
-
 bool IsAlwaysLong(const ServerType& type) {
   switch (type.code) {
     case SQL_LONGVARCHAR:
@@ -108,7 +102,7 @@ int FractionDigits(const ServerType& type, const ColumnMeasures& measures) {
 }  // namespace
 
 const ServerType& FindServerType(std::string_view type_name, SQLSMALLINT code) {
-  const std::string name = FirstWord(type_name);
+  const std::string name = text::ToLower(type_name.substr(0, type_name.find_first_of(" (")));
   const auto named = std::find_if(kTypes.begin(), kTypes.end(),
                                   [&](const auto& type) { return type.name == name; });
   if (named != kTypes.end()) return *named;
