@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/ado/odbc/diagnostics.h"
-#include "platform/ado/odbc/fetched_value.h"
+#include "platform/ado/types.h"
 
 namespace dorvane::ado::odbc {
 
@@ -18,52 +18,14 @@ constexpr std::size_t kFirstPiece = 64 * 1024;
 /// A buffer that one large value made larger is given back before the next value.
 constexpr std::size_t kKeptLongBuffer = 1024 * 1024;
 
-struct FetchForm {
-  SQLSMALLINT c_type;
-  std::size_t unit;        // bytes per declared character or byte; 0: the size is fixed
-  std::size_t terminator;  // bytes that the driver puts behind text
-  std::size_t fixed;       // size of an element that has no declared size
-};
-
-FetchForm FormOf(Transfer transfer) {
-  switch (transfer) {
-    case Transfer::Bit:
-      return {SQL_C_BIT, 0, 0, 1};
-    case Transfer::Integer:
-      return {SQL_C_SBIGINT, 0, 0, sizeof(std::int64_t)};
-    case Transfer::Real:
-      return {SQL_C_FLOAT, 0, 0, sizeof(float)};
-    case Transfer::Float:
-      return {SQL_C_DOUBLE, 0, 0, sizeof(double)};
-    case Transfer::Decimal:
-      return {SQL_C_CHAR, 0, 1, 48};
-    case Transfer::Date:
-      return {SQL_C_TYPE_DATE, 0, 0, sizeof(SQL_DATE_STRUCT)};
-    case Transfer::Timestamp:
-      return {SQL_C_TYPE_TIMESTAMP, 0, 0, sizeof(SQL_TIMESTAMP_STRUCT)};
-    case Transfer::Time:
-    case Transfer::TimestampOffset:
-      return {SQL_C_CHAR, 0, 1, 48};
-    case Transfer::Guid:
-      return {SQL_C_GUID, 0, 0, sizeof(SQLGUID)};
-    case Transfer::Bytes:
-      return {SQL_C_BINARY, 1, 0, 0};
-    case Transfer::Text:
-    case Transfer::Variant:
-      return {SQL_C_WCHAR, sizeof(char16_t), sizeof(char16_t), 0};
-  }
-  return {SQL_C_WCHAR, sizeof(char16_t), sizeof(char16_t), 0};
-}
-
 }  // namespace
 
-ColumnBuffer::ColumnBuffer(const ServerType& type, std::int64_t size, bool is_long,
-                           std::string name)
-    : transfer_(type.transfer), is_long_(is_long), name_(std::move(name)) {
+ColumnBuffer::ColumnBuffer(Transfer transfer, std::int64_t size, bool is_long, std::string name)
+    : transfer_(transfer), is_long_(is_long), name_(std::move(name)) {
   const FetchForm form = FormOf(transfer_);
   c_type_ = form.c_type;
   terminator_ = form.terminator;
-  element_size_ = form.unit == 0 ? form.fixed : size * form.unit + form.terminator;
+  element_size_ = form.unit == 0 ? form.fixed_size : size * form.unit + form.terminator;
 }
 
 void ColumnBuffer::Bind(SQLHANDLE statement, SQLUSMALLINT column, std::size_t rows) {

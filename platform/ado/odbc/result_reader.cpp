@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/ado/odbc/diagnostics.h"
+#include "platform/ado/odbc/server_types.h"
 #include "platform/ado/odbc/utf16.h"
 
 namespace dorvane::ado::odbc {
@@ -120,7 +121,7 @@ void OdbcResultReader::DescribeColumn(SQLUSMALLINT column) {
   const ColumnMeasures measures = {static_cast<std::int64_t>(size), scale};
   FieldInfo field = DescribeField(type, measures);
   field.name = ToUtf8(name);
-  columns_.emplace_back(type, measures.size, IsUnlimited(type, measures), field.name);
+  columns_.emplace_back(type.transfer, measures.size, IsUnlimited(type, measures), field.name);
   fields_.push_back(std::move(field));
 }
 

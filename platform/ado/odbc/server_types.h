@@ -6,26 +6,10 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/ado/odbc/transfer.h"
 #include "platform/ado/types.h"
 
 namespace dorvane::ado::odbc {
-
-/// How the values of a column are fetched and what Value they become.
-enum class Transfer {
-  Bit,              // bool
-  Integer,          // std::int64_t
-  Real,             // float
-  Float,            // double
-  Decimal,          // decimal text
-  Date,             // DateTime at midnight
-  Time,             // DateTime on 1899-12-30
-  Timestamp,        // DateTime
-  TimestampOffset,  // text "yyyy-mm-dd hh:mm:ss[.fffffff] +hh:mm"
-  Guid,
-  Text,  // UTF-8
-  Bytes,
-  Variant,  // the bytes of the value's text form in UTF-8
-};
 
 /// What a server type's declared size means.
 enum class SizeMeaning { None, Characters, Bytes };

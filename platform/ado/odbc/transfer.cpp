@@ -1,4 +1,4 @@
-#include "platform/ado/odbc/fetched_value.h"
+#include "platform/ado/odbc/transfer.h"
 
 #include <fmt/format.h>
 #include <sql.h>
@@ -10,6 +10,7 @@
 
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/utf16.h"
+#include "platform/ado/types.h"
 
 namespace dorvane::ado::odbc {
 
@@ -86,6 +87,36 @@ Guid StoreGuid(const SQLGUID& guid, Arena& storage) {
 }
 
 }  // namespace
+
+FetchForm FormOf(Transfer transfer) {
+  switch (transfer) {
+    case Transfer::Bit:
+      return {SQL_C_BIT, 0, 0, 1};
+    case Transfer::Integer:
+      return {SQL_C_SBIGINT, 0, 0, sizeof(std::int64_t)};
+    case Transfer::Real:
+      return {SQL_C_FLOAT, 0, 0, sizeof(float)};
+    case Transfer::Float:
+      return {SQL_C_DOUBLE, 0, 0, sizeof(double)};
+    case Transfer::Decimal:
+      return {SQL_C_CHAR, 0, 1, 48};
+    case Transfer::Date:
+      return {SQL_C_TYPE_DATE, 0, 0, sizeof(SQL_DATE_STRUCT)};
+    case Transfer::Timestamp:
+      return {SQL_C_TYPE_TIMESTAMP, 0, 0, sizeof(SQL_TIMESTAMP_STRUCT)};
+    case Transfer::Time:
+    case Transfer::TimestampOffset:
+      return {SQL_C_CHAR, 0, 1, 48};
+    case Transfer::Guid:
+      return {SQL_C_GUID, 0, 0, sizeof(SQLGUID)};
+    case Transfer::Bytes:
+      return {SQL_C_BINARY, 1, 0, 0};
+    case Transfer::Text:
+    case Transfer::Variant:
+      return {SQL_C_WCHAR, sizeof(char16_t), sizeof(char16_t), 0};
+  }
+  return {SQL_C_WCHAR, sizeof(char16_t), sizeof(char16_t), 0};
+}
 
 Value ToValue(Transfer transfer, std::string_view fetched, Arena& storage) {
   switch (transfer) {

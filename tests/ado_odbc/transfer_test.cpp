@@ -1,4 +1,4 @@
-#include "platform/ado/odbc/fetched_value.h"
+#include "platform/ado/odbc/transfer.h"
 
 #include <gtest/gtest.h>
 #include <sql.h>
