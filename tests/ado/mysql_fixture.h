@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "platform/ado/connection.h"
-#include "platform/ado/mysql/provider.h"
+#include "platform/ado/mysql/session.h"
 #include "tests/support/servers.h"
 
 namespace dorvane::ado {

@@ -102,6 +102,10 @@ MYSQL_STMT* RowWriter::Prepared(Statement& statement, std::size_t rows) {
 }
 
 void RowWriter::Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds) {
+  // The library would read past the bindings of a statement with more parameters.
+  if (mysql_stmt_param_count(statement) != binds.size()) {
+    throw MalformedPacket("a statement with other parameters than were sent");
+  }
   const bool bound = binds.empty() || mysql_stmt_bind_param(statement, binds.data()) == 0;
   if (!bound || mysql_stmt_execute(statement) != 0) {
     ThrowError(statement, session_.Link().client.get());
