@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include "endpoint/value_text.h"
+#include "endpoint/literal_text.h"
 #include "mssql/mssql_database.h"
 
 namespace dorvane {

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
-#include "endpoint/value_text.h"
+#include "endpoint/date_time_text.h"
+#include "endpoint/literal_text.h"
+#include "endpoint/number_literal.h"
 #include "mysql/mysql_database.h"
 #include "mysql/values.h"
 #include "platform/text/number_text.h"

@@ -6,7 +6,7 @@
 #include <array>
 #include <utility>
 
-#include "endpoint/value_text.h"
+#include "endpoint/literal_text.h"
 #include "mysql/mysql_database.h"
 #include "mysql/values.h"
 #include "platform/text/number_text.h"

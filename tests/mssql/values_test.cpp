@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "endpoint/value_text.h"
+#include "endpoint/literal_text.h"
 
 namespace dorvane {
 namespace {
