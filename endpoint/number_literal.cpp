@@ -88,7 +88,7 @@ std::string NumberText(std::string_view number) {
   std::string_view digits = trimmed.substr(negative || trimmed.front() == '+' ? 1 : 0);
 
   std::string plain(digits);
-  if (digits.find_first_of("eEdD") != std::string_view::npos) {
+  if (digits.find_first_of("eE") != std::string_view::npos) {
     double value = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), value);
     plain.resize(text::kFloatSize);

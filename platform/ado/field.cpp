@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <variant>
-
 #include "platform/ado/recordset.h"
 #include "platform/ado/value_text.h"
 
@@ -19,16 +16,6 @@ std::string Field::Text() const {
   return ToText(Value(), info_->type);
 }
 
-std::size_t Field::ActualSize() const {
-  return BytesOf(Value()).size();
-}
-
-std::string_view Field::GetChunk(std::size_t size) {
-  const std::string_view chunk = BytesOf(Value()).substr(chunk_position_, size);
-  chunk_position_ += chunk.size();
-  return chunk;
-}
-
 void Field::SetNull() {
   pending_ = Pending::None;
   pending_value_.clear();
@@ -43,11 +30,6 @@ void Field::AppendChunk(std::string_view bytes) {
   if (pending_ != Pending::Bytes) pending_value_.clear();
   pending_ = Pending::Bytes;
   pending_value_ += bytes;
-}
-
-void Field::StandOn(const ado::Value* value) {
-  value_ = value;
-  chunk_position_ = 0;
 }
 
 ado::Value Field::PendingValue() const {

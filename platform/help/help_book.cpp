@@ -62,7 +62,7 @@ HelpBook::HelpBook(const std::filesystem::path& path) : file_(path) {
 
 void HelpBook::ReadSystem() {
   // A version number, then entries of a code, a length and that many bytes.
-  enum Code : std::uint32_t { kContentsFile = 0, kIndexFile = 1, kDefaultTopic = 2, kTitle = 3 };
+  enum Code : std::uint32_t { kContentsFile = 0, kIndexFile = 1, kDefaultTopic = 2 };
   const std::string system = file_.Read("/#SYSTEM").value_or("");
   for (std::size_t place = 4; place + 4 <= system.size();) {
     const std::uint32_t code = Number(system, place, 2);
@@ -71,7 +71,6 @@ void HelpBook::ReadSystem() {
     if (code == kContentsFile) contents_ = ReadSiteMap(Read(text).value_or(""));
     if (code == kIndexFile) index_ = ReadSiteMap(Read(text).value_or(""));
     if (code == kDefaultTopic) default_topic_ = FromTop(text);
-    if (code == kTitle) title_ = text;
     place += 4 + length;
   }
 }

@@ -40,7 +40,7 @@ std::string_view Between(std::string_view html, const std::string& lower, const 
   return from <= end ? html.substr(from, end - from) : std::string_view();
 }
 
-std::string WithoutTags(std::string_view html) {
+std::string StripTags(std::string_view html) {
   std::string text;
   bool in_tag = false;
   for (const char c : html) {
@@ -56,7 +56,7 @@ std::string WithoutTags(std::string_view html) {
   return text;
 }
 
-std::string SingleBlanks(std::string_view text) {
+std::string CollapseWhiteSpace(std::string_view text) {
   std::string joined;
   bool gap = false;
   for (const char c : text) {
@@ -87,12 +87,12 @@ std::string DecodeEntities(std::string_view text) {
 }
 
 std::string TitleOf(std::string_view html) {
-  return SingleBlanks(DecodeEntities(Between(html, text::ToLower(html), "title")));
+  return CollapseWhiteSpace(DecodeEntities(Between(html, text::ToLower(html), "title")));
 }
 
 std::string PlainText(std::string_view html) {
   const std::string_view body = Between(html, text::ToLower(html), "body");
-  return SingleBlanks(DecodeEntities(WithoutTags(body.empty() ? html : body)));
+  return CollapseWhiteSpace(DecodeEntities(StripTags(body.empty() ? html : body)));
 }
 
 }  // namespace dorvane::help

@@ -51,7 +51,7 @@ Column ToColumn(const CatalogRow& row) {
   if (row.Number("NULLABLE") != SQL_NO_NULLS) column.attributes |= kColumnNullable;
   if (const auto expression = row.OptionalText("COLUMN_DEF")) {
     column.default_value = DefaultValue(*expression);
-    if (type.transfer == Transfer::Guid && column.default_value) {
+    if (type.fetch_type == FetchType::Guid && column.default_value) {
       column.default_value = Braced(*std::move(column.default_value));
     }
   }

@@ -11,7 +11,7 @@
 namespace dorvane::ado::odbc {
 
 /// How the values of a column are fetched and what Value they become.
-enum class Transfer {
+enum class FetchType {
   Bit,              // bool
   Integer,          // std::int64_t
   Real,             // float
@@ -28,17 +28,17 @@ enum class Transfer {
 };
 
 /// How the driver is asked for a value, and the buffer that it takes.
-struct FetchForm {
+struct FetchBinding {
   SQLSMALLINT c_type = 0;
   std::size_t unit = 0;        // bytes per declared character or byte; 0: the size is fixed
   std::size_t terminator = 0;  // bytes that the driver puts behind text
   std::size_t fixed_size = 0;  // bytes of a value without a declared size
 };
-FetchForm FormOf(Transfer transfer);
+FetchBinding BindingOf(FetchType fetch_type);
 
 /// The value of a fetch buffer's bytes: an ODBC structure, a number, UTF-16 text or bytes, as
-/// `transfer` asks for them. Text and bytes are put into `storage`. Throws ProviderError for a time
-/// that is no time.
-Value ToValue(Transfer transfer, std::string_view fetched, Arena& storage);
+/// `fetch_type` asks for them. Text and bytes are put into `storage`. Throws ProviderError for a
+/// time that is no time.
+Value ToValue(FetchType fetch_type, std::string_view fetched, Arena& storage);
 
 }  // namespace dorvane::ado::odbc
