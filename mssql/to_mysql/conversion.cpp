@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "endpoint/names.h"
-#include "endpoint/value_text.h"
+#include "endpoint/literal_text.h"
 #include "mssql/to_mysql/columns.h"
 
 namespace dorvane {

@@ -1,6 +1,8 @@
 #include "mssql/to_mysql/literals.h"
 
-#include "endpoint/value_text.h"
+#include "endpoint/date_time_text.h"
+#include "endpoint/literal_text.h"
+#include "endpoint/number_literal.h"
 
 namespace dorvane {
 

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 
-#include "endpoint/value_text.h"
+#include "endpoint/date_time_text.h"
+#include "endpoint/literal_text.h"
+#include "endpoint/number_literal.h"
 #include "mysql/to_mssql/literals.h"
 #include "platform/text/number_text.h"
 

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
-#include "endpoint/value_text.h"
+#include "endpoint/date_time_text.h"
+#include "endpoint/literal_text.h"
+#include "endpoint/number_literal.h"
 #include "platform/text/code_page.h"
 
 namespace dorvane {

@@ -6,8 +6,8 @@
 #include <array>
 #include <utility>
 
+#include "endpoint/literal_text.h"
 #include "endpoint/names.h"
-#include "endpoint/value_text.h"
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/literals.h"
 #include "platform/text/number_text.h"

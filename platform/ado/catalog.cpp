@@ -1,8 +1,6 @@
 #include "platform/ado/catalog.h"
 
-#include <algorithm>
-
-#include "platform/text/number_text.h"
+#include "platform/ado/items.h"
 
 namespace dorvane::ado {
 
@@ -25,17 +23,8 @@ Table& Catalog::TableByName(std::string_view name) {
   if (const auto known = tables_.find(name); known != tables_.end()) return known->second;
   // Read afresh for every name not met before: tables may have been created since.
   const std::vector<TableInfo> infos = Tables();
-  auto found = std::ranges::find(infos, name, &TableInfo::name);
-  if (found == infos.end()) {
-    found = std::ranges::find_if(
-        infos, [&](const TableInfo& info) { return text::EqualsIgnoringCase(info.name, name); });
-  }
-  if (found == infos.end()) {
-    throw RunTimeError(kItemNotFound, "ADOX.Tables",
-                       "Item cannot be found in the collection corresponding to the requested "
-                       "name or ordinal.");
-  }
-  return tables_.try_emplace(found->name, connection_, *found).first->second;
+  const TableInfo& found = FindItem(infos, name, "ADOX.Tables");
+  return tables_.try_emplace(found.name, connection_, found).first->second;
 }
 
 }  // namespace dorvane::ado

@@ -1,20 +1,7 @@
-#include <algorithm>
-#include <variant>
-
 #include "platform/ado/recordset.h"
 #include "platform/ado/value_text.h"
 
 namespace dorvane::ado {
-
-namespace {
-
-std::string_view BytesOf(const Value& value) {
-  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
-  if (const auto* binary = std::get_if<Binary>(&value)) return binary->bytes;
-  return {};
-}
-
-}  // namespace
 
 const ado::Value& Field::Value() const {
   if (value_ == nullptr) {
@@ -27,16 +14,6 @@ const ado::Value& Field::Value() const {
 
 std::string Field::Text() const {
   return ToText(Value(), info_->type);
-}
-
-std::size_t Field::ActualSize() const {
-  return BytesOf(Value()).size();
-}
-
-std::string_view Field::GetChunk(std::size_t size) {
-  const std::string_view chunk = BytesOf(Value()).substr(chunk_position_, size);
-  chunk_position_ += chunk.size();
-  return chunk;
 }
 
 void Field::SetNull() {
@@ -53,11 +30,6 @@ void Field::AppendChunk(std::string_view bytes) {
   if (pending_ != Pending::Bytes) pending_value_.clear();
   pending_ = Pending::Bytes;
   pending_value_ += bytes;
-}
-
-void Field::StandOn(const ado::Value* value) {
-  value_ = value;
-  chunk_position_ = 0;
 }
 
 ado::Value Field::PendingValue() const {

@@ -1,9 +1,10 @@
 #include "platform/ado/recordset.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/ado/connection.h"
-#include "platform/text/number_text.h"
+#include "platform/ado/items.h"
 
 namespace dorvane::ado {
 
@@ -11,7 +12,7 @@ struct Recordset::State final : Connection::Dependent {
   State(Connection& owner, std::unique_ptr<ResultReader> result)
       : connection(&owner), reader(std::move(result)) {
     owner.dependents_.push_back(this);
-    ShowFields(reader->Fields());
+    SetFields(reader->Fields());
   }
 
   State(Connection& owner, std::unique_ptr<TableWriter> target,
@@ -21,7 +22,7 @@ struct Recordset::State final : Connection::Dependent {
     std::vector<FieldInfo> named(columns.size());
     std::ranges::transform(columns, named.begin(),
                            [](const std::string& name) { return FieldInfo{.name = name}; });
-    ShowFields(std::move(named));
+    SetFields(std::move(named));
   }
 
   State(const State&) = delete;
@@ -37,17 +38,17 @@ struct Recordset::State final : Connection::Dependent {
     connection = nullptr;
   }
 
-  void ShowFields(std::vector<FieldInfo> shown) {
-    infos = std::move(shown);
+  void SetFields(std::vector<FieldInfo> described) {
+    infos = std::move(described);
     fields.assign(infos.size(), {});
     for (std::size_t i = 0; i < infos.size(); ++i) fields[i].info_ = &infos[i];
     started = false;
     at_end = infos.empty();
   }
 
-  void StandOnRow() {
+  void BindFields() {
     for (std::size_t i = 0; i < fields.size(); ++i) {
-      fields[i].StandOn(at_end ? nullptr : &block.Row(row)[i]);
+      fields[i].value_ = at_end ? nullptr : &block.Row(row)[i];
     }
   }
 
@@ -64,8 +65,8 @@ struct Recordset::State final : Connection::Dependent {
 
   void NextBlock() {
     row = 0;
-    for (ado::Field& field : fields) field.StandOn(nullptr);
-    if (Read(block)) StandOnRow();
+    for (ado::Field& field : fields) field.value_ = nullptr;
+    if (Read(block)) BindFields();
   }
 
   void Start() {
@@ -91,8 +92,10 @@ struct Recordset::State final : Connection::Dependent {
 
 namespace {
 
+constexpr const char* kSource = "ADODB.Recordset";
+
 [[noreturn]] void Fail(std::int32_t number, const char* description) {
-  throw RunTimeError(number, "ADODB.Recordset", description);
+  throw RunTimeError(number, kSource, description);
 }
 
 }  // namespace
@@ -143,23 +146,15 @@ std::size_t Recordset::FieldCount() const {
 
 ado::Field& Recordset::Field(std::size_t index) {
   State& state = Opened();
-  if (index >= state.fields.size()) {
-    Fail(kItemNotFound,
-         "Item cannot be found in the collection corresponding to the requested "
-         "name or ordinal.");
-  }
+  if (index >= state.fields.size()) ThrowItemNotFound(kSource);
   state.Start();
   return state.fields[index];
 }
 
 ado::Field& Recordset::Field(std::string_view name) {
   const std::vector<FieldInfo>& infos = Opened().infos;
-  auto found = std::ranges::find(infos, name, &FieldInfo::name);
-  if (found == infos.end()) {
-    found = std::ranges::find_if(
-        infos, [&](const FieldInfo& info) { return text::EqualsIgnoringCase(info.name, name); });
-  }
-  return Field(static_cast<std::size_t>(found - infos.begin()));
+  const FieldInfo& found = FindItem(infos, name, kSource);
+  return Field(static_cast<std::size_t>(&found - infos.data()));
 }
 
 bool Recordset::AtEnd() const {
@@ -172,7 +167,7 @@ void Recordset::MoveNext() {
   if (AtEnd()) Fail(kNoCurrentRecord, "The recordset is behind its last row.");
   State& state = *state_;
   if (++state.row < state.block.Rows()) {
-    state.StandOnRow();
+    state.BindFields();
   } else {
     state.NextBlock();
   }
@@ -181,7 +176,7 @@ void Recordset::MoveNext() {
 bool Recordset::NextRecordset() {
   State& state = Reading();
   const bool found = state.connection->Guarded([&] { return state.reader->NextResult(); });
-  state.ShowFields(found ? state.reader->Fields() : std::vector<FieldInfo>());
+  state.SetFields(found ? state.reader->Fields() : std::vector<FieldInfo>());
   return found;
 }
 

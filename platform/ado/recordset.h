@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,17 +18,12 @@ class Connection;
 /// A field of the current row: a handle, valid until its recordset steps to another result.
 class Field {
  public:
-  const FieldInfo& Info() const { return *info_; }
   /// The current row's value; text and bytes are valid until the recordset moves. Throws
   /// RunTimeError kNoCurrentRecord before a row is there.
   const ado::Value& Value() const;
   /// The value as text: see ToText.
   std::string Text() const;
   bool IsNull() const { return ado::IsNull(Value()); }
-  /// Bytes of a binary or text value, 0 for any other.
-  std::size_t ActualSize() const;
-  /// The next `size` bytes (fewer at the end) of a binary or text value; empty for any other.
-  std::string_view GetChunk(std::size_t size);
 
   /// Of a row begun by AddNew. A field that is not set stays NULL.
   void SetNull();
@@ -40,18 +33,16 @@ class Field {
 
  private:
   friend class Recordset;
-  void StandOn(const ado::Value* value);
   ado::Value PendingValue() const;
 
   const FieldInfo* info_ = nullptr;
   const ado::Value* value_ = nullptr;  // set by the recordset for each row
-  std::size_t chunk_position_ = 0;
   // The pending value of a row begun by AddNew.
   enum class Pending { None, Text, Bytes } pending_ = Pending::None;
   std::string pending_value_;
 };
 
-/// Rows from a server, or rows on their way into a table. A reading recordset stands on its first
+/// Rows from a server, or rows on their way into a table. A reading recordset is on its first
 /// row after it was opened; it holds one block of rows, never the whole result, and asks the server
 /// for the first one when it is first looked at. Move-only; closing or destroying it early cancels
 /// the statement. Throws RunTimeError kObjectClosed once it, or its connection, was closed.

@@ -1,7 +1,6 @@
 #include "platform/ado/row_block.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace dorvane::ado {
 

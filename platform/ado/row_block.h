@@ -46,7 +46,6 @@ class RowBlock {
   RowBlock(RowBlock&&) = default;
   RowBlock& operator=(RowBlock&&) = default;
 
-  const BlockLimits& Limits() const { return limits_; }
   std::size_t Rows() const { return columns_ == 0 ? 0 : values_.size() / columns_; }
   std::size_t Columns() const { return columns_; }
   std::size_t Bytes() const { return arena_.BytesUsed() + values_.size() * sizeof(Value); }

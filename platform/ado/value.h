@@ -50,4 +50,11 @@ inline bool IsNull(const Value& value) {
   return std::holds_alternative<Null>(value);
 }
 
+/// The bytes of a text or of bytes; empty for any other value.
+inline std::string_view BytesOf(const Value& value) {
+  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
+  if (const auto* binary = std::get_if<Binary>(&value)) return binary->bytes;
+  return {};
+}
+
 }  // namespace dorvane::ado

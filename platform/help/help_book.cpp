@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "platform/help/html_text.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::help {
 
@@ -61,7 +62,7 @@ HelpBook::HelpBook(const std::filesystem::path& path) : file_(path) {
 
 void HelpBook::ReadSystem() {
   // A version number, then entries of a code, a length and that many bytes.
-  enum Code : std::uint32_t { kContentsFile = 0, kIndexFile = 1, kDefaultTopic = 2, kTitle = 3 };
+  enum Code : std::uint32_t { kContentsFile = 0, kIndexFile = 1, kDefaultTopic = 2 };
   const std::string system = file_.Read("/#SYSTEM").value_or("");
   for (std::size_t place = 4; place + 4 <= system.size();) {
     const std::uint32_t code = Number(system, place, 2);
@@ -70,7 +71,6 @@ void HelpBook::ReadSystem() {
     if (code == kContentsFile) contents_ = ReadSiteMap(Read(text).value_or(""));
     if (code == kIndexFile) index_ = ReadSiteMap(Read(text).value_or(""));
     if (code == kDefaultTopic) default_topic_ = FromTop(text);
-    if (code == kTitle) title_ = text;
     place += 4 + length;
   }
 }
@@ -96,15 +96,15 @@ std::optional<std::string> HelpBook::Read(std::string_view path) const {
 
 std::vector<Topic> HelpBook::Search(std::string_view query) const {
   std::vector<std::string> words;
-  std::istringstream stream(ToLower(query));
+  std::istringstream stream(text::ToLower(query));
   for (std::string word; stream >> word;) words.push_back(word);
 
   std::vector<std::pair<std::size_t, Topic>> found;
   for (const std::string& path : file_.List()) {
-    if (!ToLower(path).ends_with(".html")) continue;
+    if (!text::ToLower(path).ends_with(".html")) continue;
     const std::string html = file_.Read(path).value_or("");
     const std::string title = TitleOf(html);
-    const std::size_t score = Score(words, ToLower(title), ToLower(PlainText(html)));
+    const std::size_t score = Score(words, text::ToLower(title), text::ToLower(PlainText(html)));
     if (score > 0) found.emplace_back(score, Topic{path, title});
   }
   std::ranges::stable_sort(found, std::greater<>(), [](const auto& hit) { return hit.first; });

@@ -5,6 +5,9 @@
 #include <charconv>
 #include <utility>
 
+#include "platform/text/ascii.h"
+#include "platform/text/utf8.h"
+
 namespace dorvane::help {
 
 namespace {
@@ -12,34 +15,13 @@ namespace {
 constexpr std::array<std::pair<std::string_view, std::string_view>, 5> kEntities{
     {{"amp", "&"}, {"lt", "<"}, {"gt", ">"}, {"quot", "\""}, {"nbsp", " "}}};
 
-void AppendUtf8(std::string& text, unsigned code) {
-  const auto tail = [&](unsigned shift) {
-    text += static_cast<char>(0x80 | ((code >> shift) & 0x3F));
-  };
-  if (code < 0x80) {
-    text += static_cast<char>(code);
-  } else if (code < 0x800) {
-    text += static_cast<char>(0xC0 | (code >> 6));
-    tail(0);
-  } else if (code < 0x10000) {
-    text += static_cast<char>(0xE0 | (code >> 12));
-    tail(6);
-    tail(0);
-  } else {
-    text += static_cast<char>(0xF0 | (code >> 18));
-    tail(12);
-    tail(6);
-    tail(0);
-  }
-}
-
 /// Appends the character that an entity's name stands for; false when it is none.
 bool AppendEntity(std::string& text, std::string_view name) {
   if (name.starts_with('#')) {
     unsigned code = 0;
     const auto [end, error] = std::from_chars(name.data() + 1, name.data() + name.size(), code);
     const bool valid = error == std::errc() && end == name.data() + name.size() && code < 0x110000;
-    if (valid) AppendUtf8(text, code);
+    if (valid) text::AppendUtf8(text, code);
     return valid;
   }
   const auto* entity =
@@ -58,7 +40,7 @@ std::string_view Between(std::string_view html, const std::string& lower, const 
   return from <= end ? html.substr(from, end - from) : std::string_view();
 }
 
-std::string WithoutTags(std::string_view html) {
+std::string StripTags(std::string_view html) {
   std::string text;
   bool in_tag = false;
   for (const char c : html) {
@@ -74,11 +56,11 @@ std::string WithoutTags(std::string_view html) {
   return text;
 }
 
-std::string SingleBlanks(std::string_view text) {
+std::string CollapseWhiteSpace(std::string_view text) {
   std::string joined;
   bool gap = false;
   for (const char c : text) {
-    const bool blank = c == ' ' || c == '\n' || c == '\r' || c == '\t';
+    const bool blank = text::kWhiteSpace.find(c) != std::string_view::npos;
     if (!blank && gap && !joined.empty()) joined += ' ';
     if (!blank) joined += c;
     gap = blank;
@@ -104,21 +86,13 @@ std::string DecodeEntities(std::string_view text) {
   return decoded;
 }
 
-std::string ToLower(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
-
 std::string TitleOf(std::string_view html) {
-  return SingleBlanks(DecodeEntities(Between(html, ToLower(html), "title")));
+  return CollapseWhiteSpace(DecodeEntities(Between(html, text::ToLower(html), "title")));
 }
 
 std::string PlainText(std::string_view html) {
-  const std::string_view body = Between(html, ToLower(html), "body");
-  return SingleBlanks(DecodeEntities(WithoutTags(body.empty() ? html : body)));
+  const std::string_view body = Between(html, text::ToLower(html), "body");
+  return CollapseWhiteSpace(DecodeEntities(StripTags(body.empty() ? html : body)));
 }
 
 }  // namespace dorvane::help

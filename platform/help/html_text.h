@@ -14,7 +14,4 @@ std::string TitleOf(std::string_view html);
 /// "&amp;", "&lt;", "&gt;", "&quot;", "&nbsp;" and "&#n;" as characters.
 std::string DecodeEntities(std::string_view text);
 
-/// ASCII letters in lower case; all other bytes as they are.
-std::string ToLower(std::string_view text);
-
 }  // namespace dorvane::help

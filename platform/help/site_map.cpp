@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/help/html_text.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::help {
 
@@ -22,7 +23,7 @@ std::optional<std::string_view> TakeTag(std::string_view& html) {
 /// The value of an attribute between double quotes.
 std::string Attribute(std::string_view tag, std::string_view name) {
   const std::string opening = std::string(name) + "=\"";
-  const auto begin = ToLower(tag).find(opening);
+  const auto begin = text::ToLower(tag).find(opening);
   if (begin == std::string::npos) return "";
   const auto from = begin + opening.size();
   const auto end = tag.find('"', from);
@@ -30,7 +31,7 @@ std::string Attribute(std::string_view tag, std::string_view name) {
 }
 
 void ReadParameter(std::string_view tag, SiteMapEntry& entry) {
-  const std::string name = ToLower(Attribute(tag, "name"));
+  const std::string name = text::ToLower(Attribute(tag, "name"));
   // An index entry names its topics too; its own name is the first.
   if (name == "name" && entry.name.empty()) entry.name = Attribute(tag, "value");
   if (name == "local") entry.topic = Attribute(tag, "value");
@@ -44,7 +45,7 @@ class Reader {
     constexpr int kDeepest = 32;
     std::vector<SiteMapEntry> entries;
     while (const auto tag = TakeTag(html_)) {
-      const std::string lower = ToLower(*tag);
+      const std::string lower = text::ToLower(*tag);
       if (lower.starts_with("object") && lower.find("text/sitemap") != std::string::npos) {
         entries.push_back(ReadObject());
       } else if (lower == "ul" && depth < kDeepest) {
@@ -62,7 +63,7 @@ class Reader {
   SiteMapEntry ReadObject() {
     SiteMapEntry entry;
     while (const auto tag = TakeTag(html_)) {
-      const std::string lower = ToLower(*tag);
+      const std::string lower = text::ToLower(*tag);
       if (lower.starts_with("/object")) break;
       if (lower.starts_with("param")) ReadParameter(*tag, entry);
     }

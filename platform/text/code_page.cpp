@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "platform/text/utf8.h"
+
 namespace dorvane::text {
 
 namespace {
@@ -23,17 +25,6 @@ struct CodePage {
   std::array<std::string, 256> utf8;  // by code
   std::vector<AnsiCode> special;      // sorted by character
 };
-
-std::string Utf8Of(char32_t character) {
-  if (character < 0x80) return {static_cast<char>(character)};
-  if (character < 0x800) {
-    return {static_cast<char>(0xC0 | (character >> 6)),
-            static_cast<char>(0x80 | (character & 0x3F))};
-  }
-  return {static_cast<char>(0xE0 | (character >> 12)),
-          static_cast<char>(0x80 | ((character >> 6) & 0x3F)),
-          static_cast<char>(0x80 | (character & 0x3F))};
-}
 
 char32_t CharacterOf(iconv_t converter, unsigned char code) {
   char in = static_cast<char>(code);
@@ -58,7 +49,7 @@ CodePage ReadCodePage() {
   CodePage page;
   for (int code = 0; code < 256; ++code) {
     const char32_t character = CharacterOf(converter, static_cast<unsigned char>(code));
-    page.utf8[code] = Utf8Of(character);
+    AppendUtf8(page.utf8[code], character);
     if (code >= 0x80 && code <= 0x9F) {
       page.special.push_back({character, static_cast<unsigned char>(code)});
     }
@@ -83,32 +74,6 @@ std::optional<unsigned char> CodeOf(char32_t character) {
   return found->code;
 }
 
-/// Takes one character off the front of `utf8`; none for a byte that starts no valid character.
-std::optional<char32_t> TakeCharacter(std::string_view& utf8) {
-  const auto first = static_cast<unsigned char>(utf8.front());
-  const std::size_t length = first < 0x80   ? 1
-                             : first < 0xC2 ? 0
-                             : first < 0xE0 ? 2
-                             : first < 0xF0 ? 3
-                             : first < 0xF5 ? 4
-                                            : 0;
-  if (length == 0 || length > utf8.size()) {
-    utf8.remove_prefix(1);
-    return std::nullopt;
-  }
-  char32_t character = length == 1 ? first : first & (0x7F >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    const auto next = static_cast<unsigned char>(utf8[i]);
-    if ((next & 0xC0) != 0x80) {
-      utf8.remove_prefix(1);
-      return std::nullopt;
-    }
-    character = (character << 6) | (next & 0x3F);
-  }
-  utf8.remove_prefix(length);
-  return character;
-}
-
 std::size_t AsciiPrefix(std::string_view utf8) {
   const auto end =
       std::ranges::find_if(utf8, [](char c) { return static_cast<signed char>(c) < 0; });
@@ -125,7 +90,7 @@ std::string ToAnsi(std::string_view utf8) {
     ansi.append(utf8.substr(0, ascii));
     utf8.remove_prefix(ascii);
     if (utf8.empty()) break;
-    const auto character = TakeCharacter(utf8);
+    const auto character = TakeCodePoint(utf8);
     const auto code = character ? CodeOf(*character) : std::nullopt;
     ansi.push_back(code ? static_cast<char>(*code) : '?');
   }
@@ -143,7 +108,7 @@ bool FitsAnsi(std::string_view utf8) {
   while (!utf8.empty()) {
     utf8.remove_prefix(AsciiPrefix(utf8));
     if (utf8.empty()) break;
-    const auto character = TakeCharacter(utf8);
+    const auto character = TakeCodePoint(utf8);
     if (!character || !CodeOf(*character)) return false;
   }
   return true;

@@ -9,12 +9,8 @@ namespace dorvane::text {
 
 namespace {
 
-[[noreturn]] void ThrowTypeMismatch() {
-  throw RunTimeError(run_time::kTypeMismatch, "Dorvane", "Type mismatch");
-}
-
 std::size_t TakeDigits(std::string_view& text) {
-  const auto end = std::ranges::find_if(text, [](char c) { return c < '0' || c > '9'; });
+  const auto end = std::ranges::find_if_not(text, IsDigit);
   const auto count = static_cast<std::size_t>(end - text.begin());
   text.remove_prefix(count);
   return count;
@@ -26,20 +22,42 @@ bool TakeOneOf(std::string_view& text, std::string_view characters) {
   return true;
 }
 
-char LowerAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+template <typename Float>
+char* WriteShortest(char* out, Float value, FloatForm form) {
+  char* const limit = out + kFloatSize;
+  if (form == FloatForm::Shorter) return std::to_chars(out, limit, value).ptr;
+  const auto format =
+      form == FloatForm::Plain ? std::chars_format::fixed : std::chars_format::scientific;
+  return std::to_chars(out, limit, value, format).ptr;
+}
+
+template <typename Float>
+std::size_t Write(char* out, Float value, FloatForm form) {
+  char* end = WriteShortest(out, value, form);
+  char* const exponent = std::find(out, end, 'e');
+  if (exponent != end && std::find(out, exponent, '.') == exponent) {
+    std::copy_backward(exponent, end, end + 2);
+    exponent[0] = '.';
+    exponent[1] = '0';
+    end += 2;
+  }
+  return static_cast<std::size_t>(end - out);
 }
 
 }  // namespace
 
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+std::size_t WriteFloat(char* out, float value, FloatForm form) {
+  return Write(out, value, form);
 }
 
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, {}, LowerAscii, LowerAscii);
+std::size_t WriteFloat(char* out, double value, FloatForm form) {
+  return Write(out, value, form);
+}
+
+void ThrowTypeMismatch(std::string_view text) {
+  std::string description = "Type mismatch";
+  if (!text.empty()) description.append(": ").append(text);
+  throw RunTimeError(run_time::kTypeMismatch, "Dorvane", description);
 }
 
 bool IsNumeric(std::string_view text) {

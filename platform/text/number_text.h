@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string_view>
+
+#include "platform/text/ascii.h"
 
 namespace dorvane::text {
 
@@ -17,10 +19,17 @@ std::int16_t ParseInt16(std::string_view text);
 /// "true" or "false" in any letter case, or a decimal number (0 is false). Throws RunTimeError 13.
 bool ParseBoolean(std::string_view text);
 
-/// The text without blanks at both ends.
-std::string_view Trim(std::string_view text);
+inline constexpr std::size_t kFloatSize = 32;  // bytes that WriteFloat may need
+enum class FloatForm {
+  Shorter,   // of the other two, the plain one where they are equally long
+  Plain,     // for magnitudes of 1e-5 to 1e15 and zero
+  Exponent,  // with a point in its mantissa: "1.0e+22"
+};
+/// Writes the shortest text of that form which reads back equal; returns the length.
+std::size_t WriteFloat(char* out, float value, FloatForm form);
+std::size_t WriteFloat(char* out, double value, FloatForm form);
 
-/// Equal but for the case of ASCII letters.
-bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+/// Throws RunTimeError 13 for a text that is no value of the kind asked for.
+[[noreturn]] void ThrowTypeMismatch(std::string_view text = {});
 
 }  // namespace dorvane::text

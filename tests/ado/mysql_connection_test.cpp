@@ -2,9 +2,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
-#include <thread>
 
 #include "tests/ado/mysql_fixture.h"
 #include "tests/support/temp_folder.h"
@@ -211,7 +209,7 @@ TEST_F(MySqlConnectionTest, ReadsWhatProceduresAndUnpreparableStatementsReturn) 
   // A statement about prepared statements can't be one itself.
   Run("prepare s from 'select id as one, null as none from t union select 2, 3'");
   Recordset texts = connection_.Execute("execute s");
-  EXPECT_EQ(texts.Field("one").Info().type, DataType::LongVarWChar);
+  EXPECT_EQ(texts.FieldInfos().at(0).type, DataType::LongVarWChar);
   EXPECT_EQ(texts.Field("one").Text(), "1");
   EXPECT_TRUE(texts.Field("none").IsNull());
   texts.MoveNext();

@@ -4,12 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "platform/ado/connection.h"
-#include "platform/ado/mysql/provider.h"
+#include "platform/ado/mysql/session.h"
 #include "tests/support/servers.h"
 
 namespace dorvane::ado {

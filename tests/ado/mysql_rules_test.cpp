@@ -3,6 +3,7 @@
 
 #include "platform/ado/connection.h"
 #include "platform/ado/mysql/catalog.h"
+#include "platform/ado/mysql/column_buffer.h"
 #include "platform/ado/mysql/errors.h"
 #include "platform/ado/mysql/sql_mode.h"
 #include "platform/ado/mysql/types.h"
@@ -56,6 +57,29 @@ TEST(Errors, AreClassifiedAlikeOnEveryServer) {
   EXPECT_EQ(HresultOf(1213, "40001"), hresult::kFail);
   EXPECT_EQ(HresultOf(2013, "HY000"), hresult::kFail);
   EXPECT_EQ(HresultOf(0, ""), hresult::kFail);
+}
+
+TEST(Dates, OutsideTheServersRangesAreGarbled) {
+  using enum DataType;
+  constexpr auto kKind = MYSQL_TIMESTAMP_DATETIME;
+  EXPECT_EQ(ToDateTime({9999, 12, 31, 23, 59, 59, 999'999, 0, kKind}, DBTimeStamp),
+            (DateTime{9999, 12, 31, 86'399, 999'999'000}));
+  EXPECT_EQ(ToDateTime({0, 0, 34, 22, 59, 59, 999'999, 1, kKind}, DBTime),
+            (DateTime{1899, 12, 30, -3'020'399, -999'999'000}));
+  const std::pair<MYSQL_TIME, DataType> garbled[] = {
+      {{10'000, 1, 1, 0, 0, 0, 0, 0, kKind}, DBDate},
+      {{2024, 13, 1, 0, 0, 0, 0, 0, kKind}, DBDate},
+      {{2024, 1, 32, 0, 0, 0, 0, 0, kKind}, DBDate},
+      {{2024, 1, 1, 24, 0, 0, 0, 0, kKind}, DBTimeStamp},
+      {{2024, 1, 1, 0, 60, 0, 0, 0, kKind}, DBTimeStamp},
+      {{2024, 1, 1, 0, 0, 60, 0, 0, kKind}, DBTimeStamp},
+      {{2024, 1, 1, 0, 0, 0, 4'294'967'295, 0, kKind}, DBTimeStamp},
+      {{2024, 1, 1, 0, 0, 1, 0, 1, kKind}, DBTimeStamp},
+      {{0, 0, 34, 23, 0, 0, 0, 0, kKind}, DBTime},
+      {{0, 0, 4'294'967'295, 0, 0, 0, 0, 0, kKind}, DBTime},
+      {{0, 0, 0, 0, 0, 0, 1'000'000, 1, kKind}, DBTime},
+  };
+  for (const auto& [time, type] : garbled) EXPECT_THROW(ToDateTime(time, type), ProviderError);
 }
 
 TEST(Types, JsonAndUnknownTypesOfOtherServers) {

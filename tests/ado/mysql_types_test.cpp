@@ -1,6 +1,3 @@
-#include <cfloat>
-#include <cmath>
-#include <map>
 #include <vector>
 
 #include "tests/ado/mysql_fixture.h"
@@ -204,8 +201,9 @@ TEST_F(MySqlTypesTest, ValuesBesidesALongOneAreRight) {
   Run("insert into l values (1, repeat('ab', 2500000), null, 'x'), (2, 'short', "
       "repeat(x'00ff', 2500000), null), (3, '', '', 'z')");
   Recordset rows = connection_.Execute("select * from l order by id");
-  EXPECT_EQ(rows.Field("a").ActualSize(), 5000000U);
-  EXPECT_EQ(rows.Field("a").GetChunk(3), "aba");
+  const std::string text = rows.Field("a").Text();
+  EXPECT_EQ(text.size(), 5000000U);
+  EXPECT_EQ(text.substr(0, 3), "aba");
   EXPECT_EQ(rows.Field("c").Text(), "x");
   rows.MoveNext();
   EXPECT_EQ(rows.Field("a").Text(), "short");

@@ -46,7 +46,7 @@ class MySqlWriterTest : public MySqlTest, public testing::WithParamInterface<Bul
 INSTANTIATE_TEST_SUITE_P(Protocols, MySqlWriterTest,
                          testing::Values(BulkProtocol::WhereOffered, BulkProtocol::Never),
                          [](const auto& bulk) {
-                           return bulk.param == BulkProtocol::Never ? "Joined" : "Bulk";
+                           return bulk.param == BulkProtocol::Never ? "MultiRow" : "Bulk";
                          });
 
 TEST_P(MySqlWriterTest, StoresEveryKindOfValue) {
@@ -227,6 +227,15 @@ TEST_P(MySqlWriterTest, AKilledSessionIsAnError) {
   EXPECT_EQ(InsertAll(table).number, hresult::kFail);
   EXPECT_NE(FailureOf(writing_, [&] { writing_.CommitTrans(); }), Failure{});
   EXPECT_EQ(Dump("select count(*) from t"), "0\n");
+}
+
+TEST_P(MySqlWriterTest, RefusesAParameterCountThatIsNotItsOwn) {
+  Run("create table t(id int, note varchar(20))");
+  for (const char* target : {"t(id) values (?) -- ", "t(id) values (?), (?), (?), (?), (?) -- "}) {
+    Recordset table = writing_.OpenTable(target, {"id", "note"});
+    FillNumbers(1, 2);
+    EXPECT_EQ(InsertAll(table), (Failure{hresult::kFail, 2027})) << target;
+  }
 }
 
 TEST_P(MySqlWriterTest, KeepsWritingAfterAResultWasLeftUnread) {

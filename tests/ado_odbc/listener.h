@@ -3,7 +3,6 @@
 #include <functional>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace dorvane::test {
 

@@ -3,13 +3,11 @@
 #include <gtest/gtest.h>
 #include <sqlext.h>
 
-#include <string>
-
 namespace dorvane::ado::odbc {
 namespace {
 
-FieldInfo Describe(std::string_view name, SQLSMALLINT code, ColumnMeasures measures = {}) {
-  return DescribeField(FindServerType(name, code), measures);
+FieldInfo Describe(std::string_view name, SQLSMALLINT code, DeclaredSize declared = {}) {
+  return DescribeField(FindServerType(name, code), declared);
 }
 
 TEST(ServerTypes, AreFoundByNameBeforeCode) {

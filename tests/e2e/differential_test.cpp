@@ -8,7 +8,7 @@
 #include <memory>
 #include <thread>
 
-#include "endpoint/value_text.h"
+#include "endpoint/literal_text.h"
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"
 #include "tests/e2e/rig.h"

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "endpoint/value_text.h"
+#include "endpoint/literal_text.h"
 
 namespace dorvane::test {
 

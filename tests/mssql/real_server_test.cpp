@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "endpoint/value_text.h"
+#include "endpoint/literal_text.h"
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"
 #include "tests/endpoint/transfer_rig.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "endpoint/value_text.h"
+#include "endpoint/literal_text.h"
 #include "mssql/to_mysql/literals.h"
 
 namespace dorvane {

@@ -37,7 +37,9 @@ TEST(CodePage, KnowsWhatItCannotHold) {
   EXPECT_EQ(ToAnsi("a€ü"), "a\x80\xFC");
   EXPECT_EQ(ToAnsi("Отд 😀!"), "??? ?!");
   EXPECT_FALSE(FitsAnsi("ok 漢"));
-  EXPECT_EQ(ToAnsi("\xFF\xC3"), "??");  // no UTF-8 at all
+  EXPECT_EQ(ToAnsi("\xFF\xC3"), "??");                           // no UTF-8 at all
+  EXPECT_EQ(ToAnsi("\xC0\x80\xE0\x81\xBF"), "?????");            // longer forms than needed
+  EXPECT_EQ(ToAnsi("\xED\xA0\x80\xF4\x90\x80\x80"), "???????");  // no characters
   EXPECT_FALSE(FitsAnsi("cut \xE2\x82"));
 }
 

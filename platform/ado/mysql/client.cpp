@@ -1,6 +1,7 @@
 #include "platform/ado/mysql/client.h"
 
 #include "platform/ado/mysql/errors.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::ado::mysql {
 
@@ -39,12 +40,7 @@ std::string Literal(MYSQL* client, std::string_view text) {
 }
 
 std::string QuotedName(std::string_view name) {
-  std::string quoted = "`";
-  for (const char c : name) {
-    if (c == '`') quoted += '`';
-    quoted += c;
-  }
-  return quoted + "`";
+  return "`" + text::Doubled(name, '`') + "`";
 }
 
 }  // namespace dorvane::ado::mysql

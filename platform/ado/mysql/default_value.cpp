@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/ado/mysql/catalog.h"
+#include "platform/text/ascii.h"
 #include "platform/text/number_text.h"
 
 namespace dorvane::ado::mysql {
@@ -75,8 +76,8 @@ std::optional<std::string> ExpressionValue(const std::string& text) {
 std::optional<std::string> DefaultValue(const std::string& text, const std::string& type,
                                         const std::string& extra, bool quoted) {
   if (quoted) return ExpressionValue(text);
-  const bool is_moment = type == "datetime" || type == "timestamp";
-  if (is_moment && IsCurrentTime(text)) return "getdate()";
+  const bool is_date_time = type == "datetime" || type == "timestamp";
+  if (is_date_time && IsCurrentTime(text)) return "getdate()";
   if (extra.find("DEFAULT_GENERATED") != std::string::npos) return std::nullopt;
   if (type == "bit") return BitsValue(text);
   return text;

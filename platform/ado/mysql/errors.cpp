@@ -1,5 +1,7 @@
 #include "platform/ado/mysql/errors.h"
 
+#include <mariadb/errmsg.h>
+
 #include <algorithm>
 #include <array>
 
@@ -68,6 +70,10 @@ ProviderError MakeError(unsigned native_error, std::string sql_state,
             .native_error = static_cast<std::int32_t>(native_error),
             .description = description,
             .sql_state = std::move(sql_state)}}};
+}
+
+ProviderError MalformedPacket(const std::string& what) {
+  return MakeError(CR_MALFORMED_PACKET, "HY000", "Malformed packet: " + what);
 }
 
 void ThrowError(MYSQL* client) {

@@ -21,6 +21,10 @@ std::int32_t HresultOf(unsigned native_error, std::string_view sql_state);
 ProviderError MakeError(unsigned native_error, std::string sql_state,
                         const std::string& description);
 
+/// What a server sent that no server means, for which the client library has no check: `what` it
+/// was. It has the library's number 2027.
+ProviderError MalformedPacket(const std::string& what);
+
 /// The failure that the client library holds.
 [[noreturn]] void ThrowError(MYSQL* client);
 /// The statement's failure; the connection's where the statement has none.

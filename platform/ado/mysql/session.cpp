@@ -12,7 +12,9 @@
 #include "platform/ado/mysql/reader.h"
 #include "platform/ado/mysql/writer.h"
 
-namespace dorvane::ado::mysql {
+namespace dorvane::ado {
+
+namespace mysql {
 
 namespace {
 
@@ -107,4 +109,15 @@ std::vector<Key> ClientSession::Keys(const std::string& table) {
   return ReadKeys(link, SelectedDatabase(link), table);
 }
 
-}  // namespace dorvane::ado::mysql
+std::unique_ptr<Session> ClientProvider::Connect(const ConnectionSettings& settings) {
+  return std::make_unique<ClientSession>(settings, bulk_);
+}
+
+}  // namespace mysql
+
+Provider& MySqlProvider() {
+  static mysql::ClientProvider provider;
+  return provider;
+}
+
+}  // namespace dorvane::ado

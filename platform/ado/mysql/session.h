@@ -6,9 +6,13 @@
 #include <vector>
 
 #include "platform/ado/mysql/logon.h"
-#include "platform/ado/mysql/provider.h"
+#include "platform/ado/provider.h"
 
 namespace dorvane::ado::mysql {
+
+/// How rows are sent: MariaDB's bulk protocol, or INSERT statements of many rows, which every
+/// server understands.
+enum class BulkProtocol { WhereOffered, Never };
 
 /// One logged-on session. Its readers and writers must go before it does.
 class ClientSession final : public Session {
@@ -48,6 +52,16 @@ class ClientSession final : public Session {
   bool streaming_ = false;
   bool abandoned_ = false;
   bool in_transaction_ = false;
+};
+
+/// MySqlProvider() is one of these that uses the bulk protocol where it can.
+class ClientProvider final : public Provider {
+ public:
+  explicit ClientProvider(BulkProtocol bulk = BulkProtocol::WhereOffered) : bulk_(bulk) {}
+  std::unique_ptr<Session> Connect(const ConnectionSettings& settings) override;
+
+ private:
+  BulkProtocol bulk_;
 };
 
 }  // namespace dorvane::ado::mysql

@@ -9,13 +9,13 @@ namespace dorvane::ado::mysql {
 namespace {
 
 /// What of the declaration goes into the field's size, precision and scale.
-enum class Shape { Number, Decimal, Time, Sized, Bits };
+enum class TypeClass { Number, Decimal, Temporal, Sized, Bits };
 
 struct TypeRow {
   std::string_view name;
   DataType type;
   DataType variant;  // of unsigned numbers, of texts in a Unicode character set
-  Shape shape;
+  TypeClass type_class;
   int precision = 0;            // decimal digits of a number
   std::int64_t fixed_size = 0;  // where the declaration has none
 };
@@ -24,43 +24,44 @@ constexpr std::int64_t kLongest = 4'294'967'295;
 
 using enum DataType;
 constexpr TypeRow kTypes[] = {
-    {"tinyint", TinyInt, UnsignedTinyInt, Shape::Number, 3},
-    {"smallint", SmallInt, UnsignedSmallInt, Shape::Number, 5},
-    {"mediumint", Integer, UnsignedInt, Shape::Number, 7},
-    {"int", Integer, UnsignedInt, Shape::Number, 10},
-    {"bigint", BigInt, UnsignedBigInt, Shape::Number, 19},
-    {"year", SmallInt, SmallInt, Shape::Number, 4},
-    {"float", Single, Single, Shape::Number, 7},
-    {"double", Double, Double, Shape::Number, 15},
-    {"decimal", Numeric, Numeric, Shape::Decimal},
-    {"bit", Binary, Binary, Shape::Bits},
-    {"date", DBDate, DBDate, Shape::Time},
-    {"time", DBTime, DBTime, Shape::Time},
-    {"datetime", DBTimeStamp, DBTimeStamp, Shape::Time},
-    {"timestamp", DBTimeStamp, DBTimeStamp, Shape::Time},
-    {"char", Char, WChar, Shape::Sized},
-    {"varchar", VarChar, VarWChar, Shape::Sized},
-    {"tinytext", LongVarChar, LongVarWChar, Shape::Sized},
-    {"text", LongVarChar, LongVarWChar, Shape::Sized},
-    {"mediumtext", LongVarChar, LongVarWChar, Shape::Sized},
-    {"longtext", LongVarChar, LongVarWChar, Shape::Sized},
-    {"json", LongVarWChar, LongVarWChar, Shape::Sized, 0, kLongest},
-    {"enum", Char, Char, Shape::Sized},
-    {"set", Char, Char, Shape::Sized},
-    {"uuid", Char, Char, Shape::Sized, 0, 36},
-    {"inet4", Char, Char, Shape::Sized, 0, 15},
-    {"inet6", Char, Char, Shape::Sized, 0, 39},
-    {"binary", Binary, Binary, Shape::Sized},
-    {"varbinary", VarBinary, VarBinary, Shape::Sized},
-    {"tinyblob", LongVarBinary, LongVarBinary, Shape::Sized},
-    {"blob", LongVarBinary, LongVarBinary, Shape::Sized},
-    {"mediumblob", LongVarBinary, LongVarBinary, Shape::Sized},
-    {"longblob", LongVarBinary, LongVarBinary, Shape::Sized},
+    {"tinyint", TinyInt, UnsignedTinyInt, TypeClass::Number, 3},
+    {"smallint", SmallInt, UnsignedSmallInt, TypeClass::Number, 5},
+    {"mediumint", Integer, UnsignedInt, TypeClass::Number, 7},
+    {"int", Integer, UnsignedInt, TypeClass::Number, 10},
+    {"bigint", BigInt, UnsignedBigInt, TypeClass::Number, 19},
+    {"year", SmallInt, SmallInt, TypeClass::Number, 4},
+    {"float", Single, Single, TypeClass::Number, 7},
+    {"double", Double, Double, TypeClass::Number, 15},
+    {"decimal", Numeric, Numeric, TypeClass::Decimal},
+    {"bit", Binary, Binary, TypeClass::Bits},
+    {"date", DBDate, DBDate, TypeClass::Temporal},
+    {"time", DBTime, DBTime, TypeClass::Temporal},
+    {"datetime", DBTimeStamp, DBTimeStamp, TypeClass::Temporal},
+    {"timestamp", DBTimeStamp, DBTimeStamp, TypeClass::Temporal},
+    {"char", Char, WChar, TypeClass::Sized},
+    {"varchar", VarChar, VarWChar, TypeClass::Sized},
+    {"tinytext", LongVarChar, LongVarWChar, TypeClass::Sized},
+    {"text", LongVarChar, LongVarWChar, TypeClass::Sized},
+    {"mediumtext", LongVarChar, LongVarWChar, TypeClass::Sized},
+    {"longtext", LongVarChar, LongVarWChar, TypeClass::Sized},
+    {"json", LongVarWChar, LongVarWChar, TypeClass::Sized, 0, kLongest},
+    {"enum", Char, Char, TypeClass::Sized},
+    {"set", Char, Char, TypeClass::Sized},
+    {"uuid", Char, Char, TypeClass::Sized, 0, 36},
+    {"inet4", Char, Char, TypeClass::Sized, 0, 15},
+    {"inet6", Char, Char, TypeClass::Sized, 0, 39},
+    {"binary", Binary, Binary, TypeClass::Sized},
+    {"varbinary", VarBinary, VarBinary, TypeClass::Sized},
+    {"tinyblob", LongVarBinary, LongVarBinary, TypeClass::Sized},
+    {"blob", LongVarBinary, LongVarBinary, TypeClass::Sized},
+    {"mediumblob", LongVarBinary, LongVarBinary, TypeClass::Sized},
+    {"longblob", LongVarBinary, LongVarBinary, TypeClass::Sized},
 };
 
 // Also what spatial columns are, under their many names.
-constexpr TypeRow kUnknownBinary = {"", LongVarBinary, LongVarBinary, Shape::Sized, 0, kLongest};
-constexpr TypeRow kUnknownText = {"", LongVarChar, LongVarWChar, Shape::Sized, 0, kLongest};
+constexpr TypeRow kUnknownBinary = {"", LongVarBinary, LongVarBinary, TypeClass::Sized,
+                                    0,  kLongest};
+constexpr TypeRow kUnknownText = {"", LongVarChar, LongVarWChar, TypeClass::Sized, 0, kLongest};
 
 constexpr std::array<std::string_view, 16> kUnicodeSets = {
     "utf8mb4", "utf8mb3", "utf8", "ucs2", "utf16", "utf16le", "utf32", "gb18030",
@@ -78,22 +79,22 @@ FieldInfo Translate(std::string name, const Declaration& declaration, bool is_te
   const TypeRow& row = RowOf(declaration.type, is_text);
   const bool is_variant = declaration.is_unsigned || declaration.is_unicode;
   FieldInfo info{.name = std::move(name), .type = is_variant ? row.variant : row.type};
-  switch (row.shape) {
-    case Shape::Number:
+  switch (row.type_class) {
+    case TypeClass::Number:
       info.precision = row.precision;
       if (info.type == UnsignedBigInt) info.precision = 20;
       break;
-    case Shape::Decimal:
+    case TypeClass::Decimal:
       info.precision = declaration.precision;
       info.numeric_scale = declaration.scale;
       break;
-    case Shape::Time:
+    case TypeClass::Temporal:
       info.numeric_scale = declaration.scale;
       break;
-    case Shape::Sized:
+    case TypeClass::Sized:
       info.defined_size = row.fixed_size != 0 ? row.fixed_size : declaration.length;
       break;
-    case Shape::Bits:
+    case TypeClass::Bits:
       if (declaration.length == 1) {
         info.type = Boolean;
       } else {

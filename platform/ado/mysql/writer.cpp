@@ -14,17 +14,11 @@ namespace dorvane::ado::mysql {
 namespace {
 
 constexpr std::size_t kMaxParameters = 65'535;
-constexpr std::size_t kMaxJoinedRows = 512;
+constexpr std::size_t kMaxStatementRows = 512;
 // What a request holds beside its values, at most: its header, and for each value its type, its
 // length and its bit among the NULLs.
 constexpr std::size_t kRequestOverhead = 64;
 constexpr std::size_t kValueOverhead = 12;
-
-std::string_view BytesOf(const Value& value) {
-  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
-  if (const auto* binary = std::get_if<Binary>(&value)) return binary->bytes;
-  return {};
-}
 
 /// Bytes go as a binary string, text as text of the connection's character set.
 enum_field_types ParameterType(const Value& value) {
@@ -69,12 +63,12 @@ std::size_t UniformRows(const RowBlock& rows, std::size_t first, std::size_t cou
 RowWriter::RowWriter(ClientSession& session, std::string_view table,
                      const std::vector<std::string>& columns)
     : session_(session), columns_(columns.size()) {
-  head_ = fmt::format("INSERT INTO {} (", table);
+  insert_clause_ = fmt::format("INSERT INTO {} (", table);
   for (const std::string& column : columns) {
-    if (&column != &columns.front()) head_ += ',';
-    head_ += QuotedName(column);
+    if (&column != &columns.front()) insert_clause_ += ',';
+    insert_clause_ += QuotedName(column);
   }
-  head_ += ") VALUES ";
+  insert_clause_ += ") VALUES ";
 }
 
 void RowWriter::Insert(const RowBlock& rows, std::size_t first, std::size_t count) {
@@ -85,7 +79,7 @@ void RowWriter::Insert(const RowBlock& rows, std::size_t first, std::size_t coun
       throw MakeError(ER_NET_PACKET_TOO_LARGE, "08S01",
                       "Got a packet bigger than 'max_allowed_packet' bytes");
     }
-    sent = session_.UsesBulk() ? InsertBulk(rows, first, sent) : InsertJoined(rows, first, sent);
+    sent = session_.UsesBulk() ? InsertBulk(rows, first, sent) : InsertMultiRow(rows, first, sent);
     first += sent;
     count -= sent;
   }
@@ -98,7 +92,7 @@ MYSQL_STMT* RowWriter::Prepared(Statement& statement, std::size_t rows) {
   std::string tuple = "(";
   for (std::size_t i = 0; i < columns_; ++i) tuple += i == 0 ? "?" : ",?";
   tuple += ')';
-  std::string sql = head_;
+  std::string sql = insert_clause_;
   for (std::size_t i = 0; i < rows; ++i) {
     if (i != 0) sql += ',';
     sql += tuple;
@@ -108,6 +102,10 @@ MYSQL_STMT* RowWriter::Prepared(Statement& statement, std::size_t rows) {
 }
 
 void RowWriter::Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds) {
+  // The library would read past the bindings of a statement with more parameters.
+  if (mysql_stmt_param_count(statement) != binds.size()) {
+    throw MalformedPacket("a statement with other parameters than were sent");
+  }
   const bool bound = binds.empty() || mysql_stmt_bind_param(statement, binds.data()) == 0;
   if (!bound || mysql_stmt_execute(statement) != 0) {
     ThrowError(statement, session_.Link().client.get());
@@ -115,13 +113,13 @@ void RowWriter::Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds) {
 }
 
 /// As many rows as one statement takes, which is a power of two; returns their number.
-std::size_t RowWriter::InsertJoined(const RowBlock& rows, std::size_t first, std::size_t count) {
+std::size_t RowWriter::InsertMultiRow(const RowBlock& rows, std::size_t first, std::size_t count) {
   const std::size_t most = std::max<std::size_t>(
-      1, std::min({count, kMaxJoinedRows, kMaxParameters / std::max<std::size_t>(1, columns_)}));
-  const std::size_t joined = std::bit_floor(most);
+      1, std::min({count, kMaxStatementRows, kMaxParameters / std::max<std::size_t>(1, columns_)}));
+  const std::size_t statement_rows = std::bit_floor(most);
   std::vector<MYSQL_BIND> binds;
-  binds.reserve(joined * columns_);
-  for (std::size_t i = 0; i < joined; ++i) {
+  binds.reserve(statement_rows * columns_);
+  for (std::size_t i = 0; i < statement_rows; ++i) {
     for (const Value& value : rows.Row(first + i)) {
       const std::string_view bytes = BytesOf(value);
       MYSQL_BIND& bind = binds.emplace_back();
@@ -130,15 +128,15 @@ std::size_t RowWriter::InsertJoined(const RowBlock& rows, std::size_t first, std
       bind.buffer_length = bytes.size();
     }
   }
-  Execute(Prepared(joined_[joined], joined), binds);
-  return joined;
+  Execute(Prepared(multi_row_[statement_rows], statement_rows), binds);
+  return statement_rows;
 }
 
 /// The rows that can go in one request of the bulk protocol; returns their number.
 std::size_t RowWriter::InsertBulk(const RowBlock& rows, std::size_t first, std::size_t count) {
   std::vector<enum_field_types> types;
   count = UniformRows(rows, first, count, types);
-  if (count == 1) return InsertJoined(rows, first, 1);
+  if (count == 1) return InsertMultiRow(rows, first, 1);
 
   // Column by column: addresses, lengths and NULL indicators of its values.
   std::vector<const char*> addresses(count * columns_);

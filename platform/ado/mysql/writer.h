@@ -25,14 +25,14 @@ class RowWriter final : public TableWriter {
  private:
   MYSQL_STMT* Prepared(Statement& statement, std::size_t rows);
   void Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds);
-  std::size_t InsertJoined(const RowBlock& rows, std::size_t first, std::size_t count);
+  std::size_t InsertMultiRow(const RowBlock& rows, std::size_t first, std::size_t count);
   std::size_t InsertBulk(const RowBlock& rows, std::size_t first, std::size_t count);
 
   ClientSession& session_;
-  std::string head_;  // the statement up to its values
+  std::string insert_clause_;  // the statement up to its values
   std::size_t columns_;
-  std::map<std::size_t, Statement> joined_;  // by the number of rows each takes
-  Statement bulk_;                           // for one row, sent with as many as there are
+  std::map<std::size_t, Statement> multi_row_;  // by the number of rows each takes
+  Statement bulk_;                              // for one row, sent with as many as there are
 };
 
 }  // namespace dorvane::ado::mysql

@@ -13,6 +13,7 @@
 #include "platform/ado/odbc/default_expression.h"
 #include "platform/ado/odbc/server_types.h"
 #include "platform/ado/odbc/utf16.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::ado::odbc {
 
@@ -33,12 +34,10 @@ Rows PrimaryKeyRows(const std::shared_ptr<Logon>& logon, const std::string& tabl
 }
 
 /// An identifier's text as its values have it.
-void Brace(std::string& guid) {
+std::string Braced(std::string guid) {
   constexpr std::size_t kBareSize = 36;
-  if (guid.size() == kBareSize) guid = "{" + guid + "}";
-  for (char& c : guid) {
-    if (c >= 'a' && c <= 'f') c -= 'a' - 'A';
-  }
+  std::ranges::transform(guid, guid.begin(), [](char c) { return text::ToUpper(c); });
+  return guid.size() == kBareSize ? "{" + guid + "}" : guid;
 }
 
 Column ToColumn(const CatalogRow& row) {
@@ -52,7 +51,9 @@ Column ToColumn(const CatalogRow& row) {
   if (row.Number("NULLABLE") != SQL_NO_NULLS) column.attributes |= kColumnNullable;
   if (const auto expression = row.OptionalText("COLUMN_DEF")) {
     column.default_value = DefaultValue(*expression);
-    if (type.transfer == Transfer::Guid && column.default_value) Brace(*column.default_value);
+    if (type.fetch_type == FetchType::Guid && column.default_value) {
+      column.default_value = Braced(*std::move(column.default_value));
+    }
   }
   return column;
 }
@@ -82,10 +83,8 @@ RuleType ToRule(std::string_view words) {
   return RuleType::None;
 }
 
-std::string Quoted(std::string_view text) {
-  std::string literal = "N'";
-  for (const char c : text) literal.append(c == '\'' ? 2 : 1, c);
-  return literal + "'";
+std::string Literal(std::string_view text) {
+  return "N'" + text::Doubled(text, '\'') + "'";
 }
 
 /// The rules of the keys. The catalog function is no help: sp_fkeys tells only cascade from
@@ -93,11 +92,11 @@ std::string Quoted(std::string_view text) {
 void ReadRules(const std::shared_ptr<Logon>& logon, const std::string& schema,
                std::vector<Key>& keys) {
   std::string names;
-  for (const Key& key : keys) names += (names.empty() ? "" : ", ") + Quoted(key.name);
+  for (const Key& key : keys) names += (names.empty() ? "" : ", ") + Literal(key.name);
   std::u16string sql = ToUtf16(
       "select CONSTRAINT_NAME, DELETE_RULE, UPDATE_RULE"
       " from INFORMATION_SCHEMA.REFERENTIAL_CONSTRAINTS where CONSTRAINT_SCHEMA = " +
-      Quoted(schema) + " and CONSTRAINT_NAME in (" + names + ")");
+      Literal(schema) + " and CONSTRAINT_NAME in (" + names + ")");
   const Rows rows = ReadCatalog(logon, [&](SQLHANDLE statement) {
     return SQLExecDirectW(statement, Argument(sql), static_cast<SQLINTEGER>(sql.size()));
   });

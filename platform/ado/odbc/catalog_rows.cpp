@@ -24,7 +24,7 @@ std::optional<std::string> AsText(const Value& value) {
 }
 
 /// The names that ODBC 3 gives to what some drivers still call by their ODBC 2 names.
-std::string CurrentName(std::string name) {
+std::string Odbc3Name(std::string name) {
   static const std::map<std::string, std::string> kRenamed = {
       {"TABLE_OWNER", "TABLE_SCHEM"},      {"TABLE_QUALIFIER", "TABLE_CAT"},
       {"FKTABLE_OWNER", "FKTABLE_SCHEM"},  {"PKTABLE_OWNER", "PKTABLE_SCHEM"},
@@ -54,12 +54,12 @@ std::optional<int> CatalogRow::OptionalNumber(const std::string& name) const {
   return number;
 }
 
-std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const Executed& execute) {
+std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const CatalogCall& call) {
   Statement statement = logon->NewStatement();
-  const SQLRETURN executed = execute(statement.Get());
+  const SQLRETURN executed = call(statement.Get());
   OdbcResultReader reader(logon, std::move(statement), executed);
   std::vector<std::string> names;
-  for (const FieldInfo& field : reader.Fields()) names.push_back(CurrentName(field.name));
+  for (const FieldInfo& field : reader.Fields()) names.push_back(Odbc3Name(field.name));
   std::vector<CatalogRow> rows;
   RowBlock block;
   while (reader.Read(block)) {

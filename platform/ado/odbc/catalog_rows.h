@@ -2,7 +2,6 @@
 
 #include <sql.h>
 
-#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -31,12 +30,11 @@ class CatalogRow {
   std::map<std::string, std::string> values_;  // without the NULLs
 };
 
-/// What an execution on a statement handle returned.
-using Executed = std::function<SQLRETURN(SQLHANDLE)>;
+/// Calls a catalog function, or runs a query, on a statement handle; returns what that returned.
+using CatalogCall = std::function<SQLRETURN(SQLHANDLE)>;
 
-/// Calls a catalog function, or runs a query, on a fresh statement and reads all of its rows.
-/// Throws ProviderError.
-std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const Executed& execute);
+/// Makes the call on a fresh statement and reads all of its rows. Throws ProviderError.
+std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const CatalogCall& call);
 
 /// The rows of one table: of all rows those whose `name_column` is exactly `table`, of these the
 /// ones of a single schema, dbo's if it has any.

@@ -3,67 +3,27 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
-#include <string_view>
 #include <utility>
 
 #include "platform/ado/odbc/diagnostics.h"
-#include "platform/ado/odbc/fetched_value.h"
+#include "platform/ado/types.h"
 
 namespace dorvane::ado::odbc {
 
 namespace {
 
-constexpr std::size_t kFirstPiece = 64 * 1024;
+constexpr std::size_t kFirstPart = 64 * 1024;
 /// A buffer that one large value made larger is given back before the next value.
 constexpr std::size_t kKeptLongBuffer = 1024 * 1024;
 
-struct FetchForm {
-  SQLSMALLINT c_type;
-  std::size_t unit;        // bytes per declared character or byte; 0: the size is fixed
-  std::size_t terminator;  // bytes that the driver puts behind text
-  std::size_t fixed;       // size of an element that has no declared size
-};
-
-FetchForm FormOf(Transfer transfer) {
-  switch (transfer) {
-    case Transfer::Bit:
-      return {SQL_C_BIT, 0, 0, 1};
-    case Transfer::Integer:
-      return {SQL_C_SBIGINT, 0, 0, sizeof(std::int64_t)};
-    case Transfer::Real:
-      return {SQL_C_FLOAT, 0, 0, sizeof(float)};
-    case Transfer::Float:
-      return {SQL_C_DOUBLE, 0, 0, sizeof(double)};
-    case Transfer::Decimal:
-      return {SQL_C_CHAR, 0, 1, 48};
-    case Transfer::Date:
-      return {SQL_C_TYPE_DATE, 0, 0, sizeof(SQL_DATE_STRUCT)};
-    case Transfer::Timestamp:
-      return {SQL_C_TYPE_TIMESTAMP, 0, 0, sizeof(SQL_TIMESTAMP_STRUCT)};
-    case Transfer::Time:
-    case Transfer::TimestampOffset:
-      return {SQL_C_CHAR, 0, 1, 48};
-    case Transfer::Guid:
-      return {SQL_C_GUID, 0, 0, sizeof(SQLGUID)};
-    case Transfer::Bytes:
-      return {SQL_C_BINARY, 1, 0, 0};
-    case Transfer::Text:
-    case Transfer::Variant:
-      return {SQL_C_WCHAR, sizeof(char16_t), sizeof(char16_t), 0};
-  }
-  return {SQL_C_WCHAR, sizeof(char16_t), sizeof(char16_t), 0};
-}
-
 }  // namespace
 
-ColumnBuffer::ColumnBuffer(const ServerType& type, std::int64_t size, bool is_long,
-                           std::string name)
-    : transfer_(type.transfer), is_long_(is_long), name_(std::move(name)) {
-  const FetchForm form = FormOf(transfer_);
-  c_type_ = form.c_type;
-  terminator_ = form.terminator;
-  element_size_ = form.unit == 0 ? form.fixed : size * form.unit + form.terminator;
+ColumnBuffer::ColumnBuffer(FetchType fetch_type, std::int64_t size, bool is_long, std::string name)
+    : fetch_type_(fetch_type), is_long_(is_long), name_(std::move(name)) {
+  const FetchBinding binding = BindingOf(fetch_type_);
+  c_type_ = binding.c_type;
+  terminator_ = binding.terminator;
+  element_size_ = binding.unit == 0 ? binding.fixed_size : size * binding.unit + binding.terminator;
 }
 
 void ColumnBuffer::Bind(SQLHANDLE statement, SQLUSMALLINT column, std::size_t rows) {
@@ -77,7 +37,7 @@ void ColumnBuffer::Bind(SQLHANDLE statement, SQLUSMALLINT column, std::size_t ro
 void ColumnBuffer::Get(SQLHANDLE statement, SQLUSMALLINT column) {
   indicators_.resize(1);
   if (is_long_) {
-    GetInPieces(statement, column);
+    GetDataInParts(statement, column);
     return;
   }
   data_.resize(element_size_);
@@ -86,13 +46,13 @@ void ColumnBuffer::Get(SQLHANDLE statement, SQLUSMALLINT column) {
                  statement);
 }
 
-void ColumnBuffer::GetInPieces(SQLHANDLE statement, SQLUSMALLINT column) {
+void ColumnBuffer::GetDataInParts(SQLHANDLE statement, SQLUSMALLINT column) {
   if (data_.size() > kKeptLongBuffer) data_ = {};
-  if (data_.size() < kFirstPiece) data_.resize(kFirstPiece);
+  if (data_.size() < kFirstPart) data_.resize(kFirstPart);
   std::size_t fetched = 0;
   while (true) {
     const std::size_t room = data_.size() - fetched;
-    SQLLEN length = 0;  // of what was left before this piece
+    SQLLEN length = 0;  // of what was left before this part
     const SQLRETURN result = SQLGetData(statement, column, c_type_, data_.data() + fetched,
                                         static_cast<SQLLEN>(room), &length);
     if (result == SQL_NO_DATA) break;
@@ -108,7 +68,7 @@ void ColumnBuffer::GetInPieces(SQLHANDLE statement, SQLUSMALLINT column) {
     }
     fetched += room - terminator_;
     const std::size_t more = length > 0 ? length + terminator_ : data_.size();
-    data_.resize(fetched + std::max(more, kFirstPiece));
+    data_.resize(fetched + std::max(more, kFirstPart));
   }
   indicators_[0] = static_cast<SQLLEN>(fetched);
 }
@@ -122,7 +82,7 @@ Value ColumnBuffer::Convert(std::size_t row, Arena& storage) const {
                        fmt::format("The driver cut off a value of the column \"{}\".", name_));
   }
   const char* const element = data_.data() + (is_long_ ? 0 : row * element_size_);
-  return ToValue(transfer_, {element, static_cast<std::size_t>(length)}, storage);
+  return ToValue(fetch_type_, {element, static_cast<std::size_t>(length)}, storage);
 }
 
 }  // namespace dorvane::ado::odbc

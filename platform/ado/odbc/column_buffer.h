@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/ado/odbc/server_types.h"
+#include "platform/ado/odbc/fetch_type.h"
 #include "platform/ado/row_block.h"
 #include "platform/ado/value.h"
 
@@ -19,7 +19,7 @@ namespace dorvane::ado::odbc {
 class ColumnBuffer {
  public:
   /// `size` is the declared size in characters or bytes; it is not used for a long column.
-  ColumnBuffer(const ServerType& type, std::int64_t size, bool is_long, std::string name);
+  ColumnBuffer(FetchType fetch_type, std::int64_t size, bool is_long, std::string name);
 
   bool IsLong() const { return is_long_; }
   /// Bytes that one row takes in the buffer of a column that is not long.
@@ -36,9 +36,9 @@ class ColumnBuffer {
   Value Convert(std::size_t row, Arena& storage) const;
 
  private:
-  void GetInPieces(SQLHANDLE statement, SQLUSMALLINT column);
+  void GetDataInParts(SQLHANDLE statement, SQLUSMALLINT column);
 
-  Transfer transfer_;
+  FetchType fetch_type_;
   SQLSMALLINT c_type_;
   std::size_t terminator_;
   std::size_t element_size_;

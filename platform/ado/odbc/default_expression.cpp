@@ -3,28 +3,14 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/text/ascii.h"
+
 namespace dorvane::ado::odbc {
 
 namespace {
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-bool IsHexDigit(char c) {
-  return IsDigit(c) || (Lower(c) >= 'a' && Lower(c) <= 'f');
-}
-
 std::string_view Trim(std::string_view text) {
-  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
-  return text;
+  return text::Trim(text, text::kWhiteSpace);
 }
 
 /// The position of the ")" that closes the "(" in front, or npos. Quoted text is passed over.
@@ -50,7 +36,7 @@ std::string_view WithoutOuterParentheses(std::string_view text) {
 
 /// 'text' or N'text', as one literal from end to end.
 std::optional<std::string> StringLiteral(std::string_view text) {
-  if (!text.empty() && Lower(text.front()) == 'n') text.remove_prefix(1);
+  if (!text.empty() && text::ToLower(text.front()) == 'n') text.remove_prefix(1);
   if (text.size() < 2 || text.front() != '\'' || text.back() != '\'') return std::nullopt;
   text = text.substr(1, text.size() - 2);
   std::string value;
@@ -62,7 +48,7 @@ std::optional<std::string> StringLiteral(std::string_view text) {
 }
 
 std::size_t CountDigits(std::string_view text) {
-  return std::find_if_not(text.begin(), text.end(), IsDigit) - text.begin();
+  return std::find_if_not(text.begin(), text.end(), text::IsDigit) - text.begin();
 }
 
 /// Digits, point and exponent; a currency sign in front is dropped, a point without digits on one
@@ -81,7 +67,7 @@ std::optional<std::string> UnsignedNumber(std::string_view text) {
   std::string value(whole.empty() ? "0" : whole);
   if (!fraction.empty()) value.append(".").append(fraction);
   if (text.empty()) return value;
-  if (Lower(text.front()) != 'e') return std::nullopt;
+  if (text::ToLower(text.front()) != 'e') return std::nullopt;
   std::string_view digits = text.substr(1);
   if (!digits.empty() && (digits.front() == '-' || digits.front() == '+')) digits.remove_prefix(1);
   if (digits.empty() || CountDigits(digits) != digits.size()) return std::nullopt;
@@ -101,8 +87,10 @@ std::optional<std::string> Number(std::string_view text) {
 }
 
 std::optional<std::string> BinaryLiteral(std::string_view text) {
-  if (text.size() < 2 || text[0] != '0' || Lower(text[1]) != 'x') return std::nullopt;
-  if (!std::all_of(text.begin() + 2, text.end(), IsHexDigit)) return std::nullopt;
+  if (text.size() < 2 || text[0] != '0' || text::ToLower(text[1]) != 'x') return std::nullopt;
+  const bool is_hex =
+      std::all_of(text.begin() + 2, text.end(), [](char c) { return text::HexDigit(c) >= 0; });
+  if (!is_hex) return std::nullopt;
   return std::string(text);
 }
 
@@ -112,7 +100,7 @@ std::optional<std::string> CurrentTime(std::string_view text) {
       "getdate()", "[getdate]()", "sysdatetime()", "current_timestamp", "{fnnow()}"};
   std::string bare;
   for (const char c : text) {
-    if (!IsBlank(c)) bare += Lower(c);
+    if (text::kWhiteSpace.find(c) == std::string_view::npos) bare += text::ToLower(c);
   }
   if (std::find(kSpellings.begin(), kSpellings.end(), bare) == kSpellings.end()) {
     return std::nullopt;

@@ -72,7 +72,7 @@ bool IsMissingDriver(const Diagnostic& record) {
 
 /// FreeTDS's own messages of a way to the server that ended early: a timeout, a failed read or
 /// write, an unavailable server, an unknown host, an unexpected end.
-bool IsFromTheWire(const Diagnostic& record) {
+bool IsNetworkError(const Diagnostic& record) {
   static constexpr std::array<std::int32_t, 6> kNumbers = {20003, 20004, 20006,
                                                            20009, 20013, 20017};
   return record.sql_state.starts_with("HYT") ||
@@ -86,7 +86,7 @@ const Diagnostic* Find(const Diagnostics& records, Predicate predicate) {
 }
 
 /// "[FreeTDS][SQL Server]text" is "text"; a server's own text may begin with "[" as well.
-std::string WithoutOrigin(std::string message) {
+std::string WithoutPrefixes(std::string message) {
   static constexpr std::string_view kServer = "[SQL Server]";
   std::size_t begin = 0;
   while (begin < message.size() && message[begin] == '[') {
@@ -101,7 +101,7 @@ std::string WithoutOrigin(std::string message) {
 
 /// The error that decides what a failed logon is: a missing database before a refused login, since
 /// a server reports both of a login that has no other database to go to.
-const Diagnostic* DecidingRecord(const Diagnostics& records) {
+const Diagnostic* PrimaryRecord(const Diagnostics& records) {
   for (const std::int32_t number : {kNoSuchDatabase, kUntrustedLogin}) {
     const auto* record =
         Find(records, [number](const auto& r) { return r.native_error == number; });
@@ -119,8 +119,8 @@ std::string JoinedMessages(const Diagnostics& records) {
 }
 
 Diagnostic LogonCause(const Diagnostics& records, bool integrated_security) {
-  if (const Diagnostic* record = DecidingRecord(records)) return *record;
-  if (integrated_security && Find(records, IsFromTheWire) == nullptr) {
+  if (const Diagnostic* record = PrimaryRecord(records)) return *record;
+  if (integrated_security && Find(records, IsNetworkError) == nullptr) {
     return {
         "28000", kUntrustedLogin,
         "Login failed. There is no Kerberos ticket for a trusted connection to this server, or the "
@@ -162,8 +162,8 @@ Diagnostics ReadDiagnostics(SQLSMALLINT handle_type, SQLHANDLE handle) {
     }
     if (!SQL_SUCCEEDED(result)) return records;
     const auto size = std::min<std::size_t>(length, text.size() - 1);
-    records.push_back(
-        {ToUtf8(state), native, WithoutOrigin(ToUtf8(std::u16string_view(text).substr(0, size)))});
+    records.push_back({ToUtf8(state), native,
+                       WithoutPrefixes(ToUtf8(std::u16string_view(text).substr(0, size)))});
   }
 }
 

@@ -5,11 +5,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <mutex>
 #include <string_view>
 #include <system_error>
 
 #include "platform/ado/odbc/diagnostics.h"
-#include "platform/ado/odbc/environment.h"
 #include "platform/ado/odbc/utf16.h"
 #include "platform/ado/types.h"
 
@@ -31,6 +32,21 @@ constexpr std::string_view kLibrary = "libtdsodbc.so";
 constexpr std::string_view kNoDriver =
     "No ODBC driver for SQL Server is installed. Install the package \"tdsodbc\", or Microsoft's "
     "\"msodbcsql18\".";
+
+/// FreeTDS reads no configuration file for a connection string that gives "Server", but these
+/// variables win over the string: another server, another protocol version, a log of every byte
+/// (the password among them).
+void ForgetUserSettings() {
+  static std::once_flag done;
+  std::call_once(done, [] {
+    for (const char* name :
+         {"TDSVER", "TDSHOST", "TDSPORT", "TDSQUERY", "TDSDUMP", "TDSDUMPCONFIG"}) {
+      unsetenv(name);
+    }
+    // A pooled connection would outlive its logoff.
+    SQLSetEnvAttr(SQL_NULL_HENV, SQL_ATTR_CONNECTION_POOLING, AttributeValue(SQL_CP_OFF), 0);
+  });
+}
 
 std::vector<std::string> RegisteredDrivers() {
   const Environment environment = NewEnvironment();
@@ -71,6 +87,14 @@ std::vector<std::filesystem::path> DriverLibraries() {
 }
 
 }  // namespace
+
+Environment NewEnvironment() {
+  ForgetUserSettings();
+  Environment environment(SQL_NULL_HANDLE);
+  if (!environment) throw LibraryError(hresult::kFail, "The ODBC library could not be set up.");
+  SQLSetEnvAttr(environment.Get(), SQL_ATTR_ODBC_VERSION, AttributeValue(SQL_OV_ODBC3), 0);
+  return environment;
+}
 
 Driver ChooseDriver(const std::vector<std::string>& registered,
                     const std::vector<std::filesystem::path>& libraries) {

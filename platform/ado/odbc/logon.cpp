@@ -8,7 +8,6 @@
 #include "platform/ado/odbc/connection_string.h"
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/driver.h"
-#include "platform/ado/odbc/environment.h"
 #include "platform/ado/odbc/utf16.h"
 #include "platform/ado/types.h"
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/ado/odbc/diagnostics.h"
+#include "platform/ado/odbc/server_types.h"
 #include "platform/ado/odbc/utf16.h"
 
 namespace dorvane::ado::odbc {
@@ -117,10 +118,10 @@ void OdbcResultReader::DescribeColumn(SQLUSMALLINT column) {
                                  std::size(name), &length, &code, &size, &scale, &nullable),
                  statement_.Get());
   const ServerType& type = FindServerType(TypeName(column), code);
-  const ColumnMeasures measures = {static_cast<std::int64_t>(size), scale};
-  FieldInfo field = DescribeField(type, measures);
+  const DeclaredSize declared = {static_cast<std::int64_t>(size), scale};
+  FieldInfo field = DescribeField(type, declared);
   field.name = ToUtf8(name);
-  columns_.emplace_back(type, measures.size, IsUnlimited(type, measures), field.name);
+  columns_.emplace_back(type.fetch_type, declared.size, IsUnlimited(type, declared), field.name);
   fields_.push_back(std::move(field));
 }
 

@@ -6,37 +6,21 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/ado/odbc/fetch_type.h"
 #include "platform/ado/types.h"
 
 namespace dorvane::ado::odbc {
 
-/// How the values of a column are fetched and what Value they become.
-enum class Transfer {
-  Bit,              // bool
-  Integer,          // std::int64_t
-  Real,             // float
-  Float,            // double
-  Decimal,          // decimal text
-  Date,             // DateTime at midnight
-  Time,             // DateTime on 1899-12-30
-  Timestamp,        // DateTime
-  TimestampOffset,  // text "yyyy-mm-dd hh:mm:ss[.fffffff] +hh:mm"
-  Guid,
-  Text,  // UTF-8
-  Bytes,
-  Variant,  // the bytes of the value's text form in UTF-8
-};
-
 /// What a server type's declared size means.
-enum class SizeMeaning { None, Characters, Bytes };
+enum class LengthUnit { None, Characters, Bytes };
 
 /// One server type: its name, its code in ODBC and what the program makes of it.
 struct ServerType {
   std::string_view name;
   SQLSMALLINT code = 0;
   DataType type = DataType::Empty;
-  Transfer transfer = Transfer::Text;
-  SizeMeaning size = SizeMeaning::None;
+  FetchType fetch_type = FetchType::Text;
+  LengthUnit unit = LengthUnit::None;
   bool is_fixed = false;  // every value has the same size
   int precision = 0;      // of numbers that have a given one; 0: the column says
   int scale = 0;
@@ -48,15 +32,15 @@ struct ServerType {
 const ServerType& FindServerType(std::string_view type_name, SQLSMALLINT code);
 
 /// What the driver or the catalog says of a column.
-struct ColumnMeasures {
+struct DeclaredSize {
   std::int64_t size = 0;  // characters, bytes, digits, or characters of a time's text
   std::optional<int> scale = std::nullopt;
 };
 
 /// Whether a column has no declared size of its own: its values are as long as they like.
-bool IsUnlimited(const ServerType& type, const ColumnMeasures& measures);
+bool IsUnlimited(const ServerType& type, const DeclaredSize& declared);
 
-/// The field that a column of this type and these measures is, without its name.
-FieldInfo DescribeField(const ServerType& type, const ColumnMeasures& measures);
+/// The field that a column of this type and size is, without its name.
+FieldInfo DescribeField(const ServerType& type, const DeclaredSize& declared);
 
 }  // namespace dorvane::ado::odbc

@@ -1,4 +1,4 @@
-#include "platform/ado/odbc/fetched_value.h"
+#include "platform/ado/odbc/fetch_type.h"
 
 #include <fmt/format.h>
 #include <sql.h>
@@ -6,10 +6,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string>
+#include <string_view>
 
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/utf16.h"
+#include "platform/ado/types.h"
 
 namespace dorvane::ado::odbc {
 
@@ -87,33 +88,63 @@ Guid StoreGuid(const SQLGUID& guid, Arena& storage) {
 
 }  // namespace
 
-Value ToValue(Transfer transfer, std::string_view fetched, Arena& storage) {
-  switch (transfer) {
-    case Transfer::Bit:
+FetchBinding BindingOf(FetchType fetch_type) {
+  switch (fetch_type) {
+    case FetchType::Bit:
+      return {SQL_C_BIT, 0, 0, 1};
+    case FetchType::Integer:
+      return {SQL_C_SBIGINT, 0, 0, sizeof(std::int64_t)};
+    case FetchType::Real:
+      return {SQL_C_FLOAT, 0, 0, sizeof(float)};
+    case FetchType::Float:
+      return {SQL_C_DOUBLE, 0, 0, sizeof(double)};
+    case FetchType::Decimal:
+      return {SQL_C_CHAR, 0, 1, 48};
+    case FetchType::Date:
+      return {SQL_C_TYPE_DATE, 0, 0, sizeof(SQL_DATE_STRUCT)};
+    case FetchType::Timestamp:
+      return {SQL_C_TYPE_TIMESTAMP, 0, 0, sizeof(SQL_TIMESTAMP_STRUCT)};
+    case FetchType::Time:
+    case FetchType::TimestampOffset:
+      return {SQL_C_CHAR, 0, 1, 48};
+    case FetchType::Guid:
+      return {SQL_C_GUID, 0, 0, sizeof(SQLGUID)};
+    case FetchType::Bytes:
+      return {SQL_C_BINARY, 1, 0, 0};
+    case FetchType::Text:
+    case FetchType::Variant:
+      return {SQL_C_WCHAR, sizeof(char16_t), sizeof(char16_t), 0};
+  }
+  return {SQL_C_WCHAR, sizeof(char16_t), sizeof(char16_t), 0};
+}
+
+Value ToValue(FetchType fetch_type, std::string_view fetched, Arena& storage) {
+  switch (fetch_type) {
+    case FetchType::Bit:
       return fetched.front() != 0;
-    case Transfer::Integer:
+    case FetchType::Integer:
       return Read<std::int64_t>(fetched);
-    case Transfer::Real:
+    case FetchType::Real:
       return Read<float>(fetched);
-    case Transfer::Float:
+    case FetchType::Float:
       return Read<double>(fetched);
-    case Transfer::Decimal:
+    case FetchType::Decimal:
       return StoreDecimal(fetched, storage);
-    case Transfer::Date:
+    case FetchType::Date:
       return ToDate(Read<SQL_DATE_STRUCT>(fetched));
-    case Transfer::Time:
+    case FetchType::Time:
       return ParseTime(fetched);
-    case Transfer::Timestamp:
+    case FetchType::Timestamp:
       return ToTimestamp(Read<SQL_TIMESTAMP_STRUCT>(fetched));
-    case Transfer::TimestampOffset:
+    case FetchType::TimestampOffset:
       return storage.Store(fetched);
-    case Transfer::Guid:
+    case FetchType::Guid:
       return StoreGuid(Read<SQLGUID>(fetched), storage);
-    case Transfer::Bytes:
+    case FetchType::Bytes:
       return Binary{storage.Store(fetched)};
-    case Transfer::Variant:
+    case FetchType::Variant:
       return Binary{StoreUtf8(fetched, storage)};
-    case Transfer::Text:
+    case FetchType::Text:
       break;
   }
   return StoreUtf8(fetched, storage);

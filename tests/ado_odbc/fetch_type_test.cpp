@@ -1,4 +1,4 @@
-#include "platform/ado/odbc/fetched_value.h"
+#include "platform/ado/odbc/fetch_type.h"
 
 #include <gtest/gtest.h>
 #include <sql.h>
@@ -32,7 +32,7 @@ TEST(Utf16, ReplacesWhatIsNoText) {
 
 std::string DecimalOf(const std::string& fetched) {
   Arena storage;
-  return std::string(std::get<Decimal>(ToValue(Transfer::Decimal, fetched, storage)).digits);
+  return std::string(std::get<Decimal>(ToValue(FetchType::Decimal, fetched, storage)).digits);
 }
 
 TEST(FetchedDecimal, HasADigitBeforeThePoint) {
@@ -45,7 +45,7 @@ TEST(FetchedDecimal, HasADigitBeforeThePoint) {
 
 DateTime TimeOf(const std::string& fetched) {
   Arena storage;
-  return std::get<DateTime>(ToValue(Transfer::Time, fetched, storage));
+  return std::get<DateTime>(ToValue(FetchType::Time, fetched, storage));
 }
 
 TEST(FetchedTime, KeepsAllOfItsFraction) {
@@ -68,13 +68,13 @@ std::string BytesOf(const T& value) {
 TEST(FetchedStructures, BecomeTheirValues) {
   Arena storage;
   const SQL_TIMESTAMP_STRUCT time = {9999, 12, 31, 23, 59, 59, 999999900};
-  EXPECT_EQ(std::get<DateTime>(ToValue(Transfer::Timestamp, BytesOf(time), storage)),
+  EXPECT_EQ(std::get<DateTime>(ToValue(FetchType::Timestamp, BytesOf(time), storage)),
             (DateTime{9999, 12, 31, 86399, 999999900}));
   const SQL_DATE_STRUCT date = {1, 2, 3};
-  EXPECT_EQ(std::get<DateTime>(ToValue(Transfer::Date, BytesOf(date), storage)),
+  EXPECT_EQ(std::get<DateTime>(ToValue(FetchType::Date, BytesOf(date), storage)),
             (DateTime{1, 2, 3, 0, 0}));
   const SQLGUID guid = {0x6F9619FF, 0x8B86, 0xD011, {0xB4, 0x2D, 0, 0xC0, 0x4F, 0xC9, 0x64, 0x0F}};
-  EXPECT_EQ(std::get<Guid>(ToValue(Transfer::Guid, BytesOf(guid), storage)).text,
+  EXPECT_EQ(std::get<Guid>(ToValue(FetchType::Guid, BytesOf(guid), storage)).text,
             "{6F9619FF-8B86-D011-B42D-00C04FC9640F}");
 }
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "platform/ado/types.h"
+#include "platform/run_time_error.h"
+#include "platform/text/ascii.h"
+
+namespace dorvane::ado {
+
+/// Throws RunTimeError kItemNotFound; `collection` is the source of the error.
+[[noreturn]] inline void ThrowItemNotFound(const char* collection) {
+  throw RunTimeError(kItemNotFound, collection,
+                     "Item cannot be found in the collection corresponding to the requested "
+                     "name or ordinal.");
+}
+
+/// The item of that name: the one spelled exactly so, else the first that differs only in the case
+/// of ASCII letters. Throws as ThrowItemNotFound does.
+template <typename Item>
+const Item& FindItem(const std::vector<Item>& items, std::string_view name,
+                     const char* collection) {
+  auto found = std::ranges::find(items, name, &Item::name);
+  if (found == items.end()) {
+    found = std::ranges::find_if(
+        items, [&](const Item& item) { return text::EqualsIgnoringCase(item.name, name); });
+  }
+  if (found == items.end()) ThrowItemNotFound(collection);
+  return *found;
+}
+
+}  // namespace dorvane::ado
