@@ -20,10 +20,11 @@ function(dorvane_library name)
   target_link_libraries(${name} PUBLIC dorvane_options ${arg_LIBS})
 endfunction()
 
-# dorvane_test(NAME SOURCES ... LIBS ... [WHOLE] [TIMEOUT seconds]): a GoogleTest program.
+# dorvane_test(NAME SOURCES ... LIBS ... [WHOLE] [MYSQL] [TIMEOUT seconds]): a GoogleTest program.
 # WHOLE runs it as one ctest entry; tests that start servers share them that way.
+# MYSQL labels it as one whose outcome depends on a MySQL server, for scripts/test-mysql.
 function(dorvane_test name)
-  cmake_parse_arguments(arg "WHOLE" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(arg "WHOLE;MYSQL" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 300)
   endif()
@@ -34,5 +35,8 @@ function(dorvane_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT})
   else()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT ${arg_TIMEOUT})
+  endif()
+  if(arg_MYSQL)
+    set_tests_properties(${name} PROPERTIES LABELS mysql)
   endif()
 endfunction()

@@ -106,7 +106,7 @@ TEST_F(MySqlCatalogTest, KeysComeWholeWithTheirRules) {
 
 TEST_F(MySqlCatalogTest, IsReadWhileRowsStream) {
   Run("create table t(id int)");
-  Recordset stream = connection_.Execute("select seq from seq_1_to_100000");
+  Recordset stream = connection_.Execute("select seq from " + test::Sequence(1, 100000) + " s");
   EXPECT_FALSE(stream.AtEnd());
   Catalog catalog(connection_);
   EXPECT_EQ(catalog.TableByName("t").Columns().size(), 1U);

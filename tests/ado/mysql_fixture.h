@@ -16,8 +16,8 @@ namespace dorvane::ado {
 /// A database of its own for each test, on one server for the whole program.
 class MySqlTest : public testing::Test {
  protected:
-  static test::PrivateMariaDb& Server() {
-    static test::PrivateMariaDb server({"--max-allowed-packet=16M"});
+  static test::PrivateMySql& Server() {
+    static test::PrivateMySql server({"--max-allowed-packet=16M"});
     return server;
   }
 

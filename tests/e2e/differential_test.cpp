@@ -182,7 +182,7 @@ using ToMySql = Differential<MsSqlDatabase, MySqlDatabase>;
 // Rows k = 1, 2, ... of a MySQL table.
 Script Numbered(int count, const std::string& value = "'text'") {
   return {"create table t(k int not null, v varchar(60))",
-          fmt::format("insert into t select seq, {} from seq_1_to_{}", value, count)};
+          fmt::format("insert into t select seq, {} from {} s", value, Sequence(1, count))};
 }
 
 TEST(BlocksToMsSql, RefusedRowsOfAMerge) {
@@ -230,13 +230,14 @@ TEST(BlocksToMsSql, RefusedRowsOfAMerge) {
        {"Invalid column name 'v'"}},
       {"a parent that comes after its child",
        {"create table t(k int not null, p int)",
-        "insert into t select seq, if(seq % 300 = 0, seq + 1, seq - 1) from seq_1_to_1100"},
+        "insert into t select seq, if(seq % 300 = 0, seq + 1, seq - 1) from " + Sequence(1, 1100) +
+            " s"},
        {"create table t(k int primary key, p int references t(k))",
         "insert into t values (0, null)"},
        {300}},
       {"no identity where the source has one",
        {"create table t(k int auto_increment primary key)",
-        "insert into t select seq from seq_1_to_20"},
+        "insert into t select seq from " + Sequence(1, 20) + " s"},
        {"create table t(k int)"},
        {1},  // the batch goes on behind the switch that failed
        {"does not have the identity property"}},
@@ -250,7 +251,7 @@ TEST(BlocksToMsSql, ATableOfThisServerComparesWithoutCase) {
   differential.Run({"equal keys in a new table",
                     {"create table t(k varchar(20) character set utf8mb4 collate utf8mb4_bin "
                      "primary key, n int)",
-                     "insert into t select concat('k', seq), seq from seq_1_to_1500",
+                     "insert into t select concat('k', seq), seq from " + Sequence(1, 1500) + " s",
                      "insert into t values ('K1501', 1), ('k1501', 2), ('k1502', 3)"},
                     {},
                     {560},
@@ -265,9 +266,8 @@ TEST(BlocksToMsSql, IdentityTablesAfterRefusedBlocks) {
     return Script{
         "set sql_mode = 'NO_AUTO_VALUE_ON_ZERO'",
         "create table " + name + "(id int auto_increment primary key, v varchar(60) not null)",
-        "insert into " + name +
-            " select cast(seq as signed) - 20, if(seq = 1050, 'seven', 'text') from "
-            "seq_1_to_1100"};
+        "insert into " + name + " select seq - 20, if(seq = 1050, 'seven', 'text') from " +
+            Sequence(1, 1100) + " s"};
   };
   Script both = identity("t");
   for (std::string& statement : identity("u")) both.push_back(std::move(statement));
@@ -352,7 +352,7 @@ TEST(BlocksToMsSql, EveryKindOfColumnRowAfterRow) {
         "(2, '0000-00-00', '1753-01-01 00:00:00', '-00:00:01', 0, 0, 'a', '', '[]', '', 1901),"
         "(3, '9999-12-31', '2020-02-29 23:59:59.999999', '00:00:00', null, null, null, null, null,"
         " 'abc', null)",
-        "insert into t(k, c) select seq, char(65 + seq % 26) from seq_4_to_1200"},
+        "insert into t(k, c) select seq, char(65 + seq % 26) from " + Sequence(4, 1200) + " s"},
        {},
        {1200},
        {},
@@ -370,10 +370,10 @@ TEST(BlocksToMsSql, EveryKindOfColumnRowAfterRow) {
 TEST(BlocksToMsSql, RowsOfMegabytes) {
   const Script big = {
       "create table t(k int primary key, b longblob, v longtext character set utf8mb4)",
-      "insert into t select seq, repeat(char(128 + seq using binary), 5 << 20), 'small' from "
-      "seq_1_to_3",
+      "insert into t select seq, repeat(char(128 + seq using binary), 5 << 20), 'small' from " +
+          Sequence(1, 3) + " s",
       "insert into t values (4, null, repeat('\u4E16', 5 << 18)), (5, '', ''), (6, 0x00, null)",
-      "insert into t select seq, 0xFF, 'x' from seq_7_to_300"};
+      "insert into t select seq, 0xFF, 'x' from " + Sequence(7, 300) + " s"};
   ToMsSql differential;
   const Outcome outcome =
       differential.Run({"new", big, {}, {300}, {}, {"t"}, convert_mode::kOverwrite});

@@ -33,7 +33,7 @@ class Rig {
   static Rig& Get();
 
   SandboxServer& MsSql() { return ms_sql_; }
-  PrivateMariaDb& MySql() { return my_sql_; }
+  PrivateMySql& MySql() { return my_sql_; }
   /// Fresh, empty databases; returns their common name.
   std::string NewDatabases();
   /// A fresh, empty database on the practice SQL Server.
@@ -48,7 +48,7 @@ class Rig {
 
  private:
   Rig() = default;
-  PrivateMariaDb my_sql_;
+  PrivateMySql my_sql_;
   SandboxServer ms_sql_{{"first"}};
   int databases_ = 0;
 };

@@ -22,7 +22,7 @@ constexpr const char* kManyRows =
     "create table Small (Id int not null primary key)\ngo\n";
 
 /// Waits until rows have arrived in MariaDB, so that the copy is under way.
-void AwaitRows(const PrivateMariaDb& server, const std::string& database) {
+void AwaitRows(const PrivateMySql& server, const std::string& database) {
   for (int i = 0; i < 2000; ++i) {
     try {
       if (std::stol(server.Query("select count(*) from Big", database)) > 0) return;
@@ -57,7 +57,7 @@ class DyingServers : public testing::Test {
   }
 
   SandboxServer ms_sql_{{"big"}};
-  PrivateMariaDb my_sql_;
+  PrivateMySql my_sql_;
   std::optional<ProgramRun> run_;
 };
 

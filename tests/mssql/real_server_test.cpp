@@ -23,8 +23,8 @@ using test::WithSize;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-test::PrivateMariaDb& Server() {
-  static test::PrivateMariaDb server({"--innodb-flush-log-at-trx-commit=0"});
+test::PrivateMySql& Server() {
+  static test::PrivateMySql server;
   return server;
 }
 

@@ -25,8 +25,8 @@ struct FromMariaDb : testing::Test {
     src.SetDbName("shop");
     src.SetCopyTableContent(true);
   }
-  static test::PrivateMariaDb& Server() {
-    static test::PrivateMariaDb server;
+  static test::PrivateMySql& Server() {
+    static test::PrivateMySql server;
     return server;
   }
   void Convert(const std::string& setup, const NameList& tables) {
@@ -130,13 +130,14 @@ TEST_F(FromMariaDb, KeysAndRelationshipsAsTheServerDescribesThem) {
 }
 
 TEST_F(FromMariaDb, AServerThatDiesInTheMiddleEndsTheCopyOnce) {
-  test::PrivateMariaDb mortal;
+  test::PrivateMySql mortal;
   mortal.Query(
       "create database shop; use shop; create table t (k int, v varchar(2000)); "
-      "insert t select seq, repeat('x', 2000) from seq_1_to_30000");
+      "insert t select seq, repeat('x', 2000) from " +
+      test::Sequence(1, 30000) + " s");
   src.SetPortNo(static_cast<std::int16_t>(mortal.Port()));
   struct Killer : test::EventRecorder {
-    test::PrivateMariaDb* server = nullptr;
+    test::PrivateMySql* server = nullptr;
     void TableRecordConverted() override {
       test::EventRecorder::TableRecordConverted();
       if (rows == 1500) server->Kill();

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
+#include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -13,6 +15,24 @@ namespace dorvane::test {
 namespace {
 
 constexpr std::chrono::seconds kStartLimit(60);
+
+// Quick rather than durable, with room for long values and long sequences. An option that only one
+// of the two servers knows is "loose" to the other.
+constexpr std::array kStartOptions = {"--innodb-buffer-pool-size=64M",
+                                      "--loose-innodb-log-file-size=64M",
+                                      "--innodb-flush-log-at-trx-commit=0",
+                                      "--max-allowed-packet=64M",
+                                      "--loose-cte-max-recursion-depth=100000000",
+                                      "--loose-max-recursive-iterations=100000000"};
+constexpr std::array kMySqlOptions = {"--secure-file-priv=",      "--loose-mysqlx=OFF",
+                                      "--skip-log-bin",           "--performance-schema=OFF",
+                                      "--innodb-doublewrite=OFF", "--innodb-flush-method=nosync"};
+
+constexpr const char* kUserStatements =
+    "ALTER USER 'root'@'localhost' IDENTIFIED BY 'secret';\n"
+    "DROP USER IF EXISTS 'root'@'127.0.0.1';\n"
+    "CREATE USER 'root'@'127.0.0.1' IDENTIFIED BY 'secret';\n"
+    "GRANT ALL ON *.* TO 'root'@'127.0.0.1' WITH GRANT OPTION;\n";
 
 /// Waits until `ready`; throws with the process's output when it ends or takes too long.
 template <typename Ready>
@@ -31,34 +51,29 @@ std::vector<std::string> AsRoot(std::vector<std::string> command) {
   return command;
 }
 
+std::string ServerProgram() {
+  const char* chosen = std::getenv("DORVANE_TEST_MYSQLD");
+  return chosen == nullptr ? "mariadbd" : chosen;
+}
+
+bool SaysMariaDb(const std::string& program) {
+  const Outcome version = Run({program, "--version"});
+  if (version.status != 0) throw std::runtime_error(program + ":\n" + version.output);
+  return version.output.find("MariaDB") != std::string::npos;
+}
+
 void WriteFile(const std::filesystem::path& path, const std::string& text) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
 }  // namespace
 
-PrivateMariaDb::PrivateMariaDb(const std::vector<std::string>& extra_options) {
-  const auto data = folder_ / "data";
-  // Servers that share a folder for temporary files delete each other's when they start.
-  const auto temporary = folder_ / "tmp";
-  std::filesystem::create_directory(temporary);
-  const Outcome made =
-      Run(AsRoot({"mariadb-install-db", "--no-defaults", "--force", "--skip-test-db",
-                  "--auth-root-authentication-method=normal", "--datadir=" + data.string()}),
-          std::chrono::minutes(2), {{"TMPDIR", temporary.string()}});
-  if (made.status != 0) throw std::runtime_error("mariadb-install-db:\n" + made.output);
-
-  const auto init = folder_ / "init.sql";
-  WriteFile(init,
-            "SET PASSWORD FOR 'root'@'localhost' = PASSWORD('secret');\n"
-            "GRANT ALL ON *.* TO 'root'@'127.0.0.1' IDENTIFIED BY 'secret' WITH GRANT OPTION;\n");
-  std::vector<std::string> command = AsRoot(
-      {"mariadbd", "--no-defaults", "--datadir=" + data.string(), "--tmpdir=" + temporary.string(),
-       "--socket=" + (folder_ / "s").string(), "--pid-file=" + (folder_ / "pid").string(),
-       "--bind-address=127.0.0.1", fmt::format("--port={}", port_), "--skip-name-resolve",
-       "--init-file=" + init.string(), "--innodb-buffer-pool-size=64M",
-       "--innodb-log-file-size=64M", "--innodb-flush-log-at-trx-commit=0",
-       "--max-allowed-packet=64M"});
+PrivateMySql::PrivateMySql(const std::vector<std::string>& extra_options)
+    : program_(ServerProgram()), is_mariadb_(SaysMariaDb(program_)) {
+  std::filesystem::create_directory(folder_ / "tmp");
+  MakeDataFolder();
+  WriteFile(folder_ / "init.sql", kUserStatements);
+  std::vector<std::string> command = StartCommand();
   command.insert(command.end(), extra_options.begin(), extra_options.end());
   process_ = std::make_unique<Process>(command, folder_ / "log");
   Await(*process_, folder_ / "log", [&] {
@@ -66,7 +81,43 @@ PrivateMariaDb::PrivateMariaDb(const std::vector<std::string>& extra_options) {
   });
 }
 
-std::string PrivateMariaDb::Query(const std::string& sql, const std::string& database) const {
+void PrivateMySql::MakeDataFolder() const {
+  const std::string data = "--datadir=" + (folder_ / "data").string();
+  std::vector<std::string> command;
+  if (is_mariadb_) {
+    command = {"mariadb-install-db", "--no-defaults", "--force", "--skip-test-db",
+               "--auth-root-authentication-method=normal"};
+  } else {
+    command = {program_, "--no-defaults", "--initialize-insecure"};
+    command.insert(command.end(), kMySqlOptions.begin(), kMySqlOptions.end());
+  }
+  command.push_back(data);
+  const Outcome made =
+      Run(AsRoot(command), std::chrono::minutes(2), {{"TMPDIR", (folder_ / "tmp").string()}});
+  if (made.status != 0) throw std::runtime_error(command[0] + ":\n" + made.output);
+}
+
+std::vector<std::string> PrivateMySql::StartCommand() const {
+  std::vector<std::string> command = AsRoot(
+      {program_, "--no-defaults", "--datadir=" + (folder_ / "data").string(),
+       // Servers that share a folder for temporary files delete each other's when they start.
+       "--tmpdir=" + (folder_ / "tmp").string(), "--socket=" + (folder_ / "s").string(),
+       "--pid-file=" + (folder_ / "pid").string(), "--bind-address=127.0.0.1",
+       fmt::format("--port={}", port_), "--skip-name-resolve",
+       "--init-file=" + (folder_ / "init.sql").string()});
+  command.insert(command.end(), kStartOptions.begin(), kStartOptions.end());
+  if (!is_mariadb_) command.insert(command.end(), kMySqlOptions.begin(), kMySqlOptions.end());
+  return command;
+}
+
+std::string Sequence(int first, int last) {
+  return fmt::format(
+      "(with recursive counted(seq) as (select {} union all select seq + 1 from counted "
+      "where seq < {}) select seq from counted)",
+      first, last);
+}
+
+std::string PrivateMySql::Query(const std::string& sql, const std::string& database) const {
   const TempFolder folder;
   WriteFile(folder / "script.sql", sql);
   std::vector<std::string> command = {"mariadb",

@@ -9,14 +9,17 @@
 
 namespace dorvane::test {
 
-/// A MariaDB server of its own: loopback only, a free port, a temporary folder. User "root" with
-/// password "secret".
-class PrivateMariaDb {
+/// A MySQL or MariaDB server of its own: loopback only, a free port, a temporary folder. User
+/// "root" with password "secret". The environment variable DORVANE_TEST_MYSQLD is the path of the
+/// mysqld or mariadbd to run; Debian's MariaDB unless set.
+class PrivateMySql {
  public:
   /// Throws std::runtime_error with the server's log when it does not come up.
-  explicit PrivateMariaDb(const std::vector<std::string>& extra_options = {});
+  explicit PrivateMySql(const std::vector<std::string>& extra_options = {});
 
   int Port() const { return port_; }
+  /// Else it is MySQL: where the two differ, tests expect of each what it does.
+  bool IsMariaDb() const { return is_mariadb_; }
   std::string Password() const { return "secret"; }
   /// Runs statements with the command-line client; its output as tab-separated text. Throws with
   /// the client's message when they fail.
@@ -25,10 +28,19 @@ class PrivateMariaDb {
   void Kill() { process_->Kill(); }
 
  private:
+  void MakeDataFolder() const;
+  std::vector<std::string> StartCommand() const;
+
+  std::string program_;
+  bool is_mariadb_;
   TempFolder folder_;
   int port_ = FreePort();
   std::unique_ptr<Process> process_;
 };
+
+/// The whole numbers of a range as a derived table with the column "seq", to stand in a FROM clause
+/// of either server (with an alias behind it).
+std::string Sequence(int first, int last);
 
 /// A practice SQL Server of its own: user "sa", password "secret".
 class SandboxServer {

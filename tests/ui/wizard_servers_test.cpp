@@ -27,8 +27,8 @@ constexpr const char* kNoMySql =
 constexpr const char* kDenied = "Invalid username or password. Access denied for this user.";
 
 /// Shared by all tests; every test has databases of its own.
-PrivateMariaDb& MySql() {
-  static PrivateMariaDb server;
+PrivateMySql& MySql() {
+  static PrivateMySql server;
   return server;
 }
 SandboxServer& MsSql() {
@@ -373,7 +373,8 @@ TEST_F(WizardOnServers, ADestinationThatDiedLeavesTheWayOut) {
 TEST_F(WizardOnServers, ClosingDuringATransferKeepsWholeRowsAndLeavesNoConnection) {
   MySql().Query(
       "create database flood; use flood; create table many (id int primary key, twice int);"
-      "insert into many select seq, 2 * seq from seq_1_to_300000");
+      "insert into many select seq, 2 * seq from " +
+      Sequence(1, 300000) + " s");
   driver_.Click("optMySqlToMsSql");
   driver_.Next();
   Connect(kMySqlSource, MySqlPort(), "secret");
