@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/endpoints.h"
 #include "app/unattended_run.h"
+#include "job/endpoints.h"
 #include "ui/wizard/run_wizard.h"
 
 namespace {

@@ -33,9 +33,4 @@ class ProgressLine {
   Clock::time_point last_drawn_;
 };
 
-/// "12,345 of 500,000 rows, 46,000 rows/s, 0:10 left": what both the terminal and the window show.
-/// `rows` 0 or below `done` leaves the total and the time left out.
-std::string ProgressText(std::int64_t done, std::int64_t rows,
-                         std::chrono::duration<double> elapsed);
-
 }  // namespace dorvane

@@ -29,7 +29,7 @@ void TellStandardError(std::string_view line) {
 }  // namespace
 
 void UnattendedListener::OpenLog(const std::string& path) {
-  log_.emplace(path, text::OpenMode::Append);
+  log_.emplace(path);
 }
 
 void UnattendedListener::CloseLog() {

@@ -6,8 +6,8 @@
 #include "app/progress_line.h"
 #include "endpoint/events.h"
 #include "endpoint/run_host.h"
+#include "platform/files/text_file.h"
 #include "platform/run_time_error.h"
-#include "platform/text/text_file.h"
 
 namespace dorvane {
 
@@ -45,7 +45,7 @@ class UnattendedListener : public IConversionListener, public IRunHost {
  private:
   void LogFailure(const RunTimeError& error);
 
-  std::optional<text::LineWriter> log_;
+  std::optional<files::LineAppender> log_;
   ProgressLine progress_;
   bool log_broken_ = false;
   bool failed_ = false;

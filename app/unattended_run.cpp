@@ -2,8 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "app/conversion_settings.h"
 #include "app/unattended_listener.h"
+#include "job/conversion_settings.h"
+#include "platform/files/text_file.h"
 
 namespace dorvane {
 
@@ -16,9 +17,9 @@ std::string UnknownFailure(std::int32_t number, std::string_view description) {
   return fmt::format("conversion failed! unkown error {} - {}", number, description);
 }
 
-/// Runs `step`; false when it failed, which the run's line then tells.
+/// Runs a step of the run; false when it failed, which is then logged.
 template <typename Step>
-bool Carry(UnattendedListener& listener, Step step) {
+bool RunStep(UnattendedListener& listener, Step step) {
   std::string line;
   try {
     step();
@@ -41,8 +42,8 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
                                   const HostedEndpointFactory& make_endpoint) {
   UnattendedListener listener;
   ConversionSettings settings;
-  const bool usable = Carry(listener, [&] {
-    text::LineReader file(settings_file);
+  const bool usable = RunStep(listener, [&] {
+    files::LineReader file(settings_file);
     settings = ReadConversionSettings(file, [&](ServerKind kind) {
       auto endpoint = make_endpoint(kind, listener);
       endpoint->SetListener(&listener);
@@ -52,7 +53,7 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
   });
   if (!usable) return RunStatus::kSettingsUnusable;
 
-  Carry(listener, [&] { settings.src->TransferToDest(*settings.dest, settings.tables); });
+  RunStep(listener, [&] { settings.src->TransferToDest(*settings.dest, settings.tables); });
   listener.CloseLog();
   return listener.Succeeded() ? RunStatus::kConverted : RunStatus::kFailed;
 }

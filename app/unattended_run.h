@@ -1,11 +1,8 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
-#include <memory>
 
-#include "endpoint/database.h"
-#include "endpoint/run_host.h"
+#include "job/endpoints.h"
 
 namespace dorvane {
 
@@ -15,10 +12,6 @@ enum class RunStatus {
   kFailed = 1,            // anything failed; the log says what
   kSettingsUnusable = 2,  // the settings file, or the log it names, could not be used
 };
-
-/// Makes an endpoint that works for `host`.
-using HostedEndpointFactory =
-    std::function<std::unique_ptr<IDatabase>(ServerKind kind, IRunHost& host)>;
 
 /// Converts what the settings file describes without any window and appends to its log. What cannot
 /// go to the log, because it is not open yet or cannot be written, goes to standard error.

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "platform/process/child_process.h"
 #include "platform/run_time_error.h"
-#include "platform/scheduler/child_process.h"
 #include "platform/scheduler/quoting.h"
 #include "platform/scheduler/task_fields.h"
 
@@ -123,23 +123,23 @@ void CronScheduler::Remove(const std::string& name) {
 }
 
 void CronScheduler::Start(const Task& task) {
-  StartDetached(task.program, task.arguments, task.working_directory);
+  process::StartDetached(task.program, task.arguments, task.working_directory);
 }
 
 std::string CronScheduler::ReadCrontab() const {
   std::vector<std::string> command = crontab_;
   command.emplace_back("-l");
-  const ChildResult result = RunChild(command);
+  const process::ChildResult result = process::RunChild(command);
   if (result.status == 0) return result.output;
   if (result.errors.starts_with("no crontab for")) return "";
-  throw RunTimeError(kCommandFailed, "Scheduler",
+  throw RunTimeError(process::kCommandFailed, "Scheduler",
                      fmt::format("Can not read the crontab: {}", result.errors));
 }
 
 void CronScheduler::InstallCrontab(std::string_view text) const {
   std::vector<std::string> command = crontab_;
   command.emplace_back(text.empty() ? "-r" : "-");
-  RunChildOrThrow(command, text);
+  process::RunChildOrThrow(command, text);
 }
 
 }  // namespace dorvane::scheduler

@@ -9,7 +9,6 @@
 #include "platform/run_time_error.h"
 #include "platform/scheduler/cron_scheduler.h"
 #include "platform/scheduler/systemd_scheduler.h"
-#include "platform/scheduler/task_name.h"
 
 namespace dorvane::scheduler {
 

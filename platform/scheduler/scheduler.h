@@ -9,14 +9,13 @@
 
 namespace dorvane::scheduler {
 
-/// Numbers of the scheduler's failures, beside those of run_time.
-inline constexpr std::int32_t kTaskExists = -2147024816;       // 0x80070050
-inline constexpr std::int32_t kInvalidTaskName = -2147024773;  // 0x8007007B
-inline constexpr std::int32_t kTaskNotFound = -2147024894;     // 0x80070002
-inline constexpr std::int32_t kCommandFailed = -2147467259;    // 0x80004005
+/// Numbers of the scheduler's failures, beside kInvalidTaskName and those of run_time.
+inline constexpr std::int32_t kTaskExists = -2147024816;    // 0x80070050
+inline constexpr std::int32_t kTaskNotFound = -2147024894;  // 0x80070002
 
 /// The named tasks that this program keeps with the operating system for one user. Everything
-/// throws RunTimeError; a command of the system that fails gives kCommandFailed with its words.
+/// throws RunTimeError; a command of the system that fails gives process::kCommandFailed with its
+/// words.
 class ITaskScheduler {
  public:
   virtual ~ITaskScheduler() = default;

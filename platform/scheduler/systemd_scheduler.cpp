@@ -1,7 +1,6 @@
 #include "platform/scheduler/systemd_scheduler.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 
 #include <array>
 #include <cstdlib>
@@ -9,18 +8,16 @@
 #include <iterator>
 #include <string_view>
 
+#include "platform/files/replace_file.h"
+#include "platform/process/child_process.h"
 #include "platform/run_time_error.h"
-#include "platform/scheduler/child_process.h"
 #include "platform/scheduler/quoting.h"
-#include "platform/scheduler/replace_file.h"
 #include "platform/scheduler/task_fields.h"
-#include "platform/scheduler/task_name.h"
 
 namespace dorvane::scheduler {
 
 namespace {
 
-constexpr mode_t kUnitFileMode = 0644;
 constexpr std::array<std::string_view, 7> kWeekDays{"Sun", "Mon", "Tue", "Wed",
                                                     "Thu", "Fri", "Sat"};
 
@@ -134,8 +131,9 @@ SystemdScheduler::SystemdScheduler(Settings settings) : settings_(std::move(sett
 
 bool SystemdScheduler::Answers() {
   try {
-    return RunChild({"systemctl", "--user", "show-environment"}, {}, std::chrono::seconds(5))
-               .status == 0;
+    const auto shown =
+        process::RunChild({"systemctl", "--user", "show-environment"}, {}, std::chrono::seconds(5));
+    return shown.status == 0;
   } catch (const RunTimeError&) {
     return false;
   }
@@ -150,8 +148,9 @@ std::optional<Task> SystemdScheduler::Find(const std::string& name) const {
 
 void SystemdScheduler::Store(const Task& task) {
   CheckProgram(task.program);
-  ReplaceFile(UnitFile(task.name, ".service"), ServiceText(task), kUnitFileMode);
-  ReplaceFile(UnitFile(task.name, ".timer"), TimerText(task), kUnitFileMode);
+  files::MakeFolders(settings_.unit_folder);
+  files::ReplaceFile(UnitFile(task.name, ".service"), ServiceText(task), files::kReadableByAll);
+  files::ReplaceFile(UnitFile(task.name, ".timer"), TimerText(task), files::kReadableByAll);
   const std::string timer = UnitName(task.name) + ".timer";
   Systemctl({"daemon-reload"});
   Systemctl({task.enabled ? "enable" : "disable", "--now", timer});
@@ -179,7 +178,7 @@ std::filesystem::path SystemdScheduler::UnitFile(const std::string& name,
 void SystemdScheduler::Systemctl(const std::vector<std::string>& arguments) const {
   std::vector<std::string> command = settings_.systemctl;
   command.insert(command.end(), arguments.begin(), arguments.end());
-  RunChildOrThrow(command);
+  process::RunChildOrThrow(command);
 }
 
 }  // namespace dorvane::scheduler

@@ -2,10 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <fstream>
 
-#include "tests/app/plain_endpoint.h"
+#include "tests/support/plain_endpoint.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 
@@ -140,6 +141,28 @@ TEST_F(UnattendedRun, ALogThatCannotBeOpenedIsUnusableOneThatFillsUpIsAFailure) 
                 "/dev/full"),
             RunStatus::kFailed);
   EXPECT_TRUE(finished);  // the conversion itself is not lost with its log
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("The log cannot be written"));
+}
+
+/// Takes a file from under whoever has it open in this process.
+void CloseUnder(const std::filesystem::path& path) {
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code ignored;
+    if (std::filesystem::read_symlink(entry, ignored) != path) continue;
+    close(std::stoi(entry.path().filename()));
+    return;
+  }
+  ADD_FAILURE() << path << " is not open";
+}
+
+TEST_F(UnattendedRun, ALogThatIsNotStoredIsAFailure) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Run([&](IDatabase&, const NameList&, IConversionListener& listener) {
+              listener.ConversionStarted(1, false);
+              listener.ConversionEnded();
+              CloseUnder(folder_ / "log");
+            }),
+            RunStatus::kFailed);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("The log cannot be written"));
 }
 

@@ -81,8 +81,7 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   src.SetConvertMode(job.mode);
   src.SetConvertRelationships(job.relationships);
   src.SetReplaceSpaceWithUnderscore(job.underscores);
-  text::LineWriter file(settings, text::OpenMode::Replace);
-  WriteConversionSettings(file, src, dest, job.tables, log.string());
+  SaveConversionSettings(settings, src, dest, job.tables, log.string());
 }
 
 std::string ReadLog(const std::filesystem::path& log) {

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "app/conversion_settings.h"
-#include "tests/app/plain_endpoint.h"
+#include "job/conversion_settings.h"
+#include "tests/support/plain_endpoint.h"
 #include "tests/support/process.h"
 #include "tests/support/servers.h"
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <thread>
 
-#include "platform/scheduler/child_process.h"
+#include "platform/process/child_process.h"
 #include "platform/scheduler/cron_scheduler.h"
 #include "tests/e2e/rig.h"
 #include "tests/scheduler/tasks.h"
@@ -89,7 +89,7 @@ TEST(CronDaemon, StartsTheTasksThatAreDue) {
   const auto crontab = [&](const char* option, std::string_view input) {
     std::vector<std::string> command = cron.CrontabCommand();
     command.emplace_back(option);
-    return RunChildOrThrow(command, input);
+    return process::RunChildOrThrow(command, input);
   };
   crontab("-", own);
   CronScheduler scheduler(cron.CrontabCommand());

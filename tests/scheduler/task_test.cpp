@@ -5,10 +5,7 @@
 #include <set>
 
 #include "platform/run_time_error.h"
-#include "platform/scheduler/child_process.h"
-#include "platform/scheduler/scheduler.h"
 #include "platform/scheduler/task_fields.h"
-#include "platform/scheduler/task_name.h"
 #include "tests/scheduler/tasks.h"
 
 namespace dorvane::scheduler {
@@ -108,26 +105,6 @@ TEST(TaskFields, GiveBackEveryTask) {
     std::string damaged = fields;
     damaged.replace(damaged.find(good), good.size(), bad);
     EXPECT_THROW(ReadFields(damaged, ""), RunTimeError) << bad;
-  }
-}
-
-TEST(ChildProcess, PassesBytesAndStatusBothWays) {
-  const std::string megabyte(1 << 20, 'x');
-  const ChildResult echo = RunChild({"cat"}, megabyte);
-  EXPECT_EQ(echo.status, 0);
-  EXPECT_EQ(echo.output, megabyte);
-
-  // A child that reads nothing must not take us down with a broken pipe.
-  EXPECT_EQ(RunChild({"true"}, megabyte).status, 0);
-  EXPECT_EQ(RunChild({"sh", "-c", "kill -9 $$"}).status, 137);
-  EXPECT_THROW(RunChild({"sleep", "60"}, {}, seconds(1)), RunTimeError);
-  EXPECT_THROW(RunChild({"no-such-command-here"}), RunTimeError);
-  try {
-    RunChildOrThrow({"sh", "-c", "echo out; echo why >&2; exit 3"});
-    FAIL();
-  } catch (const RunTimeError& error) {
-    EXPECT_EQ(error.Number(), kCommandFailed);
-    EXPECT_EQ(error.Description(), "why");
   }
 }
 

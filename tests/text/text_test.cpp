@@ -1,21 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <functional>
 #include <string>
 
 #include "platform/run_time_error.h"
 #include "platform/text/code_page.h"
 #include "platform/text/number_text.h"
-#include "platform/text/text_file.h"
-#include "tests/support/process.h"
-#include "tests/support/temp_folder.h"
 
 namespace dorvane::text {
 namespace {
-
-using test::ReadFile;
-using test::TempFolder;
 
 std::int32_t NumberOf(const std::function<void()>& failing) {
   try {
@@ -71,35 +65,6 @@ TEST(NumberText, BooleansAreWordsInAnyCaseOrNumbers) {
   for (const char* text : {"", "yes", "Truee"}) {
     EXPECT_EQ(NumberOf([&] { ParseBoolean(text); }), run_time::kTypeMismatch) << text;
   }
-}
-
-TEST(TextFile, ReadsLinesHoweverTheyEnd) {
-  const TempFolder folder;
-  std::ofstream(folder / "file", std::ios::binary) << "a\r\n\r\nb\x80\nlast";
-  LineReader file(folder / "file");
-  EXPECT_EQ(file.ReadLine(), "a");
-  EXPECT_EQ(file.ReadLine(), "");
-  EXPECT_EQ(file.ReadLine(), "b€");
-  EXPECT_EQ(file.ReadLine(), "last");
-  EXPECT_EQ(NumberOf([&] { file.ReadLine(); }), run_time::kInputPastEnd);
-}
-
-TEST(TextFile, AppendsAndTellsWhyItCannot) {
-  const TempFolder folder;
-  const auto path = folder / "log";
-  LineWriter(path, OpenMode::Append).WriteLine("one ü");
-  LineWriter(path, OpenMode::Append).WriteLine("two 漢");
-  EXPECT_EQ(ReadFile(path), "one \xFC\r\ntwo ?\r\n");
-  EXPECT_EQ(NumberOf([&] { LineReader(folder / "none"); }), run_time::kFileNotFound);
-  EXPECT_EQ(NumberOf([&] { LineReader(folder / "no" / "file"); }), run_time::kPathNotFound);
-  EXPECT_EQ(NumberOf([&] { LineReader(folder.Path()); }), run_time::kPermissionDenied);
-  EXPECT_EQ(NumberOf([&] { LineWriter(folder / "no" / "file", OpenMode::Append); }),
-            run_time::kPathNotFound);
-}
-
-TEST(TextFile, AFullDiskIsAnError) {
-  LineWriter full("/dev/full", OpenMode::Append);
-  EXPECT_EQ(NumberOf([&] { full.WriteLine("no room"); }), run_time::kFileInputOutput);
 }
 
 }  // namespace

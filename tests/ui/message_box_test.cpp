@@ -10,7 +10,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "app/program_folder.h"
+#include "job/program_folder.h"
 #include "tests/support/temp_folder.h"
 #include "tests/ui/print_qt.h"
 #include "ui/dialogs/frm_msg_box.h"

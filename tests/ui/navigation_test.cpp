@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "app/encryptor.h"
+#include "job/encryptor.h"
 #include "tests/ui/print_qt.h"
 #include "tests/ui/wizard_driver.h"
 
@@ -45,7 +45,7 @@ TEST_F(Navigation, OpensOnTheDirectionPage) {
   EXPECT_FALSE(driver_.IsEnabled("cmdNav2"));
   EXPECT_TRUE(driver_.IsEnabled("cmdNav3"));
   EXPECT_FALSE(driver_.IsEnabled("cmdNav4"));
-  EXPECT_EQ(driver_.Get<StepMarker>("shpCircle0").FillColor(), QColor(255, 0, 0));
+  EXPECT_EQ(driver_.Get<theme::StepMarker>("shpCircle0").FillColor(), QColor(255, 0, 0));
   EXPECT_TRUE(driver_.Get<QRadioButton>("optMsSqlToMySql").isChecked()) << "no config yet";
   EXPECT_TRUE(driver_.TakeBoxes().empty());
 }
@@ -62,7 +62,7 @@ TEST_F(Navigation, NextShowsExactlyOnePageAndMarksItsStep) {
   }
   for (int i = 0; i < kStepCount; ++i) {
     const std::string index = std::to_string(i);
-    EXPECT_EQ(driver_.Get<StepMarker>(("shpCircle" + index).c_str()).FillColor(),
+    EXPECT_EQ(driver_.Get<theme::StepMarker>(("shpCircle" + index).c_str()).FillColor(),
               i == 1 ? QColor(255, 0, 0) : QColor(71, 102, 171));
     EXPECT_EQ(driver_.Get<QLabel>(("lblleft" + index).c_str()).palette().windowText().color(),
               i == 1 ? QColor(255, 255, 255) : QColor(128, 128, 128));

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/app/plain_endpoint.h"
+#include "tests/support/plain_endpoint.h"
 
 namespace dorvane::test {
 

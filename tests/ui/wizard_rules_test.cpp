@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "app/encryptor.h"
+#include "job/encryptor.h"
 #include "platform/text/code_page.h"
 #include "tests/ui/scripted_endpoint.h"
 #include "ui/wizard/connection_rules.h"
-#include "ui/wizard/table_lists.h"
+#include "ui/wizard/tables_page.h"
 #include "ui/wizard/wizard_steps.h"
 
 namespace dorvane {

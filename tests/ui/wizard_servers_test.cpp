@@ -6,8 +6,8 @@
 #include <QComboBox>
 #include <QProgressBar>
 
-#include "app/encryptor.h"
-#include "app/endpoints.h"
+#include "job/encryptor.h"
+#include "job/endpoints.h"
 #include "tests/support/servers.h"
 #include "tests/ui/print_qt.h"
 #include "tests/ui/wizard_driver.h"

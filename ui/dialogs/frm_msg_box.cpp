@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "ui/controls/make_child.h"
+#include "ui/controls/soft_button.h"
 #include "ui/dialogs/built_in_skin.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/dialogs/skin_module.h"
@@ -71,16 +72,6 @@ constexpr DesignedPicture kPictures[] = {
 constexpr const char* kWithoutUse[] = {"imgTitleMinimize", "imgTitleMaxRestore", "imgTitleHelp"};
 constexpr const char* kSpares[] = {"imgTitleMaximize", "imgTitleRestore"};
 constexpr const char* kGrips[] = {"imgTitleLeft", "imgTitleMain", "imgTitleRight"};
-
-void DressButton(GradientButton& button) {
-  button.SetButtonStyle(static_cast<int>(ButtonStyle::kSoft));
-  button.SetBackColor(QColor(238, 241, 247));
-  button.SetGradientColor(QColor(196, 206, 224));
-  button.SetGradientMode(static_cast<int>(GradientMode::kToBottom));
-  button.SetForeColor(QColor(22, 32, 60));
-  button.SetHoverForeColor(QColor(160, 30, 20));
-  button.SetHoverBackColor(QColor(255, 255, 255));
-}
 
 // A click on the title text belongs to the picture below it.
 void PassMouseThrough(QWidget& widget) {
@@ -155,14 +146,9 @@ void frmMsgBox::AddMessage() {
 }
 
 void frmMsgBox::AddButtons() {
-  cmdOK_ = &MakeNamed<GradientButton>("cmdOK", *this);
-  cmdNo_ = &MakeNamed<GradientButton>("cmdNo", *this);
-  cmdNo_->SetCaption("No");
-  cmdNo_->SetAccessKey('N');
-  for (GradientButton* button : {cmdOK_, cmdNo_}) {
-    DressButton(*button);
-    button->resize(kButtonWidth, kButtonHeight);
-  }
+  cmdOK_ = &AddDialogButton("cmdOK", *this, "OK", 'O');
+  cmdNo_ = &AddDialogButton("cmdNo", *this, "No", 'N');
+  for (GradientButton* button : {cmdOK_, cmdNo_}) button->resize(kButtonWidth, kButtonHeight);
   connect(cmdOK_, &QAbstractButton::clicked, this, [this] { End(kAnswerYes); });
   connect(cmdNo_, &QAbstractButton::clicked, this, [this] { End(kAnswerNo); });
   setTabOrder(cmdOK_, cmdNo_);

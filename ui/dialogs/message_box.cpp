@@ -1,9 +1,13 @@
 #include "ui/dialogs/message_box.h"
 
+#include <fmt/format.h>
+
 #include <QCoreApplication>
 #include <QString>
+#include <exception>
 #include <memory>
 
+#include "platform/run_time_error.h"
 #include "ui/dialogs/frm_msg_box.h"
 
 namespace dorvane {
@@ -42,6 +46,21 @@ void ShowMessage(std::string_view text, std::int32_t style, std::string_view tit
 
 int AskYesNo(std::string_view text, std::int32_t style, std::string_view title) {
   return RunBox(MessageBoxKind::kYesNo, text, style, title);
+}
+
+FailureFacts CurrentFailure() {
+  try {
+    throw;
+  } catch (const RunTimeError& error) {
+    return {error.Number(), error.Description()};
+  } catch (const std::exception& error) {
+    return {0, error.what()};
+  }
+}
+
+std::string DescribeUnexpectedFailure() {
+  const FailureFacts failure = CurrentFailure();
+  return fmt::format("Unexpected error no. {} _ {}", failure.number, failure.description);
 }
 
 }  // namespace dorvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "endpoint/events.h"
@@ -18,5 +19,17 @@ void ShowMessage(std::string_view text, std::int32_t style, std::string_view tit
 
 /// The same with Yes and No; returns kAnswerYes or kAnswerNo.
 int AskYesNo(std::string_view text, std::int32_t style, std::string_view title);
+
+/// Number and description of a failure; 0 for one that carries no number.
+struct FailureFacts {
+  std::int32_t number = 0;
+  std::string description;
+};
+
+/// Of the exception being handled; to be called in a catch clause.
+FailureFacts CurrentFailure();
+
+/// "Unexpected error no. " + number + " _ " + description, of the exception being handled.
+std::string DescribeUnexpectedFailure();
 
 }  // namespace dorvane

@@ -10,7 +10,7 @@
 #include <array>
 #include <optional>
 
-#include "app/program_folder.h"
+#include "job/program_folder.h"
 #include "ui/controls/make_child.h"
 #include "ui/controls/picture_box.h"
 

@@ -7,29 +7,20 @@
 #include <QLabel>
 #include <QLineEdit>
 
-#include "app/conversion_settings.h"
+#include "job/conversion_settings.h"
+#include "job/scheduled_conversion.h"
 #include "platform/run_time_error.h"
 #include "platform/text/number_text.h"
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
-#include "ui/schedule/dialog_button.h"
+#include "ui/controls/soft_button.h"
 #include "ui/schedule/task_settings_dialog.h"
 
 namespace dorvane {
 
 namespace {
 
-constexpr const char* kTaskComment = "Dorvane";
-#ifdef _WIN32
-constexpr const char* kProgramName = "Dorvane.exe";
-#else
-constexpr const char* kProgramName = "Dorvane";
-#endif
 constexpr int kFieldWidth = 320;
-
-std::string SettingsFileName(const std::string& task_name) {
-  return task_name + ".dcs";
-}
 
 std::string UnknownError(std::int32_t number, std::string_view description) {
   return fmt::format("Unknown error {} - {}", number, description);
@@ -95,7 +86,8 @@ void frmSchedule::Schedule() {
   }
   try {
     SaveTask(name);
-    WriteSettingsFile(name);
+    SaveConversionSettings(TaskSettingsFile(services_.settings_folder, name), src_, dest_, tables_,
+                           log);
   } catch (const RunTimeError& error) {
     if (error.Number() == scheduler::kTaskExists) {
       return Refuse("This task already exists. Please enter a another name", txtTaskName_);
@@ -111,34 +103,12 @@ void frmSchedule::Schedule() {
 
 void frmSchedule::SaveTask(const std::string& name) {
   const std::shared_ptr<scheduler::ITaskScheduler> scheduler = services_.make_scheduler();
-  scheduler::Task task = scheduler->NewTask(name);
-  task.comment = kTaskComment;
-  task.program = services_.program_folder / kProgramName;
-  task.working_directory = services_.settings_folder;
-  task.arguments = SettingsFileName(name);
-  task.run_missed_start = true;
-  scheduler->Save(task);
-
+  const scheduler::Task task =
+      SaveConversionTask(*scheduler, name, services_.program_folder, services_.settings_folder);
   auto& settings = MakeChild<TaskSettingsDialog>(*this, scheduler, task, services_.show_message);
   settings.setAttribute(Qt::WA_DeleteOnClose);
   // Does not wait: the settings file has to be there when the user runs the task from the window.
   settings.open();
-}
-
-void frmSchedule::WriteSettingsFile(const std::string& name) const {
-  const std::filesystem::path path = services_.settings_folder / SettingsFileName(name);
-  std::filesystem::path draft = path;
-  draft += ".new";
-  text::LineWriter file(draft, text::OpenMode::Replace, true);
-  try {
-    WriteConversionSettings(file, src_, dest_, tables_, txtLogFile_->text().toStdString());
-    file.Close();
-    std::filesystem::rename(draft, path);
-  } catch (...) {
-    std::error_code ignored;
-    std::filesystem::remove(draft, ignored);
-    throw;
-  }
 }
 
 void frmSchedule::Refuse(std::string_view message, QLineEdit* field) const {

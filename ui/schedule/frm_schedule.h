@@ -43,8 +43,6 @@ class frmSchedule : public QDialog {
   void Schedule();
   /// Makes the task and shows its settings. Throws RunTimeError.
   void SaveTask(const std::string& name);
-  /// Writes the conversion for its owner alone, in one piece. Throws RunTimeError.
-  void WriteSettingsFile(const std::string& name) const;
   void Refuse(std::string_view message, QLineEdit* field) const;
 
   const IDatabase& src_;

@@ -16,7 +16,7 @@
 #include "platform/run_time_error.h"
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
-#include "ui/schedule/dialog_button.h"
+#include "ui/controls/soft_button.h"
 
 namespace dorvane {
 

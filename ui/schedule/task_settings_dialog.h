@@ -19,6 +19,10 @@ class QVBoxLayout;
 
 namespace dorvane {
 
+/// Distances of the scheduling dialogs in logical pixels.
+inline constexpr int kDialogMargin = 20;
+inline constexpr int kDialogGap = 10;
+
 /// Shows a saved task and lets the user complete its schedule, run it at once or delete it.
 class TaskSettingsDialog : public QDialog {
   Q_OBJECT

@@ -1,9 +1,9 @@
 #include "ui/wizard/connection_page.h"
 
+#include "platform/text/number_text.h"
 #include "ui/controls/make_child.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/theme.h"
-#include "ui/wizard/unexpected_failure.h"
 
 namespace dorvane {
 
@@ -87,7 +87,7 @@ void ConnectionPage::OnConnect() {
   bool connected = false;
   try {
     ApplyFields(fields, UsesWindowsLogin(), Endpoint());
-    connected = new_name ? CreateDatabase(std::string(Trimmed(*new_name))) : ListDatabases();
+    connected = new_name ? CreateDatabase(std::string(text::Trim(*new_name))) : ListDatabases();
   } catch (...) {
     const FailureFacts failure = CurrentFailure();
     ShowMessage(FailureText(traits_, failure.number, failure.description), traits_.failure.style,

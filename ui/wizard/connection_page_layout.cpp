@@ -1,6 +1,7 @@
 // How a connection page is built: its controls, where they stand and what they are connected to.
 #include <QAbstractItemView>
 #include <QHBoxLayout>
+#include <QLabel>
 
 #include "ui/controls/make_child.h"
 #include "ui/controls/option_group.h"

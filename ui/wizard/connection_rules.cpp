@@ -8,6 +8,7 @@
 
 #include "endpoint/events.h"
 #include "platform/run_time_error.h"
+#include "platform/text/number_text.h"
 #include "ui/wizard/wizard_steps.h"
 
 namespace dorvane {
@@ -119,8 +120,8 @@ bool IsNumber(std::string_view text) {
   return !text.empty() && std::ranges::all_of(text, IsDigit);
 }
 
-std::int16_t PortNumber(std::string_view text) {
-  const std::string_view digits = Trimmed(text);
+std::int16_t PortNumber(std::string_view typed) {
+  const std::string_view digits = text::Trim(typed);
   std::int16_t port = 0;
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), port);
   if (result.ec != std::errc()) throw RunTimeError(run_time::kOverflow, "Dorvane", "Overflow");
@@ -147,26 +148,20 @@ void PresetFields(const ConnectionPageTraits& traits, const LastSettings& last,
   if (same_way) FillIfEmpty(fields.password, last.PlainPassword(preset.password));
 }
 
-std::string_view Trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 std::optional<FieldRefusal> CheckFields(const ConnectionPageTraits& traits,
                                         const ConnectionFields& fields, bool windows_login,
                                         const std::optional<std::string>& new_name) {
-  if (!IsNumber(Trimmed(fields.port))) {
+  if (!IsNumber(text::Trim(fields.port))) {
     return FieldRefusal{FieldRefusal::kPort, "Please enter a valid port number",
                         message_style::kInformation};
   }
   const bool needs_user = traits.user_check == UserCheck::kAlways ||
                           (traits.user_check == UserCheck::kUnlessWindowsLogin && !windows_login);
-  if (needs_user && Trimmed(fields.user).empty()) {
+  if (needs_user && text::Trim(fields.user).empty()) {
     return FieldRefusal{FieldRefusal::kUser, "Please enter a valid username",
                         message_style::kInformation};
   }
-  if (new_name && Trimmed(*new_name).empty()) {
+  if (new_name && text::Trim(*new_name).empty()) {
     return FieldRefusal{FieldRefusal::kNewName, "Please Enter the New Database Name",
                         message_style::kPlain};
   }

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/last_settings.h"
 #include "endpoint/database.h"
+#include "job/last_settings.h"
 
 namespace dorvane {
 
@@ -75,9 +75,6 @@ const ConnectionPageTraits& TraitsOf(std::int16_t page);
 /// defaults. A field that holds any text, even blanks, is left alone.
 void PresetFields(const ConnectionPageTraits& traits, const LastSettings& last,
                   ConnectionFields& fields);
-
-/// Without the blanks at both ends.
-std::string_view Trimmed(std::string_view text);
 
 /// A field that keeps a page from connecting, and what to tell.
 struct FieldRefusal {

@@ -1,5 +1,6 @@
 #include "ui/wizard/direction_page.h"
 
+#include <QLabel>
 #include <QStyle>
 
 #include "ui/controls/make_child.h"

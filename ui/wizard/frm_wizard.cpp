@@ -5,7 +5,6 @@
 
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/theme.h"
-#include "ui/wizard/unexpected_failure.h"
 
 namespace dorvane {
 namespace {

@@ -12,13 +12,13 @@
 #include <string>
 #include <string_view>
 
-#include "app/unattended_run.h"
+#include "job/endpoints.h"
 #include "ui/controls/gradient_button.h"
 #include "ui/controls/picture_box.h"
 #include "ui/wizard/connection_page.h"
 #include "ui/wizard/direction_page.h"
-#include "ui/wizard/step_marker.h"
 #include "ui/wizard/tables_page.h"
+#include "ui/wizard/theme.h"
 #include "ui/wizard/transfer_page.h"
 #include "ui/wizard/wizard_run.h"
 #include "ui/wizard/wizard_session.h"
@@ -112,7 +112,7 @@ class frmWizard : public QWidget {
   bool blnFinishAllowed_ = false;
 
   std::array<QLabel*, kStepCount> step_labels_{};
-  std::array<StepMarker*, kStepCount> step_markers_{};
+  std::array<theme::StepMarker*, kStepCount> step_markers_{};
   QLabel* lblTitle_ = nullptr;
   QStackedWidget* pages_ = nullptr;
   std::array<GradientButton*, 5> nav_buttons_{};  // index 0 is not used

@@ -1,7 +1,6 @@
 // What happens when a page is entered: checks, presets, and what the pages before it have settled.
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/frm_wizard.h"
-#include "ui/wizard/unexpected_failure.h"
 
 namespace dorvane {
 namespace {

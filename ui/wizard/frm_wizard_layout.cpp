@@ -7,8 +7,6 @@
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
 #include "ui/wizard/frm_wizard.h"
-#include "ui/wizard/image_list.h"
-#include "ui/wizard/theme.h"
 
 namespace dorvane {
 namespace {
@@ -91,7 +89,7 @@ QWidget& frmWizard::BuildSidebar() {
   layout.setRowMinimumHeight(1, 12);
 
   for (std::size_t step = 0; step < kStepCount; ++step) {
-    auto& marker = MakeChild<StepMarker>(static_cast<QWidget&>(sidebar));
+    auto& marker = MakeChild<theme::StepMarker>(static_cast<QWidget&>(sidebar));
     marker.setObjectName(Indexed("shpCircle", step));
     const std::string_view name = StepName(static_cast<std::int16_t>(step));
     auto& label = MakeChild<QLabel>(
@@ -154,8 +152,8 @@ QWidget& frmWizard::BuildNavigationBar() {
   layout.setContentsMargins(theme::kMargin, 12, theme::kMargin, 12);
   layout.setSpacing(theme::kGap);
 
-  auto& images = MakeNamed<ImageList>("imglstImages", static_cast<QObject&>(bar),
-                                      theme::HelpPicture(false), theme::HelpPicture(true));
+  auto& images = MakeNamed<theme::ImageList>("imglstImages", static_cast<QObject&>(bar),
+                                             theme::HelpPicture(false), theme::HelpPicture(true));
   imgHelp_ = &MakeNamed<PictureBox>("imgHelp", static_cast<QWidget&>(bar));
   imgHelp_->setFixedSize(kHelpSize);
   imgHelp_->SetPicture(images.Picture(1));

@@ -6,8 +6,8 @@
 #include <QUrl>
 #include <memory>
 
-#include "app/endpoints.h"
-#include "app/program_folder.h"
+#include "job/endpoints.h"
+#include "job/program_folder.h"
 #include "ui/controls/window_style.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/help/html_help_viewer.h"

@@ -2,6 +2,9 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "ui/controls/make_child.h"
 #include "ui/wizard/theme.h"
@@ -11,6 +14,19 @@ namespace dorvane {
 namespace {
 
 constexpr int kMoveButtonWidth = 46;
+
+int LastPosition(const TableList& list) {
+  return static_cast<int>(list.names.size()) - 1;
+}
+
+// Moves the selected entry of `from` to the end of `to` and makes it current there.
+void MoveCurrent(TableList& from, TableList& to) {
+  if (from.current < 0) return;
+  const auto entry = from.names.begin() + from.current;
+  to.names.push_back(std::move(*entry));
+  from.names.erase(entry);
+  to.current = LastPosition(to);
+}
 
 TableList Shown(const NameListView& view) {
   return {view.Names(), view.Current()};
@@ -31,6 +47,22 @@ NameListView& AddList(const char* name, const char* caption, QWidget& parent, QG
 }
 
 }  // namespace
+
+void MoveToSelected(TableLists& lists) {
+  MoveCurrent(lists.available, lists.selected);
+  lists.available.current = std::min(lists.available.current, LastPosition(lists.available));
+}
+
+void MoveBack(TableLists& lists) {
+  MoveCurrent(lists.selected, lists.available);
+  lists.selected.current = LastPosition(lists.selected);
+}
+
+void MoveAllToSelected(TableLists& lists) {
+  std::ranges::move(lists.available.names, std::back_inserter(lists.selected.names));
+  lists.available = {};
+  lists.selected.current = LastPosition(lists.selected);
+}
 
 TablesPage::TablesPage(QWidget* parent) : WizardPage(page::kTables, parent) {
   AddLists();

@@ -5,10 +5,29 @@
 
 #include "endpoint/database.h"
 #include "ui/controls/name_list_view.h"
-#include "ui/wizard/table_lists.h"
 #include "ui/wizard/wizard_page.h"
 
 namespace dorvane {
+
+/// A list as the user sees it: its names in order and the position of the selected one, or -1.
+struct TableList {
+  NameList names;
+  int current = -1;
+  bool operator==(const TableList&) const = default;
+};
+
+/// The two lists of the table page. A name is only ever moved, to the end of the other list.
+struct TableLists {
+  TableList available;
+  TableList selected;
+};
+
+/// Moves the selected available table; its place is taken by the next one, or by the last.
+void MoveToSelected(TableLists& lists);
+/// Moves the selected entry of the selected list back; the last one left becomes current.
+void MoveBack(TableLists& lists);
+/// Moves every available table; the last one becomes current.
+void MoveAllToSelected(TableLists& lists);
 
 /// Page 5: which tables are converted, and how.
 class TablesPage : public WizardPage {

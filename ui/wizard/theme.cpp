@@ -3,12 +3,17 @@
 #include <QPainter>
 #include <QPainterPath>
 
-#include "ui/controls/make_child.h"
+#include "ui/controls/soft_button.h"
 
 namespace dorvane::theme {
 namespace {
 
 constexpr int kPictureScale = 3;
+constexpr SoftButtonColors kButtonColors = {.back = qRgb(252, 253, 255),
+                                            .gradient = qRgb(196, 207, 228),
+                                            .fore = kInk,
+                                            .hover_back = qRgb(255, 226, 160),
+                                            .hover_fore = qRgb(110, 44, 0)};
 
 // A picture of `size` logical pixels, ready to be painted on.
 QPixmap BlankPicture(QSize size) {
@@ -81,17 +86,7 @@ QFont CaptionFont(const QFont& base) {
 }
 
 GradientButton& AddButton(const char* name, QWidget& parent, const char* caption, char access_key) {
-  auto& button = MakeNamed<GradientButton>(name, parent);
-  button.SetCaption(caption);
-  if (access_key) button.SetAccessKey(access_key);
-  button.SetButtonStyle(static_cast<int>(ButtonStyle::kSoft));
-  button.SetGradientMode(static_cast<int>(GradientMode::kToBottom));
-  button.SetBackColor(QColor(252, 253, 255));
-  button.SetGradientColor(QColor(196, 207, 228));
-  button.SetForeColor(QColor(kInk));
-  button.SetHoverBackColor(QColor(255, 226, 160));
-  button.SetHoverForeColor(QColor(110, 44, 0));
-  return button;
+  return AddSoftButton(name, parent, caption, access_key, kButtonColors);
 }
 
 QPixmap HelpPicture(bool highlighted) {
@@ -123,6 +118,23 @@ QPixmap LogoPicture() {
   painter.drawLine(QPointF(48, 36), QPointF(72, 36));
   painter.drawPolyline(QPolygonF({{54, 30}, {48, 36}, {54, 42}}));
   return picture;
+}
+
+StepMarker::StepMarker(QWidget* parent) : QWidget(parent) {
+  setFixedSize(18, 18);
+}
+
+void StepMarker::SetFillColor(const QColor& color) {
+  fill_ = color;
+  update();
+}
+
+void StepMarker::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(QColor(255, 255, 255, 150), 1.4));
+  painter.setBrush(fill_);
+  painter.drawEllipse(QRectF(rect()).adjusted(2, 2, -2, -2));
 }
 
 }  // namespace dorvane::theme

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QColor>
-#include <QLabel>
+#include <QFont>
+#include <QObject>
 #include <QPalette>
 #include <QPixmap>
+#include <QWidget>
+#include <utility>
 
 #include "ui/controls/gradient_button.h"
 
@@ -43,5 +46,34 @@ GradientButton& AddButton(const char* name, QWidget& parent, const char* caption
 /// Pictures drawn for the window, sharp up to a scale factor of 3.
 QPixmap HelpPicture(bool highlighted);
 QPixmap LogoPicture();
+
+/// Two pictures for one picture control: 1 normal, 2 highlighted.
+class ImageList : public QObject {
+ public:
+  ImageList(QPixmap normal, QPixmap highlighted, QObject* parent)
+      : QObject(parent), normal_(std::move(normal)), highlighted_(std::move(highlighted)) {}
+
+  /// `number` is 1 or 2.
+  const QPixmap& Picture(int number) const { return number == 1 ? normal_ : highlighted_; }
+
+ private:
+  QPixmap normal_;
+  QPixmap highlighted_;
+};
+
+/// The round marker beside an entry of the step list.
+class StepMarker : public QWidget {
+ public:
+  explicit StepMarker(QWidget* parent);
+
+  QColor FillColor() const { return fill_; }
+  void SetFillColor(const QColor& color);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  QColor fill_;
+};
 
 }  // namespace dorvane::theme

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "app/progress_line.h"
+#include "job/progress_text.h"
 
 namespace dorvane {
 

@@ -1,5 +1,6 @@
 #include "ui/wizard/wizard_page.h"
 
+#include <QLabel>
 #include <QPainter>
 
 #include "ui/controls/make_child.h"

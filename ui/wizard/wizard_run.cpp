@@ -3,7 +3,6 @@
 #include <QThread>
 
 #include "ui/dialogs/message_box.h"
-#include "ui/wizard/unexpected_failure.h"
 #include "ui/wizard/worker_call.h"
 
 namespace dorvane {

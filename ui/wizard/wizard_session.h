@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "app/last_settings.h"
 #include "endpoint/database.h"
+#include "job/last_settings.h"
 
 namespace dorvane {
 

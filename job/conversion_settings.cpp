@@ -1,0 +1,137 @@
+#include "job/conversion_settings.h"
+
+#include <fmt/format.h>
+
+#include "job/encryptor.h"
+#include "platform/files/replace_file.h"
+#include "platform/text/code_page.h"
+#include "platform/text/number_text.h"
+
+namespace dorvane {
+
+namespace {
+
+constexpr std::string_view kTableSeparator = ":<:";
+
+NameList SplitTables(std::string_view line) {
+  NameList tables;
+  while (!line.empty()) {
+    const auto end = line.find(kTableSeparator);
+    tables.emplace_back(line.substr(0, end));
+    if (end == std::string_view::npos) break;
+    line.remove_prefix(end + kTableSeparator.size());
+    if (line.empty()) tables.emplace_back();
+  }
+  return tables;
+}
+
+void ReadServer(files::LineReader& file, IDatabase& endpoint) {
+  endpoint.SetServer(file.ReadLine());
+  endpoint.SetPortNo(text::ParseInt16(file.ReadLine()));
+  endpoint.SetUserId(file.ReadLine());
+  endpoint.SetPassword(text::FromAnsi(Encryptor().Decrypt(file.ReadRawLine())));
+  const std::string win_auth = file.ReadLine();
+  if (endpoint.Kind() == ServerKind::MsSql && !win_auth.empty()) {
+    endpoint.SetWinNTAuthentication(text::ParseBoolean(win_auth));
+  }
+  endpoint.SetDbName(file.ReadLine());
+}
+
+[[noreturn]] void Refuse(const std::string& why) {
+  throw RunTimeError(run_time::kInvalidArgument, "Dorvane", why);
+}
+
+/// The value, when a line of the file can hold it.
+const std::string& Storable(std::string_view what, const std::string& value) {
+  if (value.find_first_of("\r\n") != std::string::npos) {
+    Refuse(fmt::format("The {} holds a line break, which a settings file cannot keep", what));
+  }
+  if (!text::FitsAnsi(value)) {
+    Refuse(
+        fmt::format("The {} '{}' holds characters that a settings file cannot keep", what, value));
+  }
+  return value;
+}
+
+std::string ScrambledPassword(std::string_view side, const std::string& password) {
+  const Encryptor encryptor;
+  const std::string plain = text::ToAnsi(Storable("password", password));
+  std::string scrambled = encryptor.Encrypt(plain);
+  if (encryptor.Decrypt(scrambled) != plain) {
+    Refuse(
+        fmt::format("The password of the {} holds letters that a settings file cannot keep", side));
+  }
+  return scrambled;
+}
+
+std::string_view BooleanText(bool value) {
+  return value ? "True" : "False";
+}
+
+void WriteServer(files::AnsiText& file, std::string_view side, const IDatabase& endpoint) {
+  file.WriteLine(Storable("host name", endpoint.Server()));
+  file.WriteLine(fmt::to_string(endpoint.PortNo()));
+  file.WriteLine(Storable("user name", endpoint.UserId()));
+  file.WriteRawLine(ScrambledPassword(side, endpoint.Password()));
+  file.WriteLine(endpoint.Kind() == ServerKind::MsSql ? BooleanText(endpoint.WinNTAuthentication())
+                                                      : "");
+  file.WriteLine(Storable("database name", endpoint.DbName()));
+}
+
+std::string JoinTables(const NameList& tables) {
+  if (tables.empty()) Refuse("There is no table to convert");
+  for (const std::string& name : tables) {
+    if (Storable("table name", name).find(kTableSeparator) != std::string::npos) {
+      Refuse(fmt::format(
+          "The table name '{}' holds '{}', which separates the names in a settings file", name,
+          kTableSeparator));
+    }
+  }
+  return fmt::format("{}", fmt::join(tables, kTableSeparator));
+}
+
+}  // namespace
+
+ConversionSettings ReadConversionSettings(files::LineReader& file,
+                                          const EndpointFactory& make_endpoint) {
+  const std::string direction = file.ReadLine();
+  if (direction != "1" && direction != "2") throw UnexpectedDirection();
+  const bool from_ms_sql = direction == "1";
+
+  ConversionSettings settings;
+  settings.src = make_endpoint(from_ms_sql ? ServerKind::MsSql : ServerKind::MySql);
+  settings.dest = make_endpoint(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql);
+  ReadServer(file, *settings.src);
+  ReadServer(file, *settings.dest);
+  settings.tables = SplitTables(file.ReadLine());
+  settings.src->SetReplaceSpaceWithUnderscore(text::ParseBoolean(file.ReadLine()));
+  settings.src->SetCopyTableContent(text::ParseBoolean(file.ReadLine()));
+  settings.src->SetConvertMode(text::ParseInt16(file.ReadLine()));
+  settings.src->SetConvertRelationships(text::ParseBoolean(file.ReadLine()));
+  settings.log_path = file.ReadLine();
+  return settings;
+}
+
+void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const IDatabase& dest,
+                             const NameList& tables, const std::string& log_path) {
+  const std::string table_line = JoinTables(tables);  // before anything is written
+  file.WriteLine(src.Kind() == ServerKind::MsSql ? "1" : "2");
+  WriteServer(file, "source", src);
+  WriteServer(file, "destination", dest);
+  file.WriteLine(table_line);
+  file.WriteLine(BooleanText(src.ReplaceSpaceWithUnderscore()));
+  file.WriteLine(BooleanText(src.CopyTableContent()));
+  file.WriteLine(fmt::to_string(src.ConvertMode()));
+  file.WriteLine(BooleanText(src.ConvertRelationships()));
+  file.WriteLine(Storable("log file's path", log_path));
+}
+
+void SaveConversionSettings(const std::filesystem::path& path, const IDatabase& src,
+                            const IDatabase& dest, const NameList& tables,
+                            const std::string& log_path) {
+  files::AnsiText file;
+  WriteConversionSettings(file, src, dest, tables, log_path);
+  files::ReplaceFile(path, file.Bytes(), files::kOwnerOnly);
+}
+
+}  // namespace dorvane

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "endpoint/database.h"
+#include "platform/files/text_file.h"
+
+namespace dorvane {
+
+/// What the 19 lines of a conversion settings file say.
+struct ConversionSettings {
+  std::unique_ptr<IDatabase> src;  // carries the four conversion options
+  std::unique_ptr<IDatabase> dest;
+  NameList tables;
+  std::string log_path;
+};
+
+/// Makes an endpoint of a kind.
+using EndpointFactory = std::function<std::unique_ptr<IDatabase>(ServerKind kind)>;
+
+/// Line 1 names neither direction.
+class UnexpectedDirection : public std::runtime_error {
+ public:
+  UnexpectedDirection()
+      : std::runtime_error("Conversion Failed - unexpected conversion direction value.") {}
+};
+
+/// Reads the 19 lines. Throws UnexpectedDirection before any endpoint is made, or RunTimeError: a
+/// missing line (62), a number or Boolean that is none (13), a number beyond 16 bits (6).
+ConversionSettings ReadConversionSettings(files::LineReader& file,
+                                          const EndpointFactory& make_endpoint);
+
+/// Writes the 19 lines. Throws RunTimeError 5 for what the file could
+/// not give back: no table at all, a line break, a table name with ":<:", a character outside the
+/// ANSI code page, a password that the scrambling does not keep.
+void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const IDatabase& dest,
+                             const NameList& tables, const std::string& log_path);
+
+/// The same into a file, which it replaces as a whole, readable by its owner alone. Throws
+/// RunTimeError, also 76, 70 and 57 when the file cannot be written.
+void SaveConversionSettings(const std::filesystem::path& path, const IDatabase& src,
+                            const IDatabase& dest, const NameList& tables,
+                            const std::string& log_path);
+
+}  // namespace dorvane

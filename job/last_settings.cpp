@@ -1,0 +1,57 @@
+#include "job/last_settings.h"
+
+#include <fmt/format.h>
+
+#include "job/encryptor.h"
+#include "platform/files/replace_file.h"
+#include "platform/files/text_file.h"
+#include "platform/run_time_error.h"
+#include "platform/text/code_page.h"
+
+namespace dorvane {
+
+namespace {
+
+constexpr std::string_view kFileName = "config";
+
+const LastSettings kDefaults = {
+    {"mssql", "false", "1433", "localhost", "sa", "", "3306", "localhost", "root", ""}};
+
+void WriteServer(files::AnsiText& file, const IDatabase& endpoint) {
+  file.WriteLine(fmt::to_string(endpoint.PortNo()));
+  file.WriteLine(endpoint.Server());
+  file.WriteLine(endpoint.UserId());
+  file.WriteRawLine(Encryptor().Encrypt(text::ToAnsi(endpoint.Password())));
+}
+
+}  // namespace
+
+std::string LastSettings::PlainPassword(Element element) const {
+  return text::FromAnsi(Encryptor().Decrypt(text::ToAnsi(elements[element])));
+}
+
+LastSettings LoadLastSettings(const std::filesystem::path& folder,
+                              const std::function<void(std::string_view message)>& report) {
+  LastSettings settings;
+  try {
+    files::LineReader file(folder / kFileName);
+    for (std::string& element : settings.elements) element = file.ReadLine();
+  } catch (const RunTimeError& error) {
+    if (error.Number() == run_time::kFileNotFound) return kDefaults;
+    report(fmt::format("Unkown error {} - {}", error.Number(), error.Description()));
+  }
+  return settings;
+}
+
+void SaveLastSettings(const std::filesystem::path& folder, const IDatabase& src,
+                      const IDatabase& dest) {
+  const bool from_ms_sql = src.Kind() == ServerKind::MsSql;
+  files::AnsiText file;
+  file.WriteLine(from_ms_sql ? "mssql" : "mysql");
+  file.WriteLine((from_ms_sql ? src : dest).WinNTAuthentication() ? "true" : "false");
+  WriteServer(file, src);
+  WriteServer(file, dest);
+  files::ReplaceFile(folder / kFileName, file.Bytes(), files::kOwnerOnly);
+}
+
+}  // namespace dorvane

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "endpoint/database.h"
+#include "platform/scheduler/scheduler.h"
+
+namespace dorvane {
+
+/// A scheduled conversion is a task of the operating system and a settings file of the task's name,
+/// which the task starts the program with.
+
+/// Makes and saves the task: it starts "Dorvane" of `program_folder` in `settings_folder`, daily
+/// from now on. Returns it. Throws RunTimeError: kInvalidTaskName, kTaskExists, and whatever else
+/// the scheduler reports.
+scheduler::Task SaveConversionTask(scheduler::ITaskScheduler& scheduler, const std::string& name,
+                                   const std::filesystem::path& program_folder,
+                                   const std::filesystem::path& settings_folder);
+
+/// The settings file of that task.
+std::filesystem::path TaskSettingsFile(const std::filesystem::path& settings_folder,
+                                       const std::string& name);
+
+}  // namespace dorvane

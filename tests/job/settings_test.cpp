@@ -1,0 +1,149 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <fstream>
+
+#include "job/conversion_settings.h"
+#include "job/last_settings.h"
+#include "tests/support/plain_endpoint.h"
+#include "tests/support/process.h"
+#include "tests/support/temp_folder.h"
+
+namespace dorvane {
+namespace {
+
+using test::PlainEndpoint;
+using test::ReadFile;
+using test::TempFolder;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* kSales =
+    "1\r\nsqlhost\r\n1433\r\nsa\r\n\xE9\xF0-\xF5\r\nFalse\r\nSales\r\n"
+    "localhost\r\n3306\r\nroot\r\n\r\n\r\nsales\r\n"
+    "Customers:<:Order Details\r\nFalse\r\nTrue\r\n1\r\nFalse\r\n/var/log/s\xFC.txt\r\n";
+
+ConversionSettings Read(const std::string& bytes) {
+  const TempFolder folder;
+  std::ofstream(folder / "file.dcs", std::ios::binary) << bytes;
+  files::LineReader file(folder / "file.dcs");
+  return ReadConversionSettings(
+      file, [](ServerKind kind) { return std::make_unique<PlainEndpoint>(kind); });
+}
+
+std::string Write(const IDatabase& src, const IDatabase& dest, const NameList& tables,
+                  const std::string& log) {
+  files::AnsiText file;
+  WriteConversionSettings(file, src, dest, tables, log);
+  return file.Bytes();
+}
+
+std::string WithLine(int number, const std::string& line) {
+  std::string text = kSales;
+  std::size_t start = 0;
+  for (int i = 1; i < number; ++i) start = text.find("\r\n", start) + 2;
+  return text.replace(start, text.find("\r\n", start) - start, line);
+}
+
+TEST(ConversionSettings, ReadsNineteenLinesAndWritesThemBack) {
+  const ConversionSettings settings = Read(kSales);
+  EXPECT_EQ(settings.src->Kind(), ServerKind::MsSql);
+  EXPECT_EQ(settings.src->Password(), "pw-1");
+  EXPECT_EQ(settings.dest->PortNo(), 3306);
+  EXPECT_THAT(settings.tables, ElementsAre("Customers", "Order Details"));
+  EXPECT_TRUE(settings.src->CopyTableContent());
+  EXPECT_FALSE(settings.src->ReplaceSpaceWithUnderscore());
+  EXPECT_EQ(settings.log_path, "/var/log/sü.txt");
+  EXPECT_EQ(Write(*settings.src, *settings.dest, settings.tables, settings.log_path), kSales);
+}
+
+TEST(ConversionSettings, TheAuthenticationLineCountsForSqlServerAlone) {
+  EXPECT_FALSE(Read(WithLine(6, "")).src->WinNTAuthentication());
+  EXPECT_TRUE(Read(WithLine(6, "-1")).src->WinNTAuthentication());
+  const ConversionSettings reversed = Read(WithLine(1, "2"));
+  EXPECT_EQ(reversed.src->Kind(), ServerKind::MySql);  // its line 6, "False", was passed over
+  EXPECT_THAT(Write(*reversed.src, *reversed.dest, {"t"}, "log"), HasSubstr("\r\n\r\nSales\r\n"));
+}
+
+TEST(ConversionSettings, SplitsTheTableLineAtEverySeparator) {
+  EXPECT_THAT(Read(WithLine(14, "")).tables, ElementsAre());
+  EXPECT_THAT(Read(WithLine(14, "a")).tables, ElementsAre("a"));
+  EXPECT_THAT(Read(WithLine(14, "a:<::<:b:<:")).tables, ElementsAre("a", "", "b", ""));
+}
+
+TEST(ConversionSettings, BadLinesFailByKind) {
+  EXPECT_THROW(Read(WithLine(1, "3")), UnexpectedDirection);
+  EXPECT_THROW(Read(WithLine(1, "1 ")), UnexpectedDirection);
+  const std::string full = kSales;
+  const auto last_line = full.rfind("\r\n", full.size() - 3) + 2;
+  const std::vector<std::pair<std::string, std::int32_t>> cases = {
+      {WithLine(3, "70000"), run_time::kOverflow},
+      {WithLine(9, "port"), run_time::kTypeMismatch},
+      {WithLine(6, "maybe"), run_time::kTypeMismatch},
+      {WithLine(16, ""), run_time::kTypeMismatch},
+      {full.substr(0, last_line), run_time::kInputPastEnd},
+      {"", run_time::kInputPastEnd}};
+  for (const auto& [bytes, number] : cases) {
+    try {
+      Read(bytes);
+      ADD_FAILURE() << bytes;
+    } catch (const RunTimeError& error) {
+      EXPECT_EQ(error.Number(), number) << bytes;
+    }
+  }
+}
+
+TEST(ConversionSettings, RefusesWhatTheFileCouldNotGiveBack) {
+  PlainEndpoint src(ServerKind::MsSql);
+  PlainEndpoint dest(ServerKind::MySql);
+  EXPECT_THROW(Write(src, dest, {}, "log"), RunTimeError);
+  EXPECT_THROW(Write(src, dest, {"a:<:b"}, "log"), RunTimeError);
+  EXPECT_THROW(Write(src, dest, {"таблица"}, "log"), RunTimeError);
+  EXPECT_THROW(Write(src, dest, {"a"}, "log\nfile"), RunTimeError);
+  dest.SetPassword("pässword");  // ä is the code of a scrambled letter
+  EXPECT_THROW(Write(src, dest, {"a"}, "log"), RunTimeError);
+}
+
+TEST(LastSettings, AreSavedForTheNextStart) {
+  const TempFolder folder;
+  PlainEndpoint src(ServerKind::MySql);
+  PlainEndpoint dest(ServerKind::MsSql);
+  src.SetPortNo(3307);
+  src.SetServer("db");
+  src.SetUserId("me");
+  src.SetPassword("Geheim 1");
+  dest.SetWinNTAuthentication(true);
+  SaveLastSettings(folder.Path(), src, dest);
+  EXPECT_THAT(ReadFile(folder / "config"), HasSubstr("mysql\r\ntrue\r\n3307\r\ndb\r\nme\r\n"));
+  struct stat info {};
+  stat((folder / "config").c_str(), &info);
+  EXPECT_EQ(info.st_mode & 0777, 0600u);
+
+  const LastSettings loaded = LoadLastSettings(folder.Path(), [](auto) { FAIL(); });
+  EXPECT_EQ(loaded[LastSettings::kDirection], "mysql");
+  EXPECT_NE(loaded[LastSettings::kSrcPassword], "Geheim 1");
+  EXPECT_EQ(loaded.PlainPassword(LastSettings::kSrcPassword), "Geheim 1");
+}
+
+TEST(LastSettings, AMissingFileGivesTheDefaultsQuietly) {
+  const TempFolder folder;
+  const LastSettings loaded = LoadLastSettings(folder.Path(), [](auto) { FAIL(); });
+  EXPECT_THAT(loaded.elements, ElementsAre("mssql", "false", "1433", "localhost", "sa", "", "3306",
+                                           "localhost", "root", ""));
+}
+
+TEST(LastSettings, AShortFileIsToldOnceAndKeepsItsLines) {
+  const TempFolder folder;
+  std::ofstream(folder / "config", std::ios::binary)
+      << "mysql\r\ntrue\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7\r\n";
+  std::vector<std::string> told;
+  const LastSettings loaded =
+      LoadLastSettings(folder.Path(), [&](std::string_view text) { told.emplace_back(text); });
+  EXPECT_THAT(told, ElementsAre("Unkown error 62 - Input past end of file"));
+  EXPECT_EQ(loaded[LastSettings::kDestUser], "7");
+  EXPECT_EQ(loaded[LastSettings::kDestPassword], "");
+}
+
+}  // namespace
+}  // namespace dorvane
