@@ -24,7 +24,6 @@ class HelpBook {
   /// Throws RunTimeError: 53 no such file, 57 a file that is no compiled help.
   explicit HelpBook(const std::filesystem::path& path);
 
-  const std::string& Title() const { return title_; }
   const std::string& DefaultTopic() const { return default_topic_; }
   const std::vector<SiteMapEntry>& Contents() const { return contents_; }
   const std::vector<SiteMapEntry>& Index() const { return index_; }
@@ -44,7 +43,6 @@ class HelpBook {
   void ReadContexts();
 
   ChmFile file_;
-  std::string title_;
   std::string default_topic_;
   std::vector<SiteMapEntry> contents_;
   std::vector<SiteMapEntry> index_;
