@@ -22,7 +22,7 @@ std::string GeneralDateAndTime() {
   return {text, size};
 }
 
-void TellStandardError(std::string_view line) {
+void PrintError(std::string_view line) {
   fmt::print(stderr, "{}\n", line);
 }
 
@@ -37,25 +37,25 @@ void UnattendedListener::CloseLog() {
   try {
     log_->Close();
   } catch (const RunTimeError& error) {
-    LogFailure(error);
+    GiveUpLog(error);
   }
 }
 
 void UnattendedListener::Log(const std::string& line) {
   progress_.Clear();
-  if (!log_ || log_broken_) return TellStandardError(line);
+  if (!log_ || log_broken_) return PrintError(line);
   try {
     log_->WriteLine(line);
   } catch (const RunTimeError& error) {
-    LogFailure(error);
-    TellStandardError(line);
+    GiveUpLog(error);
+    PrintError(line);
   }
 }
 
-void UnattendedListener::LogFailure(const RunTimeError& error) {
+void UnattendedListener::GiveUpLog(const RunTimeError& error) {
   failed_ = true;
   log_broken_ = true;
-  TellStandardError(fmt::format("The log cannot be written: {}", error.Description()));
+  PrintError(fmt::format("The log cannot be written: {}", error.Description()));
 }
 
 void UnattendedListener::ErrorOccured(std::string_view message, std::int32_t /*message_style*/,
@@ -113,7 +113,7 @@ void UnattendedListener::UnclassifiedFailure(std::string_view message, std::int3
                                              std::string_view title) {
   failed_ = true;
   progress_.Clear();
-  TellStandardError(fmt::format("{} - {}", title, message));
+  PrintError(fmt::format("{} - {}", title, message));
 }
 
 }  // namespace dorvane

@@ -43,7 +43,8 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   void Yield() override {}
 
  private:
-  void LogFailure(const RunTimeError& error);
+  /// Gives the log up and says why on standard error.
+  void GiveUpLog(const RunTimeError& error);
 
   std::optional<files::LineAppender> log_;
   ProgressLine progress_;

@@ -8,7 +8,7 @@ namespace dorvane {
 
 namespace {
 
-constexpr double kSettlingSeconds = 0.5;  // before that a rate says nothing
+constexpr double kMinimumSeconds = 0.5;  // a rate over less means nothing
 
 std::string Grouped(std::int64_t number) {
   std::string text = fmt::to_string(number);
@@ -31,7 +31,7 @@ std::string ProgressText(std::int64_t done, std::int64_t rows,
   const bool total_known = rows > 0 && done <= rows;
   std::string text = total_known ? fmt::format("{} of {} rows", Grouped(done), Grouped(rows))
                                  : fmt::format("{} rows", Grouped(done));
-  if (done == 0 || elapsed.count() < kSettlingSeconds) return text;
+  if (done == 0 || elapsed.count() < kMinimumSeconds) return text;
   const double rate = static_cast<double>(done) / elapsed.count();
   text += fmt::format(", {} rows/s", Grouped(static_cast<std::int64_t>(rate)));
   if (total_known && done < rows) {

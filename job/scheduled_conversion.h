@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <string>
 
-#include "endpoint/database.h"
 #include "platform/scheduler/scheduler.h"
 
 namespace dorvane {

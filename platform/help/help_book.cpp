@@ -11,7 +11,7 @@ namespace dorvane::help {
 namespace {
 
 /// A little-endian number; 0 behind the end.
-std::uint32_t Number(std::string_view bytes, std::size_t offset, std::size_t size) {
+std::uint32_t LittleEndian(std::string_view bytes, std::size_t offset, std::size_t size) {
   std::uint32_t number = 0;
   for (std::size_t i = size; i > 0; --i) {
     const std::size_t place = offset + i - 1;
@@ -26,7 +26,7 @@ std::string TextAt(std::string_view bytes, std::size_t offset) {
   return std::string(bytes.substr(offset, bytes.find('\0', offset) - offset));
 }
 
-std::string FromTop(std::string_view path) {
+std::string AbsolutePath(std::string_view path) {
   const bool complete = path.empty() || path.starts_with('/');
   return (complete ? "" : "/") + std::string(path);
 }
@@ -65,12 +65,12 @@ void HelpBook::ReadSystem() {
   enum Code : std::uint32_t { kContentsFile = 0, kIndexFile = 1, kDefaultTopic = 2 };
   const std::string system = file_.Read("/#SYSTEM").value_or("");
   for (std::size_t place = 4; place + 4 <= system.size();) {
-    const std::uint32_t code = Number(system, place, 2);
-    const std::uint32_t length = Number(system, place + 2, 2);
+    const std::uint32_t code = LittleEndian(system, place, 2);
+    const std::uint32_t length = LittleEndian(system, place + 2, 2);
     const std::string text = TextAt(system.substr(0, place + 4 + length), place + 4);
     if (code == kContentsFile) contents_ = ReadSiteMap(Read(text).value_or(""));
     if (code == kIndexFile) index_ = ReadSiteMap(Read(text).value_or(""));
-    if (code == kDefaultTopic) default_topic_ = FromTop(text);
+    if (code == kDefaultTopic) default_topic_ = AbsolutePath(text);
     place += 4 + length;
   }
 }
@@ -80,7 +80,8 @@ void HelpBook::ReadContexts() {
   const std::string table = file_.Read("/#IVB").value_or("");
   const std::string strings = file_.Read("/#STRINGS").value_or("");
   for (std::size_t place = 4; place + 8 <= table.size(); place += 8) {
-    contexts_[Number(table, place, 4)] = FromTop(TextAt(strings, Number(table, place + 4, 4)));
+    contexts_[LittleEndian(table, place, 4)] =
+        AbsolutePath(TextAt(strings, LittleEndian(table, place + 4, 4)));
   }
 }
 
@@ -91,7 +92,7 @@ std::optional<std::string> HelpBook::TopicOfContext(std::int32_t context) const 
 }
 
 std::optional<std::string> HelpBook::Read(std::string_view path) const {
-  return file_.Read(FromTop(path));
+  return file_.Read(AbsolutePath(path));
 }
 
 std::vector<Topic> HelpBook::Search(std::string_view query) const {

@@ -135,8 +135,8 @@ void WriteSome(Descriptor& pipe, std::string_view& input) {
 }
 
 /// Feeds and drains the child until it has closed its outputs. False when the time is up first.
-bool Exchange(Descriptor& in, Descriptor& out, Descriptor& err, std::string_view input,
-              ChildResult& result, Clock::time_point deadline) {
+bool Communicate(Descriptor& in, Descriptor& out, Descriptor& err, std::string_view input,
+                 ChildResult& result, Clock::time_point deadline) {
   if (input.empty()) in.Close();
   while (out.IsOpen() || err.IsOpen()) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
@@ -170,7 +170,7 @@ ChildResult RunChild(const std::vector<std::string>& command, std::string_view i
   fcntl(in.write.Number(), F_SETFL, O_NONBLOCK);
 
   ChildResult result;
-  const bool ended = Exchange(in.write, out.read, err.read, input, result, Clock::now() + limit);
+  const bool ended = Communicate(in.write, out.read, err.read, input, result, Clock::now() + limit);
   if (!ended) kill(id, SIGKILL);
   result.status = Reap(id);
   if (!ended) {

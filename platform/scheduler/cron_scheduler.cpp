@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <optional>
 
 #include "platform/process/child_process.h"

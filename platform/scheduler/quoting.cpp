@@ -77,7 +77,7 @@ std::string QuoteForCron(std::string_view text) {
   return word + "'";
 }
 
-std::string WithoutSpecifiers(std::string_view text) {
+std::string EscapeSpecifiers(std::string_view text) {
   std::string plain;
   for (const char c : text) plain.append(c == '%' ? 2 : 1, c);
   return plain;

@@ -16,7 +16,7 @@ std::string UnquoteC(std::string_view quoted);
 /// command at "%" and reads backslashes of its own. The text holds no line break.
 std::string QuoteForCron(std::string_view text);
 
-/// The text with every "%" doubled: a unit file's setting without specifiers.
-std::string WithoutSpecifiers(std::string_view text);
+/// The text with every "%" doubled, which begins a specifier in a unit file.
+std::string EscapeSpecifiers(std::string_view text);
 
 }  // namespace dorvane::scheduler

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <initializer_list>
 #include <string_view>
 
 #include "platform/run_time_error.h"
@@ -61,19 +60,6 @@ Task ITaskScheduler::Load(const std::string& name) const {
     throw RunTimeError(kTaskNotFound, "Scheduler", fmt::format("There is no task {}", name));
   }
   return std::move(*task);
-}
-
-void ITaskScheduler::SetEnabled(const std::string& name, bool enabled) {
-  Task task = Load(name);
-  task.enabled = enabled;
-  Save(task);
-}
-
-std::optional<LocalMinute> ITaskScheduler::NextRun(const std::string& name) const {
-  const Task task = Load(name);
-  if (!task.enabled) return std::nullopt;
-  // The minute under way has started: a task of this minute runs next time.
-  return NextStart(task, LocalNow() + std::chrono::minutes(1));
 }
 
 void ITaskScheduler::RunNow(const std::string& name) {

@@ -36,11 +36,6 @@ class ITaskScheduler {
   /// Forgets the task; a run under way goes on. Throws kTaskNotFound.
   virtual void Remove(const std::string& name) = 0;
 
-  void SetEnabled(const std::string& name, bool enabled);
-
-  /// The next start after now, in local time; none when disabled or past its only one.
-  std::optional<LocalMinute> NextRun(const std::string& name) const;
-
   /// Starts the task's program at once, enabled or not, and returns without waiting for it. Throws
   /// RunTimeError 53 when the program is not there.
   void RunNow(const std::string& name);

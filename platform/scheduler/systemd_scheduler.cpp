@@ -33,7 +33,7 @@ std::filesystem::path UserUnitFolder() {
 
 /// The quotes keep a name that ends in a backslash from joining the next line.
 std::string Description(const Task& task) {
-  return WithoutSpecifiers(fmt::format("{} \"{}\"", task.comment, task.name));
+  return EscapeSpecifiers(fmt::format("{} \"{}\"", task.comment, task.name));
 }
 
 std::string WeekDaysOf(const Task& task) {
@@ -98,8 +98,8 @@ std::string ServiceText(const Task& task) {
       "Type=oneshot\n"
       "WorkingDirectory={}/\n"
       "ExecStart=:{} {}\n",
-      Description(task), WithoutSpecifiers(task.working_directory.string()),
-      WithoutSpecifiers(QuoteC(task.program.string())), WithoutSpecifiers(QuoteC(task.arguments)));
+      Description(task), EscapeSpecifiers(task.working_directory.string()),
+      EscapeSpecifiers(QuoteC(task.program.string())), EscapeSpecifiers(QuoteC(task.arguments)));
 }
 
 std::string TimerText(const Task& task) {

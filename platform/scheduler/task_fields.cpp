@@ -23,20 +23,20 @@ constexpr std::array<std::string_view, 4> kRepetitions{"once", "daily", "weekly"
                      fmt::format("The saved task is damaged: {}", key));
 }
 
-const std::string& Need(const Fields& fields, std::string_view key) {
+const std::string& Require(const Fields& fields, std::string_view key) {
   const auto field = fields.find(key);
   if (field == fields.end()) Refuse(key);
   return field->second;
 }
 
 bool ReadSwitch(const Fields& fields, std::string_view key) {
-  const std::string& value = Need(fields, key);
+  const std::string& value = Require(fields, key);
   if (value != "yes" && value != "no") Refuse(key);
   return value == "yes";
 }
 
 Repetition ReadRepetition(const Fields& fields) {
-  const auto place = std::ranges::find(kRepetitions, Need(fields, "Repetition"));
+  const auto place = std::ranges::find(kRepetitions, Require(fields, "Repetition"));
   if (place == kRepetitions.end()) Refuse("Repetition");
   return static_cast<Repetition>(place - kRepetitions.begin());
 }
@@ -46,7 +46,7 @@ std::chrono::local_days ReadDate(const Fields& fields) {
   unsigned month = 0;
   unsigned day = 0;
   const int read =
-      std::sscanf(Need(fields, "BeginDate").c_str(), "%4d-%2u-%2u", &year, &month, &day);
+      std::sscanf(Require(fields, "BeginDate").c_str(), "%4d-%2u-%2u", &year, &month, &day);
   const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
                                          std::chrono::day(day)};
   if (read != 3 || !date.ok()) Refuse("BeginDate");
@@ -56,14 +56,14 @@ std::chrono::local_days ReadDate(const Fields& fields) {
 std::chrono::minutes ReadTime(const Fields& fields) {
   unsigned hour = 0;
   unsigned minute = 0;
-  const int read = std::sscanf(Need(fields, "StartTime").c_str(), "%2u:%2u", &hour, &minute);
+  const int read = std::sscanf(Require(fields, "StartTime").c_str(), "%2u:%2u", &hour, &minute);
   if (read != 2 || hour > 23 || minute > 59) Refuse("StartTime");
   return std::chrono::hours(hour) + std::chrono::minutes(minute);
 }
 
 std::set<unsigned> ReadWeekDays(const Fields& fields) {
   std::set<unsigned> days;
-  for (const char c : Need(fields, "WeekDays")) {
+  for (const char c : Require(fields, "WeekDays")) {
     if (c < '0' || c > '6') Refuse("WeekDays");
     days.insert(static_cast<unsigned>(c - '0'));
   }
@@ -76,7 +76,7 @@ std::string WeekDaysText(const std::set<unsigned>& days) {
   return text;
 }
 
-Fields Collect(std::string_view text, std::string_view prefix) {
+Fields ParseFields(std::string_view text, std::string_view prefix) {
   Fields fields;
   while (!text.empty()) {
     const auto end = std::min(text.find('\n'), text.size());
@@ -126,12 +126,12 @@ std::string WriteFields(const Task& task, std::string_view prefix) {
 }
 
 Task ReadFields(std::string_view text, std::string_view prefix) {
-  const Fields fields = Collect(text, prefix);
-  return {.name = Need(fields, "Name"),
-          .comment = Need(fields, "Comment"),
-          .program = Need(fields, "Program"),
-          .arguments = Need(fields, "Arguments"),
-          .working_directory = Need(fields, "WorkingDirectory"),
+  const Fields fields = ParseFields(text, prefix);
+  return {.name = Require(fields, "Name"),
+          .comment = Require(fields, "Comment"),
+          .program = Require(fields, "Program"),
+          .arguments = Require(fields, "Arguments"),
+          .working_directory = Require(fields, "WorkingDirectory"),
           .begin_date = ReadDate(fields),
           .start_time = ReadTime(fields),
           .repetition = ReadRepetition(fields),

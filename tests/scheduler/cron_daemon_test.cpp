@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <ctime>
 #include <fstream>
 #include <optional>

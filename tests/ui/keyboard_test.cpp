@@ -27,8 +27,8 @@ class Keyboard : public testing::Test {
     return control.grab().toImage();
   }
 
-  /// The controls that Tab reaches, from the one that a page gives the keys to until it comes
-  /// round. Each of them shows that it has the focus.
+  /// The controls that Tab reaches, from the one that a page focuses first until that one has the
+  /// focus again. Each of them shows that it has the focus.
   std::vector<std::string> TabOrder() {
     std::vector<std::string> names;
     QWidget* const first = Focus();

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
-
 #include "ui/controls/name_list_view.h"
 #include "ui/controls/wrapped_label.h"
 

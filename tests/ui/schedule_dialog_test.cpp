@@ -14,10 +14,7 @@
 #include <QTimer>
 #include <fstream>
 #include <memory>
-#include <thread>
 
-#include "job/conversion_settings.h"
-#include "platform/run_time_error.h"
 #include "platform/scheduler/cron_scheduler.h"
 #include "tests/scheduler/file_crontab.h"
 #include "tests/support/plain_endpoint.h"

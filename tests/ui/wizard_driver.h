@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QLabel>
-#include <QPointer>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -83,7 +82,7 @@ class WizardDriver {
     QTest::keyClick(&field, Qt::Key_Delete);
     QTest::keyClicks(&field, text);
   }
-  /// Whether keys go to the control while the wizard is the active window.
+  /// Whether the control has the focus while the wizard is the active window.
   bool HasFocus(const char* name) { return wizard_.focusWidget() == &Get(name); }
   QString Text(const char* name) { return Get<QLineEdit>(name).text(); }
   QString LabelText(const char* name) { return Get<QLabel>(name).text(); }

@@ -211,7 +211,7 @@ TEST_F(WizardOnServers, TheKeyboardAloneConvertsMySqlIntoANewMsSqlDatabase) {
   frmWizard& window = driver_.Window();
   const auto focus = [&] { return window.focusWidget() ? window.focusWidget() : &window; };
   const auto access_key = [&](Qt::Key key) {
-    // A desktop gives the keys back when a box or the wait window goes; offscreen there is none.
+    // A desktop gives the focus back when a box or the wait window goes; offscreen there is none.
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &window; }));
     QTest::keyClick(focus(), key, Qt::AltModifier);

@@ -12,7 +12,7 @@ QColor Mix(const QColor& from, const QColor& to, double part) {
                 channel(from.blue(), to.blue()));
 }
 
-QColor Washed(const QColor& color) {
+QColor Greyed(const QColor& color) {
   const int grey = qGray(color.rgb());
   return Mix(Mix(color, QColor(grey, grey, grey), 0.7), QColor(200, 204, 212), 0.55);
 }
@@ -32,12 +32,12 @@ QPainterPath OutlinePath(const ButtonLook& look, const QRectF& bounds) {
   return path;
 }
 
-QBrush Ground(const ButtonLook& look, const ButtonState& state, const QRectF& bounds) {
+QBrush Background(const ButtonLook& look, const ButtonState& state, const QRectF& bounds) {
   QColor primary = state.hovered ? look.hover_back_color : look.back_color;
   QColor secondary = look.gradient_color;
   if (!state.enabled) {
-    primary = Washed(primary);
-    secondary = Washed(secondary);
+    primary = Greyed(primary);
+    secondary = Greyed(secondary);
   }
   if (state.pressed) {
     primary = primary.darker(118);
@@ -84,7 +84,7 @@ void PaintRaised(QPainter& painter, const ButtonLook& look, const QRectF& bounds
 
 void PaintBorder(QPainter& painter, const ButtonLook& look, const ButtonState& state,
                  const QRectF& bounds) {
-  const QColor base = state.enabled ? look.back_color : Washed(look.back_color);
+  const QColor base = state.enabled ? look.back_color : Greyed(look.back_color);
   const QColor line = Mix(base, Qt::black, state.enabled ? 0.5 : 0.2);
   const auto stroke = [&](double inset) {
     const QRectF rect = bounds.adjusted(inset, inset, -inset, -inset);
@@ -99,7 +99,7 @@ void PaintBorder(QPainter& painter, const ButtonLook& look, const ButtonState& s
                 line, 1);
   };
   painter.setBrush(Qt::NoBrush);
-  const bool awake = state.hovered || state.pressed;
+  const bool active = state.hovered || state.pressed;
   switch (look.style) {
     case ButtonStyle::kRaised:
       PaintRaised(painter, look, bounds, state.pressed, base);
@@ -116,10 +116,10 @@ void PaintBorder(QPainter& painter, const ButtonLook& look, const ButtonState& s
       etch();
       break;
     case ButtonStyle::kHoverRaised:
-      if (awake) PaintRaised(painter, look, bounds, state.pressed, base);
+      if (active) PaintRaised(painter, look, bounds, state.pressed, base);
       break;
     case ButtonStyle::kHoverFlat:
-      if (awake) stroke(0.5);
+      if (active) stroke(0.5);
       break;
     case ButtonStyle::kBorderless:
       break;
@@ -153,27 +153,27 @@ void PaintCaption(QPainter& painter, const ButtonLook& look, const ButtonState& 
                   const ButtonLayout& layout) {
   const QString text = MarkedCaption(look.caption, state.access_key);
   const int flags = static_cast<int>(layout.caption_alignment) | Qt::TextShowMnemonic;
-  const QColor ground = state.hovered ? look.hover_back_color : look.back_color;
-  QColor ink = state.hovered ? look.hover_fore_color : look.fore_color;
+  const QColor background = state.hovered ? look.hover_back_color : look.back_color;
+  QColor text_color = state.hovered ? look.hover_fore_color : look.fore_color;
   const auto draw = [&](const QColor& color, double offset) {
     painter.setPen(color);
     painter.drawText(layout.caption.translated(offset, offset), flags, text);
   };
-  if (!state.enabled) ink = Mix(Washed(ground), ink, 0.38);
-  const QColor light = Mix(ground, Qt::white, 0.75);
-  const QColor dark = Mix(ground, Qt::black, 0.6);
+  if (!state.enabled) text_color = Mix(Greyed(background), text_color, 0.38);
+  const QColor light = Mix(background, Qt::white, 0.75);
+  const QColor dark = Mix(background, Qt::black, 0.6);
   // Embossed letters catch the light from the upper left, engraved ones at their lower right.
   if (look.caption_style == CaptionStyle::kEmbossed) draw(light, -1), draw(dark, 1);
   if (look.caption_style == CaptionStyle::kEngraved) draw(dark, -1), draw(light, 1);
-  draw(ink, 0);
+  draw(text_color, 0);
 }
 
 void PaintFocus(QPainter& painter, const ButtonLook& look, const ButtonState& state,
                 const QRectF& bounds) {
-  const QColor ground = state.hovered ? look.hover_back_color : look.back_color;
-  const QColor ink = qGray(ground.rgb()) > 128 ? QColor(24, 40, 84) : QColor(255, 255, 255);
+  const QColor background = state.hovered ? look.hover_back_color : look.back_color;
+  const QColor color = qGray(background.rgb()) > 128 ? QColor(24, 40, 84) : QColor(255, 255, 255);
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(ink, 1.6, Qt::CustomDashLine, Qt::FlatCap, Qt::RoundJoin));
+  painter.setPen(QPen(color, 1.6, Qt::CustomDashLine, Qt::FlatCap, Qt::RoundJoin));
   QPen pen = painter.pen();
   pen.setDashPattern({1.6, 1.2});
   painter.setPen(pen);
@@ -188,7 +188,7 @@ void PaintButton(QPainter& painter, const ButtonLook& look, const ButtonState& s
   painter.setRenderHint(QPainter::SmoothPixmapTransform);
   painter.setFont(font);
   painter.fillPath(OutlinePath(look, bounds.adjusted(0.5, 0.5, -0.5, -0.5)),
-                   Ground(look, state, bounds));
+                   Background(look, state, bounds));
   ButtonLayout layout = LayOutButton(look, bounds, font);
   if (state.pressed) {
     layout.caption.translate(1, 1);

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "ui/controls/button_painter.h"
+
 namespace dorvane {
 namespace {
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QIcon>
+#include <QColor>
+#include <QFont>
+#include <QPixmap>
 #include <QVariantMap>
-#include <memory>
 
 #include "ui/controls/button_look.h"
-#include "ui/controls/button_painter.h"
 
 namespace dorvane {
 

@@ -3,7 +3,6 @@
 #include <QHash>
 #include <QLinearGradient>
 #include <QPainter>
-#include <QPainterPath>
 
 namespace dorvane {
 namespace {
@@ -45,7 +44,7 @@ void PaintBottomRight(QPainter& painter, const QRectF& rect) {
   PaintBottomEdge(painter, rect);
 }
 
-// The face of a title-bar button and a pen for its sign.
+// The face of a title-bar button; leaves the pen for its symbol and returns the symbol's place.
 QRectF PaintFace(QPainter& painter, const QRectF& rect, const QColor& face) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(face);
@@ -56,14 +55,14 @@ QRectF PaintFace(QPainter& painter, const QRectF& rect, const QColor& face) {
 }
 
 void PaintClose(QPainter& painter, const QRectF& rect) {
-  const QRectF sign = PaintFace(painter, rect, QColor(190, 70, 64));
-  painter.drawLine(sign.topLeft(), sign.bottomRight());
-  painter.drawLine(sign.topRight(), sign.bottomLeft());
+  const QRectF symbol = PaintFace(painter, rect, QColor(190, 70, 64));
+  painter.drawLine(symbol.topLeft(), symbol.bottomRight());
+  painter.drawLine(symbol.topRight(), symbol.bottomLeft());
 }
 
 void PaintMinimize(QPainter& painter, const QRectF& rect) {
-  const QRectF sign = PaintFace(painter, rect, kTitleTop);
-  painter.drawLine(sign.bottomLeft(), sign.bottomRight());
+  const QRectF symbol = PaintFace(painter, rect, kTitleTop);
+  painter.drawLine(symbol.bottomLeft(), symbol.bottomRight());
 }
 
 void PaintMaximize(QPainter& painter, const QRectF& rect) {
@@ -71,10 +70,10 @@ void PaintMaximize(QPainter& painter, const QRectF& rect) {
 }
 
 void PaintRestore(QPainter& painter, const QRectF& rect) {
-  const QRectF sign = PaintFace(painter, rect, kTitleTop);
-  painter.drawRect(sign.adjusted(0, 2, -2, 0));
-  painter.drawLine(sign.topLeft() + QPointF(2, 0), sign.topRight());
-  painter.drawLine(sign.topRight(), sign.bottomRight() - QPointF(0, 2));
+  const QRectF symbol = PaintFace(painter, rect, kTitleTop);
+  painter.drawRect(symbol.adjusted(0, 2, -2, 0));
+  painter.drawLine(symbol.topLeft() + QPointF(2, 0), symbol.topRight());
+  painter.drawLine(symbol.topRight(), symbol.bottomRight() - QPointF(0, 2));
 }
 
 void PaintHelp(QPainter& painter, const QRectF& rect) {

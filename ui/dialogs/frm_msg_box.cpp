@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "ui/controls/make_child.h"
+#include "ui/controls/picture_box.h"
 #include "ui/controls/soft_button.h"
 #include "ui/dialogs/built_in_skin.h"
 #include "ui/dialogs/message_box.h"
@@ -69,9 +70,10 @@ constexpr DesignedPicture kPictures[] = {
     {"imgTitleClose", kTitleButton},
 };
 // Part of every skin, of no use in a box that can't change its size.
-constexpr const char* kWithoutUse[] = {"imgTitleMinimize", "imgTitleMaxRestore", "imgTitleHelp"};
-constexpr const char* kSpares[] = {"imgTitleMaximize", "imgTitleRestore"};
-constexpr const char* kGrips[] = {"imgTitleLeft", "imgTitleMain", "imgTitleRight"};
+constexpr const char* kDisabledPictures[] = {"imgTitleMinimize", "imgTitleMaxRestore",
+                                             "imgTitleHelp"};
+constexpr const char* kHiddenPictures[] = {"imgTitleMaximize", "imgTitleRestore"};
+constexpr const char* kDragHandles[] = {"imgTitleLeft", "imgTitleMain", "imgTitleRight"};
 
 // A click on the title text belongs to the picture below it.
 void PassMouseThrough(QWidget& widget) {
@@ -105,9 +107,9 @@ void frmMsgBox::AddFramePictures() {
     box.resize(designed.size);
     box.SetPicture(BuiltInPicture(box.objectName(), designed.size));
   }
-  for (const char* name : kWithoutUse) findChild<PictureBox*>(name)->setEnabled(false);
-  for (const char* name : kSpares) findChild<PictureBox*>(name)->hide();
-  for (const char* name : kGrips) {
+  for (const char* name : kDisabledPictures) findChild<PictureBox*>(name)->setEnabled(false);
+  for (const char* name : kHiddenPictures) findChild<PictureBox*>(name)->hide();
+  for (const char* name : kDragHandles) {
     connect(findChild<PictureBox*>(name), &PictureBox::Pressed, this,
             [this] { DragWindow(*this); });
   }

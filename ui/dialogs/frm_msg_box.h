@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "ui/controls/gradient_button.h"
-#include "ui/controls/picture_box.h"
 #include "ui/controls/wrapped_label.h"
 #include "ui/dialogs/message_icon.h"
 
@@ -14,7 +13,7 @@ namespace dorvane {
 
 enum class MessageBoxKind { kOk, kYesNo };
 
-/// The sign of a message of that style.
+/// The icon of a message of that style.
 MessageIcon IconOf(MessageBoxKind kind, std::int32_t style);
 
 /// The program's message box, a window with a skinned frame. Its controls carry their names as

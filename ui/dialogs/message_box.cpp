@@ -3,19 +3,15 @@
 #include <fmt/format.h>
 
 #include <QCoreApplication>
-#include <QString>
 #include <exception>
 #include <memory>
 
 #include "platform/run_time_error.h"
+#include "ui/controls/qt_text.h"
 #include "ui/dialogs/frm_msg_box.h"
 
 namespace dorvane {
 namespace {
-
-QString FromUtf8(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // The box stays loaded between messages and goes away before the window system does.
 std::unique_ptr<frmMsgBox>& LoadedBox() {
@@ -31,9 +27,9 @@ int RunBox(MessageBoxKind kind, std::string_view text, std::int32_t style, std::
   if (!box) box = std::make_unique<frmMsgBox>();
   if (box->isVisible()) {
     // A running transfer reports while the user is still being asked something.
-    return frmMsgBox().Run(kind, FromUtf8(text), style, FromUtf8(title));
+    return frmMsgBox().Run(kind, ToQString(text), style, ToQString(title));
   }
-  const int answer = box->Run(kind, FromUtf8(text), style, FromUtf8(title));
+  const int answer = box->Run(kind, ToQString(text), style, ToQString(title));
   if (box->IsUnloaded()) box.reset();
   return answer;
 }

@@ -6,19 +6,19 @@
 namespace dorvane {
 namespace {
 
-// Signs are drawn in a square of 32 units.
+// Icons are drawn in a square of 32 units.
 constexpr double kUnits = 32;
 
-QBrush Shade(const QColor& color) {
+QBrush GradientBrush(const QColor& color) {
   QLinearGradient shade(0, 2, 0, 30);
   shade.setColorAt(0, color.lighter(128));
   shade.setColorAt(1, color);
   return shade;
 }
 
-void PaintDisc(QPainter& painter, const QColor& color) {
+void PaintCircle(QPainter& painter, const QColor& color) {
   painter.setPen(QPen(color.darker(135), 1.2));
-  painter.setBrush(Shade(color));
+  painter.setBrush(GradientBrush(color));
   painter.drawEllipse(QRectF(2, 2, 28, 28));
 }
 
@@ -33,7 +33,7 @@ void PaintLetter(QPainter& painter, const QRectF& rect, const QString& letter,
 }
 
 void PaintError(QPainter& painter) {
-  PaintDisc(painter, QColor(200, 40, 36));
+  PaintCircle(painter, QColor(200, 40, 36));
   painter.setPen(QPen(Qt::white, 3.6, Qt::SolidLine, Qt::RoundCap));
   painter.drawLine(QPointF(11, 11), QPointF(21, 21));
   painter.drawLine(QPointF(21, 11), QPointF(11, 21));
@@ -47,7 +47,7 @@ void PaintWarning(QPainter& painter) {
   triangle.closeSubpath();
   const QColor amber(248, 190, 40);
   painter.setPen(QPen(amber.darker(170), 2, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin));
-  painter.setBrush(Shade(amber));
+  painter.setBrush(GradientBrush(amber));
   painter.drawPath(triangle);
   PaintLetter(painter, QRectF(2, 7, 28, 22), "!", QColor(50, 36, 0));
 }
@@ -67,11 +67,11 @@ void PaintMessageIcon(QPainter& painter, MessageIcon icon, const QRectF& square)
       PaintWarning(painter);
       break;
     case MessageIcon::kQuestion:
-      PaintDisc(painter, QColor(40, 96, 190));
+      PaintCircle(painter, QColor(40, 96, 190));
       PaintLetter(painter, QRectF(2, 2, 28, 28), "?", Qt::white);
       break;
     case MessageIcon::kInformation:
-      PaintDisc(painter, QColor(40, 96, 190));
+      PaintCircle(painter, QColor(40, 96, 190));
       PaintLetter(painter, QRectF(2, 2, 28, 28), "i", Qt::white);
       break;
   }

@@ -2,11 +2,10 @@
 
 #include <QPainter>
 #include <QRectF>
-#include <cstdint>
 
 namespace dorvane {
 
-/// The signs of message boxes, by the numbers of the standard system icons.
+/// The icons of message boxes, by the numbers of the standard system icons.
 enum class MessageIcon {
   kError = 32513,
   kQuestion = 32514,
@@ -14,7 +13,7 @@ enum class MessageIcon {
   kInformation = 32516,
 };
 
-/// Paints a sign into a square.
+/// Paints an icon into a square.
 void PaintMessageIcon(QPainter& painter, MessageIcon icon, const QRectF& square);
 
 }  // namespace dorvane

@@ -20,41 +20,41 @@ namespace {
 constexpr int kCornerRadius = 12;
 const QColor kBackground(192, 192, 192);
 
-// A coordinate that follows the window's extent: extent * of_window + offset.
-struct Place {
-  int of_window;
+// A coordinate that may follow the window's size: factor * size + offset.
+struct Coordinate {
+  int factor;
   int offset;
-  int In(int extent) const { return extent * of_window + offset; }
+  int In(int window_size) const { return factor * window_size + offset; }
 };
-constexpr std::optional<Place> kAsDesigned;
+constexpr std::optional<Coordinate> kDesignSize;
 
 struct FramePicture {
   const char* name;
-  Place top, left;
-  std::optional<Place> width, height;
+  Coordinate top, left;
+  std::optional<Coordinate> width, height;
 };
 
-constexpr Place At(int offset) {
+constexpr Coordinate At(int offset) {
   return {0, offset};
 }
-constexpr Place FromEnd(int offset) {
+constexpr Coordinate FromEnd(int offset) {
   return {1, -offset};
 }
 
 // In the order in which they are placed.
 constexpr std::array kFrame = {
-    FramePicture{"imgTitleLeft", At(0), At(0), kAsDesigned, kAsDesigned},
-    FramePicture{"imgTitleRight", At(0), FromEnd(19), kAsDesigned, kAsDesigned},
-    FramePicture{"imgTitleMain", At(0), At(19), FromEnd(19), kAsDesigned},
-    FramePicture{"imgWindowLeft", At(30), At(0), kAsDesigned, FromEnd(60)},
-    FramePicture{"imgWindowBottomLeft", FromEnd(30), At(0), kAsDesigned, kAsDesigned},
-    FramePicture{"imgWindowBottom", FromEnd(30), At(19), FromEnd(38), kAsDesigned},
-    FramePicture{"imgWindowBottomRight", FromEnd(30), FromEnd(19), kAsDesigned, kAsDesigned},
-    FramePicture{"imgWindowRight", At(30), FromEnd(19), kAsDesigned, FromEnd(38)},
-    FramePicture{"imgTitleClose", At(8), FromEnd(24), kAsDesigned, kAsDesigned},
-    FramePicture{"imgTitleMaxRestore", At(8), FromEnd(39), kAsDesigned, kAsDesigned},
-    FramePicture{"imgTitleMinimize", At(8), FromEnd(56), kAsDesigned, kAsDesigned},
-    FramePicture{"imgTitleHelp", At(8), FromEnd(73), kAsDesigned, kAsDesigned},
+    FramePicture{"imgTitleLeft", At(0), At(0), kDesignSize, kDesignSize},
+    FramePicture{"imgTitleRight", At(0), FromEnd(19), kDesignSize, kDesignSize},
+    FramePicture{"imgTitleMain", At(0), At(19), FromEnd(19), kDesignSize},
+    FramePicture{"imgWindowLeft", At(30), At(0), kDesignSize, FromEnd(60)},
+    FramePicture{"imgWindowBottomLeft", FromEnd(30), At(0), kDesignSize, kDesignSize},
+    FramePicture{"imgWindowBottom", FromEnd(30), At(19), FromEnd(38), kDesignSize},
+    FramePicture{"imgWindowBottomRight", FromEnd(30), FromEnd(19), kDesignSize, kDesignSize},
+    FramePicture{"imgWindowRight", At(30), FromEnd(19), kDesignSize, FromEnd(38)},
+    FramePicture{"imgTitleClose", At(8), FromEnd(24), kDesignSize, kDesignSize},
+    FramePicture{"imgTitleMaxRestore", At(8), FromEnd(39), kDesignSize, kDesignSize},
+    FramePicture{"imgTitleMinimize", At(8), FromEnd(56), kDesignSize, kDesignSize},
+    FramePicture{"imgTitleHelp", At(8), FromEnd(73), kDesignSize, kDesignSize},
 };
 
 void CopyPicture(QWidget& frm, const char* from, const char* to) {
@@ -87,17 +87,6 @@ class ManualDrag : public QObject {
 };
 
 }  // namespace
-
-const std::vector<QString>& SkinPictureNames() {
-  static const std::vector<QString> names = [] {
-    std::vector<QString> all;
-    for (const FramePicture& picture : kFrame) all.emplace_back(picture.name);
-    all.emplace_back("imgTitleMaximize");
-    all.emplace_back("imgTitleRestore");
-    return all;
-  }();
-  return names;
-}
 
 QString CurrentSkin() {
   const QSettings settings("Dorvane", "Dorvane");

@@ -5,12 +5,8 @@
 #include <QWidget>
 #include <filesystem>
 #include <string_view>
-#include <vector>
 
 namespace dorvane {
-
-/// The names of the picture controls that make a skinned window's frame and title bar.
-const std::vector<QString>& SkinPictureNames();
 
 /// The skin that the user has chosen (setting "Current Skin" of section "Options"), else "Blue".
 QString CurrentSkin();

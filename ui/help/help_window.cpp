@@ -1,8 +1,5 @@
 #include "ui/help/help_window.h"
 
-#include <QHBoxLayout>
-#include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QSplitter>

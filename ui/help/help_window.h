@@ -4,8 +4,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "platform/help/help_book.h"
 

@@ -14,7 +14,6 @@
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
 #include "ui/controls/soft_button.h"
-#include "ui/schedule/task_settings_dialog.h"
 
 namespace dorvane {
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -10,14 +9,12 @@
 
 #include "endpoint/database.h"
 #include "platform/scheduler/scheduler.h"
+#include "ui/schedule/task_settings_dialog.h"
 
 class QGridLayout;
 class QLineEdit;
 
 namespace dorvane {
-
-using MessageFunction =
-    std::function<void(std::string_view text, std::int32_t style, std::string_view title)>;
 
 /// What the scheduling dialog gets from its surroundings. All of it must be set.
 struct ScheduleServices {

@@ -1,7 +1,5 @@
 #include "ui/schedule/task_settings_dialog.h"
 
-#include <fmt/format.h>
-
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
@@ -51,6 +49,7 @@ std::chrono::minutes FromQTime(const QTime& time) {
 
 QString NextRunText(const Task& task) {
   if (!task.enabled) return "Not enabled";
+  // The minute under way has started: a task of this minute runs next time.
   const auto next = NextStart(task, scheduler::LocalNow() + std::chrono::minutes(1));
   if (!next) return "Never";
   const auto day = std::chrono::floor<std::chrono::days>(*next);
@@ -59,10 +58,8 @@ QString NextRunText(const Task& task) {
 
 }  // namespace
 
-TaskSettingsDialog::TaskSettingsDialog(
-    std::shared_ptr<scheduler::ITaskScheduler> scheduler, Task task,
-    std::function<void(std::string_view, std::int32_t, std::string_view)> show_message,
-    QWidget* parent)
+TaskSettingsDialog::TaskSettingsDialog(std::shared_ptr<scheduler::ITaskScheduler> scheduler,
+                                       Task task, MessageFunction show_message, QWidget* parent)
     : QDialog(parent),
       scheduler_(std::move(scheduler)),
       task_(std::move(task)),

@@ -23,16 +23,17 @@ namespace dorvane {
 inline constexpr int kDialogMargin = 20;
 inline constexpr int kDialogGap = 10;
 
+/// How these dialogs show a message; `style` is a value of message_style.
+using MessageFunction =
+    std::function<void(std::string_view text, std::int32_t style, std::string_view title)>;
+
 /// Shows a saved task and lets the user complete its schedule, run it at once or delete it.
 class TaskSettingsDialog : public QDialog {
   Q_OBJECT
 
  public:
-  TaskSettingsDialog(
-      std::shared_ptr<scheduler::ITaskScheduler> scheduler, scheduler::Task task,
-      std::function<void(std::string_view text, std::int32_t style, std::string_view title)>
-          show_message,
-      QWidget* parent = nullptr);
+  TaskSettingsDialog(std::shared_ptr<scheduler::ITaskScheduler> scheduler, scheduler::Task task,
+                     MessageFunction show_message, QWidget* parent = nullptr);
 
  private:
   void AddFacts(QFormLayout& form);
@@ -50,7 +51,7 @@ class TaskSettingsDialog : public QDialog {
 
   const std::shared_ptr<scheduler::ITaskScheduler> scheduler_;
   const scheduler::Task task_;
-  const std::function<void(std::string_view, std::int32_t, std::string_view)> show_message_;
+  const MessageFunction show_message_;
   QCheckBox* chkEnabled_ = nullptr;
   QDateEdit* dteBegin_ = nullptr;
   QTimeEdit* tmeStart_ = nullptr;

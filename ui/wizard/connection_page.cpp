@@ -1,7 +1,6 @@
 #include "ui/wizard/connection_page.h"
 
 #include "platform/text/number_text.h"
-#include "ui/controls/make_child.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/theme.h"
 
@@ -43,7 +42,7 @@ void ConnectionPage::OnWindowsLogin() {
   for (QLineEdit* field : {user_, password_}) {
     field->setEnabled(!ticked);
     theme::SetColor(*field, QPalette::Base,
-                    ticked ? theme::kDisabledFieldGround : theme::kFieldGround);
+                    ticked ? theme::kDisabledFieldBackground : theme::kFieldBackground);
   }
 }
 

@@ -3,17 +3,11 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 
+#include "ui/controls/qt_text.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
-namespace {
-
-QString ToQt(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-}  // namespace
 
 frmWizard::frmWizard(WizardServices services)
     : services_(std::move(services)), server_caller_(*this) {
@@ -88,10 +82,10 @@ void frmWizard::ShowStep(std::int16_t page) {
   SetStepTitle(page);
   SetNavigationButtons(page);
   HighlightStepIndicator(page);
-  FocusPage(*pages_->widget(page));
+  FocusFirstControl(*pages_->widget(page));
 }
 
-void frmWizard::FocusPage(QWidget& page) {
+void frmWizard::FocusFirstControl(QWidget& page) {
   QWidget* control = &page;
   do {
     control = control->nextInFocusChain();
@@ -106,9 +100,9 @@ void frmWizard::SetStepTitle(std::int16_t page) {
   const auto step = StepOfPage(page);
   if (!step) return;
   currentScreen_ = *step;
-  lblTitle_->setText(ToQt(StepTitle(*step)));
+  lblTitle_->setText(ToQString(StepTitle(*step)));
   const ServerKind source = session_.src ? session_.Direction() : ServerKind::MsSql;
-  if (const auto caption = WindowCaption(*step, source)) setWindowTitle(ToQt(*caption));
+  if (const auto caption = WindowCaption(*step, source)) setWindowTitle(ToQString(*caption));
 }
 
 void frmWizard::SetNavigationButtons(std::int16_t page) {
@@ -130,7 +124,7 @@ void frmWizard::HighlightStepIndicator(std::int16_t page) {
   }
 }
 
-void frmWizard::GoOnFrom(const ConnectionPage& page) {
+void frmWizard::FocusNextAfterConnecting(const ConnectionPage& page) {
   if (page.IsConnected() && !page.isAncestorOf(focusWidget())) NavButton(kNext).setFocus();
 }
 

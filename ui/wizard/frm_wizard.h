@@ -8,9 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
-#include <string_view>
 
 #include "job/endpoints.h"
 #include "ui/controls/gradient_button.h"
@@ -24,6 +22,8 @@
 #include "ui/wizard/wizard_session.h"
 #include "ui/wizard/wizard_steps.h"
 #include "ui/wizard/worker_call.h"
+
+class QHBoxLayout;
 
 namespace dorvane {
 
@@ -59,7 +59,6 @@ class frmWizard : public QWidget {
   void HighlightStepIndicator(std::int16_t page);
 
   std::int16_t CurrentPage() const { return mnCurStep_; }
-  std::int16_t CurrentScreen() const { return currentScreen_; }
   const WizardSession& Session() const { return session_; }
 
  signals:
@@ -78,12 +77,13 @@ class frmWizard : public QWidget {
   QWidget& BuildTitleLine();
   QWidget& BuildPages();
   QWidget& BuildNavigationBar();
+  void AddHelpPicture(PictureBox& bar, QHBoxLayout& layout);
   void ConnectRun();
 
-  /// Puts the keys on the first control of the page that takes them.
-  void FocusPage(QWidget& page);
-  /// A page that has connected and has no use for the keys leaves them to Next.
-  void GoOnFrom(const ConnectionPage& page);
+  /// Gives the focus to the first control of the page in its tab order.
+  void FocusFirstControl(QWidget& page);
+  /// Gives the focus to Next when the page has connected and no control of it has the focus.
+  void FocusNextAfterConnecting(const ConnectionPage& page);
 
   // What happens when a page is entered; false when it refuses.
   bool EnterPage(std::int16_t page);

@@ -6,6 +6,7 @@
 
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
+#include "ui/controls/qt_text.h"
 #include "ui/wizard/frm_wizard.h"
 
 namespace dorvane {
@@ -37,7 +38,7 @@ class Sidebar : public QWidget {
   }
 };
 
-void SetGround(QWidget& widget, QRgb color) {
+void SetBackground(QWidget& widget, QRgb color) {
   theme::SetColor(widget, QPalette::Window, color);
   widget.setAutoFillBackground(true);
 }
@@ -91,9 +92,8 @@ QWidget& frmWizard::BuildSidebar() {
   for (std::size_t step = 0; step < kStepCount; ++step) {
     auto& marker = MakeChild<theme::StepMarker>(static_cast<QWidget&>(sidebar));
     marker.setObjectName(Indexed("shpCircle", step));
-    const std::string_view name = StepName(static_cast<std::int16_t>(step));
-    auto& label = MakeChild<QLabel>(
-        sidebar, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+    const QString name = ToQString(StepName(static_cast<std::int16_t>(step)));
+    auto& label = MakeChild<QLabel>(sidebar, name);
     label.setObjectName(Indexed("lblleft", step));
     label.setFont(theme::CaptionFont(font()));
     const int row = static_cast<int>(step) + 2;
@@ -108,15 +108,15 @@ QWidget& frmWizard::BuildSidebar() {
 }
 
 QWidget& frmWizard::BuildTitleLine() {
-  auto& band = MakeChild<QWidget>(*this);
-  SetGround(band, theme::kTitleGround);
-  auto& layout = MakeChild<QHBoxLayout>(band);
+  auto& header = MakeChild<QWidget>(*this);
+  SetBackground(header, theme::kTitleBackground);
+  auto& layout = MakeChild<QHBoxLayout>(header);
   layout.setContentsMargins(theme::kMargin, 14, theme::kMargin, 14);
-  lblTitle_ = &MakeNamed<QLabel>("lblTitle", band);
+  lblTitle_ = &MakeNamed<QLabel>("lblTitle", header);
   lblTitle_->setFont(theme::TitleFont(font()));
-  theme::SetColor(*lblTitle_, QPalette::WindowText, theme::kInk);
+  theme::SetColor(*lblTitle_, QPalette::WindowText, theme::kTextColor);
   layout.addWidget(lblTitle_);
-  return band;
+  return header;
 }
 
 QWidget& frmWizard::BuildPages() {
@@ -129,7 +129,7 @@ QWidget& frmWizard::BuildPages() {
         &MakeChild<ConnectionPage>(static_cast<QWidget&>(*pages_), index, session_, server_caller_);
     pages_->addWidget(connection_page);
     connect(&connection_page->ConnectButton(), &QAbstractButton::clicked, this,
-            [this, connection_page] { GoOnFrom(*connection_page); });
+            [this, connection_page] { FocusNextAfterConnecting(*connection_page); });
   }
   tables_page_ = &MakeChild<TablesPage>(static_cast<QWidget&>(*pages_));
   pages_->addWidget(tables_page_);
@@ -145,13 +145,7 @@ QWidget& frmWizard::BuildPages() {
   return *pages_;
 }
 
-QWidget& frmWizard::BuildNavigationBar() {
-  auto& bar = MakeNamed<PictureBox>("picNav", *this);
-  SetGround(bar, theme::kNavGround);
-  auto& layout = MakeChild<QHBoxLayout>(bar);
-  layout.setContentsMargins(theme::kMargin, 12, theme::kMargin, 12);
-  layout.setSpacing(theme::kGap);
-
+void frmWizard::AddHelpPicture(PictureBox& bar, QHBoxLayout& layout) {
   auto& images = MakeNamed<theme::ImageList>("imglstImages", static_cast<QObject&>(bar),
                                              theme::HelpPicture(false), theme::HelpPicture(true));
   imgHelp_ = &MakeNamed<PictureBox>("imgHelp", static_cast<QWidget&>(bar));
@@ -160,12 +154,22 @@ QWidget& frmWizard::BuildNavigationBar() {
   imgHelp_->setToolTip("F1");
   imgHelp_->setAccessibleName("Help");
   layout.addWidget(imgHelp_);
-  layout.addStretch();
   connect(imgHelp_, &PictureBox::Clicked, this, &frmWizard::ShowHelp);
   connect(imgHelp_, &PictureBox::MouseMoved, this,
           [this, &images] { imgHelp_->SetPicture(images.Picture(2)); });
   connect(&bar, &PictureBox::MouseMoved, this,
           [this, &images] { imgHelp_->SetPicture(images.Picture(1)); });
+}
+
+QWidget& frmWizard::BuildNavigationBar() {
+  auto& bar = MakeNamed<PictureBox>("picNav", *this);
+  SetBackground(bar, theme::kNavBackground);
+  auto& layout = MakeChild<QHBoxLayout>(bar);
+  layout.setContentsMargins(theme::kMargin, 12, theme::kMargin, 12);
+  layout.setSpacing(theme::kGap);
+
+  AddHelpPicture(bar, layout);
+  layout.addStretch();
 
   struct NavEntry {
     Nav index;

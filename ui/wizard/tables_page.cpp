@@ -1,7 +1,7 @@
 #include "ui/wizard/tables_page.h"
 
 #include <QGridLayout>
-#include <QHBoxLayout>
+#include <QLabel>
 #include <algorithm>
 #include <iterator>
 #include <utility>

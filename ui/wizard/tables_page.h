@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QCheckBox>
-#include <QLabel>
 
 #include "endpoint/database.h"
 #include "ui/controls/name_list_view.h"

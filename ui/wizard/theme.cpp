@@ -11,7 +11,7 @@ namespace {
 constexpr int kPictureScale = 3;
 constexpr SoftButtonColors kButtonColors = {.back = qRgb(252, 253, 255),
                                             .gradient = qRgb(196, 207, 228),
-                                            .fore = kInk,
+                                            .fore = kTextColor,
                                             .hover_back = qRgb(255, 226, 160),
                                             .hover_fore = qRgb(110, 44, 0)};
 
@@ -23,23 +23,25 @@ QPixmap BlankPicture(QSize size) {
   return picture;
 }
 
-// A database: a drum of three slices.
-void PaintDrum(QPainter& painter, const QRectF& rect, const QColor& color) {
-  const double lid = rect.height() * 0.28;
+// A database: a cylinder of three slices.
+void PaintCylinder(QPainter& painter, const QRectF& rect, const QColor& color) {
+  const double ellipse_height = rect.height() * 0.28;
   QPainterPath body;
-  body.moveTo(rect.left(), rect.top() + lid / 2);
-  body.lineTo(rect.left(), rect.bottom() - lid / 2);
-  body.arcTo(QRectF(rect.left(), rect.bottom() - lid, rect.width(), lid), 180, 180);
-  body.lineTo(rect.right(), rect.top() + lid / 2);
+  body.moveTo(rect.left(), rect.top() + ellipse_height / 2);
+  body.lineTo(rect.left(), rect.bottom() - ellipse_height / 2);
+  body.arcTo(QRectF(rect.left(), rect.bottom() - ellipse_height, rect.width(), ellipse_height), 180,
+             180);
+  body.lineTo(rect.right(), rect.top() + ellipse_height / 2);
   painter.setPen(QPen(color.darker(170), 1));
   painter.setBrush(color);
   painter.drawPath(body);
   for (const double part : {0.34, 0.6}) {
-    const QRectF seam(rect.left(), rect.top() + rect.height() * part - lid / 2, rect.width(), lid);
+    const QRectF seam(rect.left(), rect.top() + rect.height() * part - ellipse_height / 2,
+                      rect.width(), ellipse_height);
     painter.drawArc(seam, 180 * 16, 180 * 16);
   }
   painter.setBrush(color.lighter(125));
-  painter.drawEllipse(QRectF(rect.left(), rect.top(), rect.width(), lid));
+  painter.drawEllipse(QRectF(rect.left(), rect.top(), rect.width(), ellipse_height));
 }
 
 }  // namespace
@@ -50,19 +52,20 @@ QPalette PagePalette() {
     palette.setColor(role, QColor(color));
     palette.setColor(QPalette::Disabled, role, QColor(disabled));
   };
-  const QRgb disabled_ink = qRgb(110, 116, 130);
-  set(QPalette::Window, kPageGround, kPageGround);
+  const QRgb disabled_text = qRgb(110, 116, 130);
+  set(QPalette::Window, kPageBackground, kPageBackground);
   set(QPalette::WindowText, qRgb(255, 255, 255), qRgb(164, 184, 228));
-  set(QPalette::Base, kFieldGround, kDisabledFieldGround);
-  set(QPalette::AlternateBase, qRgb(240, 243, 250), kDisabledFieldGround);
-  set(QPalette::Text, kInk, disabled_ink);
-  set(QPalette::Button, qRgb(238, 241, 247), kDisabledFieldGround);
-  set(QPalette::ButtonText, kInk, disabled_ink);
-  // Amber stands out from the ground: selected entries, and the frame of the field with the focus.
+  set(QPalette::Base, kFieldBackground, kDisabledFieldBackground);
+  set(QPalette::AlternateBase, qRgb(240, 243, 250), kDisabledFieldBackground);
+  set(QPalette::Text, kTextColor, disabled_text);
+  set(QPalette::Button, qRgb(238, 241, 247), kDisabledFieldBackground);
+  set(QPalette::ButtonText, kTextColor, disabled_text);
+  // Amber stands out from the background: selected entries, and the frame of the field with the
+  // focus.
   set(QPalette::Highlight, qRgb(255, 190, 70), qRgb(190, 196, 208));
-  set(QPalette::HighlightedText, kInk, disabled_ink);
+  set(QPalette::HighlightedText, kTextColor, disabled_text);
   set(QPalette::ToolTipBase, qRgb(255, 252, 230), qRgb(255, 252, 230));
-  set(QPalette::ToolTipText, kInk, kInk);
+  set(QPalette::ToolTipText, kTextColor, kTextColor);
   return palette;
 }
 
@@ -93,14 +96,14 @@ QPixmap HelpPicture(bool highlighted) {
   QPixmap picture = BlankPicture({28, 28});
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(QColor(kInk), 1.2));
-  painter.setBrush(highlighted ? QColor(255, 190, 70) : QColor(kPageGround));
+  painter.setPen(QPen(QColor(kTextColor), 1.2));
+  painter.setBrush(highlighted ? QColor(255, 190, 70) : QColor(kPageBackground));
   painter.drawEllipse(QRectF(2, 2, 24, 24));
   QFont font;
   font.setPixelSize(17);
   font.setBold(true);
   painter.setFont(font);
-  painter.setPen(highlighted ? QColor(kInk) : QColor(Qt::white));
+  painter.setPen(highlighted ? QColor(kTextColor) : QColor(Qt::white));
   painter.drawText(QRectF(0, 0, 28, 28), Qt::AlignCenter, "?");
   return picture;
 }
@@ -109,8 +112,8 @@ QPixmap LogoPicture() {
   QPixmap picture = BlankPicture({120, 56});
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
-  PaintDrum(painter, {6, 8, 34, 42}, QColor(226, 96, 74));
-  PaintDrum(painter, {80, 8, 34, 42}, QColor(255, 190, 70));
+  PaintCylinder(painter, {6, 8, 34, 42}, QColor(226, 96, 74));
+  PaintCylinder(painter, {80, 8, 34, 42}, QColor(255, 190, 70));
   painter.setPen(QPen(Qt::white, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   painter.setBrush(Qt::NoBrush);
   painter.drawLine(QPointF(48, 24), QPointF(72, 24));

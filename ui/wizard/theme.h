@@ -13,25 +13,25 @@
 namespace dorvane::theme {
 
 /// The colours of the wizard.
-inline constexpr QRgb kPageGround = qRgb(71, 102, 171);
+inline constexpr QRgb kPageBackground = qRgb(71, 102, 171);
 // Dark behind the step list, so that its grey words can be read.
 inline constexpr QRgb kSidebarTop = qRgb(13, 19, 40);
 inline constexpr QRgb kSidebarBottom = qRgb(33, 47, 88);
-inline constexpr QRgb kTitleGround = qRgb(244, 246, 250);
-inline constexpr QRgb kNavGround = qRgb(222, 227, 238);
-inline constexpr QRgb kInk = qRgb(24, 34, 62);
+inline constexpr QRgb kTitleBackground = qRgb(244, 246, 250);
+inline constexpr QRgb kNavBackground = qRgb(222, 227, 238);
+inline constexpr QRgb kTextColor = qRgb(24, 34, 62);
 inline constexpr QRgb kCurrentMarker = qRgb(255, 0, 0);
 inline constexpr QRgb kOtherMarker = qRgb(71, 102, 171);
 inline constexpr QRgb kCurrentStep = qRgb(255, 255, 255);
 inline constexpr QRgb kOtherStep = qRgb(128, 128, 128);
-inline constexpr QRgb kFieldGround = qRgb(255, 255, 255);
-inline constexpr QRgb kDisabledFieldGround = qRgb(224, 224, 224);
+inline constexpr QRgb kFieldBackground = qRgb(255, 255, 255);
+inline constexpr QRgb kDisabledFieldBackground = qRgb(224, 224, 224);
 
 /// Distances in logical pixels.
 inline constexpr int kMargin = 24;
 inline constexpr int kGap = 10;
 
-/// White words and light fields on the blue page ground.
+/// White words and light fields on the blue background of a page.
 QPalette PagePalette();
 /// Sets one colour of a widget for all its states.
 void SetColor(QWidget& widget, QPalette::ColorRole role, QRgb color);

@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "ui/controls/make_child.h"
+#include "ui/controls/qt_text.h"
 #include "ui/wizard/theme.h"
 #include "ui/wizard/wizard_steps.h"
 
@@ -19,8 +20,7 @@ void Card::paintEvent(QPaintEvent*) {
 
 WizardPage::WizardPage(std::int16_t index, QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("fraStep%1").arg(index));
-  const std::string_view caption = PageCaption(index);
-  const QString text = QString::fromUtf8(caption.data(), static_cast<qsizetype>(caption.size()));
+  const QString text = ToQString(PageCaption(index));
   setAccessibleName(text);
   setPalette(theme::PagePalette());
   setAutoFillBackground(true);

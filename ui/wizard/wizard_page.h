@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QFrame>
 #include <QVBoxLayout>
+#include <QWidget>
 #include <cstdint>
 
 namespace dorvane {
 
-/// A rounded panel on the page ground that holds what belongs together.
+/// A rounded panel of a page that holds what belongs together.
 class Card : public QWidget {
  public:
   explicit Card(QWidget* parent) : QWidget(parent) {}

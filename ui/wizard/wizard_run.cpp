@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds kRowInterval(30);
 
 WizardRun::WizardRun() {
   row_timer_.setInterval(kRowInterval);
-  connect(&row_timer_, &QTimer::timeout, this, &WizardRun::TakeOverRows);
+  connect(&row_timer_, &QTimer::timeout, this, &WizardRun::FlushRowCount);
 }
 
 void WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables) {
@@ -26,7 +26,7 @@ void WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables
     dorvane::ShowMessage(DescribeUnexpectedFailure(), message_style::kPlain, "");
   }
   row_timer_.stop();
-  TakeOverRows();
+  FlushRowCount();
   transferring_ = false;
 }
 
@@ -37,16 +37,16 @@ void WizardRun::Stop() {
 }
 
 template <class Action>
-void WizardRun::InOwnThread(const Action& action) {
+void WizardRun::RunInGuiThread(const Action& action) {
   const auto in_order = [&] {
-    TakeOverRows();
+    FlushRowCount();
     action();
   };
   if (QThread::currentThread() == thread()) return in_order();
   QMetaObject::invokeMethod(this, in_order, Qt::BlockingQueuedConnection);
 }
 
-void WizardRun::TakeOverRows() {
+void WizardRun::FlushRowCount() {
   const std::int64_t rows = new_rows_.exchange(0);
   if (rows == 0) return;
   progress_.RecordsConverted(rows);
@@ -55,7 +55,7 @@ void WizardRun::TakeOverRows() {
 
 void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view source,
                                      std::int32_t style) {
-  InOwnThread([&] { dorvane::ShowMessage(message, style, source); });
+  RunInGuiThread([&] { dorvane::ShowMessage(message, style, source); });
 }
 
 void WizardRun::ErrorOccured(std::string_view message, std::int32_t message_style,
@@ -64,7 +64,7 @@ void WizardRun::ErrorOccured(std::string_view message, std::int32_t message_styl
 }
 
 void WizardRun::ConversionStarted(std::int16_t no_of_tables, bool relations_included) {
-  InOwnThread([&] {
+  RunInGuiThread([&] {
     emit Started();
     progress_.ConversionStarted(no_of_tables, relations_included);
     emit ProgressChanged();
@@ -72,14 +72,14 @@ void WizardRun::ConversionStarted(std::int16_t no_of_tables, bool relations_incl
 }
 
 void WizardRun::TableConversionStarted(std::string_view table_name) {
-  InOwnThread([&] {
+  RunInGuiThread([&] {
     progress_.TableConversionStarted(table_name);
     emit ProgressChanged();
   });
 }
 
 void WizardRun::TableContentTransferStarted(std::string_view, std::int32_t no_of_records) {
-  InOwnThread([&] {
+  RunInGuiThread([&] {
     progress_.TableContentTransferStarted(no_of_records);
     emit ProgressChanged();
   });
@@ -90,7 +90,7 @@ void WizardRun::TableRecordConverted() {
 }
 
 void WizardRun::TableConversionSuccessed(std::string_view table_name) {
-  InOwnThread([&] {
+  RunInGuiThread([&] {
     progress_.TableEnded();
     emit ProgressChanged();
     emit TableConverted(std::string(table_name));
@@ -98,21 +98,21 @@ void WizardRun::TableConversionSuccessed(std::string_view table_name) {
 }
 
 void WizardRun::TableConversionFailed(std::string_view) {
-  InOwnThread([&] {
+  RunInGuiThread([&] {
     progress_.TableEnded();
     emit ProgressChanged();
   });
 }
 
 void WizardRun::TableRelationsConversionStarted(std::string_view table_name) {
-  InOwnThread([&] {
+  RunInGuiThread([&] {
     progress_.TableRelationsConversionStarted(table_name);
     emit ProgressChanged();
   });
 }
 
 void WizardRun::ConversionEnded() {
-  InOwnThread([&] {
+  RunInGuiThread([&] {
     // Who closes the window has no use for a summary.
     if (stopping_) return;
     progress_.ConversionEnded();

@@ -13,8 +13,8 @@ namespace dorvane {
 
 /// The interactive run: what endpoints report and ask while a person watches. Endpoints may call it
 /// from a worker thread; everything is carried out in the thread of this object, and the caller
-/// waits for it, except for single rows: they are only counted, and the window takes the count over
-/// some thirty times a second and before every other event.
+/// waits for it, except for single rows: they are only counted, and the count is flushed to the
+/// window some thirty times a second and before every other event.
 class WizardRun : public QObject, public IConversionListener, public IRunHost {
   Q_OBJECT
 
@@ -66,10 +66,10 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
 
  private:
   template <class Action>
-  void InOwnThread(const Action& action);
+  void RunInGuiThread(const Action& action);
   /// Shows the message, in the thread of this object.
   void RedirectErrorMessage(std::string_view message, std::string_view source, std::int32_t style);
-  void TakeOverRows();
+  void FlushRowCount();
 
   TransferProgress progress_;
   std::function<TableCounts()> table_counts_;

@@ -14,37 +14,37 @@
 namespace dorvane {
 namespace {
 
-// Window managers that give a new window no keys must not hold up the wizard for long.
-constexpr std::chrono::milliseconds kKeysTimeout(200);
+// Window managers that never give a new window the focus must not hold up the wizard for long.
+constexpr std::chrono::milliseconds kFocusTimeout(200);
 
-/// A window shown before another one, which has the keys again afterwards if it had them before.
-class Shown {
+/// Shows a window before another one, which gets the focus back afterwards if it had it before.
+class ShownWindow {
  public:
-  Shown(QWidget& window, QWidget& behind)
+  ShownWindow(QWidget& window, QWidget& behind)
       : window_(window), behind_(behind), was_active_(behind.isActiveWindow()) {
     window_.show();
   }
-  Shown(const Shown&) = delete;
-  Shown& operator=(const Shown&) = delete;
-  ~Shown() {
-    if (was_active_) AwaitKeys();
+  ShownWindow(const ShownWindow&) = delete;
+  ShownWindow& operator=(const ShownWindow&) = delete;
+  ~ShownWindow() {
+    if (was_active_) AwaitFocus();
     window_.hide();
-    // Not every window manager gives the keys back by itself.
+    // Not every window manager gives the focus back by itself.
     if (was_active_) behind_.activateWindow();
   }
 
  private:
-  // A window that goes before the window manager has given it the keys leaves them nowhere.
-  void AwaitKeys() {
-    const auto has_keys = [this] {
+  // When a window is hidden before the window manager has given it the focus, no window has it.
+  void AwaitFocus() {
+    const auto has_focus = [this] {
       return QGuiApplication::focusWindow() == window_.windowHandle();
     };
-    if (has_keys()) return;
+    if (has_focus()) return;
     QEventLoop loop;
     QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &loop, [&] {
-      if (has_keys()) loop.quit();
+      if (has_focus()) loop.quit();
     });
-    QTimer::singleShot(kKeysTimeout, &loop, &QEventLoop::quit);
+    QTimer::singleShot(kFocusTimeout, &loop, &QEventLoop::quit);
     loop.exec(QEventLoop::ExcludeUserInputEvents);
   }
 
@@ -80,7 +80,7 @@ ServerCaller::~ServerCaller() = default;
 
 void ServerCaller::Run(const std::function<void()>& work) {
   if (!wait_) wait_ = std::make_unique<frmWait>(&parent_);
-  const Shown shown(*wait_, parent_);
+  const ShownWindow shown(*wait_, parent_);
   RunInWorker(work);
 }
 
