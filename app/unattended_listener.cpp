@@ -61,6 +61,7 @@ void UnattendedListener::GiveUpLog(const RunTimeError& error) {
 void UnattendedListener::ErrorOccured(std::string_view message, std::int32_t /*message_style*/,
                                       std::string_view source) {
   failed_ = true;
+  table_failed_ = true;
   Log(fmt::format("{} - {}", source, message));
 }
 
@@ -77,7 +78,7 @@ void UnattendedListener::ConversionEnded() {
 }
 
 void UnattendedListener::TableConversionSuccessed(std::string_view /*table_name*/) {
-  Log("Done!");
+  Log(table_failed_ ? "Done, with errors." : "Done!");
 }
 
 void UnattendedListener::TableConversionFailed(std::string_view /*table_name*/) {
@@ -94,6 +95,7 @@ void UnattendedListener::TableRecordConverted() {
 }
 
 void UnattendedListener::TableConversionStarted(std::string_view table_name) {
+  table_failed_ = false;
   Log(fmt::format("Converting table '{}' ..... ", table_name));
 }
 
@@ -109,11 +111,13 @@ void UnattendedListener::ShowMessage(std::string_view message, std::int32_t styl
   ErrorOccured(message, style, title);
 }
 
-void UnattendedListener::UnclassifiedFailure(std::string_view message, std::int32_t /*style*/,
+void UnattendedListener::Inform(std::string_view message) {
+  Log(fmt::format("Note - {}", message));
+}
+
+void UnattendedListener::UnclassifiedFailure(std::string_view message, std::int32_t style,
                                              std::string_view title) {
-  failed_ = true;
-  progress_.Clear();
-  PrintError(fmt::format("{} - {}", title, message));
+  ErrorOccured(message, style, title);
 }
 
 }  // namespace dorvane

@@ -38,6 +38,7 @@ class UnattendedListener : public IConversionListener, public IRunHost {
 
   void ConnectionFailed(const ConnectionFailure& failure) override;
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
+  void Inform(std::string_view message) override;
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}
@@ -50,6 +51,7 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   ProgressLine progress_;
   bool log_broken_ = false;
   bool failed_ = false;
+  bool table_failed_ = false;  // something of the table in hand was reported
   bool ended_ = false;
 };
 

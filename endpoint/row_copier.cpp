@@ -114,8 +114,9 @@ std::size_t RowCopier::StoreSome(const ado::RowBlock& converted, std::size_t pos
 }
 
 void RowCopier::StoreOne(const ado::RowBlock& converted, std::size_t position) {
-  const RowResult result = destination_.StoreRow(converted, position);
-  if (result == RowResult::Refused) {
+  const RowOutcome outcome = destination_.StoreRow(converted, position);
+  Note(outcome);
+  if (outcome.result != RowResult::Stored) {
     const std::size_t usual_stretch = clean_rows_ / kGrowth;
     batch_size_ = usual_stretch < kCleanRowsForBlock ? 1 : std::min(usual_stretch, limits_.rows);
     clean_rows_ = 0;
@@ -127,6 +128,14 @@ void RowCopier::StoreOne(const ado::RowBlock& converted, std::size_t position) {
   Handled(1);
 }
 
+void RowCopier::Note(const RowOutcome& outcome) {
+  if (outcome.result == RowResult::Duplicate) ++account_.duplicates;
+  if (outcome.result != RowResult::Refused) return;
+  if (++account_.refused > 1) return;
+  account_.first_refused = account_.read + 1;
+  account_.first_reason = outcome.reason;
+}
+
 std::size_t RowCopier::NextCount(std::size_t position, std::size_t rows) const {
   if (!blocks_) return 1;
   const std::size_t count = std::min(batch_size_, rows - position);
@@ -136,6 +145,7 @@ std::size_t RowCopier::NextCount(std::size_t position, std::size_t rows) const {
 }
 
 void RowCopier::Handled(std::size_t count) {
+  account_.read += static_cast<std::int64_t>(count);
   for (std::size_t row = 0; row < count; ++row) events_.TableRecordConverted();
 }
 

@@ -145,16 +145,14 @@ std::string DefaultLiteral(DataType type, const std::string& value) {
 }  // namespace
 
 ColumnDefinition GetColumnType(const ado::Column& col, const std::string& identity_column) {
-  ColumnDefinition definition;
+  ColumnDefinition definition{.name = col.name, .type = TypeOf(col)};
   definition.facts.nullable = (col.attributes & ado::kColumnNullable) != 0;
-  definition.text = TypeOf(col);
-  definition.text += definition.facts.nullable ? " NULL" : " NOT NULL";
   definition.is_identity = !identity_column.empty() && identity_column == col.name;
-  if (definition.is_identity) definition.text += " primary key auto_increment";
-  if (!col.default_value) return definition;
-  definition.facts.default_text = DefaultLiteral(col.type, *col.default_value);
-  if (definition.facts.default_text.empty()) return definition;
-  definition.text += " Default " + definition.facts.default_text;
+  if (definition.is_identity) definition.attributes = " primary key auto_increment";
+  if (col.default_value) {
+    definition.facts.default_text = DefaultLiteral(col.type, *col.default_value);
+    definition.default_clause = definition.facts.default_text;
+  }
   return definition;
 }
 

@@ -2,27 +2,31 @@
 
 #include <fmt/format.h>
 
-#include "endpoint/names.h"
 #include "endpoint/literal_text.h"
+#include "endpoint/names.h"
 #include "mssql/to_mysql/columns.h"
 
 namespace dorvane {
 
-// Nothing to do ahead of the tables: each one is dropped right before it is created.
-void MsSqlToMySql::PrepareDestination(const NameList&) {}
+namespace {
+
+constexpr std::int32_t kTableExists = 1050;
+
+}  // namespace
+
+// Each table is dropped right before it is created.
+void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>&) {}
 
 void MsSqlToMySql::PrepareTable(const TableDefinition& table) {
-  if (IsOverwriting()) {
-    ExecuteOn(Destination(), "Drop Table If Exists " + MySqlName(table.dest_name));
-  }
+  ExecuteOn(Destination(), "Drop Table If Exists " + MySqlName(table.dest_name));
 }
 
 TableDefinition MsSqlToMySql::DefineTable(ado::Table& tab_src) {
   const std::string identity_column = FindIdentityColumn(tab_src.Name());
-  TableDefinition table{tab_src.Name(), DestName(tab_src.Name()), {}};
+  TableDefinition table{
+      .name = tab_src.Name(), .dest_name = DestName(tab_src.Name()), .columns = {}};
   for (const ado::Column& column : tab_src.Columns()) {
-    table.columns.push_back({GetColumnType(column, identity_column), column.name});
-    Host().Yield();
+    table.columns.push_back(GetColumnType(column, identity_column));
   }
   return table;
 }
@@ -48,11 +52,30 @@ std::string MsSqlToMySql::FindIdentityColumn(const std::string& table_name) {
 std::string MsSqlToMySql::CreateTableStatement(const TableDefinition& table) const {
   std::string statement = "Create Table " + MySqlName(table.dest_name) + "(";
   const char* separator = "";
-  for (const TableDefinition::Column& column : table.columns) {
-    statement += separator + MySqlName(DestName(column.name)) + " " + column.text;
+  for (const ColumnDefinition& column : table.columns) {
+    statement += separator + MySqlName(DestName(column.name)) + " " + column.Text();
     separator = ",";
   }
-  return statement + ")";
+  return statement + table.constraints + ")";
+}
+
+std::int32_t MsSqlToMySql::TableExistsError() const {
+  return kTableExists;
+}
+
+bool MsSqlToMySql::CureTable(TableDefinition&, std::int32_t) {
+  return false;
+}
+
+void MsSqlToMySql::CheckExistingTable(ado::Table&, const TableDefinition&) {}
+
+std::string MsSqlToMySql::SelectList(const TableDefinition&) const {
+  return "*";
+}
+
+bool MsSqlToMySql::FoldsTableNames() {
+  ado::Recordset folding = Destination().Execute("select @@lower_case_table_names");
+  return folding.Field(0).Text() != "0";
 }
 
 std::string MsSqlToMySql::SourceName(std::string_view name) const {

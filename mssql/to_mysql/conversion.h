@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,10 +16,15 @@ class MsSqlToMySql : public Conversion {
 
  private:
   // conversion.cpp
-  void PrepareDestination(const NameList& src_tables) override;
   TableDefinition DefineTable(ado::Table& tab_src) override;
+  void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
+  std::int32_t TableExistsError() const override;
+  bool CureTable(TableDefinition& table, std::int32_t native_error) override;
+  void CheckExistingTable(ado::Table& tab_src, const TableDefinition& table) override;
+  std::string SelectList(const TableDefinition& table) const override;
+  bool FoldsTableNames() override;
   void RelateTable(const std::string& name) override;
   std::string SourceName(std::string_view name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
@@ -26,13 +32,13 @@ class MsSqlToMySql : public Conversion {
   std::string FindIdentityColumn(const std::string& table_name);
 
   // keys.cpp
-  void AddPrimaryKeyConstraint(ado::Table& tab_src, const TableDefinition& table) override;
+  void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) override;
 
   // rows.cpp
   std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
-  void ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) override;
+  void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);

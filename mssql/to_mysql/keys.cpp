@@ -5,8 +5,8 @@
 
 namespace dorvane {
 
-void MsSqlToMySql::AddPrimaryKeyConstraint(ado::Table& tab_src, const TableDefinition& table) {
-  const TableDefinition::Column* identity = table.Identity();
+void MsSqlToMySql::AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) {
+  const ColumnDefinition* identity = table.Identity();
   std::string index_name;
   try {
     for (const ado::Index& index : tab_src.Indexes()) {

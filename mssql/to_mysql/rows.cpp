@@ -81,11 +81,11 @@ BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& converted, std::size_t 
   }
 }
 
-RowResult RowsToMySql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
+RowOutcome RowsToMySql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
   try {
     Assign(converted.Row(row));
     Update();
-    return RowResult::Stored;
+    return {};
   } catch (const DestinationFailure& failure) {
     return Resolve(failure, false);
   }
@@ -124,7 +124,7 @@ void RowsToMySql::Update() {
   OnDestination(destination_, [this] { table_.Update(); });
 }
 
-RowResult RowsToMySql::Resolve(const DestinationFailure& failure, bool is_rebuilt) {
+RowOutcome RowsToMySql::Resolve(const DestinationFailure& failure, bool is_rebuilt) {
   const ado::Error* entry = failure.Primary();
   if (entry == nullptr) throw failure;
 
@@ -132,13 +132,14 @@ RowResult RowsToMySql::Resolve(const DestinationFailure& failure, bool is_rebuil
   const bool is_duplicate = IsDuplicate(*entry);
   if ((is_bad_value && has_chunks_) || (is_duplicate && target_.leaves_duplicates_out)) {
     table_.CancelUpdate();
-    return RowResult::Refused;
+    return {is_duplicate ? RowResult::Duplicate : RowResult::Refused,
+            {entry->native_error, entry->description}};
   }
   if (!is_bad_value || is_rebuilt) throw failure;
   RebuildLastText();
   try {
     Update();
-    return RowResult::Refused;
+    return {RowResult::Changed};
   } catch (const DestinationFailure& second) {
     return Resolve(second, true);
   }
@@ -150,18 +151,17 @@ void RowsToMySql::RebuildLastText() {
   if (rebuilt.find('?') != std::string::npos) table_.Field(last_text_->field).SetText(rebuilt);
 }
 
-std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& table,
-                                                        bool /*is_new*/,
+std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& table, bool is_new,
                                                         const std::vector<ado::FieldInfo>& fields,
                                                         const std::vector<ColumnFacts>& facts) {
-  RowsToMySql::Target target{table.dest_name, {}, IsMerging()};
+  RowsToMySql::Target target{table.dest_name, {}, !is_new};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   return std::make_unique<RowsToMySql>(Destination(), std::move(target), fields, facts);
 }
 
-void MsSqlToMySql::ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) {
-  RaiseError(fmt::format("Unexpected error while transfering data of table {} - {} - {}",
-                         table.dest_name, failure.number, failure.description),
+void MsSqlToMySql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
+  RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
+                         table.dest_name, problem),
              "Insertion Error");
 }
 

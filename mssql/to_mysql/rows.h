@@ -31,7 +31,8 @@ class RowsToMySql : public IRowDestination {
                           ado::Arena& storage) override;
   BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                          std::size_t count) override;
-  RowResult StoreRow(const ado::RowBlock& converted, std::size_t row) override;
+  RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) override;
+  std::vector<ValueChanges> Changes() const override { return {}; }
 
  private:
   /// The text assigned last to a field of the row in hand.
@@ -44,7 +45,7 @@ class RowsToMySql : public IRowDestination {
   void AppendChunks(ado::Field& field, std::string_view bytes);
   void Update();
   void RebuildLastText();
-  RowResult Resolve(const DestinationFailure& failure, bool is_rebuilt);
+  RowOutcome Resolve(const DestinationFailure& failure, bool is_rebuilt);
 
   ado::Connection& destination_;
   const Target target_;

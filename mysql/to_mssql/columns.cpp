@@ -194,16 +194,13 @@ ColumnDefinition GetColumnType(const ado::Column& col,
   if (found == descriptions.end()) {
     throw RunTimeError(ado::kNoCurrentRecord, "MySql", "No description of column " + col.name);
   }
-  ColumnDefinition definition;
+  ColumnDefinition definition{.name = col.name, .type = TypeOf(col)};
   definition.facts.nullable = found->null.starts_with('Y');
   definition.is_identity = found->extra == "auto_increment";
-  definition.text = TypeOf(col);
-  definition.text += definition.facts.nullable ? " NULL" : " NOT NULL";
-  if (definition.is_identity) definition.text += " Identity";
-  if (found->key == "UNI") definition.text += " Unique";
+  if (definition.is_identity) definition.attributes += " Identity";
+  if (found->key == "UNI") definition.attributes += " Unique";
   definition.facts.default_text = DefaultOf(col, found->default_value);
-  if (definition.facts.default_text.empty()) return definition;
-  definition.text += " Default " + definition.facts.default_text;
+  definition.default_clause = definition.facts.default_text;
   return definition;
 }
 

@@ -20,13 +20,12 @@ constexpr std::int32_t kObjectExists = 2714;
 }  // namespace
 
 // All tables are dropped before the first one is created.
-void MySqlToMsSql::PrepareDestination(const NameList& src_tables) {
-  if (!IsOverwriting()) return;
-  for (const std::string& name : src_tables) {
+void MySqlToMsSql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
+  for (const TableDefinition* table : tables) {
     try {
-      ExecuteOn(Destination(), "drop table  " + MsSqlName(DestName(name)));
+      ExecuteOn(Destination(), "drop table  " + MsSqlName(table->dest_name));
     } catch (const RunTimeError& error) {
-      ReportTableFailure(name, error);
+      ReportTableFailure(table->name, error);
     }
   }
 }
@@ -36,9 +35,9 @@ void MySqlToMsSql::PrepareTable(const TableDefinition&) {}
 TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
   const std::string& name = tab_src.Name();
   const std::vector<ColumnDescription> descriptions = ShowColumns(Source(), MySqlName(name));
-  TableDefinition table{name, DestName(name), {}};
+  TableDefinition table{.name = name, .dest_name = DestName(name), .columns = {}};
   for (const ado::Column& column : tab_src.Columns()) {
-    table.columns.push_back({GetColumnType(column, descriptions), column.name});
+    table.columns.push_back(GetColumnType(column, descriptions));
   }
   return table;
 }
@@ -46,11 +45,29 @@ TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
 std::string MySqlToMsSql::CreateTableStatement(const TableDefinition& table) const {
   std::string statement = "Create Table " + MsSqlName(table.dest_name) + "(";
   const char* separator = "";
-  for (const TableDefinition::Column& column : table.columns) {
-    statement += separator + MsSqlName(DestName(column.name)) + " " + column.text;
+  for (const ColumnDefinition& column : table.columns) {
+    statement += separator + MsSqlName(DestName(column.name)) + " " + column.Text();
     separator = ", ";
   }
-  return statement + ")";
+  return statement + table.constraints + ")";
+}
+
+std::int32_t MySqlToMsSql::TableExistsError() const {
+  return kObjectExists;
+}
+
+bool MySqlToMsSql::CureTable(TableDefinition&, std::int32_t) {
+  return false;
+}
+
+void MySqlToMsSql::CheckExistingTable(ado::Table&, const TableDefinition&) {}
+
+std::string MySqlToMsSql::SelectList(const TableDefinition&) const {
+  return "*";
+}
+
+bool MySqlToMsSql::FoldsTableNames() {
+  return true;
 }
 
 std::string MySqlToMsSql::SourceName(std::string_view name) const {

@@ -48,7 +48,7 @@ std::string Plain(const std::string& name) {
 
 }  // namespace
 
-void MySqlToMsSql::AddPrimaryKeyConstraint(ado::Table& tab_src, const TableDefinition& table) {
+void MySqlToMsSql::AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) {
   const std::string& name = tab_src.Name();
   const auto report = [&] {
     RaiseError(fmt::format(

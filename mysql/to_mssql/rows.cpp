@@ -157,12 +157,12 @@ void RowsToMsSql::SendBatch() {
   insert_rows_ = 0;
 }
 
-RowResult RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
+RowOutcome RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
   std::string statement = identity_on_ + head_ + " VALUES";
   AppendTuple(statement, converted.Row(row));
   bool is_stored = ExecuteUnlessViolated(statement);
   if (!identity_off_.empty()) is_stored &= ExecuteUnlessViolated(identity_off_);
-  return is_stored ? RowResult::Stored : RowResult::Refused;
+  return {is_stored ? RowResult::Stored : RowResult::Duplicate};
 }
 
 bool RowsToMsSql::ExecuteUnlessViolated(const std::string& statement) {
@@ -186,13 +186,13 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
                                                         const std::vector<ColumnFacts>& facts) {
   return std::make_unique<RowsToMsSql>(
       Destination(),
-      RowsToMsSql::Target{table.dest_name, table.Identity() != nullptr, is_new, IsMerging()},
-      fields, facts);
+      RowsToMsSql::Target{table.dest_name, table.Identity() != nullptr, is_new, !is_new}, fields,
+      facts);
 }
 
-void MySqlToMsSql::ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) {
-  RaiseError(fmt::format("Unexpected error while transfering data of table {} - {} - {}",
-                         MsSqlName(table.dest_name), failure.number, failure.description),
+void MySqlToMsSql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
+  RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
+                         MsSqlName(table.dest_name), problem),
              "MS SQL Server");
 }
 

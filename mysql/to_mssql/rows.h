@@ -32,7 +32,8 @@ class RowsToMsSql : public IRowDestination {
                           ado::Arena& storage) override;
   BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                          std::size_t count) override;
-  RowResult StoreRow(const ado::RowBlock& converted, std::size_t row) override;
+  RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) override;
+  std::vector<ValueChanges> Changes() const override { return {}; }
 
  private:
   void AppendRow(std::span<const ado::Value> literals);
