@@ -7,6 +7,7 @@
 #include "endpoint/number_literal.h"
 #include "mssql/mssql_database.h"
 #include "mssql/values.h"
+#include "platform/text/ascii.h"
 #include "platform/text/number_text.h"
 
 namespace dorvane {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "mysql/mysql_database.h"
-#include "platform/text/number_text.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane {
 

@@ -9,7 +9,7 @@
 #include "endpoint/literal_text.h"
 #include "mysql/mysql_database.h"
 #include "mysql/values.h"
-#include "platform/text/number_text.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane {
 
