@@ -201,6 +201,8 @@ TEST_F(MySqlConnectionTest, ReadsWhatProceduresAndUnpreparableStatementsReturn) 
   Run("create procedure two() begin select 1 as a; do 0; select 'x' as b, 2 as c; end");
   Recordset results = connection_.Execute("call two()");
   EXPECT_EQ(results.Field("a").Text(), "1");
+  results.MoveNext();
+  EXPECT_EQ(Ask("select 3"), "3");  // while another result waits
   ASSERT_TRUE(results.NextRecordset());
   EXPECT_EQ(results.Field("B").Text(), "x");
   EXPECT_FALSE(results.NextRecordset());

@@ -134,10 +134,10 @@ TEST_F(MySqlTypesTest, DescribesWhatIsNoColumnByItsOwnType) {
 
 TEST_F(MySqlTypesTest, NumbersKeepEveryDigit) {
   Run("create table n(b bigint, ub bigint unsigned, f float, d double, de decimal(65,30), "
-      "y year, b1 bit, b12 bit(12), z int unsigned zerofill)");
+      "y year, b1 bit, b12 bit(12), z int unsigned zerofill, b0 bit)");
   Run("insert into n values (-9223372036854775808, 18446744073709551615, 16777217, "
       "0.1234567890123456, -12345678901234567890123456789012345.123456789012345678901234567891, "
-      "2024, 1, b'101000000001', 7)");
+      "2024, 1, b'101000000001', 7, b'0')");
   const std::vector<Value> row = ReadAll("select * from n");
   EXPECT_EQ(std::get<std::int64_t>(row[0]), INT64_MIN);
   EXPECT_EQ(std::get<std::uint64_t>(row[1]), UINT64_MAX);
@@ -149,6 +149,7 @@ TEST_F(MySqlTypesTest, NumbersKeepEveryDigit) {
   EXPECT_TRUE(std::get<bool>(row[6]));
   EXPECT_EQ(std::get<Binary>(row[7]).bytes, "\x0a\x01");
   EXPECT_EQ(std::get<std::uint64_t>(row[8]), 7U);
+  EXPECT_FALSE(std::get<bool>(row[9]));
   // A text result would round a float to six digits.
   Run("delete from n");
   Run("insert into n(f) values (0.123456789)");
