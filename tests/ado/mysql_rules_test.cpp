@@ -5,7 +5,7 @@
 #include "platform/ado/mysql/catalog.h"
 #include "platform/ado/mysql/column_buffer.h"
 #include "platform/ado/mysql/errors.h"
-#include "platform/ado/mysql/sql_mode.h"
+#include "platform/ado/mysql/session_settings.h"
 #include "platform/ado/mysql/types.h"
 
 namespace dorvane::ado::mysql {
