@@ -21,7 +21,7 @@ char* WriteDigits(char* out, std::int32_t number, int digits) {
   return out + digits;
 }
 
-/// Takes pieces off the front of a date's text.
+/// Takes numbers and signs off the front of a date's text.
 class DateReader {
  public:
   explicit DateReader(std::string_view text) : rest_(text::Trim(text)) {}

@@ -26,15 +26,17 @@ NameList SplitTables(std::string_view line) {
 }
 
 void ReadServer(files::LineReader& file, IDatabase& endpoint) {
-  endpoint.SetServer(file.ReadLine());
-  endpoint.SetPortNo(text::ParseInt16(file.ReadLine()));
-  endpoint.SetUserId(file.ReadLine());
-  endpoint.SetPassword(text::FromAnsi(Encryptor().Decrypt(file.ReadRawLine())));
+  ado::ConnectionSettings settings;
+  settings.server = file.ReadLine();
+  settings.port = text::ParseInt16(file.ReadLine());
+  settings.user_id = file.ReadLine();
+  settings.password = text::FromAnsi(Encryptor().Decrypt(file.ReadRawLine()));
   const std::string win_auth = file.ReadLine();
   if (endpoint.Kind() == ServerKind::MsSql && !win_auth.empty()) {
-    endpoint.SetWinNTAuthentication(text::ParseBoolean(win_auth));
+    settings.integrated_security = text::ParseBoolean(win_auth);
   }
-  endpoint.SetDbName(file.ReadLine());
+  settings.database = file.ReadLine();
+  endpoint.SetSettings(std::move(settings));
 }
 
 [[noreturn]] void Refuse(const std::string& why) {
@@ -104,10 +106,12 @@ ConversionSettings ReadConversionSettings(files::LineReader& file,
   ReadServer(file, *settings.src);
   ReadServer(file, *settings.dest);
   settings.tables = SplitTables(file.ReadLine());
-  settings.src->SetReplaceSpaceWithUnderscore(text::ParseBoolean(file.ReadLine()));
-  settings.src->SetCopyTableContent(text::ParseBoolean(file.ReadLine()));
-  settings.src->SetConvertMode(text::ParseInt16(file.ReadLine()));
-  settings.src->SetConvertRelationships(text::ParseBoolean(file.ReadLine()));
+  ConversionOptions options;
+  options.replace_space_with_underscore = text::ParseBoolean(file.ReadLine());
+  options.copy_table_content = text::ParseBoolean(file.ReadLine());
+  options.convert_mode = text::ParseInt16(file.ReadLine());
+  options.convert_relationships = text::ParseBoolean(file.ReadLine());
+  settings.src->SetOptions(options);
   settings.log_path = file.ReadLine();
   return settings;
 }

@@ -8,6 +8,7 @@
 #include "endpoint/literal_text.h"
 #include "endpoint/number_literal.h"
 #include "mysql/to_mssql/literals.h"
+#include "platform/text/ascii.h"
 #include "platform/text/number_text.h"
 
 namespace dorvane {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "platform/text/number_text.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane {
 

@@ -4,7 +4,7 @@
 
 #include "endpoint/names.h"
 #include "mysql/to_mssql/conversion.h"
-#include "platform/text/number_text.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane {
 

@@ -10,7 +10,7 @@
 #include "endpoint/names.h"
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/literals.h"
-#include "platform/text/number_text.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane {
 

@@ -111,6 +111,7 @@ std::vector<Topic> HelpBook::Search(std::string_view query) const {
   std::ranges::stable_sort(found, std::greater<>(), [](const auto& hit) { return hit.first; });
 
   std::vector<Topic> topics;
+  topics.reserve(found.size());
   for (auto& [score, topic] : found) topics.push_back(std::move(topic));
   return topics;
 }

@@ -37,7 +37,7 @@ void AppendUtf8(std::string& text, char32_t code_point) {
 
 std::optional<char32_t> TakeCodePoint(std::string_view& text) {
   const int following = ContinuationBytes(static_cast<unsigned char>(text.front()));
-  const auto size = static_cast<std::size_t>(following + 1);
+  const auto size = static_cast<std::size_t>(following) + 1;
   const auto code_point = following < 0 ? std::nullopt : Decode(text, size);
   text.remove_prefix(code_point ? size : 1);
   return code_point;

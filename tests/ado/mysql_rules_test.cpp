@@ -5,7 +5,7 @@
 #include "platform/ado/mysql/catalog.h"
 #include "platform/ado/mysql/column_buffer.h"
 #include "platform/ado/mysql/errors.h"
-#include "platform/ado/mysql/sql_mode.h"
+#include "platform/ado/mysql/session_settings.h"
 #include "platform/ado/mysql/types.h"
 
 namespace dorvane::ado::mysql {
@@ -25,7 +25,7 @@ TEST(Defaults, OfServersThatWriteThemAsExpressions) {
   EXPECT_EQ(value("NULL"), std::nullopt);
   EXPECT_EQ(value("'NULL'"), "NULL");
   EXPECT_EQ(value("''"), "");
-  EXPECT_EQ(value("'it''s \\\\ \\n'"), "it's \\ \n");
+  EXPECT_EQ(value("'it''s \\\\ \\n\\r\\t\\Z\\0'"), std::string("it's \\ \n\r\t\x1a\0", 12));
   EXPECT_EQ(value("'a' + 'b'"), std::nullopt);
   EXPECT_EQ(value("'unfinished"), std::nullopt);
   EXPECT_EQ(value("-1.5e3"), "-1.5e3");

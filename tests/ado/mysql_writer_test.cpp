@@ -105,7 +105,8 @@ TEST_P(MySqlWriterTest, ABlockTakesFewRoundTrips) {
   FillNumbers(1, 1000);
   EXPECT_EQ(InsertAll(table), Failure{});
   const int asking = 1;
-  EXPECT_LE(executions() - before - asking, GetParam() == BulkProtocol::Never ? 6 : 1);
+  const bool in_bulk = GetParam() == BulkProtocol::WhereOffered && Server().IsMariaDb();
+  EXPECT_LE(executions() - before - asking, in_bulk ? 1 : 6);
 }
 
 TEST_P(MySqlWriterTest, WideRowsStayBelowTheParameterLimit) {
@@ -183,10 +184,12 @@ TEST_P(MySqlWriterTest, TellsRefusedValuesFromRefusedRows) {
   EXPECT_EQ(insert({"300", "ok", "o"}), (Failure{hresult::kErrorsOccurred, 1264}));
   EXPECT_EQ(insert({"word", "ok", "o"}), (Failure{hresult::kErrorsOccurred, 1366}));
   EXPECT_EQ(insert({"1", "long text", "o"}), (Failure{hresult::kErrorsOccurred, 1406}));
-  EXPECT_EQ(insert({"1", "ok", "д"}), (Failure{hresult::kErrorsOccurred, 1366}));
+  EXPECT_EQ(insert({"1", "ok", "д"}),
+            (Failure{hresult::kErrorsOccurred, Server().IsMariaDb() ? 1366 : 3988}));
   EXPECT_EQ(insert({"1 apple", "ok", "o"}), (Failure{hresult::kErrorsOccurred, 1265}));
   EXPECT_EQ(insert({nullptr, "ok", "o"}), (Failure{hresult::kErrorsInCommand, 1048}));
-  EXPECT_EQ(insert({"42", "ok", "o"}), (Failure{hresult::kErrorsInCommand, 4025}));
+  EXPECT_EQ(insert({"42", "ok", "o"}),
+            (Failure{hresult::kErrorsInCommand, Server().IsMariaDb() ? 4025 : 3819}));
   EXPECT_EQ(Dump("select count(*) from v"), "0\n");
 }
 

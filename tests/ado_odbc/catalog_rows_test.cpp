@@ -19,7 +19,7 @@ std::string SchemasOf(const std::vector<std::pair<std::string, std::string>>& na
 }
 
 TEST(CatalogRows, AreThoseOfOneSchema) {
-  EXPECT_EQ(SchemasOf({{"a", "t"}, {"dbo", "t"}, {"b", "t"}, {"dbo", "t"}}), "dbo dbo ");
+  EXPECT_EQ(SchemasOf({{"a", "t"}, {"dbo", "t"}, {"dbo", "t"}, {"b", "t"}}), "dbo dbo ");
   EXPECT_EQ(SchemasOf({{"dbo", "T"}, {"b", "t"}, {"a", "t"}, {"b", "t"}}), "b b ");
   EXPECT_EQ(SchemasOf({{"dbo", "other"}}), "");
 }

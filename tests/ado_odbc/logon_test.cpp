@@ -11,7 +11,8 @@
 #include <string_view>
 
 #include "platform/ado/types.h"
-#include "tests/ado_odbc/listener.h"
+#include "tests/ado_odbc/login_record.h"
+#include "tests/support/listener.h"
 #include "tests/support/temp_folder.h"
 
 namespace dorvane::ado::odbc {

@@ -108,6 +108,17 @@ TEST_F(ServerTest, AFailureBehindRowsComesAfterThem) {
   EXPECT_EQ(block.Rows(), 1U);
   EXPECT_THROW(reader->Read(block), ProviderError);
   EXPECT_FALSE(session_->IsStreaming());
+  const auto other = session_->Execute("select id from behind; insert into behind values (1)");
+  ASSERT_TRUE(other->Read(block));
+  EXPECT_THROW(other->NextResult(), ProviderError);
+}
+
+TEST_F(ServerTest, AFailureAmongRowsIsNotLost) {
+  Run("create table among (id int not null primary key)");
+  Run("insert into among values (1), (2), (3)");
+  const auto reader = session_->Execute("select id, 6 / (3 - id) from among order by id");
+  RowBlock block;
+  EXPECT_THROW(while (reader->Read(block)) EXPECT_LT(block.Rows(), 3U), ProviderError);
 }
 
 class ManyRows : public ServerTest {

@@ -347,7 +347,7 @@ TEST(BlocksToMsSql, EveryKindOfColumnRowAfterRow) {
         "byte bit(8), pick enum('a','b c') , picks set('x','y'), doc json, "
         "twice int as (k * 2) stored, c char(3) not null default 'd', y year)",
         "insert into t(k, day, moment, clock, flag, byte, pick, picks, doc, c, y) values "
-        "(1, '1752-12-31', '0000-00-00', '838:59:59', 1, b'10000001', 'b c', 'x,y', '{\"a\":1}', "
+        "(1, '1752-12-31', '0000-00-00', '838:59:59', 1, b'10000001', 'b c', 'x,y', '{\"a\": 1}', "
         "'x', 2020),"
         "(2, '0000-00-00', '1753-01-01 00:00:00', '-00:00:01', 0, 0, 'a', '', '[]', '', 1901),"
         "(3, '9999-12-31', '2020-02-29 23:59:59.999999', '00:00:00', null, null, null, null, null,"
@@ -360,7 +360,7 @@ TEST(BlocksToMsSql, EveryKindOfColumnRowAfterRow) {
        convert_mode::kOverwrite});
   EXPECT_EQ(outcome.tables[0][0],
             "<1><1753-01-01 00:00:00><1753-01-01 00:00:00><1900-02-02 22:59:59>"
-            "<1><0x81><b c><x,y><{\"a\":1}><2><x><2020>");
+            "<1><0x81><b c><x,y><{\"a\": 1}><2><x><2020>");
   EXPECT_EQ(outcome.tables[0][1],
             "<2><1753-01-01 00:00:00><1753-01-01 00:00:00><1899-12-29 23:59:59>"
             "<0><0x00><a><><[]><4><><1901>");
@@ -432,9 +432,9 @@ TEST(BlocksToMySql, RefusedRowsOfAMerge) {
        {1100}},
       {"a check",
        few,
-       {"create table t(k int, v varchar(60), check (k <> 1050))"},
+       {"create table t(k int, v varchar(60), constraint odd check (k <> 1050))"},
        {1049},
-       {"CONSTRAINT"}},
+       {"odd"}},
       {"a table without transactions",
        few,
        {"create table t(k int primary key, v varchar(60)) engine=MyISAM",

@@ -29,7 +29,13 @@ class Sample : public testing::Test {
   static void SetUpTestSuite() {
     Rig& rig = Rig::Get();
     database_ = rig.NewDatabases();
-    rig.MsSql().Script(ReadFile(SAMPLE_DATABASE), database_);
+    std::string script = ReadFile(SAMPLE_DATABASE);
+    if (!rig.MySql().IsMariaDb()) {
+      // MySQL takes no default for what that column becomes, a BLOB.
+      const std::string of_barcode = " default (0x0AFF)";
+      script.erase(script.find(of_barcode), of_barcode.size());
+    }
+    rig.MsSql().Script(script, database_);
     ProgramRun run(
         {.source_db = database_, .dest_db = database_, .tables = kTables, .relationships = true});
     status_ = run.Wait();
@@ -75,7 +81,8 @@ TEST_F(Sample, KeepsDefinitions) {
   const auto definition = [](const std::string& table) {
     return MySql("show create table `" + table + "`");
   };
-  EXPECT_THAT(definition("Employees"), HasSubstr("`EmployeeId` int(11) NOT NULL AUTO_INCREMENT"));
+  EXPECT_THAT(definition("Employees"),
+              testing::ContainsRegex("`EmployeeId` int[(1)]* NOT NULL AUTO_INCREMENT"));
   EXPECT_THAT(definition("Employees"), HasSubstr("ON DELETE SET NULL"));
   EXPECT_THAT(definition("Employees"),
               HasSubstr("KEY `IX_Employees_Name` (`LastName`,`FirstName`)"));
@@ -111,7 +118,7 @@ TEST_F(Sample, KeepsValues) {
   EXPECT_EQ(MySql("select group_concat(length(Picture) order by PictureId) from Pictures"),
             "2500,5242880");
   EXPECT_EQ(MySql("select group_concat(PictureId order by PictureId) from Pictures"), "0,1,2");
-  EXPECT_EQ(MySql("select md5(Picture) = md5(repeat('Dorvane ', 655360)) from Pictures where "
+  EXPECT_EQ(MySql("select Picture = repeat('Dorvane ', 655360) from Pictures where "
                   "PictureId = 1"),
             "1");
 }

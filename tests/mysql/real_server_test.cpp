@@ -1,4 +1,4 @@
-// Tables of a real MariaDB, and the statements that a scripted SQL Server gets for them.
+// Tables of a real MySQL or MariaDB, and the statements that a scripted SQL Server gets for them.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,8 +14,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct FromMariaDb : testing::Test {
-  FromMariaDb() {
+struct FromMySql : testing::Test {
+  FromMySql() {
     Server().Query("drop database if exists shop; create database shop character set utf8mb4");
     src.SetListener(&events);
     src.SetServer("127.0.0.1");
@@ -42,7 +42,7 @@ struct FromMariaDb : testing::Test {
   MsSqlDatabase dst{host, dest.Lookup()};
 };
 
-TEST_F(FromMariaDb, EveryTypeWithItsDefaultAndValue) {
+TEST_F(FromMySql, EveryTypeWithItsDefaultAndValue) {
   struct Column {
     const char* definition;  // MySQL's
     const char* value;       // inserted
@@ -75,7 +75,7 @@ TEST_F(FromMariaDb, EveryTypeWithItsDefaultAndValue) {
        "nvarchar(30) NOT NULL Default "
        "'now()'",
        "'caf\u00E9'"},
-      {"varchar(36) not null default uuid()", "'x'", "nvarchar(36) NOT NULL", "'x'"},
+      {"varchar(36) not null default (uuid())", "'x'", "nvarchar(36) NOT NULL", "'x'"},
       {"text character set latin1", "'\\\\'", "text NULL", "'\\'"},
       {"longtext", "''", "nvarchar(max) NULL", "''"},
       {"binary(3)", "0x0AFF", "binary(3) NULL", "0x0AFF00"},
@@ -105,7 +105,7 @@ TEST_F(FromMariaDb, EveryTypeWithItsDefaultAndValue) {
   EXPECT_NE(sent[0].find(" VALUES(" + literals + ")"), std::string::npos) << sent[0];
 }
 
-TEST_F(FromMariaDb, KeysAndRelationshipsAsTheServerDescribesThem) {
+TEST_F(FromMySql, KeysAndRelationshipsAsTheServerDescribesThem) {
   src.SetConvertRelationships(true);
   Convert(
       "create table p (a int, b int, primary key (a, b)) engine=InnoDB;"
@@ -129,7 +129,7 @@ TEST_F(FromMariaDb, KeysAndRelationshipsAsTheServerDescribesThem) {
           "No Action On Update CASCADE"));
 }
 
-TEST_F(FromMariaDb, AServerThatDiesInTheMiddleEndsTheCopyOnce) {
+TEST_F(FromMySql, AServerThatDiesInTheMiddleEndsTheCopyOnce) {
   test::PrivateMySql mortal;
   mortal.Query(
       "create database shop; use shop; create table t (k int, v varchar(2000)); "

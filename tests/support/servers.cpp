@@ -129,6 +129,7 @@ std::string PrivateMySql::Query(const std::string& sql, const std::string& datab
                                       "--batch",
                                       "--skip-column-names",
                                       "--default-character-set=utf8mb4",
+                                      "--abort-source-on-error",
                                       "--execute=source " + (folder / "script.sql").string()};
   if (!database.empty()) command.push_back(database);
   const Outcome outcome = Run(command);

@@ -57,18 +57,18 @@ LastSettings LastRun(std::string direction) {
   return last;
 }
 
-ConnectionFields PresetOf(std::int16_t page, const LastSettings& last) {
-  ConnectionFields fields;
-  PresetFields(TraitsOf(page), last, fields);
-  return fields;
+TypedSettings PresetOf(std::int16_t page, const LastSettings& last) {
+  TypedSettings typed;
+  PresetFields(TraitsOf(page), last, typed);
+  return typed;
 }
 
-void ExpectFields(const ConnectionFields& fields, const char* host, const char* user,
+void ExpectFields(const TypedSettings& typed, const char* host, const char* user,
                   const char* password, const char* port) {
-  EXPECT_EQ(fields.host, host);
-  EXPECT_EQ(fields.user, user);
-  EXPECT_EQ(fields.password, password);
-  EXPECT_EQ(fields.port, port);
+  EXPECT_EQ(typed.settings.server, host);
+  EXPECT_EQ(typed.settings.user_id, user);
+  EXPECT_EQ(typed.settings.password, password);
+  EXPECT_EQ(typed.port, port);
 }
 
 TEST(Presets, ComeFromARunOfTheSameDirectionElseFromDefaults) {
@@ -84,31 +84,32 @@ TEST(Presets, ComeFromARunOfTheSameDirectionElseFromDefaults) {
 }
 
 TEST(Presets, LeaveAnyTextAlone) {
-  ConnectionFields fields{.host = "mine", .user = " ", .password = "x", .port = ""};
-  PresetFields(TraitsOf(1), LastRun("mssql"), fields);
-  ExpectFields(fields, "mine", " ", "x", "1500");
+  TypedSettings typed{.settings = {.server = "mine", .user_id = " ", .password = "x"}};
+  PresetFields(TraitsOf(1), LastRun("mssql"), typed);
+  ExpectFields(typed, "mine", " ", "x", "1500");
 }
 
 TEST(FieldCheck, PortMustBeDigitsWithBlanksAround) {
-  ConnectionFields fields{.host = "h", .user = "u", .password = "", .port = ""};
+  TypedSettings typed{.settings = {.server = "h", .user_id = "u"}};
   for (const char* bad : {"", "   ", "abc", "14 33", "-1", "+1", "1.5", "0x10", "1e3"}) {
-    fields.port = bad;
-    const auto refusal = CheckFields(TraitsOf(2), fields, false, std::nullopt);
+    typed.port = bad;
+    const auto refusal = CheckFields(TraitsOf(2), typed, std::nullopt);
     ASSERT_TRUE(refusal) << bad;
     EXPECT_STREQ(refusal->message, "Please enter a valid port number");
     EXPECT_EQ(refusal->style, 64);
     EXPECT_EQ(refusal->field, FieldRefusal::kPort);
   }
   for (const char* good : {"0", " 1433 ", "32767", "99999"}) {
-    fields.port = good;
-    EXPECT_FALSE(CheckFields(TraitsOf(2), fields, false, std::nullopt)) << good;
+    typed.port = good;
+    EXPECT_FALSE(CheckFields(TraitsOf(2), typed, std::nullopt)) << good;
   }
 }
 
 TEST(FieldCheck, UserIsNeededByPageAndLogin) {
-  const ConnectionFields fields{.host = "h", .user = "  ", .password = "", .port = "1"};
   const auto refused = [&](std::int16_t page, bool windows_login) {
-    return CheckFields(TraitsOf(page), fields, windows_login, std::nullopt).has_value();
+    const TypedSettings typed{
+        {.server = "h", .user_id = "  ", .integrated_security = windows_login}, "1"};
+    return CheckFields(TraitsOf(page), typed, std::nullopt).has_value();
   };
   EXPECT_TRUE(refused(1, false));
   EXPECT_FALSE(refused(1, true));
@@ -121,17 +122,19 @@ TEST(FieldCheck, UserIsNeededByPageAndLogin) {
 TEST(ApplyFields, CopiesUntrimmedAndRefusesPortsBeyond16Bits) {
   test::Script script;
   test::ScriptedEndpoint my_sql(kMySql, script), ms_sql(kMsSql, script);
-  ApplyFields({.host = " h ", .user = " u ", .password = " p ", .port = " 3306 "}, true, my_sql);
+  my_sql.SetDbName("kept");
+  ApplyFields({{.server = " h ", .user_id = " u ", .password = " p "}, " 3306 "}, my_sql);
   EXPECT_EQ(my_sql.Server(), " h ");
   EXPECT_EQ(my_sql.UserId(), " u ");
   EXPECT_EQ(my_sql.Password(), " p ");
   EXPECT_EQ(my_sql.PortNo(), 3306);
-  ApplyFields({.host = "h", .user = "", .password = "", .port = "32767"}, true, ms_sql);
+  EXPECT_EQ(my_sql.DbName(), "kept");
+  ApplyFields({{.server = "h", .integrated_security = true}, "32767"}, ms_sql);
   EXPECT_TRUE(ms_sql.WinNTAuthentication());
   EXPECT_EQ(ms_sql.PortNo(), 32767);
   for (const char* port : {"32768", "99999999"}) {
     try {
-      ApplyFields({.host = "h", .user = "", .password = "", .port = port}, false, ms_sql);
+      ApplyFields({{.server = "h"}, port}, ms_sql);
       ADD_FAILURE() << port;
     } catch (const RunTimeError& error) {
       EXPECT_EQ(error.Number(), run_time::kOverflow);

@@ -134,6 +134,7 @@ TEST_F(WizardOnServers, ShopGoesFromMsSqlIntoANewMySqlDatabase) {
       "insert [Order Lines] values (1, 2, 1234567890.1234), (2, 1, null)\n"
       "insert Ignored values (1)\ngo\n",
       "Shop");
+  MySql().Query("create database taken");
   driver_.Next();
   ExpectRefusals(kMsSqlSource, MsSqlPort(), "MS SQL Server", kNoMsSql);
   driver_.Next();
@@ -146,11 +147,11 @@ TEST_F(WizardOnServers, ShopGoesFromMsSqlIntoANewMySqlDatabase) {
   driver_.Next();
   EXPECT_EQ(driver_.Text("txtDestNewDbName"), "Shop");
   ExpectRefusals(kMySqlDestination, MySqlPort(), "MySQL Server", kNoMySql);
-  driver_.Type("txtDestNewDbName", "mysql");
+  driver_.Type("txtDestNewDbName", "taken");
   Connect(kMySqlDestination, MySqlPort(), "secret");
   const Boxes exists = driver_.TakeBoxes();
   ASSERT_EQ(exists.size(), 1u);
-  EXPECT_EQ(exists[0].text, "Database mysql already exists.");
+  EXPECT_EQ(exists[0].text, "Database taken already exists.");
   driver_.Type("txtDestNewDbName", " shop copy ");
   driver_.Click("cmdDestConnect");
   EXPECT_EQ(driver_.TakeBoxes(), Boxes{});
@@ -276,7 +277,8 @@ TEST_F(WizardOnServers, TheKeyboardAloneConvertsMySqlIntoANewMsSqlDatabase) {
 // Three runs into one database, each wizard presetting what the one before has saved.
 TEST(WizardAgain, MergesThenOverwritesWithTheFieldsOfTheLastRun) {
   MySql().Query(
-      "create database shelf; use shelf; create table items (id int primary key, name text);"
+      "create database shelf; use shelf;"
+      "create table items (id int primary key, name varchar(20));"
       "insert into items values (1, 'one'), (2, 'two')");
   const TempFolder kept;
   const auto run = [&](const char* mode) {

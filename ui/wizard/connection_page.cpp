@@ -7,18 +7,19 @@
 namespace dorvane {
 
 void ConnectionPage::Preset() {
-  ConnectionFields fields = Fields();
-  PresetFields(traits_, session_.last, fields);
-  host_->setText(QString::fromStdString(fields.host));
-  user_->setText(QString::fromStdString(fields.user));
-  password_->setText(QString::fromStdString(fields.password));
-  port_->setText(QString::fromStdString(fields.port));
+  TypedSettings typed = Typed();
+  PresetFields(traits_, session_.last, typed);
+  host_->setText(QString::fromStdString(typed.settings.server));
+  user_->setText(QString::fromStdString(typed.settings.user_id));
+  password_->setText(QString::fromStdString(typed.settings.password));
+  port_->setText(QString::fromStdString(typed.port));
 }
 
-ConnectionFields ConnectionPage::Fields() const {
-  return {.host = host_->text().toStdString(),
-          .user = user_->text().toStdString(),
-          .password = password_->text().toStdString(),
+TypedSettings ConnectionPage::Typed() const {
+  return {.settings = {.server = host_->text().toStdString(),
+                       .user_id = user_->text().toStdString(),
+                       .password = password_->text().toStdString(),
+                       .integrated_security = UsesWindowsLogin()},
           .port = port_->text().toStdString()};
 }
 
@@ -75,17 +76,17 @@ QWidget* ConnectionPage::FocusFor(FieldRefusal::Field field) {
 }
 
 void ConnectionPage::OnConnect() {
-  const ConnectionFields fields = Fields();
+  const TypedSettings typed = Typed();
   std::optional<std::string> new_name;
   if (traits_.is_destination && WantsNewDatabase()) new_name = NewName();
-  if (const auto refusal = CheckFields(traits_, fields, UsesWindowsLogin(), new_name)) {
+  if (const auto refusal = CheckFields(traits_, typed, new_name)) {
     ShowMessage(refusal->message, refusal->style, "");
     FocusFor(refusal->field)->setFocus();
     return;
   }
   bool connected = false;
   try {
-    ApplyFields(fields, UsesWindowsLogin(), Endpoint());
+    ApplyFields(typed, Endpoint());
     connected = new_name ? CreateDatabase(std::string(text::Trim(*new_name))) : ListDatabases();
   } catch (...) {
     const FailureFacts failure = CurrentFailure();

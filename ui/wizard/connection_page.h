@@ -55,7 +55,7 @@ class ConnectionPage : public WizardPage {
                       int limit);
 
   IDatabase& Endpoint() { return traits_.is_destination ? *session_.dest : *session_.src; }
-  ConnectionFields Fields() const;
+  TypedSettings Typed() const;
   bool UsesWindowsLogin() const { return windows_login_ && windows_login_->isChecked(); }
   QWidget* FocusFor(FieldRefusal::Field field);
 

@@ -139,25 +139,26 @@ const ConnectionPageTraits& TraitsOf(std::int16_t page) {
 }
 
 void PresetFields(const ConnectionPageTraits& traits, const LastSettings& last,
-                  ConnectionFields& fields) {
+                  TypedSettings& typed) {
   const auto& preset = traits.preset;
   const bool same_way = last[Last::kDirection] == preset.last_direction;
-  FillIfEmpty(fields.host, same_way ? last[preset.host] : "localhost");
-  FillIfEmpty(fields.user, same_way ? last[preset.user] : preset.default_user);
-  FillIfEmpty(fields.port, same_way ? last[preset.port] : preset.default_port);
-  if (same_way) FillIfEmpty(fields.password, last.PlainPassword(preset.password));
+  FillIfEmpty(typed.settings.server, same_way ? last[preset.host] : "localhost");
+  FillIfEmpty(typed.settings.user_id, same_way ? last[preset.user] : preset.default_user);
+  FillIfEmpty(typed.port, same_way ? last[preset.port] : preset.default_port);
+  if (same_way) FillIfEmpty(typed.settings.password, last.PlainPassword(preset.password));
 }
 
 std::optional<FieldRefusal> CheckFields(const ConnectionPageTraits& traits,
-                                        const ConnectionFields& fields, bool windows_login,
+                                        const TypedSettings& typed,
                                         const std::optional<std::string>& new_name) {
-  if (!IsNumber(text::Trim(fields.port))) {
+  if (!IsNumber(text::Trim(typed.port))) {
     return FieldRefusal{FieldRefusal::kPort, "Please enter a valid port number",
                         message_style::kInformation};
   }
-  const bool needs_user = traits.user_check == UserCheck::kAlways ||
-                          (traits.user_check == UserCheck::kUnlessWindowsLogin && !windows_login);
-  if (needs_user && text::Trim(fields.user).empty()) {
+  const bool needs_user =
+      traits.user_check == UserCheck::kAlways ||
+      (traits.user_check == UserCheck::kUnlessWindowsLogin && !typed.settings.integrated_security);
+  if (needs_user && text::Trim(typed.settings.user_id).empty()) {
     return FieldRefusal{FieldRefusal::kUser, "Please enter a valid username",
                         message_style::kInformation};
   }
@@ -168,12 +169,11 @@ std::optional<FieldRefusal> CheckFields(const ConnectionPageTraits& traits,
   return std::nullopt;
 }
 
-void ApplyFields(const ConnectionFields& fields, bool windows_login, IDatabase& endpoint) {
-  endpoint.SetUserId(fields.user);
-  endpoint.SetPassword(fields.password);
-  endpoint.SetServer(fields.host);
-  endpoint.SetPortNo(PortNumber(fields.port));
-  if (endpoint.Kind() == ServerKind::MsSql) endpoint.SetWinNTAuthentication(windows_login);
+void ApplyFields(const TypedSettings& typed, IDatabase& endpoint) {
+  ado::ConnectionSettings settings = typed.settings;
+  settings.port = PortNumber(typed.port);
+  settings.database = endpoint.DbName();
+  endpoint.SetSettings(std::move(settings));
 }
 
 std::string FailureText(const ConnectionPageTraits& traits, std::int32_t number,

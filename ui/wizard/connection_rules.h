@@ -10,12 +10,10 @@
 
 namespace dorvane {
 
-/// The texts of a connection page's four fields, as typed.
-struct ConnectionFields {
-  std::string host;
-  std::string user;
-  std::string password;
-  std::string port;
+/// A connection page's settings as typed: the port may be any text.
+struct TypedSettings {
+  ado::ConnectionSettings settings = {};  // without port and database
+  std::string port = {};
 };
 
 enum class UserCheck { kNever, kAlways, kUnlessWindowsLogin };
@@ -74,7 +72,7 @@ const ConnectionPageTraits& TraitsOf(std::int16_t page);
 /// Fills the empty fields: from the last run's values when it went the same way, else from fixed
 /// defaults. A field that holds any text, even blanks, is left alone.
 void PresetFields(const ConnectionPageTraits& traits, const LastSettings& last,
-                  ConnectionFields& fields);
+                  TypedSettings& typed);
 
 /// A field that keeps a page from connecting, and what to tell.
 struct FieldRefusal {
@@ -86,12 +84,12 @@ struct FieldRefusal {
 /// What is wrong with the typed settings, if anything. `new_name` is the name of the database to
 /// be created; none where an existing one is used.
 std::optional<FieldRefusal> CheckFields(const ConnectionPageTraits& traits,
-                                        const ConnectionFields& fields, bool windows_login,
+                                        const TypedSettings& typed,
                                         const std::optional<std::string>& new_name);
 
-/// Copies the settings into an endpoint. Throws RunTimeError kOverflow when the port does not fit
-/// in 16 bits.
-void ApplyFields(const ConnectionFields& fields, bool windows_login, IDatabase& endpoint);
+/// Copies the settings into an endpoint, whose database stays. Throws RunTimeError kOverflow when
+/// the port does not fit in 16 bits.
+void ApplyFields(const TypedSettings& typed, IDatabase& endpoint);
 
 /// The page's text for a failure that the endpoint did not report itself.
 std::string FailureText(const ConnectionPageTraits& traits, std::int32_t number,

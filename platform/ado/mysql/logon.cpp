@@ -1,15 +1,12 @@
 #include "platform/ado/mysql/logon.h"
 
-#include <fmt/format.h>
 #include <mariadb/errmsg.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 
-#include <charconv>
-
 #include "platform/ado/mysql/errors.h"
-#include "platform/ado/mysql/sql_mode.h"
+#include "platform/ado/mysql/session_settings.h"
 
 namespace dorvane::ado::mysql {
 
@@ -19,12 +16,23 @@ constexpr unsigned kConnectTimeout = 15;         // seconds
 constexpr unsigned kUnreachable = 2003;          // what callers know an absent server by
 constexpr unsigned long kFirstQuoting = 100207;  // MariaDB 10.2.7
 
+// The authentication plug-ins that do not hand a bare password to whoever asks, as others do.
+constexpr const char* kPlugIns = "mysql_native_password,client_ed25519,sha256_password";
+// One more, which takes the wish for TLS for TLS and would send the password bare to a server
+// without it: allowed when the server's offer is known and the wish follows it.
+constexpr const char* kPlugInsOfKnownServer =
+    "mysql_native_password,client_ed25519,sha256_password,caching_sha2_password";
+
 [[noreturn]] void ThrowLogonError(MYSQL* client) {
   unsigned native_error = mysql_errno(client);
   if (native_error == CR_CONNECTION_ERROR || native_error == CR_UNKNOWN_HOST) {
     native_error = kUnreachable;
   }
-  const std::string description = mysql_error(client);
+  // The library's own words name another method than the one that was refused.
+  const std::string description =
+      native_error == CR_PLUGIN_NOT_ALLOWED
+          ? "The server asks for an authentication method that is not supported."
+          : mysql_error(client);
   throw ProviderError(hresult::kFail, kSource, description,
                       {{.number = hresult::kFail,
                         .native_error = static_cast<std::int32_t>(native_error),
@@ -34,13 +42,14 @@ constexpr unsigned long kFirstQuoting = 100207;  // MariaDB 10.2.7
 
 enum class Tls { WhereOffered, Never };
 
-Client NewClient(const ConnectionSettings& settings, Tls tls) {
+Client NewClient(const ConnectionSettings& settings, Tls tls, const char* plug_ins) {
   Client client(mysql_init(nullptr));
   if (client == nullptr) throw std::bad_alloc();
   MYSQL* handle = client.get();
   const my_bool no = 0;
   mysql_options(handle, MYSQL_OPT_CONNECT_TIMEOUT, &kConnectTimeout);
   mysql_options(handle, MYSQL_SET_CHARSET_NAME, "utf8mb4");
+  mysql_options(handle, MARIADB_OPT_RESTRICTED_AUTH, plug_ins);
   // A server must not be able to ask for files of this machine.
   const unsigned no_files = 0;
   mysql_options(handle, MYSQL_OPT_LOCAL_INFILE, &no_files);
@@ -64,13 +73,29 @@ bool Connect(MYSQL* client, const ConnectionSettings& settings) {
                             static_cast<unsigned>(settings.port), nullptr, 0) != nullptr;
 }
 
+unsigned long Capabilities(MYSQL* client) {
+  unsigned long capabilities = 0;
+  mariadb_get_infov(client, MARIADB_CONNECTION_SERVER_CAPABILITIES, &capabilities);
+  return capabilities;
+}
+
 Client Connect(const ConnectionSettings& settings) {
-  Client client = NewClient(settings, Tls::WhereOffered);
-  if (Connect(client.get(), settings)) return client;
+  Client client;
+  const auto succeeds = [&](Tls tls, const char* plug_ins) {
+    client = NewClient(settings, tls, plug_ins);
+    return Connect(client.get(), settings);
+  };
+  const auto failed_with = [&](unsigned number) { return mysql_errno(client.get()) == number; };
+
+  if (succeeds(Tls::WhereOffered, kPlugIns)) return client;
+  if (failed_with(CR_PLUGIN_NOT_ALLOWED)) {
+    const bool offers_tls = (Capabilities(client.get()) & CLIENT_SSL) != 0;
+    const Tls tls = offers_tls ? Tls::WhereOffered : Tls::Never;
+    if (succeeds(tls, kPlugInsOfKnownServer)) return client;
+  }
   // Old servers offer versions of TLS that the library no longer speaks.
-  if (mysql_errno(client.get()) == CR_SSL_CONNECTION_ERROR) {
-    client = NewClient(settings, Tls::Never);
-    if (Connect(client.get(), settings)) return client;
+  if (failed_with(CR_SSL_CONNECTION_ERROR) && succeeds(Tls::Never, kPlugInsOfKnownServer)) {
+    return client;
   }
   ThrowLogonError(client.get());
 }
@@ -94,22 +119,14 @@ void WatchPeer(MYSQL* client) {
 }
 
 bool TakesBulk(MYSQL* client) {
-  unsigned long capabilities = 0;
   unsigned long extended = 0;
-  mariadb_get_infov(client, MARIADB_CONNECTION_SERVER_CAPABILITIES, &capabilities);
   mariadb_get_infov(client, MARIADB_CONNECTION_EXTENDED_SERVER_CAPABILITIES, &extended);
-  const bool is_mariadb = (capabilities & CLIENT_MYSQL) == 0;
+  const bool is_mariadb = (Capabilities(client) & CLIENT_MYSQL) == 0;
   return is_mariadb && (extended & (MARIADB_CLIENT_STMT_BULK_OPERATIONS >> 32)) != 0;
 }
 
 bool QuotesDefaults(MYSQL* client) {
   return mariadb_connection(client) && mysql_get_server_version(client) >= kFirstQuoting;
-}
-
-std::size_t ParseSize(const std::string& text) {
-  std::size_t size = 0;
-  std::from_chars(text.data(), text.data() + text.size(), size);
-  return size;
 }
 
 }  // namespace
@@ -119,12 +136,7 @@ ServerLink LogOn(const ConnectionSettings& settings) {
   link.client = Connect(settings);
   MYSQL* client = link.client.get();
   WatchPeer(client);
-  const TextRows variables = Query(client, "select @@sql_mode, @@max_allowed_packet");
-  // A session waits long for the other side of a copy, so the server must not give it up meanwhile.
-  Query(client, fmt::format("set session sql_mode = {}, autocommit = 1, wait_timeout = 86400, "
-                            "net_read_timeout = 3600, net_write_timeout = 3600",
-                            Literal(client, SessionSqlMode(variables.at(0).at(0).value_or("")))));
-  link.max_allowed_packet = ParseSize(variables.at(0).at(1).value_or(""));
+  link.max_allowed_packet = SetUpSession(client);
   link.takes_bulk = TakesBulk(client);
   link.quotes_defaults = QuotesDefaults(client);
   return link;

@@ -15,8 +15,10 @@ struct ServerLink {
   bool quotes_defaults = false;        // the catalog gives defaults as expressions, texts quoted
 };
 
-/// Logs on and sets the session up. Reads no option file; uses TLS where the server offers it.
-/// Throws ProviderError; a server that can't be reached has the native error 2003.
+/// Logs on and sets the session up. Reads no option file; uses TLS where the server offers it. The
+/// password goes to the server hashed, or encrypted by TLS or with the server's RSA key; a server
+/// that wants it otherwise does not get it. Throws ProviderError; a server that can't be reached has
+/// the native error 2003.
 ServerLink LogOn(const ConnectionSettings& settings);
 
 }  // namespace dorvane::ado::mysql

@@ -80,7 +80,7 @@ class StatementReader final : public ResultReader {
     for (ColumnBuffer& column : columns_) binds_.push_back(column.Bind());
   }
 
-  /// The statement stands on a result, which may be one without fields.
+  /// Takes up the result that the statement is at, which may be one without fields.
   void BeginResult(bool describe) {
     if (mysql_stmt_field_count(statement_.get()) != 0) {
       if (describe) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <utility>
 
@@ -23,15 +24,24 @@ std::optional<std::string> AsText(const Value& value) {
   return std::nullopt;
 }
 
-/// The names that ODBC 3 gives to what some drivers still call by their ODBC 2 names.
-std::string Odbc3Name(std::string name) {
-  static const std::map<std::string, std::string> kRenamed = {
-      {"TABLE_OWNER", "TABLE_SCHEM"},      {"TABLE_QUALIFIER", "TABLE_CAT"},
-      {"FKTABLE_OWNER", "FKTABLE_SCHEM"},  {"PKTABLE_OWNER", "PKTABLE_SCHEM"},
-      {"PRECISION", "COLUMN_SIZE"},        {"SCALE", "DECIMAL_DIGITS"},
-      {"SEQ_IN_INDEX", "ORDINAL_POSITION"}};
-  const auto found = kRenamed.find(name);
-  return found == kRenamed.end() ? name : found->second;
+struct RenamedColumn {
+  std::string_view odbc2;
+  std::string_view odbc3;
+};
+constexpr auto kRenamed = std::to_array<RenamedColumn>({
+    {"TABLE_OWNER", "TABLE_SCHEM"},
+    {"TABLE_QUALIFIER", "TABLE_CAT"},
+    {"FKTABLE_OWNER", "FKTABLE_SCHEM"},
+    {"PKTABLE_OWNER", "PKTABLE_SCHEM"},
+    {"PRECISION", "COLUMN_SIZE"},
+    {"SCALE", "DECIMAL_DIGITS"},
+    {"SEQ_IN_INDEX", "ORDINAL_POSITION"},
+});
+
+/// The name that ODBC 3 gives to what some drivers still call by its ODBC 2 name.
+std::string Odbc3Name(const std::string& name) {
+  const auto* found = std::ranges::find(kRenamed, name, &RenamedColumn::odbc2);
+  return found == kRenamed.end() ? name : std::string(found->odbc3);
 }
 
 }  // namespace

@@ -26,7 +26,6 @@ class Handle {
 
   SQLHANDLE Get() const { return handle_; }
   explicit operator bool() const { return handle_ != SQL_NULL_HANDLE; }
-  static constexpr SQLSMALLINT Type() { return kType; }
 
  private:
   SQLHANDLE handle_ = SQL_NULL_HANDLE;

@@ -17,7 +17,7 @@ namespace dorvane::ado::odbc {
 /// arrays of rows; in one with long columns each row is fetched by itself, and the columns from the
 /// first long one on are asked for one by one.
 ///
-/// The end of a result is noticed with its last rows: the reader then already stands on the next
+/// The end of a result is noticed with its last rows: the reader is then at the next
 /// result, or has freed the connection for other statements.
 class OdbcResultReader : public ResultReader {
  public:

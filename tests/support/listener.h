@@ -25,17 +25,8 @@ class Listener {
   std::jthread thread_;
 };
 
-/// What a client sent in its login record.
-struct LoginRecord {
-  std::string tds_version;  // four hexadecimal bytes as they travel
-  std::string user;
-  std::string password;
-  std::string language;
-  std::string database;
-};
-
-/// Plays SQL Server up to the login record, then hangs up. Empty when the client gave up before.
-LoginRecord ReceiveLogin(int socket);
+/// Exactly `size` bytes of a socket; none when it ends before.
+std::string Receive(int socket, std::size_t size);
 
 /// Waits until the other side closes the connection.
 void AwaitClose(int socket);

@@ -1,33 +1,18 @@
-#include "tests/ado_odbc/listener.h"
+#include "tests/ado_odbc/login_record.h"
 
-#include <arpa/inet.h>
 #include <fmt/format.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
-#include <stdexcept>
 #include <utility>
 
 #include "platform/ado/odbc/utf16.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/listener.h"
 
 namespace dorvane::test {
 
 namespace {
 
 constexpr unsigned char kLogin = 0x10;
-
-std::string Receive(int socket, std::size_t size) {
-  std::string bytes(size, '\0');
-  std::size_t got = 0;
-  while (got < size) {
-    const ssize_t count = recv(socket, bytes.data() + got, size - got, 0);
-    if (count <= 0) return {};
-    got += count;
-  }
-  return bytes;
-}
 
 std::size_t Byte(const std::string& bytes, std::size_t position) {
   return static_cast<unsigned char>(bytes.at(position));
@@ -71,33 +56,6 @@ std::u16string Unscramble(std::u16string text) {
 
 }  // namespace
 
-Listener::Listener(std::function<void(int)> serve) : serve_(std::move(serve)) {
-  port_ = FreePort();
-  socket_ = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port_));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-      listen(socket_, 8) != 0) {
-    throw std::runtime_error("cannot listen");
-  }
-  thread_ = std::jthread([this] {
-    while (true) {
-      const int client = accept(socket_, nullptr, nullptr);
-      if (client < 0) return;
-      serve_(client);
-      close(client);
-    }
-  });
-}
-
-Listener::~Listener() {
-  shutdown(socket_, SHUT_RDWR);
-  thread_.join();
-  close(socket_);
-}
-
 LoginRecord ReceiveLogin(int socket) {
   while (true) {
     const auto [type, content] = ReceivePacket(socket);
@@ -114,11 +72,6 @@ LoginRecord ReceiveLogin(int socket) {
     login.language = ado::odbc::ToUtf8(FieldAt(content, 64));
     login.database = ado::odbc::ToUtf8(FieldAt(content, 68));
     return login;
-  }
-}
-
-void AwaitClose(int socket) {
-  while (!Receive(socket, 1).empty()) {
   }
 }
 
