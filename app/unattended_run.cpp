@@ -4,6 +4,7 @@
 
 #include "app/unattended_listener.h"
 #include "job/conversion_settings.h"
+#include "platform/files/lock.h"
 #include "platform/files/text_file.h"
 
 namespace dorvane {
@@ -53,7 +54,15 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
   });
   if (!usable) return RunStatus::kSettingsUnusable;
 
-  RunStep(listener, [&] { settings.src->TransferToDest(*settings.dest, settings.tables); });
+  RunStep(listener, [&] {
+    // Two runs of the same settings would copy every row twice and drop each other's tables.
+    const auto lock = files::Lock::Try(settings_file);
+    if (!lock) {
+      throw RunTimeError(run_time::kPermissionDenied, "Dorvane",
+                         "another run of these settings is still at work");
+    }
+    settings.src->TransferToDest(*settings.dest, settings.tables);
+  });
   listener.CloseLog();
   return listener.Succeeded() ? RunStatus::kConverted : RunStatus::kFailed;
 }

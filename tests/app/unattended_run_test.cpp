@@ -112,6 +112,26 @@ TEST_F(UnattendedRun, EveryFailureIsInTheLogAndNotesAreNoFailure) {
                                "Done, with errors.\r\n"));
 }
 
+TEST_F(UnattendedRun, TwoRunsOfTheSameSettingsDoNotMeet) {
+  RunStatus second = RunStatus::kConverted;
+  bool transferred = false;
+  EXPECT_EQ(Run([&](IDatabase&, const NameList&, IConversionListener& listener) {
+              IRunHost* const first_host = host_;
+              second = RunUnattendedConversion(folder_ / "n.dcs", [&](ServerKind kind, IRunHost&) {
+                return std::make_unique<PlainEndpoint>(
+                    kind,
+                    [&](IDatabase&, const NameList&, IConversionListener&) { transferred = true; });
+              });
+              host_ = first_host;
+              listener.ConversionEnded();
+            }),
+            RunStatus::kConverted);
+  EXPECT_EQ(second, RunStatus::kFailed);
+  EXPECT_FALSE(transferred);
+  EXPECT_THAT(Log(), HasSubstr("conversion failed! unkown error 70 - another run of these settings "
+                               "is still at work\r\n"));
+}
+
 TEST_F(UnattendedRun, AnEscapedErrorIsTheRunsOwnLine) {
   EXPECT_EQ(Run([](IDatabase&, const NameList&, IConversionListener&) {
               throw RunTimeError(7, "x", "out of memory");
