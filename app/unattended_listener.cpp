@@ -4,8 +4,11 @@
 #include <fmt/format.h>
 
 #include <clocale>
-#include <cstdio>
 #include <ctime>
+
+#include "app/standard_error.h"
+#include "app/stop_signals.h"
+#include "platform/text/utf8.h"
 
 namespace dorvane {
 
@@ -23,7 +26,7 @@ std::string GeneralDateAndTime() {
 }
 
 void PrintError(std::string_view line) {
-  fmt::print(stderr, "{}\n", line);
+  WriteStandardError(std::string(line) + "\n");
 }
 
 }  // namespace
@@ -41,8 +44,10 @@ void UnattendedListener::CloseLog() {
   }
 }
 
-void UnattendedListener::Log(const std::string& line) {
+void UnattendedListener::Log(std::string_view text) {
   progress_.Clear();
+  // One message, one line: nothing that a server or a name says looks like a line of ours.
+  const std::string line = text::Visible(text);
   if (!log_ || log_broken_) return PrintError(line);
   try {
     log_->WriteLine(line);
@@ -72,6 +77,7 @@ void UnattendedListener::ConversionStarted(std::int16_t no_of_tables, bool /*rel
 }
 
 void UnattendedListener::ConversionEnded() {
+  if (IsStopping()) return;
   ended_ = true;
   Log("Conversion ended at: " + GeneralDateAndTime());
   Log("######################### End OF Conversion #############################");
@@ -109,6 +115,10 @@ void UnattendedListener::ConnectionFailed(const ConnectionFailure& failure) {
 void UnattendedListener::ShowMessage(std::string_view message, std::int32_t style,
                                      std::string_view title) {
   ErrorOccured(message, style, title);
+}
+
+bool UnattendedListener::IsStopping() const {
+  return StopSignals::Received() != 0;
 }
 
 void UnattendedListener::Inform(std::string_view message) {

@@ -19,7 +19,7 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   /// Stores what was written.
   void CloseLog();
   /// A line of the log; a log that cannot be written is told once, and the run goes on.
-  void Log(const std::string& line);
+  void Log(std::string_view text);
   void MarkFailed() { failed_ = true; }
   /// True when the conversion ran to its end and nothing was reported.
   bool Succeeded() const { return ended_ && !failed_; }
@@ -42,6 +42,7 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}
+  bool IsStopping() const override;
 
  private:
   /// Gives the log up and says why on standard error.

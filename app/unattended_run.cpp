@@ -1,7 +1,10 @@
 #include "app/unattended_run.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
+#include "app/standard_error.h"
+#include "app/stop_signals.h"
 #include "app/unattended_listener.h"
 #include "job/conversion_settings.h"
 #include "platform/files/lock.h"
@@ -41,6 +44,7 @@ bool RunStep(UnattendedListener& listener, Step step) {
 
 RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
                                   const HostedEndpointFactory& make_endpoint) {
+  const StopSignals signals;
   UnattendedListener listener;
   ConversionSettings settings;
   const bool usable = RunStep(listener, [&] {
@@ -62,9 +66,17 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
                          "another run of these settings is still at work");
     }
     settings.src->TransferToDest(*settings.dest, settings.tables);
+    if (const int signal = StopSignals::Received()) {
+      throw RunTimeError(kUnnumbered, "Dorvane", fmt::format("stopped by signal {}", signal));
+    }
   });
   listener.CloseLog();
-  return listener.Succeeded() ? RunStatus::kConverted : RunStatus::kFailed;
+  if (const int signal = StopSignals::Received()) return StoppedBy(signal);
+  if (listener.Succeeded()) return RunStatus::kConverted;
+  if (isatty(STDERR_FILENO) == 1) {
+    WriteStandardError(fmt::format("The conversion failed; see {}\n", settings.log_path));
+  }
+  return RunStatus::kFailed;
 }
 
 }  // namespace dorvane
