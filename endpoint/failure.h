@@ -10,12 +10,6 @@
 
 namespace dorvane {
 
-/// The number and description by which a failure is reported.
-struct ErrorSummary {
-  std::int32_t number = 0;
-  std::string description;
-};
-
 /// The primary error of a list: the entry at `index`, the last one of a shorter list, none of an
 /// empty one.
 const ado::Error* PrimaryError(const ado::Errors& errors, std::size_t index);

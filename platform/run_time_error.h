@@ -23,6 +23,12 @@ class RunTimeError : public std::runtime_error {
   std::string source_;
 };
 
+/// The number and description by which a failure is reported.
+struct ErrorSummary {
+  std::int32_t number = 0;
+  std::string description;
+};
+
 /// Numbers of the failures that the program itself reports.
 namespace run_time {
 inline constexpr std::int32_t kInvalidArgument = 5;

@@ -44,7 +44,7 @@ int AskYesNo(std::string_view text, std::int32_t style, std::string_view title) 
   return RunBox(MessageBoxKind::kYesNo, text, style, title);
 }
 
-FailureFacts CurrentFailure() {
+ErrorSummary CurrentFailure() {
   try {
     throw;
   } catch (const RunTimeError& error) {
@@ -55,7 +55,7 @@ FailureFacts CurrentFailure() {
 }
 
 std::string DescribeUnexpectedFailure() {
-  const FailureFacts failure = CurrentFailure();
+  const ErrorSummary failure = CurrentFailure();
   return fmt::format("Unexpected error no. {} _ {}", failure.number, failure.description);
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "endpoint/events.h"
+#include "platform/run_time_error.h"
 
 namespace dorvane {
 
@@ -20,14 +21,8 @@ void ShowMessage(std::string_view text, std::int32_t style, std::string_view tit
 /// The same with Yes and No; returns kAnswerYes or kAnswerNo.
 int AskYesNo(std::string_view text, std::int32_t style, std::string_view title);
 
-/// Number and description of a failure; 0 for one that carries no number.
-struct FailureFacts {
-  std::int32_t number = 0;
-  std::string description;
-};
-
-/// Of the exception being handled; to be called in a catch clause.
-FailureFacts CurrentFailure();
+/// Of the exception being handled, number 0 when it has none; to be called in a catch clause.
+ErrorSummary CurrentFailure();
 
 /// "Unexpected error no. " + number + " _ " + description, of the exception being handled.
 std::string DescribeUnexpectedFailure();

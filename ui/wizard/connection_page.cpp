@@ -89,7 +89,7 @@ void ConnectionPage::OnConnect() {
     ApplyFields(typed, Endpoint());
     connected = new_name ? CreateDatabase(std::string(text::Trim(*new_name))) : ListDatabases();
   } catch (...) {
-    const FailureFacts failure = CurrentFailure();
+    const ErrorSummary failure = CurrentFailure();
     ShowMessage(FailureText(traits_, failure.number, failure.description), traits_.failure.style,
                 "");
     return;
