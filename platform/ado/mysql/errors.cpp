@@ -32,6 +32,7 @@ constexpr std::array kByNumber = {
     NumberClass{1411, hresult::kErrorsOccurred},   // no such value
     NumberClass{1416, hresult::kErrorsOccurred},   // no geometry
     NumberClass{3140, hresult::kErrorsOccurred},   // no JSON
+    NumberClass{3988, hresult::kErrorsOccurred},   // text outside the character set (MySQL)
     NumberClass{1364, hresult::kErrorsInCommand},  // a column without a default was left out
     NumberClass{1526, hresult::kErrorsInCommand},  // no partition for the row
     NumberClass{3819, hresult::kErrorsInCommand},  // a check constraint (MySQL)
