@@ -67,9 +67,9 @@ std::string TypeOf(const ado::Column& col) {
     case DataType::VarNumeric:
       return fmt::format("DECIMAL({},{})", col.precision, col.numeric_scale);
     case DataType::DBTimeStamp:
-      return KeepsFraction(col) ? "DATETIME(6)" : "DATETIME";
+      return FractionDigits(col) > 0 ? "DATETIME(6)" : "DATETIME";
     case DataType::DBTime:
-      return KeepsFraction(col) ? "TIME(6)" : "TIME";
+      return FractionDigits(col) > 0 ? "TIME(6)" : "TIME";
     default:
       break;
   }
@@ -147,6 +147,7 @@ std::string DefaultLiteral(DataType type, const std::string& value) {
 ColumnDefinition GetColumnType(const ado::Column& col, const std::string& identity_column) {
   ColumnDefinition definition{.name = col.name, .type = TypeOf(col)};
   definition.facts.nullable = (col.attributes & ado::kColumnNullable) != 0;
+  definition.facts.fraction_digits = FractionDigits(col);
   definition.is_identity = !identity_column.empty() && identity_column == col.name;
   if (definition.is_identity) definition.attributes = " primary key auto_increment";
   if (col.default_value) {
