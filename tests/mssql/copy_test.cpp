@@ -92,11 +92,11 @@ TEST_P(MsSqlCopy, ARefusalLeavesOutTheRowOrEndsTheCopy) {
     Outcome in_old_table;
   };
   const Case cases[] = {
-      {1062, Outcome::Refused, Outcome::LeftOut},  {1586, Outcome::Refused, Outcome::LeftOut},
-      {1264, Outcome::Refused, Outcome::Refused},  {1048, Outcome::Refused, Outcome::Refused},
-      {1153, Outcome::Refused, Outcome::Refused},  {1366, Outcome::Refused, Outcome::Refused},
-      {1205, Outcome::Ended, Outcome::Ended},      {1146, Outcome::Ended, Outcome::Ended},
-      {1142, Outcome::Ended, Outcome::Ended},      {2013, Outcome::Ended, Outcome::Ended},
+      {1062, Outcome::Refused, Outcome::LeftOut}, {1586, Outcome::Refused, Outcome::LeftOut},
+      {1264, Outcome::Refused, Outcome::Refused}, {1048, Outcome::Refused, Outcome::Refused},
+      {1153, Outcome::Refused, Outcome::Refused}, {1366, Outcome::Refused, Outcome::Refused},
+      {1205, Outcome::Ended, Outcome::Ended},     {1146, Outcome::Ended, Outcome::Ended},
+      {1142, Outcome::Ended, Outcome::Ended},     {2013, Outcome::Ended, Outcome::Ended},
   };
   const std::string message =
       "error 16 [Insertion Error] Unexpected error while transfering data of table t - ";
@@ -120,8 +120,9 @@ TEST_P(MsSqlCopy, ARefusalLeavesOutTheRowOrEndsTheCopy) {
       EXPECT_THAT(events.Of("rows"), ElementsAre("rows 3"));
       if (outcome == Outcome::LeftOut) {
         EXPECT_THAT(events.Errors(), IsEmpty());
-        EXPECT_THAT(host.notes, testing::Contains("Table t: 1 of 3 rows were there already and were "
-                                                  "left out"));
+        EXPECT_THAT(host.notes,
+                    testing::Contains("Table t: 1 of 3 rows were there already and were "
+                                      "left out"));
       } else {
         EXPECT_THAT(events.Errors(),
                     ElementsAre(fmt::format("{}1 of 3 rows were not copied; the first: {} - words "

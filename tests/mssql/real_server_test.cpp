@@ -277,8 +277,8 @@ TEST_F(Texts, WithCharactersThatTheColumnLacksAreStoredWithoutThem) {
   const std::string_view mixed = "caf\u00E9 \u20AC \U0001F600 '\"\\";
   std::vector<std::vector<ado::Value>> rows;
   for (std::int64_t k = 0; k < 1200; ++k) {
-    rows.push_back({k, std::string_view("plain"), std::string_view("caf\u00E9"), k,
-                    ado::Binary{"\xE4\xB8"}});
+    rows.push_back(
+        {k, std::string_view("plain"), std::string_view("caf\u00E9"), k, ado::Binary{"\xE4\xB8"}});
   }
   rows[0][1] = world;
   rows[0][2] = mixed;
