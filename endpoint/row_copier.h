@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <future>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,9 @@ class IRowDestination {
                                  std::size_t count) = 0;
   /// Stores one row under the rules of the direction. Throws RunTimeError when the copy must end.
   virtual RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) = 0;
+  /// A row that has been stored, as the source gave it: what is lost of it by the rules of the
+  /// conversion is counted here, where rows that were left out do not come.
+  virtual void RowStored(std::span<const ado::Value> /*source_row*/) {}
   /// What happened to values so far; asked for when the copy has ended.
   virtual std::vector<ValueChanges> Changes() const = 0;
 };
@@ -106,11 +110,12 @@ class RowCopier {
 
   std::future<Fetched> FetchAhead(const BlockSource& source, Rows& rows);
   void ConvertValues(Rows& rows);
-  bool Store(const ado::RowBlock& converted);
-  std::size_t StoreSome(const ado::RowBlock& converted, std::size_t position);
-  void StoreOne(const ado::RowBlock& converted, std::size_t position);
+  bool Store(const Rows& rows);
+  std::size_t StoreSome(const Rows& rows, std::size_t position);
+  void StoreOne(const Rows& rows, std::size_t position);
   std::size_t NextCount(std::size_t position, std::size_t rows) const;
   void Note(const RowOutcome& outcome);
+  void Stored(const Rows& rows, std::size_t position, std::size_t count);
   void Handled(std::size_t count);
 
   IRowDestination& destination_;

@@ -10,6 +10,7 @@ namespace dorvane {
 struct ColumnFacts {
   std::string default_text;  // destination literal of the default; empty when there is none
   bool nullable = false;     // the source column takes NULL
+  int fraction_digits = 0;   // of the seconds that the destination's column keeps
 };
 
 /// A column as the destination gets it, in the pieces that a refusal may change.

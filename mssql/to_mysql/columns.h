@@ -8,7 +8,7 @@
 namespace dorvane {
 
 /// The MySQL definition of a SQL Server column. `identity_column` is empty for a table without one.
-/// Throws RunTimeError when the default cannot be converted.
+/// A default that MySQL cannot be given is left off and noted.
 ColumnDefinition GetColumnType(const ado::Column& col, const std::string& identity_column);
 
 }  // namespace dorvane

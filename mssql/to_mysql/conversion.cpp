@@ -5,6 +5,8 @@
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
 #include "mssql/to_mysql/columns.h"
+#include "mssql/to_mysql/cures.h"
+#include "mssql/to_mysql/literals.h"
 
 namespace dorvane {
 
@@ -12,10 +14,17 @@ namespace {
 
 constexpr std::int32_t kTableExists = 1050;
 
-}  // namespace
+/// The first row's first value is 1; a question that fails is answered with no.
+bool AnswersOne(ado::Connection& connection, const std::string& sql) {
+  try {
+    ado::Recordset answer = connection.Execute(sql);
+    return !answer.AtEnd() && answer.Field(0).Text() == "1";
+  } catch (const RunTimeError&) {
+    return false;
+  }
+}
 
-// Each table is dropped right before it is created.
-void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>&) {}
+}  // namespace
 
 void MsSqlToMySql::PrepareTable(const TableDefinition& table) {
   ExecuteOn(Destination(), "Drop Table If Exists " + MySqlName(table.dest_name));
@@ -28,7 +37,15 @@ TableDefinition MsSqlToMySql::DefineTable(ado::Table& tab_src) {
   for (const ado::Column& column : tab_src.Columns()) {
     table.columns.push_back(GetColumnType(column, identity_column));
   }
+  if (IsOverwriting() || !IsOnDestination(table.dest_name)) AskTheData(tab_src, table);
   return table;
+}
+
+bool MsSqlToMySql::IsOnDestination(const std::string& dest_name) {
+  return AnswersOne(Destination(),
+                    fmt::format("select count(*) from information_schema.tables where "
+                                "table_schema = database() and table_name = '{}'",
+                                Quote(dest_name)));
 }
 
 std::string MsSqlToMySql::FindIdentityColumn(const std::string& table_name) {
@@ -63,11 +80,12 @@ std::int32_t MsSqlToMySql::TableExistsError() const {
   return kTableExists;
 }
 
-bool MsSqlToMySql::CureTable(TableDefinition&, std::int32_t) {
-  return false;
+bool MsSqlToMySql::CureTable(TableDefinition& table, std::int32_t native_error) {
+  const ado::Error* entry = PrimaryError(Destination().Errors(), 0);
+  const std::string words = entry != nullptr ? entry->description : std::string();
+  const std::vector<ado::Index>& indexes = SourceCatalog().TableByName(table.name).Indexes();
+  return CureDefinition(table, {native_error, words, indexes, PrimaryKeyClause(indexes)});
 }
-
-void MsSqlToMySql::CheckExistingTable(ado::Table&, const TableDefinition&) {}
 
 std::string MsSqlToMySql::SelectList(const TableDefinition&) const {
   return "*";
@@ -75,7 +93,7 @@ std::string MsSqlToMySql::SelectList(const TableDefinition&) const {
 
 bool MsSqlToMySql::FoldsTableNames() {
   ado::Recordset folding = Destination().Execute("select @@lower_case_table_names");
-  return folding.Field(0).Text() != "0";
+  return !folding.AtEnd() && folding.Field(0).Text() != "0";
 }
 
 std::string MsSqlToMySql::SourceName(std::string_view name) const {

@@ -414,8 +414,8 @@ TEST(BlocksToMySql, RefusedRowsOfAMerge) {
       {"a value too long",
        few,
        {"create table t(k int primary key, v varchar(5))"},
-       {1000},
-       {"Data too long"}},
+       {1099},
+       {"1 of 1100 rows were not copied; the first: 1406 - "}},
       {"a number out of range",
        few,
        {"create table t(k tinyint primary key, v varchar(60))"},
@@ -424,17 +424,18 @@ TEST(BlocksToMySql, RefusedRowsOfAMerge) {
       {"NULLs",
        few,
        {"create table t(k int, v varchar(60) not null default 'd')"},
-       {399},
+       {1098},
        {"cannot be null"}},
       {"characters that the column has not",
        few,
        {"create table t(k int, v varchar(60) character set latin1)"},
-       {1100}},
+       {1100},
+       {"1 values of table t hold characters"}},
       {"a check",
        few,
-       {"create table t(k int, v varchar(60), constraint odd check (k <> 1050))"},
-       {1049},
-       {"odd"}},
+       {"create table t(k int, v varchar(60), check (k <> 1050))"},
+       {1099},
+       {"(row 1050)"}},
       {"a table without transactions",
        few,
        {"create table t(k int primary key, v varchar(60)) engine=MyISAM",
@@ -490,7 +491,8 @@ TEST(BlocksToMySql, ARefusedValueInARowOfBytesIsLeftOut) {
                                                       : std::string("0xFF");
                                     }),
                     {"create table t(k int primary key, v blob)", "insert into t values (7, null)"},
-                    {299}});
+                    {299},
+                    {"(row 120)"}});
 }
 
 }  // namespace
