@@ -196,7 +196,9 @@ ColumnDefinition GetColumnType(const ado::Column& col,
   }
   ColumnDefinition definition{.name = col.name, .type = TypeOf(col)};
   definition.facts.nullable = found->null.starts_with('Y');
-  definition.is_identity = found->extra == "auto_increment";
+  const std::string_view extra = found->extra;
+  definition.is_identity = extra.substr(0, extra.find_first_of(" ,")) == "auto_increment";
+  definition.is_invisible = extra.find("INVISIBLE") != std::string_view::npos;
   if (definition.is_identity) definition.attributes += " Identity";
   if (found->key == "UNI") definition.attributes += " Unique";
   definition.facts.default_text = DefaultOf(col, found->default_value);

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "endpoint/names.h"
 #include "mysql/to_mssql/columns.h"
 
@@ -62,8 +64,13 @@ bool MySqlToMsSql::CureTable(TableDefinition&, std::int32_t) {
 
 void MySqlToMsSql::CheckExistingTable(ado::Table&, const TableDefinition&) {}
 
-std::string MySqlToMsSql::SelectList(const TableDefinition&) const {
-  return "*";
+std::string MySqlToMsSql::SelectList(const TableDefinition& table) const {
+  if (std::ranges::none_of(table.columns, &ColumnDefinition::is_invisible)) return "*";
+  std::string list;
+  for (const ColumnDefinition& column : table.columns) {
+    list += (list.empty() ? "" : ", ") + MySqlName(column.name);
+  }
+  return list;
 }
 
 bool MySqlToMsSql::FoldsTableNames() {
