@@ -6,6 +6,7 @@
 #include "endpoint/date_time_text.h"
 #include "endpoint/literal_text.h"
 #include "endpoint/number_literal.h"
+#include "platform/text/ascii.h"
 #include "platform/text/utf8.h"
 
 namespace dorvane {
@@ -16,6 +17,7 @@ namespace {
 constexpr ado::DateTime kEarliest{1753, 1, 1, 0, 0};
 constexpr std::int32_t kSecondsPerDay = 24 * 60 * 60;
 
+constexpr std::ptrdiff_t kMostDigits = 38;
 // A concatenation of literals is cut where one literal would not be, and may not be nested deeply.
 constexpr std::size_t kMostConcatenatedBytes = 4000;
 constexpr std::ptrdiff_t kMostConcatenatedZeros = 100;
@@ -29,6 +31,11 @@ bool Exists(const ado::DateTime& value) {
 /// The moment that the server's datetime can hold.
 ado::DateTime Storable(const ado::DateTime& value) {
   return Exists(value) ? std::max(Normalised(value), kEarliest) : kEarliest;
+}
+
+std::ptrdiff_t SignificantDigits(std::string_view number) {
+  number.remove_prefix(std::min(number.find_first_not_of("-0"), number.size()));
+  return std::ranges::count_if(number, text::IsDigit);
 }
 
 /// Appends what `writer` puts into at most `size` bytes.
@@ -49,7 +56,14 @@ struct LiteralWriter {
   void operator()(std::uint64_t value) const { Integer(value); }
   void operator()(float value) const { Number(value); }
   void operator()(double value) const { Number(value); }
-  void operator()(ado::Decimal value) const { Number(value); }
+  void operator()(ado::Decimal value) const {
+    // The server reads no longer number; a column that takes this one takes its text.
+    if (SignificantDigits(value.digits) > kMostDigits) {
+      AppendTextLiteral(out, value.digits);
+    } else {
+      Number(value);
+    }
+  }
   void operator()(std::string_view value) const { AppendTextLiteral(out, value); }
   void operator()(ado::Binary value) const { Bytes(value.bytes); }
   void operator()(ado::Guid value) const { Bytes(GuidBytes(value.text)); }

@@ -53,6 +53,13 @@ constexpr FaultOfError kRowFaults[] = {
     {50000, std::numeric_limits<std::int32_t>::max(), RowFault::Refused},  // a trigger's own
 };
 
+/// A parent may still come; what a check refuses stays refused.
+bool MayComeRight(const ado::Error& error) {
+  constexpr std::int32_t kConstraintError = 547;
+  return error.native_error == kConstraintError &&
+         error.description.find("FOREIGN KEY") != std::string::npos;
+}
+
 RowFault FaultOf(std::int32_t native_error) {
   for (const FaultOfError& row : kRowFaults) {
     if (native_error >= row.first && native_error <= row.last) return row.fault;
@@ -177,6 +184,7 @@ BlockResult RowsToMsSql::StoreBlock(const ado::RowBlock& converted, std::size_t 
     SendBatch();
     destination_.Execute("commit transaction");
     changes_ = changes;
+    handled_ += static_cast<std::int64_t>(count);
     return BlockResult::Stored;
   } catch (const RunTimeError& error) {
     TryExecute(destination_, "if @@trancount > 0 rollback transaction");
@@ -220,9 +228,12 @@ void RowsToMsSql::SendBatch() {
 RowOutcome RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
   std::string statement = identity_on_ + head_ + " VALUES";
   AppendTuple(statement, converted.Row(row));
+  ++handled_;
   const RowOutcome outcome = ExecuteRow(statement);
   if (!identity_off_.empty()) ExecuteOn(destination_, identity_off_);
-  if (outcome.result == RowResult::Stored) CountChanges(converted.Row(row), changes_);
+  const bool is_stored =
+      outcome.result == RowResult::Stored || outcome.result == RowResult::Postponed;
+  if (is_stored) CountChanges(converted.Row(row), changes_);
   return outcome;
 }
 
@@ -239,8 +250,21 @@ RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
       throw;
     }
     if (fault == RowFault::Duplicate && !target_.is_new) return {RowResult::Duplicate};
-    return {RowResult::Refused, {entry->native_error, entry->description}};
+    return RefusalOf(*entry, statement);
   }
+}
+
+RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, const std::string& statement) {
+  ErrorSummary reason{error.native_error, error.description};
+  if (target_.waiting != nullptr && MayComeRight(error) &&
+      target_.waiting->Add({.table = target_.table,
+                            .position = handled_,
+                            .statement = statement,
+                            .after = identity_off_,
+                            .reason = reason})) {
+    return {RowResult::Postponed};
+  }
+  return {RowResult::Refused, std::move(reason)};
 }
 
 void RowsToMsSql::CountChanges(std::span<const ado::Value> literals, ChangeCounts& counts) {
@@ -264,14 +288,28 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
   RowsToMsSql::Target target{.table = table.dest_name,
                              .columns = {},
                              .has_identity_column = table.Identity() != nullptr,
-                             .is_new = is_new};
+                             .is_new = is_new,
+                             .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
 }
 
+void MySqlToMsSql::StorePostponedRows() {
+  for (const WaitingRows::Refusal& refusal : waiting_.Store(Destination())) {
+    ReportRowProblem(refusal.table,
+                     fmt::format("{} rows were not copied; the first: {} - {} (row {})",
+                                 refusal.rows, refusal.first_reason.number,
+                                 refusal.first_reason.description, refusal.first_position));
+  }
+}
+
 void MySqlToMsSql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
+  ReportRowProblem(table.dest_name, problem);
+}
+
+void MySqlToMsSql::ReportRowProblem(const std::string& dest_table, std::string_view problem) {
   RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
-                         MsSqlName(table.dest_name), problem),
+                         MsSqlName(dest_table), problem),
              "MS SQL Server");
 }
 

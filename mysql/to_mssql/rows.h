@@ -11,6 +11,7 @@
 #include "endpoint/table_definition.h"
 #include "mysql/to_mssql/literal_shape.h"
 #include "mysql/to_mssql/literals.h"
+#include "mysql/to_mssql/waiting_rows.h"
 #include "platform/ado/connection.h"
 
 namespace dorvane {
@@ -23,6 +24,7 @@ class RowsToMsSql : public IRowDestination {
     std::vector<std::string> columns;
     bool has_identity_column = false;  // its values come with the rows
     bool is_new = false;               // just created: no rows, no triggers, no foreign keys
+    WaitingRows* waiting = nullptr;    // for rows of a table that is not new; outlives this
   };
 
   /// `fields` and `facts` describe the source's columns in the order of the target's and, like the
@@ -45,6 +47,7 @@ class RowsToMsSql : public IRowDestination {
   bool JoinsLastInsert();
   void SendBatch();
   RowOutcome ExecuteRow(const std::string& statement);
+  RowOutcome RefusalOf(const ado::Error& error, const std::string& statement);
   void LearnTypes();
   bool HasTriggers();
   bool RefersToItself();
@@ -64,7 +67,8 @@ class RowsToMsSql : public IRowDestination {
   std::vector<LiteralShape> insert_shapes_;  // those of the INSERT that is being built
   std::size_t insert_rows_ = 0;              // rows in that INSERT; 0: there is none
   std::string batch_;
-  ChangeCounts changes_{};  // of the rows stored
+  ChangeCounts changes_{};    // of the rows stored
+  std::int64_t handled_ = 0;  // rows
 };
 
 }  // namespace dorvane

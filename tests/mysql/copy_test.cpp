@@ -25,6 +25,7 @@ struct MySqlCopy : testing::Test,
                    test::TransferRig<test::PlannedEndpoint<MySqlDatabase>, MsSqlDatabase> {
   MySqlCopy() {
     source.tables = {{"a t", "TABLE"}};
+    dest.indexes["a_t"] = {{.name = "pk", .primary_key = true, .unique = true, .columns = {}}};
     src.SetCopyTableContent(true);
     src.SetReplaceSpaceWithUnderscore(true);
   }
