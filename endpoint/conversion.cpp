@@ -104,6 +104,7 @@ void Conversion::ConvertListedTables(const NameList& src_tables) {
       ReportTableFailure(name, error);
     }
   }
+  StorePostponedRows();
   if (!options_.convert_relationships) return;
   for (std::size_t i = 0; i < src_tables.size(); ++i) {
     const std::string& name = src_tables[i];

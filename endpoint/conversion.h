@@ -86,6 +86,8 @@ class Conversion {
   virtual std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                                     const std::vector<ado::FieldInfo>& fields,
                                                     const std::vector<ColumnFacts>& facts) = 0;
+  /// After the last table: stores the rows that were postponed. Reports its failures.
+  virtual void StorePostponedRows() {}
   /// The foreign keys of a table. Throws only for a table that is not in the source's catalog.
   virtual void RelateTable(const std::string& name) = 0;
 

@@ -25,6 +25,7 @@ enum class RowResult {
   Changed,    // stored, with what the destination could not take replaced
   Duplicate,  // left out: its key was there before the run
   Refused,    // left out: the destination takes no such row
+  Postponed,  // kept by the destination, which tries it again and tells what comes of it
 };
 
 struct RowOutcome {

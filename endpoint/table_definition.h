@@ -20,6 +20,7 @@ struct ColumnDefinition {
   std::string attributes = {};  // with a blank in front: " Identity", " primary key auto_increment"
   std::string default_clause = {};  // behind " Default ": the default's literal, or an expression
   bool is_identity = false;
+  bool is_invisible = false;  // "select *" leaves it out
   ColumnFacts facts = {};
   std::vector<std::string> notes = {};  // what the definition leaves out, for a person to read
 

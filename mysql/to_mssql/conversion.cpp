@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "endpoint/names.h"
 #include "mysql/to_mssql/columns.h"
 
@@ -13,22 +15,10 @@ constexpr std::string_view kDestinationTitle = "MS SQL Server";
 constexpr std::string_view kSourceTitle = "MySQL Server";
 
 // SQL Server's own numbers.
-constexpr std::int32_t kNoSuchTable = 3701;
 constexpr std::int32_t kTableIsReferenced = 3726;
 constexpr std::int32_t kObjectExists = 2714;
 
 }  // namespace
-
-// All tables are dropped before the first one is created.
-void MySqlToMsSql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
-  for (const TableDefinition* table : tables) {
-    try {
-      ExecuteOn(Destination(), "drop table  " + MsSqlName(table->dest_name));
-    } catch (const RunTimeError& error) {
-      ReportTableFailure(table->name, error);
-    }
-  }
-}
 
 void MySqlToMsSql::PrepareTable(const TableDefinition&) {}
 
@@ -39,6 +29,7 @@ TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
   for (const ado::Column& column : tab_src.Columns()) {
     table.columns.push_back(GetColumnType(column, descriptions));
   }
+  AskTheRows(tab_src.Columns(), table);
   return table;
 }
 
@@ -56,14 +47,13 @@ std::int32_t MySqlToMsSql::TableExistsError() const {
   return kObjectExists;
 }
 
-bool MySqlToMsSql::CureTable(TableDefinition&, std::int32_t) {
-  return false;
-}
-
-void MySqlToMsSql::CheckExistingTable(ado::Table&, const TableDefinition&) {}
-
-std::string MySqlToMsSql::SelectList(const TableDefinition&) const {
-  return "*";
+std::string MySqlToMsSql::SelectList(const TableDefinition& table) const {
+  if (std::ranges::none_of(table.columns, &ColumnDefinition::is_invisible)) return "*";
+  std::string list;
+  for (const ColumnDefinition& column : table.columns) {
+    list += (list.empty() ? "" : ", ") + MySqlName(column.name);
+  }
+  return list;
 }
 
 bool MySqlToMsSql::FoldsTableNames() {
@@ -101,7 +91,8 @@ void MySqlToMsSql::ReportTableFailure(const std::string& name, const RunTimeErro
                kDestinationTitle);
     return;
   }
-  if (entry->native_error != kObjectExists || !IsOverwriting()) {
+  // A table that could not be dropped is there still, and has been reported.
+  if (entry->native_error != kObjectExists || !kept_.contains(name)) {
     RaiseError(fmt::format("Unknown error {} - {}", entry->native_error, entry->description),
                kSourceTitle);
   }

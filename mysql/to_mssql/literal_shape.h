@@ -9,7 +9,17 @@ namespace dorvane {
 /// What the server makes of a literal before it looks at the column: in a VALUES list of several
 /// rows it gives a column's literals one common type first, which must not change any value.
 struct LiteralShape {
-  enum class Kind { Null, Integer, Decimal, Float, Text, NationalText, Binary, Other };
+  enum class Kind {
+    Null,
+    Integer,
+    Decimal,
+    Float,
+    Text,  // plain ASCII that fits beside Unicode text
+    LongText,
+    NationalText,
+    Binary,
+    Other
+  };
   Kind kind = Kind::Null;
   int integer_digits = 0;  // of a Decimal
   int scale = 0;
