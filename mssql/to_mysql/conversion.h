@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,10 @@ class MsSqlToMySql : public Conversion {
                           const DestinationFailure& failure);
   /// True when the destination's table has a foreign key of that name.
   bool HasRelationship(const std::string& table_name, const std::string& key_name);
+  /// Rows that were stored unchecked and have no parent now that every table is there.
+  void ReportOrphans(const std::string& dest_name);
+
+  std::set<std::string> unchecked_tables_;  // names on the destination
 };
 
 }  // namespace dorvane

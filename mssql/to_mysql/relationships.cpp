@@ -81,6 +81,21 @@ bool AreHarmlessBare(const ado::Key& key) {
          });
 }
 
+/// Counts the rows whose key is not NULL and has no row in the related table.
+std::string OrphanQuery(const std::string& table, const ado::Key& key) {
+  std::string join;
+  std::string is_set;
+  for (const ado::KeyColumn& column : key.columns) {
+    const std::string name = MySqlName(column.name);
+    join += fmt::format("{}p.{} = c.{}", join.empty() ? "" : " and ",
+                        MySqlName(column.related_column), name);
+    is_set += fmt::format("c.{} is not null and ", name);
+  }
+  return fmt::format("select count(*) from {} c left join {} p on {} where {}p.{} is null",
+                     MySqlName(table), MySqlName(key.related_table), join, is_set,
+                     MySqlName(key.columns.front().related_column));
+}
+
 void AppendName(std::string& list, const std::string& name) {
   if (!list.empty()) list += ',';
   list += name;
@@ -200,6 +215,24 @@ bool MsSqlToMySql::HasRelationship(const std::string& table_name, const std::str
                   "constraint_type = 'FOREIGN KEY'",
                   Quote(DestName(table_name)), Quote(key_name)));
   return !keys.AtEnd();
+}
+
+void MsSqlToMySql::ReportOrphans(const std::string& dest_name) {
+  ado::Connection& destination = Destination();
+  try {
+    for (const ado::Key& key : destination.Keys(dest_name)) {
+      if (key.type != ado::KeyType::Foreign) continue;
+      const std::string count = destination.Execute(OrphanQuery(dest_name, key)).Field(0).Text();
+      if (count == "0") continue;
+      RaiseError(fmt::format("{} rows of table {} refer to rows of table {} that are not there "
+                             "(relationship {})",
+                             count, dest_name, key.related_table, key.name),
+                 kTitle);
+    }
+  } catch (const RunTimeError& error) {
+    RaiseError(fmt::format("Unexpected error {} - {}", error.Number(), error.Description()),
+               kTitle);
+  }
 }
 
 }  // namespace dorvane

@@ -220,6 +220,7 @@ std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& t
       .columns = {},
       .is_new = is_new,
       .is_ahead_of_parents = !is_new && IsMerging() && Options().convert_relationships};
+  if (target.is_ahead_of_parents) unchecked_tables_.insert(table.dest_name);
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   return std::make_unique<RowsToMySql>(Destination(), std::move(target), fields, facts);
 }
