@@ -191,12 +191,15 @@ const std::string& RowsToMySql::CharacterSetOf(const std::string& column) {
 }
 
 std::string RowsToMySql::AsStored(std::string_view text, const std::string& character_set) {
-  // The server's own conversion puts "?" for a character that the set lacks.
-  ado::Recordset converted = OnDestination(destination_, [&] {
-    return destination_.Execute(fmt::format("select convert(convert('{}' using {}) using utf8mb4)",
-                                            Quote(text), character_set));
-  });
-  return converted.AtEnd() ? std::string(text) : converted.Field(0).Text();
+  try {
+    // The server's own conversion puts "?" for a character that the set lacks.
+    ado::Recordset converted = destination_.Execute(fmt::format(
+        "select convert(convert('{}' using {}) using utf8mb4)", Quote(text), character_set));
+    if (!converted.AtEnd()) return converted.Field(0).Text();
+  } catch (const RunTimeError&) {
+    // Too long for a question: the row is refused as it was.
+  }
+  return std::string(text);
 }
 
 void RowsToMySql::RowStored(std::span<const ado::Value> source_row) {
