@@ -29,7 +29,7 @@ class MsSqlToMySql : public Conversion {
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   /// Empty when the table has no identity column. Throws RunTimeError.
   std::string FindIdentityColumn(const std::string& table_name);
-
+  /// True when there is a table of that name; false too for a question that fails.
   bool IsOnDestination(const std::string& dest_name);
 
   // data_questions.cpp
@@ -68,6 +68,8 @@ class MsSqlToMySql : public Conversion {
 
   // relationships.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  /// Statements that drop the foreign keys between two of these tables of the destination.
+  std::vector<std::string> DropsOfKeysBetween(const std::vector<const TableDefinition*>& tables);
   void AddRelationships(ado::Table& tab_src);
   /// False when the failure ends the table's relationships.
   bool AddRelationship(const std::string& table_name, const ado::Key& key);

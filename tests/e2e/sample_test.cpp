@@ -9,6 +9,7 @@
 namespace dorvane::test {
 namespace {
 
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -74,7 +75,8 @@ TEST_F(Sample, KeepsDefinitions) {
   const auto definition = [](const std::string& table) {
     return MySql("show create table `" + table + "`");
   };
-  EXPECT_THAT(definition("Employees"), HasSubstr("`EmployeeId` int(11) NOT NULL AUTO_INCREMENT"));
+  EXPECT_THAT(definition("Employees"),
+              ContainsRegex("`EmployeeId` int(\\(11\\))? NOT NULL AUTO_INCREMENT"));
   EXPECT_THAT(definition("Employees"), HasSubstr("ON DELETE SET NULL"));
   EXPECT_THAT(definition("Employees"),
               HasSubstr("KEY `IX_Employees_Name` (`LastName`,`FirstName`)"));
@@ -110,7 +112,7 @@ TEST_F(Sample, KeepsValues) {
   EXPECT_EQ(MySql("select group_concat(length(Picture) order by PictureId) from Pictures"),
             "2500,5242880");
   EXPECT_EQ(MySql("select group_concat(PictureId order by PictureId) from Pictures"), "0,1,2");
-  EXPECT_EQ(MySql("select md5(Picture) = md5(repeat('Dorvane ', 655360)) from Pictures where "
+  EXPECT_EQ(MySql("select Picture = repeat('Dorvane ', 655360) from Pictures where "
                   "PictureId = 1"),
             "1");
 }
