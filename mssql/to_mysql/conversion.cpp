@@ -103,6 +103,7 @@ std::string MsSqlToMySql::SourceName(std::string_view name) const {
 void MsSqlToMySql::RelateTable(const std::string& name) {
   Events().TableRelationsConversionStarted(name);
   AddRelationships(SourceCatalog().TableByName(name));
+  if (unchecked_tables_.contains(DestName(name))) ReportOrphans(DestName(name));
 }
 
 void MsSqlToMySql::ReportTableFailure(const std::string& name, const RunTimeError& error) {

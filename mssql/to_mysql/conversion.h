@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,7 @@ class MsSqlToMySql : public Conversion {
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   /// Empty when the table has no identity column. Throws RunTimeError.
   std::string FindIdentityColumn(const std::string& table_name);
-
+  /// True when there is a table of that name; false too for a question that fails.
   bool IsOnDestination(const std::string& dest_name);
 
   // data_questions.cpp
@@ -67,6 +68,8 @@ class MsSqlToMySql : public Conversion {
 
   // relationships.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  /// Statements that drop the foreign keys between two of these tables of the destination.
+  std::vector<std::string> DropsOfKeysBetween(const std::vector<const TableDefinition*>& tables);
   void AddRelationships(ado::Table& tab_src);
   /// False when the failure ends the table's relationships.
   bool AddRelationship(const std::string& table_name, const ado::Key& key);
@@ -77,6 +80,10 @@ class MsSqlToMySql : public Conversion {
                           const DestinationFailure& failure);
   /// True when the destination's table has a foreign key of that name.
   bool HasRelationship(const std::string& table_name, const std::string& key_name);
+  /// Rows that were stored unchecked and have no parent now that every table is there.
+  void ReportOrphans(const std::string& dest_name);
+
+  std::set<std::string> unchecked_tables_;  // names on the destination
 };
 
 }  // namespace dorvane

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "endpoint/names.h"
 #include "mssql/to_mysql/conversion.h"
@@ -67,10 +68,12 @@ void MsSqlToMySql::AskForMilliseconds(ado::Table& tab_src, TableDefinition& tabl
     for (const std::string& name : index.columns) {
       const auto column = std::ranges::find(columns, name, &ado::Column::name);
       if (column == columns.end()) continue;
-      const bool is_moment = HasDroppedFraction(*column);
-      if (is_moment) moments.push_back(FindColumn(table, name));
-      groups += fmt::format(fmt::runtime(is_moment ? "{}convert(varchar(19), {}, 120)" : "{}{}"),
-                            groups.empty() ? "" : ", ", SourceName(name));
+      std::string group = SourceName(name);
+      if (HasDroppedFraction(*column)) {
+        moments.push_back(FindColumn(table, name));
+        group = fmt::format("convert(varchar(19), {}, 120)", group);
+      }
+      groups += (groups.empty() ? "" : ", ") + group;
     }
     if (moments.empty()) continue;
     if (!SourceHasRow(fmt::format("select top 1 1 from {} group by {} having count(*) > 1",

@@ -164,8 +164,11 @@ void MsSqlToMySql::TellPrefix(const ado::Index& index, const TableDefinition& ta
               "its columns are too long for a key; a plain index stands for it");
     return;
   }
-  notes.push_back(fmt::format("{} {} covers the beginnings of its columns only",
-                              index.unique ? "unique key" : "index", index.name));
+  notes.push_back(
+      index.unique
+          ? fmt::format("unique key {} became a plain index over the beginnings of its columns",
+                        index.name)
+          : fmt::format("index {} covers the beginnings of its columns only", index.name));
 }
 
 void MsSqlToMySql::ReportKey(const ado::Index& index, const TableDefinition& table,

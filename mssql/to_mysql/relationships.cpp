@@ -81,6 +81,21 @@ bool AreHarmlessBare(const ado::Key& key) {
          });
 }
 
+/// Counts the rows whose key is not NULL and has no row in the related table.
+std::string OrphanQuery(const std::string& table, const ado::Key& key) {
+  std::string join;
+  std::string is_set;
+  for (const ado::KeyColumn& column : key.columns) {
+    const std::string name = MySqlName(column.name);
+    join += fmt::format("{}p.{} = c.{}", join.empty() ? "" : " and ",
+                        MySqlName(column.related_column), name);
+    is_set += fmt::format("c.{} is not null and ", name);
+  }
+  return fmt::format("select count(*) from {} c left join {} p on {} where {}p.{} is null",
+                     MySqlName(table), MySqlName(key.related_table), join, is_set,
+                     MySqlName(key.columns.front().related_column));
+}
+
 void AppendName(std::string& list, const std::string& name) {
   if (!list.empty()) list += ',';
   list += name;
@@ -88,33 +103,52 @@ void AppendName(std::string& list, const std::string& name) {
 
 }  // namespace
 
+// A table cannot be dropped while a key of another one refers to it.
 void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
+  const auto report = [this](const RunTimeError& error) {
+    const ErrorSummary summary = SummaryOf(error);
+    RaiseError(fmt::format("Error no. {} - {}", summary.number, summary.description),
+               "Unexpected error");
+  };
+  std::vector<std::string> drops;
   try {
-    const bool folds = FoldsTableNames();
-    const auto folded = [folds](const std::string& name) {
-      return folds ? text::ToLower(name) : name;
-    };
-    std::set<std::string> listed;
-    for (const TableDefinition* table : tables) listed.insert(folded(table->dest_name));
-    ado::Recordset keys = Destination().Execute(
+    drops = DropsOfKeysBetween(tables);
+  } catch (const RunTimeError& error) {
+    report(error);
+  }
+  for (const std::string& drop : drops) {
+    try {
+      ExecuteOn(Destination(), drop);
+    } catch (const RunTimeError& error) {
+      report(error);
+    }
+  }
+}
+
+std::vector<std::string> MsSqlToMySql::DropsOfKeysBetween(
+    const std::vector<const TableDefinition*>& tables) {
+  const bool folds = FoldsTableNames();
+  const auto folded = [folds](const std::string& name) {
+    return folds ? text::ToLower(name) : name;
+  };
+  std::set<std::string> listed;
+  for (const TableDefinition* table : tables) listed.insert(folded(table->dest_name));
+  ado::Recordset keys = OnDestination(Destination(), [this] {
+    return Destination().Execute(
         "select table_name, referenced_table_name, constraint_name from "
         "information_schema.referential_constraints where constraint_schema = database() and "
         "unique_constraint_schema = database() and table_name <> referenced_table_name "
         "order by table_name, constraint_name");
-    std::vector<std::string> statements;
-    for (; !keys.AtEnd(); keys.MoveNext()) {
-      const std::string table = keys.Field(0).Text();
-      if (!listed.contains(folded(table))) continue;
-      if (!listed.contains(folded(keys.Field(1).Text()))) continue;
-      statements.push_back(fmt::format("ALTER TABLE {} DROP FOREIGN KEY {}", MySqlName(table),
-                                       MySqlName(keys.Field(2).Text())));
-    }
-    for (const std::string& statement : statements) ExecuteOn(Destination(), statement);
-  } catch (const RunTimeError& error) {
-    const ErrorSummary summary = SummaryOf(error);
-    RaiseError(fmt::format("Error no. {} - {}", summary.number, summary.description),
-               "Unexpected error");
+  });
+  std::vector<std::string> drops;
+  for (; !keys.AtEnd(); keys.MoveNext()) {
+    const std::string table = keys.Field(0).Text();
+    if (!listed.contains(folded(table))) continue;
+    if (!listed.contains(folded(keys.Field(1).Text()))) continue;
+    drops.push_back(fmt::format("ALTER TABLE {} DROP FOREIGN KEY {}", MySqlName(table),
+                                MySqlName(keys.Field(2).Text())));
   }
+  return drops;
 }
 
 void MsSqlToMySql::AddRelationships(ado::Table& tab_src) {
@@ -200,6 +234,24 @@ bool MsSqlToMySql::HasRelationship(const std::string& table_name, const std::str
                   "constraint_type = 'FOREIGN KEY'",
                   Quote(DestName(table_name)), Quote(key_name)));
   return !keys.AtEnd();
+}
+
+void MsSqlToMySql::ReportOrphans(const std::string& dest_name) {
+  ado::Connection& destination = Destination();
+  try {
+    for (const ado::Key& key : destination.Keys(dest_name)) {
+      if (key.type != ado::KeyType::Foreign) continue;
+      const std::string count = destination.Execute(OrphanQuery(dest_name, key)).Field(0).Text();
+      if (count == "0") continue;
+      RaiseError(fmt::format("{} rows of table {} refer to rows of table {} that are not there "
+                             "(relationship {})",
+                             count, dest_name, key.related_table, key.name),
+                 kTitle);
+    }
+  } catch (const RunTimeError& error) {
+    RaiseError(fmt::format("Unexpected error {} - {}", error.Number(), error.Description()),
+               kTitle);
+  }
 }
 
 }  // namespace dorvane

@@ -191,12 +191,15 @@ const std::string& RowsToMySql::CharacterSetOf(const std::string& column) {
 }
 
 std::string RowsToMySql::AsStored(std::string_view text, const std::string& character_set) {
-  // The server's own conversion puts "?" for a character that the set lacks.
-  ado::Recordset converted = OnDestination(destination_, [&] {
-    return destination_.Execute(fmt::format("select convert(convert('{}' using {}) using utf8mb4)",
-                                            Quote(text), character_set));
-  });
-  return converted.AtEnd() ? std::string(text) : converted.Field(0).Text();
+  try {
+    // The server's own conversion puts "?" for a character that the set lacks.
+    ado::Recordset converted = destination_.Execute(fmt::format(
+        "select convert(convert('{}' using {}) using utf8mb4)", Quote(text), character_set));
+    if (!converted.AtEnd()) return converted.Field(0).Text();
+  } catch (const RunTimeError&) {
+    // Too long for a question: the row is refused as it was.
+  }
+  return std::string(text);
 }
 
 void RowsToMySql::RowStored(std::span<const ado::Value> source_row) {
@@ -220,6 +223,7 @@ std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& t
       .columns = {},
       .is_new = is_new,
       .is_ahead_of_parents = !is_new && IsMerging() && Options().convert_relationships};
+  if (target.is_ahead_of_parents) unchecked_tables_.insert(table.dest_name);
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   return std::make_unique<RowsToMySql>(Destination(), std::move(target), fields, facts);
 }

@@ -142,6 +142,19 @@ TEST_P(MsSqlCopy, ARowOfBytesIsRefusedLikeAnyOther) {
   EXPECT_EQ(events.Errors().size(), 1u);
 }
 
+TEST_P(MsSqlCopy, ForeignKeyChecksAreOnAgainHoweverAMergeEnds) {
+  src.SetConvertRelationships(true);
+  dest.Fail("Create Table", Failure(kRefused, 1050, "exists"));
+  for (const std::int32_t native : {1062, 2013}) {
+    dest.log.clear();
+    Texts({{"1", "a"}, {"2", "b"}});
+    Refuse("2", Failure(kRefused, native, "words"));
+    Transfer({"t"});
+    EXPECT_THAT(dest.Sent("set foreign"),
+                ElementsAre("set foreign_key_checks = 0", "set foreign_key_checks = 1"));
+  }
+}
+
 TEST_P(MsSqlCopy, ABreakingSourceEndsTheCopyBehindItsRows) {
   Texts({{"1", "a"}, {"2", "b"}});
   source.BreakResult("select * from [t]", Failure(ado::hresult::kFail, 20004, "read failed"));

@@ -53,6 +53,7 @@ class Copy {
   std::string_view Keep(std::string text) { return source_.Keep(std::move(text)); }
 
   std::vector<std::string> notes;  // of the last transfer
+  bool with_relationships = false;
   /// Returns the events.
   std::vector<std::string> Transfer(const std::string& database, CopyStrategy strategy,
                                     std::int16_t mode) {
@@ -63,6 +64,7 @@ class Copy {
     src.SetListener(&events);
     src.SetCopyTableContent(true);
     src.SetConvertMode(mode);
+    src.SetConvertRelationships(with_relationships);
     src.plan.strategy = strategy;
     dest.SetServer("127.0.0.1");
     dest.SetPortNo(static_cast<std::int16_t>(Server().Port()));
@@ -230,6 +232,62 @@ TEST_F(TwoColumns, ManyRandomRefusals) {
   EXPECT_EQ(count, "3001");
 }
 
+TEST_F(TwoColumns, ATableWithoutItsKeyGetsItOrIsReported) {
+  struct Case {
+    const char* setup;
+    bool has_key;
+    std::vector<std::string> notes;
+    const char* error;  // null: none
+  };
+  const std::string missing = "Table t: its primary key pk was missing on the destination";
+  const std::string double_rows =
+      "Table t: no key tells its rows apart, so that every merge adds all of them again";
+  const std::string left_out = "Table t: 1 of 2 rows were there already and were left out";
+  const Case cases[] = {
+      {"create table t(k int not null, v varchar(40)); insert t values (0, 'old')",
+       true,
+       {missing + " and was added", left_out},
+       nullptr},
+      {"create table t(k int not null, v varchar(40)); insert t values (0, 'old'), (0, 'old')",
+       true,
+       {missing, double_rows},
+       "Can not create Primary Key constraint pk for table t _ "},
+      {"create table t(k int not null, v varchar(40))", false, {double_rows}, nullptr},
+      {"create table t(k int not null unique, v varchar(40)); insert t values (0, 'old')",
+       true,
+       {left_out},
+       nullptr},
+  };
+  for (const Case& each : cases) {
+    Copy copy;
+    copy.Columns({MakeColumn("k", DataType::Integer, false),
+                  WithSize(MakeColumn("v", DataType::VarWChar), 40)});
+    if (each.has_key) copy.Index({"pk", true, true, {"k"}});
+    copy.Rows(Numbered(2));
+    const auto events = copy.RunBothWays(each.setup, convert_mode::kMerge).first;
+    EXPECT_EQ(copy.notes, each.notes) << each.setup;
+    if (each.error == nullptr) {
+      EXPECT_THAT(Errors(events), IsEmpty()) << each.setup;
+    } else {
+      EXPECT_THAT(Errors(events), ElementsAre(testing::HasSubstr(each.error))) << each.setup;
+    }
+  }
+}
+
+TEST_F(TwoColumns, RowsWithoutAParentAreReportedWhereParentsMayFollow) {
+  Rows(Numbered(3));
+  with_relationships = true;
+  const auto [events, count] = RunBothWays(
+      "create table p(k int primary key); insert p values (0), (1); "
+      "create table t(k int primary key, v varchar(40), constraint fk foreign key (k) references "
+      "p(k))",
+      convert_mode::kMerge);
+  EXPECT_EQ(count, "3");
+  EXPECT_THAT(Errors(events),
+              ElementsAre("error 16 [Creating Relationship Error] 1 rows of table t refer to rows "
+                          "of table p that are not there (relationship fk)"));
+}
+
 struct Images : testing::Test, Copy {
   Images() {
     Columns({MakeColumn("k", DataType::Integer, false), MakeColumn("v", DataType::LongVarBinary)});
@@ -261,6 +319,39 @@ TEST_F(Images, TooLongForTheirColumnAreLeftOutAndReported) {
       RunBothWays("create table t(k int primary key, v blob)", convert_mode::kMerge);
   EXPECT_EQ(count, "49");
   EXPECT_THAT(Errors(events), ElementsAre(testing::EndsWith("(row 21)")));
+}
+
+TEST(MsSqlKeys, OnLongColumnsGetTheLengthThatFits) {
+  Copy copy;
+  copy.Columns({MakeColumn("k", DataType::Guid, false),
+                WithSize(MakeColumn("a", DataType::VarWChar, false), 450),
+                WithSize(MakeColumn("b", DataType::VarChar), 900),
+                WithSize(MakeColumn("d", DataType::VarWChar), 100),
+                WithSize(WithDefault(MakeColumn("e", DataType::VarChar), "x"), 300)});
+  copy.Index({"whole", false, true, {"k", "a"}});
+  copy.Index({"most", false, true, {"d", "b"}});
+  copy.Index({"pk", true, true, {"k", "d"}});
+  copy.Index({"plain", false, false, {"b"}});
+  copy.Rows({});
+  const auto events = copy.RunBothWays("", convert_mode::kOverwrite).first;
+  EXPECT_THAT(Errors(events), IsEmpty());
+  const auto key = [&](const char* name) {
+    return copy.Cell(
+        fmt::format("select group_concat(column_name, coalesce(sub_part, '') order by "
+                    "seq_in_index), ' ', min(non_unique) from "
+                    "information_schema.statistics where table_schema = database() "
+                    "and index_name = '{}'",
+                    name));
+  };
+  EXPECT_EQ(key("PRIMARY"), "k16,d\t \t0");
+  if (Server().IsMariaDb()) return;  // makes other unique keys whole by a hash
+  EXPECT_EQ(key("whole"), "k16,a450\t \t0");
+  EXPECT_EQ(key("most"), "d,b668\t \t1");
+  EXPECT_EQ(key("plain"), "b768\t \t1");
+  EXPECT_THAT(copy.notes, ElementsAre("Table t: unique key most became a plain index over the "
+                                      "beginnings of its columns",
+                                      "Table t: index plain covers the beginnings of its columns "
+                                      "only"));
 }
 
 struct Texts : testing::Test, Copy {

@@ -280,6 +280,73 @@ TEST_F(MsSqlTransfer, SourceFailuresAreNotPutDownToTheDestination) {
       "16 [Table Conversion] Failed to convert table missing 3265: "));
 }
 
+// What is sent in the end when the server refuses the definition with these numbers in turn.
+TEST_F(MsSqlTransfer, RefusedDefinitionsAreCured) {
+  const ado::Column text = WithDefault(WithSize(MakeColumn("c d", DataType::VarChar), 300), "x");
+  const ado::Column name = WithDefault(WithSize(MakeColumn("c d", DataType::VarChar), 3), "long");
+  const auto number = [](int precision) {
+    return WithDigits(MakeColumn("c d", DataType::Numeric, false), precision, 0);
+  };
+  struct Case {
+    ado::Column column;
+    bool is_identity;
+    std::vector<std::int32_t> refusals;
+    std::string statement;  // behind the name; empty: the table fails
+    std::vector<std::string> notes;
+  };
+  const std::string off = "Table t: the default ('x') of column c d was left off";
+  const Case cases[] = {
+      {text, false, {1101}, "Text NULL Default ('x'))", {}},
+      {text, false, {1101, 1064}, "Text NULL)", {off}},
+      {text, false, {1101, 1101}, "Text NULL)", {off}},
+      {text, false, {1101, 1064, 1064}, "", {}},
+      {name,
+       false,
+       {1067},
+       "VARCHAR(3) NULL)",
+       {"Table t: the default 'long' of column c d was left off"}},
+      {name,
+       false,
+       {1118, 1101},
+       "Text NULL Default ('long'))",
+       {"Table t: column c d became Text, since the row was too wide"}},
+      {number(18),
+       true,
+       {1063},
+       "BIGINT NOT NULL primary key auto_increment)",
+       {"Table t: column c d became BIGINT, since MySQL counts in integers"}},
+      {number(19),
+       true,
+       {1063},
+       "DECIMAL(19,0) NOT NULL)",
+       {"Table t: column c d does not count by itself any more, since DECIMAL(19,0) is too large "
+        "for it"}},
+      {number(9), false, {3750}, "DECIMAL(9,0) NOT NULL,constraint `pk` Primary key(`c_d`))", {}},
+      {number(9), false, {1142}, "", {}},
+  };
+  src.SetReplaceSpaceWithUnderscore(true);
+  for (const Case& each : cases) {
+    source.tables.clear();
+    dest.log.clear();
+    host.notes.clear();
+    events.events.clear();
+    AddTable("t", {each.column}, each.is_identity ? "c d" : "No identity column defined.");
+    source.indexes["t"] = {{"pk", true, true, {"c d"}}};
+    for (const std::int32_t native : each.refusals) {
+      dest.Fail("Create Table", Failure(ado::hresult::kErrorsInCommand, native, "in 'c_d'"), 1);
+    }
+    Transfer({"t"});
+    SCOPED_TRACE(each.statement);
+    if (each.statement.empty()) {
+      EXPECT_THAT(events.Of("failed"), ElementsAre("failed t"));
+      continue;
+    }
+    EXPECT_EQ(dest.Sent("Create Table").back(), "Create Table `t`(`c_d` " + each.statement);
+    EXPECT_THAT(events.Errors(), IsEmpty());
+    EXPECT_EQ(host.notes, each.notes);
+  }
+}
+
 TEST_F(MsSqlTransfer, ARefusedKeyIsNamedAndTheNextOneGoesOn) {
   src.SetReplaceSpaceWithUnderscore(true);
   AddTable("my t", {MakeColumn("c", DataType::Integer)});
