@@ -56,6 +56,7 @@ class MySqlToMsSql : public Conversion {
   std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
+  bool HasIdentity(const std::string& dest_table);
   void StorePostponedRows() override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
   void ReportRowProblem(const std::string& dest_table, std::string_view problem);

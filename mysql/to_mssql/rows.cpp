@@ -287,11 +287,21 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
                                                         const std::vector<ColumnFacts>& facts) {
   RowsToMsSql::Target target{.table = table.dest_name,
                              .columns = {},
-                             .has_identity_column = table.Identity() != nullptr,
+                             .has_identity_column = table.Identity() != nullptr &&
+                                                    (is_new || HasIdentity(table.dest_name)),
                              .is_new = is_new,
                              .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
+}
+
+bool MySqlToMsSql::HasIdentity(const std::string& dest_table) {
+  ado::Recordset count = OnDestination(Destination(), [&] {
+    return Destination().Execute(
+        "select count(*) from sys.columns where is_identity = 1 and object_id = object_id('" +
+        SqlText(MsSqlName(dest_table)) + "')");
+  });
+  return count.AtEnd() || count.Field(0).Text() != "0";
 }
 
 void MySqlToMsSql::StorePostponedRows() {
