@@ -63,7 +63,7 @@ class MySqlToMsSql : public Conversion {
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
-  void AddRelationship(const std::string& dest_table, const ForeignKeyText& key);
+  void AddRelationship(const std::string& table, const ForeignKeyText& key);
   bool HasRelationship(const std::string& dest_table, const std::string& quoted_name);
   /// A part of a table definition with its names as they are on the destination.
   std::string DestNames(std::string_view definition_part) const;

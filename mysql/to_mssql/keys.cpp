@@ -56,6 +56,9 @@ void MySqlToMsSql::AddKey(const KeyText& key, TableDefinition& table) {
     return;
   }
   try {
+    if (std::ranges::find(key.columns, "") != key.columns.end()) {
+      throw RunTimeError(ado::kItemNotFound, "MySql", "it is over an expression");
+    }
     key.IsPrimary() ? AddPrimaryKey(key, table) : AddIndex(key, table);
   } catch (const RunTimeError& error) {
     ReportKey(table, key.name, error);

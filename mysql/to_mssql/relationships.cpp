@@ -35,7 +35,7 @@ void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
     const std::string definition = row.Field(1).Text();
     row.Close();
     for (const ForeignKeyText& key : ReadForeignKeys(definition)) {
-      AddRelationship(DestName(name), key);
+      AddRelationship(name, key);
     }
   } catch (const RunTimeError& error) {
     RaiseError(fmt::format("Unexpected error {} - {}", error.Number(), error.Description()),
@@ -43,7 +43,8 @@ void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
   }
 }
 
-void MySqlToMsSql::AddRelationship(const std::string& dest_table, const ForeignKeyText& key) {
+void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyText& key) {
+  const std::string dest_table = DestName(table);
   const std::string table_reference = MsSqlName(dest_table);
   const std::string name = DestNames(key.name);
   const std::string columns = DestNames(key.columns);
@@ -62,7 +63,7 @@ void MySqlToMsSql::AddRelationship(const std::string& dest_table, const ForeignK
       execute(kNoAction, kNoAction);
       Host().Inform(fmt::format("Table {}: relationship {} has No Action for its rules, since SQL "
                                 "Server takes no cycles and no second path of them",
-                                dest_table, name));
+                                table, name));
     }
   } catch (const DestinationFailure& failure) {
     const ErrorSummary summary = failure.Summary();
