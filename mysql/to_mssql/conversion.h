@@ -39,7 +39,8 @@ class MySqlToMsSql : public Conversion {
 
   // cures.cpp
   bool CureTable(TableDefinition& table, std::int32_t native_error) override;
-  /// Changes the definitions of columns whose rows do not fit them, where the table will be created.
+  /// Changes the definitions of columns whose rows do not fit them, where the table will be
+  /// created.
   void AskTheRows(const std::vector<ado::Column>& columns, TableDefinition& table);
   bool WillBeCreated(const TableDefinition& table);
 

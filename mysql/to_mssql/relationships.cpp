@@ -50,10 +50,10 @@ void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyTex
   const std::string columns = DestNames(key.columns);
   const std::string referenced = DestNames(key.referenced);
   const auto execute = [&](const std::string& delete_rule, const std::string& update_rule) {
-    ExecuteOn(Destination(), fmt::format("Alter Table {} add CONSTRAINT {} Foreign Key ({}) "
-                                         "References {} On Delete {} On Update {}",
-                                         table_reference, name, columns, referenced, delete_rule,
-                                         update_rule));
+    ExecuteOn(Destination(),
+              fmt::format("Alter Table {} add CONSTRAINT {} Foreign Key ({}) "
+                          "References {} On Delete {} On Update {}",
+                          table_reference, name, columns, referenced, delete_rule, update_rule));
   };
   try {
     try {
@@ -61,9 +61,10 @@ void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyTex
     } catch (const DestinationFailure& failure) {
       if (failure.NativeError() != kSeveralCascades) throw;
       execute(kNoAction, kNoAction);
-      Host().Inform(fmt::format("Table {}: relationship {} has No Action for its rules, since SQL "
-                                "Server takes no cycles and no second path of them",
-                                table, name));
+      Host().Inform(
+          fmt::format("Table {}: relationship {} has No Action for its rules, since SQL "
+                      "Server takes no cycles and no second path of them",
+                      table, name));
     }
   } catch (const DestinationFailure& failure) {
     const ErrorSummary summary = failure.Summary();
@@ -74,10 +75,10 @@ void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyTex
     }
     const bool exists = summary.description.find(kExistsAlready) != std::string::npos;
     if (exists && IsMerging() && HasRelationship(dest_table, name)) return;
-    RaiseError(fmt::format("Could not create relationship between {}({}) and {}. Error {} - {}",
-                           table_reference, columns, referenced, summary.number,
-                           summary.description),
-               kTitle);
+    RaiseError(
+        fmt::format("Could not create relationship between {}({}) and {}. Error {} - {}",
+                    table_reference, columns, referenced, summary.number, summary.description),
+        kTitle);
   }
 }
 

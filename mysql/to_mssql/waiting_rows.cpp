@@ -35,8 +35,7 @@ std::vector<WaitingRows::Refusal> WaitingRows::Store(ado::Connection& destinatio
   // To and fro, since most parents stand on one side of their children.
   for (int idle_rounds = 0; idle_rounds < 2 && !rows_.empty();) {
     rows_.reverse();
-    const auto stored =
-        std::erase_if(rows_, [&](Row& row) { return IsStored(destination, row); });
+    const auto stored = std::erase_if(rows_, [&](Row& row) { return IsStored(destination, row); });
     idle_rounds = stored > 0 ? 0 : idle_rounds + 1;
   }
   std::vector<Refusal> refusals;
