@@ -105,8 +105,8 @@ ColumnDefinition GetColumnType(const ado::Column& col,
   if (literal) {
     definition.default_clause = definition.facts.default_text = *literal;
   } else {
-    definition.notes.push_back(fmt::format("the default of column {} was left off: {}", col.name,
-                                           found->default_value));
+    definition.notes.push_back(
+        fmt::format("the default of column {} was left off: {}", col.name, found->default_value));
   }
   return definition;
 }

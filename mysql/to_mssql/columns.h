@@ -24,8 +24,8 @@ struct ColumnDescription {
 std::vector<ColumnDescription> ShowColumns(ado::Connection& source,
                                            const std::string& table_reference);
 
-/// The SQL Server definition of a MySQL column, which `descriptions` holds; a default that cannot be
-/// converted is left off and noted. Throws RunTimeError when they do not hold it.
+/// The SQL Server definition of a MySQL column, which `descriptions` holds; a default that cannot
+/// be converted is left off and noted. Throws RunTimeError when they do not hold it.
 ColumnDefinition GetColumnType(const ado::Column& col,
                                const std::vector<ColumnDescription>& descriptions);
 

@@ -39,7 +39,8 @@ class MySqlToMsSql : public Conversion {
 
   // cures.cpp
   bool CureTable(TableDefinition& table, std::int32_t native_error) override;
-  /// Changes the definitions of columns whose rows do not fit them, where the table will be created.
+  /// Changes the definitions of columns whose rows do not fit them, where the table will be
+  /// created.
   void AskTheRows(const std::vector<ado::Column>& columns, TableDefinition& table);
   bool WillBeCreated(const TableDefinition& table);
 
@@ -56,13 +57,14 @@ class MySqlToMsSql : public Conversion {
   std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
+  bool HasIdentity(const std::string& dest_table);
   void StorePostponedRows() override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
   void ReportRowProblem(const std::string& dest_table, std::string_view problem);
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
-  void AddRelationship(const std::string& dest_table, const ForeignKeyText& key);
+  void AddRelationship(const std::string& table, const ForeignKeyText& key);
   bool HasRelationship(const std::string& dest_table, const std::string& quoted_name);
   /// A part of a table definition with its names as they are on the destination.
   std::string DestNames(std::string_view definition_part) const;

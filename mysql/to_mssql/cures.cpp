@@ -56,8 +56,8 @@ bool NarrowDecimals(TableDefinition& table, ado::Connection& source) {
     // Beside its digits a text has a sign and a point.
     const std::string type = fits ? fmt::format("numeric({},{})", kMostDigits, scale)
                                   : fmt::format("varchar({})", precision + 2);
-    column.notes.push_back(fmt::format("column {} is {}: SQL Server has no {}", column.name, type,
-                                       column.type));
+    column.notes.push_back(
+        fmt::format("column {} is {}: SQL Server has no {}", column.name, type, column.type));
     column.type = type;
     is_changed = true;
   }
@@ -95,8 +95,8 @@ void MySqlToMsSql::AskTheRows(const std::vector<ado::Column>& columns, TableDefi
     if (!*is_needed) return;
     if (may_be_negative && HasNegatives(Source(), table.name, column.name)) {
       column.type = "smallint";
-      column.notes.push_back(fmt::format("column {} is smallint: it holds values below zero",
-                                         column.name));
+      column.notes.push_back(
+          fmt::format("column {} is smallint: it holds values below zero", column.name));
     }
     // An index of its own takes them.
     if (may_repeat_nulls && RepeatsNulls(Source(), table.name, {column.name})) {
@@ -108,8 +108,8 @@ void MySqlToMsSql::AskTheRows(const std::vector<ado::Column>& columns, TableDefi
 bool MySqlToMsSql::WillBeCreated(const TableDefinition& table) {
   if (IsOverwriting()) return true;
   return OnDestination(Destination(), [&] {
-    ado::Recordset id = Destination().Execute("select object_id('" +
-                                              SqlText(MsSqlName(table.dest_name)) + "')");
+    ado::Recordset id =
+        Destination().Execute("select object_id('" + SqlText(MsSqlName(table.dest_name)) + "')");
     return id.AtEnd() || id.Field(0).IsNull();
   });
 }

@@ -8,8 +8,8 @@
 namespace dorvane {
 
 /// The literal or expression of a column's default on SQL Server, empty when it gets none.
-/// `described` is the default as SHOW COLUMNS writes it. Nothing when there is a default that cannot
-/// be converted.
+/// `described` is the default as SHOW COLUMNS writes it. Nothing when there is a default that
+/// cannot be converted.
 std::optional<std::string> DefaultLiteral(const ado::Column& col, const std::string& described);
 
 }  // namespace dorvane

@@ -12,9 +12,9 @@ namespace dorvane {
 struct KeyText {
   std::string name;
   bool is_unique = false;
-  std::string type = {};     // "BTREE", "FULLTEXT", ...
-  bool has_prefix = false;   // covers the beginning of a column only
-  NameList columns = {};     // empty names for expressions
+  std::string type = {};    // "BTREE", "FULLTEXT", ...
+  bool has_prefix = false;  // covers the beginning of a column only
+  NameList columns = {};    // empty names for expressions
 
   bool IsPrimary() const { return name == "PRIMARY"; }
 };

@@ -56,6 +56,9 @@ void MySqlToMsSql::AddKey(const KeyText& key, TableDefinition& table) {
     return;
   }
   try {
+    if (std::ranges::find(key.columns, "") != key.columns.end()) {
+      throw RunTimeError(ado::kItemNotFound, "MySql", "it is over an expression");
+    }
     key.IsPrimary() ? AddPrimaryKey(key, table) : AddIndex(key, table);
   } catch (const RunTimeError& error) {
     ReportKey(table, key.name, error);
@@ -113,8 +116,8 @@ void MySqlToMsSql::CheckExistingTable(ado::Table& tab_src, const TableDefinition
   if (!Options().copy_table_content) return;
   std::optional<KeyText> primary;
   try {
-    const std::vector<ado::Index> indexes = OnDestination(
-        Destination(), [&] { return Destination().Indexes(table.dest_name); });
+    const std::vector<ado::Index> indexes =
+        OnDestination(Destination(), [&] { return Destination().Indexes(table.dest_name); });
     if (std::ranges::any_of(indexes, &ado::Index::unique)) return;
     const std::vector<KeyText> keys =
         ReadKeys(Source().Execute("show index from " + MySqlName(tab_src.Name())));
@@ -126,8 +129,8 @@ void MySqlToMsSql::CheckExistingTable(ado::Table& tab_src, const TableDefinition
     }
     primary = keys[0];
     AddPrimaryKey(*primary, table);
-    Host().Inform(fmt::format("Table {}: it was there without its primary key, which was added",
-                              table.name));
+    Host().Inform(
+        fmt::format("Table {}: it was there without its primary key, which was added", table.name));
   } catch (const RunTimeError& error) {
     ReportKey(table, primary ? primary->name : "", error);
   }

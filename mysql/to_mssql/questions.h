@@ -15,8 +15,8 @@ bool HasNegatives(ado::Connection& source, const std::string& table, const std::
 bool ExceedsDigits(ado::Connection& source, const std::string& table, const std::string& column,
                    int digits);
 
-/// Whether rows that are equal in the key's columns have a NULL among them, which is no duplicate to
-/// MySQL and one to SQL Server.
+/// Whether rows that are equal in the key's columns have a NULL among them, which is no duplicate
+/// to MySQL and one to SQL Server.
 bool RepeatsNulls(ado::Connection& source, const std::string& table, const NameList& columns);
 
 }  // namespace dorvane

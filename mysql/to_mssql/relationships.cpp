@@ -35,7 +35,7 @@ void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
     const std::string definition = row.Field(1).Text();
     row.Close();
     for (const ForeignKeyText& key : ReadForeignKeys(definition)) {
-      AddRelationship(DestName(name), key);
+      AddRelationship(name, key);
     }
   } catch (const RunTimeError& error) {
     RaiseError(fmt::format("Unexpected error {} - {}", error.Number(), error.Description()),
@@ -43,16 +43,17 @@ void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
   }
 }
 
-void MySqlToMsSql::AddRelationship(const std::string& dest_table, const ForeignKeyText& key) {
+void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyText& key) {
+  const std::string dest_table = DestName(table);
   const std::string table_reference = MsSqlName(dest_table);
   const std::string name = DestNames(key.name);
   const std::string columns = DestNames(key.columns);
   const std::string referenced = DestNames(key.referenced);
   const auto execute = [&](const std::string& delete_rule, const std::string& update_rule) {
-    ExecuteOn(Destination(), fmt::format("Alter Table {} add CONSTRAINT {} Foreign Key ({}) "
-                                         "References {} On Delete {} On Update {}",
-                                         table_reference, name, columns, referenced, delete_rule,
-                                         update_rule));
+    ExecuteOn(Destination(),
+              fmt::format("Alter Table {} add CONSTRAINT {} Foreign Key ({}) "
+                          "References {} On Delete {} On Update {}",
+                          table_reference, name, columns, referenced, delete_rule, update_rule));
   };
   try {
     try {
@@ -60,9 +61,10 @@ void MySqlToMsSql::AddRelationship(const std::string& dest_table, const ForeignK
     } catch (const DestinationFailure& failure) {
       if (failure.NativeError() != kSeveralCascades) throw;
       execute(kNoAction, kNoAction);
-      Host().Inform(fmt::format("Table {}: relationship {} has No Action for its rules, since SQL "
-                                "Server takes no cycles and no second path of them",
-                                dest_table, name));
+      Host().Inform(
+          fmt::format("Table {}: relationship {} has No Action for its rules, since SQL "
+                      "Server takes no cycles and no second path of them",
+                      table, name));
     }
   } catch (const DestinationFailure& failure) {
     const ErrorSummary summary = failure.Summary();
@@ -73,10 +75,10 @@ void MySqlToMsSql::AddRelationship(const std::string& dest_table, const ForeignK
     }
     const bool exists = summary.description.find(kExistsAlready) != std::string::npos;
     if (exists && IsMerging() && HasRelationship(dest_table, name)) return;
-    RaiseError(fmt::format("Could not create relationship between {}({}) and {}. Error {} - {}",
-                           table_reference, columns, referenced, summary.number,
-                           summary.description),
-               kTitle);
+    RaiseError(
+        fmt::format("Could not create relationship between {}({}) and {}. Error {} - {}",
+                    table_reference, columns, referenced, summary.number, summary.description),
+        kTitle);
   }
 }
 

@@ -32,16 +32,22 @@ bool WaitingRows::Add(Row row) {
 }
 
 std::vector<WaitingRows::Refusal> WaitingRows::Store(ado::Connection& destination) {
-  while (std::erase_if(rows_, [&](Row& row) { return IsStored(destination, row); }) > 0) {
+  // To and fro, since most parents stand on one side of their children.
+  for (int idle_rounds = 0; idle_rounds < 2 && !rows_.empty();) {
+    rows_.reverse();
+    const auto stored = std::erase_if(rows_, [&](Row& row) { return IsStored(destination, row); });
+    idle_rounds = stored > 0 ? 0 : idle_rounds + 1;
   }
   std::vector<Refusal> refusals;
   for (Row& row : rows_) {
     auto refusal = std::ranges::find(refusals, row.table, &Refusal::table);
     if (refusal == refusals.end()) {
-      refusals.push_back({row.table, 0, row.position, std::move(row.reason)});
-      refusal = refusals.end() - 1;
+      refusal = refusals.insert(refusals.end(), {row.table, 0, row.position, row.reason});
     }
     ++refusal->rows;
+    if (row.position >= refusal->first_position) continue;
+    refusal->first_position = row.position;
+    refusal->first_reason = std::move(row.reason);
   }
   rows_.clear();
   bytes_ = 0;

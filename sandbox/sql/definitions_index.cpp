@@ -16,7 +16,8 @@ constexpr const char* kNullKey = "x'4e554c4c204e554c4c204e554c4c204e554c4c204e55
 std::string IndexTerm(const TableDef& table, const IndexDef& index, const IndexColumn& key) {
   const ColumnDef& column = table.Column(key.column_id);
   std::string term = TableDef::StoredColumn(column.id);
-  if (index.unique && column.nullable && !key.skips_nulls) term = fmt::format("ifnull({}, {})", term, kNullKey);
+  if (index.unique && column.nullable && !key.skips_nulls)
+    term = fmt::format("ifnull({}, {})", term, kNullKey);
   if (IsText(column.type.type)) term += std::string(" COLLATE ") + kTextCollation;
   return term + (key.descending ? " DESC" : "");
 }

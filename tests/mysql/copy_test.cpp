@@ -187,10 +187,9 @@ TEST_F(MySqlCopy, EachRefusalIsTheRowsOrEndsTheCopy) {
 }
 
 TEST_F(MySqlCopy, CountsTheValuesOfStoredRowsThatTheRulesChange) {
-  const ado::DateTime moments[] = {{0, 0, 0, 0, 0},    {2020, 2, 31, 0, 0},
-                                   {2020, 0, 0, 0, 5}, {1752, 12, 31, 0, 5},
-                                   {1753, 1, 1, 0, 0}, {2020, 2, 29, 1, 500'000'000},
-                                   {2021, 1, 1, 0, 5}};
+  const ado::DateTime moments[] = {
+      {0, 0, 0, 0, 0},    {2020, 2, 31, 0, 0},           {2020, 0, 0, 0, 5}, {1752, 12, 31, 0, 5},
+      {1753, 1, 1, 0, 0}, {2020, 2, 29, 1, 500'000'000}, {2021, 1, 1, 0, 5}};
   std::vector<Row> rows;
   for (const ado::DateTime& moment : moments) rows.push_back(Numbered(1, moment));
   Rows(DataType::DBTimeStamp, rows);

@@ -118,7 +118,8 @@ TEST_F(FromMySql, KeysAndRelationshipsAsTheServerDescribesThem) {
   EXPECT_THAT(dest.Sent("alter table"), ElementsAre("alter table [p] add primary key ([a],[b])",
                                                     "alter table [c] add primary key ([id])"));
   EXPECT_THAT(dest.Sent("Create unique"), ElementsAre("Create unique index name on [c](name)"));
-  EXPECT_THAT(dest.Sent("Create index"), testing::UnorderedElementsAre("Create index [by a] on [c](a,b)",
+  EXPECT_THAT(dest.Sent("Create index"),
+              testing::UnorderedElementsAre("Create index [by a] on [c](a,b)",
                                             "Create index [part] on [c](name)"));
   EXPECT_THAT(
       dest.Sent("Alter Table"),

@@ -193,9 +193,10 @@ TEST_F(MySqlTransfer, ARefusedKeyIsToldAndTheNextOneGoesOn) {
                 {"t", "0", "PRIMARY", "1", "c", {}, "BTREE"}});
   dest.Fail("[a]", Failure(-1, 1919, "cannot be indexed"));
   Transfer({"t"});
-  EXPECT_THAT(events.Errors(),
-              ElementsAre("error 16 [MySQL Server] An error occured while creating primary keys and "
-                          "indexes for table 't' - a: cannot be indexed"));
+  EXPECT_THAT(
+      events.Errors(),
+      ElementsAre("error 16 [MySQL Server] An error occured while creating primary keys and "
+                  "indexes for table 't' - a: cannot be indexed"));
   EXPECT_THAT(host.notes, ElementsAre("Table t: index too_long was not carried: the beginning of a "
                                       "column too long for an index",
                                       "Table t: index words was not carried: full text"));

@@ -117,7 +117,7 @@ TEST_F(ConstraintsTest, AFilteredIndexLeavesNullsOut) {
   Reopen();
   Must("insert t values (3, 1, null), (4, 1, null), (5, 1, 1)");
   EXPECT_EQ(Run("insert t values (6, 1, 1)").Numbers(), "2601 3621");
-  EXPECT_EQ(Run("create unique index ix2 on t (a)").Numbers(), "1505");
+  EXPECT_EQ(Run("create unique index ix2 on t (a)").Numbers(), "1505 3621");
 }
 
 TEST_F(ConstraintsTest, DefaultsOfEveryForm) {

@@ -99,8 +99,8 @@ std::optional<std::string> BytesOfDefault(const ServerLink& link, const std::str
   for (const std::string& from : {source, "(select 1) one left join " + source + " on true"}) {
     try {
       const TextRows rows =
-          Query(link.client.get(), fmt::format("select hex(default(t.{})) from {} limit 1",
-                                               QuotedName(column), from));
+          Query(link.client.get(),
+                fmt::format("select hex(default(t.{})) from {} limit 1", QuotedName(column), from));
       if (!rows.empty() && rows[0].at(0)) return "0x" + *rows[0].at(0);
     } catch (const ProviderError&) {
       // Such as a view's column.
