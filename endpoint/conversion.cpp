@@ -42,9 +42,30 @@ Conversion::Conversion(Context context)
       copy_(context.copy) {}
 
 void Conversion::Run(const NameList& src_tables) {
-  ConvertListedTables(src_tables);
+  const NameList tables = WithoutCollisions(src_tables);
+  if (IsOverwriting()) PlanOverwriting(tables);
+  ForEachTable(tables, [this](const std::string& name) {
+    events_.TableConversionStarted(name);
+    ConvertTable(name);
+  });
+  if (!host_.IsStopping()) StorePostponedRows();
+  if (options_.convert_relationships) {
+    ForEachTable(tables, [this](const std::string& name) { RelateTable(name); });
+  }
   source_->Close();
   destination_->Close();
+}
+
+template <typename Step>
+void Conversion::ForEachTable(const NameList& tables, Step step) {
+  for (const std::string& name : tables) {
+    if (host_.IsStopping()) return;
+    try {
+      step(name);
+    } catch (const RunTimeError& error) {
+      ReportTableFailure(name, error);
+    }
+  }
 }
 
 Conversion::PlannedTable& Conversion::Plan(const std::string& name) {
@@ -60,62 +81,34 @@ Conversion::PlannedTable& Conversion::Plan(const std::string& name) {
   return planned;
 }
 
-std::set<std::size_t> Conversion::FindCollisions(const NameList& src_tables) {
-  std::set<std::size_t> refused;
+NameList Conversion::WithoutCollisions(const NameList& src_tables) {
+  NameList accepted;
   std::map<std::string, const std::string*> first_of;
-  for (std::size_t i = 0; i < src_tables.size(); ++i) {
-    const std::string& name = src_tables[i];
+  for (const std::string& name : src_tables) {
     const auto [entry, is_new] = first_of.try_emplace(text::ToLower(DestName(name)), &name);
-    if (is_new) continue;
     const std::string& first = *entry->second;
-    if (DestName(first) != DestName(name) && !FoldsTableNames()) continue;
+    if (is_new || (DestName(first) != DestName(name) && !FoldsTableNames())) {
+      accepted.push_back(name);
+      continue;
+    }
+    events_.TableConversionStarted(name);
     RaiseError(fmt::format("Tables {} and {} have one name on the destination. Table {} was not "
                            "converted",
                            first, name, name),
                "Table Conversion");
-    refused.insert(i);
+    events_.TableConversionFailed(name);
   }
-  return refused;
+  return accepted;
 }
 
-void Conversion::ConvertListedTables(const NameList& src_tables) {
-  const std::set<std::size_t> refused = FindCollisions(src_tables);
-  if (IsOverwriting()) {
-    std::vector<const TableDefinition*> tables;
-    for (std::size_t i = 0; i < src_tables.size() && !host_.IsStopping(); ++i) {
-      if (refused.contains(i)) continue;
-      const PlannedTable& planned = Plan(src_tables[i]);
-      if (planned.definition) tables.push_back(&*planned.definition);
-    }
+void Conversion::PlanOverwriting(const NameList& tables) {
+  std::vector<const TableDefinition*> definitions;
+  for (const std::string& name : tables) {
     if (host_.IsStopping()) return;
-    PrepareOverwriting(tables);
+    const PlannedTable& planned = Plan(name);
+    if (planned.definition) definitions.push_back(&*planned.definition);
   }
-  for (std::size_t i = 0; i < src_tables.size(); ++i) {
-    const std::string& name = src_tables[i];
-    if (host_.IsStopping()) return;
-    events_.TableConversionStarted(name);
-    if (refused.contains(i)) {
-      events_.TableConversionFailed(name);
-      continue;
-    }
-    try {
-      ConvertTable(name);
-    } catch (const RunTimeError& error) {
-      ReportTableFailure(name, error);
-    }
-  }
-  StorePostponedRows();
-  if (!options_.convert_relationships) return;
-  for (std::size_t i = 0; i < src_tables.size(); ++i) {
-    const std::string& name = src_tables[i];
-    if (host_.IsStopping()) return;
-    if (refused.contains(i)) continue;
-    try {
-      RelateTable(name);
-    } catch (const RunTimeError& error) {
-      ReportTableFailure(name, error);
-    }
-  }
+  PrepareOverwriting(definitions);
 }
 
 void Conversion::ConvertTable(const std::string& name) {

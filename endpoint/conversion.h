@@ -5,7 +5,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -105,9 +104,13 @@ class Conversion {
     std::exception_ptr failure;
   };
   PlannedTable& Plan(const std::string& name);
-  /// Positions of the listed tables whose destination name an earlier one takes; reports them.
-  std::set<std::size_t> FindCollisions(const NameList& src_tables);
-  void ConvertListedTables(const NameList& src_tables);
+  /// Runs a step for each table and reports its failure; returns when the host is stopping.
+  template <typename Step>
+  void ForEachTable(const NameList& tables, Step step);
+  /// The listed tables but for those whose destination name an earlier one takes; reports these.
+  NameList WithoutCollisions(const NameList& src_tables);
+  /// Defines all tables before anything is dropped.
+  void PlanOverwriting(const NameList& tables);
   void ConvertTable(const std::string& name);
   bool CreateTable(TableDefinition& table);
   void TellNotes(const TableDefinition& table);

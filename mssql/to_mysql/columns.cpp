@@ -6,7 +6,7 @@
 #include "mssql/to_mysql/literals.h"
 #include "platform/run_time_error.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -105,4 +105,4 @@ ColumnDefinition GetColumnType(const ado::Column& col, const std::string& identi
   return definition;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -8,7 +8,7 @@
 #include "mssql/to_mysql/cures.h"
 #include "mssql/to_mysql/literals.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -126,4 +126,4 @@ void MsSqlToMySql::ReportTableFailure(const std::string& name, const RunTimeErro
   Events().TableConversionFailed(name);
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

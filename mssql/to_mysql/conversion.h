@@ -8,7 +8,7 @@
 
 #include "endpoint/conversion.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 /// Converts SQL Server tables into MySQL tables.
 class MsSqlToMySql : public Conversion {
@@ -86,4 +86,4 @@ class MsSqlToMySql : public Conversion {
   std::set<std::string> unchecked_tables_;  // names on the destination
 };
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -8,7 +8,7 @@
 
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -147,4 +147,4 @@ bool CureDefinition(TableDefinition& table, const TableRefusal& refusal) {
   return cure != kCures.end() && cure->apply(table, refusal);
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -8,7 +8,7 @@
 #include "endpoint/table_definition.h"
 #include "platform/ado/catalog_types.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 /// A Create Table statement that MySQL refused.
 struct TableRefusal {
@@ -25,4 +25,4 @@ bool CureDefinition(TableDefinition& table, const TableRefusal& refusal);
 /// True for a type that MySQL keeps outside the row: TEXT and BLOB of every length.
 bool IsLongType(std::string_view type);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -10,7 +10,7 @@
 #include "mssql/to_mysql/conversion.h"
 #include "mssql/to_mysql/literals.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -90,4 +90,4 @@ void MsSqlToMySql::AskForMilliseconds(ado::Table& tab_src, TableDefinition& tabl
   }
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -11,7 +11,7 @@
 #include "mssql/to_mysql/literals.h"
 #include "platform/text/number_text.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -142,4 +142,4 @@ std::string DefaultLiteral(const ado::Column& col, const std::string& value) {
   }
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

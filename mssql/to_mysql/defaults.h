@@ -6,7 +6,7 @@
 #include "platform/ado/catalog_types.h"
 #include "platform/ado/value.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 /// The MySQL literal of a default as the catalog reports its value; empty for a type or a value
 /// (the current time) that gets none. Throws RunTimeError 13 for a value that cannot be read.
@@ -17,4 +17,4 @@ std::string DefaultLiteral(const ado::Column& col, const std::string& value);
 /// date 1900-01-01. Throws RunTimeError 13.
 ado::DateTime ParseServerDate(std::string_view text);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

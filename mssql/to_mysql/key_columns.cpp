@@ -8,7 +8,7 @@
 #include "endpoint/names.h"
 #include "mssql/to_mysql/cures.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -83,4 +83,4 @@ KeyColumns KeyColumnsWithLengths(const std::vector<std::string>& dest_names,
   return result;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

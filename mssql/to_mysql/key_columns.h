@@ -6,7 +6,7 @@
 #include "endpoint/table_definition.h"
 #include "platform/ado/catalog_types.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 /// The columns of a key as they stand between the parentheses of its statement.
 struct KeyColumns {
@@ -23,4 +23,4 @@ KeyColumns KeyColumnsWithLengths(const std::vector<std::string>& dest_names,
                                  const ado::Index& index, const std::vector<ado::Column>& columns,
                                  const TableDefinition& table);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -8,7 +8,7 @@
 #include "mssql/to_mysql/key_columns.h"
 #include "mssql/to_mysql/literals.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -178,4 +178,4 @@ void MsSqlToMySql::ReportKey(const ado::Index& index, const TableDefinition& tab
              "Primary Key Constraint");
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -4,7 +4,7 @@
 #include "endpoint/literal_text.h"
 #include "endpoint/number_literal.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -94,4 +94,4 @@ std::string HexCodeGUID(std::string_view braced) {
   return HexCode(GuidBytes(braced));
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -8,7 +8,7 @@
 #include "platform/ado/types.h"
 #include "platform/ado/value.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 /// What a source value becomes in a field of the MySQL table: NULL, text, or bytes (identifiers and
 /// binary values). New text is kept in `storage`; other text and bytes stay where the value has
@@ -33,4 +33,4 @@ std::string Quote(std::string_view text);
 /// "0x" and the 32 digits of a braced identifier; "0x00" for any other text.
 std::string HexCodeGUID(std::string_view braced);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

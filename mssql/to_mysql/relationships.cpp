@@ -9,7 +9,7 @@
 #include "mssql/to_mysql/literals.h"
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -254,4 +254,4 @@ void MsSqlToMySql::ReportOrphans(const std::string& dest_name) {
   }
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

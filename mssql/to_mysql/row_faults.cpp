@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -54,4 +54,4 @@ RowFault FaultOf(const ado::Error& error) {
   return is_known ? RowFault::Refused : RowFault::None;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -2,7 +2,7 @@
 
 #include "platform/ado/errors.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 /// What a refused INSERT says of its row.
 enum class RowFault {
@@ -14,4 +14,4 @@ enum class RowFault {
 
 RowFault FaultOf(const ado::Error& error);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

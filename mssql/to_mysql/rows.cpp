@@ -11,7 +11,7 @@
 #include "mssql/to_mysql/row_faults.h"
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -234,4 +234,4 @@ void MsSqlToMySql::ReportCopyProblem(const TableDefinition& table, std::string_v
              "Insertion Error");
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -12,7 +12,7 @@
 #include "endpoint/table_definition.h"
 #include "platform/ado/connection.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 /// While it lives, rows of a MySQL session may refer to rows that are still to come.
 class ForeignKeyChecksOff {
@@ -76,4 +76,4 @@ class RowsToMySql : public IRowDestination {
   std::int64_t cut_fractions_ = 0;
 };
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -10,7 +10,7 @@
 #include "platform/text/ascii.h"
 #include "platform/text/number_text.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -192,4 +192,4 @@ ado::DateTime ParseServerDate(std::string_view text) {
   return *date;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

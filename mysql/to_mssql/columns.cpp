@@ -6,7 +6,7 @@
 
 #include "mysql/to_mssql/defaults.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -127,4 +127,4 @@ std::optional<std::int64_t> KeyBytes(const std::string& type) {
   return kMostNumberBytes;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

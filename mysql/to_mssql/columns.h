@@ -9,7 +9,7 @@
 #include "platform/ado/catalog_types.h"
 #include "platform/ado/connection.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// A row of SHOW COLUMNS.
 struct ColumnDescription {
@@ -33,4 +33,4 @@ ColumnDefinition GetColumnType(const ado::Column& col,
 /// key takes.
 std::optional<std::int64_t> KeyBytes(const std::string& type);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

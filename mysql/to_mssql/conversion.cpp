@@ -7,7 +7,7 @@
 #include "endpoint/names.h"
 #include "mysql/to_mssql/columns.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -99,4 +99,4 @@ void MySqlToMsSql::ReportTableFailure(const std::string& name, const RunTimeErro
   Events().TableConversionFailed(name);
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

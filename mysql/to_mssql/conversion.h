@@ -12,7 +12,7 @@
 #include "mysql/to_mssql/waiting_rows.h"
 #include "mysql/util.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// Converts MySQL tables into SQL Server tables.
 class MySqlToMsSql : public Conversion {
@@ -76,4 +76,4 @@ class MySqlToMsSql : public Conversion {
   std::set<std::string> kept_;  // tables of the source whose old ones could not be dropped
 };
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

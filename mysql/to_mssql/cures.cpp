@@ -9,7 +9,7 @@
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/questions.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -114,4 +114,4 @@ bool MySqlToMsSql::WillBeCreated(const TableDefinition& table) {
   });
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

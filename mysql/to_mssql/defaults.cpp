@@ -12,7 +12,7 @@
 #include "platform/run_time_error.h"
 #include "platform/text/number_text.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -160,4 +160,4 @@ std::optional<std::string> DefaultLiteral(const ado::Column& col, const std::str
   }
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

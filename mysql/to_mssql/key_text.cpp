@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 std::vector<KeyText> ReadKeys(ado::Recordset rows) {
   std::vector<KeyText> keys;
@@ -20,4 +20,4 @@ std::vector<KeyText> ReadKeys(ado::Recordset rows) {
   return keys;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -6,7 +6,7 @@
 #include "endpoint/database.h"
 #include "platform/ado/connection.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// A key as SHOW INDEX describes it, its rows put together.
 struct KeyText {
@@ -22,4 +22,4 @@ struct KeyText {
 /// The keys of a SHOW INDEX result, the primary one first. Throws RunTimeError.
 std::vector<KeyText> ReadKeys(ado::Recordset rows);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

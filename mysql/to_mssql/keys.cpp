@@ -9,7 +9,7 @@
 #include "mysql/to_mssql/questions.h"
 #include "mysql/to_mssql/reserved_words.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -136,4 +136,4 @@ void MySqlToMsSql::CheckExistingTable(ado::Table& tab_src, const TableDefinition
   }
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

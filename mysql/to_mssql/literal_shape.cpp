@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -108,4 +108,4 @@ bool Join(LiteralShape& shape, const LiteralShape& other, ado::DataType type) {
   return true;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

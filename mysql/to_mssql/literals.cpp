@@ -9,7 +9,7 @@
 #include "platform/text/ascii.h"
 #include "platform/text/utf8.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -175,4 +175,4 @@ unsigned ChangesOf(const ado::DateTime& value, ado::DataType type) {
   return changes | (is_of_a_day ? kTimeDated : kTimeMovedDate);
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

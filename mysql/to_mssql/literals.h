@@ -7,7 +7,7 @@
 #include "platform/ado/types.h"
 #include "platform/ado/value.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// Appends the literal of one source value as it stands in a VALUES list. A NULL becomes the
 /// column's default where the column takes no NULL.
@@ -34,4 +34,4 @@ inline constexpr unsigned kTimeChanges = 5;
 /// The TimeChange bits of a value of a column of this type.
 unsigned ChangesOf(const ado::DateTime& value, ado::DataType type);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -7,7 +7,7 @@
 #include "mysql/to_mssql/conversion.h"
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -78,4 +78,4 @@ void MySqlToMsSql::DropReferencesAmong(const std::vector<const TableDefinition*>
   }
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -4,7 +4,7 @@
 
 #include "endpoint/names.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -36,4 +36,4 @@ bool RepeatsNulls(ado::Connection& source, const std::string& table, const NameL
   return Exists(source, table, has_null + " group by " + list + " having count(*) > 1");
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -5,7 +5,7 @@
 #include "endpoint/database.h"
 #include "platform/ado/connection.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 // What only the rows of a MySQL table can tell. Names are unquoted; all throw RunTimeError.
 
@@ -19,4 +19,4 @@ bool ExceedsDigits(ado::Connection& source, const std::string& table, const std:
 /// to MySQL and one to SQL Server.
 bool RepeatsNulls(ado::Connection& source, const std::string& table, const NameList& columns);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -6,7 +6,7 @@
 #include "mysql/to_mssql/conversion.h"
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -103,4 +103,4 @@ std::string MySqlToMsSql::DestNames(std::string_view definition_part) const {
   return text;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

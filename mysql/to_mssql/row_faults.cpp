@@ -3,7 +3,7 @@
 #include <limits>
 #include <string>
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -51,4 +51,4 @@ bool MayComeRight(const ado::Error& error) {
          error.description.find("FOREIGN KEY") != std::string::npos;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

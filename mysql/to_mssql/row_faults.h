@@ -4,7 +4,7 @@
 
 #include "platform/ado/errors.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// What a failed INSERT says of its row. With None the failure is the table's or the server's.
 enum class RowFault { None, Refused, Duplicate };
@@ -16,4 +16,4 @@ RowFault FaultOf(std::int32_t native_error);
 /// check refuses stays refused.
 bool MayComeRight(const ado::Error& error);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

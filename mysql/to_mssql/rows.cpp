@@ -12,7 +12,7 @@
 #include "mysql/to_mssql/row_faults.h"
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -277,4 +277,4 @@ void MySqlToMsSql::ReportRowProblem(const std::string& dest_table, std::string_v
              "MS SQL Server");
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

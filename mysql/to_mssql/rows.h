@@ -14,7 +14,7 @@
 #include "mysql/to_mssql/waiting_rows.h"
 #include "platform/ado/connection.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// A SQL Server table that rows of a MySQL table are copied into.
 class RowsToMsSql : public IRowDestination {
@@ -71,4 +71,4 @@ class RowsToMsSql : public IRowDestination {
   std::int64_t handled_ = 0;  // rows
 };
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

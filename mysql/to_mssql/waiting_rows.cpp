@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -54,4 +54,4 @@ std::vector<WaitingRows::Refusal> WaitingRows::Store(ado::Connection& destinatio
   return refusals;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -9,7 +9,7 @@
 #include "endpoint/failure.h"
 #include "platform/ado/connection.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// Rows that a foreign key refused while the rows that they refer to may still come: children that
 /// are listed before their parents, rows in circles.
@@ -40,4 +40,4 @@ class WaitingRows {
   std::size_t bytes_ = 0;
 };
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

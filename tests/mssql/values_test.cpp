@@ -3,7 +3,7 @@
 #include "endpoint/literal_text.h"
 #include "mssql/to_mysql/literals.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 namespace {
 
 using ado::DataType;
@@ -74,4 +74,4 @@ TEST(MsSqlQuote, EscapesInOrder) {
 }
 
 }  // namespace
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

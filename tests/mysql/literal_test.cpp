@@ -3,7 +3,7 @@
 #include "mysql/to_mssql/literal_shape.h"
 #include "mysql/to_mssql/literals.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 namespace {
 
 using ado::DataType;
@@ -97,4 +97,4 @@ TEST(LiteralShape, WidensOverManyRows) {
 }
 
 }  // namespace
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql
