@@ -73,7 +73,7 @@ TEST_F(FromMariaDb, EveryTypeWithItsDefaultAndValue) {
        "N'\u4E16'"},
       {"varchar(30) not null default 'now()'", "'caf\u00E9'",
        "nvarchar(30) NOT NULL Default 'now()'", "N'caf\u00E9'"},
-      {"varchar(36) not null default uuid()", "'x'", "nvarchar(36) NOT NULL", "'x'"},
+      {"varchar(36) not null default (uuid())", "'x'", "nvarchar(36) NOT NULL", "'x'"},
       {"text character set latin1", "'\\\\'", "text NULL", "'\\'"},
       {"longtext", "''", "nvarchar(max) NULL", "''"},
       {"binary(3)", "0x0AFF", "binary(3) NULL", "0x0AFF00"},
