@@ -118,6 +118,10 @@ const Specimen kShop[] = {
      {"<1><1><2>", "<2><2>NULL"},
      {"relationship [two] has No Action for its rules, since SQL Server takes no cycles and no "
       "second path of them"}},
+    {"bytes",
+     "k int primary key, d varbinary(9) not null default x'ff00aa', e binary(2) default 'a'",
+     {"1, 'x', 'b'"},
+     {"<1><0x78><0x6200>"}},
     {"parents", "k int primary key", {"1", "2"}, {"<1>", "<2>"}},
 };
 
@@ -243,8 +247,10 @@ TEST_P(OddShop, OverwritesNightAfterNight) {
     ExpectLines(Convert(convert_mode::kOverwrite));
     ExpectArrived();
   }
-  if (!Rig::Get().MySql().IsMariaDb()) return;
   const auto connection = dest_.OpenConnection(true);
+  connection->Execute("delete from bytes; insert into bytes(k) values (2)");
+  EXPECT_THAT(Content(*connection, "bytes"), testing::ElementsAre("<2><0xFF00AA><0x6100>"));
+  if (!Rig::Get().MySql().IsMariaDb()) return;
   connection->Execute("delete from defaults; insert into defaults(k) values (2)");
   EXPECT_THAT(Content(*connection, "defaults"),
               testing::ElementsAre("<2><1899-12-31 01:00:00><1753-01-01 00:00:00><007><0xFF00AA>"

@@ -91,8 +91,8 @@ RuleType RuleOf(const Cell& rule) {
   return rule == "SET DEFAULT" ? RuleType::SetDefault : RuleType::None;
 }
 
-/// A binary default in the catalog has "?" for bytes that are no text. The table knows them, but
-/// tells those of a NOT NULL column only beside a row. Nothing when it does not tell.
+/// The bytes of a binary default as "0x...". The table knows them, but tells those of a NOT NULL
+/// column only beside a row. Nothing when it does not tell.
 std::optional<std::string> BytesOfDefault(const ServerLink& link, const std::string& database,
                                           const std::string& table, const std::string& column) {
   const std::string source = fmt::format("{}.{} t", QuotedName(database), QuotedName(table));
@@ -108,6 +108,15 @@ std::optional<std::string> BytesOfDefault(const ServerLink& link, const std::str
     }
   }
   return std::nullopt;
+}
+
+/// The catalog writes "?" for bytes that are no text, or digits that end at the first zero byte.
+void ReplaceDoubtfulBytes(const ServerLink& link, const std::string& database,
+                          const std::string& table, Column& column) {
+  const bool has_digits = column.default_value->starts_with("0x");
+  if (!has_digits && column.default_value->find('?') == std::string::npos) return;
+  std::optional<std::string> bytes = BytesOfDefault(link, database, table, column.name);
+  if (bytes || !has_digits) column.default_value = std::move(bytes);
 }
 
 }  // namespace
@@ -151,9 +160,9 @@ std::vector<Column> ReadColumns(const ServerLink& link, const std::string& datab
       column.default_value =
           DefaultValue(*row.at(8), type, row.at(9).value_or(""), link.quotes_defaults);
     }
-    const bool is_doubtful = IsBinary(column.type) && column.default_value &&
-                             column.default_value->find('?') != std::string::npos;
-    if (is_doubtful) column.default_value = BytesOfDefault(link, database, table, column.name);
+    if (IsBinary(column.type) && column.default_value) {
+      ReplaceDoubtfulBytes(link, database, table, column);
+    }
   }
   return columns;
 }
