@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/standard_error.h"
 #include "app/unattended_run.h"
 #include "job/endpoints.h"
 #include "ui/wizard/run_wizard.h"
@@ -23,7 +24,7 @@ constexpr std::string_view kHelp =
     "  Dorvane --version       prints the version\n"
     "\n"
     "Exit status of a conversion: 0 everything was converted, 1 something failed (see the log),\n"
-    "2 the settings could not be used.\n";
+    "2 the settings could not be used, 128 and the signal's number: stopped by it.\n";
 
 /// The whole command line is one path, so that blanks in it need no quotes; quotes are taken off.
 std::string SettingsPath(int argc, char** argv) {
@@ -45,6 +46,7 @@ bool HasDisplay() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  dorvane::OpenStandardDescriptors();
   std::setlocale(LC_TIME, "");
   std::signal(SIGPIPE, SIG_IGN);  // a server that went away is an error of its connection
 
@@ -61,9 +63,9 @@ int main(int argc, char** argv) {
     return static_cast<int>(dorvane::RunUnattendedConversion(path, dorvane::MakeEndpoint));
   }
   if (!HasDisplay()) {
-    fmt::print(stderr,
-               "Dorvane: there is no display for the wizard. Give a settings file to convert "
-               "without one; see Dorvane --help.\n");
+    dorvane::WriteStandardError(
+        "Dorvane: there is no display for the wizard. Give a settings file to convert "
+        "without one; see Dorvane --help.\n");
     return 2;
   }
   return dorvane::RunWizard(argc, argv);

@@ -4,8 +4,11 @@
 #include <fmt/format.h>
 
 #include <clocale>
-#include <cstdio>
 #include <ctime>
+
+#include "app/standard_error.h"
+#include "app/stop_signals.h"
+#include "platform/text/utf8.h"
 
 namespace dorvane {
 
@@ -23,7 +26,7 @@ std::string GeneralDateAndTime() {
 }
 
 void PrintError(std::string_view line) {
-  fmt::print(stderr, "{}\n", line);
+  WriteStandardError(std::string(line) + "\n");
 }
 
 }  // namespace
@@ -41,8 +44,10 @@ void UnattendedListener::CloseLog() {
   }
 }
 
-void UnattendedListener::Log(const std::string& line) {
+void UnattendedListener::Log(std::string_view text) {
   progress_.Clear();
+  // One message, one line: nothing that a server or a name says looks like a line of ours.
+  const std::string line = text::Visible(text);
   if (!log_ || log_broken_) return PrintError(line);
   try {
     log_->WriteLine(line);
@@ -61,6 +66,7 @@ void UnattendedListener::GiveUpLog(const RunTimeError& error) {
 void UnattendedListener::ErrorOccured(std::string_view message, std::int32_t /*message_style*/,
                                       std::string_view source) {
   failed_ = true;
+  table_failed_ = true;
   Log(fmt::format("{} - {}", source, message));
 }
 
@@ -71,13 +77,14 @@ void UnattendedListener::ConversionStarted(std::int16_t no_of_tables, bool /*rel
 }
 
 void UnattendedListener::ConversionEnded() {
+  if (IsStopping()) return;
   ended_ = true;
   Log("Conversion ended at: " + GeneralDateAndTime());
   Log("######################### End OF Conversion #############################");
 }
 
 void UnattendedListener::TableConversionSuccessed(std::string_view /*table_name*/) {
-  Log("Done!");
+  Log(table_failed_ ? "Done, with errors." : "Done!");
 }
 
 void UnattendedListener::TableConversionFailed(std::string_view /*table_name*/) {
@@ -94,6 +101,7 @@ void UnattendedListener::TableRecordConverted() {
 }
 
 void UnattendedListener::TableConversionStarted(std::string_view table_name) {
+  table_failed_ = false;
   Log(fmt::format("Converting table '{}' ..... ", table_name));
 }
 
@@ -109,11 +117,17 @@ void UnattendedListener::ShowMessage(std::string_view message, std::int32_t styl
   ErrorOccured(message, style, title);
 }
 
-void UnattendedListener::UnclassifiedFailure(std::string_view message, std::int32_t /*style*/,
+bool UnattendedListener::IsStopping() const {
+  return StopSignals::Received() != 0;
+}
+
+void UnattendedListener::Inform(std::string_view message) {
+  Log(fmt::format("Note - {}", message));
+}
+
+void UnattendedListener::UnclassifiedFailure(std::string_view message, std::int32_t style,
                                              std::string_view title) {
-  failed_ = true;
-  progress_.Clear();
-  PrintError(fmt::format("{} - {}", title, message));
+  ErrorOccured(message, style, title);
 }
 
 }  // namespace dorvane

@@ -19,7 +19,7 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   /// Stores what was written.
   void CloseLog();
   /// A line of the log; a log that cannot be written is told once, and the run goes on.
-  void Log(const std::string& line);
+  void Log(std::string_view text);
   void MarkFailed() { failed_ = true; }
   /// True when the conversion ran to its end and nothing was reported.
   bool Succeeded() const { return ended_ && !failed_; }
@@ -38,9 +38,11 @@ class UnattendedListener : public IConversionListener, public IRunHost {
 
   void ConnectionFailed(const ConnectionFailure& failure) override;
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
+  void Inform(std::string_view message) override;
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}
+  bool IsStopping() const override;
 
  private:
   /// Gives the log up and says why on standard error.
@@ -50,6 +52,7 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   ProgressLine progress_;
   bool log_broken_ = false;
   bool failed_ = false;
+  bool table_failed_ = false;  // something of the table in hand was reported
   bool ended_ = false;
 };
 

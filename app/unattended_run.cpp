@@ -1,9 +1,13 @@
 #include "app/unattended_run.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
+#include "app/standard_error.h"
+#include "app/stop_signals.h"
 #include "app/unattended_listener.h"
 #include "job/conversion_settings.h"
+#include "platform/files/lock.h"
 #include "platform/files/text_file.h"
 
 namespace dorvane {
@@ -40,6 +44,7 @@ bool RunStep(UnattendedListener& listener, Step step) {
 
 RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
                                   const HostedEndpointFactory& make_endpoint) {
+  const StopSignals signals;
   UnattendedListener listener;
   ConversionSettings settings;
   const bool usable = RunStep(listener, [&] {
@@ -53,9 +58,25 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
   });
   if (!usable) return RunStatus::kSettingsUnusable;
 
-  RunStep(listener, [&] { settings.src->TransferToDest(*settings.dest, settings.tables); });
+  RunStep(listener, [&] {
+    // Two runs of the same settings would copy every row twice and drop each other's tables.
+    const auto lock = files::Lock::Try(settings_file);
+    if (!lock) {
+      throw RunTimeError(run_time::kPermissionDenied, "Dorvane",
+                         "another run of these settings is still at work");
+    }
+    settings.src->TransferToDest(*settings.dest, settings.tables);
+    if (const int signal = StopSignals::Received()) {
+      throw RunTimeError(kUnnumbered, "Dorvane", fmt::format("stopped by signal {}", signal));
+    }
+  });
   listener.CloseLog();
-  return listener.Succeeded() ? RunStatus::kConverted : RunStatus::kFailed;
+  if (const int signal = StopSignals::Received()) return StoppedBy(signal);
+  if (listener.Succeeded()) return RunStatus::kConverted;
+  if (isatty(STDERR_FILENO) == 1) {
+    WriteStandardError(fmt::format("The conversion failed; see {}\n", settings.log_path));
+  }
+  return RunStatus::kFailed;
 }
 
 }  // namespace dorvane

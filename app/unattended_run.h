@@ -7,11 +7,16 @@
 namespace dorvane {
 
 /// Exit statuses of an unattended run.
-enum class RunStatus {
+enum class RunStatus : int {
   kConverted = 0,         // every table was converted and nothing was reported
   kFailed = 1,            // anything failed; the log says what
   kSettingsUnusable = 2,  // the settings file, or the log it names, could not be used
 };
+
+/// The status of a run that a signal ended in order.
+inline RunStatus StoppedBy(int signal) {
+  return static_cast<RunStatus>(128 + signal);
+}
 
 /// Converts what the settings file describes without any window and appends to its log. What cannot
 /// go to the log, because it is not open yet or cannot be written, goes to standard error.

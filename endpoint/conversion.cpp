@@ -1,9 +1,13 @@
 #include "endpoint/conversion.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 #include <limits>
 #include <utility>
+
+#include "platform/text/ascii.h"
 
 namespace dorvane {
 
@@ -14,10 +18,15 @@ std::vector<ColumnFacts> FactsOf(const std::vector<ado::FieldInfo>& fields,
                                  const TableDefinition& table) {
   std::vector<ColumnFacts> facts;
   for (const ado::FieldInfo& field : fields) {
-    const TableDefinition::Column* column = table.Find(field.name);
+    const ColumnDefinition* column = table.Find(field.name);
     facts.push_back(column != nullptr ? column->facts : ColumnFacts());
   }
   return facts;
+}
+
+std::int32_t Announced(std::int64_t rows) {
+  constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(std::min(rows, kMost));
 }
 
 }  // namespace
@@ -33,79 +42,191 @@ Conversion::Conversion(Context context)
       copy_(context.copy) {}
 
 void Conversion::Run(const NameList& src_tables) {
-  ConvertListedTables(src_tables);
+  const NameList tables = WithoutCollisions(src_tables);
+  if (IsOverwriting()) PlanOverwriting(tables);
+  ForEachTable(tables, [this](const std::string& name) {
+    events_.TableConversionStarted(name);
+    ConvertTable(name);
+  });
+  if (!host_.IsStopping()) StorePostponedRows();
+  if (options_.convert_relationships) {
+    ForEachTable(tables, [this](const std::string& name) { RelateTable(name); });
+  }
   source_->Close();
   destination_->Close();
 }
 
-void Conversion::ConvertListedTables(const NameList& src_tables) {
-  PrepareDestination(src_tables);
-  for (const std::string& name : src_tables) {
-    if (host_.IsStopping()) return;
-    events_.TableConversionStarted(name);
-    try {
-      ConvertTable(name);
-    } catch (const RunTimeError& error) {
-      ReportTableFailure(name, error);
-    }
-  }
-  if (!options_.convert_relationships) return;
-  for (const std::string& name : src_tables) {
+template <typename Step>
+void Conversion::ForEachTable(const NameList& tables, Step step) {
+  for (const std::string& name : tables) {
     if (host_.IsStopping()) return;
     try {
-      RelateTable(name);
+      step(name);
     } catch (const RunTimeError& error) {
       ReportTableFailure(name, error);
     }
   }
 }
 
+Conversion::PlannedTable& Conversion::Plan(const std::string& name) {
+  const auto [entry, is_new] = planned_.try_emplace(name);
+  PlannedTable& planned = entry->second;
+  if (!is_new) return planned;
+  try {
+    planned.definition = DefineTable(catalog_.TableByName(name));
+  } catch (const RunTimeError&) {
+    planned.failure = std::current_exception();
+  }
+  host_.Yield();
+  return planned;
+}
+
+NameList Conversion::WithoutCollisions(const NameList& src_tables) {
+  NameList accepted;
+  std::map<std::string, const std::string*> first_of;
+  for (const std::string& name : src_tables) {
+    const auto [entry, is_new] = first_of.try_emplace(text::ToLower(DestName(name)), &name);
+    const std::string& first = *entry->second;
+    if (is_new || (DestName(first) != DestName(name) && !FoldsTableNames())) {
+      accepted.push_back(name);
+      continue;
+    }
+    events_.TableConversionStarted(name);
+    RaiseError(fmt::format("Tables {} and {} have one name on the destination. Table {} was not "
+                           "converted",
+                           first, name, name),
+               "Table Conversion");
+    events_.TableConversionFailed(name);
+  }
+  return accepted;
+}
+
+void Conversion::PlanOverwriting(const NameList& tables) {
+  std::vector<const TableDefinition*> definitions;
+  for (const std::string& name : tables) {
+    if (host_.IsStopping()) return;
+    const PlannedTable& planned = Plan(name);
+    if (planned.definition) definitions.push_back(&*planned.definition);
+  }
+  PrepareOverwriting(definitions);
+}
+
 void Conversion::ConvertTable(const std::string& name) {
+  PlannedTable& planned = Plan(name);
+  if (planned.failure) std::rethrow_exception(planned.failure);
+  TableDefinition& table = *planned.definition;
   ado::Table& tab_src = catalog_.TableByName(name);
-  const TableDefinition table = DefineTable(tab_src);
-  PrepareTable(table);
+  if (IsOverwriting()) PrepareTable(table);
   const bool is_new = CreateTable(table);
-  if (is_new) AddPrimaryKeyConstraint(tab_src, table);
+  if (is_new) {
+    AddPrimaryKeyConstraint(tab_src, table);
+    TellNotes(table);
+  } else {
+    CheckExistingTable(tab_src, table);
+  }
   if (options_.copy_table_content && !CopyTableContent(table, is_new)) return;
   events_.TableConversionSuccessed(name);
 }
 
-bool Conversion::CreateTable(const TableDefinition& table) {
-  try {
-    ExecuteOn(*destination_, CreateTableStatement(table));
-    return true;
-  } catch (const DestinationFailure& failure) {
-    if (IsMerging() && failure.Number() == ado::hresult::kErrorsInCommand) return false;
-    throw;
+bool Conversion::CreateTable(TableDefinition& table) {
+  for (;;) {
+    try {
+      ExecuteOn(*destination_, CreateTableStatement(table));
+      return true;
+    } catch (const DestinationFailure& failure) {
+      const std::int32_t native_error = failure.NativeError();
+      if (IsMerging() && native_error == TableExistsError()) return false;
+      if (!CureTable(table, native_error)) throw;
+    }
   }
+}
+
+void Conversion::TellNotes(const TableDefinition& table) {
+  const auto tell = [&](const std::string& note) {
+    host_.Inform(fmt::format("Table {}: {}", table.name, note));
+  };
+  for (const ColumnDefinition& column : table.columns) std::ranges::for_each(column.notes, tell);
+  std::ranges::for_each(table.notes, tell);
 }
 
 bool Conversion::CopyTableContent(const TableDefinition& table, bool is_new) {
   const std::string source_name = SourceName(table.name);
   try {
-    ado::Recordset source = source_->Execute("select * from " + source_name);
+    ado::Recordset source =
+        source_->Execute("select " + SelectList(table) + " from " + source_name);
     const std::vector<ado::FieldInfo>& fields = source.FieldInfos();
-    events_.TableContentTransferStarted(table.name, CountRows(source_name));
+    const std::int64_t announced = CountRows(source_name);
+    events_.TableContentTransferStarted(table.name, Announced(announced));
 
     const std::vector<ColumnFacts> facts = FactsOf(fields, table);
     const std::unique_ptr<IRowDestination> rows = OpenRows(table, is_new, fields, facts);
     RowCopier copier(*rows, events_, host_, copy_);
-    return copier.Copy([&source](ado::RowBlock& block) { return source.GetRows(block); });
+    bool is_whole = false;
+    bool is_stopped = false;
+    try {
+      is_stopped = !copier.Copy([&](ado::RowBlock& block) { return source.GetRows(block); });
+      is_whole = !is_stopped;
+    } catch (const RunTimeError& error) {
+      const ErrorSummary summary = SummaryOf(error);
+      ReportCopyProblem(table, fmt::format("{} - {}", summary.number, summary.description));
+    }
+    if (is_whole) ReportShortfall(table, announced, copier.Account().read);
+    ReportRows(table, announced, copier.Account());
+    ReportChanges(table, rows->Changes());
+    return !is_stopped;
   } catch (const RunTimeError& error) {
-    ReportCopyFailure(table, SummaryOf(error));
+    const ErrorSummary summary = SummaryOf(error);
+    ReportCopyProblem(table, fmt::format("{} - {}", summary.number, summary.description));
     return true;
   }
 }
 
-std::int32_t Conversion::CountRows(std::string_view source_name) {
+std::int64_t Conversion::CountRows(std::string_view source_name) {
   const std::string text =
       source_->Execute("select count(*) as Rows_No from " + std::string(source_name))
           .Field("Rows_No")
           .Text();
-  std::uint64_t count = 0;
+  std::int64_t count = 0;
   std::from_chars(text.data(), text.data() + text.size(), count);
-  constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
-  return static_cast<std::int32_t>(std::min(count, kMost));
+  return count;
+}
+
+void Conversion::ReportShortfall(const TableDefinition& table, std::int64_t announced,
+                                 std::int64_t read) {
+  if (read >= announced) return;
+  // Rows that somebody deleted meanwhile are nobody's loss.
+  if (CountRows(SourceName(table.name)) < announced) return;
+  ReportCopyProblem(table, fmt::format("the source gave {} of {} rows", read, announced));
+}
+
+void Conversion::ReportRows(const TableDefinition& table, std::int64_t announced,
+                            const RowAccount& account) {
+  if (account.refused > 0) {
+    ReportCopyProblem(
+        table,
+        fmt::format("{} of {} rows were not copied; the first: {} - {} (row {})", account.refused,
+                    std::max(announced, account.read), account.first_reason.number,
+                    account.first_reason.description, account.first_refused));
+  }
+  if (account.duplicates > 0) {
+    host_.Inform(fmt::format("Table {}: {} of {} rows were there already and were left out",
+                             table.name, account.duplicates, std::max(announced, account.read)));
+  }
+}
+
+void Conversion::ReportChanges(const TableDefinition& table,
+                               const std::vector<ValueChanges>& changes) {
+  std::string by_rule;
+  for (const ValueChanges& each : changes) {
+    if (each.count == 0) continue;
+    if (each.is_loss) {
+      RaiseError(fmt::format("{} values of table {} {}", each.count, table.name, each.what),
+                 "Insertion Error");
+    } else {
+      by_rule += fmt::format("{}{} {}", by_rule.empty() ? "" : ", ", each.count, each.what);
+    }
+  }
+  if (!by_rule.empty()) host_.Inform(fmt::format("Table {}: {}", table.name, by_rule));
 }
 
 void Conversion::RaiseError(std::string_view message, std::string_view title, std::int32_t style) {

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,32 +61,64 @@ class Conversion {
   // The steps of a direction. They throw RunTimeError, and DestinationFailure for what the
   // destination refused, unless they say that they report it.
 
-  /// What comes ahead of the first table. Reports its failures.
-  virtual void PrepareDestination(const NameList& src_tables) = 0;
+  /// The definition of a table, complete enough to make the table again before it is dropped.
   virtual TableDefinition DefineTable(ado::Table& tab_src) = 0;
-  /// What comes right before a table is created.
+  /// In overwrite mode, ahead of the first table: `tables` are all that can be made, in their
+  /// order. Reports its failures.
+  virtual void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) = 0;
+  /// In overwrite mode, right before the table is created.
   virtual void PrepareTable(const TableDefinition& table) = 0;
   virtual std::string CreateTableStatement(const TableDefinition& table) const = 0;
+  /// The server's number for a table that is there already.
+  virtual std::int32_t TableExistsError() const = 0;
+  /// Changes a definition that was refused with this number so that it may be taken, and notes what
+  /// was changed. False when there is no cure, or none any more.
+  virtual bool CureTable(TableDefinition& table, std::int32_t native_error) = 0;
   /// Primary key and indexes of a table just created. Reports its failures.
-  virtual void AddPrimaryKeyConstraint(ado::Table& tab_src, const TableDefinition& table) = 0;
+  virtual void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) = 0;
+  /// What a merge needs of a table that was there: the key by which rows are told apart. Reports
+  /// its failures.
+  virtual void CheckExistingTable(ado::Table& tab_src, const TableDefinition& table) = 0;
+  /// The columns that are read, as they stand behind "select ".
+  virtual std::string SelectList(const TableDefinition& table) const = 0;
   /// The table that rows are copied into. `facts` are those of `fields`, one each; both outlive it.
   virtual std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                                     const std::vector<ado::FieldInfo>& fields,
                                                     const std::vector<ColumnFacts>& facts) = 0;
-  /// The foreign keys of a table, between the two events' places. Throws only for a table that is
-  /// not in the source's catalog.
+  /// After the last table: stores the rows that were postponed. Reports its failures.
+  virtual void StorePostponedRows() {}
+  /// The foreign keys of a table. Throws only for a table that is not in the source's catalog.
   virtual void RelateTable(const std::string& name) = 0;
 
   /// A name quoted for the source.
   virtual std::string SourceName(std::string_view name) const = 0;
+  /// True when the destination takes names that differ in letter case for one.
+  virtual bool FoldsTableNames() = 0;
   virtual void ReportTableFailure(const std::string& name, const RunTimeError& error) = 0;
-  virtual void ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) = 0;
+  /// "Unexpected error while transfering data of table ... - " and the problem.
+  virtual void ReportCopyProblem(const TableDefinition& table, std::string_view problem) = 0;
 
-  void ConvertListedTables(const NameList& src_tables);
+  /// A table's definition, or why there is none.
+  struct PlannedTable {
+    std::optional<TableDefinition> definition;
+    std::exception_ptr failure;
+  };
+  PlannedTable& Plan(const std::string& name);
+  /// Runs a step for each table and reports its failure; returns when the host is stopping.
+  template <typename Step>
+  void ForEachTable(const NameList& tables, Step step);
+  /// The listed tables but for those whose destination name an earlier one takes; reports these.
+  NameList WithoutCollisions(const NameList& src_tables);
+  /// Defines all tables before anything is dropped.
+  void PlanOverwriting(const NameList& tables);
   void ConvertTable(const std::string& name);
-  bool CreateTable(const TableDefinition& table);
+  bool CreateTable(TableDefinition& table);
+  void TellNotes(const TableDefinition& table);
   bool CopyTableContent(const TableDefinition& table, bool is_new);
-  std::int32_t CountRows(std::string_view source_name);
+  std::int64_t CountRows(std::string_view source_name);
+  void ReportShortfall(const TableDefinition& table, std::int64_t announced, std::int64_t read);
+  void ReportRows(const TableDefinition& table, std::int64_t announced, const RowAccount& account);
+  void ReportChanges(const TableDefinition& table, const std::vector<ValueChanges>& changes);
 
   std::unique_ptr<ado::Connection> source_;
   std::unique_ptr<ado::Connection> destination_;
@@ -93,6 +128,7 @@ class Conversion {
   IConversionListener& events_;
   IRunHost& host_;
   const CopyPlan copy_;
+  std::map<std::string, PlannedTable> planned_;
 };
 
 }  // namespace dorvane

@@ -45,7 +45,7 @@ bool RowCopier::Copy(const BlockSource& source) {
     const Fetched fetched = ahead.get();
     if (fetched.has_more) ahead = FetchAhead(source, rows[1 - current]);
     // The rows that came before a failure of the source are copied like any others.
-    if (!Store(rows[current].converted)) return false;
+    if (!Store(rows[current])) return false;
     if (fetched.failure) std::rethrow_exception(fetched.failure);
     if (!fetched.has_more) return true;
     current = 1 - current;
@@ -78,24 +78,25 @@ void RowCopier::ConvertValues(Rows& rows) {
   }
 }
 
-bool RowCopier::Store(const ado::RowBlock& converted) {
+bool RowCopier::Store(const Rows& rows) {
   refused_end_ = 0;
-  for (std::size_t position = 0; position < converted.Rows();) {
+  for (std::size_t position = 0; position < rows.converted.Rows();) {
     if (host_.IsStopping()) return false;
-    position += StoreSome(converted, position);
+    position += StoreSome(rows, position);
   }
   host_.Yield();
   return true;
 }
 
-std::size_t RowCopier::StoreSome(const ado::RowBlock& converted, std::size_t position) {
-  const std::size_t count = NextCount(position, converted.Rows());
+std::size_t RowCopier::StoreSome(const Rows& rows, std::size_t position) {
+  const std::size_t count = NextCount(position, rows.converted.Rows());
   if (count == 1) {
-    StoreOne(converted, position);
+    StoreOne(rows, position);
     return 1;
   }
-  switch (destination_.StoreBlock(converted, position, count)) {
+  switch (destination_.StoreBlock(rows.converted, position, count)) {
     case BlockResult::Stored:
+      Stored(rows, position, count);
       clean_rows_ += count;
       batch_size_ = std::min(batch_size_ * kGrowth, limits_.rows);
       Handled(count);
@@ -113,9 +114,13 @@ std::size_t RowCopier::StoreSome(const ado::RowBlock& converted, std::size_t pos
   return 0;
 }
 
-void RowCopier::StoreOne(const ado::RowBlock& converted, std::size_t position) {
-  const RowResult result = destination_.StoreRow(converted, position);
-  if (result == RowResult::Refused) {
+void RowCopier::StoreOne(const Rows& rows, std::size_t position) {
+  const RowOutcome outcome = destination_.StoreRow(rows.converted, position);
+  Note(outcome);
+  if (outcome.result == RowResult::Stored || outcome.result == RowResult::Changed) {
+    Stored(rows, position, 1);
+  }
+  if (outcome.result != RowResult::Stored) {
     const std::size_t usual_stretch = clean_rows_ / kGrowth;
     batch_size_ = usual_stretch < kCleanRowsForBlock ? 1 : std::min(usual_stretch, limits_.rows);
     clean_rows_ = 0;
@@ -127,6 +132,14 @@ void RowCopier::StoreOne(const ado::RowBlock& converted, std::size_t position) {
   Handled(1);
 }
 
+void RowCopier::Note(const RowOutcome& outcome) {
+  if (outcome.result == RowResult::Duplicate) ++account_.duplicates;
+  if (outcome.result != RowResult::Refused) return;
+  if (++account_.refused > 1) return;
+  account_.first_refused = account_.read + 1;
+  account_.first_reason = outcome.reason;
+}
+
 std::size_t RowCopier::NextCount(std::size_t position, std::size_t rows) const {
   if (!blocks_) return 1;
   const std::size_t count = std::min(batch_size_, rows - position);
@@ -135,7 +148,14 @@ std::size_t RowCopier::NextCount(std::size_t position, std::size_t rows) const {
   return suspects <= kFewRows ? 1 : std::min(count, suspects / 2);
 }
 
+void RowCopier::Stored(const Rows& rows, std::size_t position, std::size_t count) {
+  for (std::size_t row = 0; row < count; ++row) {
+    destination_.RowStored(rows.source.Row(position + row));
+  }
+}
+
 void RowCopier::Handled(std::size_t count) {
+  account_.read += static_cast<std::int64_t>(count);
   for (std::size_t row = 0; row < count; ++row) events_.TableRecordConverted();
 }
 

@@ -1,10 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <future>
+#include <span>
+#include <string>
+#include <vector>
 
 #include "endpoint/events.h"
+#include "endpoint/failure.h"
 #include "endpoint/run_host.h"
 #include "platform/ado/row_block.h"
 
@@ -14,8 +19,35 @@ namespace dorvane {
 /// another way (a lost connection, a deadlock).
 enum class BlockResult { Stored, Refused, Failed };
 
-/// Refused: the row was left out or changed as the rules of the direction say.
-enum class RowResult { Stored, Refused };
+/// What became of a row that was stored alone.
+enum class RowResult {
+  Stored,
+  Changed,    // stored, with what the destination could not take replaced
+  Duplicate,  // left out: its key was there before the run
+  Refused,    // left out: the destination takes no such row
+  Postponed,  // kept by the destination, which tries it again and tells what comes of it
+};
+
+struct RowOutcome {
+  RowResult result = RowResult::Stored;
+  ErrorSummary reason = {};  // of a refused row: the server's own number and words
+};
+
+/// Values of a table that arrive otherwise than they were.
+struct ValueChanges {
+  std::int64_t count = 0;
+  std::string what;      // behind the count: "dates before 1753-01-01 were raised to it"
+  bool is_loss = false;  // counts as a failure; the others follow the conversion's rules
+};
+
+/// What became of the rows of one table.
+struct RowAccount {
+  std::int64_t read = 0;
+  std::int64_t duplicates = 0;
+  std::int64_t refused = 0;
+  std::int64_t first_refused = 0;  // its position among the rows read, from 1
+  ErrorSummary first_reason;
+};
 
 /// The table that rows are copied into.
 class IRowDestination {
@@ -33,7 +65,12 @@ class IRowDestination {
   virtual BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                                  std::size_t count) = 0;
   /// Stores one row under the rules of the direction. Throws RunTimeError when the copy must end.
-  virtual RowResult StoreRow(const ado::RowBlock& converted, std::size_t row) = 0;
+  virtual RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) = 0;
+  /// A row that has been stored, as the source gave it: what is lost of it by the rules of the
+  /// conversion is counted here, where rows that were left out do not come.
+  virtual void RowStored(std::span<const ado::Value> /*source_row*/) {}
+  /// What happened to values so far; asked for when the copy has ended.
+  virtual std::vector<ValueChanges> Changes() const = 0;
 };
 
 /// The blocks that rows travel in, by measuring: larger ones are no faster, smaller ones wait
@@ -65,6 +102,8 @@ class RowCopier {
   /// False when the user ended the run before the last row. Throws what StoreRow and `source`
   /// throw, after every row read before has been handled.
   bool Copy(const BlockSource& source);
+  /// Of the rows that have been handled.
+  const RowAccount& Account() const { return account_; }
 
  private:
   struct Rows;
@@ -72,10 +111,12 @@ class RowCopier {
 
   std::future<Fetched> FetchAhead(const BlockSource& source, Rows& rows);
   void ConvertValues(Rows& rows);
-  bool Store(const ado::RowBlock& converted);
-  std::size_t StoreSome(const ado::RowBlock& converted, std::size_t position);
-  void StoreOne(const ado::RowBlock& converted, std::size_t position);
+  bool Store(const Rows& rows);
+  std::size_t StoreSome(const Rows& rows, std::size_t position);
+  void StoreOne(const Rows& rows, std::size_t position);
   std::size_t NextCount(std::size_t position, std::size_t rows) const;
+  void Note(const RowOutcome& outcome);
+  void Stored(const Rows& rows, std::size_t position, std::size_t count);
   void Handled(std::size_t count);
 
   IRowDestination& destination_;
@@ -83,6 +124,7 @@ class RowCopier {
   IRunHost& host_;
   const bool blocks_;
   const ado::BlockLimits limits_;
+  RowAccount account_;
 
   std::size_t batch_size_;       // rows that the next attempt may take
   std::size_t clean_rows_ = 0;   // stored since the last refusal

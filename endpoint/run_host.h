@@ -23,8 +23,11 @@ class IRunHost {
   /// A message of a catalog operation, shown at once (unattended runs call none of these).
   virtual void ShowMessage(std::string_view message, std::int32_t style,
                            std::string_view title) = 0;
-  /// A failure that only an interactive run reports as ErrorOccured. An unattended run keeps it out
-  /// of its log, writes it to standard error and counts the run as failed.
+  /// What a person should know and no failure is: how the destination differs by the rules of the
+  /// conversion. An unattended run logs it; a window shows it without interrupting.
+  virtual void Inform(std::string_view message) = 0;
+  /// A failure that only an interactive run reports as ErrorOccured. An unattended run logs it and
+  /// counts the run as failed.
   virtual void UnclassifiedFailure(std::string_view message, std::int32_t style,
                                    std::string_view title) = 0;
   /// Called often during slow work: lets the window system process what is pending. Cheap.

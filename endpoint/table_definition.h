@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,35 +10,36 @@ namespace dorvane {
 struct ColumnFacts {
   std::string default_text;  // destination literal of the default; empty when there is none
   bool nullable = false;     // the source column takes NULL
+  int fraction_digits = 0;   // of the seconds that the destination's column keeps
 };
 
-/// A column as the destination gets it.
+/// A column as the destination gets it, in the pieces that a refusal may change.
 struct ColumnDefinition {
-  std::string text;  // what follows the column's name: type, NULL rule, identity, default
-  ColumnFacts facts;
+  std::string name = {};        // the source's
+  std::string type = {};        // "VARCHAR(50)"; empty for a type that the destination lacks
+  std::string attributes = {};  // with a blank in front: " Identity", " primary key auto_increment"
+  std::string default_clause = {};  // behind " Default ": the default's literal, or an expression
   bool is_identity = false;
+  bool is_invisible = false;  // "select *" leaves it out
+  ColumnFacts facts = {};
+  std::vector<std::string> notes = {};  // what the definition leaves out, for a person to read
+
+  /// What follows the column's name in a Create Table statement.
+  std::string Text() const;
 };
 
 /// A table as the destination gets it.
 struct TableDefinition {
-  struct Column : ColumnDefinition {
-    std::string name;  // the source's
-  };
-
   std::string name;       // the source catalog's
   std::string dest_name;  // unquoted
-  std::vector<Column> columns;
+  std::vector<ColumnDefinition> columns;
+  std::string constraints = {};         // behind the columns, with a comma in front
+  std::vector<std::string> notes = {};  // what was done about refusals, for a person to read
 
   /// Null when there is none of that name.
-  const Column* Find(std::string_view column) const {
-    const auto found = std::ranges::find(columns, column, &Column::name);
-    return found != columns.end() ? &*found : nullptr;
-  }
+  const ColumnDefinition* Find(std::string_view column) const;
   /// Null when the table has no identity column.
-  const Column* Identity() const {
-    const auto found = std::ranges::find(columns, true, &Column::is_identity);
-    return found != columns.end() ? &*found : nullptr;
-  }
+  const ColumnDefinition* Identity() const;
 };
 
 }  // namespace dorvane

@@ -25,15 +25,42 @@ NameList SplitTables(std::string_view line) {
   return tables;
 }
 
+/// The failure of a line, with the place that it is mended at. `value` is not shown when empty.
+RunTimeError At(const files::LineReader& file, const RunTimeError& error,
+                const std::string& value = {}) {
+  return {error.Number(), error.Source(),
+          fmt::format("{} (line {} of {}{}{})", error.Description(), file.LineNumber(),
+                      file.Path().filename().string(), value.empty() ? "" : ": ", value)};
+}
+
+/// The value that `parse` makes of a line.
+template <typename Value>
+Value Parsed(const files::LineReader& file, const std::string& line,
+             Value (*parse)(std::string_view)) {
+  try {
+    return parse(line);
+  } catch (const RunTimeError& error) {
+    throw At(file, error, line);
+  }
+}
+
+bool ReadBoolean(files::LineReader& file) {
+  return Parsed(file, file.ReadLine(), text::ParseBoolean);
+}
+
+std::int16_t ReadInt16(files::LineReader& file) {
+  return Parsed(file, file.ReadLine(), text::ParseInt16);
+}
+
 void ReadServer(files::LineReader& file, IDatabase& endpoint) {
   ado::ConnectionSettings settings;
   settings.server = file.ReadLine();
-  settings.port = text::ParseInt16(file.ReadLine());
+  settings.port = ReadInt16(file);
   settings.user_id = file.ReadLine();
   settings.password = text::FromAnsi(Encryptor().Decrypt(file.ReadRawLine()));
   const std::string win_auth = file.ReadLine();
   if (endpoint.Kind() == ServerKind::MsSql && !win_auth.empty()) {
-    settings.integrated_security = text::ParseBoolean(win_auth);
+    settings.integrated_security = Parsed(file, win_auth, text::ParseBoolean);
   }
   settings.database = file.ReadLine();
   endpoint.SetSettings(std::move(settings));
@@ -92,10 +119,7 @@ std::string JoinTables(const NameList& tables) {
   return fmt::format("{}", fmt::join(tables, kTableSeparator));
 }
 
-}  // namespace
-
-ConversionSettings ReadConversionSettings(files::LineReader& file,
-                                          const EndpointFactory& make_endpoint) {
+ConversionSettings ReadLines(files::LineReader& file, const EndpointFactory& make_endpoint) {
   const std::string direction = file.ReadLine();
   if (direction != "1" && direction != "2") throw UnexpectedDirection();
   const bool from_ms_sql = direction == "1";
@@ -107,13 +131,25 @@ ConversionSettings ReadConversionSettings(files::LineReader& file,
   ReadServer(file, *settings.dest);
   settings.tables = SplitTables(file.ReadLine());
   ConversionOptions options;
-  options.replace_space_with_underscore = text::ParseBoolean(file.ReadLine());
-  options.copy_table_content = text::ParseBoolean(file.ReadLine());
-  options.convert_mode = text::ParseInt16(file.ReadLine());
-  options.convert_relationships = text::ParseBoolean(file.ReadLine());
+  options.replace_space_with_underscore = ReadBoolean(file);
+  options.copy_table_content = ReadBoolean(file);
+  options.convert_mode = ReadInt16(file);
+  options.convert_relationships = ReadBoolean(file);
   settings.src->SetOptions(options);
   settings.log_path = file.ReadLine();
   return settings;
+}
+
+}  // namespace
+
+ConversionSettings ReadConversionSettings(files::LineReader& file,
+                                          const EndpointFactory& make_endpoint) {
+  try {
+    return ReadLines(file, make_endpoint);
+  } catch (const RunTimeError& error) {
+    if (error.Number() != run_time::kInputPastEnd) throw;
+    throw At(file, error);
+  }
 }
 
 void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const IDatabase& dest,

@@ -125,7 +125,7 @@ std::optional<NameList> MsSqlDatabase::GetTablesFromDatabase() {
 }
 
 std::unique_ptr<Conversion> MsSqlDatabase::MakeConversion(Conversion::Context context) {
-  return std::make_unique<MsSqlToMySql>(std::move(context));
+  return std::make_unique<to_mysql::MsSqlToMySql>(std::move(context));
 }
 
 }  // namespace dorvane

@@ -109,7 +109,7 @@ std::optional<NameList> MySqlDatabase::GetTablesFromDatabase() {
 }
 
 std::unique_ptr<Conversion> MySqlDatabase::MakeConversion(Conversion::Context context) {
-  return std::make_unique<MySqlToMsSql>(std::move(context));
+  return std::make_unique<to_mssql::MySqlToMsSql>(std::move(context));
 }
 
 }  // namespace dorvane

@@ -2,16 +2,11 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
-#include "endpoint/date_time_text.h"
-#include "endpoint/literal_text.h"
-#include "endpoint/number_literal.h"
+#include "mssql/to_mysql/defaults.h"
 #include "mssql/to_mysql/literals.h"
-#include "platform/text/ascii.h"
-#include "platform/text/number_text.h"
+#include "platform/run_time_error.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -68,9 +63,9 @@ std::string TypeOf(const ado::Column& col) {
     case DataType::VarNumeric:
       return fmt::format("DECIMAL({},{})", col.precision, col.numeric_scale);
     case DataType::DBTimeStamp:
-      return KeepsFraction(col) ? "DATETIME(6)" : "DATETIME";
+      return FractionDigits(col) > 0 ? "DATETIME(6)" : "DATETIME";
     case DataType::DBTime:
-      return KeepsFraction(col) ? "TIME(6)" : "TIME";
+      return FractionDigits(col) > 0 ? "TIME(6)" : "TIME";
     default:
       break;
   }
@@ -80,83 +75,34 @@ std::string TypeOf(const ado::Column& col) {
   return {};
 }
 
-bool IsCurrentTime(std::string_view value) {
-  return text::EqualsIgnoringCase(value, "getdate()");
-}
-
-std::string WithoutQuotes(std::string text) {
-  std::erase(text, '\'');
-  return text;
-}
-
-std::string Digits(std::string date_time) {
-  std::erase_if(date_time, [](char c) { return c < '0' || c > '9'; });
-  return date_time;
-}
-
-/// The literal of a default value, empty when the column gets none. Throws RunTimeError for a value
-/// that cannot be converted.
-std::string DefaultLiteral(DataType type, const std::string& value) {
-  switch (type) {
-    case DataType::SmallInt:
-    case DataType::Integer:
-    case DataType::TinyInt:
-    case DataType::UnsignedTinyInt:
-    case DataType::UnsignedSmallInt:
-    case DataType::UnsignedInt:
-    case DataType::BigInt:
-    case DataType::UnsignedBigInt:
-      return value;
-    case DataType::Single:
-    case DataType::Double:
-    case DataType::Currency:
-    case DataType::Decimal:
-    case DataType::Numeric:
-    case DataType::VarNumeric:
-      return NumberText(value);
-    case DataType::Boolean:
-      return text::ParseBoolean(value) ? "1" : "0";
-    case DataType::Date:
-    case DataType::DBDate:
-    case DataType::DBTime:
-      if (IsCurrentTime(value)) return {};
-      return "'" + DateTimeText(ParseDateTime(value)) + "'";
-    case DataType::DBTimeStamp:
-      if (IsCurrentTime(value)) return {};
-      return Digits(DateTimeText(ParseDateTime(value)));
-    case DataType::BStr:
-    case DataType::Char:
-    case DataType::WChar:
-    case DataType::VarChar:
-    case DataType::LongVarChar:
-    case DataType::VarWChar:
-    case DataType::LongVarWChar:
-      if (text::IsNumeric(WithoutQuotes(value))) return value;
-      return "'" + Quote(value) + "'";
-    case DataType::Guid:
-      return HexCodeGUID(value);
-    case DataType::VarBinary:
-    case DataType::LongVarBinary:
-      return HexCode(BinaryDefaultBytes(value));
-    default:
-      return {};
+/// A default that cannot be kept is left off, which is no reason to lose the table.
+void SetDefault(ColumnDefinition& definition, const ado::Column& col) {
+  if (!col.default_value && col.other_default.empty()) return;
+  if (col.default_value) {
+    try {
+      definition.facts.default_text = DefaultLiteral(col, *col.default_value);
+    } catch (const RunTimeError&) {
+      definition.facts.default_text.clear();
+    }
+  }
+  definition.default_clause = definition.facts.default_text;
+  if (definition.default_clause.empty()) {
+    definition.notes.push_back(fmt::format("the default {} of column {} was left off",
+                                           col.default_value.value_or(col.other_default),
+                                           col.name));
   }
 }
 
 }  // namespace
 
 ColumnDefinition GetColumnType(const ado::Column& col, const std::string& identity_column) {
-  ColumnDefinition definition;
+  ColumnDefinition definition{.name = col.name, .type = TypeOf(col)};
   definition.facts.nullable = (col.attributes & ado::kColumnNullable) != 0;
-  definition.text = TypeOf(col);
-  definition.text += definition.facts.nullable ? " NULL" : " NOT NULL";
+  definition.facts.fraction_digits = FractionDigits(col);
   definition.is_identity = !identity_column.empty() && identity_column == col.name;
-  if (definition.is_identity) definition.text += " primary key auto_increment";
-  if (!col.default_value) return definition;
-  definition.facts.default_text = DefaultLiteral(col.type, *col.default_value);
-  if (definition.facts.default_text.empty()) return definition;
-  definition.text += " Default " + definition.facts.default_text;
+  if (definition.is_identity) definition.attributes = " primary key auto_increment";
+  SetDefault(definition, col);
   return definition;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

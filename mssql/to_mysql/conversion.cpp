@@ -2,29 +2,50 @@
 
 #include <fmt/format.h>
 
-#include "endpoint/names.h"
 #include "endpoint/literal_text.h"
+#include "endpoint/names.h"
 #include "mssql/to_mysql/columns.h"
+#include "mssql/to_mysql/cures.h"
+#include "mssql/to_mysql/literals.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
-// Nothing to do ahead of the tables: each one is dropped right before it is created.
-void MsSqlToMySql::PrepareDestination(const NameList&) {}
+namespace {
+
+constexpr std::int32_t kTableExists = 1050;
+
+/// The first row's first value is 1; a question that fails is answered with no.
+bool AnswersOne(ado::Connection& connection, const std::string& sql) {
+  try {
+    ado::Recordset answer = connection.Execute(sql);
+    return !answer.AtEnd() && answer.Field(0).Text() == "1";
+  } catch (const RunTimeError&) {
+    return false;
+  }
+}
+
+}  // namespace
 
 void MsSqlToMySql::PrepareTable(const TableDefinition& table) {
-  if (IsOverwriting()) {
-    ExecuteOn(Destination(), "Drop Table If Exists " + MySqlName(table.dest_name));
-  }
+  ExecuteOn(Destination(), "Drop Table If Exists " + MySqlName(table.dest_name));
 }
 
 TableDefinition MsSqlToMySql::DefineTable(ado::Table& tab_src) {
   const std::string identity_column = FindIdentityColumn(tab_src.Name());
-  TableDefinition table{tab_src.Name(), DestName(tab_src.Name()), {}};
+  TableDefinition table{
+      .name = tab_src.Name(), .dest_name = DestName(tab_src.Name()), .columns = {}};
   for (const ado::Column& column : tab_src.Columns()) {
-    table.columns.push_back({GetColumnType(column, identity_column), column.name});
-    Host().Yield();
+    table.columns.push_back(GetColumnType(column, identity_column));
   }
+  if (IsOverwriting() || !IsOnDestination(table.dest_name)) AskTheData(tab_src, table);
   return table;
+}
+
+bool MsSqlToMySql::IsOnDestination(const std::string& dest_name) {
+  return AnswersOne(Destination(),
+                    fmt::format("select count(*) from information_schema.tables where "
+                                "table_schema = database() and table_name = '{}'",
+                                Quote(dest_name)));
 }
 
 std::string MsSqlToMySql::FindIdentityColumn(const std::string& table_name) {
@@ -48,11 +69,31 @@ std::string MsSqlToMySql::FindIdentityColumn(const std::string& table_name) {
 std::string MsSqlToMySql::CreateTableStatement(const TableDefinition& table) const {
   std::string statement = "Create Table " + MySqlName(table.dest_name) + "(";
   const char* separator = "";
-  for (const TableDefinition::Column& column : table.columns) {
-    statement += separator + MySqlName(DestName(column.name)) + " " + column.text;
+  for (const ColumnDefinition& column : table.columns) {
+    statement += separator + MySqlName(DestName(column.name)) + " " + column.Text();
     separator = ",";
   }
-  return statement + ")";
+  return statement + table.constraints + ")";
+}
+
+std::int32_t MsSqlToMySql::TableExistsError() const {
+  return kTableExists;
+}
+
+bool MsSqlToMySql::CureTable(TableDefinition& table, std::int32_t native_error) {
+  const ado::Error* entry = PrimaryError(Destination().Errors(), 0);
+  const std::string words = entry != nullptr ? entry->description : std::string();
+  const std::vector<ado::Index>& indexes = SourceCatalog().TableByName(table.name).Indexes();
+  return CureDefinition(table, {native_error, words, indexes, PrimaryKeyClause(indexes)});
+}
+
+std::string MsSqlToMySql::SelectList(const TableDefinition&) const {
+  return "*";
+}
+
+bool MsSqlToMySql::FoldsTableNames() {
+  ado::Recordset folding = Destination().Execute("select @@lower_case_table_names");
+  return !folding.AtEnd() && folding.Field(0).Text() != "0";
 }
 
 std::string MsSqlToMySql::SourceName(std::string_view name) const {
@@ -62,6 +103,7 @@ std::string MsSqlToMySql::SourceName(std::string_view name) const {
 void MsSqlToMySql::RelateTable(const std::string& name) {
   Events().TableRelationsConversionStarted(name);
   AddRelationships(SourceCatalog().TableByName(name));
+  if (unchecked_tables_.contains(DestName(name))) ReportOrphans(DestName(name));
 }
 
 void MsSqlToMySql::ReportTableFailure(const std::string& name, const RunTimeError& error) {
@@ -84,4 +126,4 @@ void MsSqlToMySql::ReportTableFailure(const std::string& name, const RunTimeErro
   Events().TableConversionFailed(name);
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

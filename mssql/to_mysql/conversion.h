@@ -1,12 +1,14 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "endpoint/conversion.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 /// Converts SQL Server tables into MySQL tables.
 class MsSqlToMySql : public Conversion {
@@ -15,29 +17,73 @@ class MsSqlToMySql : public Conversion {
 
  private:
   // conversion.cpp
-  void PrepareDestination(const NameList& src_tables) override;
   TableDefinition DefineTable(ado::Table& tab_src) override;
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
+  std::int32_t TableExistsError() const override;
+  bool CureTable(TableDefinition& table, std::int32_t native_error) override;
+  std::string SelectList(const TableDefinition& table) const override;
+  bool FoldsTableNames() override;
   void RelateTable(const std::string& name) override;
   std::string SourceName(std::string_view name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   /// Empty when the table has no identity column. Throws RunTimeError.
   std::string FindIdentityColumn(const std::string& table_name);
+  /// True when there is a table of that name; false too for a question that fails.
+  bool IsOnDestination(const std::string& dest_name);
+
+  // data_questions.cpp
+  /// Widens the columns whose values would not all fit otherwise.
+  void AskTheData(ado::Table& tab_src, TableDefinition& table);
+  void AskForWideTinyInts(ado::Table& tab_src, TableDefinition& table);
+  void AskForMilliseconds(ado::Table& tab_src, TableDefinition& table);
+  /// True when the source has a row for the query; false too for a question that fails.
+  bool SourceHasRow(const std::string& query);
 
   // keys.cpp
-  void AddPrimaryKeyConstraint(ado::Table& tab_src, const TableDefinition& table) override;
+  void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) override;
+  void CheckExistingTable(ado::Table& tab_src, const TableDefinition& table) override;
+  /// What became of a key: nothing, an index, or one that tells rows apart.
+  enum class KeyResult { None, Plain, Unique };
+  /// Reports its failure, and says in `notes` what the key lost.
+  KeyResult AddKey(ado::Table& tab_src, const TableDefinition& table, const ado::Index& index,
+                   std::vector<std::string>& notes);
+  std::string KeyStatement(const TableDefinition& table, const ado::Index& index,
+                           const std::string& columns, bool replaces_identity) const;
+  /// The primary key as a constraint of a Create Table statement; empty when there is none.
+  std::string PrimaryKeyClause(const std::vector<ado::Index>& indexes) const;
+  std::vector<std::string> DestNames(const std::vector<std::string>& names) const;
+  /// A key of which only a part of the columns' lengths fits.
+  void TellPrefix(const ado::Index& index, const TableDefinition& table,
+                  std::vector<std::string>& notes);
+  void TellNote(const TableDefinition& table, std::string_view note);
+  void ReportKey(const ado::Index& index, const TableDefinition& table, std::int32_t number,
+                 std::string_view description);
 
   // rows.cpp
   std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
-  void ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) override;
+  void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
 
   // relationships.cpp
+  void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  /// Statements that drop the foreign keys between two of these tables of the destination.
+  std::vector<std::string> DropsOfKeysBetween(const std::vector<const TableDefinition*>& tables);
   void AddRelationships(ado::Table& tab_src);
   /// False when the failure ends the table's relationships.
   bool AddRelationship(const std::string& table_name, const ado::Key& key);
+  enum class NameForm { Bare, Quoted };
+  std::string RelationshipStatement(const std::string& table_name, const ado::Key& key,
+                                    NameForm form) const;
+  bool ReportRelationship(const std::string& table_name, const ado::Key& key,
+                          const DestinationFailure& failure);
+  /// True when the destination's table has a foreign key of that name.
+  bool HasRelationship(const std::string& table_name, const std::string& key_name);
+  /// Rows that were stored unchecked and have no parent now that every table is there.
+  void ReportOrphans(const std::string& dest_name);
+
+  std::set<std::string> unchecked_tables_;  // names on the destination
 };
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

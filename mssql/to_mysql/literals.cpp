@@ -4,7 +4,7 @@
 #include "endpoint/literal_text.h"
 #include "endpoint/number_literal.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
@@ -12,6 +12,7 @@ using ado::DataType;
 
 // A datetime keeps thousandths of which MySQL's plain DATETIME never took any.
 constexpr int kMostDroppedDigits = 3;
+constexpr int kMostFractionDigits = 6;  // that MySQL has
 
 /// Text that a writer puts into storage of at most `size` bytes.
 template <typename Writer>
@@ -23,6 +24,7 @@ ado::Value Written(ado::Arena& storage, std::size_t size, Writer writer) {
 /// Makes the destination's value, whatever form the source's has.
 struct Converter {
   const ado::FieldInfo& field;
+  const int fraction_digits;
   ado::Arena& storage;
 
   ado::Value operator()(ado::Null) const { return {}; }
@@ -32,21 +34,19 @@ struct Converter {
   ado::Value operator()(float value) const { return Number(value); }
   ado::Value operator()(double value) const { return Number(value); }
   ado::Value operator()(ado::Decimal value) const { return Number(value); }
-  ado::Value operator()(std::string_view value) const { return Text(value); }
+  ado::Value operator()(std::string_view value) const { return value; }
   ado::Value operator()(ado::Binary value) const { return value; }
   ado::Value operator()(ado::Guid value) const {
     return ado::Binary{storage.Store(GuidBytes(value.text))};
   }
   ado::Value operator()(const ado::DateTime& value) const {
     return Written(storage, kDateTimeSize, [&](char* out) {
-      switch (field.type) {
-        case DataType::DBDate:
-          return WriteDate(out, value);
-        case DataType::DBTime:
-          return WriteTime(out, value, KeepsFraction(field));
-        default:
-          return WriteDateTime(out, value, KeepsFraction(field));
-      }
+      if (field.type == DataType::DBDate) return WriteDate(out, value);
+      const bool has_fraction = fraction_digits > 0;
+      const std::size_t size = field.type == DataType::DBTime
+                                   ? WriteTime(out, value, has_fraction)
+                                   : WriteDateTime(out, value, has_fraction);
+      return has_fraction ? size - (kMostFractionDigits - fraction_digits) : size;
     });
   }
 
@@ -56,10 +56,6 @@ struct Converter {
   ado::Value Number(const ado::Value& value) const {
     return Written(storage, NumberSize(value), [&](char* out) { return WriteNumber(out, value); });
   }
-  static ado::Value Text(std::string_view text) {
-    if (text == "Null") return {};
-    return text;
-  }
 };
 
 }  // namespace
@@ -68,18 +64,26 @@ ado::Value DataValue(const ado::Value& value, const ado::FieldInfo& field, const
                      ado::Arena& storage) {
   if (ado::IsNull(value)) {
     if (facts.nullable) return {};
-    return Converter::Text(facts.default_text);
+    return std::string_view(facts.default_text);
   }
-  return std::visit(Converter{field, storage}, value);
+  return std::visit(Converter{field, facts.fraction_digits, storage}, value);
 }
 
 bool IsChunkCopied(DataType type) {
   return type == DataType::LongVarBinary || type == DataType::Binary;
 }
 
-bool KeepsFraction(const ado::FieldInfo& field) {
-  if (field.type == DataType::DBTime) return field.numeric_scale > 0;
-  return field.type == DataType::DBTimeStamp && field.numeric_scale > kMostDroppedDigits;
+int FractionDigits(const ado::FieldInfo& field) {
+  const bool is_time = field.type == DataType::DBTime && field.numeric_scale > 0;
+  const bool is_fine_moment =
+      field.type == DataType::DBTimeStamp && field.numeric_scale > kMostDroppedDigits;
+  return is_time || is_fine_moment ? kMostFractionDigits : 0;
+}
+
+bool LosesFraction(const ado::DateTime& moment, const ColumnFacts& facts) {
+  std::int32_t kept = 1'000'000'000;  // nanoseconds of the last digit that is kept
+  for (int digit = 0; digit < facts.fraction_digits; ++digit) kept /= 10;
+  return moment.nanoseconds % kept != 0;
 }
 
 std::string Quote(std::string_view text) {
@@ -90,4 +94,4 @@ std::string HexCodeGUID(std::string_view braced) {
   return HexCode(GuidBytes(braced));
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -2,33 +2,48 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
+#include <set>
 
 #include "endpoint/names.h"
 #include "mssql/to_mysql/conversion.h"
+#include "mssql/to_mysql/literals.h"
+#include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
 constexpr std::string_view kTitle = "Creating Relationship Error";
+constexpr std::int32_t kSyntax = 1064;
+constexpr std::int32_t kCannotCreateTable = 1005;  // its words hold the reason's number
 
-/// How the server says that a key cannot be made: a number inside the description, or native
-/// errors.
-struct Refusal {
-  std::string_view digits;
-  std::span<const std::int32_t> native_errors;
+enum class Refusal { Other, CannotBeMade, ExistsAlready };
 
-  bool Covers(const ado::Error& error) const {
-    return error.description.find(digits) != std::string::npos ||
-           std::ranges::find(native_errors, error.native_error) != native_errors.end();
-  }
+struct RefusalOfNumber {
+  std::int32_t native_error;
+  Refusal refusal;
+};
+constexpr std::array kRefusals{
+    RefusalOfNumber{1215, Refusal::CannotBeMade},   // cannot add the constraint
+    RefusalOfNumber{1822, Refusal::CannotBeMade},   // no index of the referenced columns
+    RefusalOfNumber{1824, Refusal::CannotBeMade},   // no such referenced table
+    RefusalOfNumber{1825, Refusal::CannotBeMade},   // other options of the referenced table
+    RefusalOfNumber{3734, Refusal::CannotBeMade},   // no such referenced column
+    RefusalOfNumber{3780, Refusal::CannotBeMade},   // other types
+    RefusalOfNumber{6125, Refusal::CannotBeMade},   // no unique key of the referenced columns
+    RefusalOfNumber{1826, Refusal::ExistsAlready},  // a constraint of that name
+    RefusalOfNumber{1022, Refusal::ExistsAlready},  // likewise
 };
 
-constexpr std::array kCannotBeMadeErrors{1822, 1824, 1825, 3780};
-constexpr std::array kExistsAlreadyErrors{1826};
-constexpr Refusal kCannotBeMade{"150", kCannotBeMadeErrors};
-constexpr Refusal kExistsAlready{"121", kExistsAlreadyErrors};
+Refusal RefusalOf(const ado::Error& error) {
+  if (error.native_error == kCannotCreateTable) {
+    if (error.description.find("errno: 150") != std::string::npos) return Refusal::CannotBeMade;
+    if (error.description.find("errno: 121") != std::string::npos) return Refusal::ExistsAlready;
+  }
+  const auto* row =
+      std::ranges::find(kRefusals, error.native_error, &RefusalOfNumber::native_error);
+  return row != kRefusals.end() ? row->refusal : Refusal::Other;
+}
 
 /// Empty for a rule that MySQL has no word for.
 std::string_view RuleWord(ado::RuleType rule) {
@@ -45,7 +60,96 @@ std::string_view RuleWord(ado::RuleType rule) {
   return {};
 }
 
+bool SetsDefault(const ado::Key& key) {
+  return key.delete_rule == ado::RuleType::SetDefault ||
+         key.update_rule == ado::RuleType::SetDefault;
+}
+
+/// True when a bare name can be read as that name or as a mistake, never as anything else.
+bool IsHarmlessBare(std::string_view name) {
+  return std::ranges::all_of(name, [](char c) {
+    const char lower = text::ToLower(c);
+    return text::IsDigit(c) || (lower >= 'a' && lower <= 'z') || c == '_' || c == '$' || c == ' ' ||
+           static_cast<unsigned char>(c) >= 0x80;
+  });
+}
+
+bool AreHarmlessBare(const ado::Key& key) {
+  return IsHarmlessBare(key.related_table) &&
+         std::ranges::all_of(key.columns, [](const ado::KeyColumn& column) {
+           return IsHarmlessBare(column.name) && IsHarmlessBare(column.related_column);
+         });
+}
+
+/// Counts the rows whose key is not NULL and has no row in the related table.
+std::string OrphanQuery(const std::string& table, const ado::Key& key) {
+  std::string join;
+  std::string is_set;
+  for (const ado::KeyColumn& column : key.columns) {
+    const std::string name = MySqlName(column.name);
+    join += fmt::format("{}p.{} = c.{}", join.empty() ? "" : " and ",
+                        MySqlName(column.related_column), name);
+    is_set += fmt::format("c.{} is not null and ", name);
+  }
+  return fmt::format("select count(*) from {} c left join {} p on {} where {}p.{} is null",
+                     MySqlName(table), MySqlName(key.related_table), join, is_set,
+                     MySqlName(key.columns.front().related_column));
+}
+
+void AppendName(std::string& list, const std::string& name) {
+  if (!list.empty()) list += ',';
+  list += name;
+}
+
 }  // namespace
+
+// A table cannot be dropped while a key of another one refers to it.
+void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
+  const auto report = [this](const RunTimeError& error) {
+    const ErrorSummary summary = SummaryOf(error);
+    RaiseError(fmt::format("Error no. {} - {}", summary.number, summary.description),
+               "Unexpected error");
+  };
+  std::vector<std::string> drops;
+  try {
+    drops = DropsOfKeysBetween(tables);
+  } catch (const RunTimeError& error) {
+    report(error);
+  }
+  for (const std::string& drop : drops) {
+    try {
+      ExecuteOn(Destination(), drop);
+    } catch (const RunTimeError& error) {
+      report(error);
+    }
+  }
+}
+
+std::vector<std::string> MsSqlToMySql::DropsOfKeysBetween(
+    const std::vector<const TableDefinition*>& tables) {
+  const bool folds = FoldsTableNames();
+  const auto folded = [folds](const std::string& name) {
+    return folds ? text::ToLower(name) : name;
+  };
+  std::set<std::string> listed;
+  for (const TableDefinition* table : tables) listed.insert(folded(table->dest_name));
+  ado::Recordset keys = OnDestination(Destination(), [this] {
+    return Destination().Execute(
+        "select table_name, referenced_table_name, constraint_name from "
+        "information_schema.referential_constraints where constraint_schema = database() and "
+        "unique_constraint_schema = database() and table_name <> referenced_table_name "
+        "order by table_name, constraint_name");
+  });
+  std::vector<std::string> drops;
+  for (; !keys.AtEnd(); keys.MoveNext()) {
+    const std::string table = keys.Field(0).Text();
+    if (!listed.contains(folded(table))) continue;
+    if (!listed.contains(folded(keys.Field(1).Text()))) continue;
+    drops.push_back(fmt::format("ALTER TABLE {} DROP FOREIGN KEY {}", MySqlName(table),
+                                MySqlName(keys.Field(2).Text())));
+  }
+  return drops;
+}
 
 void MsSqlToMySql::AddRelationships(ado::Table& tab_src) {
   try {
@@ -58,40 +162,96 @@ void MsSqlToMySql::AddRelationships(ado::Table& tab_src) {
   }
 }
 
-bool MsSqlToMySql::AddRelationship(const std::string& table_name, const ado::Key& key) {
+std::string MsSqlToMySql::RelationshipStatement(const std::string& table_name, const ado::Key& key,
+                                                NameForm form) const {
+  const bool is_quoted = form == NameForm::Quoted;
   std::string columns;
   std::string related_columns;
   for (const ado::KeyColumn& column : key.columns) {
-    if (!columns.empty()) {
-      columns += ',';
-      related_columns += ',';
-    }
-    columns += column.name;
-    related_columns += column.related_column;
+    const auto written = [&](const std::string& name) {
+      return is_quoted ? MySqlName(DestName(name)) : name;
+    };
+    AppendName(columns, written(column.name));
+    AppendName(related_columns, written(column.related_column));
   }
-  const std::string statement = fmt::format(
+  const std::string related = DestName(key.related_table);
+  const auto rule_word = [is_quoted](ado::RuleType rule) {
+    // The quoted form is what a refusal is answered by: it has a word for every rule.
+    const std::string_view word = RuleWord(rule);
+    return is_quoted && word.empty() ? RuleWord(ado::RuleType::None) : word;
+  };
+  return fmt::format(
       "ALTER TABLE {} ADD CONSTRAINT  {} FOREIGN KEY ({}) REFERENCES {}({}) ON DELETE {} ON "
       "UPDATE {}",
-      MySqlName(DestName(table_name)), MySqlName(key.name), columns, DestName(key.related_table),
-      related_columns, RuleWord(key.delete_rule), RuleWord(key.update_rule));
-  try {
-    ExecuteOn(Destination(), statement);
-    return true;
-  } catch (const DestinationFailure& failure) {
-    const ado::Error* entry = failure.Primary();
-    if (entry != nullptr && kCannotBeMade.Covers(*entry)) {
-      RaiseError(
-          fmt::format("Could not create relationship between table {} and table {}. Error {}",
-                      table_name, key.related_table, entry->number),
-          kTitle, message_style::kInformation);
+      MySqlName(DestName(table_name)), MySqlName(key.name), columns,
+      is_quoted ? MySqlName(related) : related, related_columns, rule_word(key.delete_rule),
+      rule_word(key.update_rule));
+}
+
+bool MsSqlToMySql::AddRelationship(const std::string& table_name, const ado::Key& key) {
+  NameForm form = AreHarmlessBare(key) ? NameForm::Bare : NameForm::Quoted;
+  for (;;) {
+    try {
+      ExecuteOn(Destination(), RelationshipStatement(table_name, key, form));
+      if (SetsDefault(key)) {
+        Host().Inform(fmt::format("Table {}: SET DEFAULT of relationship {} became NO ACTION",
+                                  table_name, key.name));
+      }
       return true;
+    } catch (const DestinationFailure& failure) {
+      if (failure.NativeError() != kSyntax || form == NameForm::Quoted) {
+        return ReportRelationship(table_name, key, failure);
+      }
+      form = NameForm::Quoted;
     }
-    if (entry != nullptr && IsMerging() && kExistsAlready.Covers(*entry)) return true;
-    const ErrorSummary summary = failure.Summary();
-    RaiseError(fmt::format("Unexpected error {} - {}", summary.number, summary.description),
-               kTitle);
-    return false;
   }
 }
 
-}  // namespace dorvane
+bool MsSqlToMySql::ReportRelationship(const std::string& table_name, const ado::Key& key,
+                                      const DestinationFailure& failure) {
+  const ado::Error* entry = failure.Primary();
+  const Refusal refusal = entry != nullptr ? RefusalOf(*entry) : Refusal::Other;
+  if (refusal == Refusal::CannotBeMade) {
+    RaiseError(
+        fmt::format("Could not create relationship between table {} and table {}. Error {} - {}",
+                    table_name, key.related_table, entry->number, entry->description),
+        kTitle, message_style::kInformation);
+    return true;
+  }
+  if (refusal == Refusal::ExistsAlready && IsMerging() && HasRelationship(table_name, key.name)) {
+    return true;
+  }
+  const ErrorSummary summary = failure.Summary();
+  RaiseError(fmt::format("Unexpected error {} - {}", summary.number, summary.description), kTitle);
+  // A refused statement says nothing of the next one; a lost connection does.
+  return refusal != Refusal::Other || IsRowRefusal(summary.number);
+}
+
+bool MsSqlToMySql::HasRelationship(const std::string& table_name, const std::string& key_name) {
+  ado::Recordset keys = Destination().Execute(
+      fmt::format("select 1 from information_schema.table_constraints where constraint_schema = "
+                  "database() and table_name = '{}' and constraint_name = '{}' and "
+                  "constraint_type = 'FOREIGN KEY'",
+                  Quote(DestName(table_name)), Quote(key_name)));
+  return !keys.AtEnd();
+}
+
+void MsSqlToMySql::ReportOrphans(const std::string& dest_name) {
+  ado::Connection& destination = Destination();
+  try {
+    for (const ado::Key& key : destination.Keys(dest_name)) {
+      if (key.type != ado::KeyType::Foreign) continue;
+      const std::string count = destination.Execute(OrphanQuery(dest_name, key)).Field(0).Text();
+      if (count == "0") continue;
+      RaiseError(fmt::format("{} rows of table {} refer to rows of table {} that are not there "
+                             "(relationship {})",
+                             count, dest_name, key.related_table, key.name),
+                 kTitle);
+    }
+  } catch (const RunTimeError& error) {
+    RaiseError(fmt::format("Unexpected error {} - {}", error.Number(), error.Description()),
+               kTitle);
+  }
+}
+
+}  // namespace dorvane::to_mysql

@@ -3,40 +3,66 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "endpoint/names.h"
 #include "mssql/to_mysql/conversion.h"
 #include "mssql/to_mysql/literals.h"
-#include "platform/text/code_page.h"
+#include "mssql/to_mysql/row_faults.h"
+#include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 
 namespace {
 
 constexpr std::size_t kChunkBytes = 1000;
 
-// Duplicate entry, duplicate key, duplicate entry with the key's name.
-constexpr std::array kDuplicateErrors{1062, 1022, 1586};
+bool IsAscii(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
 
-bool IsDuplicate(const ado::Error& error) {
-  return error.number == ado::hresult::kErrorsInCommand &&
-         std::ranges::find(kDuplicateErrors, error.native_error) != kDuplicateErrors.end();
+bool HasTime(const ado::FieldInfo& field) {
+  return field.type == ado::DataType::DBTimeStamp || field.type == ado::DataType::DBTime;
 }
 
 }  // namespace
 
+ForeignKeyChecksOff::ForeignKeyChecksOff(ado::Connection& destination) : destination_(destination) {
+  ExecuteOn(destination_, "set foreign_key_checks = 0");
+}
+
+ForeignKeyChecksOff::~ForeignKeyChecksOff() {
+  TryExecute(destination_, "set foreign_key_checks = 1");
+}
+
 RowsToMySql::RowsToMySql(ado::Connection& destination, Target target,
-                         const std::vector<ado::FieldInfo>& fields,
-                         const std::vector<ColumnFacts>& facts)
+                         const std::vector<ado::FieldInfo>& fields, std::vector<ColumnFacts> facts)
     : destination_(destination),
       target_(std::move(target)),
       fields_(fields),
-      facts_(facts),
+      facts_(std::move(facts)),
+      checks_off_(target_.is_ahead_of_parents ? std::make_unique<ForeignKeyChecksOff>(destination)
+                                              : nullptr),
       table_(OnDestination(destination, [&] {
         return destination.OpenTable(MySqlName(target_.table), target_.columns);
-      })) {}
+      })) {
+  for (std::size_t i = 0; i < fields_.size(); ++i) {
+    if (HasTime(fields_[i])) time_columns_.push_back(i);
+  }
+  if (!target_.is_new && !time_columns_.empty()) LearnFractions();
+}
+
+void RowsToMySql::LearnFractions() {
+  const std::vector<ado::Column> columns =
+      OnDestination(destination_, [this] { return destination_.Columns(target_.table); });
+  for (const std::size_t i : time_columns_) {
+    for (const ado::Column& column : columns) {
+      if (!HasTime(column)) continue;
+      if (!text::EqualsIgnoringCase(column.name, target_.columns[i])) continue;
+      facts_[i].fraction_digits = column.numeric_scale;
+    }
+  }
+}
 
 bool RowsToMySql::TakesBlocks() {
   try {
@@ -81,29 +107,38 @@ BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& converted, std::size_t 
   }
 }
 
-RowResult RowsToMySql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
-  try {
-    Assign(converted.Row(row));
-    Update();
-    return RowResult::Stored;
-  } catch (const DestinationFailure& failure) {
-    return Resolve(failure, false);
+RowOutcome RowsToMySql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
+  Assign(converted.Row(row));
+  std::int64_t replaced = 0;
+  for (;;) {
+    try {
+      Update();
+      replaced_texts_ += replaced;
+      return {replaced > 0 ? RowResult::Changed : RowResult::Stored};
+    } catch (const DestinationFailure& failure) {
+      const ado::Error* entry = failure.Primary();
+      const RowFault fault = entry != nullptr ? FaultOf(*entry) : RowFault::None;
+      if (fault == RowFault::None) throw;
+      if (fault == RowFault::Characters && replaced == 0) {
+        replaced = ReplaceCharacters(converted.Row(row));
+        if (replaced > 0) continue;
+      }
+      table_.CancelUpdate();
+      if (fault == RowFault::Duplicate && !target_.is_new) return {RowResult::Duplicate};
+      return {RowResult::Refused, {entry->native_error, entry->description}};
+    }
   }
 }
 
 void RowsToMySql::Assign(std::span<const ado::Value> row) {
   table_.AddNew();
-  has_chunks_ = false;
-  last_text_.reset();
   for (std::size_t i = 0; i < row.size(); ++i) {
     ado::Field& field = table_.Field(i);
     if (IsChunkCopied(fields_[i].type)) {
-      has_chunks_ = true;
-      if (const auto* binary = std::get_if<ado::Binary>(&row[i]))
-        AppendChunks(field, binary->bytes);
+      const auto* binary = std::get_if<ado::Binary>(&row[i]);
+      if (binary != nullptr) AppendChunks(field, binary->bytes);
     } else if (const auto* text = std::get_if<std::string_view>(&row[i])) {
       field.SetText(*text);
-      last_text_ = LastText{i, std::string(*text)};
     } else if (const auto* binary = std::get_if<ado::Binary>(&row[i])) {
       field.AppendChunk(binary->bytes);
     } else {
@@ -124,45 +159,79 @@ void RowsToMySql::Update() {
   OnDestination(destination_, [this] { table_.Update(); });
 }
 
-RowResult RowsToMySql::Resolve(const DestinationFailure& failure, bool is_rebuilt) {
-  const ado::Error* entry = failure.Primary();
-  if (entry == nullptr) throw failure;
-
-  const bool is_bad_value = entry->number == ado::hresult::kErrorsOccurred;
-  const bool is_duplicate = IsDuplicate(*entry);
-  if ((is_bad_value && has_chunks_) || (is_duplicate && target_.leaves_duplicates_out)) {
-    table_.CancelUpdate();
-    return RowResult::Refused;
+std::int64_t RowsToMySql::ReplaceCharacters(std::span<const ado::Value> row) {
+  std::int64_t replaced = 0;
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    const auto* text = std::get_if<std::string_view>(&row[i]);
+    if (text == nullptr || IsAscii(*text)) continue;
+    const std::string& character_set = CharacterSetOf(target_.columns[i]);
+    if (character_set.empty()) continue;
+    const std::string stored = AsStored(*text, character_set);
+    if (stored == *text) continue;
+    table_.Field(i).SetText(stored);
+    ++replaced;
   }
-  if (!is_bad_value || is_rebuilt) throw failure;
-  RebuildLastText();
+  return replaced;
+}
+
+const std::string& RowsToMySql::CharacterSetOf(const std::string& column) {
+  if (character_sets_.empty()) {
+    ado::Recordset sets = OnDestination(destination_, [this] {
+      return destination_.Execute(
+          fmt::format("select column_name, coalesce(character_set_name, '') from "
+                      "information_schema.columns where table_schema = database() and "
+                      "table_name = '{}'",
+                      Quote(target_.table)));
+    });
+    for (; !sets.AtEnd(); sets.MoveNext()) {
+      character_sets_[text::ToLower(sets.Field(0).Text())] = sets.Field(1).Text();
+    }
+  }
+  return character_sets_[text::ToLower(column)];
+}
+
+std::string RowsToMySql::AsStored(std::string_view text, const std::string& character_set) {
   try {
-    Update();
-    return RowResult::Refused;
-  } catch (const DestinationFailure& second) {
-    return Resolve(second, true);
+    // The server's own conversion puts "?" for a character that the set lacks.
+    ado::Recordset converted = destination_.Execute(fmt::format(
+        "select convert(convert('{}' using {}) using utf8mb4)", Quote(text), character_set));
+    if (!converted.AtEnd()) return converted.Field(0).Text();
+  } catch (const RunTimeError&) {
+    // Too long for a question: the row is refused as it was.
+  }
+  return std::string(text);
+}
+
+void RowsToMySql::RowStored(std::span<const ado::Value> source_row) {
+  for (const std::size_t i : time_columns_) {
+    const auto* moment = std::get_if<ado::DateTime>(&source_row[i]);
+    if (moment != nullptr && LosesFraction(*moment, facts_[i])) ++cut_fractions_;
   }
 }
 
-void RowsToMySql::RebuildLastText() {
-  if (!last_text_) return;
-  const std::string rebuilt = text::FromAnsi(text::ToAnsi(last_text_->text));
-  if (rebuilt.find('?') != std::string::npos) table_.Field(last_text_->field).SetText(rebuilt);
+std::vector<ValueChanges> RowsToMySql::Changes() const {
+  return {{replaced_texts_,
+           "hold characters that the destination cannot store; they were replaced by '?'", true},
+          {cut_fractions_, "fractions of a second were cut"}};
 }
 
-std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& table,
-                                                        bool /*is_new*/,
+std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& table, bool is_new,
                                                         const std::vector<ado::FieldInfo>& fields,
                                                         const std::vector<ColumnFacts>& facts) {
-  RowsToMySql::Target target{table.dest_name, {}, IsMerging()};
+  RowsToMySql::Target target{
+      .table = table.dest_name,
+      .columns = {},
+      .is_new = is_new,
+      .is_ahead_of_parents = !is_new && IsMerging() && Options().convert_relationships};
+  if (target.is_ahead_of_parents) unchecked_tables_.insert(table.dest_name);
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   return std::make_unique<RowsToMySql>(Destination(), std::move(target), fields, facts);
 }
 
-void MsSqlToMySql::ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) {
-  RaiseError(fmt::format("Unexpected error while transfering data of table {} - {} - {}",
-                         table.dest_name, failure.number, failure.description),
+void MsSqlToMySql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
+  RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
+                         table.dest_name, problem),
              "Insertion Error");
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

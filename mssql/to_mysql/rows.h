@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <map>
+#include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -10,7 +12,20 @@
 #include "endpoint/table_definition.h"
 #include "platform/ado/connection.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
+
+/// While it lives, rows of a MySQL session may refer to rows that are still to come.
+class ForeignKeyChecksOff {
+ public:
+  /// Throws DestinationFailure.
+  explicit ForeignKeyChecksOff(ado::Connection& destination);
+  ForeignKeyChecksOff(const ForeignKeyChecksOff&) = delete;
+  ForeignKeyChecksOff& operator=(const ForeignKeyChecksOff&) = delete;
+  ~ForeignKeyChecksOff();
+
+ private:
+  ado::Connection& destination_;
+};
 
 /// A MySQL table that rows of a SQL Server table are copied into.
 class RowsToMySql : public IRowDestination {
@@ -18,41 +33,47 @@ class RowsToMySql : public IRowDestination {
   struct Target {
     std::string table;                 // unquoted
     std::vector<std::string> columns;  // unquoted, in the order of the fields
-    bool leaves_duplicates_out = false;
+    bool is_new = false;               // made by this run
+    bool is_ahead_of_parents = false;  // its rows may refer to tables that are copied later
   };
 
-  /// Opens the table. `fields` and `facts` describe the source's columns in their order and, like
-  /// the connection, must outlive this. Throws DestinationFailure.
+  /// Opens the table. `fields` and `facts` describe the source's columns in their order; `fields`
+  /// and the connection must outlive this. Throws DestinationFailure, for a table or column that is
+  /// not there as well.
   RowsToMySql(ado::Connection& destination, Target target,
-              const std::vector<ado::FieldInfo>& fields, const std::vector<ColumnFacts>& facts);
+              const std::vector<ado::FieldInfo>& fields, std::vector<ColumnFacts> facts);
 
   bool TakesBlocks() override;
   ado::Value ConvertValue(const ado::Value& value, std::size_t column,
                           ado::Arena& storage) override;
   BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                          std::size_t count) override;
-  RowResult StoreRow(const ado::RowBlock& converted, std::size_t row) override;
+  RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) override;
+  void RowStored(std::span<const ado::Value> source_row) override;
+  std::vector<ValueChanges> Changes() const override;
 
  private:
-  /// The text assigned last to a field of the row in hand.
-  struct LastText {
-    std::size_t field = 0;
-    std::string text;
-  };
-
+  /// Takes the fractions that an existing table keeps for those that a new one would get.
+  void LearnFractions();
   void Assign(std::span<const ado::Value> row);
   void AppendChunks(ado::Field& field, std::string_view bytes);
   void Update();
-  void RebuildLastText();
-  RowResult Resolve(const DestinationFailure& failure, bool is_rebuilt);
+  /// Puts "?" for what the columns of the pending row cannot store; how many texts it changed.
+  std::int64_t ReplaceCharacters(std::span<const ado::Value> row);
+  /// The character set of a column; empty for one without.
+  const std::string& CharacterSetOf(const std::string& column);
+  std::string AsStored(std::string_view text, const std::string& character_set);
 
   ado::Connection& destination_;
   const Target target_;
   const std::vector<ado::FieldInfo>& fields_;
-  const std::vector<ColumnFacts>& facts_;
+  std::vector<ColumnFacts> facts_;
+  std::vector<std::size_t> time_columns_;
+  std::unique_ptr<ForeignKeyChecksOff> checks_off_;
   ado::Recordset table_;
-  bool has_chunks_ = false;  // the row in hand holds a chunk-copied field
-  std::optional<LastText> last_text_;
+  std::map<std::string, std::string> character_sets_;  // by column; empty until they are needed
+  std::int64_t replaced_texts_ = 0;
+  std::int64_t cut_fractions_ = 0;
 };
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

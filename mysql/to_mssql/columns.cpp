@@ -4,14 +4,9 @@
 
 #include <algorithm>
 
-#include "endpoint/date_time_text.h"
-#include "endpoint/literal_text.h"
-#include "endpoint/number_literal.h"
-#include "mysql/to_mssql/literals.h"
-#include "platform/text/ascii.h"
-#include "platform/text/number_text.h"
+#include "mysql/to_mssql/defaults.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -40,8 +35,9 @@ constexpr TypeText kPlainTypes[] = {
 constexpr std::int64_t kMostBytes = 8000;
 constexpr std::int64_t kMostWideCharacters = 4000;
 
+/// A column that holds nothing but empty values still needs a size.
 std::string Sized(std::string_view word, std::int64_t size) {
-  return fmt::format("{}({})", word, size);
+  return fmt::format("{}({})", word, std::max<std::int64_t>(size, 1));
 }
 
 /// `word`(size), or `wide_word`(max) where that is not enough.
@@ -77,104 +73,6 @@ std::string TypeOf(const ado::Column& col) {
   return {};
 }
 
-bool IsTime(DataType type) {
-  return type == DataType::Date || type == DataType::DBDate || type == DataType::DBTime ||
-         type == DataType::DBTimeStamp;
-}
-
-/// CURRENT_TIMESTAMP and its kin, with or without parentheses and a precision.
-bool IsCurrentTime(std::string_view value) {
-  const std::string_view word = value.substr(0, value.find('('));
-  const std::string_view arguments = value.substr(word.size());
-  const bool has_digits_only =
-      arguments.empty() || (arguments.size() >= 2 && arguments.back() == ')' &&
-                            arguments.find_first_not_of("0123456789", 1) == arguments.size() - 1);
-  constexpr std::string_view kWords[] = {"current_timestamp", "now", "getdate", "localtimestamp",
-                                         "localtime"};
-  return has_digits_only && std::ranges::any_of(kWords, [word](std::string_view known) {
-           return text::EqualsIgnoringCase(word, known);
-         });
-}
-
-/// The digits of a bit literal b'...', or none.
-std::optional<std::string_view> BitDigits(std::string_view value) {
-  if (value.size() < 3 || value.substr(0, 2) != "b'" || value.back() != '\'') return std::nullopt;
-  return value.substr(2, value.size() - 3);
-}
-
-std::string BytesOfBits(std::string_view digits, std::int64_t size) {
-  std::string bytes(static_cast<std::size_t>(std::max<std::int64_t>(size, 1)), '\0');
-  const std::size_t bits = std::min(digits.size(), 8 * bytes.size());
-  for (std::size_t bit = 0; bit < bits; ++bit) {
-    if (digits[digits.size() - 1 - bit] != '1') continue;
-    char& byte = bytes[bytes.size() - 1 - bit / 8];
-    byte = static_cast<char>(byte | (1 << (bit % 8)));
-  }
-  return bytes;
-}
-
-std::string TextLiteral(std::string_view text) {
-  std::string literal;
-  AppendTextLiteral(literal, text);
-  return literal;
-}
-
-/// The literal of a default value, empty for a type without one. Throws RunTimeError for a value
-/// that cannot be converted.
-std::string DefaultLiteral(const ado::Column& col, const std::string& value) {
-  switch (col.type) {
-    case DataType::SmallInt:
-    case DataType::Integer:
-    case DataType::TinyInt:
-    case DataType::UnsignedTinyInt:
-    case DataType::UnsignedSmallInt:
-    case DataType::UnsignedInt:
-    case DataType::BigInt:
-    case DataType::UnsignedBigInt:
-      return text::IsNumeric(value) ? value : "'" + value + "'";
-    case DataType::Single:
-    case DataType::Double:
-    case DataType::Currency:
-    case DataType::Decimal:
-    case DataType::Numeric:
-    case DataType::VarNumeric:
-      return NumberText(value);
-    case DataType::Boolean: {
-      const auto bits = BitDigits(value);
-      return text::ParseBoolean(bits ? *bits : value) ? "1" : "0";
-    }
-    case DataType::Date:
-    case DataType::DBDate:
-    case DataType::DBTime:
-    case DataType::DBTimeStamp:
-      return DateLiteral(ParseDateTime(value));
-    case DataType::Char:
-    case DataType::VarChar:
-    case DataType::LongVarChar:
-    case DataType::WChar:
-    case DataType::VarWChar:
-    case DataType::LongVarWChar:
-      return text::IsNumeric(value) ? value : TextLiteral(value);
-    case DataType::Binary:
-    case DataType::VarBinary:
-    case DataType::LongVarBinary: {
-      const auto bits = BitDigits(value);
-      return HexCode(bits ? BytesOfBits(*bits, col.defined_size) : BinaryDefaultBytes(value));
-    }
-    default:
-      return {};
-  }
-}
-
-/// Empty when the column gets no default.
-std::string DefaultOf(const ado::Column& col, const std::string& value) {
-  if (value.empty()) return {};
-  if (IsTime(col.type) && IsCurrentTime(value)) return "getdate()";
-  // The catalog knows an expression from a text that looks like one.
-  if (!col.default_value) return {};
-  return DefaultLiteral(col, value);
-}
-
 }  // namespace
 
 std::vector<ColumnDescription> ShowColumns(ado::Connection& source,
@@ -195,17 +93,38 @@ ColumnDefinition GetColumnType(const ado::Column& col,
   if (found == descriptions.end()) {
     throw RunTimeError(ado::kNoCurrentRecord, "MySql", "No description of column " + col.name);
   }
-  ColumnDefinition definition;
+  ColumnDefinition definition{.name = col.name, .type = TypeOf(col)};
   definition.facts.nullable = found->null.starts_with('Y');
-  definition.is_identity = found->extra == "auto_increment";
-  definition.text = TypeOf(col);
-  definition.text += definition.facts.nullable ? " NULL" : " NOT NULL";
-  if (definition.is_identity) definition.text += " Identity";
-  if (found->key == "UNI") definition.text += " Unique";
-  definition.facts.default_text = DefaultOf(col, found->default_value);
-  if (definition.facts.default_text.empty()) return definition;
-  definition.text += " Default " + definition.facts.default_text;
+  const std::string_view extra = found->extra;
+  definition.is_identity = extra.substr(0, extra.find_first_of(" ,")) == "auto_increment";
+  definition.is_invisible = extra.find("INVISIBLE") != std::string_view::npos;
+  if (definition.is_identity) definition.attributes += " Identity";
+  if (found->key == "UNI") definition.attributes += " Unique";
+  if (found->default_value.empty()) return definition;
+  const std::optional<std::string> literal = DefaultLiteral(col, found->default_value);
+  if (literal) {
+    definition.default_clause = definition.facts.default_text = *literal;
+  } else {
+    definition.notes.push_back(
+        fmt::format("the default of column {} was left off: {}", col.name, found->default_value));
+  }
   return definition;
 }
 
-}  // namespace dorvane
+std::optional<std::int64_t> KeyBytes(const std::string& type) {
+  struct SizedType {
+    std::string_view word;
+    std::int64_t bytes;  // of a character
+  };
+  constexpr SizedType kSizedTypes[] = {
+      {"varchar(", 1}, {"nvarchar(", 2}, {"binary(", 1}, {"varbinary(", 1}};
+  constexpr std::int64_t kMostNumberBytes = 17;
+  if (type == "text" || type == "image" || type.ends_with("(max)")) return std::nullopt;
+  for (const SizedType& row : kSizedTypes) {
+    if (!type.starts_with(row.word)) continue;
+    return row.bytes * std::stoll(type.substr(row.word.size()));
+  }
+  return kMostNumberBytes;
+}
+
+}  // namespace dorvane::to_mssql

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,7 +9,7 @@
 #include "platform/ado/catalog_types.h"
 #include "platform/ado/connection.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// A row of SHOW COLUMNS.
 struct ColumnDescription {
@@ -22,9 +24,13 @@ struct ColumnDescription {
 std::vector<ColumnDescription> ShowColumns(ado::Connection& source,
                                            const std::string& table_reference);
 
-/// The SQL Server definition of a MySQL column, which `descriptions` holds. Throws RunTimeError
-/// when it does not, or when the default cannot be converted.
+/// The SQL Server definition of a MySQL column, which `descriptions` holds; a default that cannot
+/// be converted is left off and noted. Throws RunTimeError when they do not hold it.
 ColumnDefinition GetColumnType(const ado::Column& col,
                                const std::vector<ColumnDescription>& descriptions);
 
-}  // namespace dorvane
+/// Bytes of a key that a column of this SQL Server type takes at most; nothing for a type that no
+/// key takes.
+std::optional<std::int64_t> KeyBytes(const std::string& type);
+
+}  // namespace dorvane::to_mssql

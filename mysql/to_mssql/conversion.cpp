@@ -2,10 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "endpoint/names.h"
 #include "mysql/to_mssql/columns.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -13,44 +15,49 @@ constexpr std::string_view kDestinationTitle = "MS SQL Server";
 constexpr std::string_view kSourceTitle = "MySQL Server";
 
 // SQL Server's own numbers.
-constexpr std::int32_t kNoSuchTable = 3701;
 constexpr std::int32_t kTableIsReferenced = 3726;
 constexpr std::int32_t kObjectExists = 2714;
 
 }  // namespace
-
-// All tables are dropped before the first one is created.
-void MySqlToMsSql::PrepareDestination(const NameList& src_tables) {
-  if (!IsOverwriting()) return;
-  for (const std::string& name : src_tables) {
-    try {
-      ExecuteOn(Destination(), "drop table  " + MsSqlName(DestName(name)));
-    } catch (const RunTimeError& error) {
-      ReportTableFailure(name, error);
-    }
-  }
-}
 
 void MySqlToMsSql::PrepareTable(const TableDefinition&) {}
 
 TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
   const std::string& name = tab_src.Name();
   const std::vector<ColumnDescription> descriptions = ShowColumns(Source(), MySqlName(name));
-  TableDefinition table{name, DestName(name), {}};
+  TableDefinition table{.name = name, .dest_name = DestName(name), .columns = {}};
   for (const ado::Column& column : tab_src.Columns()) {
-    table.columns.push_back({GetColumnType(column, descriptions), column.name});
+    table.columns.push_back(GetColumnType(column, descriptions));
   }
+  AskTheRows(tab_src.Columns(), table);
   return table;
 }
 
 std::string MySqlToMsSql::CreateTableStatement(const TableDefinition& table) const {
   std::string statement = "Create Table " + MsSqlName(table.dest_name) + "(";
   const char* separator = "";
-  for (const TableDefinition::Column& column : table.columns) {
-    statement += separator + MsSqlName(DestName(column.name)) + " " + column.text;
+  for (const ColumnDefinition& column : table.columns) {
+    statement += separator + MsSqlName(DestName(column.name)) + " " + column.Text();
     separator = ", ";
   }
-  return statement + ")";
+  return statement + table.constraints + ")";
+}
+
+std::int32_t MySqlToMsSql::TableExistsError() const {
+  return kObjectExists;
+}
+
+std::string MySqlToMsSql::SelectList(const TableDefinition& table) const {
+  if (std::ranges::none_of(table.columns, &ColumnDefinition::is_invisible)) return "*";
+  std::string list;
+  for (const ColumnDefinition& column : table.columns) {
+    list += (list.empty() ? "" : ", ") + MySqlName(column.name);
+  }
+  return list;
+}
+
+bool MySqlToMsSql::FoldsTableNames() {
+  return true;
 }
 
 std::string MySqlToMsSql::SourceName(std::string_view name) const {
@@ -84,11 +91,12 @@ void MySqlToMsSql::ReportTableFailure(const std::string& name, const RunTimeErro
                kDestinationTitle);
     return;
   }
-  if (entry->native_error != kObjectExists || !IsOverwriting()) {
+  // A table that could not be dropped is there still, and has been reported.
+  if (entry->native_error != kObjectExists || !kept_.contains(name)) {
     RaiseError(fmt::format("Unknown error {} - {}", entry->native_error, entry->description),
                kSourceTitle);
   }
   Events().TableConversionFailed(name);
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

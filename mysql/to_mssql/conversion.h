@@ -1,14 +1,18 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "endpoint/conversion.h"
 #include "mysql/to_mssql/foreign_key_text.h"
+#include "mysql/to_mssql/key_text.h"
+#include "mysql/to_mssql/waiting_rows.h"
 #include "mysql/util.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// Converts MySQL tables into SQL Server tables.
 class MySqlToMsSql : public Conversion {
@@ -17,31 +21,59 @@ class MySqlToMsSql : public Conversion {
 
  private:
   // conversion.cpp
-  void PrepareDestination(const NameList& src_tables) override;
   TableDefinition DefineTable(ado::Table& tab_src) override;
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
+  std::int32_t TableExistsError() const override;
+  std::string SelectList(const TableDefinition& table) const override;
+  bool FoldsTableNames() override;
   void RelateTable(const std::string& name) override;
   std::string SourceName(std::string_view name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
 
+  // overwriting.cpp
+  void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  /// Without them the tables can be dropped in any order. Leaves the keys of tables that a key from
+  /// elsewhere keeps.
+  void DropReferencesAmong(const std::vector<const TableDefinition*>& tables);
+
+  // cures.cpp
+  bool CureTable(TableDefinition& table, std::int32_t native_error) override;
+  /// Changes the definitions of columns whose rows do not fit them, where the table will be
+  /// created.
+  void AskTheRows(const std::vector<ado::Column>& columns, TableDefinition& table);
+  bool WillBeCreated(const TableDefinition& table);
+
   // keys.cpp
-  void AddPrimaryKeyConstraint(ado::Table& tab_src, const TableDefinition& table) override;
+  void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) override;
+  void CheckExistingTable(ado::Table& tab_src, const TableDefinition& table) override;
+  /// Creates a key or tells why it is not there.
+  void AddKey(const KeyText& key, TableDefinition& table);
+  void AddPrimaryKey(const KeyText& key, const TableDefinition& table);
+  void AddIndex(const KeyText& key, TableDefinition& table);
+  void ReportKey(const TableDefinition& table, const std::string& key, const RunTimeError& error);
 
   // rows.cpp
   std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
-  void ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) override;
+  bool HasIdentity(const std::string& dest_table);
+  void StorePostponedRows() override;
+  void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
+  void ReportRowProblem(const std::string& dest_table, std::string_view problem);
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
-  /// False when the failure ends the table's relationships.
-  bool AddRelationship(const std::string& table_reference, const ForeignKeyText& key);
+  void AddRelationship(const std::string& table, const ForeignKeyText& key);
+  bool HasRelationship(const std::string& dest_table, const std::string& quoted_name);
   /// A part of a table definition with its names as they are on the destination.
   std::string DestNames(std::string_view definition_part) const;
 
+  static constexpr std::int32_t kNoSuchTable = 3701;
+
   Util util_;
+  WaitingRows waiting_;
+  std::set<std::string> kept_;  // tables of the source whose old ones could not be dropped
 };
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -5,7 +5,7 @@
 
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -177,4 +177,4 @@ std::string ChangeNames(std::string_view definition_part,
   return changed;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// The pieces of one foreign key as a MySQL table definition writes them, names in backquotes.
 struct ForeignKeyText {
@@ -24,4 +24,4 @@ std::vector<ForeignKeyText> ReadForeignKeys(std::string_view definition);
 std::string ChangeNames(std::string_view definition_part,
                         const std::function<std::string(std::string)>& change);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -4,85 +4,136 @@
 #include <cstdint>
 
 #include "endpoint/names.h"
+#include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/conversion.h"
+#include "mysql/to_mssql/questions.h"
 #include "mysql/to_mssql/reserved_words.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
-/// A key as SHOW INDEX describes it, its rows put together.
-struct KeyText {
-  std::string name;
-  bool is_unique = false;
-  bool can_be_carried = true;  // covers whole columns and is no full-text or spatial index
-  NameList columns{};
-
-  bool IsPrimary() const { return name == "PRIMARY"; }
-};
-
-bool IsWholeColumnKey(ado::Recordset& row) {
-  const std::string type = row.Field("Index_type").Text();
-  return row.Field("Sub_part").IsNull() && !row.Field("column_name").IsNull() &&
-         type != "FULLTEXT" && type != "SPATIAL";
-}
-
-std::vector<KeyText> ReadKeys(ado::Recordset rows) {
-  std::vector<KeyText> keys;
-  for (; !rows.AtEnd(); rows.MoveNext()) {
-    if (rows.Field("Seq_in_index").Text() == "1") {
-      keys.push_back({rows.Field("key_name").Text(), rows.Field("Non_Unique").Text() == "0"});
-    }
-    if (keys.empty()) continue;
-    KeyText& key = keys.back();
-    key.columns.push_back(rows.Field("column_name").Text());
-    key.can_be_carried = key.can_be_carried && IsWholeColumnKey(rows);
-  }
-  return keys;
-}
+// What an index of the server may hold of one row, in all of its versions.
+constexpr std::int64_t kMostKeyBytes = 900;
 
 /// A name as it may stand outside brackets, else in brackets.
 std::string Plain(const std::string& name) {
   return NeedsBrackets(name) ? MsSqlName(name) : name;
 }
 
+/// Why SQL Server has no index like this; empty when it may have.
+std::string WhyNotCarried(const KeyText& key, const TableDefinition& table) {
+  if (key.type == "FULLTEXT") return "full text";
+  if (key.type == "SPATIAL") return "spatial";
+  if (!key.has_prefix) return {};
+  // The whole columns take the place of their prefixes where the server can index them.
+  std::int64_t bytes = 0;
+  for (const std::string& name : key.columns) {
+    const ColumnDefinition* column = table.Find(name);
+    const auto key_bytes = column != nullptr ? KeyBytes(column->type) : std::nullopt;
+    bytes += key_bytes.value_or(kMostKeyBytes + 1);
+  }
+  return bytes > kMostKeyBytes ? "the beginning of a column too long for an index" : "";
+}
+
 }  // namespace
 
-void MySqlToMsSql::AddPrimaryKeyConstraint(ado::Table& tab_src, const TableDefinition& table) {
-  const std::string& name = tab_src.Name();
-  const auto report = [&] {
-    RaiseError(fmt::format(
-                   "An error occured while creating primary keys and indexes for table '{}'", name),
-               "MySQL Server");
-  };
+void MySqlToMsSql::AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) {
   try {
-    for (const KeyText& key : ReadKeys(Source().Execute("show index from " + MySqlName(name)))) {
-      if (!key.can_be_carried) {
-        report();
-        continue;
-      }
-      std::string columns;
-      for (const std::string& column : key.columns) {
-        if (!columns.empty()) columns += ',';
-        const std::string dest_column = DestName(column);
-        columns += key.IsPrimary() ? MsSqlName(dest_column) : Plain(dest_column);
-      }
-      const std::string dest_table = MsSqlName(table.dest_name);
-      const std::string key_name = DestName(key.name);
-      if (key.IsPrimary()) {
-        ExecuteOn(Destination(),
-                  fmt::format("alter table {} add primary key ({})", dest_table, columns));
-      } else if (key.is_unique) {
-        ExecuteOn(Destination(), fmt::format("Create unique index {} on {}({})", Plain(key_name),
-                                             dest_table, columns));
-      } else {
-        ExecuteOn(Destination(), fmt::format("Create index {} on {}({})", MsSqlName(key_name),
-                                             dest_table, columns));
-      }
+    for (const KeyText& key :
+         ReadKeys(Source().Execute("show index from " + MySqlName(tab_src.Name())))) {
+      AddKey(key, table);
     }
-  } catch (const RunTimeError&) {
-    report();
+  } catch (const RunTimeError& error) {
+    ReportKey(table, "", error);
   }
 }
 
-}  // namespace dorvane
+void MySqlToMsSql::AddKey(const KeyText& key, TableDefinition& table) {
+  const std::string reason = WhyNotCarried(key, table);
+  if (!reason.empty()) {
+    table.notes.push_back(fmt::format("index {} was not carried: {}", key.name, reason));
+    return;
+  }
+  try {
+    if (std::ranges::find(key.columns, "") != key.columns.end()) {
+      throw RunTimeError(ado::kItemNotFound, "MySql", "it is over an expression");
+    }
+    key.IsPrimary() ? AddPrimaryKey(key, table) : AddIndex(key, table);
+  } catch (const RunTimeError& error) {
+    ReportKey(table, key.name, error);
+  }
+}
+
+void MySqlToMsSql::AddPrimaryKey(const KeyText& key, const TableDefinition& table) {
+  std::string columns;
+  for (const std::string& column : key.columns) {
+    columns += (columns.empty() ? "" : ",") + MsSqlName(DestName(column));
+  }
+  ExecuteOn(Destination(), fmt::format("alter table {} add primary key ({})",
+                                       MsSqlName(table.dest_name), columns));
+}
+
+void MySqlToMsSql::AddIndex(const KeyText& key, TableDefinition& table) {
+  std::string columns;
+  std::string has_values;
+  for (const std::string& column : key.columns) {
+    const std::string dest_column = Plain(DestName(column));
+    columns += (columns.empty() ? "" : ",") + dest_column;
+    const ColumnDefinition* definition = table.Find(column);
+    if (definition == nullptr || !definition->facts.nullable) continue;
+    has_values += (has_values.empty() ? "" : " and ") + dest_column + " is not null";
+  }
+  const std::string name = DestName(key.name);
+  const std::string dest_table = MsSqlName(table.dest_name);
+  if (!key.is_unique) {
+    ExecuteOn(Destination(),
+              fmt::format("Create index {} on {}({})", MsSqlName(name), dest_table, columns));
+    return;
+  }
+  std::string statement =
+      fmt::format("Create unique index {} on {}({})", Plain(name), dest_table, columns);
+  if (!has_values.empty() && RepeatsNulls(Source(), table.name, key.columns)) {
+    statement += " where " + has_values;
+    table.notes.push_back(fmt::format(
+        "unique index {} leaves out rows with NULL, of which SQL Server takes one only", key.name));
+  }
+  ExecuteOn(Destination(), statement);
+}
+
+void MySqlToMsSql::ReportKey(const TableDefinition& table, const std::string& key,
+                             const RunTimeError& error) {
+  const auto* failure = dynamic_cast<const DestinationFailure*>(&error);
+  const ado::Error* entry = failure != nullptr ? failure->Primary() : nullptr;
+  RaiseError(
+      fmt::format("An error occured while creating primary keys and indexes for table '{}' - {}{}",
+                  table.name, key.empty() ? "" : key + ": ",
+                  entry != nullptr ? entry->description : error.Description()),
+      "MySQL Server");
+}
+
+void MySqlToMsSql::CheckExistingTable(ado::Table& tab_src, const TableDefinition& table) {
+  if (!Options().copy_table_content) return;
+  std::optional<KeyText> primary;
+  try {
+    const std::vector<ado::Index> indexes =
+        OnDestination(Destination(), [&] { return Destination().Indexes(table.dest_name); });
+    if (std::ranges::any_of(indexes, &ado::Index::unique)) return;
+    const std::vector<KeyText> keys =
+        ReadKeys(Source().Execute("show index from " + MySqlName(tab_src.Name())));
+    if (keys.empty() || !keys[0].IsPrimary()) {
+      Host().Inform(fmt::format(
+          "Table {}: it has no key, so that rows which are there already are added once more",
+          table.name));
+      return;
+    }
+    primary = keys[0];
+    AddPrimaryKey(*primary, table);
+    Host().Inform(
+        fmt::format("Table {}: it was there without its primary key, which was added", table.name));
+  } catch (const RunTimeError& error) {
+    ReportKey(table, primary ? primary->name : "", error);
+  }
+}
+
+}  // namespace dorvane::to_mssql

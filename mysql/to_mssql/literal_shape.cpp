@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -12,6 +12,8 @@ using Kind = LiteralShape::Kind;
 // whatever their scale.
 constexpr int kMostDecimalDigits = 38;
 constexpr int kMostFloatDigits = 15;
+// Characters that a text keeps when the server makes it Unicode text of the sized type.
+constexpr std::size_t kMostWideCharacters = 4000;
 
 bool IsNumber(ado::DataType type) {
   using ado::DataType;
@@ -23,6 +25,19 @@ bool IsNumber(ado::DataType type) {
       DataType::UnsignedBigInt,   DataType::Numeric,     DataType::VarNumeric,
   };
   return std::ranges::find(kNumbers, type) != std::end(kNumbers);
+}
+
+bool IsText(Kind kind) {
+  return kind == Kind::Text || kind == Kind::LongText || kind == Kind::NationalText;
+}
+
+/// The shape of a list of two kinds of text; none when one of them would be cut.
+bool JoinTexts(LiteralShape& shape, const LiteralShape& other) {
+  if (shape.kind == other.kind) return true;
+  const auto has = [&](Kind kind) { return shape.kind == kind || other.kind == kind; };
+  if (has(Kind::LongText) && has(Kind::NationalText)) return false;
+  shape = {has(Kind::LongText) ? Kind::LongText : Kind::NationalText};
+  return true;
 }
 
 bool IsDigit(char c) {
@@ -53,7 +68,9 @@ LiteralShape ShapeOfNumber(std::string_view literal) {
 
 LiteralShape ShapeOf(std::string_view literal) {
   if (literal == "NULL") return {};
-  if (literal.starts_with('\'')) return {Kind::Text};
+  if (literal.starts_with('\'')) {
+    return {literal.size() <= kMostWideCharacters ? Kind::Text : Kind::LongText};
+  }
   if (literal.starts_with("N'")) return {Kind::NationalText};
   if (literal.starts_with("0x")) return {Kind::Binary};
   return ShapeOfNumber(literal);
@@ -77,6 +94,7 @@ bool Join(LiteralShape& shape, const LiteralShape& other, ado::DataType type) {
     shape = {Kind::Float};
     return true;
   }
+  if (IsText(shape.kind) && IsText(other.kind)) return JoinTexts(shape, other);
   if (shape.kind != other.kind || shape.kind == Kind::Other) return false;
   if (shape.kind != Kind::Decimal) return true;
 
@@ -90,4 +108,4 @@ bool Join(LiteralShape& shape, const LiteralShape& other, ado::DataType type) {
   return true;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -4,12 +4,22 @@
 
 #include "platform/ado/types.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 /// What the server makes of a literal before it looks at the column: in a VALUES list of several
 /// rows it gives a column's literals one common type first, which must not change any value.
 struct LiteralShape {
-  enum class Kind { Null, Integer, Decimal, Float, Text, NationalText, Binary, Other };
+  enum class Kind {
+    Null,
+    Integer,
+    Decimal,
+    Float,
+    Text,  // plain ASCII that fits beside Unicode text
+    LongText,
+    NationalText,
+    Binary,
+    Other
+  };
   Kind kind = Kind::Null;
   int integer_digits = 0;  // of a Decimal
   int scale = 0;
@@ -21,4 +31,4 @@ LiteralShape ShapeOf(std::string_view literal);
 /// list could reach a destination column of this type with another value or error than each alone.
 bool Join(LiteralShape& shape, const LiteralShape& other, ado::DataType type);
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -1,18 +1,42 @@
 #include "mysql/to_mssql/literals.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "endpoint/date_time_text.h"
 #include "endpoint/literal_text.h"
 #include "endpoint/number_literal.h"
-#include "platform/text/code_page.h"
+#include "platform/text/ascii.h"
+#include "platform/text/utf8.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
 // Seventeen fifty-three begins the server's datetime.
 constexpr ado::DateTime kEarliest{1753, 1, 1, 0, 0};
+constexpr std::int32_t kSecondsPerDay = 24 * 60 * 60;
+
+constexpr std::ptrdiff_t kMostDigits = 38;
+// A concatenation of literals is cut where one literal would not be, and may not be nested deeply.
+constexpr std::size_t kMostConcatenatedBytes = 4000;
+constexpr std::ptrdiff_t kMostConcatenatedZeros = 100;
+
+bool Exists(const ado::DateTime& value) {
+  return std::chrono::year_month_day(std::chrono::year(value.year), std::chrono::month(value.month),
+                                     std::chrono::day(value.day))
+      .ok();
+}
+
+/// The moment that the server's datetime can hold.
+ado::DateTime Storable(const ado::DateTime& value) {
+  return Exists(value) ? std::max(Normalised(value), kEarliest) : kEarliest;
+}
+
+std::ptrdiff_t SignificantDigits(std::string_view number) {
+  number.remove_prefix(std::min(number.find_first_not_of("-0"), number.size()));
+  return std::ranges::count_if(number, text::IsDigit);
+}
 
 /// Appends what `writer` puts into at most `size` bytes.
 template <typename Writer>
@@ -32,12 +56,19 @@ struct LiteralWriter {
   void operator()(std::uint64_t value) const { Integer(value); }
   void operator()(float value) const { Number(value); }
   void operator()(double value) const { Number(value); }
-  void operator()(ado::Decimal value) const { Number(value); }
+  void operator()(ado::Decimal value) const {
+    // The server reads no longer number; a column that takes this one takes its text.
+    if (SignificantDigits(value.digits) > kMostDigits) {
+      AppendTextLiteral(out, value.digits);
+    } else {
+      Number(value);
+    }
+  }
   void operator()(std::string_view value) const { AppendTextLiteral(out, value); }
   void operator()(ado::Binary value) const { Bytes(value.bytes); }
   void operator()(ado::Guid value) const { Bytes(GuidBytes(value.text)); }
   void operator()(const ado::DateTime& value) const {
-    const ado::DateTime date = std::max(Normalised(value), kEarliest);
+    const ado::DateTime date = Storable(value);
     out += '\'';
     AppendWritten(out, kDateTimeSize, [&](char* to) { return WriteDateTime(to, date, false); });
     out += '\'';
@@ -59,6 +90,53 @@ bool IsAscii(std::string_view text) {
   return std::ranges::none_of(text, [](char c) { return (c & 0x80) != 0; });
 }
 
+void AppendQuoted(std::string& out, std::string_view text) {
+  out += '\'';
+  for (std::size_t quote = text.find('\''); quote != std::string_view::npos;
+       quote = text.find('\'')) {
+    out += text.substr(0, quote + 1);
+    out += '\'';
+    text.remove_prefix(quote + 1);
+  }
+  out += text;
+  out += '\'';
+}
+
+/// The text's UTF-16 bytes, lower one first.
+std::string Utf16Bytes(std::string_view text) {
+  std::string bytes;
+  const auto append = [&bytes](char32_t unit) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  };
+  while (!text.empty()) {
+    const char32_t point = text::TakeCodePoint(text).value_or(U'\uFFFD');
+    if (point < 0x10000) {
+      append(point);
+    } else {
+      append(0xD800 + ((point - 0x10000) >> 10));
+      append(0xDC00 + ((point - 0x10000) & 0x3FF));
+    }
+  }
+  return bytes;
+}
+
+void AppendTextWithZeros(std::string& out, std::string_view text) {
+  if (text.size() > kMostConcatenatedBytes ||
+      std::ranges::count(text, '\0') > kMostConcatenatedZeros) {
+    out += "cast(" + HexCode(Utf16Bytes(text)) + " as nvarchar(max))";
+    return;
+  }
+  for (;;) {
+    const std::size_t zero = text.find('\0');
+    out += 'N';
+    AppendQuoted(out, text.substr(0, zero));
+    if (zero == std::string_view::npos) return;
+    out += "+nchar(0)+";
+    text.remove_prefix(zero + 1);
+  }
+}
+
 }  // namespace
 
 void AppendDataValue(std::string& out, const ado::Value& value, const ColumnFacts& facts) {
@@ -72,16 +150,12 @@ void AppendDataValue(std::string& out, const ado::Value& value, const ColumnFact
 }
 
 void AppendTextLiteral(std::string& out, std::string_view text) {
-  if (!IsAscii(text) && !text::FitsAnsi(text)) out += 'N';
-  out += '\'';
-  for (std::size_t quote = text.find('\''); quote != std::string_view::npos;
-       quote = text.find('\'')) {
-    out += text.substr(0, quote + 1);
-    out += '\'';
-    text.remove_prefix(quote + 1);
+  if (text.find('\0') != std::string_view::npos) {
+    AppendTextWithZeros(out, text);
+    return;
   }
-  out += text;
-  out += '\'';
+  if (!IsAscii(text)) out += 'N';
+  AppendQuoted(out, text);
 }
 
 std::string DateLiteral(const ado::DateTime& value) {
@@ -90,4 +164,15 @@ std::string DateLiteral(const ado::DateTime& value) {
   return literal;
 }
 
-}  // namespace dorvane
+unsigned ChangesOf(const ado::DateTime& value, ado::DataType type) {
+  if (!Exists(value)) return kDateMadeUp;
+  const ado::DateTime moment = Normalised(value);
+  if (moment < kEarliest) return kDateRaised;
+  const unsigned changes = value.nanoseconds != 0 ? unsigned{kFractionCut} : 0U;
+  if (type != ado::DataType::DBTime) return changes;
+  const bool is_of_a_day =
+      value.seconds >= 0 && value.nanoseconds >= 0 && value.seconds < kSecondsPerDay;
+  return changes | (is_of_a_day ? kTimeDated : kTimeMovedDate);
+}
+
+}  // namespace dorvane::to_mssql

@@ -6,12 +6,15 @@
 #include "mysql/to_mssql/conversion.h"
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
 constexpr std::string_view kTitle = "Creating Relationship Error";
 constexpr std::string_view kExistsAlready = "There is already an object";
+constexpr const char* kNoAction = "No Action";
+// The server's own number.
+constexpr std::int32_t kSeveralCascades = 1785;
 
 // Stands for a backquote inside a name while the ones around names are turned into brackets.
 constexpr char kInnerQuote = '\x01';
@@ -20,20 +23,19 @@ constexpr char kInnerQuote = '\x01';
 std::string Rule(const std::string& rule) {
   const bool has_none =
       text::EqualsIgnoringCase(rule, "set null") || text::EqualsIgnoringCase(rule, "restrict");
-  return has_none ? "No Action" : rule;
+  return has_none ? kNoAction : rule;
 }
 
 }  // namespace
 
 void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
   const std::string& name = tab_src.Name();
-  const std::string table_reference = MsSqlName(DestName(name));
   try {
     ado::Recordset row = Source().Execute("show create table  " + MySqlName(name));
     const std::string definition = row.Field(1).Text();
     row.Close();
     for (const ForeignKeyText& key : ReadForeignKeys(definition)) {
-      if (!AddRelationship(table_reference, key)) return;
+      AddRelationship(name, key);
     }
   } catch (const RunTimeError& error) {
     RaiseError(fmt::format("Unexpected error {} - {}", error.Number(), error.Description()),
@@ -41,30 +43,53 @@ void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
   }
 }
 
-bool MySqlToMsSql::AddRelationship(const std::string& table_reference, const ForeignKeyText& key) {
+void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyText& key) {
+  const std::string dest_table = DestName(table);
+  const std::string table_reference = MsSqlName(dest_table);
+  const std::string name = DestNames(key.name);
   const std::string columns = DestNames(key.columns);
   const std::string referenced = DestNames(key.referenced);
-  const std::string statement = fmt::format(
-      "Alter Table {} add CONSTRAINT {} Foreign Key ({}) References {} On Delete {} On Update {}",
-      table_reference, DestNames(key.name), columns, referenced, Rule(key.delete_rule),
-      Rule(key.update_rule));
+  const auto execute = [&](const std::string& delete_rule, const std::string& update_rule) {
+    ExecuteOn(Destination(),
+              fmt::format("Alter Table {} add CONSTRAINT {} Foreign Key ({}) "
+                          "References {} On Delete {} On Update {}",
+                          table_reference, name, columns, referenced, delete_rule, update_rule));
+  };
   try {
-    ExecuteOn(Destination(), statement);
-    return true;
+    try {
+      execute(Rule(key.delete_rule), Rule(key.update_rule));
+    } catch (const DestinationFailure& failure) {
+      if (failure.NativeError() != kSeveralCascades) throw;
+      execute(kNoAction, kNoAction);
+      Host().Inform(
+          fmt::format("Table {}: relationship {} has No Action for its rules, since SQL "
+                      "Server takes no cycles and no second path of them",
+                      table, name));
+    }
   } catch (const DestinationFailure& failure) {
     const ErrorSummary summary = failure.Summary();
     if (failure.Primary() == nullptr || summary.number != ado::hresult::kErrorsInCommand) {
       RaiseError(fmt::format("Unexpected error {} - {}", summary.number, summary.description),
                  kTitle);
-      return false;
+      return;
     }
     const bool exists = summary.description.find(kExistsAlready) != std::string::npos;
-    if (!exists || !IsMerging()) {
-      RaiseError(fmt::format("Could not create relationship between {}({}) and {}. Error {}",
-                             table_reference, columns, referenced, summary.number),
-                 kTitle);
-    }
-    return true;
+    if (exists && IsMerging() && HasRelationship(dest_table, name)) return;
+    RaiseError(
+        fmt::format("Could not create relationship between {}({}) and {}. Error {} - {}",
+                    table_reference, columns, referenced, summary.number, summary.description),
+        kTitle);
+  }
+}
+
+bool MySqlToMsSql::HasRelationship(const std::string& dest_table, const std::string& quoted_name) {
+  try {
+    return std::ranges::any_of(Destination().Keys(dest_table), [&](const ado::Key& key) {
+      return key.type == ado::KeyType::Foreign &&
+             text::EqualsIgnoringCase(MsSqlName(key.name), quoted_name);
+    });
+  } catch (const RunTimeError&) {
+    return false;
   }
 }
 
@@ -78,4 +103,4 @@ std::string MySqlToMsSql::DestNames(std::string_view definition_part) const {
   return text;
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

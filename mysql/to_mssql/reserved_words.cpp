@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -217,4 +217,4 @@ bool NeedsBrackets(std::string_view name) {
   return std::ranges::binary_search(kReservedWords, std::string_view(upper));
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

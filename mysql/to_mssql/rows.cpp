@@ -3,16 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/literals.h"
+#include "mysql/to_mssql/row_faults.h"
 #include "platform/text/ascii.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 
 namespace {
 
@@ -21,8 +21,24 @@ constexpr std::size_t kMostRowsPerInsert = 1000;
 // A batch is sent when it is that long; one row may be longer.
 constexpr std::size_t kBatchBytes = 512 * 1024;
 
+// Behind the count, by the bits of TimeChange.
+constexpr std::string_view kChangeTexts[kTimeChanges] = {
+    "dates that do not exist became 1753-01-01",
+    "dates before 1753-01-01 were raised to it",
+    "times were put on 1899-12-30",
+    "times below zero or beyond a day were added to 1899-12-30",
+    "fractions of a second were cut",
+};
+
+// A converted value is its literal behind one character that holds its TimeChange bits.
+constexpr unsigned kNoChange = '@';
+
 std::string_view TextOf(const ado::Value& literal) {
-  return std::get<std::string_view>(literal);
+  return std::get<std::string_view>(literal).substr(1);
+}
+
+unsigned ChangesIn(const ado::Value& literal) {
+  return static_cast<unsigned char>(std::get<std::string_view>(literal).front()) - kNoChange;
 }
 
 void AppendTuple(std::string& out, std::span<const ado::Value> literals) {
@@ -44,7 +60,7 @@ RowsToMsSql::RowsToMsSql(ado::Connection& destination, Target target,
   const std::string table = MsSqlName(target_.table);
   head_ = "INSERT INTO " + table + " (";
   for (std::size_t i = 0; i < fields_.size(); ++i) {
-    head_ += (i == 0 ? "" : ", ") + MsSqlName(fields_[i].name);
+    head_ += (i == 0 ? "" : ", ") + MsSqlName(target_.columns[i]);
   }
   head_ += ") ";
   if (!target_.has_identity_column) return;
@@ -67,7 +83,7 @@ void RowsToMsSql::LearnTypes() {
   try {
     for (const ado::Column& column : destination_.Columns(target_.table)) {
       for (std::size_t i = 0; i < fields_.size(); ++i) {
-        if (text::EqualsIgnoringCase(fields_[i].name, column.name)) types_[i] = column.type;
+        if (text::EqualsIgnoringCase(target_.columns[i], column.name)) types_[i] = column.type;
       }
     }
   } catch (const RunTimeError&) {
@@ -100,7 +116,9 @@ bool RowsToMsSql::RefersToItself() {
 
 ado::Value RowsToMsSql::ConvertValue(const ado::Value& value, std::size_t column,
                                      ado::Arena& storage) {
-  literal_.clear();
+  const auto* moment = std::get_if<ado::DateTime>(&value);
+  const unsigned changes = moment != nullptr ? ChangesOf(*moment, fields_[column].type) : 0;
+  literal_.assign(1, static_cast<char>(kNoChange + changes));
   AppendDataValue(literal_, value, facts_[column]);
   return storage.Store(literal_);
 }
@@ -109,14 +127,18 @@ BlockResult RowsToMsSql::StoreBlock(const ado::RowBlock& converted, std::size_t 
                                     std::size_t count) {
   batch_ = "begin transaction;" + identity_on_;
   insert_rows_ = 0;
+  ChangeCounts changes = changes_;
   try {
     for (std::size_t row = first; row < first + count; ++row) {
       AppendRow(converted.Row(row));
+      CountChanges(converted.Row(row), changes);
       if (batch_.size() >= kBatchBytes) SendBatch();
     }
     batch_ += insert_rows_ > 0 ? ";" + identity_off_ : identity_off_;
     SendBatch();
     destination_.Execute("commit transaction");
+    changes_ = changes;
+    handled_ += static_cast<std::int64_t>(count);
     return BlockResult::Stored;
   } catch (const RunTimeError& error) {
     TryExecute(destination_, "if @@trancount > 0 rollback transaction");
@@ -157,43 +179,102 @@ void RowsToMsSql::SendBatch() {
   insert_rows_ = 0;
 }
 
-RowResult RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
+RowOutcome RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
   std::string statement = identity_on_ + head_ + " VALUES";
   AppendTuple(statement, converted.Row(row));
-  bool is_stored = ExecuteUnlessViolated(statement);
-  if (!identity_off_.empty()) is_stored &= ExecuteUnlessViolated(identity_off_);
-  return is_stored ? RowResult::Stored : RowResult::Refused;
+  ++handled_;
+  const RowOutcome outcome = ExecuteRow(statement);
+  if (!identity_off_.empty()) ExecuteOn(destination_, identity_off_);
+  const bool is_stored =
+      outcome.result == RowResult::Stored || outcome.result == RowResult::Postponed;
+  if (is_stored) CountChanges(converted.Row(row), changes_);
+  return outcome;
 }
 
-bool RowsToMsSql::ExecuteUnlessViolated(const std::string& statement) {
+RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
   try {
     ExecuteOn(destination_, statement);
-    return true;
+    return {};
   } catch (const DestinationFailure& failure) {
     const ado::Error* entry = failure.Primary();
-    if (target_.leaves_violations_out && entry != nullptr &&
-        entry->number == ado::hresult::kIntegrityViolation) {
-      return false;
+    const RowFault fault = entry != nullptr ? FaultOf(entry->native_error) : RowFault::None;
+    if (fault == RowFault::None) {
+      // The next table's rows need the switch, which a session has for one table only.
+      if (!identity_off_.empty()) TryExecute(destination_, identity_off_);
+      throw;
     }
-    // The next table's rows need the switch, which a session has for one table only.
-    if (!identity_off_.empty()) TryExecute(destination_, identity_off_);
-    throw;
+    if (fault == RowFault::Duplicate && !target_.is_new) return {RowResult::Duplicate};
+    return RefusalOf(*entry, statement);
   }
+}
+
+RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, const std::string& statement) {
+  ErrorSummary reason{error.native_error, error.description};
+  if (target_.waiting != nullptr && MayComeRight(error) &&
+      target_.waiting->Add({.table = target_.table,
+                            .position = handled_,
+                            .statement = statement,
+                            .after = identity_off_,
+                            .reason = reason})) {
+    return {RowResult::Postponed};
+  }
+  return {RowResult::Refused, std::move(reason)};
+}
+
+void RowsToMsSql::CountChanges(std::span<const ado::Value> literals, ChangeCounts& counts) {
+  for (const ado::Value& literal : literals) {
+    const unsigned changes = ChangesIn(literal);
+    for (unsigned bit = 0; changes >> bit != 0; ++bit) counts[bit] += changes >> bit & 1;
+  }
+}
+
+std::vector<ValueChanges> RowsToMsSql::Changes() const {
+  std::vector<ValueChanges> changes;
+  for (unsigned bit = 0; bit < kTimeChanges; ++bit) {
+    changes.push_back({changes_[bit], std::string(kChangeTexts[bit])});
+  }
+  return changes;
 }
 
 std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& table, bool is_new,
                                                         const std::vector<ado::FieldInfo>& fields,
                                                         const std::vector<ColumnFacts>& facts) {
-  return std::make_unique<RowsToMsSql>(
-      Destination(),
-      RowsToMsSql::Target{table.dest_name, table.Identity() != nullptr, is_new, IsMerging()},
-      fields, facts);
+  RowsToMsSql::Target target{.table = table.dest_name,
+                             .columns = {},
+                             .has_identity_column = table.Identity() != nullptr &&
+                                                    (is_new || HasIdentity(table.dest_name)),
+                             .is_new = is_new,
+                             .waiting = is_new ? nullptr : &waiting_};
+  for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
+  return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
 }
 
-void MySqlToMsSql::ReportCopyFailure(const TableDefinition& table, const ErrorSummary& failure) {
-  RaiseError(fmt::format("Unexpected error while transfering data of table {} - {} - {}",
-                         MsSqlName(table.dest_name), failure.number, failure.description),
+bool MySqlToMsSql::HasIdentity(const std::string& dest_table) {
+  ado::Recordset count = OnDestination(Destination(), [&] {
+    return Destination().Execute(
+        "select count(*) from sys.columns where is_identity = 1 and object_id = object_id('" +
+        SqlText(MsSqlName(dest_table)) + "')");
+  });
+  return count.AtEnd() || count.Field(0).Text() != "0";
+}
+
+void MySqlToMsSql::StorePostponedRows() {
+  for (const WaitingRows::Refusal& refusal : waiting_.Store(Destination())) {
+    ReportRowProblem(refusal.table,
+                     fmt::format("{} rows were not copied; the first: {} - {} (row {})",
+                                 refusal.rows, refusal.first_reason.number,
+                                 refusal.first_reason.description, refusal.first_position));
+  }
+}
+
+void MySqlToMsSql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
+  ReportRowProblem(table.dest_name, problem);
+}
+
+void MySqlToMsSql::ReportRowProblem(const std::string& dest_table, std::string_view problem) {
+  RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
+                         MsSqlName(dest_table), problem),
              "MS SQL Server");
 }
 
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -20,6 +20,8 @@ struct Column : FieldInfo {
   /// The value of the default: parentheses removed, string literals unquoted, the current time as
   /// "getdate()". Nothing where there is no default or where it is any other expression.
   std::optional<std::string> default_value;
+  /// A default that default_value has nothing for, as the server writes it; empty without one.
+  std::string other_default;
 };
 
 struct Index {

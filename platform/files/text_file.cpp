@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "platform/files/replace_file.h"
 #include "platform/run_time_error.h"
 #include "platform/text/code_page.h"
 
@@ -16,7 +17,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 
 }  // namespace
 
-LineReader::LineReader(const std::filesystem::path& path) {
+LineReader::LineReader(const std::filesystem::path& path) : path_(path) {
   std::error_code ignored;
   if (std::filesystem::is_directory(path, ignored)) ThrowFileError(EISDIR, path);
   file_.reset(std::fopen(path.c_str(), "rbe"));
@@ -28,6 +29,8 @@ std::string LineReader::ReadRawLine() {
   std::size_t capacity = 0;
   const ssize_t length = getline(&line, &capacity, file_.get());
   const std::unique_ptr<char, decltype(&std::free)> owner(line, &std::free);
+  ++line_number_;
+  if (length < 0 && std::ferror(file_.get()) != 0) ThrowFileError(errno, path_);
   if (length < 0) {
     throw RunTimeError(run_time::kInputPastEnd, "Dorvane", "Input past end of file");
   }
@@ -50,8 +53,12 @@ void AnsiText::WriteRawLine(std::string_view ansi) {
 }
 
 LineAppender::LineAppender(const std::filesystem::path& path)
-    : path_(path), file_(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666)) {
+    : path_(path),
+      // A pipe that nobody reads is refused instead of waited for.
+      file_(
+          open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, kOwnerOnly)) {
   if (!file_.IsOpen()) ThrowFileError(errno, path);
+  fcntl(file_.Number(), F_SETFL, O_APPEND);
 }
 
 void LineAppender::WriteLine(std::string_view utf8) {

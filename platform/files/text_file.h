@@ -16,16 +16,22 @@ class LineReader {
  public:
   /// Throws RunTimeError: 53 no such file, 76 no such folder, 70 not allowed, 57 otherwise.
   explicit LineReader(const std::filesystem::path& path);
-  /// The next line without its end. Throws RunTimeError 62 behind the last one.
+  /// The next line without its end. Throws RunTimeError 62 behind the last one, 57 when it
+  /// cannot be read.
   std::string ReadLine();
   /// The next line as the bytes of the file.
   std::string ReadRawLine();
+  /// Of the line that was read last, or asked for behind the end; from 1.
+  int LineNumber() const { return line_number_; }
+  const std::filesystem::path& Path() const { return path_; }
 
  private:
   struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
+  std::filesystem::path path_;
   std::unique_ptr<std::FILE, Closer> file_;
+  int line_number_ = 0;
 };
 
 /// The text of such a file while it is put together.
@@ -45,8 +51,8 @@ class AnsiText {
 /// killed program leaves every line so far. Move-only.
 class LineAppender {
  public:
-  /// Makes the file when it is missing. Throws RunTimeError: 76 no such folder, 70 not allowed, 57
-  /// otherwise.
+  /// Makes the file for its owner alone when it is missing. Throws RunTimeError: 76 no such folder,
+  /// 70 not allowed, 57 otherwise, a pipe that nobody reads among it.
   explicit LineAppender(const std::filesystem::path& path);
 
   /// UTF-8; characters outside the code page become "?". Throws RunTimeError 57 (a full disk).

@@ -1,5 +1,7 @@
 #include "platform/text/utf8.h"
 
+#include <fmt/format.h>
+
 namespace dorvane::text {
 
 namespace {
@@ -41,6 +43,31 @@ std::optional<char32_t> TakeCodePoint(std::string_view& text) {
   const auto code_point = following < 0 ? std::nullopt : Decode(text, size);
   text.remove_prefix(code_point ? size : 1);
   return code_point;
+}
+
+std::string Visible(std::string_view text) {
+  std::string visible;
+  visible.reserve(text.size());
+  while (!text.empty()) {
+    const std::string_view rest = text;
+    const std::optional<char32_t> code_point = TakeCodePoint(text);
+    const bool is_control =
+        code_point && (*code_point < 0x20 || (*code_point >= 0x7F && *code_point < 0xA0));
+    if (!is_control) {
+      visible += rest.substr(0, rest.size() - text.size());
+    } else if (*code_point == '\r' || *code_point == '\n' || *code_point == '\t') {
+      visible += *code_point == '\r' ? "\\r" : *code_point == '\n' ? "\\n" : "\\t";
+    } else {
+      visible += fmt::format("\\x{:02X}", static_cast<unsigned>(*code_point));
+    }
+  }
+  return visible;
+}
+
+std::string_view FirstCharacters(std::string_view text, std::size_t count) {
+  std::string_view rest = text;
+  for (; count > 0 && !rest.empty(); --count) TakeCodePoint(rest);
+  return text.substr(0, text.size() - rest.size());
 }
 
 }  // namespace dorvane::text

@@ -36,4 +36,11 @@ void AppendUtf8(std::string& text, char32_t code_point);
 /// nothing.
 std::optional<char32_t> TakeCodePoint(std::string_view& text);
 
+/// The text with its control characters written out ("\r", "\n", "\t", else "\x1B"), for a log or
+/// terminal that must not be steered by it.
+std::string Visible(std::string_view text);
+
+/// The first `count` characters, or all of a shorter text.
+std::string_view FirstCharacters(std::string_view text, std::size_t count);
+
 }  // namespace dorvane::text

@@ -246,6 +246,7 @@ struct CreateIndexStatement {
   std::string name;
   ObjectName table;
   ColumnList columns;
+  std::vector<std::string> not_null;  // columns of the filter "where a is not null and ..."
   bool unique = false;
   bool clustered = false;
   bool ignore_existing = false;

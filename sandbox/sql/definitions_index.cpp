@@ -16,7 +16,8 @@ constexpr const char* kNullKey = "x'4e554c4c204e554c4c204e554c4c204e554c4c204e55
 std::string IndexTerm(const TableDef& table, const IndexDef& index, const IndexColumn& key) {
   const ColumnDef& column = table.Column(key.column_id);
   std::string term = TableDef::StoredColumn(column.id);
-  if (index.unique && column.nullable) term = fmt::format("ifnull({}, {})", term, kNullKey);
+  if (index.unique && column.nullable && !key.skips_nulls)
+    term = fmt::format("ifnull({}, {})", term, kNullKey);
   if (IsText(column.type.type)) term += std::string(" COLLATE ") + kTextCollation;
   return term + (key.descending ? " DESC" : "");
 }
@@ -74,6 +75,12 @@ Flow Session::Run(const CreateIndexStatement& create) {
     index.id = std::max(index.id, other.id);
   }
   ++index.id;
+  // The one kind of filter that SQLite's own NULLs stand for.
+  for (const std::string& name : create.not_null) {
+    const bool is_key = std::ranges::any_of(
+        create.columns.names, [&](const std::string& key) { return SameName(key, name); });
+    if (!is_key) Raise(102, name);
+  }
   for (std::size_t i = 0; i < create.columns.names.size(); ++i) {
     const ColumnDef* column = table.FindColumn(create.columns.names[i]);
     if (!column) Raise(1911, create.columns.names[i]);
@@ -81,7 +88,9 @@ Flow Session::Run(const CreateIndexStatement& create) {
     for (const IndexColumn& other : index.columns) {
       if (other.column_id == column->id) Raise(1909, "index", column->name);
     }
-    index.columns.push_back({column->id, create.columns.descending[i]});
+    const bool skips_nulls = std::ranges::any_of(
+        create.not_null, [&](const std::string& name) { return SameName(name, column->name); });
+    index.columns.push_back({column->id, create.columns.descending[i], skips_nulls});
   }
   table.indexes.push_back(index);
   link.Store(table);

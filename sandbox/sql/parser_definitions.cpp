@@ -256,6 +256,14 @@ Statement Parser::ParseCreateIndex() {
   index.table = TakeObjectName();
   index.columns = TakeColumnList();
   if (Accept("include")) TakeNameList();
+  if (Accept("where")) {
+    do {
+      index.not_null.push_back(TakeName());
+      Expect("is");
+      Expect("not");
+      Expect("null");
+    } while (Accept("and"));
+  }
   SkipIndexOptions();
   return {1, std::move(index)};
 }

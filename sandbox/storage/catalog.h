@@ -28,6 +28,7 @@ struct ColumnDef {
 struct IndexColumn {
   int column_id = 0;
   bool descending = false;
+  bool skips_nulls = false;  // rows with NULL here are not in the index
 };
 
 /// An index; primary keys and unique constraints are indexes too.

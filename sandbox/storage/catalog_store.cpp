@@ -24,6 +24,10 @@ CREATE TABLE cat_check(table_id INTEGER, id INTEGER PRIMARY KEY, name TEXT, body
 CREATE TABLE cat_counter(name TEXT PRIMARY KEY, value INTEGER);
 )";
 
+// What cat_index_column.descending holds.
+constexpr std::int64_t kDescending = 1;
+constexpr std::int64_t kSkipsNulls = 2;
+
 constexpr const char* kLastObjectId = "last_object_id";
 
 constexpr const char* kPerTable[] = {
@@ -81,7 +85,9 @@ void LoadIndexes(SqliteConnection& connection, Catalog& catalog) {
     columns.Bind(1, rows.Integer(0)).Bind(2, rows.Integer(1));
     ResetGuard guard(columns);
     while (columns.Step()) {
-      index.columns.push_back({static_cast<int>(columns.Integer(0)), columns.Integer(1) != 0});
+      const std::int64_t flags = columns.Integer(1);
+      index.columns.push_back({static_cast<int>(columns.Integer(0)), (flags & kDescending) != 0,
+                               (flags & kSkipsNulls) != 0});
     }
     catalog.tables[static_cast<int>(rows.Integer(0))].indexes.push_back(std::move(index));
   }
@@ -142,7 +148,8 @@ void StoreIndexes(SqliteConnection& connection, const TableDef& table) {
     std::int64_t position = 0;
     for (const IndexColumn& column : index.columns) {
       RunWith(insert_column, Number(table.id), Number(index.id), position++,
-              Number(column.column_id), Number(column.descending));
+              Number(column.column_id),
+              (column.descending ? kDescending : 0) | (column.skips_nulls ? kSkipsNulls : 0));
     }
   }
 }

@@ -29,7 +29,8 @@ TEST(Defaults, OfServersThatWriteThemAsExpressions) {
   EXPECT_EQ(value("'a' + 'b'"), std::nullopt);
   EXPECT_EQ(value("'unfinished"), std::nullopt);
   EXPECT_EQ(value("-1.5e3"), "-1.5e3");
-  EXPECT_EQ(value("current_timestamp(6)"), "getdate()");
+  EXPECT_EQ(value("current_timestamp(6)"), std::nullopt);
+  EXPECT_EQ(DefaultValue("current_timestamp(6)", "datetime", "", true), "getdate()");
   EXPECT_EQ(value("uuid()"), std::nullopt);
   EXPECT_EQ(value("b'1'"), "1");
 }

@@ -1,9 +1,11 @@
 #include "app/unattended_run.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 
 #include "tests/support/plain_endpoint.h"
@@ -88,15 +90,92 @@ TEST_F(UnattendedRun, AConnectionFailureIsItsLogLineAndNoEnd) {
   EXPECT_THAT(Log(), Not(HasSubstr("ended")));
 }
 
-TEST_F(UnattendedRun, AFailureThatIsNotLoggedStillFailsTheRun) {
-  testing::internal::CaptureStderr();
+TEST_F(UnattendedRun, EveryFailureIsInTheLogAndNotesAreNoFailure) {
   EXPECT_EQ(Run([this](IDatabase&, const NameList&, IConversionListener& listener) {
               host_->UnclassifiedFailure("Failed to convert table a", 16, "Table Conversion");
               listener.ConversionEnded();
             }),
             RunStatus::kFailed);
-  EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("Failed to convert table a"));
-  EXPECT_THAT(Log(), Not(HasSubstr("Failed")));
+  EXPECT_THAT(Log(), HasSubstr("Table Conversion - Failed to convert table a\r\n"));
+  EXPECT_EQ(Run([this](IDatabase&, const NameList&, IConversionListener& listener) {
+              listener.TableConversionStarted("a");
+              host_->Inform("Table a: 3 rows were there already");
+              listener.TableConversionSuccessed("a");
+              listener.TableConversionStarted("b");
+              listener.ErrorOccured("5 of 9 rows were not copied", 16, "Insertion Error");
+              listener.TableConversionSuccessed("b");
+              listener.ConversionEnded();
+            }),
+            RunStatus::kFailed);
+  EXPECT_THAT(Log(), HasSubstr("Converting table 'a' ..... \r\n"
+                               "Note - Table a: 3 rows were there already\r\nDone!\r\n"
+                               "Converting table 'b' ..... \r\n"
+                               "Insertion Error - 5 of 9 rows were not copied\r\n"
+                               "Done, with errors.\r\n"));
+}
+
+TEST_F(UnattendedRun, ASignalEndsItInOrder) {
+  const RunStatus status = Run([this](IDatabase&, const NameList&, IConversionListener& listener) {
+    listener.ConversionStarted(2, false);
+    listener.TableConversionStarted("a");
+    EXPECT_FALSE(host_->IsStopping());
+    std::raise(SIGTERM);
+    EXPECT_TRUE(host_->IsStopping());
+    listener.ConversionEnded();
+  });
+  EXPECT_EQ(static_cast<int>(status), 128 + SIGTERM);
+  EXPECT_THAT(Log(), testing::EndsWith("Converting table 'a' ..... \r\nconversion failed! unkown "
+                                       "error 5 - stopped by signal 15\r\n"));
+  EXPECT_EXIT(Run([](IDatabase&, const NameList&, IConversionListener&) {
+                std::raise(SIGTERM);
+                std::raise(SIGTERM);
+              }),
+              testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST_F(UnattendedRun, AMessageIsOneLineWhateverItHolds) {
+  EXPECT_EQ(Run([](IDatabase&, const NameList&, IConversionListener& listener) {
+              listener.TableConversionStarted("evil\x1B[2J");
+              listener.ErrorOccured("Duplicate entry 'x\r\nDone!\r\n'", 16, "Insertion Error");
+              listener.ConversionEnded();
+            }),
+            RunStatus::kFailed);
+  EXPECT_THAT(Log(), HasSubstr("Converting table 'evil\\x1B[2J' ..... \r\n"
+                               "Insertion Error - Duplicate entry 'x\\r\\nDone!\\r\\n'\r\n"));
+}
+
+TEST_F(UnattendedRun, AStandardErrorThatTakesNothingIsNoReasonToFail) {
+  const int full = open("/dev/full", O_WRONLY);
+  const int saved = dup(STDERR_FILENO);
+  dup2(full, STDERR_FILENO);
+  // The log lies on the same full disk.
+  const RunStatus status = Run([](IDatabase&, const NameList&,
+                                  IConversionListener& listener) { listener.ConversionEnded(); },
+                               "/dev/full");
+  dup2(saved, STDERR_FILENO);
+  close(full);
+  close(saved);
+  EXPECT_EQ(status, RunStatus::kFailed);
+}
+
+TEST_F(UnattendedRun, TwoRunsOfTheSameSettingsDoNotMeet) {
+  RunStatus second = RunStatus::kConverted;
+  bool transferred = false;
+  EXPECT_EQ(Run([&](IDatabase&, const NameList&, IConversionListener& listener) {
+              IRunHost* const first_host = host_;
+              second = RunUnattendedConversion(folder_ / "n.dcs", [&](ServerKind kind, IRunHost&) {
+                return std::make_unique<PlainEndpoint>(
+                    kind,
+                    [&](IDatabase&, const NameList&, IConversionListener&) { transferred = true; });
+              });
+              host_ = first_host;
+              listener.ConversionEnded();
+            }),
+            RunStatus::kConverted);
+  EXPECT_EQ(second, RunStatus::kFailed);
+  EXPECT_FALSE(transferred);
+  EXPECT_THAT(Log(), HasSubstr("conversion failed! unkown error 70 - another run of these settings "
+                               "is still at work\r\n"));
 }
 
 TEST_F(UnattendedRun, AnEscapedErrorIsTheRunsOwnLine) {

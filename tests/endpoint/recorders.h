@@ -63,6 +63,7 @@ class HostRecorder : public IRunHost {
   std::vector<ConnectionFailure> connection_failures;
   std::vector<std::string> messages;
   std::vector<std::string> unclassified;
+  std::vector<std::string> notes;
   int yields = 0;
   int polls_until_stop = -1;  // below zero: never
 
@@ -72,6 +73,7 @@ class HostRecorder : public IRunHost {
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override {
     messages.push_back(fmt::format("{} [{}] {}", style, title, message));
   }
+  void Inform(std::string_view message) override { notes.emplace_back(message); }
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override {
     unclassified.push_back(fmt::format("{} [{}] {}", style, title, message));

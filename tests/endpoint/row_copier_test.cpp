@@ -46,16 +46,17 @@ class NumberTable : public IRowDestination {
     }
     return BlockResult::Stored;
   }
-  RowResult StoreRow(const ado::RowBlock& block, std::size_t row) override {
+  RowOutcome StoreRow(const ado::RowBlock& block, std::size_t row) override {
     ++attempts;
     ++rows_sent;
     ++row_attempts;
     const std::int64_t number = Number(block, row);
     if (number == ends_at) throw RunTimeError(1, "test", "ended");
-    if (refused.contains(number)) return RowResult::Refused;
+    if (refused.contains(number)) return {RowResult::Refused};
     stored.push_back(number);
-    return RowResult::Stored;
+    return {};
   }
+  std::vector<ValueChanges> Changes() const override { return {}; }
 
  private:
   static std::int64_t Number(const ado::RowBlock& block, std::size_t row) {

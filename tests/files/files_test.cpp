@@ -35,6 +35,12 @@ std::ptrdiff_t EntriesOf(const fs::path& folder) {
   return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
 }
 
+mode_t ModeOf(const fs::path& path) {
+  struct stat info {};
+  stat(path.c_str(), &info);
+  return info.st_mode & 0777;
+}
+
 TEST(TextFile, ReadsLinesHoweverTheyEnd) {
   const TempFolder folder;
   std::ofstream(folder / "file", std::ios::binary) << "a\r\n\r\nb\x80\nlast";
@@ -44,6 +50,14 @@ TEST(TextFile, ReadsLinesHoweverTheyEnd) {
   EXPECT_EQ(file.ReadLine(), "b€");
   EXPECT_EQ(file.ReadLine(), "last");
   EXPECT_EQ(NumberOf([&] { file.ReadLine(); }), run_time::kInputPastEnd);
+}
+
+TEST(TextFile, ALogIsItsOwnersAndWaitsForNoReader) {
+  const TempFolder folder;
+  LineAppender(folder / "log").WriteLine("a server's message may hold values");
+  EXPECT_EQ(ModeOf(folder / "log"), kOwnerOnly);
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  EXPECT_EQ(NumberOf([&] { LineAppender(folder / "pipe"); }), run_time::kFileInputOutput);
 }
 
 TEST(TextFile, AppendsAndTellsWhyItCannot) {
@@ -80,12 +94,6 @@ TEST(TextFile, LeavesNoDescriptorOpen) {
   NumberOf([&] { ReplaceFile(folder.Path(), "a folder is in the way", kOwnerOnly); });
   second.Close();
   EXPECT_EQ(EntriesOf("/proc/self/fd"), before);
-}
-
-mode_t ModeOf(const fs::path& path) {
-  struct stat info {};
-  stat(path.c_str(), &info);
-  return info.st_mode & 0777;
 }
 
 TEST(ReplaceFile, PutsTheNewFileInTheOldOnesPlace) {

@@ -77,19 +77,25 @@ TEST(ConversionSettings, BadLinesFailByKind) {
   EXPECT_THROW(Read(WithLine(1, "1 ")), UnexpectedDirection);
   const std::string full = kSales;
   const auto last_line = full.rfind("\r\n", full.size() - 3) + 2;
-  const std::vector<std::pair<std::string, std::int32_t>> cases = {
-      {WithLine(3, "70000"), run_time::kOverflow},
-      {WithLine(9, "port"), run_time::kTypeMismatch},
-      {WithLine(6, "maybe"), run_time::kTypeMismatch},
-      {WithLine(16, ""), run_time::kTypeMismatch},
-      {full.substr(0, last_line), run_time::kInputPastEnd},
-      {"", run_time::kInputPastEnd}};
-  for (const auto& [bytes, number] : cases) {
+  struct Case {
+    std::string bytes;
+    std::int32_t number;
+    std::string place;  // where the message sends a person
+  };
+  const Case cases[] = {
+      {WithLine(3, "70000"), run_time::kOverflow, "(line 3 of file.dcs: 70000)"},
+      {WithLine(9, "port"), run_time::kTypeMismatch, "(line 9 of file.dcs: port)"},
+      {WithLine(6, "maybe"), run_time::kTypeMismatch, "(line 6 of file.dcs: maybe)"},
+      {WithLine(16, ""), run_time::kTypeMismatch, "(line 16 of file.dcs)"},
+      {full.substr(0, last_line), run_time::kInputPastEnd, "(line 19 of file.dcs)"},
+      {"", run_time::kInputPastEnd, "(line 1 of file.dcs)"}};
+  for (const auto& [bytes, number, place] : cases) {
     try {
       Read(bytes);
       ADD_FAILURE() << bytes;
     } catch (const RunTimeError& error) {
       EXPECT_EQ(error.Number(), number) << bytes;
+      EXPECT_THAT(error.Description(), testing::EndsWith(place));
     }
   }
 }

@@ -61,7 +61,7 @@ struct MsSqlCopy : testing::TestWithParam<CopyStrategy>,
 TEST_P(MsSqlCopy, CopiesRowsAndCountsThem) {
   Texts({{"1", "a"}, {"2", "Null"}, {"3", "c"}});
   Transfer({"t"});
-  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"2", "NULL"}, Row{"3", "c"}));
+  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"2", "Null"}, Row{"3", "c"}));
   EXPECT_THAT(events.events, ElementsAre("started 1 false", "table t", "content t 3", "rows 3",
                                          "succeeded t", "ended"));
   EXPECT_THAT(dest.Sent("insert"), ElementsAre("insert `t` (k,v)"));
@@ -84,100 +84,79 @@ TEST_P(MsSqlCopy, LongBytesArriveWholeAndEmptyOnesAreNotNull) {
   EXPECT_EQ(dest.stored[2][1], "NULL");
 }
 
-TEST_P(MsSqlCopy, MergeLeavesOutDuplicatesInSilence) {
-  for (const std::int32_t native : {1062, 1022, 1586}) {
-    dest.stored.clear();
-    events.events.clear();
-    Texts({{"1", "a"}, {"2", "b"}, {"3", "c"}});
-    Refuse("2", Failure(kRefused, native, "duplicate"));
-    Transfer({"t"});
-    EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"3", "c"}));
-    EXPECT_THAT(events.Errors(), IsEmpty());
-    EXPECT_THAT(events.Of("rows"), ElementsAre("rows 3"));
-  }
-}
-
-TEST_P(MsSqlCopy, AnyOtherRefusalEndsTheCopyWithAMessage) {
-  const auto message = [](std::int32_t number, std::string_view words) {
-    return fmt::format(
-        "error 16 [Insertion Error] Unexpected error while transfering data of table t - {} - {}",
-        number, words);
-  };
+TEST_P(MsSqlCopy, ARefusalLeavesOutTheRowOrEndsTheCopy) {
+  enum class Outcome { LeftOut, Refused, Ended };
   struct Case {
-    std::int16_t mode;
-    ado::ProviderError error;
-    std::string event;
+    std::int32_t native;
+    Outcome in_new_table;
+    Outcome in_old_table;
   };
   const Case cases[] = {
-      {convert_mode::kMerge, Failure(kRefused, 1452, "foreign key"),
-       message(kRefused, "foreign key")},
-      {convert_mode::kOverwrite, Failure(kRefused, 1062, "duplicate"),
-       message(kRefused, "duplicate")},
-      {convert_mode::kMerge, Failure(ado::hresult::kFail, 2013, "lost"),
-       message(ado::hresult::kFail, "lost")},
-      {convert_mode::kMerge, {-6, "test", "run-time", {}}, message(-6, "run-time")},
+      {1062, Outcome::Refused, Outcome::LeftOut}, {1586, Outcome::Refused, Outcome::LeftOut},
+      {1264, Outcome::Refused, Outcome::Refused}, {1048, Outcome::Refused, Outcome::Refused},
+      {1153, Outcome::Refused, Outcome::Refused}, {1366, Outcome::Refused, Outcome::Refused},
+      {1205, Outcome::Ended, Outcome::Ended},     {1146, Outcome::Ended, Outcome::Ended},
+      {1142, Outcome::Ended, Outcome::Ended},     {2013, Outcome::Ended, Outcome::Ended},
   };
+  const std::string message =
+      "error 16 [Insertion Error] Unexpected error while transfering data of table t - ";
   for (const Case& each : cases) {
-    dest.stored.clear();
-    events.events.clear();
-    src.SetConvertMode(each.mode);
-    Texts({{"1", "a"}, {"2", "b"}, {"3", "c"}});
-    Refuse("2", each.error);
-    Transfer({"t"});
-    EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"})) << each.event;
-    EXPECT_THAT(events.events, ElementsAre("started 1 false", "table t", "content t 3", "rows 1",
-                                           each.event, "succeeded t", "ended"));
+    for (const bool is_new : {true, false}) {
+      SCOPED_TRACE(fmt::format("{} {}", each.native, is_new));
+      dest.stored.clear();
+      events.events.clear();
+      host.notes.clear();
+      if (!is_new) dest.Fail("Create Table", Failure(kRefused, 1050, "exists"), 1);
+      Texts({{"1", "a"}, {"2", "b"}, {"3", "c"}});
+      Refuse("2", Failure(kRefused, each.native, "words"));
+      Transfer({"t"});
+      const Outcome outcome = is_new ? each.in_new_table : each.in_old_table;
+      if (outcome == Outcome::Ended) {
+        EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}));
+        EXPECT_THAT(events.Errors(), ElementsAre(message + "-2147217900 - words"));
+        continue;
+      }
+      EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"3", "c"}));
+      EXPECT_THAT(events.Of("rows"), ElementsAre("rows 3"));
+      if (outcome == Outcome::LeftOut) {
+        EXPECT_THAT(events.Errors(), IsEmpty());
+        EXPECT_THAT(host.notes,
+                    testing::Contains("Table t: 1 of 3 rows were there already and were "
+                                      "left out"));
+      } else {
+        EXPECT_THAT(events.Errors(),
+                    ElementsAre(fmt::format("{}1 of 3 rows were not copied; the first: {} - words "
+                                            "(row 2)",
+                                            message, each.native)));
+      }
+    }
   }
 }
 
-TEST_P(MsSqlCopy, ARefusedTextIsTriedOnceMoreThroughTheCodePage) {
-  Texts({{"1", "a"}, {"2", "caf\u00E9 \u4E16"}, {"3", "c"}});
-  dest.on_row = [](const Row& row) {
-    if (row[1].find("\u4E16") != std::string::npos) throw Failure(kBadValue, 1366, "no such text");
-  };
-  Transfer({"t"});
-  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"2", "caf\u00E9 ?"}, Row{"3", "c"}));
-  EXPECT_THAT(events.Errors(), IsEmpty());
-}
-
-TEST_P(MsSqlCopy, TheRebuiltTextGoesBackWhereItCameFrom) {
-  source.columns["t"] = {MakeColumn("k", DataType::VarWChar), MakeColumn("v", DataType::VarChar)};
-  source.Answer("select * from [t]", {{{source.columns["t"][0], source.columns["t"][1]},
-                                       {{std::string_view("\u4E16"), ado::Null()}}}});
-  source.Answer("select count(*) as Rows_No from [t]", {TextResult({"Rows_No"}, {{"1"}})});
-  dest.on_row = [](const Row& row) {
-    if (row[0] == "\u4E16") throw Failure(kBadValue, 1366, "no such text");
-  };
-  Transfer({"t"});
-  EXPECT_THAT(dest.stored, ElementsAre(Row{"?", "NULL"}));
-}
-
-TEST_P(MsSqlCopy, ARowRefusedTwiceIsReported) {
-  Texts({{"1", "a"}, {"2", "b"}, {"3", "c"}});
-  int tries = 0;
-  dest.on_row = [&tries](const Row& row) {
-    if (row[0] == "2") throw Failure(kBadValue, 1264, fmt::format("out of range {}", ++tries > 0));
-  };
-  Transfer({"t"});
-  EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}));
-  EXPECT_THAT(events.Errors(),
-              ElementsAre("error 16 [Insertion Error] Unexpected error while transfering data of "
-                          "table t - -2147217887 - out of range true"));
-}
-
-TEST_P(MsSqlCopy, ARefusedRowWithChunksIsLeftOut) {
+TEST_P(MsSqlCopy, ARowOfBytesIsRefusedLikeAnyOther) {
   Rows(DataType::Binary,
        {{"1", ado::Binary{"a"}}, {"2", ado::Binary{"b"}}, {"3", ado::Binary{"c"}}});
   Refuse("2", Failure(kBadValue, 1406, "too long"));
   Transfer({"t"});
   EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "0x61"}, Row{"3", "0x63"}));
-  EXPECT_THAT(events.Errors(), IsEmpty());
-  EXPECT_THAT(events.Of("rows"), ElementsAre("rows 3"));
+  EXPECT_EQ(events.Errors().size(), 1u);
+}
+
+TEST_P(MsSqlCopy, ForeignKeyChecksAreOnAgainHoweverAMergeEnds) {
+  src.SetConvertRelationships(true);
+  dest.Fail("Create Table", Failure(kRefused, 1050, "exists"));
+  for (const std::int32_t native : {1062, 2013}) {
+    dest.log.clear();
+    Texts({{"1", "a"}, {"2", "b"}});
+    Refuse("2", Failure(kRefused, native, "words"));
+    Transfer({"t"});
+    EXPECT_THAT(dest.Sent("set foreign"),
+                ElementsAre("set foreign_key_checks = 0", "set foreign_key_checks = 1"));
+  }
 }
 
 TEST_P(MsSqlCopy, ABreakingSourceEndsTheCopyBehindItsRows) {
   Texts({{"1", "a"}, {"2", "b"}});
-  dest.Fail("Create Table", Failure(kRefused, 1050, "exists"));
   source.BreakResult("select * from [t]", Failure(ado::hresult::kFail, 20004, "read failed"));
   Transfer({"t"});
   EXPECT_THAT(dest.stored, ElementsAre(Row{"1", "a"}, Row{"2", "b"}));

@@ -3,18 +3,16 @@
 #include "endpoint/literal_text.h"
 #include "mssql/to_mysql/literals.h"
 
-namespace dorvane {
+namespace dorvane::to_mysql {
 namespace {
 
 using ado::DataType;
 
 /// The value as text, NULL as "NULL", bytes in hexadecimal.
-std::string Assigned(const ado::Value& value, DataType type, int scale = 0,
-                     const ColumnFacts& facts = {}) {
+std::string Assigned(const ado::Value& value, DataType type, const ColumnFacts& facts = {}) {
   ado::Arena storage;
   ado::FieldInfo field;
   field.type = type;
-  field.numeric_scale = scale;
   const ado::Value result = DataValue(value, field, facts, storage);
   if (const auto* text = std::get_if<std::string_view>(&result)) return std::string(*text);
   if (const auto* binary = std::get_if<ado::Binary>(&result)) return HexCode(binary->bytes);
@@ -36,22 +34,35 @@ TEST(MsSqlDataValue, GivesEachTypeItsText) {
             "0x6F9619FF8B86D011B42D00C04FC964FF");
 }
 
-TEST(MsSqlDataValue, KeepsFractionsWhereTheColumnDoes) {
+TEST(MsSqlDataValue, KeepsAndCountsFractionsAsTheColumnDoes) {
   const ado::DateTime moment{2020, 2, 29, 86399, 999'999'900};
-  EXPECT_EQ(Assigned(moment, DataType::DBTimeStamp, 3), "2020-02-29 23:59:59");
-  EXPECT_EQ(Assigned(moment, DataType::DBTimeStamp, 7), "2020-02-29 23:59:59.999999");
-  EXPECT_EQ(Assigned(moment, DataType::DBDate), "2020-02-29");
-  EXPECT_EQ(Assigned(moment, DataType::DBTime), "23:59:59");
-  EXPECT_EQ(Assigned(moment, DataType::DBTime, 7), "23:59:59.999999");
-  EXPECT_EQ(Assigned(moment, DataType::Date), "2020-02-29 23:59:59");
+  struct Row {
+    DataType type;
+    int digits;
+    std::string text;
+  };
+  const Row rows[] = {
+      {DataType::DBTimeStamp, 0, "2020-02-29 23:59:59"},
+      {DataType::DBTimeStamp, 3, "2020-02-29 23:59:59.999"},
+      {DataType::DBTimeStamp, 6, "2020-02-29 23:59:59.999999"},
+      {DataType::DBDate, 0, "2020-02-29"},
+      {DataType::DBTime, 0, "23:59:59"},
+      {DataType::DBTime, 6, "23:59:59.999999"},
+      {DataType::Date, 0, "2020-02-29 23:59:59"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(Assigned(moment, row.type, {"", true, row.digits}), row.text);
+    EXPECT_TRUE(LosesFraction(moment, {"", true, row.digits}));
+  }
+  EXPECT_FALSE(LosesFraction({2020, 1, 1, 0, 999'000'000}, {"", true, 3}));
+  EXPECT_FALSE(LosesFraction({2020, 1, 1, 0, 0}, {"", true, 0}));
 }
 
 TEST(MsSqlDataValue, NullsFollowTheColumnsFacts) {
-  EXPECT_EQ(Assigned({}, DataType::VarChar, 0, {"x", true}), "NULL");
-  EXPECT_EQ(Assigned({}, DataType::VarChar, 0, {"x", false}), "x");
-  EXPECT_EQ(Assigned({}, DataType::VarChar, 0, {"", false}), "");
-  EXPECT_EQ(Assigned(std::string_view("Null"), DataType::VarChar), "NULL");
-  EXPECT_EQ(Assigned(std::string_view("null"), DataType::VarChar), "null");
+  EXPECT_EQ(Assigned({}, DataType::VarChar, {"x", true}), "NULL");
+  EXPECT_EQ(Assigned({}, DataType::VarChar, {"x", false}), "x");
+  EXPECT_EQ(Assigned({}, DataType::VarChar, {"", false}), "");
+  EXPECT_EQ(Assigned(std::string_view("Null"), DataType::VarChar), "Null");
 }
 
 TEST(MsSqlQuote, EscapesInOrder) {
@@ -63,4 +74,4 @@ TEST(MsSqlQuote, EscapesInOrder) {
 }
 
 }  // namespace
-}  // namespace dorvane
+}  // namespace dorvane::to_mysql

@@ -25,6 +25,7 @@ struct MySqlCopy : testing::Test,
                    test::TransferRig<test::PlannedEndpoint<MySqlDatabase>, MsSqlDatabase> {
   MySqlCopy() {
     source.tables = {{"a t", "TABLE"}};
+    dest.indexes["a_t"] = {{.name = "pk", .primary_key = true, .unique = true, .columns = {}}};
     src.SetCopyTableContent(true);
     src.SetReplaceSpaceWithUnderscore(true);
   }
@@ -46,7 +47,7 @@ struct MySqlCopy : testing::Test,
   }
 };
 
-constexpr const char* kHead = "INSERT INTO [a_t] ([the k], [v]) ";
+constexpr const char* kHead = "INSERT INTO [a_t] ([the_k], [v]) ";
 
 TEST_F(MySqlCopy, RowByRowSendsOneInsertEach) {
   src.plan.strategy = CopyStrategy::RowByRow;
@@ -76,8 +77,8 @@ TEST_F(MySqlCopy, BlocksJoinRowsOfOneKindInOneTransaction) {
   const std::string head(kHead);
   EXPECT_THAT(RowStatements(),
               ElementsAre("begin transaction;set identity_insert [a_t] On;" + head +
-                              " VALUES(1, 'a'),(2, NULL);" + head + " VALUES(3, N'\u4E16');" +
-                              head + " VALUES(4, 'b');set identity_insert [a_t] Off;",
+                              " VALUES(1, 'a'),(2, NULL),(3, N'\u4E16'),(4, 'b');"
+                              "set identity_insert [a_t] Off;",
                           "commit transaction"));
 }
 
@@ -92,7 +93,7 @@ TEST_F(MySqlCopy, ARefusedBlockLeavesTheSessionAsItWas) {
   EXPECT_EQ(sent[1], "if @@trancount > 0 rollback transaction");
   for (const std::size_t off : {2, 4, 6}) EXPECT_EQ(sent[off], "set identity_insert [a_t] Off;");
   EXPECT_THAT(events.Of("rows"), ElementsAre("rows 2"));
-  EXPECT_THAT(events.Errors(), IsEmpty());
+  EXPECT_EQ(events.Errors().size(), 1u);
 }
 
 TEST_F(MySqlCopy, BatchesStayWithinBounds) {
@@ -130,45 +131,82 @@ TEST_F(MySqlCopy, NoInsertHasMoreRowsThanTheServerTakes) {
   EXPECT_EQ(stored, rows.size());
 }
 
-TEST_F(MySqlCopy, OnlyMergeSkipsViolations) {
+TEST_F(MySqlCopy, EachRefusalIsTheRowsOrEndsTheCopy) {
   const std::string prefix =
       "error 16 [MS SQL Server] Unexpected error while transfering data of table [a_t] - ";
-  struct Case {
-    std::int16_t mode;
-    ado::ProviderError error;
-    std::string event;  // empty: the row is left out
+  const auto refused = [&prefix](int number) {
+    return prefix + fmt::format("1 of 3 rows were not copied; the first: {} - no (row 2)", number);
   };
+  struct Case {
+    bool table_exists;
+    std::int32_t native_error;
+    std::string error;  // empty: none
+    std::vector<std::string> notes{};
+    int rows = 3;  // handled
+  };
+  const std::vector<std::string> was_there{
+      "Table a t: 1 of 3 rows were there already and were left out"};
   const Case cases[] = {
-      {convert_mode::kMerge, Failure(kViolation, 2627, "duplicate"), ""},
-      {convert_mode::kOverwrite, Failure(kViolation, 2627, "duplicate"),
-       prefix + "-2147217873 - duplicate"},
-      {convert_mode::kMerge, Failure(ado::hresult::kErrorsInCommand, 8152, "too long"),
-       prefix + "-2147217900 - too long"},
-      {convert_mode::kMerge, {-4, "test", "run-time", {}}, prefix + "-4 - run-time"},
+      {true, 2627, "", was_there},
+      {true, 2601, "", was_there},
+      {false, 2627, refused(2627)},
+      {true, 515, refused(515)},
+      {true, 547, refused(547)},
+      {false, 8152, refused(8152)},
+      {true, 50001, refused(50001)},
+      // The driver calls these violations as well.
+      {true, 544, prefix + "-2147217873 - no", {}, 1},
+      {true, 273, prefix + "-2147217873 - no", {}, 1},
+      {false, 1105, prefix + "-2147217873 - no", {}, 1},
   };
   for (const CopyStrategy strategy : {CopyStrategy::Blocks, CopyStrategy::RowByRow}) {
     src.plan.strategy = strategy;
     for (const Case& each : cases) {
-      test::ScriptedServer& server = dest;
-      server.log.clear();
+      SCOPED_TRACE(each.native_error);
       events.events.clear();
-      src.SetConvertMode(each.mode);
+      host.notes.clear();
       Rows(DataType::VarChar,
            {Numbered(1, std::string_view("a")), Numbered(2, std::string_view("b")),
             Numbered(3, std::string_view("c"))});
-      server.Fail("(2, 'b')", each.error, strategy == CopyStrategy::Blocks ? 2 : 1);
+      const auto exists = Failure(ado::hresult::kErrorsInCommand, 2714, "exists");
+      if (each.table_exists) dest.Fail("Create Table", exists, 1);
+      test::ScriptedServer& server = dest;
+      server.Fail("(2, 'b')", Failure(kViolation, each.native_error, "no"),
+                  strategy == CopyStrategy::Blocks ? 2 : 1);
       Transfer({"a t"});
-      if (each.event.empty()) {
+      if (each.error.empty()) {
         EXPECT_THAT(events.Errors(), IsEmpty());
-        EXPECT_THAT(events.Of("rows"), ElementsAre("rows 3"));
-        EXPECT_EQ(server.Sent(std::string(kHead) + " VALUES(3, 'c')").size(), 1u);
       } else {
-        EXPECT_THAT(events.Errors(), ElementsAre(each.event));
-        EXPECT_THAT(events.Of("rows"), ElementsAre("rows 1"));
+        EXPECT_THAT(events.Errors(), ElementsAre(each.error));
       }
+      EXPECT_EQ(host.notes, each.notes);
+      EXPECT_THAT(events.Of("rows"), ElementsAre(fmt::format("rows {}", each.rows)));
       EXPECT_THAT(events.Of("succeeded"), ElementsAre("succeeded a t"));
     }
   }
+}
+
+TEST_F(MySqlCopy, CountsTheValuesOfStoredRowsThatTheRulesChange) {
+  const ado::DateTime moments[] = {
+      {0, 0, 0, 0, 0},    {2020, 2, 31, 0, 0},           {2020, 0, 0, 0, 5}, {1752, 12, 31, 0, 5},
+      {1753, 1, 1, 0, 0}, {2020, 2, 29, 1, 500'000'000}, {2021, 1, 1, 0, 5}};
+  std::vector<Row> rows;
+  for (const ado::DateTime& moment : moments) rows.push_back(Numbered(1, moment));
+  Rows(DataType::DBTimeStamp, rows);
+  dest.Fail("2021", Failure(kViolation, 547, "check"));
+  Transfer({"a t"});
+  EXPECT_THAT(host.notes,
+              ElementsAre("Table a t: 3 dates that do not exist became 1753-01-01, 1 dates before "
+                          "1753-01-01 were raised to it, 1 fractions of a second were cut"));
+
+  host.notes.clear();
+  Rows(DataType::DBTime,
+       {Numbered(1, ado::DateTime{}), Numbered(2, ado::DateTime{1899, 12, 30, 90000, 0}),
+        Numbered(3, ado::DateTime{1899, 12, 30, 0, -1000})});
+  Transfer({"a t"});
+  EXPECT_THAT(host.notes,
+              ElementsAre("Table a t: 1 times were put on 1899-12-30, 2 times below zero or beyond "
+                          "a day were added to 1899-12-30, 1 fractions of a second were cut"));
 }
 
 TEST_F(MySqlCopy, TablesThatWouldTellBlocksApartGetRows) {

@@ -5,7 +5,7 @@
 #include "mysql/to_mssql/reserved_words.h"
 #include "mysql/util.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 namespace {
 
 TEST(ReplaceDashes, AlternatesBrackets) {
@@ -72,4 +72,4 @@ TEST(NeedsBrackets, KnowsReservedWordsAndOddCharacters) {
 }
 
 }  // namespace
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -3,10 +3,11 @@
 #include "mysql/to_mssql/literal_shape.h"
 #include "mysql/to_mssql/literals.h"
 
-namespace dorvane {
+namespace dorvane::to_mssql {
 namespace {
 
 using ado::DataType;
+using namespace std::literals;
 
 std::string Literal(const ado::Value& value, const ColumnFacts& facts = {}) {
   std::string out;
@@ -24,14 +25,24 @@ TEST(MySqlDataValue, WritesEachTypeAsALiteral) {
   EXPECT_EQ(Literal(ado::Binary{""}), "0x");
   EXPECT_EQ(Literal(std::string_view("It's a\\b''")), "'It''s a\\b'''''");
   EXPECT_EQ(Literal(std::string_view("")), "''");
-  EXPECT_EQ(Literal(std::string_view("caf\u00E9 \u20AC")), "'caf\u00E9 \u20AC'");
+  EXPECT_EQ(Literal(std::string_view("caf\u00E9")), "N'caf\u00E9'");
   EXPECT_EQ(Literal(std::string_view("\u4E16'")), "N'\u4E16'''");
+}
+
+// Drivers cut a statement at U+0000, and the server a long concatenation.
+TEST(MySqlDataValue, TextWithZerosNeedsNone) {
+  EXPECT_EQ(Literal("O'\0\u00E9\0"sv), "N'O'''+nchar(0)+N'\u00E9'+nchar(0)+N''");
+  const std::string literal = Literal(std::string(4000, 'x') + "\0\U0001F600"s);
+  EXPECT_TRUE(literal.starts_with("cast(0x78007800")) << literal.substr(0, 20);
+  EXPECT_TRUE(literal.ends_with("780000003DD800DE as nvarchar(max))")) << literal.substr(16000);
 }
 
 TEST(MySqlDataValue, RaisesEarlyDatesAndAddsTimesToTheirDay) {
   EXPECT_EQ(Literal(ado::DateTime{2020, 2, 29, 3661, 999'999'999}), "'2020-02-29 01:01:01'");
   EXPECT_EQ(Literal(ado::DateTime{1700, 5, 5, 0, 0}), "'1753-01-01 00:00:00'");
   EXPECT_EQ(Literal(ado::DateTime{0, 0, 0, 0, 0}), "'1753-01-01 00:00:00'");
+  EXPECT_EQ(Literal(ado::DateTime{2020, 0, 0, 0, 0}), "'1753-01-01 00:00:00'");
+  EXPECT_EQ(Literal(ado::DateTime{2020, 2, 31, 0, 0}), "'1753-01-01 00:00:00'");
   EXPECT_EQ(Literal(ado::DateTime{1753, 1, 1, 0, 0}), "'1753-01-01 00:00:00'");
   EXPECT_EQ(Literal(ado::DateTime{1899, 12, 30, 36000, 0}), "'1899-12-30 10:00:00'");
   EXPECT_EQ(Literal(ado::DateTime{1899, 12, 30, 90000, 0}), "'1899-12-31 01:00:00'");
@@ -54,12 +65,14 @@ TEST(LiteralShape, JoinsWhatTheServerTypesAlike) {
   EXPECT_TRUE(Joins("0x01", "NULL", DataType::VarBinary));
   EXPECT_TRUE(Joins("1", "-30000000000", DataType::BigInt));
   EXPECT_TRUE(Joins(" 1.25", "-10.0", DataType::Numeric));
-  EXPECT_TRUE(Joins("'a'", "'bb'", DataType::VarChar));
+  EXPECT_TRUE(Joins("'a'", "N'\u4E16'", DataType::VarWChar));
+  EXPECT_TRUE(Joins("'a'", "'" + std::string(4000, 'b') + "'", DataType::VarChar));
   EXPECT_TRUE(Joins(" 1.5", " 1.0e+22", DataType::Double));
 }
 
 TEST(LiteralShape, KeepsApartWhatWouldChange) {
-  EXPECT_FALSE(Joins("'a'", "N'\u4E16'", DataType::VarWChar));
+  EXPECT_FALSE(Joins("N'\u4E16'", "'" + std::string(4000, 'b') + "'", DataType::VarWChar));
+  EXPECT_FALSE(Joins("cast(0x00 as nvarchar(max))", "'a'", DataType::VarWChar));
   EXPECT_FALSE(Joins("'a'", "10", DataType::VarChar));  // a default that looks like a number
   EXPECT_FALSE(Joins("'2020'", "getdate()", DataType::DBTimeStamp));
   EXPECT_FALSE(Joins("getdate()", "getdate()", DataType::DBTimeStamp));
@@ -84,4 +97,4 @@ TEST(LiteralShape, WidensOverManyRows) {
 }
 
 }  // namespace
-}  // namespace dorvane
+}  // namespace dorvane::to_mssql

@@ -131,20 +131,30 @@ TEST_F(MySqlTransfer, TurnsDefaultsIntoLiterals) {
   EXPECT_EQ(DefaultTail(DataType::Binary, "b'101'", 2), " Default 0x0005");
   EXPECT_EQ(DefaultTail(DataType::Binary, "ab"), " Default 0x6162");
   EXPECT_EQ(DefaultTail(DataType::VarChar, "10"), " Default 10");
+  for (const char* text : {"007", "1e5", ".5", "+7", " 5 ", "-0"}) {
+    EXPECT_EQ(DefaultTail(DataType::VarChar, text), fmt::format(" Default '{}'", text));
+  }
+  EXPECT_EQ(DefaultTail(DataType::LongVarChar, "10"), " Default '10'");
   EXPECT_EQ(DefaultTail(DataType::VarWChar, "\u4E16"), " Default N'\u4E16'");
   EXPECT_EQ(DefaultTail(DataType::VarChar, ""), "");
   EXPECT_EQ(DefaultTail(DataType::DBTimeStamp, "0000-00-00 00:00:00"),
             " Default '1753-01-01 00:00:00'");
   EXPECT_EQ(DefaultTail(DataType::DBDate, "2020-02-29"), " Default '2020-02-29 00:00:00'");
   EXPECT_EQ(DefaultTail(DataType::DBDate, "1700-01-01"), " Default '1753-01-01 00:00:00'");
-  EXPECT_EQ(DefaultTail(DataType::DBTimeStamp, "soon"), "no table");
+  EXPECT_EQ(DefaultTail(DataType::DBDate, "2020-02-31"), " Default '1753-01-01 00:00:00'");
+  EXPECT_EQ(DefaultTail(DataType::DBTime, "25:00:00"), " Default '1899-12-31 01:00:00'");
+  EXPECT_EQ(DefaultTail(DataType::DBTime, "-01:00:00"), " Default '1899-12-29 23:00:00'");
   for (const char* now : {"CURRENT_TIMESTAMP", "current_timestamp()", "now()", "NOW(6)"}) {
     EXPECT_EQ(DefaultTail(DataType::DBTimeStamp, now), " Default getdate()");
   }
   EXPECT_EQ(DefaultTail(DataType::VarChar, "now()"), " Default 'now()'");
   // The catalog gives no value for an expression.
+  EXPECT_THAT(host.notes, IsEmpty());
   EXPECT_EQ(Definition({MakeColumn("c", DataType::VarChar), "NO", "", "", "uuid()"}),
-            "varchar(0) NOT NULL");
+            "varchar(1) NOT NULL");
+  EXPECT_EQ(DefaultTail(DataType::DBTimeStamp, "soon"), "");
+  EXPECT_THAT(host.notes, ElementsAre("Table t: the default of column c was left off: uuid()",
+                                      "Table t: the default of column c was left off: soon"));
 }
 
 TEST_F(MySqlTransfer, CreatesTablesWithTheirKeysUnderTheirNewNames) {
@@ -162,7 +172,7 @@ TEST_F(MySqlTransfer, CreatesTablesWithTheirKeysUnderTheirNewNames) {
                           {"t", "1", "by cust", "2", "date", {}, "BTREE"}});
   Transfer({"order items"});
   EXPECT_THAT(dest.log,
-              ElementsAre("drop table  [order_items]",
+              ElementsAre(testing::HasSubstr("sys.foreign_keys"), "drop table  [order_items]",
                           "Create Table [order_items]([item_id] BigInt NOT NULL Identity, [no%te] "
                           "varchar(9) NULL, [no_te] varchar(8) NOT NULL)",
                           "alter table [order_items] add primary key ([item_id],[line])",
@@ -172,26 +182,28 @@ TEST_F(MySqlTransfer, CreatesTablesWithTheirKeysUnderTheirNewNames) {
   EXPECT_EQ(source.Sent("show columns").size(), 1u);
 }
 
-TEST_F(MySqlTransfer, LeavesOutIndexesThatTheServerHasNotAndReportsThem) {
-  AddTable("t", {{MakeColumn("c", DataType::Integer)}});
-  AddKeys("t", {{"t", "1", "prefix", "1", "c", "10", "BTREE"},
+TEST_F(MySqlTransfer, ARefusedKeyIsToldAndTheNextOneGoesOn) {
+  AddTable("t", {{WithSize(MakeColumn("c", DataType::VarWChar), 450)},
+                 {WithSize(MakeColumn("d", DataType::VarWChar), 451)}});
+  AddKeys("t", {{"t", "0", "prefix", "1", "c", "10", "BTREE"},
+                {"t", "1", "too_long", "1", "d", "10", "BTREE"},
                 {"t", "1", "words", "1", "c", {}, "FULLTEXT"},
-                {"t", "1", "expr", "1", {}, {}, "BTREE"},
-                {"t", "1", "plain", "1", "c", {}, "BTREE"}});
-  const std::string report =
-      "error 16 [MySQL Server] An error occured while creating primary keys and indexes for table "
-      "'t'";
-  Transfer({"t"});
-  EXPECT_THAT(events.Errors(), ElementsAre(report, report, report));
-  EXPECT_THAT(dest.Sent("Create index"), ElementsAre("Create index [plain] on [t](c)"));
-
-  events.events.clear();
-  AddKeys("t", {{"t", "1", "a", "1", "c", {}, "BTREE"}, {"t", "1", "b", "1", "c", {}, "BTREE"}});
-  dest.log.clear();
+                {"t", "1", "a", "1", "c", {}, "BTREE"},
+                {"t", "1", "b", "1", "c", {}, "BTREE"},
+                {"t", "0", "PRIMARY", "1", "c", {}, "BTREE"}});
   dest.Fail("[a]", Failure(-1, 1919, "cannot be indexed"));
   Transfer({"t"});
-  EXPECT_THAT(events.Errors(), ElementsAre(report));
-  EXPECT_EQ(dest.Sent("Create index").size(), 1u);
+  EXPECT_THAT(
+      events.Errors(),
+      ElementsAre("error 16 [MySQL Server] An error occured while creating primary keys and "
+                  "indexes for table 't' - a: cannot be indexed"));
+  EXPECT_THAT(host.notes, ElementsAre("Table t: index too_long was not carried: the beginning of a "
+                                      "column too long for an index",
+                                      "Table t: index words was not carried: full text"));
+  dest.log.erase(dest.log.begin());
+  EXPECT_THAT(dest.log, ElementsAre("alter table [t] add primary key ([c])",
+                                    "Create unique index prefix on [t](c)",
+                                    "Create index [a] on [t](c)", "Create index [b] on [t](c)"));
 }
 
 TEST_F(MySqlTransfer, DropsEveryTableFirstAndReportsWhatKeepsThem) {
@@ -210,7 +222,7 @@ TEST_F(MySqlTransfer, DropsEveryTableFirstAndReportsWhatKeepsThem) {
                   "other table(s)",
                   "table a", "succeeded a", "table b", "failed b", "table c",
                   "error 16 [MySQL Server] Unknown error 2750 - bad type", "failed c", "ended"));
-  EXPECT_EQ(dest.log[2], "drop table  [c]");
+  EXPECT_EQ(dest.log[3], "drop table  [c]");
 }
 
 TEST_F(MySqlTransfer, MergeKeepsATableThatExists) {
@@ -278,33 +290,35 @@ TEST_F(MySqlRelations, RefusalsAreReportedAsTheirNumberSays) {
     std::int16_t mode;
     ado::ProviderError error;
     std::string event;  // empty: none
-    bool goes_on;
+    bool has_key = false;
   };
   constexpr std::int32_t kRefused = ado::hresult::kErrorsInCommand;
   const std::string title = "error 16 [Creating Relationship Error] ";
   const std::string could_not =
       title +
-      "Could not create relationship between [my orders]([a]) and [t] ([x]). Error -2147217900";
+      "Could not create relationship between [my orders]([a]) and [t] ([x]). Error -2147217900 - ";
+  const std::string exists = "There is already an object named x";
   const Row rows[] = {
-      {convert_mode::kMerge, Failure(kRefused, 2714, "There is already an object named x"), "",
-       true},
-      {convert_mode::kOverwrite, Failure(kRefused, 2714, "There is already an object named x"),
-       could_not, true},
-      {convert_mode::kMerge, Failure(kRefused, 1767, "invalid table"), could_not, true},
+      {convert_mode::kMerge, Failure(kRefused, 2714, exists), "", true},
+      // Something else has that name.
+      {convert_mode::kMerge, Failure(kRefused, 2714, exists), could_not + exists},
+      {convert_mode::kOverwrite, Failure(kRefused, 2714, exists), could_not + exists, true},
+      {convert_mode::kMerge, Failure(kRefused, 1767, "invalid table"), could_not + "invalid table"},
       {convert_mode::kMerge, Failure(ado::hresult::kIntegrityViolation, 547, "conflict"),
-       title + "Unexpected error -2147217873 - conflict", false},
+       title + "Unexpected error -2147217873 - conflict"},
       {convert_mode::kMerge,
        {-4, "test", "run-time", {}},
-       title + "Unexpected error -4 - run-time",
-       false},
+       title + "Unexpected error -4 - run-time"},
   };
   for (const Row& row : rows) {
     src.SetConvertMode(row.mode);
+    dest.keys.clear();
+    if (row.has_key) dest.keys["my orders"] = {{"FK1", ado::KeyType::Foreign, "t", {}, {}, {}}};
     dest.Fail("[fk1]", row.error, 1);
     Relate(
         "CONSTRAINT `fk1` FOREIGN KEY (`a`) REFERENCES `t` (`x`),\n"
         "  CONSTRAINT `fk2` FOREIGN KEY (`a`) REFERENCES `t` (`x`)");
-    EXPECT_EQ(dest.Sent("Alter").size(), row.goes_on ? 2u : 1u) << row.error.what();
+    EXPECT_EQ(dest.Sent("Alter").size(), 2u) << row.error.what();
     if (row.event.empty()) {
       EXPECT_THAT(events.Errors(), IsEmpty());
     } else {

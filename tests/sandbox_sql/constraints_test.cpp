@@ -111,6 +111,15 @@ TEST_F(ConstraintsTest, ExistingRowsAreLookedAtUnlessToldNot) {
   Must("alter table c drop constraint fk; insert c values (5)");
 }
 
+TEST_F(ConstraintsTest, AFilteredIndexLeavesNullsOut) {
+  Must("create table t (id int, a int, b int); insert t values (1, null, 1), (2, null, 1)");
+  Must("create unique index ix on t (a, b) where a is not null and b is not null");
+  Reopen();
+  Must("insert t values (3, 1, null), (4, 1, null), (5, 1, 1)");
+  EXPECT_EQ(Run("insert t values (6, 1, 1)").Numbers(), "2601 3621");
+  EXPECT_EQ(Run("create unique index ix2 on t (a)").Numbers(), "1505 3621");
+}
+
 TEST_F(ConstraintsTest, DefaultsOfEveryForm) {
   Must(
       "create table t (id int, a int default 0, b varchar(9) default 'x''y', c datetime default "

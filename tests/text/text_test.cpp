@@ -7,6 +7,7 @@
 #include "platform/run_time_error.h"
 #include "platform/text/code_page.h"
 #include "platform/text/number_text.h"
+#include "platform/text/utf8.h"
 
 namespace dorvane::text {
 namespace {
@@ -35,6 +36,14 @@ TEST(CodePage, KnowsWhatItCannotHold) {
   EXPECT_EQ(ToAnsi("\xC0\x80\xE0\x81\xBF"), "?????");            // longer forms than needed
   EXPECT_EQ(ToAnsi("\xED\xA0\x80\xF4\x90\x80\x80"), "???????");  // no characters
   EXPECT_FALSE(FitsAnsi("cut \xE2\x82"));
+}
+
+TEST(VisibleText, NothingInItSteersALogOrATerminal) {
+  EXPECT_EQ(Visible("a\r\nDone!\tb"), "a\\r\\nDone!\\tb");
+  EXPECT_EQ(Visible("\x1B[2Jé\x7F\u009B1"), "\\x1B[2Jé\\x7F\\x9B1");
+  EXPECT_EQ(Visible(std::string_view("nul\0 \xFF", 6)), "nul\\x00 \xFF");
+  EXPECT_EQ(FirstCharacters("añ漢b", 3), "añ漢");
+  EXPECT_EQ(FirstCharacters("ab", 80), "ab");
 }
 
 TEST(NumberText, NumericIsWhatAPersonWritesAsANumber) {

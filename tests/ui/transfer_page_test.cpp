@@ -31,6 +31,28 @@ class TransferPages : public testing::Test {
   WizardDriver driver_{script_};
 };
 
+TEST_F(TransferPages, TablesWithErrorsAndNotesAreShownAsSuch) {
+  script_.transfer = [this](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
+    listener.TableConversionStarted(tables[0]);
+    listener.ErrorOccured("1 of 3 rows were not copied", message_style::kError, "Insertion Error");
+    listener.TableConversionSuccessed(tables[0]);
+    listener.TableConversionStarted(tables[1]);
+    script_.host->Inform("Table Orders: 2 of 3 rows were there already and were left out");
+    listener.TableConversionSuccessed(tables[1]);
+    listener.ConversionEnded();
+  };
+  GoToTransfer();
+  EXPECT_FALSE(driver_.Get<QWidget>("lstNotes").isVisible());
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(driver_.TakeBoxes().size(), 2u) << "the error and the summary";
+  EXPECT_EQ(driver_.Names("lstConvertedTables"), (NameList{"Customers (with errors)", "Orders"}));
+  EXPECT_TRUE(driver_.Names("lstSelectedTables").empty());
+  EXPECT_TRUE(driver_.Get<QWidget>("lstNotes").isVisible());
+  EXPECT_EQ(driver_.Names("lstNotes"),
+            NameList{"Table Orders: 2 of 3 rows were there already and were left out"});
+}
+
 TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
   script_.transfer = [](IConversionListener& listener, const NameList& tables) {
     listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), true);

@@ -23,6 +23,7 @@ void frmWizard::ConnectRun() {
   connect(&run_, &WizardRun::ProgressChanged, this,
           [this] { transfer_page_->Show(run_.Progress()); });
   connect(&run_, &WizardRun::TableConverted, transfer_page_, &TransferPage::MarkConverted);
+  connect(&run_, &WizardRun::Noted, transfer_page_, &TransferPage::AddNote);
   connect(&run_, &WizardRun::Started, this, [this] {
     transfer_page_->ConversionStarted();
     for (const Nav button : {kNext, kBack, kFinish}) NavButton(button).SetEnabled(false);

@@ -2,6 +2,8 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <tuple>
+#include <utility>
 
 #include "ui/controls/make_child.h"
 #include "ui/wizard/theme.h"
@@ -72,28 +74,37 @@ void TransferPage::AddLists() {
   grid.setContentsMargins(0, 0, 0, 0);
   grid.setHorizontalSpacing(14);
   grid.setVerticalSpacing(5);
-  const auto add = [&](const char* name, const char* caption, int column) {
+  const auto add = [&](const char* name, const char* caption, int row, int column, int columns) {
     auto& label = MakeChild<QLabel>(area, caption);
     auto& list = MakeNamed<NameListView>(name, area);
     // Names come and go one by one here: the visible ones are laid out first, the rest when there
     // is time.
     list.setLayoutMode(QListView::Batched);
     label.setBuddy(&list);
-    grid.addWidget(&label, 0, column);
-    grid.addWidget(&list, 1, column);
-    return &list;
+    grid.addWidget(&label, row, column, 1, columns);
+    grid.addWidget(&list, row + 1, column, 1, columns);
+    return std::pair(&label, &list);
   };
-  lstSelectedTables_ = add("lstSelectedTables", "Tables in &que", 0);
-  lstConvertedTables_ = add("lstConvertedTables", "Con&verted tables ", 1);
+  lstSelectedTables_ = add("lstSelectedTables", "Tables in &que", 0, 0, 1).second;
+  lstConvertedTables_ = add("lstConvertedTables", "Con&verted tables ", 0, 1, 1).second;
+  std::tie(lblNotes_, lstNotes_) = add("lstNotes", "N&otes", 2, 0, 2);
+  lblNotes_->hide();
+  lstNotes_->hide();
 }
 
 void TransferPage::SetWaiting(NameList tables) {
   lstSelectedTables_->SetNames(std::move(tables), -1);
 }
 
-void TransferPage::MarkConverted(const std::string& table) {
-  lstConvertedTables_->Append(table);
+void TransferPage::MarkConverted(const std::string& table, bool with_errors) {
+  lstConvertedTables_->Append(with_errors ? table + " (with errors)" : table);
   lstSelectedTables_->RemoveFirst(table);
+}
+
+void TransferPage::AddNote(const std::string& note) {
+  lblNotes_->show();
+  lstNotes_->show();
+  lstNotes_->Append(note);
 }
 
 WizardRun::TableCounts TransferPage::Counts() const {

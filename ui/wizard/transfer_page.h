@@ -23,7 +23,9 @@ class TransferPage : public WizardPage {
   /// Fills the list of tables that wait.
   void SetWaiting(NameList tables);
   /// Moves a table from the waiting to the converted ones.
-  void MarkConverted(const std::string& table);
+  void MarkConverted(const std::string& table, bool with_errors);
+  /// Adds a line to the notes, which show with the first one.
+  void AddNote(const std::string& note);
   WizardRun::TableCounts Counts() const;
   void Show(const TransferProgress& progress);
   void ConversionStarted();
@@ -44,6 +46,8 @@ class TransferPage : public WizardPage {
   QLabel* lblRowsProgress_;
   NameListView* lstSelectedTables_;
   NameListView* lstConvertedTables_;
+  QLabel* lblNotes_;
+  NameListView* lstNotes_;
   GradientButton* cmdTransferTables_;
   GradientButton* cmdSchedule_;
 };

@@ -55,7 +55,10 @@ void WizardRun::FlushRowCount() {
 
 void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view source,
                                      std::int32_t style) {
-  RunInGuiThread([&] { dorvane::ShowMessage(message, style, source); });
+  RunInGuiThread([&] {
+    table_failed_ = true;
+    dorvane::ShowMessage(message, style, source);
+  });
 }
 
 void WizardRun::ErrorOccured(std::string_view message, std::int32_t message_style,
@@ -73,6 +76,7 @@ void WizardRun::ConversionStarted(std::int16_t no_of_tables, bool relations_incl
 
 void WizardRun::TableConversionStarted(std::string_view table_name) {
   RunInGuiThread([&] {
+    table_failed_ = false;
     progress_.TableConversionStarted(table_name);
     emit ProgressChanged();
   });
@@ -93,7 +97,7 @@ void WizardRun::TableConversionSuccessed(std::string_view table_name) {
   RunInGuiThread([&] {
     progress_.TableEnded();
     emit ProgressChanged();
-    emit TableConverted(std::string(table_name));
+    emit TableConverted(std::string(table_name), table_failed_);
   });
 }
 
@@ -132,6 +136,10 @@ void WizardRun::ConnectionFailed(const ConnectionFailure& failure) {
 
 void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::string_view title) {
   RedirectErrorMessage(message, title, style);
+}
+
+void WizardRun::Inform(std::string_view message) {
+  RunInGuiThread([&] { emit Noted(std::string(message)); });
 }
 
 void WizardRun::UnclassifiedFailure(std::string_view message, std::int32_t style,

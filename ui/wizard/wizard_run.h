@@ -52,6 +52,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   // IRunHost
   void ConnectionFailed(const ConnectionFailure& failure) override;
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
+  void Inform(std::string_view message) override;
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}
@@ -60,7 +61,10 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
  signals:
   void Started();
   void ProgressChanged();
-  void TableConverted(const std::string& table);
+  /// `with_errors`: something of the table was reported meanwhile.
+  void TableConverted(const std::string& table, bool with_errors);
+  /// What the destination differs in by the rules of the conversion.
+  void Noted(const std::string& message);
   /// After the user has seen the summary.
   void Ended();
 
@@ -77,6 +81,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   std::atomic<std::int64_t> new_rows_ = 0;
   std::atomic<bool> stopping_ = false;
   bool transferring_ = false;
+  bool table_failed_ = false;  // something of the table in hand was reported
 };
 
 }  // namespace dorvane

@@ -91,6 +91,34 @@ RuleType RuleOf(const Cell& rule) {
   return rule == "SET DEFAULT" ? RuleType::SetDefault : RuleType::None;
 }
 
+/// The bytes of a binary default as "0x...". The table knows them, but tells those of a NOT NULL
+/// column only beside a row. Nothing when it does not tell.
+std::optional<std::string> BytesOfDefault(const ServerLink& link, const std::string& database,
+                                          const std::string& table, const std::string& column) {
+  const std::string source = fmt::format("{}.{} t", QuotedName(database), QuotedName(table));
+  for (const std::string& from : {source, "(select 1) one left join " + source + " on true"}) {
+    try {
+      const TextRows rows =
+          Query(link.client.get(),
+                fmt::format("select hex(default(t.{})) from {} limit 1", QuotedName(column), from));
+      if (!rows.empty() && rows[0].at(0)) return "0x" + *rows[0].at(0);
+    } catch (const ProviderError&) {
+      // Such as a view's column.
+      return std::nullopt;
+    }
+  }
+  return std::nullopt;
+}
+
+/// The catalog writes "?" for bytes that are no text, or digits that end at the first zero byte.
+void ReplaceDoubtfulBytes(const ServerLink& link, const std::string& database,
+                          const std::string& table, Column& column) {
+  const bool has_digits = column.default_value->starts_with("0x");
+  if (!has_digits && column.default_value->find('?') == std::string::npos) return;
+  std::optional<std::string> bytes = BytesOfDefault(link, database, table, column.name);
+  if (bytes || !has_digits) column.default_value = std::move(bytes);
+}
+
 }  // namespace
 
 std::string SelectedDatabase(const ServerLink& link) {
@@ -103,7 +131,7 @@ std::vector<TableInfo> ReadTables(const ServerLink& link, const std::string& dat
   for (auto& row : Query(client,
                          "select table_name, table_type from information_schema.tables "
                          "where table_schema = " +
-                             Literal(client, database))) {
+                             Literal(client, database) + " order by table_name")) {
     const std::string type = row.at(1).value_or("");
     const auto* known = std::ranges::find(kTableTypes, type, &TypeName::server);
     tables.push_back({.name = row.at(0).value_or(""),
@@ -131,6 +159,9 @@ std::vector<Column> ReadColumns(const ServerLink& link, const std::string& datab
     if (row.at(8)) {
       column.default_value =
           DefaultValue(*row.at(8), type, row.at(9).value_or(""), link.quotes_defaults);
+    }
+    if (IsBinary(column.type) && column.default_value) {
+      ReplaceDoubtfulBytes(link, database, table, column);
     }
   }
   return columns;

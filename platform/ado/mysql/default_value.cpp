@@ -64,10 +64,14 @@ std::optional<std::string> LiteralValue(std::string_view text) {
   return std::nullopt;
 }
 
-std::optional<std::string> ExpressionValue(const std::string& text) {
+bool IsTemporal(std::string_view type) {
+  return type == "datetime" || type == "timestamp" || type == "date" || type == "time";
+}
+
+std::optional<std::string> ExpressionValue(const std::string& text, const std::string& type) {
   if (text.starts_with('\'')) return LiteralValue(text);
   if (text::IsNumeric(text)) return text;
-  if (IsCurrentTime(text)) return "getdate()";
+  if (IsTemporal(type) && IsCurrentTime(text)) return "getdate()";
   return BitsValue(text);
 }
 
@@ -75,9 +79,8 @@ std::optional<std::string> ExpressionValue(const std::string& text) {
 
 std::optional<std::string> DefaultValue(const std::string& text, const std::string& type,
                                         const std::string& extra, bool quoted) {
-  if (quoted) return ExpressionValue(text);
-  const bool is_date_time = type == "datetime" || type == "timestamp";
-  if (is_date_time && IsCurrentTime(text)) return "getdate()";
+  if (quoted) return ExpressionValue(text, type);
+  if (IsTemporal(type) && IsCurrentTime(text)) return "getdate()";
   if (extra.find("DEFAULT_GENERATED") != std::string::npos) return std::nullopt;
   if (type == "bit") return BitsValue(text);
   return text;

@@ -45,8 +45,8 @@ constexpr TypeRow kTypes[] = {
     {"mediumtext", LongVarChar, LongVarWChar, TypeClass::Sized},
     {"longtext", LongVarChar, LongVarWChar, TypeClass::Sized},
     {"json", LongVarWChar, LongVarWChar, TypeClass::Sized, 0, kLongest},
-    {"enum", Char, Char, TypeClass::Sized},
-    {"set", Char, Char, TypeClass::Sized},
+    {"enum", Char, WChar, TypeClass::Sized},
+    {"set", Char, WChar, TypeClass::Sized},
     {"uuid", Char, Char, TypeClass::Sized, 0, 36},
     {"inet4", Char, Char, TypeClass::Sized, 0, 15},
     {"inet6", Char, Char, TypeClass::Sized, 0, 39},
@@ -63,9 +63,8 @@ constexpr TypeRow kUnknownBinary = {"", LongVarBinary, LongVarBinary, TypeClass:
                                     0,  kLongest};
 constexpr TypeRow kUnknownText = {"", LongVarChar, LongVarWChar, TypeClass::Sized, 0, kLongest};
 
-constexpr std::array<std::string_view, 16> kUnicodeSets = {
-    "utf8mb4", "utf8mb3", "utf8", "ucs2", "utf16", "utf16le", "utf32", "gb18030",
-    "gbk",     "gb2312",  "big5", "sjis", "cp932", "ujis",    "euckr", "eucjpms"};
+// All that Windows-1252, the other side's usual code page, can hold.
+constexpr std::array<std::string_view, 2> kWesternSets = {"ascii", "latin1"};
 
 const TypeRow& RowOf(std::string_view type, bool is_text) {
   const auto* found = std::ranges::find(kTypes, type, &TypeRow::name);
@@ -106,7 +105,7 @@ FieldInfo Translate(std::string name, const Declaration& declaration, bool is_te
 }
 
 bool IsUnicode(std::string_view character_set) {
-  return std::ranges::find(kUnicodeSets, character_set) != kUnicodeSets.end();
+  return std::ranges::find(kWesternSets, character_set) == kWesternSets.end();
 }
 
 bool IsBinary(DataType type) {

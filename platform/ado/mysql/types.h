@@ -12,7 +12,7 @@ namespace dorvane::ado::mysql {
 struct Declaration {
   std::string type;          // "int", "varchar", ... in lower case
   bool is_unsigned = false;  // numbers
-  bool is_unicode = false;   // texts: their character set holds more than one byte's characters
+  bool is_unicode = false;   // texts: their character set holds what Windows-1252 has not
   std::int64_t length = 0;   // characters of texts, bytes of binaries, bits of bit fields
   int precision = 0;         // decimal digits of decimals
   int scale = 0;             // digits behind the point of decimals; fractional digits of times
@@ -22,7 +22,7 @@ struct Declaration {
 /// character set (`is_text` false).
 FieldInfo Translate(std::string name, const Declaration& declaration, bool is_text);
 
-/// Whether a character set needs Unicode to hold what it can: all but the single-byte ones.
+/// Whether a character set needs Unicode to hold what it can: all but ASCII and Latin 1.
 bool IsUnicode(std::string_view character_set);
 
 /// True of the types whose values are bytes.

@@ -69,6 +69,8 @@ RowWriter::RowWriter(ClientSession& session, std::string_view table,
     insert_clause_ += QuotedName(column);
   }
   insert_clause_ += ") VALUES ";
+  // A table or column that is not there is told of now, whether rows follow or not.
+  Prepared(multi_row_[1], 1);
 }
 
 void RowWriter::Insert(const RowBlock& rows, std::size_t first, std::size_t count) {

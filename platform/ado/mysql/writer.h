@@ -17,6 +17,7 @@ class ClientSession;
 /// that does is refused with error 1153 without being sent.
 class RowWriter final : public TableWriter {
  public:
+  /// Throws ProviderError for a table or column that is not there.
   RowWriter(ClientSession& session, std::string_view table,
             const std::vector<std::string>& columns);
 

@@ -40,6 +40,11 @@ std::string Braced(std::string guid) {
   return guid.size() == kBareSize ? "{" + guid + "}" : guid;
 }
 
+/// "(NULL)", which is no other default than none.
+bool IsNullLiteral(std::string_view expression) {
+  return text::EqualsIgnoringCase(text::Trim(expression, "() "), "null");
+}
+
 Column ToColumn(const CatalogRow& row) {
   const ServerType& type =
       FindServerType(row.Text("TYPE_NAME"), static_cast<SQLSMALLINT>(row.Number("DATA_TYPE")));
@@ -54,6 +59,7 @@ Column ToColumn(const CatalogRow& row) {
     if (type.fetch_type == FetchType::Guid && column.default_value) {
       column.default_value = Braced(*std::move(column.default_value));
     }
+    if (!column.default_value && !IsNullLiteral(*expression)) column.other_default = *expression;
   }
   return column;
 }

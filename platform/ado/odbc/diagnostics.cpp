@@ -26,9 +26,12 @@ struct StateOfError {
 constexpr auto kKnownErrors = std::to_array<StateOfError>({
     {220, "22003"},   // overflow of a small integer type
     {232, "22003"},   // overflow
+    {241, "22007"},   // text that is no date
     {242, "22007"},   // a date out of range
     {245, "22018"},   // text that is no number
+    {273, "42000"},   // a value for a timestamp column
     {515, "23000"},   // NULL in a NOT NULL column
+    {544, "42000"},   // a value for an identity column
     {547, "23000"},   // a constraint
     {2601, "23000"},  // a unique index
     {2627, "23000"},  // a key

@@ -1,0 +1,23 @@
+#include "endpoint/table_definition.h"
+
+#include <algorithm>
+
+namespace dorvane {
+
+std::string ColumnDefinition::Text() const {
+  std::string text = type + (facts.nullable ? " NULL" : " NOT NULL") + attributes;
+  if (!default_clause.empty()) text += " Default " + default_clause;
+  return text;
+}
+
+const ColumnDefinition* TableDefinition::Find(std::string_view column) const {
+  const auto found = std::ranges::find(columns, column, &ColumnDefinition::name);
+  return found != columns.end() ? &*found : nullptr;
+}
+
+const ColumnDefinition* TableDefinition::Identity() const {
+  const auto found = std::ranges::find(columns, true, &ColumnDefinition::is_identity);
+  return found != columns.end() ? &*found : nullptr;
+}
+
+}  // namespace dorvane

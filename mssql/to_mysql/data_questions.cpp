@@ -1,0 +1,93 @@
+// What the catalog leaves open and only the rows tell. Asked where it can arise, for tables that
+// are going to be made.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "endpoint/names.h"
+#include "mssql/to_mysql/conversion.h"
+#include "mssql/to_mysql/literals.h"
+
+namespace dorvane::to_mysql {
+
+namespace {
+
+constexpr int kMostSignedTinyInt = 127;
+constexpr int kMilliseconds = 3;
+
+ColumnDefinition* FindColumn(TableDefinition& table, std::string_view name) {
+  const auto found = std::ranges::find(table.columns, name, &ColumnDefinition::name);
+  return found != table.columns.end() ? &*found : nullptr;
+}
+
+/// A datetime, whose thousandths MySQL's plain DATETIME drops.
+bool HasDroppedFraction(const ado::Column& column) {
+  return column.type == ado::DataType::DBTimeStamp && column.numeric_scale > 0 &&
+         FractionDigits(column) == 0;
+}
+
+bool IsAbove(const std::string& number, int limit) {
+  return !number.empty() && number.front() != '-' && std::atoi(number.c_str()) > limit;
+}
+
+}  // namespace
+
+bool MsSqlToMySql::SourceHasRow(const std::string& query) {
+  try {
+    return !Source().Execute(query).AtEnd();
+  } catch (const RunTimeError&) {
+    return false;
+  }
+}
+
+void MsSqlToMySql::AskTheData(ado::Table& tab_src, TableDefinition& table) {
+  AskForWideTinyInts(tab_src, table);
+  AskForMilliseconds(tab_src, table);
+}
+
+void MsSqlToMySql::AskForWideTinyInts(ado::Table& tab_src, TableDefinition& table) {
+  for (const ado::Column& column : tab_src.Columns()) {
+    if (column.type != ado::DataType::UnsignedTinyInt) continue;
+    ColumnDefinition* definition = FindColumn(table, column.name);
+    const bool is_wide =
+        IsAbove(definition->default_clause, kMostSignedTinyInt) ||
+        SourceHasRow(fmt::format("select top 1 1 from {} where {} > {}", SourceName(table.name),
+                                 SourceName(column.name), kMostSignedTinyInt));
+    if (is_wide) definition->type = "TINYINT UNSIGNED";
+  }
+}
+
+void MsSqlToMySql::AskForMilliseconds(ado::Table& tab_src, TableDefinition& table) {
+  const std::vector<ado::Column>& columns = tab_src.Columns();
+  for (const ado::Index& index : tab_src.Indexes()) {
+    if (!index.unique && !index.primary_key) continue;
+    std::vector<ColumnDefinition*> moments;
+    std::string groups;
+    for (const std::string& name : index.columns) {
+      const auto column = std::ranges::find(columns, name, &ado::Column::name);
+      if (column == columns.end()) continue;
+      std::string group = SourceName(name);
+      if (HasDroppedFraction(*column)) {
+        moments.push_back(FindColumn(table, name));
+        group = fmt::format("convert(varchar(19), {}, 120)", group);
+      }
+      groups += (groups.empty() ? "" : ", ") + group;
+    }
+    if (moments.empty()) continue;
+    if (!SourceHasRow(fmt::format("select top 1 1 from {} group by {} having count(*) > 1",
+                                  SourceName(table.name), groups))) {
+      continue;
+    }
+    for (ColumnDefinition* moment : moments) {
+      if (moment->facts.fraction_digits == kMilliseconds) continue;
+      moment->type = "DATETIME(3)";
+      moment->facts.fraction_digits = kMilliseconds;
+      moment->notes.push_back(fmt::format(
+          "column {} became DATETIME(3), since keys differ in milliseconds only", moment->name));
+    }
+  }
+}
+
+}  // namespace dorvane::to_mysql

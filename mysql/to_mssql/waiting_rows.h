@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <string>
+#include <vector>
+
+#include "endpoint/failure.h"
+#include "platform/ado/connection.h"
+
+namespace dorvane::to_mssql {
+
+/// Rows that a foreign key refused while the rows that they refer to may still come: children that
+/// are listed before their parents, rows in circles.
+class WaitingRows {
+ public:
+  struct Row {
+    std::string table;      // unquoted
+    std::int64_t position;  // among the rows of its table, from 1
+    std::string statement;
+    std::string after;    // to be executed after the statement; may be empty
+    ErrorSummary reason;  // why it was refused: the server's own number and words
+  };
+  /// Those of one table that were never taken.
+  struct Refusal {
+    std::string table;
+    std::int64_t rows = 0;
+    std::int64_t first_position = 0;
+    ErrorSummary first_reason;
+  };
+
+  /// False, and no change, when too many wait already.
+  bool Add(Row row);
+  /// Sends all of them over and over, as long as one more is taken. Forgets them.
+  std::vector<Refusal> Store(ado::Connection& destination);
+
+ private:
+  std::list<Row> rows_;
+  std::size_t bytes_ = 0;
+};
+
+}  // namespace dorvane::to_mssql
