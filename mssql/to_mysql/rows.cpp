@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "endpoint/literal_text.h"
 #include "endpoint/names.h"
 #include "mssql/to_mysql/conversion.h"
 #include "mssql/to_mysql/literals.h"
@@ -193,8 +194,9 @@ const std::string& RowsToMySql::CharacterSetOf(const std::string& column) {
 std::string RowsToMySql::AsStored(std::string_view text, const std::string& character_set) {
   try {
     // The server's own conversion puts "?" for a character that the set lacks.
-    ado::Recordset converted = destination_.Execute(fmt::format(
-        "select convert(convert('{}' using {}) using utf8mb4)", Quote(text), character_set));
+    ado::Recordset converted = destination_.Execute(
+        fmt::format("select convert(convert(_utf8mb4 {} using {}) using utf8mb4)", HexCode(text),
+                    character_set));
     if (!converted.AtEnd()) return converted.Field(0).Text();
   } catch (const RunTimeError&) {
     // Too long for a question: the row is refused as it was.
