@@ -1,5 +1,7 @@
 #include "platform/ado/odbc/utf16.h"
 
+#include <algorithm>
+
 #include "platform/text/utf8.h"
 
 namespace dorvane::ado::odbc {
@@ -32,6 +34,11 @@ std::u16string ToUtf16(std::string_view utf8) {
   std::u16string result(utf8.size(), u'\0');
   char16_t* out = result.data();
   while (!utf8.empty()) {
+    // Nearly all of a long statement is ASCII, which is widened many characters at a time.
+    const auto other = std::ranges::find_if(utf8, [](char c) { return (c & 0x80) != 0; });
+    out = std::copy(utf8.begin(), other, out);
+    utf8.remove_prefix(static_cast<std::size_t>(other - utf8.begin()));
+    if (utf8.empty()) break;
     const char32_t code_point = text::TakeCodePoint(utf8).value_or(kReplacement);
     if (code_point < 0x10000) {
       *out++ = static_cast<char16_t>(code_point);
