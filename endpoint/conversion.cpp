@@ -151,6 +151,10 @@ void Conversion::TellNotes(const TableDefinition& table) {
 
 bool Conversion::CopyTableContent(const TableDefinition& table, bool is_new) {
   const std::string source_name = SourceName(table.name);
+  const auto report = [&](const RunTimeError& error) {
+    const ErrorSummary summary = SummaryOf(error);
+    ReportCopyProblem(table, fmt::format("{} - {}", summary.number, summary.description));
+  };
   try {
     ado::Recordset source =
         source_->Execute("select " + SelectList(table) + " from " + source_name);
@@ -161,22 +165,19 @@ bool Conversion::CopyTableContent(const TableDefinition& table, bool is_new) {
     const std::vector<ColumnFacts> facts = FactsOf(fields, table);
     const std::unique_ptr<IRowDestination> rows = OpenRows(table, is_new, fields, facts);
     RowCopier copier(*rows, events_, host_, copy_);
-    bool is_whole = false;
     bool is_stopped = false;
     try {
       is_stopped = !copier.Copy([&](ado::RowBlock& block) { return source.GetRows(block); });
-      is_whole = !is_stopped;
+      if (!is_stopped) ReportShortfall(table, announced, copier.Account().read);
     } catch (const RunTimeError& error) {
-      const ErrorSummary summary = SummaryOf(error);
-      ReportCopyProblem(table, fmt::format("{} - {}", summary.number, summary.description));
+      // What became of the rows before the failure is told all the same.
+      report(error);
     }
-    if (is_whole) ReportShortfall(table, announced, copier.Account().read);
     ReportRows(table, announced, copier.Account());
     ReportChanges(table, rows->Changes());
     return !is_stopped;
   } catch (const RunTimeError& error) {
-    const ErrorSummary summary = SummaryOf(error);
-    ReportCopyProblem(table, fmt::format("{} - {}", summary.number, summary.description));
+    report(error);
     return true;
   }
 }

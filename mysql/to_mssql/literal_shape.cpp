@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/text/ascii.h"
+
 namespace dorvane::to_mssql {
 
 namespace {
@@ -40,18 +42,14 @@ bool JoinTexts(LiteralShape& shape, const LiteralShape& other) {
   return true;
 }
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 LiteralShape ShapeOfNumber(std::string_view literal) {
   literal.remove_prefix(std::min(literal.find_first_not_of(" -"), literal.size()));
-  if (literal.empty() || !(IsDigit(literal.front()) || literal.front() == '.')) {
+  if (literal.empty() || !(text::IsDigit(literal.front()) || literal.front() == '.')) {
     return {Kind::Other};
   }
   LiteralShape shape{Kind::Integer};
   for (const char c : literal) {
-    if (IsDigit(c)) {
+    if (text::IsDigit(c)) {
       ++(shape.kind == Kind::Integer ? shape.integer_digits : shape.scale);
     } else if (c == '.') {
       shape.kind = Kind::Decimal;

@@ -112,12 +112,8 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
     },
 }};
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-bool IsNumber(std::string_view text) {
-  return !text.empty() && std::ranges::all_of(text, IsDigit);
+bool IsNumber(std::string_view typed) {
+  return !typed.empty() && std::ranges::all_of(typed, text::IsDigit);
 }
 
 std::int16_t PortNumber(std::string_view typed) {
