@@ -3,13 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
+#include "endpoint/row_identity.h"
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/literals.h"
 #include "mysql/to_mssql/row_faults.h"
+#include "mysql/to_mssql/row_question.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mssql {
@@ -183,7 +186,10 @@ RowOutcome RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row
   std::string statement = identity_on_ + head_ + " VALUES";
   AppendTuple(statement, converted.Row(row));
   ++handled_;
-  const RowOutcome outcome = ExecuteRow(statement);
+  RowOutcome outcome = ExecuteRow(statement);
+  if (outcome.result == RowResult::Duplicate && !IsThere(converted.Row(row))) {
+    outcome.result = RowResult::Refused;
+  }
   if (!identity_off_.empty()) ExecuteOn(destination_, identity_off_);
   const bool is_stored =
       outcome.result == RowResult::Stored || outcome.result == RowResult::Postponed;
@@ -203,7 +209,9 @@ RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
       if (!identity_off_.empty()) TryExecute(destination_, identity_off_);
       throw;
     }
-    if (fault == RowFault::Duplicate && !target_.is_new) return {RowResult::Duplicate};
+    if (fault == RowFault::Duplicate) {
+      return {RowResult::Duplicate, {entry->native_error, entry->description}};
+    }
     return RefusalOf(*entry, statement);
   }
 }
@@ -219,6 +227,22 @@ RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, const std::string& st
     return {RowResult::Postponed};
   }
   return {RowResult::Refused, std::move(reason)};
+}
+
+bool RowsToMsSql::IsThere(std::span<const ado::Value> literals) {
+  if (target_.is_new) return false;
+  if (target_.identity.empty()) return true;
+  std::vector<std::string_view> texts;
+  std::ranges::transform(literals, std::back_inserter(texts), TextOf);
+  try {
+    return !destination_
+                .Execute(
+                    RowQuestion(target_.table, target_.columns, fields_, target_.identity, texts))
+                .AtEnd();
+  } catch (const RunTimeError&) {
+    // The server's word for it must do.
+    return true;
+  }
 }
 
 void RowsToMsSql::CountChanges(std::span<const ado::Value> literals, ChangeCounts& counts) {
@@ -246,6 +270,9 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
                              .is_new = is_new,
                              .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
+  if (!is_new) {
+    target.identity = IdentifyingFields(SourceCatalog().TableByName(table.name).Indexes(), fields);
+  }
   return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
 }
 
@@ -258,22 +285,13 @@ bool MySqlToMsSql::HasIdentity(const std::string& dest_table) {
   return count.AtEnd() || count.Field(0).Text() != "0";
 }
 
-void MySqlToMsSql::StorePostponedRows() {
-  for (const WaitingRows::Refusal& refusal : waiting_.Store(Destination())) {
-    ReportRowProblem(refusal.table,
-                     fmt::format("{} rows were not copied; the first: {} - {} (row {})",
-                                 refusal.rows, refusal.first_reason.number,
-                                 refusal.first_reason.description, refusal.first_position));
-  }
+void MySqlToMsSql::StorePostponedRows(std::map<std::string, RowAccount>& accounts) {
+  waiting_.Store(Destination(), accounts);
 }
 
 void MySqlToMsSql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
-  ReportRowProblem(table.dest_name, problem);
-}
-
-void MySqlToMsSql::ReportRowProblem(const std::string& dest_table, std::string_view problem) {
   RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
-                         MsSqlName(dest_table), problem),
+                         MsSqlName(table.dest_name), problem),
              "MS SQL Server");
 }
 

@@ -22,9 +22,10 @@ class RowsToMsSql : public IRowDestination {
   struct Target {
     std::string table;  // without brackets, as the columns are
     std::vector<std::string> columns;
-    bool has_identity_column = false;  // its values come with the rows
-    bool is_new = false;               // just created: no rows, no triggers, no foreign keys
-    WaitingRows* waiting = nullptr;    // for rows of a table that is not new; outlives this
+    bool has_identity_column = false;        // its values come with the rows
+    bool is_new = false;                     // just created: no rows, no triggers, no foreign keys
+    WaitingRows* waiting = nullptr;          // for rows of a table that is not new; outlives this
+    std::vector<std::size_t> identity = {};  // see IdentifyingFields
   };
 
   /// `fields` and `facts` describe the source's columns in the order of the target's and, like the
@@ -47,6 +48,8 @@ class RowsToMsSql : public IRowDestination {
   bool JoinsLastInsert();
   void SendBatch();
   RowOutcome ExecuteRow(const std::string& statement);
+  /// For a duplicate: true when the row itself was there before.
+  bool IsThere(std::span<const ado::Value> literals);
   RowOutcome RefusalOf(const ado::Error& error, const std::string& statement);
   void LearnTypes();
   bool HasTriggers();
