@@ -1,12 +1,10 @@
 #include "platform/ado/mysql/logon.h"
 
 #include <mariadb/errmsg.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
 
 #include "platform/ado/mysql/errors.h"
 #include "platform/ado/mysql/session_settings.h"
+#include "platform/ado/mysql/session_state.h"
 
 namespace dorvane::ado::mysql {
 
@@ -79,6 +77,19 @@ unsigned long Capabilities(MYSQL* client) {
   return capabilities;
 }
 
+bool TakesBulk(MYSQL* client) {
+  unsigned long extended = 0;
+  mariadb_get_infov(client, MARIADB_CONNECTION_EXTENDED_SERVER_CAPABILITIES, &extended);
+  const bool is_mariadb = (Capabilities(client) & CLIENT_MYSQL) == 0;
+  return is_mariadb && (extended & (MARIADB_CLIENT_STMT_BULK_OPERATIONS >> 32)) != 0;
+}
+
+bool QuotesDefaults(MYSQL* client) {
+  return mariadb_connection(client) && mysql_get_server_version(client) >= kFirstQuoting;
+}
+
+}  // namespace
+
 Client Connect(const ConnectionSettings& settings) {
   Client client;
   const auto succeeds = [&](Tls tls, const char* plug_ins) {
@@ -100,45 +111,17 @@ Client Connect(const ConnectionSettings& settings) {
   ThrowLogonError(client.get());
 }
 
-/// A server that vanished without a word is noticed within minutes, while a statement may take as
-/// long as it needs. Unix sockets refuse these options, rightly.
-void WatchPeer(MYSQL* client) {
-  const auto socket = mysql_get_socket(client);
-  const auto set = [socket](int level, int option, int value) {
-    setsockopt(socket, level, option, &value, sizeof value);
-  };
-  set(SOL_SOCKET, SO_KEEPALIVE, 1);
-#ifdef TCP_KEEPIDLE
-  set(IPPROTO_TCP, TCP_KEEPIDLE, 60);
-  set(IPPROTO_TCP, TCP_KEEPINTVL, 10);
-  set(IPPROTO_TCP, TCP_KEEPCNT, 6);
-#endif
-#ifdef TCP_USER_TIMEOUT
-  set(IPPROTO_TCP, TCP_USER_TIMEOUT, 120'000);
-#endif
-}
-
-bool TakesBulk(MYSQL* client) {
-  unsigned long extended = 0;
-  mariadb_get_infov(client, MARIADB_CONNECTION_EXTENDED_SERVER_CAPABILITIES, &extended);
-  const bool is_mariadb = (Capabilities(client) & CLIENT_MYSQL) == 0;
-  return is_mariadb && (extended & (MARIADB_CLIENT_STMT_BULK_OPERATIONS >> 32)) != 0;
-}
-
-bool QuotesDefaults(MYSQL* client) {
-  return mariadb_connection(client) && mysql_get_server_version(client) >= kFirstQuoting;
-}
-
-}  // namespace
-
 ServerLink LogOn(const ConnectionSettings& settings) {
   ServerLink link;
   link.client = Connect(settings);
   MYSQL* client = link.client.get();
-  WatchPeer(client);
-  link.max_allowed_packet = SetUpSession(client);
+  link.watchdog = std::make_unique<Watchdog>(mysql_get_socket(client));
+  link.max_allowed_packet = link.watchdog->Watch([&] { return SetUpSession(client); });
   link.takes_bulk = TakesBulk(client);
   link.quotes_defaults = QuotesDefaults(client);
+  link.watchdog->SetLimit(
+      std::chrono::seconds(settings.idle_limit),
+      [settings, id = mysql_thread_id(client)] { return AskForSession(settings, id); });
   return link;
 }
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/ado/mysql/logon.h"
@@ -35,6 +36,11 @@ class ClientSession final : public Session {
   /// result can only be read or given up with its connection. Throws ProviderError; inside a
   /// transaction that was lost so, always.
   const ServerLink& Link();
+  /// Runs a call on the client that waits for the server, see Watchdog.
+  template <typename Operation>
+  auto Watch(Operation operation) {
+    return Link().watchdog->Watch(std::move(operation));
+  }
   /// Whether rows are to be sent by the bulk protocol.
   bool UsesBulk();
 

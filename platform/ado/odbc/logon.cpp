@@ -3,11 +3,13 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <mutex>
 #include <string>
 
 #include "platform/ado/odbc/connection_string.h"
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/driver.h"
+#include "platform/ado/odbc/socket_search.h"
 #include "platform/ado/odbc/utf16.h"
 #include "platform/ado/types.h"
 
@@ -20,6 +22,9 @@ Logon::Logon(const ConnectionSettings& settings, std::chrono::seconds timeout) {
   if (!connection_) throw LibraryError(hresult::kFail, "No connection could be set up.");
   SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
                      AttributeValue(static_cast<SQLULEN>(timeout.count())), 0);
+  static std::mutex one_at_a_time;
+  const std::lock_guard lock(one_at_a_time);
+  const SocketSearch search;
   const SQLRETURN result = SQLDriverConnectW(
       connection_.Get(), nullptr, reinterpret_cast<SQLWCHAR*>(text.data()),
       static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
@@ -27,6 +32,7 @@ Logon::Logon(const ConnectionSettings& settings, std::chrono::seconds timeout) {
     throw LogonError(ReadDiagnostics(SQL_HANDLE_DBC, connection_.Get()),
                      settings.integrated_security);
   }
+  watchdog_.emplace(search.NewSocket(ParseServer(settings.server, settings.port).port));
 }
 
 Logon::~Logon() {

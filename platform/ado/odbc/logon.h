@@ -1,9 +1,13 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
+#include <optional>
+#include <utility>
 
 #include "platform/ado/odbc/handle.h"
 #include "platform/ado/provider.h"
+#include "platform/ado/watchdog.h"
 
 namespace dorvane::ado::odbc {
 
@@ -21,6 +25,16 @@ class Logon {
   /// A statement whose text is passed to the server as it stands. Throws ProviderError.
   Statement NewStatement() const;
 
+  /// Runs a call of the driver that waits for the server, see Watchdog.
+  template <typename Operation>
+  auto Watch(Operation operation) {
+    return watchdog_->Watch(std::move(operation));
+  }
+  /// From now on the server may be silent for so long.
+  void SetLimit(std::chrono::seconds limit, Watchdog::Question ask) {
+    watchdog_->SetLimit(limit, std::move(ask));
+  }
+
   /// True when the driver has found the connection broken.
   bool IsLost() const;
 
@@ -31,6 +45,7 @@ class Logon {
  private:
   Environment environment_;
   ConnectionHandle connection_;
+  std::optional<Watchdog> watchdog_;
   bool is_streaming_ = false;
 };
 
