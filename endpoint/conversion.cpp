@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "endpoint/keep_open.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane {
@@ -50,7 +51,10 @@ void Conversion::Run(const NameList& src_tables) {
   });
   if (!host_.IsStopping()) StorePostponedRows();
   if (options_.convert_relationships) {
-    ForEachTable(tables, [this](const std::string& name) { RelateTable(name); });
+    ForEachTable(tables, [this](const std::string& name) {
+      KeepConnected();
+      RelateTable(name);
+    });
   }
   source_->Close();
   destination_->Close();
@@ -73,6 +77,7 @@ Conversion::PlannedTable& Conversion::Plan(const std::string& name) {
   PlannedTable& planned = entry->second;
   if (!is_new) return planned;
   try {
+    KeepConnected();
     planned.definition = DefineTable(catalog_.TableByName(name));
   } catch (const RunTimeError&) {
     planned.failure = std::current_exception();
@@ -111,7 +116,13 @@ void Conversion::PlanOverwriting(const NameList& tables) {
   PrepareOverwriting(definitions);
 }
 
+void Conversion::KeepConnected() {
+  KeepOpen(*source_, "source", host_);
+  KeepOpen(*destination_, "destination", host_);
+}
+
 void Conversion::ConvertTable(const std::string& name) {
+  KeepConnected();
   PlannedTable& planned = Plan(name);
   if (planned.failure) std::rethrow_exception(planned.failure);
   TableDefinition& table = *planned.definition;

@@ -259,6 +259,12 @@ bool MySqlToMsSql::HasIdentity(const std::string& dest_table) {
 }
 
 void MySqlToMsSql::StorePostponedRows() {
+  if (waiting_.IsEmpty()) return;
+  try {
+    KeepConnected();
+  } catch (const RunTimeError&) {
+    // Then every row is refused, and reported.
+  }
   for (const WaitingRows::Refusal& refusal : waiting_.Store(Destination())) {
     ReportRowProblem(refusal.table,
                      fmt::format("{} rows were not copied; the first: {} - {} (row {})",

@@ -32,6 +32,7 @@ class WaitingRows {
 
   /// False, and no change, when too many wait already.
   bool Add(Row row);
+  bool IsEmpty() const { return rows_.empty(); }
   /// Sends all of them over and over, as long as one more is taken. Forgets them.
   std::vector<Refusal> Store(ado::Connection& destination);
 

@@ -59,6 +59,14 @@ std::unique_ptr<ResultReader> ClientSession::Execute(std::string_view sql) {
   return Watch([&] { return OpenReader(*this, sql); });
 }
 
+bool ClientSession::IsAlive() {
+  try {
+    return Watch([&] { return mysql_ping(link_.client.get()) == 0; });
+  } catch (const ProviderError&) {
+    return false;
+  }
+}
+
 std::unique_ptr<TableWriter> ClientSession::OpenWriter(std::string_view table,
                                                        const std::vector<std::string>& columns) {
   return Watch([&] { return std::make_unique<RowWriter>(*this, table, columns); });

@@ -40,6 +40,15 @@ class OdbcSession : public Session {
 
   bool IsStreaming() const override { return logon_->IsStreaming(); }
 
+  bool IsAlive() override {
+    try {
+      Execute("select 1");
+      return true;
+    } catch (const ProviderError&) {
+      return false;
+    }
+  }
+
   std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
                                           const std::vector<std::string>& columns) override {
     (void)columns;
