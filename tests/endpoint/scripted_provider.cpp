@@ -80,6 +80,7 @@ class ScriptedSession : public ado::Session {
         broken != server_.broken_results_.end() ? std::optional(broken->second) : std::nullopt);
   }
   bool IsStreaming() const override { return false; }
+  bool IsExposed() const override { return server_.is_exposed; }
   std::unique_ptr<ado::TableWriter> OpenWriter(std::string_view table,
                                                const std::vector<std::string>& columns) override {
     server_.Record(fmt::format("insert {} ({})", table, fmt::join(columns, ",")));

@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+#include "platform/ado/odbc/diagnostics.h"
+#include "platform/ado/odbc/driver.h"
 #include "platform/ado/odbc/handle.h"
 #include "platform/ado/provider.h"
 
@@ -11,7 +13,8 @@ namespace dorvane::ado::odbc {
 /// off when the last of them goes.
 class Logon {
  public:
-  /// Gives up when the server is silent for so long. Throws ProviderError.
+  /// Gives up when the server is silent for so long. Throws ProviderError, or RunTimeError when the
+  /// file of the authorities can't be read.
   explicit Logon(const ConnectionSettings& settings,
                  std::chrono::seconds timeout = std::chrono::seconds(15));
   ~Logon();
@@ -21,6 +24,9 @@ class Logon {
   /// A statement whose text is passed to the server as it stands. Throws ProviderError.
   Statement NewStatement() const;
 
+  /// See Session.
+  bool IsExposed() const { return is_exposed_; }
+
   /// True when the driver has found the connection broken.
   bool IsLost() const;
 
@@ -29,8 +35,13 @@ class Logon {
   void SetStreaming(bool is_streaming) { is_streaming_ = is_streaming; }
 
  private:
+  /// What the driver says when it does not connect; none when it does.
+  Diagnostics Connect(const Driver& driver, const ConnectionSettings& settings,
+                      std::chrono::seconds timeout);
+
   Environment environment_;
   ConnectionHandle connection_;
+  bool is_exposed_ = false;
   bool is_streaming_ = false;
 };
 

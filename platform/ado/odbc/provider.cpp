@@ -34,6 +34,7 @@ class OdbcSession : public Session {
   }
 
   bool IsStreaming() const override { return logon_->IsStreaming(); }
+  bool IsExposed() const override { return logon_->IsExposed(); }
 
   std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
                                           const std::vector<std::string>& columns) override {
