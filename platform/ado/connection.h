@@ -39,6 +39,8 @@ class Connection {
   void Close();
   ObjectState State() const;
   const ado::Errors& Errors() const { return errors_; }
+  /// True while it is open to a server on another machine without encryption.
+  bool IsExposed() const { return !sessions_.empty() && sessions_.front()->IsExposed(); }
 
   /// Runs a statement and returns its first result, without fields when it has none. With
   /// CommandType::Table the text is a quoted table reference, else it is sent as it stands.

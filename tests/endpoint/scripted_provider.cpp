@@ -81,6 +81,7 @@ class ScriptedSession : public ado::Session {
   }
   bool IsStreaming() const override { return false; }
   bool IsAlive() override { return !server_.lost; }
+  bool IsExposed() const override { return server_.is_exposed; }
   std::unique_ptr<ado::TableWriter> OpenWriter(std::string_view table,
                                                const std::vector<std::string>& columns) override {
     server_.Record(fmt::format("insert {} ({})", table, fmt::join(columns, ",")));

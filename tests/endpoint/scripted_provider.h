@@ -40,6 +40,7 @@ class ScriptedServer : public ado::Provider {
   std::vector<std::string> log;
   std::vector<std::string> Sent(std::string_view beginning) const;
   ado::ConnectionSettings last_settings;
+  bool is_exposed = false;
 
   /// Answers statements of exactly this text.
   void Answer(const std::string& sql, std::vector<ScriptedResult> results);

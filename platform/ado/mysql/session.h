@@ -23,6 +23,7 @@ class ClientSession final : public Session {
   std::unique_ptr<ResultReader> Execute(std::string_view sql) override;
   bool IsStreaming() const override { return streaming_; }
   bool IsAlive() override;
+  bool IsExposed() const override { return link_.is_exposed; }
   std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
                                           const std::vector<std::string>& columns) override;
   void BeginTransaction() override;

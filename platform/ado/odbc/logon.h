@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+#include "platform/ado/odbc/diagnostics.h"
+#include "platform/ado/odbc/driver.h"
 #include "platform/ado/odbc/handle.h"
 #include "platform/ado/provider.h"
 #include "platform/ado/watchdog.h"
@@ -15,7 +17,8 @@ namespace dorvane::ado::odbc {
 /// off when the last of them goes.
 class Logon {
  public:
-  /// Gives up when the server is silent for so long. Throws ProviderError.
+  /// Gives up when the server is silent for so long. Throws ProviderError, or RunTimeError when the
+  /// file of the authorities can't be read.
   explicit Logon(const ConnectionSettings& settings,
                  std::chrono::seconds timeout = std::chrono::seconds(15));
   ~Logon();
@@ -34,6 +37,8 @@ class Logon {
   void SetLimit(std::chrono::seconds limit, Watchdog::Question ask) {
     watchdog_->SetLimit(limit, std::move(ask));
   }
+  /// See Session.
+  bool IsExposed() const { return is_exposed_; }
 
   /// True when the driver has found the connection broken.
   bool IsLost() const;
@@ -43,9 +48,14 @@ class Logon {
   void SetStreaming(bool is_streaming) { is_streaming_ = is_streaming; }
 
  private:
+  /// What the driver says when it does not connect; none when it does.
+  Diagnostics Connect(const Driver& driver, const ConnectionSettings& settings,
+                      std::chrono::seconds timeout);
+
   Environment environment_;
   ConnectionHandle connection_;
   std::optional<Watchdog> watchdog_;
+  bool is_exposed_ = false;
   bool is_streaming_ = false;
 };
 

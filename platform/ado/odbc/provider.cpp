@@ -39,6 +39,7 @@ class OdbcSession : public Session {
   }
 
   bool IsStreaming() const override { return logon_->IsStreaming(); }
+  bool IsExposed() const override { return logon_->IsExposed(); }
 
   bool IsAlive() override {
     try {
