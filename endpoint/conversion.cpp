@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "endpoint/keep_open.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane {
@@ -50,7 +51,10 @@ void Conversion::Run(const NameList& src_tables) {
   });
   if (!host_.IsStopping()) FinishPostponedTables();
   if (options_.convert_relationships) {
-    ForEachTable(tables, [this](const std::string& name) { RelateTable(name); });
+    ForEachTable(tables, [this](const std::string& name) {
+      KeepConnected();
+      RelateTable(name);
+    });
   }
   source_->Close();
   destination_->Close();
@@ -74,6 +78,7 @@ Conversion::PlannedTable& Conversion::Plan(const std::string& name) {
   PlannedTable& planned = entry->second;
   if (!is_new) return planned;
   try {
+    KeepConnected();
     planned.definition = DefineTable(catalog_.TableByName(name));
   } catch (const RunTimeError&) {
     planned.failure = std::current_exception();
@@ -112,7 +117,13 @@ void Conversion::PlanOverwriting(const NameList& tables) {
   PrepareOverwriting(definitions);
 }
 
+void Conversion::KeepConnected() {
+  KeepOpen(*source_, "source", host_);
+  KeepOpen(*destination_, "destination", host_);
+}
+
 void Conversion::ConvertTable(const std::string& name) {
+  KeepConnected();
   PlannedTable& planned = Plan(name);
   if (planned.failure) std::rethrow_exception(planned.failure);
   TableDefinition& table = *planned.definition;
@@ -200,6 +211,11 @@ void Conversion::Postpone(const TableDefinition& table, std::int64_t announced,
 
 void Conversion::FinishPostponedTables() {
   if (postponed_tables_.empty()) return;
+  try {
+    KeepConnected();
+  } catch (const RunTimeError&) {
+    // Then every row is refused, and reported.
+  }
   StorePostponedRows(postponed_accounts_);
   for (const auto& [table, announced] : postponed_tables_) {
     events_.TableConversionStarted(table->name);

@@ -55,6 +55,9 @@ class Conversion {
   IConversionListener& Events() { return events_; }
   IRunHost& Host() { return host_; }
 
+  /// Opens the connections again that were lost, so that one lost session costs one table only.
+  /// Throws RunTimeError.
+  void KeepConnected();
   void RaiseError(std::string_view message, std::string_view title,
                   std::int32_t style = message_style::kError);
   /// A name as it is on the destination: blanks become "_" when that was asked for.

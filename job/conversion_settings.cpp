@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include "job/encryptor.h"
+#include "job/settings_options.h"
 #include "platform/files/replace_file.h"
+#include "platform/text/ascii.h"
 #include "platform/text/code_page.h"
 #include "platform/text/number_text.h"
 
@@ -119,6 +121,17 @@ std::string JoinTables(const NameList& tables) {
   return fmt::format("{}", fmt::join(tables, kTableSeparator));
 }
 
+void ReadOptions(files::LineReader& file, ConversionSettings& settings) {
+  while (const auto line = file.NextLine()) {
+    if (text::Trim(*line, text::kWhiteSpace).empty()) continue;
+    try {
+      ReadOption(*line, *settings.src, *settings.dest);
+    } catch (const RunTimeError& error) {
+      throw At(file, error, *line);
+    }
+  }
+}
+
 ConversionSettings ReadLines(files::LineReader& file, const EndpointFactory& make_endpoint) {
   const std::string direction = file.ReadLine();
   if (direction != "1" && direction != "2") throw UnexpectedDirection();
@@ -137,6 +150,7 @@ ConversionSettings ReadLines(files::LineReader& file, const EndpointFactory& mak
   options.convert_relationships = ReadBoolean(file);
   settings.src->SetOptions(options);
   settings.log_path = file.ReadLine();
+  ReadOptions(file, settings);
   return settings;
 }
 
@@ -164,6 +178,7 @@ void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const 
   file.WriteLine(fmt::to_string(src.ConvertMode()));
   file.WriteLine(BooleanText(src.ConvertRelationships()));
   file.WriteLine(Storable("log file's path", log_path));
+  for (const std::string& line : OptionLines(src, dest)) file.WriteLine(Storable("option", line));
 }
 
 void SaveConversionSettings(const std::filesystem::path& path, const IDatabase& src,
