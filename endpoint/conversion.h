@@ -45,6 +45,7 @@ class Conversion {
   const ConversionOptions& Options() const { return options_; }
   bool IsMerging() const { return options_.convert_mode == convert_mode::kMerge; }
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
+  CopyStrategy Strategy() const { return copy_.strategy; }
   const std::string& SourceDatabase() const { return source_database_; }
   ado::Connection& Source() { return *source_; }
   ado::Connection& Destination() { return *destination_; }

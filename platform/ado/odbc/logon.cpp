@@ -13,6 +13,13 @@
 
 namespace dorvane::ado::odbc {
 
+namespace {
+
+// The drivers' own attribute for connections that rows are loaded through.
+constexpr SQLINTEGER kTakesBulkLoads = 1219;
+
+}  // namespace
+
 Logon::Logon(const ConnectionSettings& settings, std::chrono::seconds timeout) {
   std::u16string text = ToUtf16(DriverConnectionString(InstalledDriver(), settings));
   environment_ = NewEnvironment();
@@ -20,6 +27,7 @@ Logon::Logon(const ConnectionSettings& settings, std::chrono::seconds timeout) {
   if (!connection_) throw LibraryError(hresult::kFail, "No connection could be set up.");
   SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
                      AttributeValue(static_cast<SQLULEN>(timeout.count())), 0);
+  SQLSetConnectAttrW(connection_.Get(), kTakesBulkLoads, AttributeValue(1), SQL_IS_INTEGER);
   const SQLRETURN result = SQLDriverConnectW(
       connection_.Get(), nullptr, reinterpret_cast<SQLWCHAR*>(text.data()),
       static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);

@@ -20,6 +20,8 @@ class Logon {
 
   /// A statement whose text is passed to the server as it stands. Throws ProviderError.
   Statement NewStatement() const;
+  /// For what a driver has beside statements.
+  SQLHANDLE Connection() const { return connection_.Get(); }
 
   /// True when the driver has found the connection broken.
   bool IsLost() const;
