@@ -48,6 +48,7 @@ class Conversion {
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
   /// True when the destination's table may be there from before the run.
   bool MayBeOld(const std::string& name) const { return IsMerging() || failed_.contains(name); }
+  CopyStrategy Strategy() const { return copy_.strategy; }
   const std::string& SourceDatabase() const { return source_database_; }
   ado::Connection& Source() { return *source_; }
   ado::Connection& Destination() { return *destination_; }

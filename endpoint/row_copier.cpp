@@ -40,7 +40,7 @@ RowCopier::RowCopier(IRowDestination& destination, IConversionListener& events, 
     : destination_(destination),
       events_(events),
       host_(host),
-      blocks_(plan.strategy == CopyStrategy::Blocks && destination.TakesBlocks()),
+      blocks_(plan.strategy != CopyStrategy::RowByRow && destination.TakesBlocks()),
       limits_(plan.limits),
       batch_size_(blocks_ ? plan.limits.rows : 1) {}
 
@@ -125,7 +125,7 @@ std::size_t RowCopier::StoreSome(const Rows& rows, std::size_t position) {
 void RowCopier::StoreOne(const Rows& rows, std::size_t position) {
   const RowOutcome outcome = destination_.StoreRow(rows.converted, position);
   Note(outcome);
-  if (outcome.result == RowResult::Stored || outcome.result == RowResult::Changed) {
+  if (outcome.result != RowResult::Duplicate && outcome.result != RowResult::Refused) {
     Stored(rows, position, 1);
   }
   if (outcome.result != RowResult::Stored) {

@@ -28,11 +28,6 @@ bool Exists(const ado::DateTime& value) {
       .ok();
 }
 
-/// The moment that the server's datetime can hold.
-ado::DateTime Storable(const ado::DateTime& value) {
-  return Exists(value) ? std::max(Normalised(value), kEarliest) : kEarliest;
-}
-
 std::ptrdiff_t SignificantDigits(std::string_view number) {
   number.remove_prefix(std::min(number.find_first_not_of("-0"), number.size()));
   return std::ranges::count_if(number, text::IsDigit);
@@ -68,7 +63,7 @@ struct LiteralWriter {
   void operator()(ado::Binary value) const { Bytes(value.bytes); }
   void operator()(ado::Guid value) const { Bytes(GuidBytes(value.text)); }
   void operator()(const ado::DateTime& value) const {
-    const ado::DateTime date = Storable(value);
+    const ado::DateTime date = StorableMoment(value);
     out += '\'';
     AppendWritten(out, kDateTimeSize, [&](char* to) { return WriteDateTime(to, date, false); });
     out += '\'';
@@ -143,6 +138,12 @@ void AppendDataValue(std::string& out, const ado::Value& value, const ColumnFact
   // Without a default the server is left to refuse the row.
   const bool has_default = !facts.nullable && !facts.default_text.empty();
   out += has_default ? std::string_view(facts.default_text) : std::string_view("NULL");
+}
+
+ado::DateTime StorableMoment(const ado::DateTime& value) {
+  ado::DateTime moment = Exists(value) ? std::max(Normalised(value), kEarliest) : kEarliest;
+  moment.nanoseconds = 0;
+  return moment;
 }
 
 void AppendTextLiteral(std::string& out, std::string_view text) {

@@ -4,6 +4,7 @@
 
 #include "endpoint/names.h"
 #include "endpoint/row_identity.h"
+#include "mysql/to_mssql/literals.h"
 
 namespace dorvane::to_mssql {
 
@@ -27,15 +28,17 @@ std::string EqualText(const std::string& column, std::string_view literal, bool 
 std::string RowQuestion(std::string_view table, const std::vector<std::string>& columns,
                         const std::vector<ado::FieldInfo>& fields,
                         const std::vector<std::size_t>& positions,
-                        const std::vector<std::string_view>& literals) {
+                        std::span<const ado::Value> row) {
   std::string condition = "1 = 1";
   for (const std::size_t i : positions) {
-    if (literals[i] == "NULL") continue;
+    if (ado::IsNull(row[i])) continue;
+    std::string literal;
+    AppendDataValue(literal, row[i], {});
     const std::string column = MsSqlName(columns[i]);
     condition += " and ";
     condition += IsFoldedType(fields[i].type)
-                     ? EqualText(column, literals[i], IsPaddedType(fields[i].type))
-                     : fmt::format("{} = {}", column, literals[i]);
+                     ? EqualText(column, literal, IsPaddedType(fields[i].type))
+                     : fmt::format("{} = {}", column, literal);
   }
   return fmt::format("select top 1 1 from {} where {}", MsSqlName(table), condition);
 }

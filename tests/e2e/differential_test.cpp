@@ -120,10 +120,16 @@ class Differential {
     src.plan.strategy = CopyStrategy::RowByRow;
     const Outcome rows = Convert(src, dest, each);
     ExpectWhatTheCaseSays(each, rows);
-    for (const ado::BlockLimits& limits : {kShortBlock, kTravellingBlock}) {
+    const CopyPlan plans[] = {{CopyStrategy::Statements, kShortBlock},
+                              {CopyStrategy::Statements, kTravellingBlock},
+                              {CopyStrategy::Blocks, kShortBlock},
+                              {CopyStrategy::Blocks, kTravellingBlock}};
+    for (const CopyPlan& plan : plans) {
+      SCOPED_TRACE(fmt::format("strategy {}, {} rows", static_cast<int>(plan.strategy),
+                               plan.limits.rows));
       // One name for all, since the servers' messages hold it.
       Recreate(dest, name);
-      src.plan = {CopyStrategy::Blocks, limits};
+      src.plan = plan;
       const Outcome blocks = Convert(src, dest, each);
       EXPECT_EQ(blocks.events, rows.events);
       EXPECT_EQ(blocks.unclassified, rows.unclassified);

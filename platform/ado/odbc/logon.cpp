@@ -19,6 +19,9 @@ namespace dorvane::ado::odbc {
 
 namespace {
 
+// The drivers' own attribute for connections that rows are loaded through.
+constexpr SQLINTEGER kTakesBulkLoads = 1219;
+
 /// Whether an encrypted connection is only a wish. FreeTDS does not tell what became of it, so it
 /// is asked for encryption first, and for none where that fails. On the way to this machine nobody
 /// reads along; Microsoft's drivers always encrypt.
@@ -55,6 +58,7 @@ Diagnostics Logon::Connect(const Driver& driver, const ConnectionSettings& setti
   if (!connection_) throw LibraryError(hresult::kFail, "No connection could be set up.");
   SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
                      AttributeValue(static_cast<SQLULEN>(timeout.count())), 0);
+  SQLSetConnectAttrW(connection_.Get(), kTakesBulkLoads, AttributeValue(1), SQL_IS_INTEGER);
   const SocketSearch search;
   const SQLRETURN result = SQLDriverConnectW(
       connection_.Get(), nullptr, reinterpret_cast<SQLWCHAR*>(text.data()),
