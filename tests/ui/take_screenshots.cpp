@@ -156,7 +156,11 @@ void MakeSmall(WizardDriver& driver, Script&) {
   driver.Window().resize(1, 1);
 }
 
-void GiveLongNames(WizardDriver&, Script& script) {
+void GiveLongNames(WizardDriver& driver, Script& script) {
+  for (const std::string page : {"Dir2Mysql", "Dir2MsSql"}) {
+    driver.Get<QComboBox>(("cmb" + page + "Encryption").c_str()).setCurrentText("Verified");
+    driver.Get<QLineEdit>(("txt" + page + "CaFile").c_str()).setText("/etc/ssl/our-own.pem");
+  }
   script.databases = [] { return NameList{kLongName, "x"}; };
   script.tables = [] { return NameList{kLongName + "1", kLongName + "2", kLongName + "3", "x"}; };
 }
