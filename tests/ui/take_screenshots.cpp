@@ -172,7 +172,7 @@ void TakeSchedule(Camera& camera) {
   services.make_scheduler = [&] { return std::make_unique<scheduler::CronScheduler>(crontab); };
   services.program_folder = "/usr/lib/dorvane";
   services.settings_folder = folder.Path();
-  services.show_message = ShowMessage;
+  services.messages = {.show = ShowMessage, .ask = [](std::string_view) { return true; }};
   PlainEndpoint src(ServerKind::MsSql);
   PlainEndpoint dest(ServerKind::MySql);
   frmSchedule dialog(src, dest, Tables(), services);
