@@ -14,6 +14,7 @@ namespace dorvane {
 namespace {
 
 constexpr std::string_view kTableSeparator = ":<:";
+constexpr int kLogLine = 19;
 
 NameList SplitTables(std::string_view line) {
   NameList tables;
@@ -72,27 +73,22 @@ void ReadServer(files::LineReader& file, IDatabase& endpoint) {
   throw RunTimeError(run_time::kInvalidArgument, "Dorvane", why);
 }
 
-/// The value, when a line of the file can hold it.
-const std::string& Storable(std::string_view what, const std::string& value) {
+/// The value, when it is one line.
+const std::string& OneLine(std::string_view what, const std::string& value) {
   if (value.find_first_of("\r\n") != std::string::npos) {
     Refuse(fmt::format("The {} holds a line break, which a settings file cannot keep", what));
   }
+  return value;
+}
+
+/// The value, when a line of the file can hold it.
+const std::string& Storable(std::string_view what, const std::string& value) {
+  OneLine(what, value);
   if (!text::FitsAnsi(value)) {
     Refuse(
         fmt::format("The {} '{}' holds characters that a settings file cannot keep", what, value));
   }
   return value;
-}
-
-std::string ScrambledPassword(std::string_view side, const std::string& password) {
-  const Encryptor encryptor;
-  const std::string plain = text::ToAnsi(Storable("password", password));
-  std::string scrambled = encryptor.Encrypt(plain);
-  if (encryptor.Decrypt(scrambled) != plain) {
-    Refuse(
-        fmt::format("The password of the {} holds letters that a settings file cannot keep", side));
-  }
-  return scrambled;
 }
 
 std::string_view BooleanText(bool value) {
@@ -103,7 +99,12 @@ void WriteServer(files::AnsiText& file, std::string_view side, const IDatabase& 
   file.WriteLine(Storable("host name", endpoint.Server()));
   file.WriteLine(fmt::to_string(endpoint.PortNo()));
   file.WriteLine(Storable("user name", endpoint.UserId()));
-  file.WriteRawLine(ScrambledPassword(side, endpoint.Password()));
+  const auto password = ScrambledPassword(OneLine("password", endpoint.Password()));
+  if (!password) {
+    Refuse(
+        fmt::format("The password of the {} holds letters that a settings file cannot keep", side));
+  }
+  file.WriteRawLine(*password);
   file.WriteLine(endpoint.Kind() == ServerKind::MsSql ? BooleanText(endpoint.WinNTAuthentication())
                                                       : "");
   file.WriteLine(Storable("database name", endpoint.DbName()));
@@ -132,9 +133,13 @@ void ReadOptions(files::LineReader& file, ConversionSettings& settings) {
   }
 }
 
+bool IsDirection(std::string_view line) {
+  return line == "1" || line == "2";
+}
+
 ConversionSettings ReadLines(files::LineReader& file, const EndpointFactory& make_endpoint) {
   const std::string direction = file.ReadLine();
-  if (direction != "1" && direction != "2") throw UnexpectedDirection();
+  if (!IsDirection(direction)) throw UnexpectedDirection();
   const bool from_ms_sql = direction == "1";
 
   ConversionSettings settings;
@@ -163,6 +168,17 @@ ConversionSettings ReadConversionSettings(files::LineReader& file,
   } catch (const RunTimeError& error) {
     if (error.Number() != run_time::kInputPastEnd) throw;
     throw At(file, error);
+  }
+}
+
+std::optional<std::string> LogPathIn(const std::filesystem::path& path) {
+  try {
+    files::LineReader file(path);
+    if (!IsDirection(file.ReadLine())) return std::nullopt;
+    while (file.LineNumber() < kLogLine - 1) file.ReadRawLine();
+    return file.ReadLine();
+  } catch (const RunTimeError&) {
+    return std::nullopt;
   }
 }
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -35,6 +36,10 @@ class UnexpectedDirection : public std::runtime_error {
 /// none (5).
 ConversionSettings ReadConversionSettings(files::LineReader& file,
                                           const EndpointFactory& make_endpoint);
+
+/// The log's path of a file whose other lines may be anything; none where the file is no settings
+/// file or has no such line.
+std::optional<std::string> LogPathIn(const std::filesystem::path& path);
 
 /// Writes the 19 lines and the options that differ from their defaults. Throws RunTimeError 5 for
 /// what the file could not give back: no table at all, a line break, a table name with ":<:", a

@@ -149,6 +149,13 @@ TEST(ConversionSettings, RefusesWhatTheFileCouldNotGiveBack) {
   EXPECT_THROW(Write(with_authority, dest, {"a"}, "log"), RunTimeError);
   dest.SetPassword("pässword");  // ä is the code of a scrambled letter
   EXPECT_THROW(Write(src, dest, {"a"}, "log"), RunTimeError);
+  dest.SetPassword("пароль");
+  try {
+    Write(src, dest, {"a"}, "log");
+    ADD_FAILURE();
+  } catch (const RunTimeError& error) {
+    EXPECT_THAT(error.Description(), testing::Not(HasSubstr("пароль")));
+  }
 }
 
 TEST(LastSettings, AreSavedForTheNextStart) {
@@ -170,6 +177,17 @@ TEST(LastSettings, AreSavedForTheNextStart) {
   EXPECT_EQ(loaded[LastSettings::kDirection], "mysql");
   EXPECT_NE(loaded[LastSettings::kSrcPassword], "Geheim 1");
   EXPECT_EQ(loaded.PlainPassword(LastSettings::kSrcPassword), "Geheim 1");
+}
+
+TEST(LastSettings, APasswordThatCannotBeKeptIsLeftOut) {
+  const TempFolder folder;
+  for (const char* password : {"пароль", "pässword"}) {
+    PlainEndpoint src(ServerKind::MySql);
+    src.SetPassword(password);
+    SaveLastSettings(folder.Path(), src, PlainEndpoint(ServerKind::MsSql));
+    const LastSettings loaded = LoadLastSettings(folder.Path(), [](auto) { FAIL(); });
+    EXPECT_EQ(loaded.PlainPassword(LastSettings::kSrcPassword), "") << password;
+  }
 }
 
 TEST(LastSettings, AMissingFileGivesTheDefaultsQuietly) {

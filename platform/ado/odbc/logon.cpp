@@ -3,6 +3,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <cstring>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -53,7 +54,8 @@ Diagnostics Logon::Connect(const Driver& driver, const ConnectionSettings& setti
   if (settings.encryption == Encryption::Verified && driver.kind == DriverKind::FreeTds) {
     configuration.emplace(ParseServer(settings.server, settings.port), AuthoritiesFile(settings));
   }
-  std::u16string text = ToUtf16(DriverConnectionString(driver, settings));
+  std::string utf8 = DriverConnectionString(driver, settings);
+  std::u16string text = ToUtf16(utf8);
   connection_ = ConnectionHandle(environment_.Get());
   if (!connection_) throw LibraryError(hresult::kFail, "No connection could be set up.");
   SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
@@ -63,6 +65,9 @@ Diagnostics Logon::Connect(const Driver& driver, const ConnectionSettings& setti
   const SQLRETURN result = SQLDriverConnectW(
       connection_.Get(), nullptr, reinterpret_cast<SQLWCHAR*>(text.data()),
       static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+  // They hold the password, which has done its work.
+  explicit_bzero(utf8.data(), utf8.size());
+  explicit_bzero(text.data(), text.size() * sizeof(char16_t));
   if (SQL_SUCCEEDED(result)) {
     watchdog_.emplace(search.NewSocket(ParseServer(settings.server, settings.port).port));
     return {};
