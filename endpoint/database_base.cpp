@@ -1,5 +1,7 @@
 #include "endpoint/database_base.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -20,6 +22,14 @@ class SilentListener : public IConversionListener {
   void TableConversionStarted(std::string_view) override {}
   void TableRelationsConversionStarted(std::string_view) override {}
 };
+
+/// A person should know where whoever is on the way can read along.
+void TellExposure(IRunHost& host, std::string_view side, const IDatabase& endpoint,
+                  const ado::Connection& connection) {
+  if (!connection.IsExposed()) return;
+  host.Inform(
+      fmt::format("The connection to the {} server {} is not encrypted", side, endpoint.Server()));
+}
 
 std::int16_t TableCount(const NameList& tables) {
   constexpr std::size_t kMost = std::numeric_limits<std::int16_t>::max();
@@ -57,6 +67,8 @@ void DatabaseBase::TransferToDest(IDatabase& dest, const NameList& src_tables) {
   if (!source) return;
   auto destination = dest.OpenConnection(true);
   if (!destination) return;
+  TellExposure(host_, "source", *this, *source);
+  TellExposure(host_, "destination", dest, *destination);
   MakeConversion({.source = std::move(source),
                   .destination = std::move(destination),
                   .source_database = DbName(),

@@ -44,9 +44,13 @@ struct ValueChanges {
 struct RowAccount {
   std::int64_t read = 0;
   std::int64_t duplicates = 0;
+  std::int64_t postponed = 0;
   std::int64_t refused = 0;
   std::int64_t first_refused = 0;  // its position among the rows read, from 1
   ErrorSummary first_reason;
+
+  /// Counts `count` refused rows, the first of which stands at `position`.
+  void AddRefused(std::int64_t count, std::int64_t position, const ErrorSummary& reason);
 };
 
 /// The table that rows are copied into.

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include "job/encryptor.h"
+#include "job/settings_options.h"
 #include "platform/files/replace_file.h"
+#include "platform/text/ascii.h"
 #include "platform/text/code_page.h"
 #include "platform/text/number_text.h"
 
@@ -12,6 +14,7 @@ namespace dorvane {
 namespace {
 
 constexpr std::string_view kTableSeparator = ":<:";
+constexpr int kLogLine = 19;
 
 NameList SplitTables(std::string_view line) {
   NameList tables;
@@ -70,27 +73,22 @@ void ReadServer(files::LineReader& file, IDatabase& endpoint) {
   throw RunTimeError(run_time::kInvalidArgument, "Dorvane", why);
 }
 
-/// The value, when a line of the file can hold it.
-const std::string& Storable(std::string_view what, const std::string& value) {
+/// The value, when it is one line.
+const std::string& OneLine(std::string_view what, const std::string& value) {
   if (value.find_first_of("\r\n") != std::string::npos) {
     Refuse(fmt::format("The {} holds a line break, which a settings file cannot keep", what));
   }
+  return value;
+}
+
+/// The value, when a line of the file can hold it.
+const std::string& Storable(std::string_view what, const std::string& value) {
+  OneLine(what, value);
   if (!text::FitsAnsi(value)) {
     Refuse(
         fmt::format("The {} '{}' holds characters that a settings file cannot keep", what, value));
   }
   return value;
-}
-
-std::string ScrambledPassword(std::string_view side, const std::string& password) {
-  const Encryptor encryptor;
-  const std::string plain = text::ToAnsi(Storable("password", password));
-  std::string scrambled = encryptor.Encrypt(plain);
-  if (encryptor.Decrypt(scrambled) != plain) {
-    Refuse(
-        fmt::format("The password of the {} holds letters that a settings file cannot keep", side));
-  }
-  return scrambled;
 }
 
 std::string_view BooleanText(bool value) {
@@ -101,7 +99,12 @@ void WriteServer(files::AnsiText& file, std::string_view side, const IDatabase& 
   file.WriteLine(Storable("host name", endpoint.Server()));
   file.WriteLine(fmt::to_string(endpoint.PortNo()));
   file.WriteLine(Storable("user name", endpoint.UserId()));
-  file.WriteRawLine(ScrambledPassword(side, endpoint.Password()));
+  const auto password = ScrambledPassword(OneLine("password", endpoint.Password()));
+  if (!password) {
+    Refuse(
+        fmt::format("The password of the {} holds letters that a settings file cannot keep", side));
+  }
+  file.WriteRawLine(*password);
   file.WriteLine(endpoint.Kind() == ServerKind::MsSql ? BooleanText(endpoint.WinNTAuthentication())
                                                       : "");
   file.WriteLine(Storable("database name", endpoint.DbName()));
@@ -119,9 +122,24 @@ std::string JoinTables(const NameList& tables) {
   return fmt::format("{}", fmt::join(tables, kTableSeparator));
 }
 
+void ReadOptions(files::LineReader& file, ConversionSettings& settings) {
+  while (const auto line = file.NextLine()) {
+    if (text::Trim(*line, text::kWhiteSpace).empty()) continue;
+    try {
+      ReadOption(*line, *settings.src, *settings.dest);
+    } catch (const RunTimeError& error) {
+      throw At(file, error, *line);
+    }
+  }
+}
+
+bool IsDirection(std::string_view line) {
+  return line == "1" || line == "2";
+}
+
 ConversionSettings ReadLines(files::LineReader& file, const EndpointFactory& make_endpoint) {
   const std::string direction = file.ReadLine();
-  if (direction != "1" && direction != "2") throw UnexpectedDirection();
+  if (!IsDirection(direction)) throw UnexpectedDirection();
   const bool from_ms_sql = direction == "1";
 
   ConversionSettings settings;
@@ -137,6 +155,7 @@ ConversionSettings ReadLines(files::LineReader& file, const EndpointFactory& mak
   options.convert_relationships = ReadBoolean(file);
   settings.src->SetOptions(options);
   settings.log_path = file.ReadLine();
+  ReadOptions(file, settings);
   return settings;
 }
 
@@ -152,6 +171,17 @@ ConversionSettings ReadConversionSettings(files::LineReader& file,
   }
 }
 
+std::optional<std::string> LogPathIn(const std::filesystem::path& path) {
+  try {
+    files::LineReader file(path);
+    if (!IsDirection(file.ReadLine())) return std::nullopt;
+    while (file.LineNumber() < kLogLine - 1) file.ReadRawLine();
+    return file.ReadLine();
+  } catch (const RunTimeError&) {
+    return std::nullopt;
+  }
+}
+
 void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const IDatabase& dest,
                              const NameList& tables, const std::string& log_path) {
   const std::string table_line = JoinTables(tables);  // before anything is written
@@ -164,6 +194,7 @@ void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const 
   file.WriteLine(fmt::to_string(src.ConvertMode()));
   file.WriteLine(BooleanText(src.ConvertRelationships()));
   file.WriteLine(Storable("log file's path", log_path));
+  for (const std::string& line : OptionLines(src, dest)) file.WriteLine(Storable("option", line));
 }
 
 void SaveConversionSettings(const std::filesystem::path& path, const IDatabase& src,

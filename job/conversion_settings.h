@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -11,7 +12,7 @@
 
 namespace dorvane {
 
-/// What the 19 lines of a conversion settings file say.
+/// What the 19 lines of a conversion settings file and the options behind them say.
 struct ConversionSettings {
   std::unique_ptr<IDatabase> src;  // carries the four conversion options
   std::unique_ptr<IDatabase> dest;
@@ -29,14 +30,20 @@ class UnexpectedDirection : public std::runtime_error {
       : std::runtime_error("Conversion Failed - unexpected conversion direction value.") {}
 };
 
-/// Reads the 19 lines. Throws UnexpectedDirection before any endpoint is made, or RunTimeError: a
-/// missing line (62), a number or Boolean that is none (13), a number beyond 16 bits (6).
+/// Reads the 19 lines and the options behind them. Throws UnexpectedDirection before any endpoint
+/// is made, or RunTimeError, which says line, file and value: a missing line (62), a number,
+/// Boolean or option's value that is none (13), a number beyond its range (6), an option that is
+/// none (5).
 ConversionSettings ReadConversionSettings(files::LineReader& file,
                                           const EndpointFactory& make_endpoint);
 
-/// Writes the 19 lines. Throws RunTimeError 5 for what the file could
-/// not give back: no table at all, a line break, a table name with ":<:", a character outside the
-/// ANSI code page, a password that the scrambling does not keep.
+/// The log's path of a file whose other lines may be anything; none where the file is no settings
+/// file or has no such line.
+std::optional<std::string> LogPathIn(const std::filesystem::path& path);
+
+/// Writes the 19 lines and the options that differ from their defaults. Throws RunTimeError 5 for
+/// what the file could not give back: no table at all, a line break, a table name with ":<:", a
+/// character outside the ANSI code page, a password that the scrambling does not keep.
 void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const IDatabase& dest,
                              const NameList& tables, const std::string& log_path);
 

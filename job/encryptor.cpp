@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
+
+#include "platform/text/code_page.h"
 
 namespace dorvane {
 
@@ -42,6 +45,14 @@ std::string Encryptor::Decrypt(std::string_view scrambled) const {
     }
     return static_cast<char>(code);
   });
+}
+
+std::optional<std::string> ScrambledPassword(const std::string& password) {
+  const Encryptor encryptor;
+  const std::string plain = text::ToAnsi(password);
+  std::string scrambled = encryptor.Encrypt(plain);
+  const bool is_kept = text::FitsAnsi(password) && encryptor.Decrypt(scrambled) == plain;
+  return is_kept ? std::optional(std::move(scrambled)) : std::nullopt;
 }
 
 }  // namespace dorvane

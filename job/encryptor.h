@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,5 +13,9 @@ class Encryptor {
   std::string Encrypt(std::string_view plain) const;
   std::string Decrypt(std::string_view scrambled) const;
 };
+
+/// The scrambled bytes of a password in UTF-8; none of one that they would not give back: with
+/// letters outside the code page, or with some of those that scrambled ones become.
+std::optional<std::string> ScrambledPassword(const std::string& password);
 
 }  // namespace dorvane

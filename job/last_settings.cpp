@@ -21,7 +21,8 @@ void WriteServer(files::AnsiText& file, const IDatabase& endpoint) {
   file.WriteLine(fmt::to_string(endpoint.PortNo()));
   file.WriteLine(endpoint.Server());
   file.WriteLine(endpoint.UserId());
-  file.WriteRawLine(Encryptor().Encrypt(text::ToAnsi(endpoint.Password())));
+  // Better none than another one.
+  file.WriteRawLine(ScrambledPassword(endpoint.Password()).value_or(""));
 }
 
 }  // namespace
@@ -37,7 +38,9 @@ LastSettings LoadLastSettings(const std::filesystem::path& folder,
     files::LineReader file(folder / kFileName);
     for (std::string& element : settings.elements) element = file.ReadLine();
   } catch (const RunTimeError& error) {
-    if (error.Number() == run_time::kFileNotFound) return kDefaults;
+    const bool is_missing =
+        error.Number() == run_time::kFileNotFound || error.Number() == run_time::kPathNotFound;
+    if (is_missing) return kDefaults;
     report(fmt::format("Unkown error {} - {}", error.Number(), error.Description()));
   }
   return settings;

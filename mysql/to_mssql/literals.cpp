@@ -81,10 +81,6 @@ struct LiteralWriter {
   }
 };
 
-bool IsAscii(std::string_view text) {
-  return std::ranges::none_of(text, [](char c) { return (c & 0x80) != 0; });
-}
-
 void AppendQuoted(std::string& out, std::string_view text) {
   out += '\'';
   for (std::size_t quote = text.find('\''); quote != std::string_view::npos;
@@ -155,7 +151,7 @@ void AppendTextLiteral(std::string& out, std::string_view text) {
     AppendTextWithZeros(out, text);
     return;
   }
-  if (!IsAscii(text)) out += 'N';
+  if (!text::IsAscii(text)) out += 'N';
   AppendQuoted(out, text);
 }
 

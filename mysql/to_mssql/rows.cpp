@@ -7,9 +7,11 @@
 
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
+#include "endpoint/row_identity.h"
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/literals.h"
 #include "mysql/to_mssql/row_faults.h"
+#include "mysql/to_mssql/row_question.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mssql {
@@ -171,7 +173,10 @@ void RowsToMsSql::LoadRows(const ado::RowBlock& converted, std::size_t first, st
 
 RowOutcome RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
   ++handled_;
-  const RowOutcome outcome = ExecuteRow(inserts_.StatementOf(converted.Row(row)));
+  RowOutcome outcome = ExecuteRow(inserts_.StatementOf(converted.Row(row)));
+  if (outcome.result == RowResult::Duplicate && !IsThere(converted.Row(row))) {
+    outcome.result = RowResult::Refused;
+  }
   if (!inserts_.After().empty()) ExecuteOn(destination_, inserts_.After());
   return outcome;
 }
@@ -188,7 +193,9 @@ RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
       if (!inserts_.After().empty()) TryExecute(destination_, inserts_.After());
       throw;
     }
-    if (fault == RowFault::Duplicate && !target_.is_new) return {RowResult::Duplicate};
+    if (fault == RowFault::Duplicate) {
+      return {RowResult::Duplicate, {entry->native_error, entry->description}};
+    }
     return RefusalOf(*entry, statement);
   }
 }
@@ -204,6 +211,20 @@ RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, const std::string& st
     return {RowResult::Postponed};
   }
   return {RowResult::Refused, std::move(reason)};
+}
+
+bool RowsToMsSql::IsThere(std::span<const ado::Value> row) {
+  if (target_.is_new) return false;
+  if (target_.identity.empty()) return true;
+  try {
+    return !destination_
+                .Execute(
+                    RowQuestion(target_.table, target_.columns, fields_, target_.identity, row))
+                .AtEnd();
+  } catch (const RunTimeError&) {
+    // The server's word for it must do.
+    return true;
+  }
 }
 
 void RowsToMsSql::RowStored(std::span<const ado::Value> source_row) {
@@ -234,6 +255,9 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
                              .is_loaded = Strategy() == CopyStrategy::Blocks,
                              .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
+  if (!is_new) {
+    target.identity = IdentifyingFields(SourceCatalog().TableByName(table.name).Indexes(), fields);
+  }
   return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
 }
 
@@ -246,22 +270,13 @@ bool MySqlToMsSql::HasIdentity(const std::string& dest_table) {
   return count.AtEnd() || count.Field(0).Text() != "0";
 }
 
-void MySqlToMsSql::StorePostponedRows() {
-  for (const WaitingRows::Refusal& refusal : waiting_.Store(Destination())) {
-    ReportRowProblem(refusal.table,
-                     fmt::format("{} rows were not copied; the first: {} - {} (row {})",
-                                 refusal.rows, refusal.first_reason.number,
-                                 refusal.first_reason.description, refusal.first_position));
-  }
+void MySqlToMsSql::StorePostponedRows(std::map<std::string, RowAccount>& accounts) {
+  waiting_.Store(Destination(), accounts);
 }
 
 void MySqlToMsSql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
-  ReportRowProblem(table.dest_name, problem);
-}
-
-void MySqlToMsSql::ReportRowProblem(const std::string& dest_table, std::string_view problem) {
   RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
-                         MsSqlName(dest_table), problem),
+                         MsSqlName(table.dest_name), problem),
              "MS SQL Server");
 }
 

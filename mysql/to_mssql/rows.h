@@ -24,10 +24,11 @@ class RowsToMsSql : public IRowDestination {
   struct Target {
     std::string table;  // without brackets, as the columns are
     std::vector<std::string> columns;
-    bool has_identity_column = false;  // its values come with the rows
-    bool is_new = false;               // just created: no rows, no triggers, no foreign keys
-    bool is_loaded = true;             // by the server's bulk protocol where that is possible
-    WaitingRows* waiting = nullptr;    // for rows of a table that is not new; outlives this
+    bool has_identity_column = false;        // its values come with the rows
+    bool is_new = false;                     // just created: no rows, no triggers, no foreign keys
+    bool is_loaded = true;                   // by the server's bulk protocol where that is possible
+    WaitingRows* waiting = nullptr;          // for rows of a table that is not new; outlives this
+    std::vector<std::size_t> identity = {};  // see IdentifyingFields
   };
 
   /// `fields` and `facts` describe the source's columns in the order of the target's and, like the
@@ -50,6 +51,8 @@ class RowsToMsSql : public IRowDestination {
   BlockResult LoadBlock(const ado::RowBlock& converted, std::size_t first, std::size_t count);
   void LoadRows(const ado::RowBlock& converted, std::size_t first, std::size_t count);
   RowOutcome ExecuteRow(const std::string& statement);
+  /// For a duplicate: true when the row itself was there before.
+  bool IsThere(std::span<const ado::Value> row);
   RowOutcome RefusalOf(const ado::Error& error, const std::string& statement);
   void LearnTypes();
   bool HasTriggers();

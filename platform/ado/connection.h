@@ -31,10 +31,16 @@ class Connection {
 
   /// Logs on. Throws RunTimeError, kObjectOpen among its numbers.
   void Open(ConnectionSettings settings);
+  /// Logs on as Open did, after everything was closed. Throws RunTimeError, and is closed then.
+  void Reopen();
+  /// True when the server answers on every session. Not while rows are streaming.
+  bool IsAlive();
   /// Closes the recordsets that are open and logs off; closing twice is harmless.
   void Close();
   ObjectState State() const;
   const ado::Errors& Errors() const { return errors_; }
+  /// True while it is open to a server on another machine without encryption.
+  bool IsExposed() const { return !sessions_.empty() && sessions_.front()->IsExposed(); }
 
   /// Runs a statement and returns its first result, without fields when it has none. With
   /// CommandType::Table the text is a quoted table reference, else it is sent as it stands.

@@ -24,20 +24,29 @@ LineReader::LineReader(const std::filesystem::path& path) : path_(path) {
   if (!file_) ThrowFileError(errno, path);
 }
 
-std::string LineReader::ReadRawLine() {
+std::optional<std::string> LineReader::NextRawLine() {
   char* line = nullptr;
   std::size_t capacity = 0;
   const ssize_t length = getline(&line, &capacity, file_.get());
   const std::unique_ptr<char, decltype(&std::free)> owner(line, &std::free);
   ++line_number_;
   if (length < 0 && std::ferror(file_.get()) != 0) ThrowFileError(errno, path_);
-  if (length < 0) {
-    throw RunTimeError(run_time::kInputPastEnd, "Dorvane", "Input past end of file");
-  }
+  if (length < 0) return std::nullopt;
   std::string text(line, static_cast<std::size_t>(length));
   if (text.ends_with('\n')) text.pop_back();
   if (text.ends_with('\r')) text.pop_back();
   return text;
+}
+
+std::optional<std::string> LineReader::NextLine() {
+  const auto line = NextRawLine();
+  if (!line) return std::nullopt;
+  return text::FromAnsi(*line);
+}
+
+std::string LineReader::ReadRawLine() {
+  if (auto line = NextRawLine()) return *std::move(line);
+  throw RunTimeError(run_time::kInputPastEnd, "Dorvane", "Input past end of file");
 }
 
 std::string LineReader::ReadLine() {

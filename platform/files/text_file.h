@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,8 @@ class LineReader {
   std::string ReadLine();
   /// The next line as the bytes of the file.
   std::string ReadRawLine();
+  /// The next line, or none behind the last one. Throws RunTimeError 57.
+  std::optional<std::string> NextLine();
   /// Of the line that was read last, or asked for behind the end; from 1.
   int LineNumber() const { return line_number_; }
   const std::filesystem::path& Path() const { return path_; }
@@ -29,6 +32,8 @@ class LineReader {
   struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
+  std::optional<std::string> NextRawLine();
+
   std::filesystem::path path_;
   std::unique_ptr<std::FILE, Closer> file_;
   int line_number_ = 0;

@@ -127,6 +127,21 @@ TEST(ConnectionString, QuotesWhatMicrosoftsDriversWouldMisread) {
             "Database={shop};");
 }
 
+TEST(ConnectionString, DemandsAndVerifiesTls) {
+  ConnectionSettings settings = Settings();
+  settings.encryption = Encryption::Required;
+  EXPECT_NE(DriverConnectionString(kFreeTds, settings).find(";Encryption=require;"),
+            std::string::npos);
+  settings.encryption = Encryption::Verified;
+  EXPECT_NE(DriverConnectionString(kFreeTds, settings).find("};Servername=verified;"),
+            std::string::npos);
+  EXPECT_NE(DriverConnectionString(kMicrosoft, settings)
+                .find("Encrypt=yes;TrustServerCertificate=no;HostNameInCertificate={db1};"),
+            std::string::npos);
+  settings.ca_file = "/etc/own.pem";
+  EXPECT_THROW(DriverConnectionString(kMicrosoft, settings), ProviderError);
+}
+
 TEST(ConnectionString, RefusesWhatFreeTdsCannotBeTold) {
   ConnectionSettings settings = Settings();
   settings.password = "a};b";

@@ -47,8 +47,8 @@ TEST(StatementFailure, IsNeverWithoutAnEntry) {
 }
 
 /// The native error that a failed logon is told apart by: the one of the second entry.
-std::int32_t LogonNumber(const Diagnostics& records, bool integrated = false) {
-  const ProviderError error = LogonError(records, integrated);
+std::int32_t LogonNumber(const Diagnostics& records, const ConnectionSettings& settings = {}) {
+  const ProviderError error = LogonError(records, settings);
   EXPECT_GE(error.Entries().size(), 2U);
   EXPECT_EQ(error.Entries()[0].native_error, 0);
   EXPECT_EQ(error.Description(), error.Entries()[1].description);
@@ -75,24 +75,35 @@ TEST(LogonFailure, PutsAMissingDatabaseBeforeTheRefusedLogin) {
   const ProviderError error = LogonError({{"42000", 18456, "Login failed"},
                                           {"42000", 4060, "Cannot open database"},
                                           {"08001", 0, "Unable"}},
-                                         false);
+                                         {});
   ASSERT_EQ(error.Entries().size(), 3U);
   EXPECT_EQ(error.Entries()[1].native_error, 4060);
   EXPECT_EQ(error.Entries()[2].native_error, 18456);
 }
 
 TEST(LogonFailure, OfATrustedConnectionIsAMissingTicketUnlessTheServerWasNotReached) {
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}}, true), 18452);
-  EXPECT_EQ(LogonNumber({{"42000", 18452, "Untrusted domain"}, {"08001", 0, "Unable"}}, true),
+  const ConnectionSettings trusted{.integrated_security = true};
+  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}}, trusted), 18452);
+  EXPECT_EQ(LogonNumber({{"42000", 18452, "Untrusted domain"}, {"08001", 0, "Unable"}}, trusted),
             18452);
-  EXPECT_EQ(LogonNumber({{"08S01", 20009, "Unavailable"}, {"08001", 0, "Unable"}}, true), 17);
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}}, false), 17);
+  EXPECT_EQ(LogonNumber({{"08S01", 20009, "Unavailable"}, {"08001", 0, "Unable"}}, trusted), 17);
+  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}}), 17);
+}
+
+TEST(LogonFailure, OfADemandForTlsIsItsOwnUnlessTheServerWasNotReached) {
+  const ConnectionSettings verified{.encryption = Encryption::Verified};
+  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}}, verified), 18);
+  EXPECT_EQ(LogonNumber({{"08001", -1, "SSL Provider: certificate verify failed"}}, verified), 18);
+  EXPECT_EQ(LogonNumber({{"08001", 11001, "Name or service not known"}}, verified), 17);
+  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20017, "End"}, {"01000", 20002, "F"}},
+                        verified),
+            17);
 }
 
 TEST(LogonFailure, OfADriverThatCannotBeLoadedIsAMissingProvider) {
-  EXPECT_EQ(LogonError({{"01000", 0, "Can't open lib '/x.so' : file not found"}}, false).Number(),
+  EXPECT_EQ(LogonError({{"01000", 0, "Can't open lib '/x.so' : file not found"}}, {}).Number(),
             kProviderNotFound);
-  EXPECT_EQ(LogonError({{"IM002", 0, "Data source name not found"}}, false).Number(),
+  EXPECT_EQ(LogonError({{"IM002", 0, "Data source name not found"}}, {}).Number(),
             kProviderNotFound);
 }
 

@@ -40,6 +40,7 @@ class ScriptedServer : public ado::Provider {
   std::vector<std::string> log;
   std::vector<std::string> Sent(std::string_view beginning) const;
   ado::ConnectionSettings last_settings;
+  bool is_exposed = false;
 
   /// Answers statements of exactly this text.
   void Answer(const std::string& sql, std::vector<ScriptedResult> results);
@@ -47,6 +48,8 @@ class ScriptedServer : public ado::Provider {
   /// is for ever.
   void Fail(const std::string& part, ado::ProviderError error, int times = -1);
   std::optional<ado::ProviderError> connect_failure;
+  bool lost = false;       // sessions do not answer any more, until one is opened
+  int refused_logons = 0;  // that many from now on
   /// The reading of the result of this statement fails behind its rows.
   void BreakResult(const std::string& sql, ado::ProviderError error);
 

@@ -88,7 +88,18 @@ TEST(ConversionSettings, BadLinesFailByKind) {
       {WithLine(6, "maybe"), run_time::kTypeMismatch, "(line 6 of file.dcs: maybe)"},
       {WithLine(16, ""), run_time::kTypeMismatch, "(line 16 of file.dcs)"},
       {full.substr(0, last_line), run_time::kInputPastEnd, "(line 19 of file.dcs)"},
-      {"", run_time::kInputPastEnd, "(line 1 of file.dcs)"}};
+      {"", run_time::kInputPastEnd, "(line 1 of file.dcs)"},
+      {full + "Encription source=required\r\n", run_time::kInvalidArgument,
+       "There is no such option (line 20 of file.dcs: Encription source=required)"},
+      {full + "\r\nverified", run_time::kInvalidArgument, "(line 21 of file.dcs: verified)"},
+      {full + "Encryption source=on", run_time::kTypeMismatch,
+       "Encryption source: not offered, required or verified (line 20 of file.dcs: Encryption "
+       "source=on)"},
+      {full + "Idle limit=", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=)"},
+      {full + "Idle limit=-1", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=-1)"},
+      {full + "Idle limit=2147484", run_time::kOverflow,
+       "(line 20 of file.dcs: Idle limit=2147484)"},
+      {full + "Idle limit=99999999999", run_time::kOverflow, "Idle limit=99999999999)"}};
   for (const auto& [bytes, number, place] : cases) {
     try {
       Read(bytes);
@@ -100,6 +111,32 @@ TEST(ConversionSettings, BadLinesFailByKind) {
   }
 }
 
+TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
+  const std::string options =
+      "Encryption source=required\r\nEncryption destination=verified\r\n"
+      "CA file destination=/etc/ca s\xFC.pem\r\nIdle limit=0\r\n";
+  const ConversionSettings settings = Read(kSales + options);
+  const ado::ConnectionSettings src = settings.src->Settings();
+  const ado::ConnectionSettings dest = settings.dest->Settings();
+  EXPECT_EQ(src.encryption, ado::Encryption::Required);
+  EXPECT_EQ(dest.encryption, ado::Encryption::Verified);
+  EXPECT_EQ(src.ca_file, "");
+  EXPECT_EQ(dest.ca_file, "/etc/ca sü.pem");
+  EXPECT_EQ(src.idle_limit, 0);
+  EXPECT_EQ(dest.idle_limit, 0);
+  EXPECT_EQ(src.password, "pw-1");
+  EXPECT_EQ(Write(*settings.src, *settings.dest, settings.tables, settings.log_path),
+            kSales + options);
+}
+
+TEST(ConversionSettings, OptionsAreReadAsPeopleWriteThem) {
+  const ConversionSettings settings =
+      Read(kSales + std::string("\r\n encryption SOURCE = Verified \n\nIdle limit=30"));
+  EXPECT_EQ(settings.src->Settings().encryption, ado::Encryption::Verified);
+  EXPECT_EQ(settings.dest->Settings().encryption, ado::Encryption::Offered);
+  EXPECT_EQ(settings.dest->Settings().idle_limit, 30);
+}
+
 TEST(ConversionSettings, RefusesWhatTheFileCouldNotGiveBack) {
   PlainEndpoint src(ServerKind::MsSql);
   PlainEndpoint dest(ServerKind::MySql);
@@ -107,8 +144,18 @@ TEST(ConversionSettings, RefusesWhatTheFileCouldNotGiveBack) {
   EXPECT_THROW(Write(src, dest, {"a:<:b"}, "log"), RunTimeError);
   EXPECT_THROW(Write(src, dest, {"таблица"}, "log"), RunTimeError);
   EXPECT_THROW(Write(src, dest, {"a"}, "log\nfile"), RunTimeError);
+  PlainEndpoint with_authority(ServerKind::MsSql);
+  with_authority.SetSettings({.ca_file = "таблица"});
+  EXPECT_THROW(Write(with_authority, dest, {"a"}, "log"), RunTimeError);
   dest.SetPassword("pässword");  // ä is the code of a scrambled letter
   EXPECT_THROW(Write(src, dest, {"a"}, "log"), RunTimeError);
+  dest.SetPassword("пароль");
+  try {
+    Write(src, dest, {"a"}, "log");
+    ADD_FAILURE();
+  } catch (const RunTimeError& error) {
+    EXPECT_THAT(error.Description(), testing::Not(HasSubstr("пароль")));
+  }
 }
 
 TEST(LastSettings, AreSavedForTheNextStart) {
@@ -130,6 +177,17 @@ TEST(LastSettings, AreSavedForTheNextStart) {
   EXPECT_EQ(loaded[LastSettings::kDirection], "mysql");
   EXPECT_NE(loaded[LastSettings::kSrcPassword], "Geheim 1");
   EXPECT_EQ(loaded.PlainPassword(LastSettings::kSrcPassword), "Geheim 1");
+}
+
+TEST(LastSettings, APasswordThatCannotBeKeptIsLeftOut) {
+  const TempFolder folder;
+  for (const char* password : {"пароль", "pässword"}) {
+    PlainEndpoint src(ServerKind::MySql);
+    src.SetPassword(password);
+    SaveLastSettings(folder.Path(), src, PlainEndpoint(ServerKind::MsSql));
+    const LastSettings loaded = LoadLastSettings(folder.Path(), [](auto) { FAIL(); });
+    EXPECT_EQ(loaded.PlainPassword(LastSettings::kSrcPassword), "") << password;
+  }
 }
 
 TEST(LastSettings, AMissingFileGivesTheDefaultsQuietly) {

@@ -248,6 +248,13 @@ TEST_F(MsSqlTransfer, AnEmptyListOpensAndClosesBothConnections) {
   EXPECT_EQ(host.connection_failures.size(), 1u);
 }
 
+TEST_F(MsSqlTransfer, TellsOnceWhatTravelsOpenly) {
+  source.is_exposed = true;
+  src.SetServer("db1");
+  Transfer({});
+  EXPECT_THAT(host.notes, ElementsAre("The connection to the source server db1 is not encrypted"));
+}
+
 TEST_F(MsSqlTransfer, MergeKeepsATableThatExistsAndOverwriteReportsIt) {
   AddTable("t", {MakeColumn("c", DataType::Integer)});
   source.indexes["t"] = {{"PK", true, true, {"c"}}};

@@ -5,6 +5,12 @@
 
 namespace dorvane::ado::mysql {
 
+unsigned long Capabilities(MYSQL* client) {
+  unsigned long capabilities = 0;
+  mariadb_get_infov(client, MARIADB_CONNECTION_SERVER_CAPABILITIES, &capabilities);
+  return capabilities;
+}
+
 TextRows Query(MYSQL* client, std::string_view sql) {
   if (mysql_real_query(client, sql.data(), sql.size()) != 0) ThrowError(client);
   const Result result(mysql_store_result(client));

@@ -23,6 +23,9 @@ using Result = std::unique_ptr<MYSQL_RES, HandleCloser>;
 /// A result held whole: rows of texts, NULL as nothing. For the small questions to the catalog.
 using TextRows = std::vector<std::vector<std::optional<std::string>>>;
 
+/// What the server that this client last talked to says it can do: CLIENT_SSL and its kin.
+unsigned long Capabilities(MYSQL* client);
+
 /// Sends a statement as text and reads its result whole. Throws ProviderError.
 TextRows Query(MYSQL* client, std::string_view sql);
 

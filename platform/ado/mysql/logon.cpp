@@ -1,12 +1,12 @@
 #include "platform/ado/mysql/logon.h"
 
 #include <mariadb/errmsg.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
 
 #include "platform/ado/mysql/errors.h"
 #include "platform/ado/mysql/session_settings.h"
+#include "platform/ado/mysql/session_state.h"
+#include "platform/ado/mysql/tls_gate.h"
+#include "platform/ado/transport.h"
 
 namespace dorvane::ado::mysql {
 
@@ -16,23 +16,27 @@ constexpr unsigned kConnectTimeout = 15;         // seconds
 constexpr unsigned kUnreachable = 2003;          // what callers know an absent server by
 constexpr unsigned long kFirstQuoting = 100207;  // MariaDB 10.2.7
 
-// The authentication plug-ins that do not hand a bare password to whoever asks, as others do.
-constexpr const char* kPlugIns = "mysql_native_password,client_ed25519,sha256_password";
-// One more, which takes the wish for TLS for TLS and would send the password bare to a server
-// without it: allowed when the server's offer is known and the wish follows it.
-constexpr const char* kPlugInsOfKnownServer =
-    "mysql_native_password,client_ed25519,sha256_password,caching_sha2_password";
+// Of kSafeMethods those that are safe before the server's offer is known.
+constexpr const char* kFirstMethods = "mysql_native_password,client_ed25519,sha256_password";
 
-[[noreturn]] void ThrowLogonError(MYSQL* client) {
+constexpr const char* kNoTls =
+    "The server offers no encrypted connection, and the settings allow no other.";
+
+[[noreturn]] void ThrowLogonError(MYSQL* client, Encryption encryption) {
   unsigned native_error = mysql_errno(client);
   if (native_error == CR_CONNECTION_ERROR || native_error == CR_UNKNOWN_HOST) {
     native_error = kUnreachable;
   }
-  // The library's own words name another method than the one that was refused.
-  const std::string description =
-      native_error == CR_PLUGIN_NOT_ALLOWED
-          ? "The server asks for an authentication method that is not supported."
-          : mysql_error(client);
+  std::string description = mysql_error(client);
+  const bool was_refused =
+      native_error == CR_SSL_CONNECTION_ERROR || native_error == CR_PLUGIN_NOT_ALLOWED;
+  if (was_refused && encryption != Encryption::Offered && !OffersTls(client)) {
+    native_error = CR_SSL_CONNECTION_ERROR;
+    description = kNoTls;
+  } else if (native_error == CR_PLUGIN_NOT_ALLOWED) {
+    // The library's own words name another method than the one that was refused.
+    description = "The server asks for an authentication method that is not supported.";
+  }
   throw ProviderError(hresult::kFail, kSource, description,
                       {{.number = hresult::kFail,
                         .native_error = static_cast<std::int32_t>(native_error),
@@ -42,14 +46,14 @@ constexpr const char* kPlugInsOfKnownServer =
 
 enum class Tls { WhereOffered, Never };
 
-Client NewClient(const ConnectionSettings& settings, Tls tls, const char* plug_ins) {
+Client NewClient(const ConnectionSettings& settings, Tls tls, const char* methods) {
   Client client(mysql_init(nullptr));
   if (client == nullptr) throw std::bad_alloc();
   MYSQL* handle = client.get();
   const my_bool no = 0;
   mysql_options(handle, MYSQL_OPT_CONNECT_TIMEOUT, &kConnectTimeout);
   mysql_options(handle, MYSQL_SET_CHARSET_NAME, "utf8mb4");
-  mysql_options(handle, MARIADB_OPT_RESTRICTED_AUTH, plug_ins);
+  mysql_options(handle, MARIADB_OPT_RESTRICTED_AUTH, methods);
   // A server must not be able to ask for files of this machine.
   const unsigned no_files = 0;
   mysql_options(handle, MYSQL_OPT_LOCAL_INFILE, &no_files);
@@ -73,49 +77,39 @@ bool Connect(MYSQL* client, const ConnectionSettings& settings) {
                             static_cast<unsigned>(settings.port), nullptr, 0) != nullptr;
 }
 
-unsigned long Capabilities(MYSQL* client) {
-  unsigned long capabilities = 0;
-  mariadb_get_infov(client, MARIADB_CONNECTION_SERVER_CAPABILITIES, &capabilities);
-  return capabilities;
-}
-
-Client Connect(const ConnectionSettings& settings) {
+/// With TLS where the server offers it, else without.
+Client ConnectAsOffered(const ConnectionSettings& settings) {
   Client client;
-  const auto succeeds = [&](Tls tls, const char* plug_ins) {
-    client = NewClient(settings, tls, plug_ins);
+  const auto succeeds = [&](Tls tls, const char* methods) {
+    client = NewClient(settings, tls, methods);
     return Connect(client.get(), settings);
   };
   const auto failed_with = [&](unsigned number) { return mysql_errno(client.get()) == number; };
 
-  if (succeeds(Tls::WhereOffered, kPlugIns)) return client;
+  if (succeeds(Tls::WhereOffered, kFirstMethods)) return client;
   if (failed_with(CR_PLUGIN_NOT_ALLOWED)) {
-    const bool offers_tls = (Capabilities(client.get()) & CLIENT_SSL) != 0;
-    const Tls tls = offers_tls ? Tls::WhereOffered : Tls::Never;
-    if (succeeds(tls, kPlugInsOfKnownServer)) return client;
+    const Tls tls = OffersTls(client.get()) ? Tls::WhereOffered : Tls::Never;
+    if (succeeds(tls, kSafeMethods)) return client;
   }
   // Old servers offer versions of TLS that the library no longer speaks.
-  if (failed_with(CR_SSL_CONNECTION_ERROR) && succeeds(Tls::Never, kPlugInsOfKnownServer)) {
-    return client;
-  }
-  ThrowLogonError(client.get());
+  if (failed_with(CR_SSL_CONNECTION_ERROR) && succeeds(Tls::Never, kSafeMethods)) return client;
+  ThrowLogonError(client.get(), settings.encryption);
 }
 
-/// A server that vanished without a word is noticed within minutes, while a statement may take as
-/// long as it needs. Unix sockets refuse these options, rightly.
-void WatchPeer(MYSQL* client) {
-  const auto socket = mysql_get_socket(client);
-  const auto set = [socket](int level, int option, int value) {
-    setsockopt(socket, level, option, &value, sizeof value);
-  };
-  set(SOL_SOCKET, SO_KEEPALIVE, 1);
-#ifdef TCP_KEEPIDLE
-  set(IPPROTO_TCP, TCP_KEEPIDLE, 60);
-  set(IPPROTO_TCP, TCP_KEEPINTVL, 10);
-  set(IPPROTO_TCP, TCP_KEEPCNT, 6);
-#endif
-#ifdef TCP_USER_TIMEOUT
-  set(IPPROTO_TCP, TCP_USER_TIMEOUT, 120'000);
-#endif
+Client ConnectEncrypted(const ConnectionSettings& settings) {
+  Client client = NewClient(settings, Tls::WhereOffered, kSafeMethods);
+  DemandTls(client.get());
+  // TLS is for TCP: the socket file is not encrypted.
+  const unsigned tcp = MYSQL_PROTOCOL_TCP;
+  mysql_options(client.get(), MYSQL_OPT_PROTOCOL, &tcp);
+  if (settings.encryption == Encryption::Verified) {
+    const my_bool yes = 1;
+    mysql_options(client.get(), MYSQL_OPT_SSL_VERIFY_SERVER_CERT, &yes);
+    // The library looks at the host's name only where it was given a file.
+    mysql_options(client.get(), MYSQL_OPT_SSL_CA, AuthoritiesFile(settings).c_str());
+  }
+  if (!Connect(client.get(), settings)) ThrowLogonError(client.get(), settings.encryption);
+  return client;
 }
 
 bool TakesBulk(MYSQL* client) {
@@ -131,14 +125,23 @@ bool QuotesDefaults(MYSQL* client) {
 
 }  // namespace
 
+Client Connect(const ConnectionSettings& settings) {
+  return settings.encryption == Encryption::Offered ? ConnectAsOffered(settings)
+                                                    : ConnectEncrypted(settings);
+}
+
 ServerLink LogOn(const ConnectionSettings& settings) {
   ServerLink link;
   link.client = Connect(settings);
   MYSQL* client = link.client.get();
-  WatchPeer(client);
-  link.max_allowed_packet = SetUpSession(client);
+  link.watchdog = std::make_unique<Watchdog>(mysql_get_socket(client));
+  link.max_allowed_packet = link.watchdog->Watch([&] { return SetUpSession(client); });
+  link.is_exposed = mysql_get_ssl_cipher(client) == nullptr && !IsLoopback(settings.server);
   link.takes_bulk = TakesBulk(client);
   link.quotes_defaults = QuotesDefaults(client);
+  link.watchdog->SetLimit(
+      std::chrono::seconds(settings.idle_limit),
+      [settings, id = mysql_thread_id(client)] { return AskForSession(settings, id); });
   return link;
 }
 

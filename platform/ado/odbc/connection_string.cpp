@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "platform/ado/odbc/diagnostics.h"
+#include "platform/ado/odbc/freetds_configuration.h"
 #include "platform/ado/types.h"
 #include "platform/text/number_text.h"
 
@@ -15,8 +16,6 @@ namespace dorvane::ado::odbc {
 namespace {
 
 using text::Trim;
-
-constexpr int kUsualPort = 1433;
 
 /// The part behind the separator, which is cut off `text` together with it.
 std::string_view CutAt(std::string_view& text, char separator) {
@@ -49,6 +48,17 @@ std::string FreeTdsValue(std::string_view value) {
   return fmt::format("{{{}}}", value);
 }
 
+/// Whose certificate is good enough. The drivers know the system's authorities only.
+std::string MicrosoftTrust(const ConnectionSettings& settings, const std::string& host) {
+  if (settings.encryption != Encryption::Verified) return "TrustServerCertificate=yes;";
+  if (!settings.ca_file.empty()) {
+    throw LibraryError(hresult::kFail,
+                       "Microsoft's driver takes no CA file. Add its authorities to the system's "
+                       "and leave the field empty.");
+  }
+  return fmt::format("TrustServerCertificate=no;HostNameInCertificate={};", MicrosoftValue(host));
+}
+
 std::string MicrosoftString(const Driver& driver, const ConnectionSettings& settings) {
   const ServerAddress address = ParseServer(settings.server, settings.port);
   std::string server = "tcp:" + address.host;
@@ -57,10 +67,10 @@ std::string MicrosoftString(const Driver& driver, const ConnectionSettings& sett
   } else if (!address.instance.empty()) {
     server += "\\" + address.instance;
   }
-  std::string text = fmt::format(
-      "DRIVER={};Server={};Encrypt=yes;TrustServerCertificate=yes;"
-      "Language=us_english;APP=Dorvane;",
-      MicrosoftValue(driver.name), MicrosoftValue(server));
+  std::string text = fmt::format("DRIVER={};Server={};Encrypt=yes;", MicrosoftValue(driver.name),
+                                 MicrosoftValue(server));
+  text += MicrosoftTrust(settings, address.host);
+  text += "Language=us_english;APP=Dorvane;";
   if (settings.integrated_security) {
     text += "Trusted_Connection=yes;";
   } else {
@@ -73,20 +83,24 @@ std::string MicrosoftString(const Driver& driver, const ConnectionSettings& sett
   return text;
 }
 
-std::string FreeTdsString(const Driver& driver, const ConnectionSettings& settings) {
-  const ServerAddress address = ParseServer(settings.server, settings.port);
-  std::string text =
-      fmt::format("DRIVER={{{}}};Server={}", driver.name, FreeTdsValue(address.host));
-  if (address.port != 0 || address.instance.empty()) {
-    text += fmt::format(";Port={}", address.port != 0 ? address.port : kUsualPort);
-  } else {
-    text += "\\" + address.instance;
+std::string FreeTdsServer(const ConnectionSettings& settings) {
+  if (settings.encryption == Encryption::Verified) {
+    return fmt::format("Servername={}", kConfiguredServer);
   }
+  const ServerAddress address = ParseServer(settings.server, settings.port);
+  const std::string text = "Server=" + FreeTdsValue(address.host);
+  if (address.port == 0 && !address.instance.empty()) return text + "\\" + address.instance;
+  return text + fmt::format(";Port={}", address.port != 0 ? address.port : kUsualPort);
+}
+
+std::string FreeTdsString(const Driver& driver, const ConnectionSettings& settings) {
+  std::string text = fmt::format("DRIVER={{{}}};{}", driver.name, FreeTdsServer(settings));
   // Packets as large as a server takes them encrypted: the usual ones of 4,096 bytes cost this
   // driver four times the system calls.
-  text +=
-      ";TDS_Version=7.4;ClientCharset=UTF-8;PacketSize=16383;Encryption=request;"
-      "Language=us_english;APP=Dorvane;";
+  text += fmt::format(
+      ";TDS_Version=7.4;ClientCharset=UTF-8;PacketSize=16383;Encryption={};"
+      "Language=us_english;APP=Dorvane;",
+      settings.encryption == Encryption::Offered ? "request" : "require");
   if (settings.integrated_security) {
     text += "Trusted_Connection=yes;";
   } else {

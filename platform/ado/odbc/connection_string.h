@@ -7,6 +7,8 @@
 
 namespace dorvane::ado::odbc {
 
+inline constexpr int kUsualPort = 1433;
+
 /// The server's name taken apart as SQL Server's own clients read it.
 struct ServerAddress {
   std::string host;      // "localhost" for "." and "(local)"

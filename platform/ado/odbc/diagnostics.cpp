@@ -13,7 +13,7 @@ namespace dorvane::ado::odbc {
 
 namespace {
 
-constexpr std::int32_t kServerNotFound = 17;
+constexpr std::int32_t kNoTls = 18;
 constexpr std::int32_t kLoginFailed = 18456;
 constexpr std::int32_t kUntrustedLogin = 18452;
 constexpr std::int32_t kNoSuchDatabase = 4060;
@@ -33,6 +33,7 @@ constexpr auto kKnownErrors = std::to_array<StateOfError>({
     {515, "23000"},   // NULL in a NOT NULL column
     {544, "42000"},   // a value for an identity column
     {547, "23000"},   // a constraint
+    {1222, "HYT00"},  // waited too long for a lock
     {2601, "23000"},  // a unique index
     {2627, "23000"},  // a key
     {2628, "22001"},  // text too long, with its column
@@ -72,6 +73,9 @@ bool IsMissingDriver(const Diagnostic& record) {
          record.sql_state == "IM004" ||
          (record.sql_state.starts_with("01") && record.message.starts_with("Can't open lib"));
 }
+
+/// What FreeTDS says of every logon that failed before the server had answered it.
+constexpr std::int32_t kConnectionFailed = 20002;
 
 /// FreeTDS's own messages of a way to the server that ended early: a timeout, a failed read or
 /// write, an unavailable server, an unknown host, an unexpected end.
@@ -121,19 +125,31 @@ std::string JoinedMessages(const Diagnostics& records) {
   return text;
 }
 
-Diagnostic LogonCause(const Diagnostics& records, bool integrated_security) {
+/// Drivers do not tell more.
+std::string TlsFailureText(Encryption encryption) {
+  std::string text = "The server offers no encrypted connection, and the settings allow no other";
+  if (encryption == Encryption::Verified) {
+    text += ", or its certificate is not from a known authority or not for this host name";
+  }
+  return text + ".";
+}
+
+Diagnostic LogonCause(const Diagnostics& records, const ConnectionSettings& settings) {
   if (const Diagnostic* record = PrimaryRecord(records)) return *record;
-  if (integrated_security && Find(records, IsNetworkError) == nullptr) {
+  if (settings.integrated_security && Find(records, IsNetworkError) == nullptr) {
     return {
         "28000", kUntrustedLogin,
         "Login failed. There is no Kerberos ticket for a trusted connection to this server, or the "
         "server does not take it."};
   }
+  if (settings.encryption != Encryption::Offered && IsTlsFailure(records)) {
+    return {"08001", kNoTls, TlsFailureText(settings.encryption)};
+  }
   if (Find(records, IsUnreachable) != nullptr) {
     return {"08001", kServerNotFound,
             "SQL Server does not exist or access denied. " + JoinedMessages(records)};
   }
-  return records.empty() ? Diagnostic{"HY000", 0, "The driver gave no reason."} : records.front();
+  return records.front();
 }
 
 Error ToEntry(const Diagnostic& record, std::int32_t number) {
@@ -202,11 +218,21 @@ ProviderError LostConnectionError(const Diagnostics& records) {
   return {hresult::kFail, std::string(kSource), text, {{hresult::kFail, 0, text, "08S01"}}};
 }
 
-ProviderError LogonError(const Diagnostics& records, bool integrated_security) {
+bool IsTlsFailure(const Diagnostics& records) {
+  if (Find(records, IsFromServer) != nullptr || Find(records, IsNetworkError) != nullptr) {
+    return false;
+  }
+  return Find(records, [](const Diagnostic& record) {
+           return record.native_error == kConnectionFailed ||
+                  record.message.starts_with("SSL Provider");
+         }) != nullptr;
+}
+
+ProviderError LogonError(const Diagnostics& records, const ConnectionSettings& settings) {
   if (const Diagnostic* record = Find(records, IsMissingDriver)) {
     return LibraryError(kProviderNotFound, record->message);
   }
-  const Diagnostic cause = LogonCause(records, integrated_security);
+  const Diagnostic cause = LogonCause(records, settings);
   Errors entries = {{hresult::kFail, 0, "The logon to SQL Server failed.", "08001"},
                     ToEntry(cause, hresult::kFail)};
   for (const Diagnostic& record : records) {

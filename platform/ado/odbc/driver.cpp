@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "platform/ado/odbc/diagnostics.h"
+#include "platform/ado/odbc/freetds_configuration.h"
 #include "platform/ado/odbc/utf16.h"
 #include "platform/ado/types.h"
 
@@ -43,6 +44,7 @@ void ForgetUserSettings() {
          {"TDSVER", "TDSHOST", "TDSPORT", "TDSQUERY", "TDSDUMP", "TDSDUMPCONFIG"}) {
       unsetenv(name);
     }
+    FreeTdsConfiguration::Announce();
     // A pooled connection would outlive its logoff.
     SQLSetEnvAttr(SQL_NULL_HENV, SQL_ATTR_CONNECTION_POOLING, AttributeValue(SQL_CP_OFF), 0);
   });

@@ -1,0 +1,139 @@
+#include "job/settings_options.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "platform/run_time_error.h"
+#include "platform/text/ascii.h"
+
+namespace dorvane {
+
+namespace {
+
+using ado::ConnectionSettings;
+using ado::Encryption;
+
+// Library calls count these in milliseconds of an int.
+constexpr int kLongestLimit = 2'147'483;
+
+struct EncryptionName {
+  Encryption value;
+  std::string_view name;
+};
+constexpr std::array kEncryptions{EncryptionName{Encryption::Offered, "offered"},
+                                  EncryptionName{Encryption::Required, "required"},
+                                  EncryptionName{Encryption::Verified, "verified"}};
+
+[[noreturn]] void Refuse(std::int32_t number, const std::string& why) {
+  throw RunTimeError(number, "Dorvane", why);
+}
+
+/// The values of one type of option: how they are read from text and written to it.
+struct EncryptionValue {
+  static Encryption Read(std::string_view text) {
+    const auto found = std::ranges::find_if(kEncryptions, [text](const EncryptionName& each) {
+      return text::EqualsIgnoringCase(each.name, text);
+    });
+    if (found == kEncryptions.end()) {
+      Refuse(run_time::kTypeMismatch, "not offered, required or verified");
+    }
+    return found->value;
+  }
+  static std::string Write(Encryption value) {
+    return std::string(std::ranges::find(kEncryptions, value, &EncryptionName::value)->name);
+  }
+};
+
+struct TextValue {
+  static std::string Read(std::string_view text) { return std::string(text); }
+  static std::string Write(const std::string& value) { return value; }
+};
+
+struct SecondsValue {
+  static int Read(std::string_view text) {
+    if (text.empty() || !std::ranges::all_of(text, text::IsDigit)) {
+      Refuse(run_time::kTypeMismatch, "no whole number of seconds");
+    }
+    int seconds = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    if (parsed.ec != std::errc() || seconds > kLongestLimit) {
+      Refuse(run_time::kOverflow, fmt::format("more than {} seconds", kLongestLimit));
+    }
+    return seconds;
+  }
+  static std::string Write(int value) { return fmt::to_string(value); }
+};
+
+enum Sides : unsigned { kSource = 1, kDestination = 2, kBoth = kSource | kDestination };
+
+/// One option. `write` gives nothing for the default.
+struct Option {
+  std::string_view name;
+  void (*read)(std::string_view text, IDatabase& src, IDatabase& dest);
+  std::string (*write)(const IDatabase& src, const IDatabase& dest);
+};
+
+/// An option that is a connection setting of one side, or of both alike.
+template <typename Value, auto member, Sides sides>
+constexpr Option ConnectionOption(std::string_view name) {
+  return {name,
+          [](std::string_view text, IDatabase& src, IDatabase& dest) {
+            const auto value = Value::Read(text);
+            const auto set = [&value](IDatabase& endpoint) {
+              ConnectionSettings settings = endpoint.Settings();
+              settings.*member = value;
+              endpoint.SetSettings(std::move(settings));
+            };
+            if (sides & kSource) set(src);
+            if (sides & kDestination) set(dest);
+          },
+          [](const IDatabase& src, const IDatabase& dest) {
+            const ConnectionSettings& settings = (sides & kSource ? src : dest).Settings();
+            const bool is_default = settings.*member == ConnectionSettings().*member;
+            return is_default ? std::string() : Value::Write(settings.*member);
+          }};
+}
+
+// In the order in which they are written.
+constexpr std::array kOptions{
+    ConnectionOption<EncryptionValue, &ConnectionSettings::encryption, kSource>(
+        "Encryption source"),
+    ConnectionOption<EncryptionValue, &ConnectionSettings::encryption, kDestination>(
+        "Encryption destination"),
+    ConnectionOption<TextValue, &ConnectionSettings::ca_file, kSource>("CA file source"),
+    ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
+    ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
+};
+
+}  // namespace
+
+void ReadOption(std::string_view line, IDatabase& src, IDatabase& dest) {
+  const auto equals = line.find('=');
+  if (equals == std::string_view::npos) {
+    Refuse(run_time::kInvalidArgument, "A line behind the 19th is an option, name=value");
+  }
+  const std::string_view name = text::Trim(line.substr(0, equals), text::kWhiteSpace);
+  const auto option = std::ranges::find_if(
+      kOptions, [name](const Option& each) { return text::EqualsIgnoringCase(each.name, name); });
+  if (option == kOptions.end()) Refuse(run_time::kInvalidArgument, "There is no such option");
+  try {
+    option->read(text::Trim(line.substr(equals + 1), text::kWhiteSpace), src, dest);
+  } catch (const RunTimeError& error) {
+    Refuse(error.Number(), fmt::format("{}: {}", option->name, error.Description()));
+  }
+}
+
+std::vector<std::string> OptionLines(const IDatabase& src, const IDatabase& dest) {
+  std::vector<std::string> lines;
+  for (const Option& option : kOptions) {
+    const std::string value = option.write(src, dest);
+    if (!value.empty()) lines.push_back(fmt::format("{}={}", option.name, value));
+  }
+  return lines;
+}
+
+}  // namespace dorvane
