@@ -42,6 +42,16 @@ void Connection::Open(ConnectionSettings settings) {
   });
 }
 
+void Connection::Reopen() {
+  Close();
+  Open(ConnectionSettings(settings_));
+}
+
+bool Connection::IsAlive() {
+  return State() == ObjectState::Open &&
+         std::ranges::all_of(sessions_, [](const auto& session) { return session->IsAlive(); });
+}
+
 void Connection::Close() {
   errors_.clear();
   for (Dependent* dependent : dependents_) dependent->Detach();

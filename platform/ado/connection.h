@@ -31,6 +31,10 @@ class Connection {
 
   /// Logs on. Throws RunTimeError, kObjectOpen among its numbers.
   void Open(ConnectionSettings settings);
+  /// Logs on as Open did, after everything was closed. Throws RunTimeError, and is closed then.
+  void Reopen();
+  /// True when the server answers on every session. Not while rows are streaming.
+  bool IsAlive();
   /// Closes the recordsets that are open and logs off; closing twice is harmless.
   void Close();
   ObjectState State() const;

@@ -10,8 +10,14 @@ namespace {
 class BulkLoad final : public BulkTarget {
  public:
   BulkLoad(Session& session, DatabaseLink& link, const TableDef& table,
-           const std::vector<std::string>& names, std::vector<ColumnInfo> columns)
-      : session_(session), link_(link), columns_(std::move(columns)), table_(table) {
+           const std::vector<std::string>& names, std::vector<ColumnInfo> columns,
+           const InsertBulkStatement& statement)
+      : session_(session),
+        link_(link),
+        columns_(std::move(columns)),
+        table_(table),
+        keeps_nulls_(statement.keeps_nulls),
+        checks_constraints_(statement.checks_constraints) {
     const bool keeps_identity = [&] {
       const ColumnDef* identity = table_.IdentityColumn();
       for (const std::string& name : names) {
@@ -37,9 +43,7 @@ class BulkLoad final : public BulkTarget {
   bool Row(std::span<const Value> values, ResultSink& sink) override {
     if (failed_) return false;
     for (std::size_t i = 0; i < cells_.size(); ++i) {
-      // A NULL for a column with a default takes the default, as the server does without
-      // KEEP_NULLS.
-      const bool takes_default = values[i].index() == 0 && HasDefault(i);
+      const bool takes_default = !keeps_nulls_ && values[i].index() == 0 && HasDefault(i);
       cells_[i] = takes_default ? nullptr : &values[i];
     }
     return Guarded(sink, [&] {
@@ -51,7 +55,7 @@ class BulkLoad final : public BulkTarget {
   std::int64_t Finish(ResultSink& sink) override {
     if (failed_) return 0;
     Guarded(sink, [&] {
-      writer_->Finish();
+      writer_->Finish(checks_constraints_);
       scope_->Keep();
       finished_ = true;
       session_.CommitImplicit();
@@ -90,6 +94,8 @@ class BulkLoad final : public BulkTarget {
   DatabaseLink& link_;
   std::vector<ColumnInfo> columns_;
   const TableDef table_;
+  const bool keeps_nulls_;  // else they become the columns' defaults
+  const bool checks_constraints_;
   std::optional<StatementScope> scope_;
   std::optional<RowWriter> writer_;
   std::vector<TypeInfo> types_;
@@ -107,7 +113,7 @@ std::unique_ptr<BulkTarget> Session::BeginBulk(std::string_view statement, Resul
   std::unique_ptr<BulkTarget> target;
   try {
     Parser parser(statement);
-    const CreateTableStatement bulk = parser.ParseInsertBulk();
+    const InsertBulkStatement bulk = parser.ParseInsertBulk();
     CommitImplicit();
     DatabaseLink& link = LinkTo(bulk.table.database);
     link.BeginWrite();
@@ -128,7 +134,7 @@ std::unique_ptr<BulkTarget> Session::BeginBulk(std::string_view statement, Resul
         columns.push_back({column.name, column.type, column.nullable, column.identity});
       }
     }
-    target = std::make_unique<BulkLoad>(*this, link, table, names, std::move(columns));
+    target = std::make_unique<BulkLoad>(*this, link, table, names, std::move(columns), bulk);
   } catch (const SqlError& error) {
     EndImplicit();
     Report(error, 1, false);

@@ -81,6 +81,8 @@ class EngineSession {
   virtual std::unique_ptr<BulkTarget> BeginBulk(std::string_view insert_bulk_statement,
                                                 ResultSink& sink) = 0;
   std::atomic<bool> cancel{false};
+  /// Kept by the one who sends: true while an answer is on its way to the client.
+  std::atomic<bool> is_sending{false};
 };
 
 /// All databases of one server, kept in a folder: one SQLite file each. Thread-safe.

@@ -313,9 +313,9 @@ void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
   throw DuplicateKey(table_, *index, keys);
 }
 
-void RowWriter::Finish() {
+void RowWriter::Finish(bool checks_constraints) {
   if (last_identity_) session_.SetScopeIdentity(*last_identity_);
-  if (plan_->verifies && last_row_ >= 0)
+  if (checks_constraints && plan_->verifies && last_row_ >= 0)
     VerifyRows(session_, link_, table_, first_row_, last_row_, "INSERT");
 }
 

@@ -70,7 +70,7 @@ class RowWriter {
   void WriteDefaults();
   std::int64_t WriteQuery(const BoundQuery& query, const Binder& binder);
   /// Checks what looks at other rows, and notes the identity for scope_identity().
-  void Finish();
+  void Finish(bool checks_constraints = true);
 
  private:
   std::shared_ptr<InsertPlan> MakePlan(const std::vector<std::string>& columns, Identity identity);

@@ -18,12 +18,13 @@ class EngineImpl final : public Engine {
   EngineImpl(const std::filesystem::path& folder, bool durable) : folder_(folder, durable) {}
 
   std::unique_ptr<EngineSession> OpenSession(std::string_view login) override {
-    return std::make_unique<Session>(folder_, std::string(login), ++last_spid_);
+    return std::make_unique<Session>(folder_, requests_, std::string(login), ++last_spid_);
   }
   bool HasDatabase(std::string_view name) const override { return folder_.Find(name) != nullptr; }
 
  private:
   ServerFolder folder_;
+  Requests requests_;
   std::atomic<int> last_spid_{50};
 };
 
@@ -44,8 +45,8 @@ std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder, bool dur
   }
 }
 
-Session::Session(ServerFolder& folder, std::string login, int spid)
-    : folder_(folder), login_(std::move(login)), spid_(spid) {
+Session::Session(ServerFolder& folder, Requests& requests, std::string login, int spid)
+    : folder_(folder), requests_(requests), login_(std::move(login)), spid_(spid) {
   UseDatabase("master");
 }
 
@@ -114,6 +115,7 @@ void Session::SendRows(const std::vector<ColumnInfo>& columns,
 }
 
 void Session::Execute(std::string_view batch, ResultSink& sink) {
+  const Requests::Guard at_work(requests_, spid_, is_sending);
   RunText(batch, {}, sink, {});
 }
 
@@ -123,6 +125,7 @@ void Session::ExecuteWithParameters(std::string_view batch, std::span<Parameter>
   for (const Parameter& parameter : parameters) {
     variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
   }
+  const Requests::Guard at_work(requests_, spid_, is_sending);
   RunText(batch, std::move(variables), sink, parameters);
 }
 

@@ -11,6 +11,7 @@
 #include "sandbox/sql/database_link.h"
 #include "sandbox/sql/engine.h"
 #include "sandbox/sql/errors.h"
+#include "sandbox/sql/requests.h"
 
 namespace sandbox {
 
@@ -33,7 +34,8 @@ using Variables = std::map<std::string, Variable, std::less<>>;
 /// One client's session: runs batches statement by statement.
 class Session final : public EngineSession, public BindContext {
  public:
-  Session(ServerFolder& folder, std::string login, int spid);
+  /// `requests` are the server's.
+  Session(ServerFolder& folder, Requests& requests, std::string login, int spid);
   ~Session() override;
 
   const std::string& Database() const override { return link_->Name(); }
@@ -57,6 +59,7 @@ class Session final : public EngineSession, public BindContext {
   /// The link to the named database (empty: the current one). Raises 911.
   DatabaseLink& LinkTo(std::string_view database);
   ServerFolder& Folder() { return folder_; }
+  Requests& ServerRequests() { return requests_; }
   ResultSink& Sink() { return *sink_; }
   const std::string& Login() const { return login_; }
   const SessionOptions& Options() const { return options_; }
@@ -132,6 +135,7 @@ class Session final : public EngineSession, public BindContext {
   int CallProcedure(const ObjectName& name, std::span<Parameter> arguments);
 
   ServerFolder& folder_;
+  Requests& requests_;
   const std::string login_;
   const int spid_;
   std::map<int, std::unique_ptr<DatabaseLink>> links_;  // by database id

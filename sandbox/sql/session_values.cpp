@@ -178,6 +178,7 @@ std::optional<Result> Session::SessionValue(std::string_view name,
       Entry{"original_login", [](Session& s, Args) { return Text(s.login_); }},
       Entry{"host_name", [](Session&, Args) { return Text("localhost"); }},
       Entry{"app_name", [](Session&, Args) { return Text(""); }},
+      Entry{"has_perms_by_name", [](Session&, Args) { return Integer(1); }},
       Entry{"is_srvrolemember", [](Session&, Args) { return Integer(1); }},
       Entry{"is_member", [](Session&, Args) { return Integer(1); }},
       Entry{"has_dbaccess", [](Session&, Args) { return Integer(1); }},
@@ -197,6 +198,12 @@ std::optional<Result> Session::SessionValue(std::string_view name,
             }},
       Entry{"columnproperty", [](Session& s, Args args) { return ColumnPropertyOf(s, args); }},
       Entry{"objectproperty", [](Session& s, Args args) { return ObjectPropertyOf(s, args); }},
+      Entry{"collationproperty",
+            [](Session&, Args args) {
+              return SameName(TextArgument(args, 1), "codepage") && !TextArgument(args, 0).empty()
+                         ? Integer(1252)
+                         : Null(IntType());
+            }},
       Entry{"databasepropertyex",
             [](Session&, Args args) {
               return SameName(TextArgument(args, 1), "collation")

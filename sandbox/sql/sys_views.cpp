@@ -222,6 +222,13 @@ void CheckConstraints(Session&, DatabaseLink& link, Rows& rows) {
   }
 }
 
+void RunningRequests(Session& session, DatabaseLink&, Rows& rows) {
+  session.ServerRequests().ForEach([&](int spid, bool is_sending) {
+    rows.push_back({Int(spid), Word(is_sending ? "suspended" : "running"),
+                    is_sending ? Word("ASYNC_NETWORK_IO") : Value()});
+  });
+}
+
 // There are no triggers here.
 void NoTriggers(Session& /*session*/, DatabaseLink& /*link*/, SystemView::Rows& /*rows*/) {}
 
@@ -388,6 +395,10 @@ std::vector<SystemView> SysViews() {
         {"is_disabled", kBit},
         {"is_instead_of_trigger", kBit}},
        NoTriggers},
+      {"sys",
+       "dm_exec_requests",
+       {{"session_id", kSmall}, {"status", kName}, {"wait_type", kName}},
+       RunningRequests},
   };
 }
 

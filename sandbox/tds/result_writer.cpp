@@ -31,7 +31,9 @@ ResultWriter::ResultWriter(ClientSession& client, Request request)
       cancel_(client.engine->cancel) {}
 
 void ResultWriter::Flush() {
+  client_.engine->is_sending = true;
   client_.stream.FlushFullPackets();
+  client_.engine->is_sending = false;
   if (client_.stream.Broken()) cancel_ = true;
 }
 

@@ -105,6 +105,7 @@ class ScriptedSession final : public Session {
                                             failing_row);
   }
   bool IsStreaming() const override { return streaming_; }
+  bool IsAlive() override { return true; }
   bool IsExposed() const override { return false; }
   std::unique_ptr<TableWriter> OpenWriter(std::string_view,
                                           const std::vector<std::string>&) override {

@@ -120,10 +120,16 @@ class Differential {
     src.plan.strategy = CopyStrategy::RowByRow;
     const Outcome rows = Convert(src, dest, each);
     ExpectWhatTheCaseSays(each, rows);
-    for (const ado::BlockLimits& limits : {kShortBlock, kTravellingBlock}) {
+    const CopyPlan plans[] = {{CopyStrategy::Statements, kShortBlock},
+                              {CopyStrategy::Statements, kTravellingBlock},
+                              {CopyStrategy::Blocks, kShortBlock},
+                              {CopyStrategy::Blocks, kTravellingBlock}};
+    for (const CopyPlan& plan : plans) {
+      SCOPED_TRACE(fmt::format("strategy {}, {} rows", static_cast<int>(plan.strategy),
+                               plan.limits.rows));
       // One name for all, since the servers' messages hold it.
       Recreate(dest, name);
-      src.plan = {CopyStrategy::Blocks, limits};
+      src.plan = plan;
       const Outcome blocks = Convert(src, dest, each);
       EXPECT_EQ(blocks.events, rows.events);
       EXPECT_EQ(blocks.unclassified, rows.unclassified);
@@ -220,7 +226,7 @@ TEST(BlocksToMsSql, RefusedRowsOfAMerge) {
        {"create table p(k int primary key)", "insert into p values (1), (700), (1001)",
         "create table t(k int references p(k), v varchar(60))"},
        {3},
-       {"1097 rows were not copied; the first: 547"}},
+       {"1097 of 1100 rows were not copied; the first: 547"}},
       {"NULLs, with a default and without",
        Numbered(1100, "if(seq % 400 = 0, null, 'text')"),
        {"create table t(k int, v varchar(60) not null default 'd')"},
@@ -238,7 +244,7 @@ TEST(BlocksToMsSql, RefusedRowsOfAMerge) {
        {"create table t(k int primary key, p int references t(k))",
         "insert into t values (1101, null)"},
        {1101 - 900},
-       {"900 rows were not copied; the first: 547"}},
+       {"900 of 1100 rows were not copied; the first: 547"}},
       {"no identity where the source has one",
        {"create table t(k int auto_increment primary key)",
         "insert into t select seq from " + Sequence(1, 20) + " s"},

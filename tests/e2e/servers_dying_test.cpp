@@ -64,11 +64,17 @@ class DyingServers : public testing::Test {
 TEST_F(DyingServers, ALostDestinationIsReported) {
   my_sql_.Kill();
   ExpectOrderlyEnd();
+  EXPECT_THAT(run_->Log(), HasSubstr("Note - The connection to the destination was lost. It is "
+                                     "opened again in 15 s (try 3 of 3)\n"));
+  EXPECT_THAT(run_->Log(), HasSubstr("The connection to the destination was lost\n"));
+  EXPECT_THAT(run_->Log(), Not(HasSubstr("Done!")));
 }
 
-TEST_F(DyingServers, ALostSourceIsReported) {
-  ms_sql_.Kill();
+TEST_F(DyingServers, ALostSourceThatComesBackCostsOneTable) {
+  ms_sql_.Restart();
   ExpectOrderlyEnd();
+  EXPECT_THAT(run_->Log(), HasSubstr("Note - The connection to the source is open again\n"
+                                     "Done!\n"));
 }
 
 struct Unreachable {

@@ -80,6 +80,7 @@ class ScriptedSession : public ado::Session {
         broken != server_.broken_results_.end() ? std::optional(broken->second) : std::nullopt);
   }
   bool IsStreaming() const override { return false; }
+  bool IsAlive() override { return !server_.lost; }
   bool IsExposed() const override { return server_.is_exposed; }
   std::unique_ptr<ado::TableWriter> OpenWriter(std::string_view table,
                                                const std::vector<std::string>& columns) override {
@@ -136,6 +137,11 @@ ado::ProviderError Failure(std::int32_t number, std::int32_t native_error,
 std::unique_ptr<ado::Session> ScriptedServer::Connect(const ado::ConnectionSettings& settings) {
   last_settings = settings;
   if (connect_failure) throw *connect_failure;
+  if (refused_logons > 0) {
+    --refused_logons;
+    throw Failure(ado::hresult::kFail, 2003, "nobody there");
+  }
+  lost = false;
   return std::make_unique<ScriptedSession>(*this);
 }
 

@@ -48,6 +48,8 @@ class ScriptedServer : public ado::Provider {
   /// is for ever.
   void Fail(const std::string& part, ado::ProviderError error, int times = -1);
   std::optional<ado::ProviderError> connect_failure;
+  bool lost = false;       // sessions do not answer any more, until one is opened
+  int refused_logons = 0;  // that many from now on
   /// The reading of the result of this statement fails behind its rows.
   void BreakResult(const std::string& sql, ado::ProviderError error);
 

@@ -1,12 +1,10 @@
 #include "platform/ado/mysql/logon.h"
 
 #include <mariadb/errmsg.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
 
 #include "platform/ado/mysql/errors.h"
 #include "platform/ado/mysql/session_settings.h"
+#include "platform/ado/mysql/session_state.h"
 #include "platform/ado/mysql/tls_gate.h"
 #include "platform/ado/transport.h"
 
@@ -114,24 +112,6 @@ Client ConnectEncrypted(const ConnectionSettings& settings) {
   return client;
 }
 
-/// A server that vanished without a word is noticed within minutes, while a statement may take as
-/// long as it needs. Unix sockets refuse these options, rightly.
-void WatchPeer(MYSQL* client) {
-  const auto socket = mysql_get_socket(client);
-  const auto set = [socket](int level, int option, int value) {
-    setsockopt(socket, level, option, &value, sizeof value);
-  };
-  set(SOL_SOCKET, SO_KEEPALIVE, 1);
-#ifdef TCP_KEEPIDLE
-  set(IPPROTO_TCP, TCP_KEEPIDLE, 60);
-  set(IPPROTO_TCP, TCP_KEEPINTVL, 10);
-  set(IPPROTO_TCP, TCP_KEEPCNT, 6);
-#endif
-#ifdef TCP_USER_TIMEOUT
-  set(IPPROTO_TCP, TCP_USER_TIMEOUT, 120'000);
-#endif
-}
-
 bool TakesBulk(MYSQL* client) {
   unsigned long extended = 0;
   mariadb_get_infov(client, MARIADB_CONNECTION_EXTENDED_SERVER_CAPABILITIES, &extended);
@@ -145,16 +125,23 @@ bool QuotesDefaults(MYSQL* client) {
 
 }  // namespace
 
+Client Connect(const ConnectionSettings& settings) {
+  return settings.encryption == Encryption::Offered ? ConnectAsOffered(settings)
+                                                    : ConnectEncrypted(settings);
+}
+
 ServerLink LogOn(const ConnectionSettings& settings) {
   ServerLink link;
-  link.client = settings.encryption == Encryption::Offered ? ConnectAsOffered(settings)
-                                                           : ConnectEncrypted(settings);
+  link.client = Connect(settings);
   MYSQL* client = link.client.get();
-  WatchPeer(client);
-  link.max_allowed_packet = SetUpSession(client);
+  link.watchdog = std::make_unique<Watchdog>(mysql_get_socket(client));
+  link.max_allowed_packet = link.watchdog->Watch([&] { return SetUpSession(client); });
   link.is_exposed = mysql_get_ssl_cipher(client) == nullptr && !IsLoopback(settings.server);
   link.takes_bulk = TakesBulk(client);
   link.quotes_defaults = QuotesDefaults(client);
+  link.watchdog->SetLimit(
+      std::chrono::seconds(settings.idle_limit),
+      [settings, id = mysql_thread_id(client)] { return AskForSession(settings, id); });
   return link;
 }
 

@@ -35,11 +35,20 @@ class StatementReader final : public ResultReader {
 
   bool Read(RowBlock& block) override {
     block.Clear(infos_.size());
-    while (has_rows_ && (block.Rows() == 0 || !block.IsFull())) FetchRow(block);
+    if (!has_rows_) return false;
+    session_.Watch([&] {
+      while (has_rows_ && (block.Rows() == 0 || !block.IsFull())) FetchRow(block);
+    });
     return block.Rows() > 0;
   }
 
   bool NextResult() override {
+    infos_.clear();
+    return streaming_ && session_.Watch([&] { return SeekResult(); });
+  }
+
+ private:
+  bool SeekResult() {
     for (;;) {
       infos_.clear();
       has_rows_ = false;
@@ -54,7 +63,6 @@ class StatementReader final : public ResultReader {
     }
   }
 
- private:
   [[noreturn]] void Fail() {
     has_rows_ = false;
     SetStreaming(false);

@@ -56,16 +56,24 @@ void ClientSession::Abandon() {
 }
 
 std::unique_ptr<ResultReader> ClientSession::Execute(std::string_view sql) {
-  return OpenReader(*this, sql);
+  return Watch([&] { return OpenReader(*this, sql); });
+}
+
+bool ClientSession::IsAlive() {
+  try {
+    return Watch([&] { return mysql_ping(link_.client.get()) == 0; });
+  } catch (const ProviderError&) {
+    return false;
+  }
 }
 
 std::unique_ptr<TableWriter> ClientSession::OpenWriter(std::string_view table,
                                                        const std::vector<std::string>& columns) {
-  return std::make_unique<RowWriter>(*this, table, columns);
+  return Watch([&] { return std::make_unique<RowWriter>(*this, table, columns); });
 }
 
 void ClientSession::Run(std::string_view sql) {
-  Query(Link().client.get(), sql);
+  Watch([&] { Query(link_.client.get(), sql); });
 }
 
 void ClientSession::BeginTransaction() {
@@ -90,23 +98,19 @@ void ClientSession::Rollback() {
 }
 
 std::vector<TableInfo> ClientSession::Tables() {
-  const ServerLink& link = Link();
-  return ReadTables(link, SelectedDatabase(link));
+  return Watch([&] { return ReadTables(link_, SelectedDatabase(link_)); });
 }
 
 std::vector<Column> ClientSession::Columns(const std::string& table) {
-  const ServerLink& link = Link();
-  return ReadColumns(link, SelectedDatabase(link), table);
+  return Watch([&] { return ReadColumns(link_, SelectedDatabase(link_), table); });
 }
 
 std::vector<Index> ClientSession::Indexes(const std::string& table) {
-  const ServerLink& link = Link();
-  return ReadIndexes(link, SelectedDatabase(link), table);
+  return Watch([&] { return ReadIndexes(link_, SelectedDatabase(link_), table); });
 }
 
 std::vector<Key> ClientSession::Keys(const std::string& table) {
-  const ServerLink& link = Link();
-  return ReadKeys(link, SelectedDatabase(link), table);
+  return Watch([&] { return ReadKeys(link_, SelectedDatabase(link_), table); });
 }
 
 std::unique_ptr<Session> ClientProvider::Connect(const ConnectionSettings& settings) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/ado/mysql/logon.h"
@@ -21,6 +22,7 @@ class ClientSession final : public Session {
 
   std::unique_ptr<ResultReader> Execute(std::string_view sql) override;
   bool IsStreaming() const override { return streaming_; }
+  bool IsAlive() override;
   bool IsExposed() const override { return link_.is_exposed; }
   std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
                                           const std::vector<std::string>& columns) override;
@@ -36,6 +38,11 @@ class ClientSession final : public Session {
   /// result can only be read or given up with its connection. Throws ProviderError; inside a
   /// transaction that was lost so, always.
   const ServerLink& Link();
+  /// Runs a call on the client that waits for the server, see Watchdog.
+  template <typename Operation>
+  auto Watch(Operation operation) {
+    return Link().watchdog->Watch(std::move(operation));
+  }
   /// Whether rows are to be sent by the bulk protocol.
   bool UsesBulk();
 

@@ -81,7 +81,10 @@ void RowWriter::Insert(const RowBlock& rows, std::size_t first, std::size_t coun
       throw MakeError(ER_NET_PACKET_TOO_LARGE, "08S01",
                       "Got a packet bigger than 'max_allowed_packet' bytes");
     }
-    sent = session_.UsesBulk() ? InsertBulk(rows, first, sent) : InsertMultiRow(rows, first, sent);
+    sent = session_.Watch([&] {
+      return session_.UsesBulk() ? InsertBulk(rows, first, sent)
+                                 : InsertMultiRow(rows, first, sent);
+    });
     first += sent;
     count -= sent;
   }

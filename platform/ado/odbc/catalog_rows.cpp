@@ -65,9 +65,11 @@ std::optional<int> CatalogRow::OptionalNumber(const std::string& name) const {
 }
 
 std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const CatalogCall& call) {
-  Statement statement = logon->NewStatement();
-  const SQLRETURN executed = call(statement.Get());
-  OdbcResultReader reader(logon, std::move(statement), executed);
+  OdbcResultReader reader = logon->Watch([&] {
+    Statement statement = logon->NewStatement();
+    const SQLRETURN executed = call(statement.Get());
+    return OdbcResultReader(logon, std::move(statement), executed);
+  });
   std::vector<std::string> names;
   for (const FieldInfo& field : reader.Fields()) names.push_back(Odbc3Name(field.name));
   std::vector<CatalogRow> rows;

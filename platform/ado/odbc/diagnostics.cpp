@@ -13,7 +13,6 @@ namespace dorvane::ado::odbc {
 
 namespace {
 
-constexpr std::int32_t kServerNotFound = 17;
 constexpr std::int32_t kNoTls = 18;
 constexpr std::int32_t kLoginFailed = 18456;
 constexpr std::int32_t kUntrustedLogin = 18452;
@@ -34,6 +33,7 @@ constexpr auto kKnownErrors = std::to_array<StateOfError>({
     {515, "23000"},   // NULL in a NOT NULL column
     {544, "42000"},   // a value for an identity column
     {547, "23000"},   // a constraint
+    {1222, "HYT00"},  // waited too long for a lock
     {2601, "23000"},  // a unique index
     {2627, "23000"},  // a key
     {2628, "22001"},  // text too long, with its column

@@ -15,6 +15,9 @@ namespace dorvane::ado::odbc {
 
 inline constexpr std::string_view kSource = "SQL Server";
 
+/// The native error of a logon to a server that cannot be reached.
+inline constexpr std::int32_t kServerNotFound = 17;
+
 /// One diagnostic record of a handle, its message without the names of driver and library in front.
 struct Diagnostic {
   std::string sql_state;

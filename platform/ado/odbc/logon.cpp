@@ -4,12 +4,14 @@
 #include <sqlext.h>
 
 #include <cstring>
+#include <mutex>
 #include <optional>
 #include <string>
 
 #include "platform/ado/odbc/connection_string.h"
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/freetds_configuration.h"
+#include "platform/ado/odbc/socket_search.h"
 #include "platform/ado/odbc/utf16.h"
 #include "platform/ado/transport.h"
 #include "platform/ado/types.h"
@@ -17,6 +19,9 @@
 namespace dorvane::ado::odbc {
 
 namespace {
+
+// The drivers' own attribute for connections that rows are loaded through.
+constexpr SQLINTEGER kTakesBulkLoads = 1219;
 
 /// Whether an encrypted connection is only a wish. FreeTDS does not tell what became of it, so it
 /// is asked for encryption first, and for none where that fails. On the way to this machine nobody
@@ -43,6 +48,8 @@ Logon::Logon(const ConnectionSettings& settings, std::chrono::seconds timeout) {
 
 Diagnostics Logon::Connect(const Driver& driver, const ConnectionSettings& settings,
                            std::chrono::seconds timeout) {
+  static std::mutex one_at_a_time;
+  const std::lock_guard lock(one_at_a_time);
   std::optional<FreeTdsConfiguration> configuration;
   if (settings.encryption == Encryption::Verified && driver.kind == DriverKind::FreeTds) {
     configuration.emplace(ParseServer(settings.server, settings.port), AuthoritiesFile(settings));
@@ -53,13 +60,18 @@ Diagnostics Logon::Connect(const Driver& driver, const ConnectionSettings& setti
   if (!connection_) throw LibraryError(hresult::kFail, "No connection could be set up.");
   SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
                      AttributeValue(static_cast<SQLULEN>(timeout.count())), 0);
+  SQLSetConnectAttrW(connection_.Get(), kTakesBulkLoads, AttributeValue(1), SQL_IS_INTEGER);
+  const SocketSearch search;
   const SQLRETURN result = SQLDriverConnectW(
       connection_.Get(), nullptr, reinterpret_cast<SQLWCHAR*>(text.data()),
       static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
   // They hold the password, which has done its work.
   explicit_bzero(utf8.data(), utf8.size());
   explicit_bzero(text.data(), text.size() * sizeof(char16_t));
-  if (SQL_SUCCEEDED(result)) return {};
+  if (SQL_SUCCEEDED(result)) {
+    watchdog_.emplace(search.NewSocket(ParseServer(settings.server, settings.port).port));
+    return {};
+  }
   Diagnostics failure = ReadDiagnostics(SQL_HANDLE_DBC, connection_.Get());
   if (failure.empty()) failure.push_back({"HY000", 0, "The driver gave no reason."});
   return failure;

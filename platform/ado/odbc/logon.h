@@ -1,11 +1,15 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
+#include <optional>
+#include <utility>
 
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/driver.h"
 #include "platform/ado/odbc/handle.h"
 #include "platform/ado/provider.h"
+#include "platform/ado/watchdog.h"
 
 namespace dorvane::ado::odbc {
 
@@ -23,7 +27,18 @@ class Logon {
 
   /// A statement whose text is passed to the server as it stands. Throws ProviderError.
   Statement NewStatement() const;
+  /// For what a driver has beside statements.
+  SQLHANDLE Connection() const { return connection_.Get(); }
 
+  /// Runs a call of the driver that waits for the server, see Watchdog.
+  template <typename Operation>
+  auto Watch(Operation operation) {
+    return watchdog_->Watch(std::move(operation));
+  }
+  /// From now on the server may be silent for so long.
+  void SetLimit(std::chrono::seconds limit, Watchdog::Question ask) {
+    watchdog_->SetLimit(limit, std::move(ask));
+  }
   /// See Session.
   bool IsExposed() const { return is_exposed_; }
 
@@ -41,6 +56,7 @@ class Logon {
 
   Environment environment_;
   ConnectionHandle connection_;
+  std::optional<Watchdog> watchdog_;
   bool is_exposed_ = false;
   bool is_streaming_ = false;
 };

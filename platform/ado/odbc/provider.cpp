@@ -7,10 +7,12 @@
 #include <string>
 #include <utility>
 
+#include "platform/ado/odbc/bulk_writer.h"
 #include "platform/ado/odbc/catalog_reader.h"
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/logon.h"
 #include "platform/ado/odbc/result_reader.h"
+#include "platform/ado/odbc/session_state.h"
 #include "platform/ado/odbc/utf16.h"
 
 namespace dorvane::ado {
@@ -22,26 +24,36 @@ namespace {
 class OdbcSession : public Session {
  public:
   explicit OdbcSession(const ConnectionSettings& settings)
-      : logon_(std::make_shared<Logon>(settings)) {}
+      : logon_(std::make_shared<Logon>(settings)) {
+    SetUpSession(logon_, settings);
+  }
 
   std::unique_ptr<ResultReader> Execute(std::string_view sql) override {
     std::u16string text = ToUtf16(sql);
-    Statement statement = logon_->NewStatement();
-    const SQLRETURN executed =
-        SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
-                       static_cast<SQLINTEGER>(text.size()));
-    return std::make_unique<OdbcResultReader>(logon_, std::move(statement), executed);
+    return logon_->Watch([&] {
+      Statement statement = logon_->NewStatement();
+      const SQLRETURN executed =
+          SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
+                         static_cast<SQLINTEGER>(text.size()));
+      return std::make_unique<OdbcResultReader>(logon_, std::move(statement), executed);
+    });
   }
 
   bool IsStreaming() const override { return logon_->IsStreaming(); }
   bool IsExposed() const override { return logon_->IsExposed(); }
 
+  bool IsAlive() override {
+    try {
+      Execute("select 1");
+      return true;
+    } catch (const ProviderError&) {
+      return false;
+    }
+  }
+
   std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
                                           const std::vector<std::string>& columns) override {
-    (void)columns;
-    throw LibraryError(hresult::kFail, "Rows for " + std::string(table) +
-                                           " go to SQL Server as INSERT statements; there is no "
-                                           "table writer.");
+    return std::make_unique<BulkWriter>(logon_, table, columns);
   }
 
   // As statements, so that the server's own rollback of a failed batch does not leave the driver

@@ -36,14 +36,14 @@ OdbcResultReader::OdbcResultReader(std::shared_ptr<Logon> logon, Statement state
 }
 
 OdbcResultReader::~OdbcResultReader() {
-  Finish();
+  logon_->Watch([&] { Finish(); });
 }
 
 bool OdbcResultReader::Read(RowBlock& block) {
   block.Clear(fields_.size());
   ThrowPendingFailure();
   try {
-    ReadRows(block);
+    logon_->Watch([&] { ReadRows(block); });
   } catch (const ProviderError& error) {
     Finish();
     if (block.Rows() == 0) throw;
@@ -55,10 +55,12 @@ bool OdbcResultReader::Read(RowBlock& block) {
 bool OdbcResultReader::NextResult() {
   ThrowPendingFailure();
   try {
-    if (state_ == State::InResult) LeaveResult();
-    if (state_ != State::BeforeNextResult) return false;
-    OpenResult();
-    return true;
+    return logon_->Watch([&] {
+      if (state_ == State::InResult) LeaveResult();
+      if (state_ != State::BeforeNextResult) return false;
+      OpenResult();
+      return true;
+    });
   } catch (const ProviderError&) {
     Finish();
     throw;
