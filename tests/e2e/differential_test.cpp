@@ -63,8 +63,7 @@ Endpoint Connected(IRunHost& host, const std::string& database) {
   constexpr bool kIsMySql = std::is_base_of_v<MySqlDatabase, Endpoint>;
   Endpoint endpoint(host);
   endpoint.SetServer("127.0.0.1");
-  endpoint.SetPortNo(
-      static_cast<std::int16_t>(kIsMySql ? Rig::Get().MySql().Port() : Rig::Get().MsSql().Port()));
+  endpoint.SetPortNo(kIsMySql ? Rig::Get().MySql().Port() : Rig::Get().MsSql().Port());
   endpoint.SetUserId(kIsMySql ? "root" : "sa");
   endpoint.SetPassword(kIsMySql ? Rig::Get().MySql().Password() : Rig::Get().MsSql().Password());
   endpoint.SetDbName(database);
