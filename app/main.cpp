@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <sys/prctl.h>
 
 #include <clocale>
 #include <csignal>
@@ -43,9 +44,17 @@ bool HasDisplay() {
   return false;
 }
 
+[[noreturn]] void EndWithoutDisplay() {
+  dorvane::WriteStandardError(
+      "Dorvane: there is no display for the wizard. Give a settings file to convert "
+      "without one; see Dorvane --help.\n");
+  std::_Exit(2);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  prctl(PR_SET_DUMPABLE, 0);  // a core dump would hold passwords
   dorvane::OpenStandardDescriptors();
   std::setlocale(LC_TIME, "");
   std::signal(SIGPIPE, SIG_IGN);  // a server that went away is an error of its connection
@@ -62,11 +71,6 @@ int main(int argc, char** argv) {
   if (!path.empty()) {
     return static_cast<int>(dorvane::RunUnattendedConversion(path, dorvane::MakeEndpoint));
   }
-  if (!HasDisplay()) {
-    dorvane::WriteStandardError(
-        "Dorvane: there is no display for the wizard. Give a settings file to convert "
-        "without one; see Dorvane --help.\n");
-    return 2;
-  }
-  return dorvane::RunWizard(argc, argv);
+  if (!HasDisplay()) EndWithoutDisplay();
+  return dorvane::RunWizard(argc, argv, EndWithoutDisplay);
 }

@@ -8,21 +8,23 @@
 
 #include "app/standard_error.h"
 #include "app/stop_signals.h"
+#include "platform/text/code_page.h"
 #include "platform/text/utf8.h"
 
 namespace dorvane {
 
 namespace {
 
-/// Date and time as the user's locale writes them; ISO order where no locale is set.
+/// Date and time as the user's locale writes them; ISO order where no locale is set, or one whose
+/// letters the log does not have.
 std::string GeneralDateAndTime() {
   const std::tm now = fmt::localtime(std::time(nullptr));
   const std::string_view locale = std::setlocale(LC_TIME, nullptr);
   const bool plain = locale == "C" || locale == "POSIX" || locale.starts_with("C.");
-  char text[128];
-  const std::size_t size =
-      std::strftime(text, sizeof text, plain ? "%Y-%m-%d %H:%M:%S" : "%x %X", &now);
-  return {text, size};
+  char local[128];
+  const std::string_view text(local, std::strftime(local, sizeof local, "%x %X", &now));
+  if (!plain && text::FitsAnsi(text)) return std::string(text);
+  return fmt::format("{:%Y-%m-%d %H:%M:%S}", now);
 }
 
 void PrintError(std::string_view line) {
@@ -31,8 +33,8 @@ void PrintError(std::string_view line) {
 
 }  // namespace
 
-void UnattendedListener::OpenLog(const std::string& path) {
-  log_.emplace(path);
+void UnattendedListener::OpenLog(const std::string& path, files::TextForm form) {
+  log_.emplace(path, form);
 }
 
 void UnattendedListener::CloseLog() {

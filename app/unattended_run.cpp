@@ -3,12 +3,16 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <optional>
+
 #include "app/standard_error.h"
 #include "app/stop_signals.h"
+#include "app/trace.h"
 #include "app/unattended_listener.h"
 #include "job/conversion_settings.h"
 #include "platform/files/lock.h"
 #include "platform/files/text_file.h"
+#include "platform/text/utf8.h"
 
 namespace dorvane {
 
@@ -21,23 +25,19 @@ std::string UnknownFailure(std::int32_t number, std::string_view description) {
   return fmt::format("conversion failed! unkown error {} - {}", number, description);
 }
 
-/// Runs a step of the run; false when it failed, which is then logged.
+/// Runs a step of the run; what to log when it failed, else none.
 template <typename Step>
-bool RunStep(UnattendedListener& listener, Step step) {
-  std::string line;
+std::optional<std::string> FailureOf(Step step) {
   try {
     step();
-    return true;
+    return std::nullopt;
   } catch (const UnexpectedDirection& error) {
-    line = error.what();
+    return error.what();
   } catch (const RunTimeError& error) {
-    line = UnknownFailure(error.Number(), error.Description());
+    return UnknownFailure(error.Number(), error.Description());
   } catch (const std::exception& error) {
-    line = UnknownFailure(kUnnumbered, error.what());
+    return UnknownFailure(kUnnumbered, error.what());
   }
-  listener.MarkFailed();
-  listener.Log(line);
-  return false;
 }
 
 }  // namespace
@@ -47,18 +47,22 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
   const StopSignals signals;
   UnattendedListener listener;
   ConversionSettings settings;
-  const bool usable = RunStep(listener, [&] {
+  const auto unusable = FailureOf([&] {
     files::LineReader file(settings_file);
     settings = ReadConversionSettings(file, [&](ServerKind kind) {
       auto endpoint = make_endpoint(kind, listener);
       endpoint->SetListener(&listener);
       return endpoint;
     });
-    listener.OpenLog(settings.log_path);
+    listener.OpenLog(settings.log_path, settings.form);
   });
-  if (!usable) return RunStatus::kSettingsUnusable;
+  if (unusable) {
+    listener.Log(*unusable);
+    LeaveTrace(settings_file, text::Visible(*unusable));
+    return RunStatus::kSettingsUnusable;
+  }
 
-  RunStep(listener, [&] {
+  const auto failure = FailureOf([&] {
     // Two runs of the same settings would copy every row twice and drop each other's tables.
     const auto lock = files::Lock::Try(settings_file);
     if (!lock) {
@@ -70,6 +74,10 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
       throw RunTimeError(kUnnumbered, "Dorvane", fmt::format("stopped by signal {}", signal));
     }
   });
+  if (failure) {
+    listener.MarkFailed();
+    listener.Log(*failure);
+  }
   listener.CloseLog();
   if (const int signal = StopSignals::Received()) return StoppedBy(signal);
   if (listener.Succeeded()) return RunStatus::kConverted;

@@ -49,7 +49,7 @@ void Conversion::Run(const NameList& src_tables) {
     events_.TableConversionStarted(name);
     ConvertTable(name);
   });
-  if (!host_.IsStopping()) StorePostponedRows();
+  if (!host_.IsStopping()) FinishPostponedTables();
   if (options_.convert_relationships) {
     ForEachTable(tables, [this](const std::string& name) {
       KeepConnected();
@@ -67,6 +67,7 @@ void Conversion::ForEachTable(const NameList& tables, Step step) {
     try {
       step(name);
     } catch (const RunTimeError& error) {
+      failed_.insert(name);
       ReportTableFailure(name, error);
     }
   }
@@ -135,7 +136,9 @@ void Conversion::ConvertTable(const std::string& name) {
   } else {
     CheckExistingTable(tab_src, table);
   }
-  if (options_.copy_table_content && !CopyTableContent(table, is_new)) return;
+  if (options_.copy_table_content && CopyTableContent(table, is_new) != Copied::AsFarAsPossible) {
+    return;
+  }
   events_.TableConversionSuccessed(name);
 }
 
@@ -160,7 +163,7 @@ void Conversion::TellNotes(const TableDefinition& table) {
   std::ranges::for_each(table.notes, tell);
 }
 
-bool Conversion::CopyTableContent(const TableDefinition& table, bool is_new) {
+Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bool is_new) {
   const std::string source_name = SourceName(table.name);
   const auto report = [&](const RunTimeError& error) {
     const ErrorSummary summary = SummaryOf(error);
@@ -184,18 +187,55 @@ bool Conversion::CopyTableContent(const TableDefinition& table, bool is_new) {
       // What became of the rows before the failure is told all the same.
       report(error);
     }
-    ReportRows(table, announced, copier.Account());
     ReportChanges(table, rows->Changes());
-    return !is_stopped;
+    const RowAccount& account = copier.Account();
+    if (account.postponed > 0 && !is_stopped) {
+      Postpone(table, announced, account);
+      return Copied::WithRowsPostponed;
+    }
+    ReportRows(table, announced, account);
+    return is_stopped ? Copied::Stopped : Copied::AsFarAsPossible;
   } catch (const RunTimeError& error) {
     report(error);
-    return true;
+    return Copied::AsFarAsPossible;
+  }
+}
+
+void Conversion::Postpone(const TableDefinition& table, std::int64_t announced,
+                          const RowAccount& account) {
+  host_.Inform(fmt::format("Table {}: {} of {} rows wait for the rows that they refer to",
+                           table.name, account.postponed, std::max(announced, account.read)));
+  postponed_tables_.push_back({&table, announced});
+  postponed_accounts_[table.dest_name] = account;
+}
+
+void Conversion::FinishPostponedTables() {
+  if (postponed_tables_.empty()) return;
+  try {
+    KeepConnected();
+  } catch (const RunTimeError&) {
+    // Then every row is refused, and reported.
+  }
+  StorePostponedRows(postponed_accounts_);
+  for (const auto& [table, announced] : postponed_tables_) {
+    events_.TableConversionStarted(table->name);
+    ReportRows(*table, announced, postponed_accounts_[table->dest_name]);
+    events_.TableConversionSuccessed(table->name);
   }
 }
 
 std::int64_t Conversion::CountRows(std::string_view source_name) {
+  try {
+    return CountRows("count(*)", source_name);
+  } catch (const RunTimeError&) {
+    if (WideCount().empty()) throw;
+    return CountRows(WideCount(), source_name);
+  }
+}
+
+std::int64_t Conversion::CountRows(std::string_view function, std::string_view source_name) {
   const std::string text =
-      source_->Execute("select count(*) as Rows_No from " + std::string(source_name))
+      source_->Execute(fmt::format("select {} as Rows_No from {}", function, source_name))
           .Field("Rows_No")
           .Text();
   std::int64_t count = 0;

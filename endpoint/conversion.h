@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,6 +46,9 @@ class Conversion {
   const ConversionOptions& Options() const { return options_; }
   bool IsMerging() const { return options_.convert_mode == convert_mode::kMerge; }
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
+  /// True when the destination's table may be there from before the run.
+  bool MayBeOld(const std::string& name) const { return IsMerging() || failed_.contains(name); }
+  CopyStrategy Strategy() const { return copy_.strategy; }
   const std::string& SourceDatabase() const { return source_database_; }
   ado::Connection& Source() { return *source_; }
   ado::Connection& Destination() { return *destination_; }
@@ -88,11 +92,14 @@ class Conversion {
   virtual std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                                     const std::vector<ado::FieldInfo>& fields,
                                                     const std::vector<ColumnFacts>& facts) = 0;
-  /// After the last table: stores the rows that were postponed. Reports its failures.
-  virtual void StorePostponedRows() {}
+  /// After the last table: stores the rows that were postponed, and adds those that were refused
+  /// for good to the account of their destination table.
+  virtual void StorePostponedRows(std::map<std::string, RowAccount>& /*accounts*/) {}
   /// The foreign keys of a table. Throws only for a table that is not in the source's catalog.
   virtual void RelateTable(const std::string& name) = 0;
 
+  /// What counts the rows where count(*) overflows; empty for a source where it does not.
+  virtual std::string_view WideCount() const { return {}; }
   /// A name quoted for the source.
   virtual std::string SourceName(std::string_view name) const = 0;
   /// True when the destination takes names that differ in letter case for one.
@@ -117,8 +124,14 @@ class Conversion {
   void ConvertTable(const std::string& name);
   bool CreateTable(TableDefinition& table);
   void TellNotes(const TableDefinition& table);
-  bool CopyTableContent(const TableDefinition& table, bool is_new);
+  /// How the copy of a table's rows ended, as far as the run is concerned.
+  enum class Copied { AsFarAsPossible, WithRowsPostponed, Stopped };
+  Copied CopyTableContent(const TableDefinition& table, bool is_new);
+  void Postpone(const TableDefinition& table, std::int64_t announced, const RowAccount& account);
+  /// The tables some of whose rows were postponed end here.
+  void FinishPostponedTables();
   std::int64_t CountRows(std::string_view source_name);
+  std::int64_t CountRows(std::string_view function, std::string_view source_name);
   void ReportShortfall(const TableDefinition& table, std::int64_t announced, std::int64_t read);
   void ReportRows(const TableDefinition& table, std::int64_t announced, const RowAccount& account);
   void ReportChanges(const TableDefinition& table, const std::vector<ValueChanges>& changes);
@@ -132,6 +145,15 @@ class Conversion {
   IRunHost& host_;
   const CopyPlan copy_;
   std::map<std::string, PlannedTable> planned_;
+  std::set<std::string> failed_;  // tables that were not made
+
+  /// A table that waits for rows of other tables.
+  struct PostponedTable {
+    const TableDefinition* table;
+    std::int64_t announced;
+  };
+  std::vector<PostponedTable> postponed_tables_;
+  std::map<std::string, RowAccount> postponed_accounts_;  // by name on the destination
 };
 
 }  // namespace dorvane

@@ -16,6 +16,14 @@ constexpr std::size_t kGrowth = 4;
 
 }  // namespace
 
+void RowAccount::AddRefused(std::int64_t count, std::int64_t position, const ErrorSummary& reason) {
+  if (refused == 0 || position < first_refused) {
+    first_refused = position;
+    first_reason = reason;
+  }
+  refused += count;
+}
+
 struct RowCopier::Rows {
   explicit Rows(const ado::BlockLimits& limits) : source(limits) {}
   ado::RowBlock source;
@@ -32,7 +40,7 @@ RowCopier::RowCopier(IRowDestination& destination, IConversionListener& events, 
     : destination_(destination),
       events_(events),
       host_(host),
-      blocks_(plan.strategy == CopyStrategy::Blocks && destination.TakesBlocks()),
+      blocks_(plan.strategy != CopyStrategy::RowByRow && destination.TakesBlocks()),
       limits_(plan.limits),
       batch_size_(blocks_ ? plan.limits.rows : 1) {}
 
@@ -117,7 +125,7 @@ std::size_t RowCopier::StoreSome(const Rows& rows, std::size_t position) {
 void RowCopier::StoreOne(const Rows& rows, std::size_t position) {
   const RowOutcome outcome = destination_.StoreRow(rows.converted, position);
   Note(outcome);
-  if (outcome.result == RowResult::Stored || outcome.result == RowResult::Changed) {
+  if (outcome.result != RowResult::Duplicate && outcome.result != RowResult::Refused) {
     Stored(rows, position, 1);
   }
   if (outcome.result != RowResult::Stored) {
@@ -134,10 +142,10 @@ void RowCopier::StoreOne(const Rows& rows, std::size_t position) {
 
 void RowCopier::Note(const RowOutcome& outcome) {
   if (outcome.result == RowResult::Duplicate) ++account_.duplicates;
-  if (outcome.result != RowResult::Refused) return;
-  if (++account_.refused > 1) return;
-  account_.first_refused = account_.read + 1;
-  account_.first_reason = outcome.reason;
+  if (outcome.result == RowResult::Postponed) ++account_.postponed;
+  if (outcome.result == RowResult::Refused) {
+    account_.AddRefused(1, account_.read + 1, outcome.reason);
+  }
 }
 
 std::size_t RowCopier::NextCount(std::size_t position, std::size_t rows) const {

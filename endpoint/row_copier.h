@@ -44,9 +44,13 @@ struct ValueChanges {
 struct RowAccount {
   std::int64_t read = 0;
   std::int64_t duplicates = 0;
+  std::int64_t postponed = 0;
   std::int64_t refused = 0;
   std::int64_t first_refused = 0;  // its position among the rows read, from 1
   ErrorSummary first_reason;
+
+  /// Counts `count` refused rows, the first of which stands at `position`.
+  void AddRefused(std::int64_t count, std::int64_t position, const ErrorSummary& reason);
 };
 
 /// The table that rows are copied into.
@@ -66,8 +70,8 @@ class IRowDestination {
                                  std::size_t count) = 0;
   /// Stores one row under the rules of the direction. Throws RunTimeError when the copy must end.
   virtual RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) = 0;
-  /// A row that has been stored, as the source gave it: what is lost of it by the rules of the
-  /// conversion is counted here, where rows that were left out do not come.
+  /// A row that has been stored or postponed, as the source gave it: what is lost of it by the
+  /// rules of the conversion is counted here, where rows that were left out do not come.
   virtual void RowStored(std::span<const ado::Value> /*source_row*/) {}
   /// What happened to values so far; asked for when the copy has ended.
   virtual std::vector<ValueChanges> Changes() const = 0;
@@ -77,8 +81,9 @@ class IRowDestination {
 /// longer for commits. Four are in memory at a time.
 inline constexpr ado::BlockLimits kTravellingBlock{.rows = 10'000, .bytes = 2 << 20};
 
-/// How rows travel: one by one, the reference, or in blocks with the same outcome.
-enum class CopyStrategy { Blocks, RowByRow };
+/// How rows travel: one by one, the reference, or in blocks with the same outcome; as Statements
+/// blocks do without what a server has beside statements.
+enum class CopyStrategy { Blocks, Statements, RowByRow };
 
 struct CopyPlan {
   CopyStrategy strategy = CopyStrategy::Blocks;

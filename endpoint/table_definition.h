@@ -11,6 +11,7 @@ struct ColumnFacts {
   std::string default_text;  // destination literal of the default; empty when there is none
   bool nullable = false;     // the source column takes NULL
   int fraction_digits = 0;   // of the seconds that the destination's column keeps
+  bool is_text = false;      // a number becomes text
 };
 
 /// A column as the destination gets it, in the pieces that a refusal may change.

@@ -17,6 +17,13 @@ scheduler::Task SaveConversionTask(scheduler::ITaskScheduler& scheduler, const s
                                    const std::filesystem::path& program_folder,
                                    const std::filesystem::path& settings_folder);
 
+/// Forgets the task and deletes its settings file, which holds passwords. Throws RunTimeError.
+void DeleteConversionTask(scheduler::ITaskScheduler& scheduler, const scheduler::Task& task);
+
+/// Makes sure that the task's runs can open their log; leaves no new file behind. Throws
+/// RunTimeError when they could not.
+void TryLog(const scheduler::Task& task, const std::string& log_path);
+
 /// The settings file of that task.
 std::filesystem::path TaskSettingsFile(const std::filesystem::path& settings_folder,
                                        const std::string& name);

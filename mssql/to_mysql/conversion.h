@@ -25,6 +25,7 @@ class MsSqlToMySql : public Conversion {
   std::string SelectList(const TableDefinition& table) const override;
   bool FoldsTableNames() override;
   void RelateTable(const std::string& name) override;
+  std::string_view WideCount() const override { return "count_big(*)"; }
   std::string SourceName(std::string_view name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   /// Empty when the table has no identity column. Throws RunTimeError.
@@ -66,10 +67,10 @@ class MsSqlToMySql : public Conversion {
                                             const std::vector<ColumnFacts>& facts) override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
 
-  // relationships.cpp
+  // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
-  /// Statements that drop the foreign keys between two of these tables of the destination.
-  std::vector<std::string> DropsOfKeysBetween(const std::vector<const TableDefinition*>& tables);
+
+  // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
   /// False when the failure ends the table's relationships.
   bool AddRelationship(const std::string& table_name, const ado::Key& key);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdio>
 
 #include "platform/text/ascii.h"
 
@@ -13,6 +14,7 @@ namespace dorvane::to_mysql {
 namespace {
 
 constexpr int kMostBigIntDigits = 18;
+constexpr int kMostFraction = 30;  // digits behind the point of a DECIMAL
 
 void LeaveDefaultOff(ColumnDefinition& column) {
   column.notes.push_back(
@@ -114,6 +116,27 @@ bool IdentityAsInteger(TableDefinition& table, const TableRefusal&) {
   return true;
 }
 
+/// The digits stay as text.
+bool FineDecimalsAsText(TableDefinition& table, const TableRefusal&) {
+  bool is_changed = false;
+  for (ColumnDefinition& column : table.columns) {
+    int precision = 0;
+    int scale = 0;
+    if (std::sscanf(column.type.c_str(), "DECIMAL(%d,%d)", &precision, &scale) != 2) continue;
+    if (scale <= kMostFraction) continue;
+    is_changed = true;
+    // Beside its digits a number has a sign, a point and perhaps a zero in front of it.
+    const std::string type = fmt::format("VARCHAR({})", precision + 3);
+    column.notes.push_back(
+        fmt::format("column {} became {}, since MySQL's DECIMAL has {} digits "
+                    "behind the point",
+                    column.name, type, kMostFraction));
+    column.type = type;
+    column.facts.is_text = true;
+  }
+  return is_changed;
+}
+
 /// A server that takes no table without a primary key gets it at once.
 bool PrimaryKeyInside(TableDefinition& table, const TableRefusal& refusal) {
   if (refusal.primary_key.empty() || !table.constraints.empty()) return false;
@@ -132,6 +155,7 @@ constexpr std::array kCures{
     Cure{1067, NamedDefaultOff},        // an invalid default
     Cure{1118, WidestAsText},           // a row too wide
     Cure{1063, IdentityAsInteger},      // auto_increment of a DECIMAL
+    Cure{1425, FineDecimalsAsText},     // a scale above 30
     Cure{3750, PrimaryKeyInside},       // a table without a primary key
 };
 

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "endpoint/names.h"
+#include "endpoint/references.h"
 #include "mssql/to_mysql/conversion.h"
 #include "mssql/to_mysql/literals.h"
 
@@ -53,8 +54,12 @@ void MsSqlToMySql::AskForWideTinyInts(ado::Table& tab_src, TableDefinition& tabl
     ColumnDefinition* definition = FindColumn(table, column.name);
     const bool is_wide =
         IsAbove(definition->default_clause, kMostSignedTinyInt) ||
-        SourceHasRow(fmt::format("select top 1 1 from {} where {} > {}", SourceName(table.name),
-                                 SourceName(column.name), kMostSignedTinyInt));
+        std::ranges::any_of(WithReferencedColumns(SourceCatalog(), {table.name, column.name}),
+                            [this](const ColumnPlace& place) {
+                              return SourceHasRow(fmt::format(
+                                  "select top 1 1 from {} where {} > {}", SourceName(place.table),
+                                  SourceName(place.column), kMostSignedTinyInt));
+                            });
     if (is_wide) definition->type = "TINYINT UNSIGNED";
   }
 }

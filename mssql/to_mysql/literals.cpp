@@ -3,6 +3,7 @@
 #include "endpoint/date_time_text.h"
 #include "endpoint/literal_text.h"
 #include "endpoint/number_literal.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::to_mysql {
 
@@ -16,7 +17,7 @@ constexpr int kMostFractionDigits = 6;  // that MySQL has
 
 /// Text that a writer puts into storage of at most `size` bytes.
 template <typename Writer>
-ado::Value Written(ado::Arena& storage, std::size_t size, Writer writer) {
+std::string_view Written(ado::Arena& storage, std::size_t size, Writer writer) {
   char* out = storage.Allocate(size);
   return std::string_view(out, writer(out));
 }
@@ -24,7 +25,7 @@ ado::Value Written(ado::Arena& storage, std::size_t size, Writer writer) {
 /// Makes the destination's value, whatever form the source's has.
 struct Converter {
   const ado::FieldInfo& field;
-  const int fraction_digits;
+  const ColumnFacts& facts;
   ado::Arena& storage;
 
   ado::Value operator()(ado::Null) const { return {}; }
@@ -42,11 +43,11 @@ struct Converter {
   ado::Value operator()(const ado::DateTime& value) const {
     return Written(storage, kDateTimeSize, [&](char* out) {
       if (field.type == DataType::DBDate) return WriteDate(out, value);
-      const bool has_fraction = fraction_digits > 0;
+      const bool has_fraction = facts.fraction_digits > 0;
       const std::size_t size = field.type == DataType::DBTime
                                    ? WriteTime(out, value, has_fraction)
                                    : WriteDateTime(out, value, has_fraction);
-      return has_fraction ? size - (kMostFractionDigits - fraction_digits) : size;
+      return has_fraction ? size - (kMostFractionDigits - facts.fraction_digits) : size;
     });
   }
 
@@ -54,7 +55,10 @@ struct Converter {
     return Written(storage, NumberSize(value), [&](char* out) { return WriteInteger(out, value); });
   }
   ado::Value Number(const ado::Value& value) const {
-    return Written(storage, NumberSize(value), [&](char* out) { return WriteNumber(out, value); });
+    const std::string_view text =
+        Written(storage, NumberSize(value), [&](char* out) { return WriteNumber(out, value); });
+    // The blank in front of a number is nothing to a number only.
+    return facts.is_text ? text::Trim(text) : text;
   }
 };
 
@@ -66,7 +70,7 @@ ado::Value DataValue(const ado::Value& value, const ado::FieldInfo& field, const
     if (facts.nullable) return {};
     return std::string_view(facts.default_text);
   }
-  return std::visit(Converter{field, facts.fraction_digits, storage}, value);
+  return std::visit(Converter{field, facts, storage}, value);
 }
 
 bool IsChunkCopied(DataType type) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
 
 #include "endpoint/names.h"
 #include "mssql/to_mysql/conversion.h"
@@ -103,54 +102,6 @@ void AppendName(std::string& list, const std::string& name) {
 
 }  // namespace
 
-// A table cannot be dropped while a key of another one refers to it.
-void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
-  const auto report = [this](const RunTimeError& error) {
-    const ErrorSummary summary = SummaryOf(error);
-    RaiseError(fmt::format("Error no. {} - {}", summary.number, summary.description),
-               "Unexpected error");
-  };
-  std::vector<std::string> drops;
-  try {
-    drops = DropsOfKeysBetween(tables);
-  } catch (const RunTimeError& error) {
-    report(error);
-  }
-  for (const std::string& drop : drops) {
-    try {
-      ExecuteOn(Destination(), drop);
-    } catch (const RunTimeError& error) {
-      report(error);
-    }
-  }
-}
-
-std::vector<std::string> MsSqlToMySql::DropsOfKeysBetween(
-    const std::vector<const TableDefinition*>& tables) {
-  const bool folds = FoldsTableNames();
-  const auto folded = [folds](const std::string& name) {
-    return folds ? text::ToLower(name) : name;
-  };
-  std::set<std::string> listed;
-  for (const TableDefinition* table : tables) listed.insert(folded(table->dest_name));
-  ado::Recordset keys = OnDestination(Destination(), [this] {
-    return Destination().Execute(
-        "select table_name, referenced_table_name, constraint_name from "
-        "information_schema.referential_constraints where constraint_schema = database() and "
-        "unique_constraint_schema = database() and table_name <> referenced_table_name "
-        "order by table_name, constraint_name");
-  });
-  std::vector<std::string> drops;
-  for (; !keys.AtEnd(); keys.MoveNext()) {
-    const std::string table = keys.Field(0).Text();
-    if (!listed.contains(folded(table))) continue;
-    if (!listed.contains(folded(keys.Field(1).Text()))) continue;
-    drops.push_back(fmt::format("ALTER TABLE {} DROP FOREIGN KEY {}", MySqlName(table),
-                                MySqlName(keys.Field(2).Text())));
-  }
-  return drops;
-}
-
 void MsSqlToMySql::AddRelationships(ado::Table& tab_src) {
   try {
     for (const ado::Key& key : tab_src.Keys()) {
@@ -218,7 +169,8 @@ bool MsSqlToMySql::ReportRelationship(const std::string& table_name, const ado::
         kTitle, message_style::kInformation);
     return true;
   }
-  if (refusal == Refusal::ExistsAlready && IsMerging() && HasRelationship(table_name, key.name)) {
+  if (refusal == Refusal::ExistsAlready && MayBeOld(table_name) &&
+      HasRelationship(table_name, key.name)) {
     return true;
   }
   const ErrorSummary summary = failure.Summary();

@@ -7,9 +7,11 @@
 
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
+#include "endpoint/row_identity.h"
 #include "mssql/to_mysql/conversion.h"
 #include "mssql/to_mysql/literals.h"
 #include "mssql/to_mysql/row_faults.h"
+#include "mssql/to_mysql/row_question.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mysql {
@@ -17,10 +19,6 @@ namespace dorvane::to_mysql {
 namespace {
 
 constexpr std::size_t kChunkBytes = 1000;
-
-bool IsAscii(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
 
 bool HasTime(const ado::FieldInfo& field) {
   return field.type == ado::DataType::DBTimeStamp || field.type == ado::DataType::DBTime;
@@ -124,9 +122,12 @@ RowOutcome RowsToMySql::StoreRow(const ado::RowBlock& converted, std::size_t row
         replaced = ReplaceCharacters(converted.Row(row));
         if (replaced > 0) continue;
       }
+      const ErrorSummary reason{entry->native_error, entry->description};
       table_.CancelUpdate();
-      if (fault == RowFault::Duplicate && !target_.is_new) return {RowResult::Duplicate};
-      return {RowResult::Refused, {entry->native_error, entry->description}};
+      if (fault == RowFault::Duplicate && IsThere(converted.Row(row))) {
+        return {RowResult::Duplicate};
+      }
+      return {RowResult::Refused, reason};
     }
   }
 }
@@ -160,11 +161,25 @@ void RowsToMySql::Update() {
   OnDestination(destination_, [this] { table_.Update(); });
 }
 
+bool RowsToMySql::IsThere(std::span<const ado::Value> row) {
+  if (target_.is_new) return false;
+  if (target_.identity.empty()) return true;
+  try {
+    return !destination_
+                .Execute(
+                    RowQuestion(target_.table, target_.columns, fields_, target_.identity, row))
+                .AtEnd();
+  } catch (const RunTimeError&) {
+    // The server's word for it must do.
+    return true;
+  }
+}
+
 std::int64_t RowsToMySql::ReplaceCharacters(std::span<const ado::Value> row) {
   std::int64_t replaced = 0;
   for (std::size_t i = 0; i < row.size(); ++i) {
     const auto* text = std::get_if<std::string_view>(&row[i]);
-    if (text == nullptr || IsAscii(*text)) continue;
+    if (text == nullptr || text::IsAscii(*text)) continue;
     const std::string& character_set = CharacterSetOf(target_.columns[i]);
     if (character_set.empty()) continue;
     const std::string stored = AsStored(*text, character_set);
@@ -227,6 +242,9 @@ std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& t
       .is_ahead_of_parents = !is_new && IsMerging() && Options().convert_relationships};
   if (target.is_ahead_of_parents) unchecked_tables_.insert(table.dest_name);
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
+  if (!is_new) {
+    target.identity = IdentifyingFields(SourceCatalog().TableByName(table.name).Indexes(), fields);
+  }
   return std::make_unique<RowsToMySql>(Destination(), std::move(target), fields, facts);
 }
 

@@ -31,10 +31,11 @@ class ForeignKeyChecksOff {
 class RowsToMySql : public IRowDestination {
  public:
   struct Target {
-    std::string table;                 // unquoted
-    std::vector<std::string> columns;  // unquoted, in the order of the fields
-    bool is_new = false;               // made by this run
-    bool is_ahead_of_parents = false;  // its rows may refer to tables that are copied later
+    std::string table;                       // unquoted
+    std::vector<std::string> columns;        // unquoted, in the order of the fields
+    bool is_new = false;                     // made by this run
+    bool is_ahead_of_parents = false;        // its rows may refer to tables that are copied later
+    std::vector<std::size_t> identity = {};  // see IdentifyingFields
   };
 
   /// Opens the table. `fields` and `facts` describe the source's columns in their order; `fields`
@@ -58,6 +59,8 @@ class RowsToMySql : public IRowDestination {
   void Assign(std::span<const ado::Value> row);
   void AppendChunks(ado::Field& field, std::string_view bytes);
   void Update();
+  /// For a duplicate: true when the row itself was there before.
+  bool IsThere(std::span<const ado::Value> row);
   /// Puts "?" for what the columns of the pending row cannot store; how many texts it changed.
   std::int64_t ReplaceCharacters(std::span<const ado::Value> row);
   /// The character set of a column; empty for one without.

@@ -23,12 +23,8 @@ constexpr std::array<std::string_view, 12> kMonths{"january",   "february", "mar
                                                    "may",       "june",     "july",     "august",
                                                    "september", "october",  "november", "december"};
 
-bool IsDigits(std::string_view text) {
-  return !text.empty() && text.find_first_not_of(kDigits) == std::string_view::npos;
-}
-
 std::optional<int> Number(std::string_view digits) {
-  if (!IsDigits(digits) || digits.size() > 9) return std::nullopt;
+  if (!text::IsDigits(digits) || digits.size() > 9) return std::nullopt;
   int number = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), number);
   return number;
@@ -72,10 +68,10 @@ class ServerDateReader {
     }
     if (word.find(':') != std::string_view::npos) return TakeClock(word);
     if (word.find_first_of("-/.") != std::string_view::npos) return TakeDate(word);
-    if (word.size() == 8 && IsDigits(word)) {
+    if (word.size() == 8 && text::IsDigits(word)) {
       return SetDate(Number(word.substr(0, 4)), Number(word.substr(4, 2)), Number(word.substr(6)));
     }
-    if (IsDigits(word)) {
+    if (text::IsDigits(word)) {
       numbers_.push_back(word);
       return true;
     }
@@ -111,7 +107,7 @@ class ServerDateReader {
 
   bool TakeClock(std::string_view clock) {
     std::string full(clock);
-    if (IsDigits(full)) full += ":00";
+    if (text::IsDigits(full)) full += ":00";
     try {
       const ado::DateTime time = ParseDateTime(full);
       value_.seconds = time.seconds;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -43,6 +44,8 @@ class MySqlToMsSql : public Conversion {
   /// created.
   void AskTheRows(const std::vector<ado::Column>& columns, TableDefinition& table);
   bool WillBeCreated(const TableDefinition& table);
+  /// Of the column itself or one that it refers to.
+  bool HoldsNegatives(const std::string& table, const std::string& column);
 
   // keys.cpp
   void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) override;
@@ -58,9 +61,8 @@ class MySqlToMsSql : public Conversion {
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
   bool HasIdentity(const std::string& dest_table);
-  void StorePostponedRows() override;
+  void StorePostponedRows(std::map<std::string, RowAccount>& accounts) override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
-  void ReportRowProblem(const std::string& dest_table, std::string_view problem);
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);

@@ -5,6 +5,7 @@
 
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
+#include "endpoint/references.h"
 #include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/questions.h"
@@ -93,7 +94,7 @@ void MySqlToMsSql::AskTheRows(const std::vector<ado::Column>& columns, TableDefi
     if (!may_be_negative && !may_repeat_nulls) continue;
     if (!is_needed) is_needed = WillBeCreated(table);
     if (!*is_needed) return;
-    if (may_be_negative && HasNegatives(Source(), table.name, column.name)) {
+    if (may_be_negative && HoldsNegatives(table.name, column.name)) {
       column.type = "smallint";
       column.notes.push_back(
           fmt::format("column {} is smallint: it holds values below zero", column.name));
@@ -103,6 +104,13 @@ void MySqlToMsSql::AskTheRows(const std::vector<ado::Column>& columns, TableDefi
       CutPiece(column.attributes, kUnique);
     }
   }
+}
+
+bool MySqlToMsSql::HoldsNegatives(const std::string& table, const std::string& column) {
+  return std::ranges::any_of(WithReferencedColumns(SourceCatalog(), {table, column}),
+                             [this](const ColumnPlace& place) {
+                               return HasNegatives(Source(), place.table, place.column);
+                             });
 }
 
 bool MySqlToMsSql::WillBeCreated(const TableDefinition& table) {

@@ -60,15 +60,11 @@ std::string TextLiteral(std::string_view text) {
   return literal;
 }
 
-bool IsDigits(std::string_view text) {
-  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
 /// A whole number as the server would write it, so that text keeps its characters.
 bool IsCanonicalInteger(std::string_view text) {
   constexpr std::size_t kMostDigits = 18;
   const std::string_view digits = text.substr(text.starts_with('-') ? 1 : 0);
-  if (!IsDigits(digits) || digits.size() > kMostDigits) return false;
+  if (!text::IsDigits(digits) || digits.size() > kMostDigits) return false;
   return digits.front() != '0' || text == "0";
 }
 

@@ -28,11 +28,6 @@ bool Exists(const ado::DateTime& value) {
       .ok();
 }
 
-/// The moment that the server's datetime can hold.
-ado::DateTime Storable(const ado::DateTime& value) {
-  return Exists(value) ? std::max(Normalised(value), kEarliest) : kEarliest;
-}
-
 std::ptrdiff_t SignificantDigits(std::string_view number) {
   number.remove_prefix(std::min(number.find_first_not_of("-0"), number.size()));
   return std::ranges::count_if(number, text::IsDigit);
@@ -68,7 +63,7 @@ struct LiteralWriter {
   void operator()(ado::Binary value) const { Bytes(value.bytes); }
   void operator()(ado::Guid value) const { Bytes(GuidBytes(value.text)); }
   void operator()(const ado::DateTime& value) const {
-    const ado::DateTime date = Storable(value);
+    const ado::DateTime date = StorableMoment(value);
     out += '\'';
     AppendWritten(out, kDateTimeSize, [&](char* to) { return WriteDateTime(to, date, false); });
     out += '\'';
@@ -85,10 +80,6 @@ struct LiteralWriter {
     AppendHexDigits(out, bytes);
   }
 };
-
-bool IsAscii(std::string_view text) {
-  return std::ranges::none_of(text, [](char c) { return (c & 0x80) != 0; });
-}
 
 void AppendQuoted(std::string& out, std::string_view text) {
   out += '\'';
@@ -149,12 +140,18 @@ void AppendDataValue(std::string& out, const ado::Value& value, const ColumnFact
   out += has_default ? std::string_view(facts.default_text) : std::string_view("NULL");
 }
 
+ado::DateTime StorableMoment(const ado::DateTime& value) {
+  ado::DateTime moment = Exists(value) ? std::max(Normalised(value), kEarliest) : kEarliest;
+  moment.nanoseconds = 0;
+  return moment;
+}
+
 void AppendTextLiteral(std::string& out, std::string_view text) {
   if (text.find('\0') != std::string_view::npos) {
     AppendTextWithZeros(out, text);
     return;
   }
-  if (!IsAscii(text)) out += 'N';
+  if (!text::IsAscii(text)) out += 'N';
   AppendQuoted(out, text);
 }
 

@@ -17,8 +17,11 @@ void AppendDataValue(std::string& out, const ado::Value& value, const ColumnFact
 /// which drivers would cut the statement, becomes an expression of Unicode text.
 void AppendTextLiteral(std::string& out, std::string_view text);
 
-/// The quoted literal of a date and time in whole seconds; dates before 1753-01-01 and those that
-/// no calendar has, the zero date among them, become that day.
+/// The moment that the server's datetime can hold, in whole seconds; dates before 1753-01-01 and
+/// those that no calendar has, the zero date among them, become that day.
+ado::DateTime StorableMoment(const ado::DateTime& value);
+
+/// The quoted literal of the storable moment.
 std::string DateLiteral(const ado::DateTime& value);
 
 /// What the rules of the conversion change in a date or time, as bits: several may meet in one.

@@ -74,7 +74,7 @@ void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyTex
       return;
     }
     const bool exists = summary.description.find(kExistsAlready) != std::string::npos;
-    if (exists && IsMerging() && HasRelationship(dest_table, name)) return;
+    if (exists && MayBeOld(table) && HasRelationship(dest_table, name)) return;
     RaiseError(
         fmt::format("Could not create relationship between {}({}) and {}. Error {} - {}",
                     table_reference, columns, referenced, summary.number, summary.description),

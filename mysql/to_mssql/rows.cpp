@@ -7,19 +7,20 @@
 
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
+#include "endpoint/row_identity.h"
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/literals.h"
 #include "mysql/to_mssql/row_faults.h"
+#include "mysql/to_mssql/row_question.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mssql {
 
 namespace {
 
-// The server's limit for a VALUES list.
-constexpr std::size_t kMostRowsPerInsert = 1000;
-// A batch is sent when it is that long; one row may be longer.
-constexpr std::size_t kBatchBytes = 512 * 1024;
+// Fewer rows are there sooner as one INSERT than by the three trips of a load.
+constexpr std::size_t kFewestLoadedRows = 100;
+constexpr std::string_view kRollback = "if @@trancount > 0 rollback transaction";
 
 // Behind the count, by the bits of TimeChange.
 constexpr std::string_view kChangeTexts[kTimeChanges] = {
@@ -30,43 +31,15 @@ constexpr std::string_view kChangeTexts[kTimeChanges] = {
     "fractions of a second were cut",
 };
 
-// A converted value is its literal behind one character that holds its TimeChange bits.
-constexpr unsigned kNoChange = '@';
-
-std::string_view TextOf(const ado::Value& literal) {
-  return std::get<std::string_view>(literal).substr(1);
-}
-
-unsigned ChangesIn(const ado::Value& literal) {
-  return static_cast<unsigned char>(std::get<std::string_view>(literal).front()) - kNoChange;
-}
-
-void AppendTuple(std::string& out, std::span<const ado::Value> literals) {
-  const char* separator = "(";
-  for (const ado::Value& literal : literals) {
-    out += separator;
-    out += TextOf(literal);
-    separator = ", ";
-  }
-  out += ')';
-}
-
 }  // namespace
 
 RowsToMsSql::RowsToMsSql(ado::Connection& destination, Target target,
                          const std::vector<ado::FieldInfo>& fields,
                          const std::vector<ColumnFacts>& facts)
-    : destination_(destination), target_(std::move(target)), fields_(fields), facts_(facts) {
-  const std::string table = MsSqlName(target_.table);
-  head_ = "INSERT INTO " + table + " (";
-  for (std::size_t i = 0; i < fields_.size(); ++i) {
-    head_ += (i == 0 ? "" : ", ") + MsSqlName(target_.columns[i]);
-  }
-  head_ += ") ";
-  if (!target_.has_identity_column) return;
-  identity_on_ = "set identity_insert " + table + " On;";
-  identity_off_ = "set identity_insert " + table + " Off;";
-}
+    : destination_(destination),
+      target_(std::move(target)),
+      fields_(fields),
+      inserts_(destination, target_.table, target_.columns, facts, target_.has_identity_column) {}
 
 bool RowsToMsSql::TakesBlocks() {
   LearnTypes();
@@ -74,21 +47,22 @@ bool RowsToMsSql::TakesBlocks() {
 }
 
 void RowsToMsSql::LearnTypes() {
-  types_.assign(fields_.size(), ado::DataType::Empty);
+  std::vector<ado::DataType> types(fields_.size(), ado::DataType::Empty);
   if (target_.is_new) {
     // Its columns were made for the source's.
-    std::ranges::transform(fields_, types_.begin(), &ado::FieldInfo::type);
-    return;
-  }
-  try {
-    for (const ado::Column& column : destination_.Columns(target_.table)) {
-      for (std::size_t i = 0; i < fields_.size(); ++i) {
-        if (text::EqualsIgnoringCase(target_.columns[i], column.name)) types_[i] = column.type;
+    std::ranges::transform(fields_, types.begin(), &ado::FieldInfo::type);
+  } else {
+    try {
+      for (const ado::Column& column : destination_.Columns(target_.table)) {
+        for (std::size_t i = 0; i < fields_.size(); ++i) {
+          if (text::EqualsIgnoringCase(target_.columns[i], column.name)) types[i] = column.type;
+        }
       }
+    } catch (const RunTimeError&) {
+      // Without a type numbers are not joined.
     }
-  } catch (const RunTimeError&) {
-    // Without a type numbers are not joined.
   }
+  inserts_.SetTypes(std::move(types));
 }
 
 bool RowsToMsSql::HasTriggers() {
@@ -114,80 +88,96 @@ bool RowsToMsSql::RefersToItself() {
   }
 }
 
-ado::Value RowsToMsSql::ConvertValue(const ado::Value& value, std::size_t column,
-                                     ado::Arena& storage) {
+ado::Value RowsToMsSql::ConvertValue(const ado::Value& value, std::size_t /*column*/,
+                                     ado::Arena& /*storage*/) {
   const auto* moment = std::get_if<ado::DateTime>(&value);
-  const unsigned changes = moment != nullptr ? ChangesOf(*moment, fields_[column].type) : 0;
-  literal_.assign(1, static_cast<char>(kNoChange + changes));
-  AppendDataValue(literal_, value, facts_[column]);
-  return storage.Store(literal_);
+  return moment != nullptr ? StorableMoment(*moment) : value;
 }
 
 BlockResult RowsToMsSql::StoreBlock(const ado::RowBlock& converted, std::size_t first,
                                     std::size_t count) {
-  batch_ = "begin transaction;" + identity_on_;
-  insert_rows_ = 0;
-  ChangeCounts changes = changes_;
+  const bool is_loaded = count >= kFewestLoadedRows && OpenLoad();
+  const BlockResult result =
+      is_loaded ? LoadBlock(converted, first, count) : InsertBlock(converted, first, count);
+  if (result == BlockResult::Stored) handled_ += static_cast<std::int64_t>(count);
+  return result;
+}
+
+BlockResult RowsToMsSql::InsertBlock(const ado::RowBlock& converted, std::size_t first,
+                                     std::size_t count) {
   try {
-    for (std::size_t row = first; row < first + count; ++row) {
-      AppendRow(converted.Row(row));
-      CountChanges(converted.Row(row), changes);
-      if (batch_.size() >= kBatchBytes) SendBatch();
-    }
-    batch_ += insert_rows_ > 0 ? ";" + identity_off_ : identity_off_;
-    SendBatch();
+    inserts_.Begin("begin transaction;");
+    for (std::size_t row = first; row < first + count; ++row) inserts_.Add(converted.Row(row));
+    inserts_.Finish();
     destination_.Execute("commit transaction");
-    changes_ = changes;
-    handled_ += static_cast<std::int64_t>(count);
     return BlockResult::Stored;
   } catch (const RunTimeError& error) {
-    TryExecute(destination_, "if @@trancount > 0 rollback transaction");
+    TryExecute(destination_, kRollback);
     // The switch is no part of the transaction, and a session has it for one table only.
-    if (!identity_off_.empty()) TryExecute(destination_, identity_off_);
+    if (!inserts_.After().empty()) TryExecute(destination_, inserts_.After());
     return IsRowRefusal(error.Number()) ? BlockResult::Refused : BlockResult::Failed;
   }
 }
 
-void RowsToMsSql::AppendRow(std::span<const ado::Value> literals) {
-  row_shapes_.clear();
-  for (const ado::Value& literal : literals) row_shapes_.push_back(ShapeOf(TextOf(literal)));
-  if (JoinsLastInsert()) {
-    batch_ += ',';
-  } else {
-    if (insert_rows_ > 0) batch_ += ';';
-    batch_ += head_;
-    batch_ += " VALUES";
-    insert_shapes_ = row_shapes_;
-    insert_rows_ = 0;
+bool RowsToMsSql::OpenLoad() {
+  if (!target_.is_loaded || load_) return target_.is_loaded;
+  try {
+    load_ = destination_.OpenTable(MsSqlName(target_.table), target_.columns);
+  } catch (const RunTimeError&) {
+    target_.is_loaded = false;
   }
-  AppendTuple(batch_, literals);
-  ++insert_rows_;
+  return target_.is_loaded;
 }
 
-bool RowsToMsSql::JoinsLastInsert() {
-  if (insert_rows_ == 0 || insert_rows_ == kMostRowsPerInsert) return false;
-  for (std::size_t i = 0; i < row_shapes_.size(); ++i) {
-    if (!Join(insert_shapes_[i], row_shapes_[i], types_[i])) return false;
+BlockResult RowsToMsSql::LoadBlock(const ado::RowBlock& converted, std::size_t first,
+                                   std::size_t count) {
+  not_loaded_.clear();
+  for (std::size_t row = first; row < first + count; ++row) {
+    if (!load_->TakesRow(converted.Row(row))) not_loaded_.push_back(row);
   }
-  return true;
+  if (count - not_loaded_.size() < kFewestLoadedRows) return InsertBlock(converted, first, count);
+  try {
+    LoadRows(converted, first, count);
+    return BlockResult::Stored;
+  } catch (const RunTimeError& error) {
+    TryExecute(destination_, kRollback);
+    if (!inserts_.After().empty()) TryExecute(destination_, inserts_.After());
+    if (IsRowRefusal(error.Number())) return BlockResult::Refused;
+    // The login may not load, or the server cannot. Statements tell whether it is more than that.
+    target_.is_loaded = false;
+    return InsertBlock(converted, first, count);
+  }
 }
 
-void RowsToMsSql::SendBatch() {
-  if (batch_.empty()) return;
-  destination_.Execute(batch_);
-  batch_.clear();
-  insert_rows_ = 0;
+void RowsToMsSql::LoadRows(const ado::RowBlock& converted, std::size_t first, std::size_t count) {
+  if (not_loaded_.empty()) {
+    load_->InsertRows(converted, first, count);  // a transaction by itself
+    return;
+  }
+  loaded_.Clear(converted.Columns());
+  auto other = not_loaded_.begin();
+  for (std::size_t row = first; row < first + count; ++row) {
+    if (other != not_loaded_.end() && *other == row) {
+      ++other;
+    } else {
+      std::ranges::copy(converted.Row(row), loaded_.AppendRow().begin());
+    }
+  }
+  destination_.Execute("begin transaction");
+  load_->InsertRows(loaded_, 0, loaded_.Rows());
+  inserts_.Begin({});
+  for (const std::size_t row : not_loaded_) inserts_.Add(converted.Row(row));
+  inserts_.Finish();
+  destination_.Execute("commit transaction");
 }
 
 RowOutcome RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
-  std::string statement = identity_on_ + head_ + " VALUES";
-  AppendTuple(statement, converted.Row(row));
   ++handled_;
-  const RowOutcome outcome = ExecuteRow(statement);
-  if (!identity_off_.empty()) ExecuteOn(destination_, identity_off_);
-  const bool is_stored =
-      outcome.result == RowResult::Stored || outcome.result == RowResult::Postponed;
-  if (is_stored) CountChanges(converted.Row(row), changes_);
+  RowOutcome outcome = ExecuteRow(inserts_.StatementOf(converted.Row(row)));
+  if (outcome.result == RowResult::Duplicate && !IsThere(converted.Row(row))) {
+    outcome.result = RowResult::Refused;
+  }
+  if (!inserts_.After().empty()) ExecuteOn(destination_, inserts_.After());
   return outcome;
 }
 
@@ -200,10 +190,12 @@ RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
     const RowFault fault = entry != nullptr ? FaultOf(entry->native_error) : RowFault::None;
     if (fault == RowFault::None) {
       // The next table's rows need the switch, which a session has for one table only.
-      if (!identity_off_.empty()) TryExecute(destination_, identity_off_);
+      if (!inserts_.After().empty()) TryExecute(destination_, inserts_.After());
       throw;
     }
-    if (fault == RowFault::Duplicate && !target_.is_new) return {RowResult::Duplicate};
+    if (fault == RowFault::Duplicate) {
+      return {RowResult::Duplicate, {entry->native_error, entry->description}};
+    }
     return RefusalOf(*entry, statement);
   }
 }
@@ -214,17 +206,33 @@ RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, const std::string& st
       target_.waiting->Add({.table = target_.table,
                             .position = handled_,
                             .statement = statement,
-                            .after = identity_off_,
+                            .after = inserts_.After(),
                             .reason = reason})) {
     return {RowResult::Postponed};
   }
   return {RowResult::Refused, std::move(reason)};
 }
 
-void RowsToMsSql::CountChanges(std::span<const ado::Value> literals, ChangeCounts& counts) {
-  for (const ado::Value& literal : literals) {
-    const unsigned changes = ChangesIn(literal);
-    for (unsigned bit = 0; changes >> bit != 0; ++bit) counts[bit] += changes >> bit & 1;
+bool RowsToMsSql::IsThere(std::span<const ado::Value> row) {
+  if (target_.is_new) return false;
+  if (target_.identity.empty()) return true;
+  try {
+    return !destination_
+                .Execute(
+                    RowQuestion(target_.table, target_.columns, fields_, target_.identity, row))
+                .AtEnd();
+  } catch (const RunTimeError&) {
+    // The server's word for it must do.
+    return true;
+  }
+}
+
+void RowsToMsSql::RowStored(std::span<const ado::Value> source_row) {
+  for (std::size_t i = 0; i < source_row.size(); ++i) {
+    const auto* moment = std::get_if<ado::DateTime>(&source_row[i]);
+    if (moment == nullptr) continue;
+    const unsigned changes = ChangesOf(*moment, fields_[i].type);
+    for (unsigned bit = 0; changes >> bit != 0; ++bit) changes_[bit] += changes >> bit & 1;
   }
 }
 
@@ -244,8 +252,12 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
                              .has_identity_column = table.Identity() != nullptr &&
                                                     (is_new || HasIdentity(table.dest_name)),
                              .is_new = is_new,
+                             .is_loaded = Strategy() == CopyStrategy::Blocks,
                              .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
+  if (!is_new) {
+    target.identity = IdentifyingFields(SourceCatalog().TableByName(table.name).Indexes(), fields);
+  }
   return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
 }
 
@@ -258,28 +270,13 @@ bool MySqlToMsSql::HasIdentity(const std::string& dest_table) {
   return count.AtEnd() || count.Field(0).Text() != "0";
 }
 
-void MySqlToMsSql::StorePostponedRows() {
-  if (waiting_.IsEmpty()) return;
-  try {
-    KeepConnected();
-  } catch (const RunTimeError&) {
-    // Then every row is refused, and reported.
-  }
-  for (const WaitingRows::Refusal& refusal : waiting_.Store(Destination())) {
-    ReportRowProblem(refusal.table,
-                     fmt::format("{} rows were not copied; the first: {} - {} (row {})",
-                                 refusal.rows, refusal.first_reason.number,
-                                 refusal.first_reason.description, refusal.first_position));
-  }
+void MySqlToMsSql::StorePostponedRows(std::map<std::string, RowAccount>& accounts) {
+  waiting_.Store(Destination(), accounts);
 }
 
 void MySqlToMsSql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
-  ReportRowProblem(table.dest_name, problem);
-}
-
-void MySqlToMsSql::ReportRowProblem(const std::string& dest_table, std::string_view problem) {
   RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
-                         MsSqlName(dest_table), problem),
+                         MsSqlName(table.dest_name), problem),
              "MS SQL Server");
 }
 

@@ -3,13 +3,15 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "endpoint/failure.h"
 #include "endpoint/row_copier.h"
 #include "endpoint/table_definition.h"
-#include "mysql/to_mssql/literal_shape.h"
+#include "mysql/to_mssql/insert_batch.h"
 #include "mysql/to_mssql/literals.h"
 #include "mysql/to_mssql/waiting_rows.h"
 #include "platform/ado/connection.h"
@@ -22,9 +24,11 @@ class RowsToMsSql : public IRowDestination {
   struct Target {
     std::string table;  // without brackets, as the columns are
     std::vector<std::string> columns;
-    bool has_identity_column = false;  // its values come with the rows
-    bool is_new = false;               // just created: no rows, no triggers, no foreign keys
-    WaitingRows* waiting = nullptr;    // for rows of a table that is not new; outlives this
+    bool has_identity_column = false;        // its values come with the rows
+    bool is_new = false;                     // just created: no rows, no triggers, no foreign keys
+    bool is_loaded = true;                   // by the server's bulk protocol where that is possible
+    WaitingRows* waiting = nullptr;          // for rows of a table that is not new; outlives this
+    std::vector<std::size_t> identity = {};  // see IdentifyingFields
   };
 
   /// `fields` and `facts` describe the source's columns in the order of the target's and, like the
@@ -38,37 +42,32 @@ class RowsToMsSql : public IRowDestination {
   BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                          std::size_t count) override;
   RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) override;
+  void RowStored(std::span<const ado::Value> source_row) override;
   std::vector<ValueChanges> Changes() const override;
 
  private:
-  using ChangeCounts = std::array<std::int64_t, kTimeChanges>;  // by the bits of TimeChange
-
-  void AppendRow(std::span<const ado::Value> literals);
-  bool JoinsLastInsert();
-  void SendBatch();
+  BlockResult InsertBlock(const ado::RowBlock& converted, std::size_t first, std::size_t count);
+  bool OpenLoad();
+  BlockResult LoadBlock(const ado::RowBlock& converted, std::size_t first, std::size_t count);
+  void LoadRows(const ado::RowBlock& converted, std::size_t first, std::size_t count);
   RowOutcome ExecuteRow(const std::string& statement);
+  /// For a duplicate: true when the row itself was there before.
+  bool IsThere(std::span<const ado::Value> row);
   RowOutcome RefusalOf(const ado::Error& error, const std::string& statement);
   void LearnTypes();
   bool HasTriggers();
   bool RefersToItself();
-  static void CountChanges(std::span<const ado::Value> literals, ChangeCounts& counts);
 
   ado::Connection& destination_;
-  const Target target_;
+  Target target_;
   const std::vector<ado::FieldInfo>& fields_;
-  const std::vector<ColumnFacts>& facts_;
-  std::vector<ado::DataType> types_;  // of the destination's columns; Empty: not known
-  std::string head_;                  // "INSERT INTO ... (...) "
-  std::string identity_on_;           // empty without an identity column
-  std::string identity_off_;
+  InsertBatch inserts_;
+  std::optional<ado::Recordset> load_;   // opened for the first block worth it
+  ado::RowBlock loaded_;                 // a block's rows without those that are not loaded
+  std::vector<std::size_t> not_loaded_;  // the positions of those
 
-  std::string literal_;                      // the value in hand, in the reading thread
-  std::vector<LiteralShape> row_shapes_;     // of the row in hand
-  std::vector<LiteralShape> insert_shapes_;  // those of the INSERT that is being built
-  std::size_t insert_rows_ = 0;              // rows in that INSERT; 0: there is none
-  std::string batch_;
-  ChangeCounts changes_{};    // of the rows stored
-  std::int64_t handled_ = 0;  // rows
+  std::array<std::int64_t, kTimeChanges> changes_{};  // in rows stored, by the bits of TimeChange
+  std::int64_t handled_ = 0;                          // rows
 };
 
 }  // namespace dorvane::to_mssql

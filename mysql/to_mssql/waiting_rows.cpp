@@ -1,6 +1,5 @@
 #include "mysql/to_mssql/waiting_rows.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace dorvane::to_mssql {
@@ -31,27 +30,16 @@ bool WaitingRows::Add(Row row) {
   return true;
 }
 
-std::vector<WaitingRows::Refusal> WaitingRows::Store(ado::Connection& destination) {
+void WaitingRows::Store(ado::Connection& destination, std::map<std::string, RowAccount>& accounts) {
   // To and fro, since most parents stand on one side of their children.
   for (int idle_rounds = 0; idle_rounds < 2 && !rows_.empty();) {
     rows_.reverse();
     const auto stored = std::erase_if(rows_, [&](Row& row) { return IsStored(destination, row); });
     idle_rounds = stored > 0 ? 0 : idle_rounds + 1;
   }
-  std::vector<Refusal> refusals;
-  for (Row& row : rows_) {
-    auto refusal = std::ranges::find(refusals, row.table, &Refusal::table);
-    if (refusal == refusals.end()) {
-      refusal = refusals.insert(refusals.end(), {row.table, 0, row.position, row.reason});
-    }
-    ++refusal->rows;
-    if (row.position >= refusal->first_position) continue;
-    refusal->first_position = row.position;
-    refusal->first_reason = std::move(row.reason);
-  }
+  for (const Row& row : rows_) accounts[row.table].AddRefused(1, row.position, row.reason);
   rows_.clear();
   bytes_ = 0;
-  return refusals;
 }
 
 }  // namespace dorvane::to_mssql

@@ -3,10 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
+#include <map>
 #include <string>
-#include <vector>
 
 #include "endpoint/failure.h"
+#include "endpoint/row_copier.h"
 #include "platform/ado/connection.h"
 
 namespace dorvane::to_mssql {
@@ -22,19 +23,12 @@ class WaitingRows {
     std::string after;    // to be executed after the statement; may be empty
     ErrorSummary reason;  // why it was refused: the server's own number and words
   };
-  /// Those of one table that were never taken.
-  struct Refusal {
-    std::string table;
-    std::int64_t rows = 0;
-    std::int64_t first_position = 0;
-    ErrorSummary first_reason;
-  };
 
   /// False, and no change, when too many wait already.
   bool Add(Row row);
-  bool IsEmpty() const { return rows_.empty(); }
-  /// Sends all of them over and over, as long as one more is taken. Forgets them.
-  std::vector<Refusal> Store(ado::Connection& destination);
+  /// Sends all of them over and over, as long as one more is taken; adds those that never were to
+  /// the accounts of their tables. Forgets them.
+  void Store(ado::Connection& destination, std::map<std::string, RowAccount>& accounts);
 
  private:
   std::list<Row> rows_;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,10 +34,13 @@ class ResultReader {
 class TableWriter {
  public:
   virtual ~TableWriter() = default;
+  /// Whether Insert takes a row just as it is. Any other one needs a statement.
+  virtual bool Takes(std::span<const Value> /*row*/) const { return true; }
   /// Inserts `count` rows of the block from row `first` on, in as few round trips as the server
-  /// takes. Values are NULL, text and bytes, in the order of the columns the writer was opened
-  /// with. Throws ProviderError on the first refusal; rows before it may have been stored, so a
-  /// caller that sends more than one row does so inside a transaction.
+  /// takes. Values are in the order of the columns that the writer was opened with: NULL, text and
+  /// bytes for MySQL, for SQL Server values of the column's own kind. Throws ProviderError on the
+  /// first refusal; rows before it may have been stored, so a caller that sends more than one row
+  /// does so inside a transaction.
   virtual void Insert(const RowBlock& rows, std::size_t first, std::size_t count) = 0;
 };
 

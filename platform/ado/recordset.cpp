@@ -205,6 +205,10 @@ void Recordset::CancelUpdate() {
   Writing().adding = false;
 }
 
+bool Recordset::TakesRow(std::span<const ado::Value> row) const {
+  return Writing().writer->Takes(row);
+}
+
 void Recordset::InsertRows(const RowBlock& rows, std::size_t first, std::size_t count) {
   State& state = Writing();
   state.connection->Guarded([&] { state.writer->Insert(rows, first, count); });

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,7 +76,10 @@ class Recordset {
   void AddNew();
   void Update();
   void CancelUpdate();
-  /// Rows of NULL, text and bytes in the order of the columns; more than one inside a transaction.
+  /// Whether InsertRows takes the row as it is; see TableWriter.
+  bool TakesRow(std::span<const ado::Value> row) const;
+  /// Rows in the order of the columns, with values as TableWriter takes them; more than one inside
+  /// a transaction.
   void InsertRows(const RowBlock& rows, std::size_t first, std::size_t count);
 
   void Close();

@@ -4,6 +4,14 @@
 
 namespace dorvane::text {
 
+bool IsDigits(std::string_view text) {
+  return !text.empty() && std::ranges::all_of(text, [](char c) { return IsDigit(c); });
+}
+
+bool IsAscii(std::string_view text) {
+  return std::ranges::none_of(text, [](char c) { return (c & 0x80) != 0; });
+}
+
 std::string ToLower(std::string_view text) {
   std::string lower(text);
   for (char& c : lower) c = ToLower(c);

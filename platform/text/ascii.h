@@ -12,6 +12,9 @@ inline constexpr std::string_view kWhiteSpace = " \t\r\n";
 inline bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
+/// True for one digit or more and nothing else.
+bool IsDigits(std::string_view text);
+bool IsAscii(std::string_view text);
 inline char ToLower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }

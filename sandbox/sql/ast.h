@@ -231,6 +231,13 @@ struct CreateTableStatement {
   std::vector<ConstraintSyntax> constraints;
 };
 
+struct InsertBulkStatement {
+  ObjectName table;
+  std::vector<ColumnSyntax> columns;
+  bool keeps_nulls = false;
+  bool checks_constraints = false;
+};
+
 struct AlterTableStatement {
   enum class Action { Add, DropConstraint, DropColumn, AlterColumn, Nothing };
   ObjectName table;

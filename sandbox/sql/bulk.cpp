@@ -6,12 +6,46 @@
 namespace sandbox {
 namespace {
 
+// Rows that are written together.
+class BulkRows final : public RowCells {
+ public:
+  BulkRows(std::vector<TypeInfo> types, std::vector<bool> defaults)
+      : types_(std::move(types)), defaults_(std::move(defaults)) {}
+
+  bool IsFull() const { return count_ == RowWriter::kBlockRows; }
+  std::size_t Count() const { return count_; }
+  void Clear() { count_ = 0; }
+  void Add(std::span<const Value> row) {
+    if (count_ == rows_.size()) rows_.emplace_back();
+    rows_[count_++].assign(row.begin(), row.end());
+  }
+
+  void Select(std::size_t row) override { row_ = row; }
+  Cell Get(std::size_t cell) override {
+    const Value& value = rows_[row_][cell];
+    if (value.index() == 0 && defaults_[cell]) return {};
+    return {&value, types_[cell]};
+  }
+
+ private:
+  const std::vector<TypeInfo> types_;
+  const std::vector<bool> defaults_;  // by column: whether a NULL becomes the default
+  std::vector<std::vector<Value>> rows_;
+  std::size_t count_ = 0;
+  std::size_t row_ = 0;
+};
+
 // One bulk load: all its rows are kept together, or none.
 class BulkLoad final : public BulkTarget {
  public:
   BulkLoad(Session& session, DatabaseLink& link, const TableDef& table,
-           const std::vector<std::string>& names, std::vector<ColumnInfo> columns)
-      : session_(session), link_(link), columns_(std::move(columns)), table_(table) {
+           const std::vector<std::string>& names, std::vector<ColumnInfo> columns,
+           const InsertBulkStatement& statement)
+      : session_(session),
+        link_(link),
+        columns_(std::move(columns)),
+        table_(table),
+        checks_constraints_(statement.checks_constraints) {
     const bool keeps_identity = [&] {
       const ColumnDef* identity = table_.IdentityColumn();
       for (const std::string& name : names) {
@@ -23,8 +57,10 @@ class BulkLoad final : public BulkTarget {
     writer_.emplace(
         session_, link_, table_, names,
         keeps_identity ? RowWriter::Identity::Explicit : RowWriter::Identity::Generated);
-    for (const ColumnInfo& column : columns_) types_.push_back(column.type);
-    cells_.resize(columns_.size());
+    std::vector<TypeInfo> types;
+    for (const ColumnInfo& column : columns_) types.push_back(column.type);
+    rows_.emplace(std::move(types),
+                  statement.keeps_nulls ? std::vector<bool>(columns_.size()) : Defaults());
   }
 
   ~BulkLoad() override {
@@ -36,36 +72,36 @@ class BulkLoad final : public BulkTarget {
 
   bool Row(std::span<const Value> values, ResultSink& sink) override {
     if (failed_) return false;
-    for (std::size_t i = 0; i < cells_.size(); ++i) {
-      // A NULL for a column with a default takes the default, as the server does without
-      // KEEP_NULLS.
-      const bool takes_default = values[i].index() == 0 && HasDefault(i);
-      cells_[i] = takes_default ? nullptr : &values[i];
-    }
-    return Guarded(sink, [&] {
-      writer_->Write(cells_, types_);
-      ++rows_;
-    });
+    ++count_;
+    rows_->Add(values);
+    return !rows_->IsFull() || Guarded(sink, [&] { WriteRows(); });
   }
 
   std::int64_t Finish(ResultSink& sink) override {
     if (failed_) return 0;
     Guarded(sink, [&] {
-      writer_->Finish();
+      WriteRows();
+      writer_->Finish(checks_constraints_);
       scope_->Keep();
       finished_ = true;
       session_.CommitImplicit();
     });
-    return failed_ ? 0 : rows_;
+    return failed_ ? 0 : count_;
   }
 
  private:
-  bool HasDefault(std::size_t cell) const {
+  void WriteRows() {
+    writer_->WriteRows(*rows_, rows_->Count());
+    rows_->Clear();
+  }
+
+  std::vector<bool> Defaults() const {
+    std::vector<bool> defaults(columns_.size());
     for (const InsertPlan::Slot& slot : writer_->Plan().slots) {
-      if (slot.source == InsertPlan::Source::Cell && slot.cell == cell)
-        return slot.default_value != nullptr;
+      if (slot.source == InsertPlan::Source::Cell)
+        defaults[slot.cell] = slot.default_value != nullptr;
     }
-    return false;
+    return defaults;
   }
 
   template <class Body>
@@ -90,11 +126,11 @@ class BulkLoad final : public BulkTarget {
   DatabaseLink& link_;
   std::vector<ColumnInfo> columns_;
   const TableDef table_;
+  const bool checks_constraints_;
   std::optional<StatementScope> scope_;
   std::optional<RowWriter> writer_;
-  std::vector<TypeInfo> types_;
-  std::vector<const Value*> cells_;
-  std::int64_t rows_ = 0;
+  std::optional<BulkRows> rows_;
+  std::int64_t count_ = 0;
   bool failed_ = false;
   bool finished_ = false;
 };
@@ -107,7 +143,7 @@ std::unique_ptr<BulkTarget> Session::BeginBulk(std::string_view statement, Resul
   std::unique_ptr<BulkTarget> target;
   try {
     Parser parser(statement);
-    const CreateTableStatement bulk = parser.ParseInsertBulk();
+    const InsertBulkStatement bulk = parser.ParseInsertBulk();
     CommitImplicit();
     DatabaseLink& link = LinkTo(bulk.table.database);
     link.BeginWrite();
@@ -128,7 +164,7 @@ std::unique_ptr<BulkTarget> Session::BeginBulk(std::string_view statement, Resul
         columns.push_back({column.name, column.type, column.nullable, column.identity});
       }
     }
-    target = std::make_unique<BulkLoad>(*this, link, table, names, std::move(columns));
+    target = std::make_unique<BulkLoad>(*this, link, table, names, std::move(columns), bulk);
   } catch (const SqlError& error) {
     EndImplicit();
     Report(error, 1, false);

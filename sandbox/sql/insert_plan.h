@@ -30,7 +30,7 @@ struct InsertPlan {
   std::vector<Slot> slots;  // in the order of the table's columns
   std::size_t cells = 0;    // the values a row brings
   SqliteStatement insert;
-  SqliteStatement insert_block;  // kBlockRows rows at once; prepared when first needed
+  SqliteStatement insert_block;  // RowWriter::kBlockRows at once; prepared when first needed
   bool takes_blocks = false;     // its values can be worked out again when a block fails
   const ColumnDef* identity = nullptr;
   bool verifies = false;  // foreign keys or checks look at the row afterwards
@@ -57,6 +57,9 @@ class RowCells {
 class RowWriter {
  public:
   enum class Identity { Generated, Explicit };
+  /// SQLite starts and ends each statement at a cost of about two rows, so WriteRows gives it so
+  /// many at once.
+  static constexpr std::size_t kBlockRows = 16;
 
   /// `columns` empty: all that take values. Raises 207, 264, 273, 544, 545, 8101.
   RowWriter(Session& session, DatabaseLink& link, const TableDef& table,
@@ -70,7 +73,7 @@ class RowWriter {
   void WriteDefaults();
   std::int64_t WriteQuery(const BoundQuery& query, const Binder& binder);
   /// Checks what looks at other rows, and notes the identity for scope_identity().
-  void Finish();
+  void Finish(bool checks_constraints = true);
 
  private:
   std::shared_ptr<InsertPlan> MakePlan(const std::vector<std::string>& columns, Identity identity);

@@ -246,8 +246,8 @@ std::vector<DeclareItem> Parser::ParseParameterList() {
   return items;
 }
 
-CreateTableStatement Parser::ParseInsertBulk() {
-  CreateTableStatement bulk;
+InsertBulkStatement Parser::ParseInsertBulk() {
+  InsertBulkStatement bulk;
   Expect("insert");
   Expect("bulk");
   bulk.table = TakeObjectName();
@@ -263,7 +263,21 @@ CreateTableStatement Parser::ParseInsertBulk() {
     } while (AcceptSymbol(","));
     ExpectSymbol(")");
   }
-  return bulk;  // what follows ("with (keepnulls)") changes nothing here
+  if (!Accept("with")) return bulk;
+  ExpectSymbol("(");
+  do {
+    // The other hints are about speed, and about triggers, of which there are none.
+    if (Accept("keep_nulls")) {
+      bulk.keeps_nulls = true;
+    } else if (Accept("check_constraints")) {
+      bulk.checks_constraints = true;
+    } else {
+      TakeName();
+      if (AcceptSymbol("=")) TakeInteger();
+    }
+  } while (AcceptSymbol(","));
+  ExpectSymbol(")");
+  return bulk;
 }
 
 }  // namespace sandbox

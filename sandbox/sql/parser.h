@@ -25,7 +25,7 @@ class Parser {
   /// "@a int, @b varchar(10) = null output", as sp_executesql declares its parameters.
   std::vector<DeclareItem> ParseParameterList();
   /// "INSERT BULK t (a int, ...) with (...)": the table and its columns.
-  CreateTableStatement ParseInsertBulk();
+  InsertBulkStatement ParseInsertBulk();
   /// A name by itself: "dbo.[my table]".
   ObjectName ParseNameText();
 

@@ -198,6 +198,12 @@ std::optional<Result> Session::SessionValue(std::string_view name,
             }},
       Entry{"columnproperty", [](Session& s, Args args) { return ColumnPropertyOf(s, args); }},
       Entry{"objectproperty", [](Session& s, Args args) { return ObjectPropertyOf(s, args); }},
+      Entry{"collationproperty",
+            [](Session&, Args args) {
+              return SameName(TextArgument(args, 1), "codepage") && !TextArgument(args, 0).empty()
+                         ? Integer(1252)
+                         : Null(IntType());
+            }},
       Entry{"databasepropertyex",
             [](Session&, Args args) {
               return SameName(TextArgument(args, 1), "collation")

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <clocale>
 #include <csignal>
 #include <fstream>
 
@@ -25,6 +26,7 @@ class UnattendedRun : public testing::Test {
  protected:
   RunStatus Run(const PlainEndpoint::Transfer& transfer, const std::string& log_path) {
     std::ofstream(folder_ / "n.dcs", std::ios::binary)
+        << mark_
         << "1\r\nh\r\n1\r\nu\r\n\r\n\r\nd\r\nh\r\n2\r\nu\r\n\r\n\r\nd\r\na:<:"
            "b\r\nFalse\r\nTrue\r\n2\r\n"
            "False\r\n"
@@ -40,6 +42,7 @@ class UnattendedRun : public testing::Test {
   std::string Log() const { return ReadFile(folder_ / "log"); }
 
   TempFolder folder_;
+  std::string mark_;  // in front of the settings
   IRunHost* host_ = nullptr;
 };
 
@@ -64,6 +67,14 @@ TEST_F(UnattendedRun, WritesTheEventsAsLinesAndAppends) {
   Run(transfer);
   EXPECT_EQ(Log().find(first), 0u);
   EXPECT_GT(Log().size(), first.size());
+}
+
+TEST_F(UnattendedRun, TheLogOfUtf8SettingsIsUtf8) {
+  mark_ = "\xEF\xBB\xBF";
+  Run([](IDatabase&, const NameList&, IConversionListener& listener) {
+    listener.TableConversionStarted("таблица");
+  });
+  EXPECT_EQ(Log(), mark_ + "Converting table 'таблица' ..... \r\n");
 }
 
 TEST_F(UnattendedRun, AnythingReportedFailsTheRun) {
@@ -197,16 +208,44 @@ TEST_F(UnattendedRun, UnusableSettingsGoToStandardError) {
     return testing::internal::GetCapturedStderr();
   };
   EXPECT_EQ(unusable("3\r\n"), "Conversion Failed - unexpected conversion direction value.\n");
+  EXPECT_EQ(ReadFile(folder_ / "bad.dcs.log"),
+            "Conversion Failed - unexpected conversion direction value.\r\n");
   EXPECT_THAT(unusable("1\r\nh\r\n"), HasSubstr("conversion failed! unkown error 62 - "));
   std::string noise;
   for (int i = 0; i < 5000; ++i) noise.push_back(static_cast<char>(i * 37));
   EXPECT_NE(unusable("1\r\n" + noise), "");
 }
 
+TEST_F(UnattendedRun, ABadLineIsToldInTheLogThatTheSettingsName) {
+  const std::string log = (folder_ / "log").string();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Run({}, log + "\r\nIdle limit=soon"), RunStatus::kSettingsUnusable);
+  EXPECT_EQ(
+      Log(),
+      "conversion failed! unkown error 13 - Idle limit: no whole number of seconds (line 20 of "
+      "n.dcs: Idle limit=soon)\r\n");
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "n.dcs.log"));
+  testing::internal::GetCapturedStderr();
+}
+
+TEST_F(UnattendedRun, ADateThatTheLogHasNoLettersForIsInIsoForm) {
+  ASSERT_EQ(
+      test::Run({"localedef", "-i", "ja_JP", "-f", "UTF-8", (folder_ / "ja").string()}).status, 0);
+  setenv("LOCPATH", folder_.Path().c_str(), 1);
+  ASSERT_NE(std::setlocale(LC_TIME, "ja"), nullptr);
+  Run([](IDatabase&, const NameList&, IConversionListener& listener) {
+    listener.ConversionStarted(1, false);
+  });
+  std::setlocale(LC_TIME, "C");
+  unsetenv("LOCPATH");
+  EXPECT_THAT(Log(), testing::ContainsRegex("started at: [0-9-]+ [0-9:]+\r\n"));
+}
+
 TEST_F(UnattendedRun, ALogThatCannotBeOpenedIsUnusableOneThatFillsUpIsAFailure) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(Run({}, (folder_ / "no" / "log").string()), RunStatus::kSettingsUnusable);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("unkown error 76"));
+  EXPECT_THAT(ReadFile(folder_ / "n.dcs.log"), HasSubstr("unkown error 76"));
 
   testing::internal::CaptureStderr();
   bool finished = false;

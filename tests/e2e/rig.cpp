@@ -14,7 +14,7 @@ namespace {
 void Prepare(IDatabase& endpoint, int port, const std::string& user, const std::string& password,
              const std::string& database) {
   endpoint.SetServer("127.0.0.1");
-  endpoint.SetPortNo(static_cast<std::int16_t>(port));
+  endpoint.SetPortNo(port);
   endpoint.SetUserId(user);
   endpoint.SetPassword(password);
   endpoint.SetDbName(database);

@@ -108,6 +108,33 @@ TEST_F(ConnectionPages, WindowsLoginGreysTheLoginAndReachesTheEndpointAtOnce) {
   EXPECT_EQ(driver_.Get("txtSrcUsername").palette().color(QPalette::Base), QColor(255, 255, 255));
 }
 
+TEST_F(ConnectionPages, EncryptionReachesTheEndpointAndAsksForAFileOnlyToVerify) {
+  driver_.Next();
+  auto& list = driver_.Get<QComboBox>("cmbSrcEncryption");
+  auto& file = driver_.Get<QLineEdit>("txtSrcCaFile");
+  const auto choose = [&list](int key) { QTest::keyClick(&list, static_cast<Qt::Key>(key)); };
+  EXPECT_EQ(Entries("cmbSrcEncryption"), (QStringList{"Offered", "Required", "Verified"}));
+  EXPECT_TRUE(file.isHidden());
+  driver_.Click("cmdSrcConnect");
+  EXPECT_EQ(Src().Settings().encryption, ado::Encryption::Offered);
+  choose(Qt::Key_End);
+  EXPECT_TRUE(driver_.IsEnabled("cmdSrcConnect")) << "another connection has to be made";
+  EXPECT_TRUE(Entries("cmbSrcExistingDatabase").isEmpty());
+  EXPECT_FALSE(file.isHidden());
+  driver_.Type("txtSrcCaFile", "/etc/ca.pem");
+  driver_.Click("cmdSrcConnect");
+  EXPECT_EQ(Src().Settings().encryption, ado::Encryption::Verified);
+  EXPECT_EQ(Src().Settings().ca_file, "/etc/ca.pem");
+  choose(Qt::Key_Up);
+  EXPECT_TRUE(file.isHidden());
+  driver_.Click("cmdSrcConnect");
+  EXPECT_EQ(Src().Settings().encryption, ado::Encryption::Required);
+  EXPECT_EQ(Src().Settings().ca_file, "");
+  driver_.Back();
+  driver_.Click("optMySqlToMsSql");
+  EXPECT_EQ(list.currentText(), "Offered");
+}
+
 TEST_F(ConnectionPages, PasswordsShowAsAsterisks) {
   auto& field = driver_.Get<QLineEdit>("txtSrcPassword");
   field.setText("abc");

@@ -88,23 +88,26 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
       {nullptr, {"optMsSqlToMySql", "cmdNav1", "cmdNav3"}},
       {"cmdNav3",
        {"txtSrcHost", "txtSrcPortnumber", "txtSrcUsername", "txtSrcPassword", "chkWinAuth",
-        "cmdSrcConnect", "cmdNav1", "cmdNav2", "cmdNav3"}},
+        "cmbSrcEncryption", "cmdSrcConnect", "cmdNav1", "cmdNav2", "cmdNav3"}},
       {"cmdSrcConnect",
        {"cmbSrcExistingDatabase", "cmdSrcDisconnect", "cmdNav1", "cmdNav2", "cmdNav3", "txtSrcHost",
-        "txtSrcPortnumber", "txtSrcUsername", "txtSrcPassword", "chkWinAuth"}},
+        "txtSrcPortnumber", "txtSrcUsername", "txtSrcPassword", "chkWinAuth", "cmbSrcEncryption"}},
       {"cmdNav3",
-       {"txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword", "optNewDb",
-        "txtDestNewDbName", "cmdDestConnect", "cmdNav1", "cmdNav2", "cmdNav3"}},
+       {"txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword",
+        "cmbDestEncryption", "optNewDb", "txtDestNewDbName", "cmdDestConnect", "cmdNav1", "cmdNav2",
+        "cmdNav3"}},
       {"optExistingDb",
        {"optExistingDb", "opnMerge", "cmdDestConnect", "cmdNav1", "cmdNav2", "cmdNav3",
-        "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword"}},
+        "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword",
+        "cmbDestEncryption"}},
   });
   driver_.Click("opnOverwite");
   driver_.Click("cmdDestConnect");
   expect({
       {nullptr,
        {"cmbDestExistingDatabase", "opnOverwite", "cmdDestDisconnect", "cmdNav1", "cmdNav2",
-        "cmdNav3", "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword"}},
+        "cmdNav3", "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword",
+        "cmbDestEncryption"}},
       {"cmdNav3",
        {"lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL", "lstDestTables",
         "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips", "cmdNav1",
@@ -121,14 +124,14 @@ TEST_F(Keyboard, TabGoesThroughThePagesOfTheOtherDirection) {
   EXPECT_EQ(TabOrder(), (Names{"optMySqlToMsSql", "cmdNav1", "cmdNav3"}));
   driver_.Next();
   EXPECT_EQ(TabOrder(), (Names{"txtDir2MysqlHost", "txtDir2MysqlPortNo", "txtDir2MysqlUsername",
-                               "txtDir2MysqlPassword", "cmdDir2MysqlConnect", "cmdNav1", "cmdNav2",
-                               "cmdNav3"}));
+                               "txtDir2MysqlPassword", "cmbDir2MysqlEncryption",
+                               "cmdDir2MysqlConnect", "cmdNav1", "cmdNav2", "cmdNav3"}));
   driver_.Click("cmdDir2MysqlConnect");
   driver_.Next();
   EXPECT_EQ(TabOrder(), (Names{"txtDir2MsSqlHost", "txtDir2MsSqlPortNo", "txtDir2MsSqlUsername",
-                               "txtDir2MsSqlPassword", "chkDir2MsSqlAuth", "opnDir2MsSqlNewDb",
-                               "txtDir2MsSqlNewDatabase", "cmdDir2MsSqlConnect", "cmdNav1",
-                               "cmdNav2", "cmdNav3"}));
+                               "txtDir2MsSqlPassword", "chkDir2MsSqlAuth", "cmbDir2MsSqlEncryption",
+                               "opnDir2MsSqlNewDb", "txtDir2MsSqlNewDatabase",
+                               "cmdDir2MsSqlConnect", "cmdNav1", "cmdNav2", "cmdNav3"}));
 }
 
 TEST_F(Keyboard, ArrowsMoveTheChoice) {

@@ -55,10 +55,14 @@ class ScheduleDialogTest : public ::testing::Test {
     services.make_scheduler = [this] { return std::make_unique<scheduler::CronScheduler>(cron_); };
     services.program_folder = program_folder_;
     services.settings_folder = program_folder_;
-    services.show_message = [this](std::string_view text, std::int32_t style,
-                                   std::string_view title) {
+    services.messages.show = [this](std::string_view text, std::int32_t style,
+                                    std::string_view title) {
       messages_.push_back(std::string(title) + "|" + std::to_string(style) + "|" +
                           std::string(text));
+    };
+    services.messages.ask = [this](std::string_view question) {
+      messages_.emplace_back(question);
+      return answer_;
     };
     dialog_ = std::make_unique<frmSchedule>(src_, dest_, std::move(tables), std::move(services));
     dialog_->show();
@@ -94,12 +98,13 @@ class ScheduleDialogTest : public ::testing::Test {
   test::PlainEndpoint src_{ServerKind::MsSql};
   test::PlainEndpoint dest_{ServerKind::MySql};
   std::vector<std::string> messages_;
+  bool answer_ = true;
   std::unique_ptr<frmSchedule> dialog_;
 };
 
 TEST_F(ScheduleDialogTest, MakesTheTaskAndItsSettingsFile) {
   EXPECT_EQ(Text(dialog_->windowTitle()), "Schedule Conversion");
-  Fill("nightly", " /var/log/sales.txt ");
+  Fill("nightly", " sales.txt ");
   Click("cmdSchedule");
   EXPECT_THAT(TakeMessages(), IsEmpty());
   EXPECT_TRUE(dialog_->isVisible());
@@ -116,15 +121,15 @@ TEST_F(ScheduleDialogTest, MakesTheTaskAndItsSettingsFile) {
   const std::filesystem::path file = program_folder_ / "nightly.dcs";
   EXPECT_THAT(test::ReadFile(file), ::testing::StartsWith("1\r\nsqlhost\r\n1433\r\nsa\r\n"));
   EXPECT_THAT(test::ReadFile(file), ::testing::EndsWith("\r\nCustomers:<:Orders\r\nFalse\r\nTrue"
-                                                        "\r\n1\r\nFalse\r\n /var/log/sales.txt "
+                                                        "\r\n1\r\nFalse\r\n sales.txt "
                                                         "\r\n"));
   EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0600));
-  EXPECT_FALSE(std::filesystem::exists(folder_ / "pwned"));
+  EXPECT_FALSE(std::filesystem::exists(program_folder_ / " sales.txt ")) << "it was only tried";
   EXPECT_NE(dialog_->findChild<TaskSettingsDialog*>(), nullptr);
 }
 
 TEST_F(ScheduleDialogTest, RefusesATakenNameAndKeepsItsSettingsFile) {
-  Fill("nightly", "/log.txt");
+  Fill("nightly", "log.txt");
   Click("cmdSchedule");
   CloseSettings("cmdTaskCancel");
   const std::string before = test::ReadFile(program_folder_ / "nightly.dcs");
@@ -139,7 +144,7 @@ TEST_F(ScheduleDialogTest, RefusesATakenNameAndKeepsItsSettingsFile) {
 
 TEST_F(ScheduleDialogTest, AsksForANameAndALogFile) {
   Find<QLineEdit>("txtLogFile").setFocus();
-  Fill("", "/log.txt");
+  Fill("", "log.txt");
   Click("cmdSchedule");
   EXPECT_THAT(TakeMessages(), ElementsAre("Error|16|Please enter a valid task name"));
   EXPECT_EQ(dialog_->focusWidget(), &Find<QLineEdit>("txtTaskName"));
@@ -150,14 +155,14 @@ TEST_F(ScheduleDialogTest, AsksForANameAndALogFile) {
   EXPECT_THAT(TakeMessages(), ElementsAre("Error|16|Please specify the log file destination"));
   EXPECT_EQ(dialog_->focusWidget(), &Find<QLineEdit>("txtLogFile"));
 
-  Fill("../evil", "/log.txt");
+  Fill("../evil", "log.txt");
   Click("cmdSchedule");
   EXPECT_THAT(TakeMessages(), ElementsAre("Error|16|Please enter a valid task name"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "evil.dcs"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "tab"));
 
   // Only an empty name is empty: blanks are a name.
-  Fill("  ", "/log.txt");
+  Fill("  ", "log.txt");
   Click("cmdSchedule");
   EXPECT_THAT(TakeMessages(), IsEmpty());
   EXPECT_TRUE(std::filesystem::exists(program_folder_ / "  .dcs"));
@@ -165,22 +170,22 @@ TEST_F(ScheduleDialogTest, AsksForANameAndALogFile) {
 
 TEST_F(ScheduleDialogTest, TellsEveryOtherFailureAndLeavesNoHalfFile) {
   MakeDialog({});
-  Fill("empty", "/log.txt");
+  Fill("empty", "log.txt");
   Click("cmdSchedule");
   const auto messages = TakeMessages();
   ASSERT_EQ(messages.size(), 1U);
   EXPECT_THAT(messages.front(), ::testing::StartsWith("Error|16|Unknown error 5 - "));
   EXPECT_TRUE(std::filesystem::is_empty(program_folder_));
-  EXPECT_NO_THROW(Saved("empty")) << "what was done before the failure stays";
+  EXPECT_FALSE(Saved("empty").enabled) << "the task stays, and does not run without its file";
 
   std::filesystem::remove(folder_ / "crontab");
-  Fill("other", "/log.txt");
+  Fill("other", "log.txt");
   Click("cmdSchedule");
   EXPECT_THAT(TakeMessages(), ElementsAre(::testing::StartsWith("Error|16|Unknown error 53 - ")));
 }
 
 TEST_F(ScheduleDialogTest, LetsTheUserCompleteTheSchedule) {
-  Fill("Größe 100%", "/log.txt");
+  Fill("Größe 100%", "log.txt");
   Click("cmdSchedule");
   EXPECT_NE(Text(Find<QLabel>("lblNextRun").text()), "");
   EXPECT_FALSE(Find<QCheckBox>("chkRunMissed").isEnabled()) << "a crontab can't";
@@ -214,7 +219,7 @@ TEST_F(ScheduleDialogTest, LetsTheUserCompleteTheSchedule) {
 }
 
 TEST_F(ScheduleDialogTest, RunsTheTaskAtOnceAndDeletesIt) {
-  Fill("now", "/log.txt");
+  Fill("now", "log.txt");
   Click("cmdSchedule");
   Click("cmdRunNow");
   ASSERT_EQ(TakeMessages().size(), 1U) << "there is no program yet";
@@ -231,8 +236,28 @@ TEST_F(ScheduleDialogTest, RunsTheTaskAtOnceAndDeletesIt) {
   }
   EXPECT_EQ(test::ReadFile(program_folder_ / "done"), "1\r\nsqlhost\r\n");
 
+  answer_ = false;
+  Click("cmdDelete");
+  EXPECT_THAT(TakeMessages(), ElementsAre("Delete the task now and its settings file?"));
+  EXPECT_TRUE(scheduler::CronScheduler(cron_).Find("now"));
+  answer_ = true;
   CloseSettings("cmdDelete");
   EXPECT_FALSE(scheduler::CronScheduler(cron_).Find("now"));
+  EXPECT_FALSE(std::filesystem::exists(program_folder_ / "now.dcs")) << "it holds passwords";
+}
+
+TEST_F(ScheduleDialogTest, SaysWhenTheRunsCouldNotOpenTheirLog) {
+  std::ofstream(program_folder_ / "old.txt") << "earlier runs";
+  Fill("nightly", "old.txt");
+  Click("cmdSchedule");
+  EXPECT_THAT(TakeMessages(), IsEmpty());
+  EXPECT_EQ(test::ReadFile(program_folder_ / "old.txt"), "earlier runs");
+  CloseSettings("cmdTaskCancel");
+  Fill("weekly", "~/weekly.txt");
+  Click("cmdSchedule");
+  EXPECT_THAT(TakeMessages(), ElementsAre(::testing::StartsWith(
+                                  "Error|16|The task was saved, but its log cannot be opened: ")));
+  EXPECT_TRUE(Saved("weekly").enabled);
 }
 
 TEST_F(ScheduleDialogTest, TakesAnExistingLogFileWithoutAQuestion) {

@@ -156,7 +156,11 @@ void MakeSmall(WizardDriver& driver, Script&) {
   driver.Window().resize(1, 1);
 }
 
-void GiveLongNames(WizardDriver&, Script& script) {
+void GiveLongNames(WizardDriver& driver, Script& script) {
+  for (const std::string page : {"Dir2Mysql", "Dir2MsSql"}) {
+    driver.Get<QComboBox>(("cmb" + page + "Encryption").c_str()).setCurrentText("Verified");
+    driver.Get<QLineEdit>(("txt" + page + "CaFile").c_str()).setText("/etc/ssl/our-own.pem");
+  }
   script.databases = [] { return NameList{kLongName, "x"}; };
   script.tables = [] { return NameList{kLongName + "1", kLongName + "2", kLongName + "3", "x"}; };
 }
@@ -168,7 +172,7 @@ void TakeSchedule(Camera& camera) {
   services.make_scheduler = [&] { return std::make_unique<scheduler::CronScheduler>(crontab); };
   services.program_folder = "/usr/lib/dorvane";
   services.settings_folder = folder.Path();
-  services.show_message = ShowMessage;
+  services.messages = {.show = ShowMessage, .ask = [](std::string_view) { return true; }};
   PlainEndpoint src(ServerKind::MsSql);
   PlainEndpoint dest(ServerKind::MySql);
   frmSchedule dialog(src, dest, Tables(), services);

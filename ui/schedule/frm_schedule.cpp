@@ -84,9 +84,7 @@ void frmSchedule::Schedule() {
     return Refuse("Please specify the log file destination", txtLogFile_);
   }
   try {
-    SaveTask(name);
-    SaveConversionSettings(TaskSettingsFile(services_.settings_folder, name), src_, dest_, tables_,
-                           log);
+    TellUnusableLog(SaveTask(name, log), log);
   } catch (const RunTimeError& error) {
     if (error.Number() == scheduler::kTaskExists) {
       return Refuse("This task already exists. Please enter a another name", txtTaskName_);
@@ -100,18 +98,39 @@ void frmSchedule::Schedule() {
   }
 }
 
-void frmSchedule::SaveTask(const std::string& name) {
+scheduler::Task frmSchedule::SaveTask(const std::string& name, const std::string& log) {
   const std::shared_ptr<scheduler::ITaskScheduler> scheduler = services_.make_scheduler();
-  const scheduler::Task task =
+  scheduler::Task task =
       SaveConversionTask(*scheduler, name, services_.program_folder, services_.settings_folder);
-  auto& settings = MakeChild<TaskSettingsDialog>(*this, scheduler, task, services_.show_message);
-  settings.setAttribute(Qt::WA_DeleteOnClose);
-  // Does not wait: the settings file has to be there when the user runs the task from the window.
-  settings.open();
+  const auto show_settings = [&] {
+    auto& settings = MakeChild<TaskSettingsDialog>(*this, scheduler, task, services_.messages);
+    settings.setAttribute(Qt::WA_DeleteOnClose);
+    settings.open();
+  };
+  try {
+    SaveConversionSettings(TaskSettingsFile(services_.settings_folder, name), src_, dest_, tables_,
+                           log);
+  } catch (...) {
+    task.enabled = false;
+    scheduler->Save(task);
+    show_settings();
+    throw;
+  }
+  show_settings();
+  return task;
+}
+
+void frmSchedule::TellUnusableLog(const scheduler::Task& task, const std::string& log) const {
+  try {
+    TryLog(task, log);
+  } catch (const RunTimeError& error) {
+    Refuse(fmt::format("The task was saved, but its log cannot be opened: {}", error.Description()),
+           nullptr);
+  }
 }
 
 void frmSchedule::Refuse(std::string_view message, QLineEdit* field) const {
-  services_.show_message(message, message_style::kError, "Error");
+  services_.messages.show(message, message_style::kError, "Error");
   if (field != nullptr) field->setFocus();
 }
 

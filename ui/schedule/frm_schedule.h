@@ -22,7 +22,7 @@ struct ScheduleServices {
       scheduler::MakeTaskScheduler;
   std::filesystem::path program_folder;   // where "Dorvane" lies
   std::filesystem::path settings_folder;  // where the task's settings file goes and the task runs
-  MessageFunction show_message;
+  Messages messages;
 };
 
 /// Turns a conversion into a task of the operating system, with a settings file of the task's name.
@@ -38,8 +38,11 @@ class frmSchedule : public QDialog {
   QLineEdit& AddField(QGridLayout& layout, const char* name, const QString& caption);
   void Browse();
   void Schedule();
-  /// Makes the task and shows its settings. Throws RunTimeError.
-  void SaveTask(const std::string& name);
+  /// Makes the task and its settings file, and shows the task's settings. Throws RunTimeError; a
+  /// task whose file could not be written is not enabled.
+  scheduler::Task SaveTask(const std::string& name, const std::string& log);
+  /// Says so when the task's runs could not open their log.
+  void TellUnusableLog(const scheduler::Task& task, const std::string& log) const;
   void Refuse(std::string_view message, QLineEdit* field) const;
 
   const IDatabase& src_;

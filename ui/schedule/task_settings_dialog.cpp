@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "endpoint/events.h"
+#include "job/scheduled_conversion.h"
 #include "platform/run_time_error.h"
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
@@ -59,11 +60,11 @@ QString NextRunText(const Task& task) {
 }  // namespace
 
 TaskSettingsDialog::TaskSettingsDialog(std::shared_ptr<scheduler::ITaskScheduler> scheduler,
-                                       Task task, MessageFunction show_message, QWidget* parent)
+                                       Task task, Messages messages, QWidget* parent)
     : QDialog(parent),
       scheduler_(std::move(scheduler)),
       task_(std::move(task)),
-      show_message_(std::move(show_message)) {
+      messages_(std::move(messages)) {
   setObjectName("frmTaskSettings");
   setWindowTitle(QString::fromStdString(task_.name));
   auto& layout = MakeChild<QVBoxLayout>(*static_cast<QWidget*>(this));
@@ -202,7 +203,9 @@ void TaskSettingsDialog::RunNow() {
 }
 
 void TaskSettingsDialog::Delete() {
-  if (Try([this] { scheduler_->Remove(task_.name); })) accept();
+  const std::string question = "Delete the task " + task_.name + " and its settings file?";
+  if (!messages_.ask(question)) return;
+  if (Try([this] { DeleteConversionTask(*scheduler_, task_); })) accept();
 }
 
 bool TaskSettingsDialog::Try(const std::function<void()>& step) const {
@@ -210,9 +213,9 @@ bool TaskSettingsDialog::Try(const std::function<void()>& step) const {
     step();
     return true;
   } catch (const RunTimeError& error) {
-    show_message_(error.Description(), message_style::kError, "Error");
+    messages_.show(error.Description(), message_style::kError, "Error");
   } catch (const std::exception& error) {
-    show_message_(error.what(), message_style::kError, "Error");
+    messages_.show(error.what(), message_style::kError, "Error");
   }
   return false;
 }

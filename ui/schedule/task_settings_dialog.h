@@ -23,9 +23,12 @@ namespace dorvane {
 inline constexpr int kDialogMargin = 20;
 inline constexpr int kDialogGap = 10;
 
-/// How these dialogs show a message; `style` is a value of message_style.
-using MessageFunction =
-    std::function<void(std::string_view text, std::int32_t style, std::string_view title)>;
+/// How these dialogs talk to the user; `style` is a value of message_style.
+struct Messages {
+  std::function<void(std::string_view text, std::int32_t style, std::string_view title)> show;
+  /// True for Yes.
+  std::function<bool(std::string_view question)> ask;
+};
 
 /// Shows a saved task and lets the user complete its schedule, run it at once or delete it.
 class TaskSettingsDialog : public QDialog {
@@ -33,7 +36,7 @@ class TaskSettingsDialog : public QDialog {
 
  public:
   TaskSettingsDialog(std::shared_ptr<scheduler::ITaskScheduler> scheduler, scheduler::Task task,
-                     MessageFunction show_message, QWidget* parent = nullptr);
+                     Messages messages, QWidget* parent = nullptr);
 
  private:
   void AddFacts(QFormLayout& form);
@@ -51,7 +54,7 @@ class TaskSettingsDialog : public QDialog {
 
   const std::shared_ptr<scheduler::ITaskScheduler> scheduler_;
   const scheduler::Task task_;
-  const MessageFunction show_message_;
+  const Messages messages_;
   QCheckBox* chkEnabled_ = nullptr;
   QDateEdit* dteBegin_ = nullptr;
   QTimeEdit* tmeStart_ = nullptr;

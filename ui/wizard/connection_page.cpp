@@ -19,7 +19,9 @@ TypedSettings ConnectionPage::Typed() const {
   return {.settings = {.server = host_->text().toStdString(),
                        .user_id = user_->text().toStdString(),
                        .password = password_->text().toStdString(),
-                       .integrated_security = UsesWindowsLogin()},
+                       .integrated_security = UsesWindowsLogin(),
+                       .encryption = encryption_->Encryption(),
+                       .ca_file = encryption_->CaFile()},
           .port = port_->text().toStdString()};
 }
 
@@ -30,6 +32,7 @@ void ConnectionPage::ProposeNewName(const std::string& name) {
 
 void ConnectionPage::ClearFields() {
   for (QLineEdit* field : {host_, user_, password_, port_}) field->clear();
+  encryption_->Clear();
 }
 
 void ConnectionPage::TickWindowsLogin() {
@@ -45,6 +48,11 @@ void ConnectionPage::OnWindowsLogin() {
     theme::SetColor(*field, QPalette::Base,
                     ticked ? theme::kDisabledFieldBackground : theme::kFieldBackground);
   }
+}
+
+void ConnectionPage::OnEncryption() {
+  // What was connected otherwise does not count.
+  if (IsConnected()) OnDisconnect();
 }
 
 void ConnectionPage::OnExistingDatabase() {

@@ -9,6 +9,7 @@
 
 #include "ui/controls/gradient_button.h"
 #include "ui/wizard/connection_rules.h"
+#include "ui/wizard/encryption_fields.h"
 #include "ui/wizard/wizard_page.h"
 #include "ui/wizard/wizard_session.h"
 #include "ui/wizard/worker_call.h"
@@ -60,6 +61,7 @@ class ConnectionPage : public WizardPage {
   QWidget* FocusFor(FieldRefusal::Field field);
 
   void OnWindowsLogin();
+  void OnEncryption();
   void OnExistingDatabase();
   void OnNewDatabase();
   void OnConnect();
@@ -76,6 +78,7 @@ class ConnectionPage : public WizardPage {
   QLineEdit* user_ = nullptr;
   QLineEdit* password_ = nullptr;
   QCheckBox* windows_login_ = nullptr;  // pages of MS SQL Server only
+  EncryptionFields* encryption_ = nullptr;
   QComboBox* databases_ = nullptr;
   GradientButton* connect_ = nullptr;
   GradientButton* disconnect_ = nullptr;

@@ -87,12 +87,19 @@ void ConnectionPage::AddServerCard() {
   password_->setEchoMode(QLineEdit::Password);
   grid.setColumnStretch(1, 3);
   grid.setColumnStretch(3, 2);
-  if (!names.windows_login) return;
-  windows_login_ = &MakeNamed<QCheckBox>(names.windows_login, card,
-                                         "Use &windows NT authentication for MS SQL Server");
-  windows_login_->setToolTip("Check it if you are using windows authentication for MS SQL server");
-  grid.addWidget(windows_login_, 2, 0, 1, 4);
-  connect(windows_login_, &QCheckBox::clicked, this, &ConnectionPage::OnWindowsLogin);
+  int row = 2;
+  if (names.windows_login) {
+    windows_login_ = &MakeNamed<QCheckBox>(names.windows_login, card,
+                                           "Use &windows NT authentication for MS SQL Server");
+    windows_login_->setToolTip(
+        "Check it if you are using windows authentication for MS SQL server");
+    grid.addWidget(windows_login_, row++, 0, 1, 4);
+    connect(windows_login_, &QCheckBox::clicked, this, &ConnectionPage::OnWindowsLogin);
+  }
+  encryption_ = &MakeChild<EncryptionFields>(
+      static_cast<QWidget&>(card),
+      EncryptionFields::Names{names.encryption, names.ca_file, names.browse_ca_file}, grid, row);
+  connect(encryption_, &EncryptionFields::Changed, this, &ConnectionPage::OnEncryption);
 }
 
 void ConnectionPage::AddSourceCard() {

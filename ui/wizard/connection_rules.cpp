@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "endpoint/events.h"
 #include "platform/run_time_error.h"
@@ -28,6 +27,9 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
                      .password = "txtSrcPassword",
                      .port = "txtSrcPortnumber",
                      .windows_login = "chkWinAuth",
+                     .encryption = "cmbSrcEncryption",
+                     .ca_file = "txtSrcCaFile",
+                     .browse_ca_file = "cmdSrcCaFile",
                      .databases = "cmbSrcExistingDatabase",
                      .connect = "cmdSrcConnect",
                      .disconnect = "cmdSrcDisconnect"},
@@ -47,6 +49,9 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
                      .user = "txtDestUserName",
                      .password = "txtDestPassword",
                      .port = "txtDestPortNumber",
+                     .encryption = "cmbDestEncryption",
+                     .ca_file = "txtDestCaFile",
+                     .browse_ca_file = "cmdDestCaFile",
                      .databases = "cmbDestExistingDatabase",
                      .connect = "cmdDestConnect",
                      .disconnect = "cmdDestDisconnect",
@@ -73,6 +78,9 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
                      .user = "txtDir2MysqlUsername",
                      .password = "txtDir2MysqlPassword",
                      .port = "txtDir2MysqlPortNo",
+                     .encryption = "cmbDir2MysqlEncryption",
+                     .ca_file = "txtDir2MysqlCaFile",
+                     .browse_ca_file = "cmdDir2MysqlCaFile",
                      .databases = "cmbDir2MysqlDatabases",
                      .connect = "cmdDir2MysqlConnect",
                      .disconnect = "cmdDir2MysqlDisconnect"},
@@ -93,6 +101,9 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
                      .password = "txtDir2MsSqlPassword",
                      .port = "txtDir2MsSqlPortNo",
                      .windows_login = "chkDir2MsSqlAuth",
+                     .encryption = "cmbDir2MsSqlEncryption",
+                     .ca_file = "txtDir2MsSqlCaFile",
+                     .browse_ca_file = "cmdDir2MsSqlCaFile",
                      .databases = "cmbDir2MsSqlExistingDatabase",
                      .connect = "cmdDir2MsSqlConnect",
                      .disconnect = "cmdDir2MsSqlDisconnect",
@@ -114,14 +125,6 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
 
 bool IsNumber(std::string_view typed) {
   return !typed.empty() && std::ranges::all_of(typed, text::IsDigit);
-}
-
-std::int16_t PortNumber(std::string_view typed) {
-  const std::string_view digits = text::Trim(typed);
-  std::int16_t port = 0;
-  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), port);
-  if (result.ec != std::errc()) throw RunTimeError(run_time::kOverflow, "Dorvane", "Overflow");
-  return port;
 }
 
 void FillIfEmpty(std::string& field, const std::string& value) {
@@ -167,7 +170,7 @@ std::optional<FieldRefusal> CheckFields(const ConnectionPageTraits& traits,
 
 void ApplyFields(const TypedSettings& typed, IDatabase& endpoint) {
   ado::ConnectionSettings settings = typed.settings;
-  settings.port = PortNumber(typed.port);
+  settings.port = text::ParsePort(typed.port);
   settings.database = endpoint.DbName();
   endpoint.SetSettings(std::move(settings));
 }

@@ -31,6 +31,9 @@ struct ConnectionPageTraits {
     const char* password;
     const char* port;
     const char* windows_login = nullptr;
+    const char* encryption;
+    const char* ca_file;
+    const char* browse_ca_file;
     const char* databases;
     const char* connect;
     const char* disconnect;

@@ -19,10 +19,29 @@ namespace {
 
 void ShowSchedule(const IDatabase& src, const IDatabase& dest, const NameList& tables,
                   QWidget* parent) {
+  const auto ask = [](std::string_view question) {
+    return AskYesNo(question, message_style::kQuestion, "") == kAnswerYes;
+  };
   const ScheduleServices services{.program_folder = ProgramFolder(),
                                   .settings_folder = SettingsFolder(),
-                                  .show_message = ShowMessage};
+                                  .messages = {.show = ShowMessage, .ask = ask}};
   frmSchedule(src, dest, tables, services, parent).exec();
+}
+
+/// The application on its display. Qt ends the program where there is none, with a core dump; this
+/// way `no_display` does.
+std::unique_ptr<QApplication> OpenDisplay(int& argc, char** argv, NoDisplay no_display) {
+  static NoDisplay end_program = nullptr;
+  static QtMessageHandler usual_handler = nullptr;
+  end_program = no_display;
+  usual_handler = qInstallMessageHandler(
+      [](QtMsgType type, const QMessageLogContext& context, const QString& text) {
+        if (type == QtFatalMsg) end_program();
+        usual_handler(type, context, text);
+      });
+  auto app = std::make_unique<QApplication>(argc, argv);
+  qInstallMessageHandler(nullptr);
+  return app;
 }
 
 QIcon ProgramIcon() {
@@ -33,8 +52,8 @@ QIcon ProgramIcon() {
 
 }  // namespace
 
-int RunWizard(int argc, char** argv) {
-  QApplication app(argc, argv);
+int RunWizard(int argc, char** argv, NoDisplay no_display) {
+  const auto app = OpenDisplay(argc, argv, no_display);
   QApplication::setApplicationName("Dorvane");
   QApplication::setWindowIcon(ProgramIcon());
   // Desktops that take a window's icon from its desktop entry find it by this name.

@@ -2,7 +2,11 @@
 
 namespace dorvane {
 
+/// Ends the program of somebody who has no display.
+using NoDisplay = void (*)();
+
 /// The interactive run: opens the wizard and returns the program's exit status when it was closed.
-int RunWizard(int argc, char** argv);
+/// `no_display` is called where there is no display to open it on, and must not return.
+int RunWizard(int argc, char** argv, NoDisplay no_display);
 
 }  // namespace dorvane

@@ -3,6 +3,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <cstring>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -18,6 +19,9 @@
 namespace dorvane::ado::odbc {
 
 namespace {
+
+// The drivers' own attribute for connections that rows are loaded through.
+constexpr SQLINTEGER kTakesBulkLoads = 1219;
 
 /// Whether an encrypted connection is only a wish. FreeTDS does not tell what became of it, so it
 /// is asked for encryption first, and for none where that fails. On the way to this machine nobody
@@ -50,15 +54,20 @@ Diagnostics Logon::Connect(const Driver& driver, const ConnectionSettings& setti
   if (settings.encryption == Encryption::Verified && driver.kind == DriverKind::FreeTds) {
     configuration.emplace(ParseServer(settings.server, settings.port), AuthoritiesFile(settings));
   }
-  std::u16string text = ToUtf16(DriverConnectionString(driver, settings));
+  std::string utf8 = DriverConnectionString(driver, settings);
+  std::u16string text = ToUtf16(utf8);
   connection_ = ConnectionHandle(environment_.Get());
   if (!connection_) throw LibraryError(hresult::kFail, "No connection could be set up.");
   SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
                      AttributeValue(static_cast<SQLULEN>(timeout.count())), 0);
+  SQLSetConnectAttrW(connection_.Get(), kTakesBulkLoads, AttributeValue(1), SQL_IS_INTEGER);
   const SocketSearch search;
   const SQLRETURN result = SQLDriverConnectW(
       connection_.Get(), nullptr, reinterpret_cast<SQLWCHAR*>(text.data()),
       static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+  // They hold the password, which has done its work.
+  explicit_bzero(utf8.data(), utf8.size());
+  explicit_bzero(text.data(), text.size() * sizeof(char16_t));
   if (SQL_SUCCEEDED(result)) {
     watchdog_.emplace(search.NewSocket(ParseServer(settings.server, settings.port).port));
     return {};

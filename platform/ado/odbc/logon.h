@@ -27,6 +27,8 @@ class Logon {
 
   /// A statement whose text is passed to the server as it stands. Throws ProviderError.
   Statement NewStatement() const;
+  /// For what a driver has beside statements.
+  SQLHANDLE Connection() const { return connection_.Get(); }
 
   /// Runs a call of the driver that waits for the server, see Watchdog.
   template <typename Operation>

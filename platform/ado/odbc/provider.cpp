@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/ado/odbc/bulk_writer.h"
 #include "platform/ado/odbc/catalog_reader.h"
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/logon.h"
@@ -52,10 +53,7 @@ class OdbcSession : public Session {
 
   std::unique_ptr<TableWriter> OpenWriter(std::string_view table,
                                           const std::vector<std::string>& columns) override {
-    (void)columns;
-    throw LibraryError(hresult::kFail, "Rows for " + std::string(table) +
-                                           " go to SQL Server as INSERT statements; there is no "
-                                           "table writer.");
+    return std::make_unique<BulkWriter>(logon_, table, columns);
   }
 
   // As statements, so that the server's own rollback of a failed batch does not leave the driver

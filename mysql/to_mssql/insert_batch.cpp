@@ -1,0 +1,96 @@
+#include "mysql/to_mssql/insert_batch.h"
+
+#include <algorithm>
+
+#include "endpoint/names.h"
+#include "mysql/to_mssql/literals.h"
+
+namespace dorvane::to_mssql {
+
+namespace {
+
+// The server takes so many rows in one VALUES list, and makes the plan of a list of more values
+// than that anew each time, which costs more than the rows.
+constexpr std::size_t kMostValuesPerInsert = 1000;
+// A batch is sent when it is that long; one row may be longer.
+constexpr std::size_t kBatchBytes = 512 * 1024;
+
+}  // namespace
+
+InsertBatch::InsertBatch(ado::Connection& destination, const std::string& table,
+                         const std::vector<std::string>& columns,
+                         const std::vector<ColumnFacts>& facts, bool gives_identity)
+    : destination_(destination), facts_(facts), types_(columns.size(), ado::DataType::Empty) {
+  const std::string name = MsSqlName(table);
+  head_ = "INSERT INTO " + name + " (";
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    head_ += (i == 0 ? "" : ", ") + MsSqlName(columns[i]);
+  }
+  head_ += ") ";
+  if (!gives_identity) return;
+  identity_on_ = "set identity_insert " + name + " On;";
+  identity_off_ = "set identity_insert " + name + " Off;";
+}
+
+std::string InsertBatch::StatementOf(std::span<const ado::Value> row) const {
+  std::string statement = identity_on_ + head_ + " VALUES";
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    statement += i == 0 ? "(" : ", ";
+    AppendDataValue(statement, row[i], facts_[i]);
+  }
+  return statement + ')';
+}
+
+void InsertBatch::Begin(std::string_view first) {
+  text_ = first;
+  text_ += identity_on_;
+  insert_rows_ = 0;
+}
+
+void InsertBatch::Add(std::span<const ado::Value> row) {
+  tuple_.clear();
+  row_shapes_.clear();
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    tuple_ += i == 0 ? "(" : ", ";
+    const std::size_t literal = tuple_.size();
+    AppendDataValue(tuple_, row[i], facts_[i]);
+    row_shapes_.push_back(ShapeOf(std::string_view(tuple_).substr(literal)));
+  }
+  if (JoinsLastInsert()) {
+    text_ += ',';
+  } else {
+    if (insert_rows_ > 0) text_ += ';';
+    text_ += head_;
+    text_ += " VALUES";
+    insert_shapes_ = row_shapes_;
+    insert_rows_ = 0;
+  }
+  text_ += tuple_;
+  text_ += ')';
+  ++insert_rows_;
+  if (text_.size() >= kBatchBytes) Send();
+}
+
+bool InsertBatch::JoinsLastInsert() {
+  if (insert_rows_ == 0 || (insert_rows_ + 1) * row_shapes_.size() > kMostValuesPerInsert) {
+    return false;
+  }
+  for (std::size_t i = 0; i < row_shapes_.size(); ++i) {
+    if (!Join(insert_shapes_[i], row_shapes_[i], types_[i])) return false;
+  }
+  return true;
+}
+
+void InsertBatch::Finish() {
+  text_ += insert_rows_ > 0 && !identity_off_.empty() ? ";" + identity_off_ : identity_off_;
+  Send();
+}
+
+void InsertBatch::Send() {
+  if (text_.empty()) return;
+  destination_.Execute(text_);
+  text_.clear();
+  insert_rows_ = 0;
+}
+
+}  // namespace dorvane::to_mssql

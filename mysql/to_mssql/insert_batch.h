@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "endpoint/table_definition.h"
+#include "mysql/to_mssql/literal_shape.h"
+#include "platform/ado/connection.h"
+
+namespace dorvane::to_mssql {
+
+/// Rows of one table on their way as INSERT statements, several rows to a statement and many
+/// statements to a batch. What throws throws RunTimeError.
+class InsertBatch {
+ public:
+  /// Names without brackets. `facts` are the columns' and, like the connection, must outlive this.
+  /// With `gives_identity` the rows have values for the identity column.
+  InsertBatch(ado::Connection& destination, const std::string& table,
+              const std::vector<std::string>& columns, const std::vector<ColumnFacts>& facts,
+              bool gives_identity);
+
+  /// Of the destination's columns, Empty where it is not known: such numbers do not share a
+  /// statement.
+  void SetTypes(std::vector<ado::DataType> types) { types_ = std::move(types); }
+
+  /// One row as a statement; After() belongs behind it, however it ends.
+  std::string StatementOf(std::span<const ado::Value> row) const;
+  /// Empty without an identity column.
+  const std::string& After() const { return identity_off_; }
+
+  /// Begins with `first`, which ends with ";" unless it is empty.
+  void Begin(std::string_view first);
+  /// Sends what is there when the batch has become long.
+  void Add(std::span<const ado::Value> row);
+  /// Sends the rest.
+  void Finish();
+
+ private:
+  bool JoinsLastInsert();
+  void Send();
+
+  ado::Connection& destination_;
+  const std::vector<ColumnFacts>& facts_;
+  std::vector<ado::DataType> types_;
+  std::string head_;  // "INSERT INTO ... (...) "
+  std::string identity_on_;
+  std::string identity_off_;
+
+  std::string tuple_;                        // the row in hand
+  std::vector<LiteralShape> row_shapes_;     // of its literals
+  std::vector<LiteralShape> insert_shapes_;  // those of the INSERT that is being built
+  std::size_t insert_rows_ = 0;              // rows in that INSERT; 0: there is none
+  std::string text_;
+};
+
+}  // namespace dorvane::to_mssql
