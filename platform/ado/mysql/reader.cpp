@@ -29,6 +29,7 @@ class StatementReader final : public ResultReader {
 
   ~StatementReader() override {
     if (streaming_) session_.Abandon();
+    session_.Close(statement_);
   }
 
   const std::vector<FieldInfo>& Fields() const override { return infos_; }

@@ -47,8 +47,15 @@ bool ClientSession::UsesBulk() {
 void ClientSession::Abandon() {
   streaming_ = false;
   abandoned_ = true;
-  // The library would read the result to its end before it closes anything, and a server that waits
-  // for room to send learns of the end by a reset only.
+  Sever();
+}
+
+void ClientSession::Close(Statement& statement) {
+  link_.watchdog->Watch([&] { statement.reset(); });
+}
+
+void ClientSession::Sever() {
+  // A server that waits for room to send learns of the end by a reset only.
   const int socket = mysql_get_socket(link_.client.get());
   const linger reset_on_close{1, 0};
   setsockopt(socket, SOL_SOCKET, SO_LINGER, &reset_on_close, sizeof reset_on_close);
