@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
+#include <stdexcept>
+#include <thread>
 
 namespace dorvane::test {
 
@@ -64,10 +67,19 @@ std::string Stage::NewDatabase(ServerKind server) {
 }
 
 void Stage::DropDatabase(ServerKind server, const std::string& database) {
-  if (server == ServerKind::MySql) {
-    my_sql_->Query("drop database " + database);
-  } else {
-    ms_sql_->Script("drop database " + database + "\ngo\n", "master");
+  // A server may take its time to notice that a session has ended, and one that had a full disk may
+  // keep what it could not finish.
+  for (int tries = 0; tries < 40; ++tries) {
+    try {
+      if (server == ServerKind::MySql) {
+        my_sql_->Query("drop database " + database);
+      } else {
+        ms_sql_->Script("drop database " + database + "\ngo\n", "master");
+      }
+      return;
+    } catch (const std::runtime_error&) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
   }
 }
 

@@ -37,6 +37,7 @@ class Stage {
   }
   /// A fresh, empty database.
   std::string NewDatabase(ServerKind server);
+  /// Where the server lets it go: room for the runs that follow.
   void DropDatabase(ServerKind server, const std::string& database);
   /// How to log on as the servers' administrator, past the proxy.
   ado::ConnectionSettings Settings(ServerKind server, const std::string& database) const;

@@ -101,10 +101,12 @@ class Proxy::Tunnel {
   void Run() {
     while (is_open_ && !proxy_.is_over_) {
       std::array<pollfd, 2> waiting{{{sides_[0].socket, POLLIN, 0}, {sides_[1].socket, POLLIN, 0}}};
-      if (fault_ == Fault::Stall) waiting[0].events = waiting[1].events = 0;
+      const bool is_stalled = fault_ == Fault::Stall;
+      if (is_stalled) waiting[0].events = waiting[1].events = POLLRDHUP;
       poll(waiting.data(), waiting.size(), kLook);
-      if (fault_ == Fault::Stall && ((waiting[0].revents | waiting[1].revents) & POLLHUP) != 0) {
-        return;
+      if (is_stalled) {
+        is_open_ = (waiting[0].revents | waiting[1].revents) == 0;
+        continue;
       }
       for (std::size_t from = 0; from < sides_.size() && is_open_; ++from) {
         if ((waiting[from].revents & (POLLIN | POLLHUP | POLLERR)) != 0) Pump(from);
