@@ -275,6 +275,18 @@ struct CreateViewStatement {
   std::string text;
 };
 
+/// CREATE, ALTER or DROP of a schema, login or user.
+struct PrincipalStatement {
+  enum class Action { Create, Alter, Drop } action = Action::Create;
+  enum class Kind { Schema, Login, User } kind = Kind::Schema;
+  std::string name;
+  bool if_exists = false;
+  std::string owner;                          // of a schema; empty: who creates it
+  std::optional<std::string> password;        // of a login
+  std::optional<std::string> login;           // of a user; empty: without login
+  std::optional<std::string> default_schema;  // of a user
+};
+
 struct DeclareItem {
   std::string name;
   TypeInfo type;
@@ -344,10 +356,10 @@ struct Statement {
   std::variant<NothingStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement,
                TruncateStatement, CreateDatabaseStatement, DropDatabaseStatement, UseStatement,
                CreateTableStatement, AlterTableStatement, CreateIndexStatement, DropIndexStatement,
-               DropTableStatement, CreateViewStatement, DeclareStatement, SetVariableStatement,
-               SetOptionStatement, IfStatement, WhileStatement, BlockStatement, TryStatement,
-               JumpStatement, PrintStatement, RaiseStatement, WaitStatement, TransactionStatement,
-               ExecuteStatement>
+               DropTableStatement, CreateViewStatement, PrincipalStatement, DeclareStatement,
+               SetVariableStatement, SetOptionStatement, IfStatement, WhileStatement,
+               BlockStatement, TryStatement, JumpStatement, PrintStatement, RaiseStatement,
+               WaitStatement, TransactionStatement, ExecuteStatement>
       what;
 };
 

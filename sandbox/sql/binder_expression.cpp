@@ -137,9 +137,7 @@ Bound Binder::BindColumn(const Expr& expr, const Scope& scope) {
     const ScopeColumn* found = nullptr;
     const ScopeSource* owner = nullptr;
     for (const ScopeSource& source : level->sources) {
-      if (expr.parts.size() > 1 && !SameName(source.alias, expr.parts[expr.parts.size() - 2])) {
-        continue;
-      }
+      if (!Exposes(source, expr.parts)) continue;
       for (const ScopeColumn& column : source.columns) {
         if (!SameName(column.name, name)) continue;
         if (found) Raise(209, name);

@@ -16,7 +16,10 @@ const FromItem* FindTarget(const std::vector<FromItem>& from, const ObjectName& 
   const FromItem* by_table = nullptr;
   for (const FromItem& item : from) {
     if (!item.alias.empty() && name.schema.empty() && SameName(item.alias, name.name)) return &item;
-    if (!item.query && item.group.empty() && SameName(item.name.name, name.name)) by_table = &item;
+    const bool schemas_agree =
+        name.schema.empty() || item.name.schema.empty() || SameName(name.schema, item.name.schema);
+    if (!item.query && item.group.empty() && schemas_agree && SameName(item.name.name, name.name))
+      by_table = &item;
   }
   return by_table;
 }
@@ -47,7 +50,8 @@ Target BindTarget(Session& session, Binder& binder, const ObjectName& name,
     if (!from.empty()) target.from += " CROSS JOIN " + binder.BindFrom(from, target.scope);
   }
   for (const ScopeSource& source : target.scope.sources) {
-    if (SameName(source.alias, alias)) target.row = source.stored + ".rowid";
+    const bool same_table = source.table && source.table->id == target.table->id;
+    if (same_table && SameName(source.alias, alias)) target.row = source.stored + ".rowid";
   }
   return target;
 }

@@ -23,8 +23,11 @@ int CheckCancel(void* cancel) {
 }  // namespace
 
 DatabaseLink::DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseState> state,
-                           std::atomic<bool>& cancel)
-    : state_(std::move(state)), cancel_(cancel), connection_(folder.Connect(*state_)) {
+                           std::string login, std::atomic<bool>& cancel)
+    : state_(std::move(state)),
+      login_(std::move(login)),
+      cancel_(cancel),
+      connection_(folder.Connect(*state_)) {
   sqlite3_progress_handler(connection_.get(), kStepsBetweenCancelChecks, CheckCancel, &cancel_);
   RegisterFunctions(connection_.get(), *this);
 }
@@ -175,6 +178,18 @@ void DatabaseLink::ForgetView(int view_id) {
   ForgetStatements();
   sandbox::ForgetView(connection_, view_id);
   catalog_.views.erase(view_id);
+}
+
+void DatabaseLink::SetSchemas(std::vector<SchemaDef> schemas) {
+  definitions_changed_ = true;
+  catalog_.schemas = std::move(schemas);
+  StorePrincipals(connection_, catalog_);
+}
+
+void DatabaseLink::SetUsers(std::vector<UserDef> users) {
+  definitions_changed_ = true;
+  catalog_.users = std::move(users);
+  StorePrincipals(connection_, catalog_);
 }
 
 int DatabaseLink::NewObjectId() {

@@ -10,6 +10,9 @@ class Session;
 /// The named table, or the error `missing` (208, 1088, 4701, 4902) with its name.
 const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, int missing);
 
+/// The schema of a new object of that name. Raises 2714 when the name is taken, 2760.
+std::string SchemaOfNew(DatabaseLink& link, const ObjectName& name);
+
 /// Gives the table its id, makes it in storage and writes its definition. Within a transaction.
 void AddTable(DatabaseLink& link, TableDef table);
 
@@ -42,6 +45,7 @@ class ConstraintAdder {
   void AddCheck(const ConstraintSyntax& constraint, const CheckSyntax& check);
   void AddDefault(const ConstraintSyntax& constraint, const DefaultSyntax& value);
   std::string NameFor(const ConstraintSyntax& constraint, std::string_view prefix, int id) const;
+  const TableDef* FindParent(const ObjectName& name) const;
   void MatchParentKey(ForeignKeyDef& key, const ForeignKeySyntax& syntax, const TableDef& parent);
   void CheckCascadePaths(const ForeignKeyDef& key) const;
 

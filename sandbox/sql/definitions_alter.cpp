@@ -159,7 +159,7 @@ void AlterColumn(DatabaseLink& link, TableDef& table, const ColumnSyntax& syntax
     values.emplace_back(rows.Integer(0), std::move(value));
   }
   rows.Reset();
-  const std::string full_name = fmt::format("{}.dbo.{}", link.Name(), table.name);
+  const std::string full_name = fmt::format("{}.{}", link.Name(), table.FullName());
   column->type = after;
   column->nullable = syntax.nullable.value_or(true);
   // A column of its own with the new collation takes the old one's place.

@@ -59,8 +59,8 @@ std::string ConstraintAdder::NameFor(const ConstraintSyntax& constraint, std::st
       std::any_of(table_.columns.begin(), table_.columns.end(), [&](const ColumnDef& c) {
         return c.default_id != 0 && SameName(c.default_name, constraint.name);
       });
-  if (link_.Definitions().HasObject(constraint.name) || named(keys) || default_taken ||
-      named(table_.foreign_keys) || named(table_.checks)) {
+  if (link_.Definitions().HasObject(table_.schema, constraint.name) || named(keys) ||
+      default_taken || named(table_.foreign_keys) || named(table_.checks)) {
     RaiseTaken(constraint.name);
   }
   return constraint.name;
@@ -106,12 +106,20 @@ void ConstraintAdder::AddKey(const ConstraintSyntax& constraint, const KeySyntax
     index.columns.push_back({column->id, key.columns.descending[i]});
   }
   for (const IndexDef& other : table_.indexes) {
-    if (SameName(other.name, index.name))
-      RaiseForConstraint(1913, index.name, "dbo." + table_.name);
+    if (SameName(other.name, index.name)) RaiseForConstraint(1913, index.name, table_.FullName());
     index.id = std::max(index.id, other.id);
   }
   new_indexes_.push_back(++index.id);
   table_.indexes.push_back(std::move(index));
+}
+
+// The table itself may not be in the catalog yet, or not as it is here.
+const TableDef* ConstraintAdder::FindParent(const ObjectName& name) const {
+  const TableDef* found = link_.FindTable(name);
+  if (found && found->id != table_.id) return found;
+  const bool own = SameName(name.name, table_.name) &&
+                   (name.schema.empty() || SameName(name.schema, table_.schema));
+  return own ? &table_ : nullptr;
 }
 
 void ConstraintAdder::AddForeignKey(const ConstraintSyntax& constraint,
@@ -121,8 +129,7 @@ void ConstraintAdder::AddForeignKey(const ConstraintSyntax& constraint,
   key.name = NameFor(constraint, "FK", key.id);
   key.on_delete = syntax.on_delete;
   key.on_update = syntax.on_update;
-  const bool own = SameName(syntax.parent.name, table_.name);
-  const TableDef* parent = own ? &table_ : link_.Definitions().FindTable(syntax.parent.name);
+  const TableDef* parent = FindParent(syntax.parent);
   if (!parent) RaiseForConstraint(1767, key.name, syntax.parent.Text());
   key.parent_table = parent->id;
   for (const std::string& name : syntax.columns.names) {

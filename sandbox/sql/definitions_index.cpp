@@ -53,8 +53,7 @@ void MakeStoredIndex(DatabaseLink& link, const TableDef& table, const IndexDef& 
   try {
     link.Run(statement);
   } catch (const SqliteError&) {
-    const std::string object = "dbo." + table.name;
-    SqlError error = Error(1505, object, index.name, DuplicateText(link, table, index));
+    SqlError error = Error(1505, table.FullName(), index.name, DuplicateText(link, table, index));
     if (index.IsConstraint()) error.messages.push_back(Error(1750).messages.front());
     throw error;
   }
@@ -70,7 +69,7 @@ Flow Session::Run(const CreateIndexStatement& create) {
   index.unique = create.unique;
   index.clustered = create.clustered;
   for (const IndexDef& other : table.indexes) {
-    if (SameName(other.name, create.name)) Raise(1913, create.name, "dbo." + table.name);
+    if (SameName(other.name, create.name)) Raise(1913, create.name, table.FullName());
     if (other.clustered && create.clustered) Raise(1902, "table", table.name, other.name);
     index.id = std::max(index.id, other.id);
   }
@@ -84,7 +83,7 @@ Flow Session::Run(const CreateIndexStatement& create) {
   for (std::size_t i = 0; i < create.columns.names.size(); ++i) {
     const ColumnDef* column = table.FindColumn(create.columns.names[i]);
     if (!column) Raise(1911, create.columns.names[i]);
-    if (!IsKeyable(column->type)) Raise(1919, column->name, "dbo." + table.name);
+    if (!IsKeyable(column->type)) Raise(1919, column->name, table.FullName());
     for (const IndexColumn& other : index.columns) {
       if (other.column_id == column->id) Raise(1909, "index", column->name);
     }
@@ -103,7 +102,7 @@ Flow Session::Run(const CreateIndexStatement& create) {
 Flow Session::Run(const DropIndexStatement& drop) {
   DatabaseLink& link = LinkTo(drop.table.database);
   link.BeginWrite();
-  const TableDef* found = link.Definitions().FindTable(drop.table.name);
+  const TableDef* found = link.FindTable(drop.table);
   const IndexDef* index = found ? found->FindIndex(drop.name) : nullptr;
   if (!index && drop.if_exists) {
     Done(std::nullopt);

@@ -47,15 +47,16 @@ bool HasRows(DatabaseLink& link, const TableDef& table) {
   return link.Step(statement);
 }
 
-void CheckName(DatabaseLink& link, const ObjectName& name) {
-  if (link.Definitions().HasObject(name.name)) Raise(2714, name.name);
-}
-
 }  // namespace
 
+std::string SchemaOfNew(DatabaseLink& link, const ObjectName& name) {
+  std::string schema = link.SchemaForNew(name);
+  if (link.Definitions().HasObject(schema, name.name)) Raise(2714, name.name);
+  return schema;
+}
+
 const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, int missing) {
-  const bool ours = name.schema.empty() || SameName(name.schema, "dbo");
-  const TableDef* table = ours ? link.Definitions().FindTable(name.name) : nullptr;
+  const TableDef* table = link.FindTable(name);
   if (!table) Raise(missing, name.Text());
   return *table;
 }
@@ -74,9 +75,9 @@ void AddTable(DatabaseLink& link, TableDef table) {
 Flow Session::Run(const CreateTableStatement& create) {
   DatabaseLink& link = LinkTo(create.table.database);
   link.BeginWrite();
-  CheckName(link, create.table);
   StatementScope scope(link);
   TableDef table;
+  table.schema = SchemaOfNew(link, create.table);
   table.name = create.table.name;
   table.id = link.NewObjectId();
   for (const ColumnSyntax& column : create.columns) AppendColumn(table, column);
@@ -151,15 +152,14 @@ Flow Session::Run(const DropTableStatement& drop) {
     DatabaseLink& link = LinkTo(name.database);
     link.BeginWrite();
     const Catalog& catalog = link.Definitions();
-    const bool ours = name.schema.empty() || SameName(name.schema, "dbo");
     if (drop.view) {
-      const ViewDef* view = ours ? catalog.FindView(name.name) : nullptr;
+      const ViewDef* view = link.FindView(name);
       if (!view && drop.if_exists) continue;
       if (!view) Raise(3701, "drop", "view", name.Text());
       link.ForgetView(view->id);
       continue;
     }
-    const TableDef* table = ours ? catalog.FindTable(name.name) : nullptr;
+    const TableDef* table = link.FindTable(name);
     if (!table && drop.if_exists) continue;
     if (!table) Raise(3701, "drop", "table", name.Text());
     for (const auto& [id, other] : catalog.tables) {
@@ -184,13 +184,13 @@ Flow Session::Run(const DropTableStatement& drop) {
 Flow Session::Run(const CreateViewStatement& create) {
   DatabaseLink& link = LinkTo(create.name.database);
   link.BeginWrite();
-  CheckName(link, create.name);
+  const std::string schema = SchemaOfNew(link, create.name);
   Binder binder(*this);
   const BoundQuery query = binder.BindQuery(*create.query);
   for (std::size_t i = 0; i < query.columns.size(); ++i) {
     if (query.columns[i].name.empty()) Raise(8155, i + 1, create.name.name);
   }
-  link.Store(ViewDef{link.NewObjectId(), create.name.name, NowTicks(), create.text});
+  link.Store(ViewDef{link.NewObjectId(), schema, create.name.name, NowTicks(), create.text});
   Done(std::nullopt);
   return Flow::Next;
 }

@@ -91,6 +91,10 @@ class Engine {
   virtual ~Engine() = default;
   virtual std::unique_ptr<EngineSession> OpenSession(std::string_view login) = 0;
   virtual bool HasDatabase(std::string_view name) const = 0;
+  /// True for a login that CREATE LOGIN made, with its password.
+  virtual bool MayLogIn(std::string_view /*login*/, std::string_view /*password*/) const {
+    return false;
+  }
 };
 
 /// Opens (or makes) the server's folder. Throws std::runtime_error when it cannot be used. Without

@@ -248,6 +248,9 @@ constexpr std::array kMessages{
         2738, 16, 2, Ends::Batch,
         "A table can only have one timestamp column. Because table '{}' already has one, the "
         "column '{}' cannot be added."},
+    MessageText{2760, 16, 1, Ends::Batch,
+                "The specified schema name \"{}\" either does not exist or you do not have "
+                "permission to use it."},
     MessageText{2744, 16, 2, Ends::Batch,
                 "Multiple identity columns specified for table '{}'. Only one identity column per "
                 "table is allowed."},
@@ -280,6 +283,8 @@ constexpr std::array kMessages{
                 "Could not drop object '{}' because it is referenced by a FOREIGN KEY constraint."},
     MessageText{3727, 16, 0, Ends::Batch, "Could not drop constraint. See previous errors."},
     MessageText{3728, 16, 1, Ends::Batch, "'{}' is not a constraint."},
+    MessageText{3729, 16, 1, Ends::Batch,
+                "Cannot drop schema '{}' because it is being referenced by object '{}'."},
     MessageText{3902, 16, 1, Ends::Statement,
                 "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     MessageText{3903, 16, 1, Ends::Statement,
@@ -358,7 +363,15 @@ constexpr std::array kMessages{
     MessageText{
         15009, 16, 1, Ends::Statement,
         "The object '{}' does not exist in database '{}' or is invalid for this operation."},
+    MessageText{15007, 16, 1, Ends::Batch,
+                "'{}' is not a valid login or you do not have permission."},
+    MessageText{15023, 16, 1, Ends::Batch,
+                "User, group, or role '{}' already exists in the current database."},
+    MessageText{15025, 16, 1, Ends::Batch, "The server principal '{}' already exists."},
     MessageText{15034, 16, 1, Ends::Statement, "The storage failed: {}"},
+    MessageText{15150, 16, 1, Ends::Batch, "Cannot {} the {} '{}'."},
+    MessageText{15151, 16, 1, Ends::Batch,
+                "Cannot {} the {} '{}', because it does not exist or you do not have permission."},
 };
 
 }  // namespace

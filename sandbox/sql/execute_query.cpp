@@ -71,13 +71,13 @@ void Session::AssignVariables(const BoundQuery& query, const Binder& binder) {
 }
 
 void Session::SelectInto(const Select& select, const Query& query) {
-  link_->BeginWrite();
-  const Catalog& catalog = link_->Definitions();
-  if (catalog.HasObject(select.into.name)) Raise(2714, select.into.name);
+  DatabaseLink& link = LinkTo(select.into.database);
+  link.BeginWrite();
+  TableDef table;
+  table.schema = SchemaOfNew(link, select.into);
   Binder binder(*this);
   const BoundQuery bound = binder.BindQuery(query);
-  StatementScope scope(*link_);
-  TableDef table;
+  StatementScope scope(link);
   table.name = select.into.name;
   for (const ColumnInfo& column : bound.columns) {
     if (column.name.empty()) Raise(1038);
@@ -90,9 +90,9 @@ void Session::SelectInto(const Select& select, const Query& query) {
     added.nullable = column.nullable;
     added.identity = column.identity;
   }
-  AddTable(*link_, table);
-  const TableDef& stored = *link_->Definitions().FindTable(table.name);
-  RowWriter writer(*this, *link_, stored, {}, RowWriter::Identity::Explicit);
+  AddTable(link, table);
+  const TableDef& stored = *link.Definitions().FindTable(table.schema, table.name);
+  RowWriter writer(*this, link, stored, {}, RowWriter::Identity::Explicit);
   const std::int64_t rows = writer.WriteQuery(bound, binder);
   writer.Finish();
   scope.Keep();

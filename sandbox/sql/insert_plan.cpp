@@ -134,7 +134,7 @@ void RowWriter::Store(const Place& place, const ColumnDef& column, const Value& 
   Value& stored = stored_[static_cast<std::size_t>(place.index - 1)];
   if (value.index() == 0) {
     if (!column.nullable) {
-      Raise(515, column.name, fmt::format("{}.dbo.{}", link_.Name(), table_.name), "INSERT");
+      Raise(515, column.name, fmt::format("{}.{}", link_.Name(), table_.FullName()), "INSERT");
     }
     sqlite3_bind_null(place.statement.get(), place.index);
     stored = Value();

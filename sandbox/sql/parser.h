@@ -93,6 +93,11 @@ class Parser {
   void ParseAlterDrop(AlterTableStatement& alter);
   TypeInfo ParseType(int position, std::string_view column, int default_length = 1);
 
+  // schemas, logins and users (parser_principals.cpp)
+  bool AtPrincipal() const;
+  Statement ParsePrincipal(PrincipalStatement::Action action);
+  void ParsePrincipalOptions(PrincipalStatement& statement);
+
   // queries (parser_query.cpp)
   QueryPtr ParseQuery();
   void ParseQueryTerms(Query& query);

@@ -43,6 +43,7 @@ Statement Parser::ParseCreate() {
     while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();  // files, collation
     return {1, CreateDatabaseStatement{name}};
   }
+  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Create);
   if (token_.Is("table")) return ParseCreateTable();
   if (token_.Is("view")) return ParseCreateView(start);
   return ParseCreateIndex();
@@ -293,6 +294,7 @@ Statement Parser::ParseDrop() {
     } while (AcceptSymbol(","));
     return {1, std::move(drop)};
   }
+  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Drop);
   if (Accept("index")) {
     DropIndexStatement drop;
     drop.if_exists = if_exists();
@@ -302,6 +304,7 @@ Statement Parser::ParseDrop() {
       drop.table = TakeObjectName();
     } else {  // "drop index t.i"
       drop.table.name = name.schema;
+      drop.table.schema = name.database;
       if (name.schema.empty()) Fail();
     }
     return {1, std::move(drop)};
@@ -323,6 +326,7 @@ Statement Parser::ParseAlter() {
     while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();
     return {1, NothingStatement()};
   }
+  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Alter);
   Expect("table");
   AlterTableStatement alter;
   alter.table = TakeObjectName();

@@ -148,7 +148,7 @@ void RowChanger::Update(const TableDef& table, const std::vector<RowChange>& giv
     for (const auto& [id, value] : change.values) {
       const ColumnDef& column = table.Column(id);
       if (value.index() == 0 && !column.nullable) {
-        Raise(515, column.name, fmt::format("{}.dbo.{}", link_.Name(), table.name), statement_);
+        Raise(515, column.name, fmt::format("{}.{}", link_.Name(), table.FullName()), statement_);
       }
     }
   }

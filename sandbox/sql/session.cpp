@@ -21,6 +21,9 @@ class EngineImpl final : public Engine {
     return std::make_unique<Session>(folder_, requests_, std::string(login), ++last_spid_);
   }
   bool HasDatabase(std::string_view name) const override { return folder_.Find(name) != nullptr; }
+  bool MayLogIn(std::string_view login, std::string_view password) const override {
+    return folder_.LoginMatches(login, password);
+  }
 
  private:
   ServerFolder folder_;
@@ -60,7 +63,7 @@ Session::~Session() {
 DatabaseLink& Session::OpenLink(const std::shared_ptr<DatabaseState>& state) {
   auto& link = links_[state->id];
   if (link) return *link;
-  link = std::make_unique<DatabaseLink>(folder_, state, cancel);
+  link = std::make_unique<DatabaseLink>(folder_, state, login_, cancel);
   link->session_value = [this](std::string_view name, const std::vector<Value>& args) {
     return SessionValue(name, args).value();
   };

@@ -110,6 +110,7 @@ class Session final : public EngineSession, public BindContext {
   Flow Run(const DropIndexStatement& statement);
   Flow Run(const DropTableStatement& statement);
   Flow Run(const CreateViewStatement& statement);
+  Flow Run(const PrincipalStatement& statement);
   Flow Run(const DeclareStatement& statement);
   Flow Run(const SetVariableStatement& statement);
   Flow Run(const SetOptionStatement& statement);
@@ -129,6 +130,9 @@ class Session final : public EngineSession, public BindContext {
   void SelectInto(const Select& select, const Query& query);
   void AssignVariables(const BoundQuery& query, const Binder& binder);
   void StreamQuery(const BoundQuery& query, const Binder& binder);
+  void ChangeSchema(const PrincipalStatement& statement);
+  void ChangeLogin(const PrincipalStatement& statement);
+  void ChangeUser(const PrincipalStatement& statement);
   void SetIdentityInsert(const SetOptionStatement& statement);
   void ExecuteSql(std::span<Parameter> arguments);
   /// The procedure's arguments, by position or name, as `sp_executesql` and others take them.

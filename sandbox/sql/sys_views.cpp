@@ -30,6 +30,7 @@ Value Time(std::int64_t ticks) {
 // One object of any kind, as sys.objects lists it.
 struct Object {
   std::string name;
+  int schema;
   int id;
   int parent;
   const char* kind;
@@ -39,12 +40,14 @@ struct Object {
 
 std::vector<Object> Objects(DatabaseLink& link) {
   std::vector<Object> objects;
-  for (const auto& [id, table] : link.Definitions().tables) {
+  const Catalog& catalog = link.Definitions();
+  for (const auto& [id, table] : catalog.tables) {
+    const int schema = catalog.SchemaId(table.schema);
     const auto add = [&, table_id = id, created = table.created](
                          const std::string& name, int object, const char* kind, const char* text) {
-      objects.push_back({name, object, table_id, kind, text, created});
+      objects.push_back({name, schema, object, table_id, kind, text, created});
     };
-    objects.push_back({table.name, id, 0, "U ", "USER_TABLE", table.created});
+    objects.push_back({table.name, schema, id, 0, "U ", "USER_TABLE", table.created});
     for (const IndexDef& index : table.indexes) {
       if (!index.IsConstraint()) continue;
       add(index.name, index.object_id, index.primary ? "PK" : "UQ",
@@ -58,8 +61,9 @@ std::vector<Object> Objects(DatabaseLink& link) {
         add(column.default_name, column.default_id, "D ", "DEFAULT_CONSTRAINT");
     }
   }
-  for (const auto& [id, view] : link.Definitions().views) {
-    objects.push_back({view.name, id, 0, "V ", "VIEW", view.created});
+  for (const auto& [id, view] : catalog.views) {
+    objects.push_back(
+        {view.name, catalog.SchemaId(view.schema), id, 0, "V ", "VIEW", view.created});
   }
   return objects;
 }
@@ -67,7 +71,7 @@ std::vector<Object> Objects(DatabaseLink& link) {
 void ObjectRows(DatabaseLink& link, Rows& rows, std::string_view kind) {
   for (const Object& object : Objects(link)) {
     if (!kind.empty() && kind != object.kind) continue;
-    rows.push_back({object.name, Int(object.id), Value(), Int(1), Int(object.parent),
+    rows.push_back({object.name, Int(object.id), Value(), Int(object.schema), Int(object.parent),
                     Word(object.kind), Word(object.description), Time(object.created),
                     Time(object.created), false});
   }
@@ -85,8 +89,8 @@ void Views(Session&, DatabaseLink& link, Rows& rows) {
 
 void OldObjects(Session&, DatabaseLink& link, Rows& rows) {
   for (const Object& object : Objects(link)) {
-    rows.push_back({object.name, Int(object.id), Word(object.kind), Int(1), Int(object.parent),
-                    Time(object.created)});
+    rows.push_back({object.name, Int(object.id), Word(object.kind), Int(object.schema),
+                    Int(object.parent), Time(object.created)});
   }
 }
 
@@ -125,11 +129,11 @@ void Types(Session&, DatabaseLink&, Rows& rows) {
   }
 }
 
-void Schemas(Session&, DatabaseLink&, Rows& rows) {
-  rows = {{Word("dbo"), Int(1), Int(1)},
-          {Word("guest"), Int(2), Int(2)},
-          {Word("INFORMATION_SCHEMA"), Int(3), Int(3)},
-          {Word("sys"), Int(4), Int(4)}};
+void Schemas(Session&, DatabaseLink& link, Rows& rows) {
+  for (const SchemaDef& schema : link.Definitions().schemas) {
+    const UserDef* owner = link.Definitions().FindUser(schema.owner);
+    rows.push_back({schema.name, Int(schema.id), Int(owner ? owner->id : 1)});
+  }
 }
 
 void Databases(Session& session, DatabaseLink&, Rows& rows) {
@@ -176,7 +180,8 @@ const char* RuleText(ForeignKeyRule rule) {
 void ForeignKeys(Session&, DatabaseLink& link, Rows& rows) {
   for (const auto& [id, table] : link.Definitions().tables) {
     for (const ForeignKeyDef& key : table.foreign_keys) {
-      rows.push_back({key.name, Int(key.id), Int(1), Int(id), Word("F "), Int(key.parent_table),
+      rows.push_back({key.name, Int(key.id), Int(link.Definitions().SchemaId(table.schema)),
+                      Int(id), Word("F "), Int(key.parent_table),
                       Int(static_cast<int>(key.on_delete)), Word(RuleText(key.on_delete)),
                       Int(static_cast<int>(key.on_update)), Word(RuleText(key.on_update)), false});
     }

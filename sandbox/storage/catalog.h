@@ -10,6 +10,9 @@
 
 namespace sandbox {
 
+/// The schema of what is made without one by who has no other.
+inline constexpr const char* kDefaultSchema = "dbo";
+
 /// A column as defined. Default texts are in the server's normalised form, "((0))".
 struct ColumnDef {
   int id = 0;  // from 1, never used twice within a table
@@ -64,6 +67,7 @@ struct CheckDef {
 
 struct TableDef {
   int id = 0;
+  std::string schema = kDefaultSchema;
   std::string name;
   std::int64_t created = 0;  // ticks of 100 ns since 0001-01-01
   int next_column_id = 1;
@@ -79,15 +83,32 @@ struct TableDef {
   const ColumnDef* IdentityColumn() const;
   /// Names in SQLite: the table "t<id>", its columns "c<id>", its indexes "i<table id>_<id>".
   std::string StoredName() const;
+  /// As messages name it: "dbo.t".
+  std::string FullName() const { return schema + "." + name; }
   std::string StoredIndexName(const IndexDef& index) const;
   static std::string StoredColumn(int column_id);
 };
 
 struct ViewDef {
   int id = 0;
+  std::string schema = kDefaultSchema;
   std::string name;
   std::int64_t created = 0;
   std::string text;  // the whole CREATE VIEW statement
+};
+
+struct SchemaDef {
+  int id = 0;
+  std::string name;
+  std::string owner;
+};
+
+/// Who a login is in the database.
+struct UserDef {
+  int id = 0;
+  std::string name;
+  std::string login;  // empty when none
+  std::string default_schema = kDefaultSchema;
 };
 
 /// A constraint found by its name, with the table that has it.
@@ -98,19 +119,27 @@ struct ConstraintRef {
   int id = 0;
 };
 
-/// All definitions of one database.
+/// All definitions of one database. Every one has the server's own schemas and users.
 struct Catalog {
+  Catalog();
+
+  std::vector<SchemaDef> schemas;
+  std::vector<UserDef> users;
   std::map<int, TableDef> tables;
   std::map<int, ViewDef> views;
   int last_object_id = 0;
 
   int NewObjectId();
-  const TableDef* FindTable(std::string_view name) const;
-  const ViewDef* FindView(std::string_view name) const;
-  const ConstraintRef FindConstraint(std::string_view name) const;
-  /// True when any object of the database (table, view, constraint) has the name.
-  bool HasObject(std::string_view name) const;
-  /// The tables in the order of their names.
+  const SchemaDef* FindSchema(std::string_view name) const;
+  /// The id of a schema that an object is in.
+  int SchemaId(std::string_view name) const { return FindSchema(name)->id; }
+  const UserDef* FindUser(std::string_view name) const;
+  const TableDef* FindTable(std::string_view schema, std::string_view name) const;
+  const ViewDef* FindView(std::string_view schema, std::string_view name) const;
+  ConstraintRef FindConstraint(std::string_view schema, std::string_view name) const;
+  /// True when any object of the schema (table, view, constraint) has the name.
+  bool HasObject(std::string_view schema, std::string_view name) const;
+  /// The tables in the order of their schemas and names.
   std::vector<const TableDef*> Sorted() const;
 };
 

@@ -24,6 +24,18 @@ CREATE TABLE cat_check(table_id INTEGER, id INTEGER PRIMARY KEY, name TEXT, body
 CREATE TABLE cat_counter(name TEXT PRIMARY KEY, value INTEGER);
 )";
 
+// What later versions added, in their order; a file's user_version counts those that it has.
+constexpr const char* kAdditions[] = {
+    R"(
+ALTER TABLE cat_table ADD COLUMN schema TEXT DEFAULT 'dbo';
+ALTER TABLE cat_view ADD COLUMN schema TEXT DEFAULT 'dbo';
+CREATE TABLE cat_schema(id INTEGER PRIMARY KEY, name TEXT, owner TEXT);
+CREATE TABLE cat_user(id INTEGER PRIMARY KEY, name TEXT, login TEXT, default_schema TEXT);
+)"};
+
+// Schemas and users up to this number are the server's own.
+constexpr int kLastOwnPrincipal = 4;
+
 // What cat_index_column.descending holds.
 constexpr std::int64_t kDescending = 1;
 constexpr std::int64_t kSkipsNulls = 2;
@@ -126,6 +138,19 @@ void LoadChecks(SqliteConnection& connection, Catalog& catalog) {
   }
 }
 
+void LoadPrincipals(SqliteConnection& connection, Catalog& catalog) {
+  auto schemas = connection.Prepare("SELECT id, name, owner FROM cat_schema ORDER BY id");
+  while (schemas.Step()) {
+    catalog.schemas.push_back(
+        {static_cast<int>(schemas.Integer(0)), schemas.Text(1), schemas.Text(2)});
+  }
+  auto users = connection.Prepare("SELECT id, name, login, default_schema FROM cat_user");
+  while (users.Step()) {
+    catalog.users.push_back(
+        {static_cast<int>(users.Integer(0)), users.Text(1), users.Text(2), users.Text(3)});
+  }
+}
+
 void StoreColumns(SqliteConnection& connection, const TableDef& table) {
   auto insert = connection.Prepare("INSERT INTO cat_column VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)");
   std::int64_t position = 0;
@@ -172,24 +197,38 @@ void StoreForeignKeys(SqliteConnection& connection, const TableDef& table) {
 
 void CreateCatalogTables(SqliteConnection& connection) {
   connection.Execute(kSchema);
+  CompleteCatalogTables(connection);
+}
+
+void CompleteCatalogTables(SqliteConnection& connection) {
+  auto version = connection.Prepare("PRAGMA user_version");
+  version.Step();
+  const auto present = static_cast<std::size_t>(version.Integer(0));
+  version.Reset();
+  for (std::size_t i = present; i < std::size(kAdditions); ++i) {
+    connection.Execute(std::string("SAVEPOINT addition;") + kAdditions[i] +
+                       "PRAGMA user_version=" + std::to_string(i + 1) + ";RELEASE addition");
+  }
 }
 
 Catalog LoadCatalog(SqliteConnection& connection) {
   Catalog catalog;
   catalog.last_object_id = static_cast<int>(LoadCounter(connection, kLastObjectId, 0));
-  auto rows = connection.Prepare("SELECT id, name, created, next_column FROM cat_table");
+  auto rows = connection.Prepare("SELECT id, name, created, next_column, schema FROM cat_table");
   while (rows.Step()) {
     TableDef& table = catalog.tables[static_cast<int>(rows.Integer(0))];
     table.id = static_cast<int>(rows.Integer(0));
     table.name = rows.Text(1);
     table.created = rows.Integer(2);
     table.next_column_id = static_cast<int>(rows.Integer(3));
+    table.schema = rows.Text(4);
   }
-  auto views = connection.Prepare("SELECT id, name, created, body FROM cat_view");
+  auto views = connection.Prepare("SELECT id, schema, name, created, body FROM cat_view");
   while (views.Step()) {
     const int id = static_cast<int>(views.Integer(0));
-    catalog.views[id] = {id, views.Text(1), views.Integer(2), views.Text(3)};
+    catalog.views[id] = {id, views.Text(1), views.Text(2), views.Integer(3), views.Text(4)};
   }
+  LoadPrincipals(connection, catalog);
   LoadColumns(connection, catalog);
   LoadIndexes(connection, catalog);
   LoadForeignKeys(connection, catalog);
@@ -208,9 +247,9 @@ void ForgetTable(SqliteConnection& connection, int table_id) {
 
 void StoreTable(SqliteConnection& connection, const Catalog& catalog, const TableDef& table) {
   ForgetTable(connection, table.id);
-  auto insert = connection.Prepare("INSERT INTO cat_table VALUES(?,?,?,?)");
+  auto insert = connection.Prepare("INSERT INTO cat_table VALUES(?,?,?,?,?)");
   RunWith(insert, Number(table.id), std::string_view(table.name), table.created,
-          Number(table.next_column_id));
+          Number(table.next_column_id), std::string_view(table.schema));
   StoreColumns(connection, table);
   StoreIndexes(connection, table);
   StoreForeignKeys(connection, table);
@@ -222,10 +261,26 @@ void StoreTable(SqliteConnection& connection, const Catalog& catalog, const Tabl
   StoreCounter(connection, kLastObjectId, catalog.last_object_id);
 }
 
+void StorePrincipals(SqliteConnection& connection, const Catalog& catalog) {
+  connection.Execute("DELETE FROM cat_schema; DELETE FROM cat_user");
+  auto insert_schema = connection.Prepare("INSERT INTO cat_schema VALUES(?,?,?)");
+  for (const SchemaDef& schema : catalog.schemas) {
+    if (schema.id <= kLastOwnPrincipal) continue;
+    RunWith(insert_schema, Number(schema.id), std::string_view(schema.name),
+            std::string_view(schema.owner));
+  }
+  auto insert_user = connection.Prepare("INSERT INTO cat_user VALUES(?,?,?,?)");
+  for (const UserDef& user : catalog.users) {
+    if (user.id <= kLastOwnPrincipal) continue;
+    RunWith(insert_user, Number(user.id), std::string_view(user.name), std::string_view(user.login),
+            std::string_view(user.default_schema));
+  }
+}
+
 void StoreView(SqliteConnection& connection, const Catalog& catalog, const ViewDef& view) {
-  auto insert = connection.Prepare("INSERT INTO cat_view VALUES(?,?,?,?)");
+  auto insert = connection.Prepare("INSERT INTO cat_view VALUES(?,?,?,?,?)");
   RunWith(insert, Number(view.id), std::string_view(view.name), view.created,
-          std::string_view(view.text));
+          std::string_view(view.text), std::string_view(view.schema));
   StoreCounter(connection, kLastObjectId, catalog.last_object_id);
 }
 

@@ -7,6 +7,8 @@ namespace sandbox {
 
 /// Makes the catalog's own tables in a new database file.
 void CreateCatalogTables(SqliteConnection& connection);
+/// Adds to a file of an earlier version what it lacks.
+void CompleteCatalogTables(SqliteConnection& connection);
 
 /// Reads every definition of the database.
 Catalog LoadCatalog(SqliteConnection& connection);
@@ -14,6 +16,9 @@ Catalog LoadCatalog(SqliteConnection& connection);
 /// Writes one table's definition over the stored one, and the last object id.
 void StoreTable(SqliteConnection& connection, const Catalog& catalog, const TableDef& table);
 void ForgetTable(SqliteConnection& connection, int table_id);
+
+/// Writes all schemas and users but the server's own.
+void StorePrincipals(SqliteConnection& connection, const Catalog& catalog);
 
 void StoreView(SqliteConnection& connection, const Catalog& catalog, const ViewDef& view);
 void ForgetView(SqliteConnection& connection, int view_id);

@@ -8,7 +8,6 @@
 namespace sandbox {
 namespace {
 
-const std::string kOwner = "dbo";
 const std::string kCollation = "SQL_Latin1_General_CP1_CI_AS";
 
 std::string ColumnList(const TableDef& table, const std::vector<int>& ids) {
@@ -41,10 +40,10 @@ void AllObjects(Session& session) {
   ResultRows result;
   result.columns = {NameColumn("Name"), NameColumn("Owner"), NameColumn("Object_type")};
   const Catalog& catalog = session.Link().Definitions();
-  const auto add = [&](const std::string& name, const char* type) {
-    result.rows.push_back({name, kOwner, std::string(type)});
-  };
   for (const auto& [id, table] : catalog.tables) {
+    const auto add = [&, &owner = table.schema](const std::string& name, const char* type) {
+      result.rows.push_back({name, owner, std::string(type)});
+    };
     add(table.name, "user table");
     for (const IndexDef& index : table.indexes) {
       if (index.IsConstraint()) add(index.name, index.primary ? "primary key cns" : "unique key");
@@ -55,7 +54,9 @@ void AllObjects(Session& session) {
       if (column.default_id != 0) add(column.default_name, "default (maybe cns)");
     }
   }
-  for (const auto& [id, view] : catalog.views) add(view.name, "view");
+  for (const auto& [id, view] : catalog.views) {
+    result.rows.push_back({view.name, view.schema, std::string("view")});
+  }
   SortRows(result, {2, 0});
   session.SendRows(result.columns, result.rows);
 }
@@ -171,7 +172,7 @@ void Constraints(Session& session, const TableDef& table) {
                            std::string("Is_For_Replication"), ColumnList(table, key.columns)});
     result.rows.push_back({std::string(" "), std::string(" "), std::string(" "), std::string(" "),
                            std::string(" "), std::string(" "),
-                           "REFERENCES " + session.Database() + ".dbo." + parent.name + " (" +
+                           "REFERENCES " + session.Database() + "." + parent.FullName() + " (" +
                                ColumnList(parent, key.parent_columns) + ")"});
   }
   for (const IndexDef& index : table.indexes) {
@@ -195,21 +196,22 @@ void References(Session& session, const TableDef& table) {
   for (const auto& [id, child] : session.Link().Definitions().tables) {
     for (const ForeignKeyDef& key : child.foreign_keys) {
       if (key.parent_table == table.id) {
-        result.rows.push_back({session.Database() + ".dbo." + child.name + ": " + key.name});
+        result.rows.push_back({session.Database() + "." + child.FullName() + ": " + key.name});
       }
     }
   }
   if (!result.rows.empty()) session.SendRows(result.columns, result.rows);
 }
 
-void Head(Session& session, const std::string& name, const char* type, std::int64_t created) {
+template <class Object>
+void Head(Session& session, const Object& object, const char* type) {
   session.SendRows({NameColumn("Name"),
                     NameColumn("Owner"),
                     TextColumn("Type", 31),
                     {"Created_datetime", DateTimeType(), true, false}},
-                   {{name, kOwner, std::string(type),
-                     DateTimeValue{static_cast<std::int32_t>(created / kTicksPerDay),
-                                   created % kTicksPerDay, 0}}});
+                   {{object.name, object.schema, std::string(type),
+                     DateTimeValue{static_cast<std::int32_t>(object.created / kTicksPerDay),
+                                   object.created % kTicksPerDay, 0}}});
 }
 
 int Help(Session& session, const Arguments& args) {
@@ -218,19 +220,18 @@ int Help(Session& session, const Arguments& args) {
     AllObjects(session);
     return 0;
   }
-  const std::string name = LastNamePart(*given);
-  const Catalog& catalog = session.Link().Definitions();
-  if (const ViewDef* view = catalog.FindView(name)) {
-    Head(session, view->name, "view", view->created);
+  const ObjectName name = ParsedName(*given);
+  if (const ViewDef* view = session.Link().FindView(name)) {
+    Head(session, *view, "view");
     return 0;
   }
-  const TableDef* table = catalog.FindTable(name);
+  const TableDef* table = session.Link().FindTable(name);
   if (!table) {
     SqlError error = Error(15009, *given, session.Database());
     error.messages.front().procedure = "sp_help";
     throw error;
   }
-  Head(session, table->name, "user table", table->created);
+  Head(session, *table, "user table");
   Columns(session, *table);
   Identity(session, *table);
   RowGuid(session, *table);
@@ -242,16 +243,16 @@ int Help(Session& session, const Arguments& args) {
 }
 
 int HelpIndex(Session& session, const Arguments& args) {
-  const std::string name = LastNamePart(args.Text(0).value_or(""));
-  const TableDef* table = session.Link().Definitions().FindTable(name);
+  const std::string name = args.Text(0).value_or("");
+  const TableDef* table = session.Link().FindTable(ParsedName(name));
   if (!table) Raise(15009, name, session.Database());
   Indexes(session, *table);
   return 0;
 }
 
 int HelpConstraint(Session& session, const Arguments& args) {
-  const std::string name = LastNamePart(args.Text(0).value_or(""));
-  const TableDef* table = session.Link().Definitions().FindTable(name);
+  const std::string name = args.Text(0).value_or("");
+  const TableDef* table = session.Link().FindTable(ParsedName(name));
   if (!table) Raise(15009, name, session.Database());
   Constraints(session, *table);
   References(session, *table);

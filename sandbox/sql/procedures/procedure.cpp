@@ -4,6 +4,7 @@
 
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/errors.h"
+#include "sandbox/sql/session.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/text_order.h"
 
@@ -43,6 +44,13 @@ const Procedure* FindProcedure(std::string_view name) {
     }
   }
   return nullptr;
+}
+
+const TableDef* FindArgument(Session& session, const Arguments& arguments, std::size_t name,
+                             std::size_t owner) {
+  const std::string schema = arguments.Text(owner).value_or("");
+  return session.Link().FindTable(
+      {"", schema == "%" ? "" : schema, arguments.Text(name).value_or("")});
 }
 
 ColumnInfo NameColumn(const char* name, bool nullable) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "sandbox/sql/engine.h"
+#include "sandbox/storage/catalog.h"
 
 namespace sandbox {
 
@@ -47,6 +48,11 @@ ColumnInfo SmallColumn(const char* name, bool nullable = true);
 inline Value Number(std::int64_t number) {
   return number;
 }
+
+/// The table that two arguments name; without an owner it is one that the bare name stands for.
+/// Null when there is none.
+const TableDef* FindArgument(Session& session, const Arguments& arguments, std::size_t name,
+                             std::size_t owner);
 
 /// Sorts rows by the given columns, text as the server orders it.
 void SortRows(ResultRows& result, std::initializer_list<std::size_t> columns);
