@@ -253,7 +253,8 @@ struct CreateIndexStatement {
   std::string name;
   ObjectName table;
   ColumnList columns;
-  std::vector<std::string> not_null;  // columns of the filter "where a is not null and ..."
+  std::vector<std::string> included;
+  ExprPtr filter;
   bool unique = false;
   bool clustered = false;
   bool ignore_existing = false;

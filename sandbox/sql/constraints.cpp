@@ -58,7 +58,7 @@ const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
                                  std::int64_t own_row) {
   std::vector<const IndexDef*> unique;
   for (const IndexDef& index : table.indexes) {
-    if (index.unique) unique.push_back(&index);
+    if (index.unique && !index.disabled && index.filter.empty()) unique.push_back(&index);
   }
   std::stable_sort(unique.begin(), unique.end(), [](const IndexDef* a, const IndexDef* b) {
     return a->primary != b->primary ? a->primary : a->id < b->id;

@@ -23,7 +23,7 @@ const IndexDef* BrokenIndex(const TableDef& table, std::string_view sqlite_messa
 
 /// Of the unique indexes that a row breaks the one the server names: the primary key's, else the
 /// oldest. `value` gives the row's value of a column by its number; `own_row` is its row number
-/// when it is in the table already, else 0. Null when it breaks none.
+/// when it is in the table already, else 0. Null when it breaks none, filtered ones aside.
 const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
                                  const std::function<Value(int column_id)>& value,
                                  std::int64_t own_row);

@@ -183,13 +183,19 @@ void DatabaseLink::ForgetView(int view_id) {
 void DatabaseLink::SetSchemas(std::vector<SchemaDef> schemas) {
   definitions_changed_ = true;
   catalog_.schemas = std::move(schemas);
-  StorePrincipals(connection_, catalog_);
+  StoreLists(connection_, catalog_);
 }
 
 void DatabaseLink::SetUsers(std::vector<UserDef> users) {
   definitions_changed_ = true;
   catalog_.users = std::move(users);
-  StorePrincipals(connection_, catalog_);
+  StoreLists(connection_, catalog_);
+}
+
+void DatabaseLink::SetTypes(std::vector<AliasTypeDef> types) {
+  definitions_changed_ = true;
+  catalog_.types = std::move(types);
+  StoreLists(connection_, catalog_);
 }
 
 int DatabaseLink::NewObjectId() {

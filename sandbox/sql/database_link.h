@@ -70,6 +70,7 @@ class DatabaseLink {
   void ForgetView(int view_id);
   void SetSchemas(std::vector<SchemaDef> schemas);
   void SetUsers(std::vector<UserDef> users);
+  void SetTypes(std::vector<AliasTypeDef> types);
   int NewObjectId();
 
   /// The next identity value; the counter moves on.

@@ -16,8 +16,10 @@ std::string SchemaOfNew(DatabaseLink& link, const ObjectName& name);
 /// Gives the table its id, makes it in storage and writes its definition. Within a transaction.
 void AddTable(DatabaseLink& link, TableDef table);
 
-/// Makes an index in storage. Raises 1505 where rows have equal keys.
-void MakeStoredIndex(DatabaseLink& link, const TableDef& table, const IndexDef& index);
+/// Makes an index in storage. Raises 1505 where rows have equal keys, 10735 for a filter that it
+/// can't have.
+void MakeStoredIndex(Session& session, DatabaseLink& link, const TableDef& table,
+                     const IndexDef& index);
 
 /// ALTER TABLE's changes of columns and constraints, in storage and in `table`, which the caller
 /// stores afterwards.

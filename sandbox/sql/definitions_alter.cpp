@@ -5,18 +5,13 @@
 #include "sandbox/sql/definitions.h"
 #include "sandbox/sql/parser.h"
 #include "sandbox/sql/session.h"
+#include "sandbox/sql/stored_columns.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/encoding.h"
 #include "sandbox/storage/text_order.h"
 
 namespace sandbox {
 namespace {
-
-std::string StoredColumnText(const ColumnDef& column) {
-  std::string text = TableDef::StoredColumn(column.id);
-  if (IsText(column.type.type)) text += std::string(" COLLATE ") + kTextCollation;
-  return text;
-}
 
 bool Uses(const std::vector<int>& columns, int id) {
   return std::find(columns.begin(), columns.end(), id) != columns.end();

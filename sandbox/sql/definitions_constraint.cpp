@@ -5,6 +5,7 @@
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/definitions.h"
 #include "sandbox/sql/session.h"
+#include "sandbox/sql/stored_columns.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/text_order.h"
 
@@ -213,7 +214,7 @@ void ConstraintAdder::AddCheck(const ConstraintSyntax& constraint, const CheckSy
   CheckDef added;
   added.id = link_.NewObjectId();
   added.name = NameFor(constraint, "CK", added.id);
-  added.text = "(" + NormalisedText(*check.condition) + ")";
+  added.text = ConditionText(*check.condition);
   if (!constraint.column.empty()) added.column_id = table_.FindColumn(constraint.column)->id;
   Binder binder(session_);
   Scope scope;
@@ -248,7 +249,7 @@ void ConstraintAdder::Finish() {
   const TableDef& table = link_.Definitions().tables.at(table_.id);
   for (const int id : new_indexes_) {
     for (const IndexDef& index : table.indexes) {
-      if (index.id == id) MakeStoredIndex(link_, table, index);
+      if (index.id == id) MakeStoredIndex(session_, link_, table, index);
     }
   }
   if (!stored_) return;

@@ -4,17 +4,12 @@
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/definitions.h"
 #include "sandbox/sql/session.h"
+#include "sandbox/sql/stored_columns.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/text_order.h"
 
 namespace sandbox {
 namespace {
-
-std::string StoredColumnText(const ColumnDef& column) {
-  std::string text = TableDef::StoredColumn(column.id);
-  if (IsText(column.type.type)) text += std::string(" COLLATE ") + kTextCollation;
-  return text;
-}
 
 void CheckIdentity(const TableDef& table, const ColumnDef& column, const ColumnSyntax& syntax) {
   if (!column.identity) return;

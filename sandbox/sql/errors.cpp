@@ -353,9 +353,13 @@ constexpr std::array kMessages{
     MessageText{8156, 16, 1, Ends::Batch, "The column '{}' was specified multiple times for '{}'."},
     MessageText{8169, 16, 2, Ends::Transaction,
                 "Conversion failed when converting from a character string to uniqueidentifier."},
+    MessageText{10601, 16, 1, Ends::Batch,
+                "Cannot specify included columns for a clustered index."},
     MessageText{
         10709, 16, 1, Ends::Batch,
         "The number of columns for each row in a table value constructor must be the same."},
+    MessageText{10735, 15, 1, Ends::Batch,
+                "Incorrect WHERE clause for filtered index '{}' on table '{}'."},
     MessageText{10738, 15, 1, Ends::Batch,
                 "The number of row value expressions in the INSERT statement exceeds the maximum "
                 "allowed number of 1000 row values."},

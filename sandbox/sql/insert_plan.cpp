@@ -294,7 +294,8 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
 }
 
 void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
-  if (!BrokenIndex(table_, error.what())) throw error;
+  const IndexDef* reported = BrokenIndex(table_, error.what());
+  if (!reported) throw error;
   const auto value = [&](int column_id) -> Value {
     const auto slot =
         std::find_if(plan_->slots.begin(), plan_->slots.end(),
@@ -307,7 +308,7 @@ void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
     return StoreValue(link_, table_, slot->column, *cell.value, cell.type);
   };
   const IndexDef* index = FirstBrokenIndex(link_, table_, value, 0);
-  if (!index) throw error;
+  if (!index) index = reported;
   std::vector<Value> keys;
   for (const IndexColumn& column : index->columns) keys.push_back(value(column.column_id));
   throw DuplicateKey(table_, *index, keys);

@@ -256,15 +256,8 @@ Statement Parser::ParseCreateIndex() {
   Expect("on");
   index.table = TakeObjectName();
   index.columns = TakeColumnList();
-  if (Accept("include")) TakeNameList();
-  if (Accept("where")) {
-    do {
-      index.not_null.push_back(TakeName());
-      Expect("is");
-      Expect("not");
-      Expect("null");
-    } while (Accept("and"));
-  }
+  if (Accept("include")) index.included = TakeNameList();
+  if (Accept("where")) index.filter = ParseExpr();
   SkipIndexOptions();
   return {1, std::move(index)};
 }

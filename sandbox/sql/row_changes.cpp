@@ -117,14 +117,15 @@ void RowChanger::WriteRow(const TableDef& table, const RowChange& change) {
   try {
     link_.Run(statement);
   } catch (const SqliteError& error) {
-    if (!BrokenIndex(table, error.what())) throw;
+    const IndexDef* reported = BrokenIndex(table, error.what());
+    if (!reported) throw;
     const auto value = [&](int column_id) {
       const auto changed = change.values.find(column_id);
       return changed != change.values.end() ? changed->second
                                             : ReadKey(table, {column_id}, change.row).front();
     };
     const IndexDef* broken = FirstBrokenIndex(link_, table, value, change.row);
-    if (!broken) throw;
+    if (!broken) broken = reported;
     Key key;
     for (const IndexColumn& column : broken->columns) key.push_back(value(column.column_id));
     throw DuplicateKey(table, *broken, key);

@@ -97,6 +97,13 @@ const UserDef* Catalog::FindUser(std::string_view name) const {
   return FindNamed(users, name);
 }
 
+const AliasTypeDef* Catalog::FindType(std::string_view schema, std::string_view name) const {
+  for (const AliasTypeDef& type : types) {
+    if (SameName(type.name, name) && SameName(type.schema, schema)) return &type;
+  }
+  return nullptr;
+}
+
 const TableDef* Catalog::FindTable(std::string_view schema, std::string_view name) const {
   return FindIn(tables, schema, name);
 }

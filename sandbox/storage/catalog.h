@@ -13,6 +13,9 @@ namespace sandbox {
 /// The schema of what is made without one by who has no other.
 inline constexpr const char* kDefaultSchema = "dbo";
 
+/// What fills a column of a temporal table's period.
+enum class Generated { No, RowStart, RowEnd };
+
 /// A column as defined. Default texts are in the server's normalised form, "((0))".
 struct ColumnDef {
   int id = 0;  // from 1, never used twice within a table
@@ -26,12 +29,20 @@ struct ColumnDef {
   std::string default_text;  // empty when there is none
   int default_id = 0;
   bool row_guid = false;
+  int user_type = 0;          // the id of an alias type; 0: none
+  std::string collation;      // empty: the database's
+  std::string computed_text;  // normalised, "([a]+[b])"; empty: not computed
+  bool persisted = false;
+  bool sparse = false;
+  bool masked = false;
+  bool hidden = false;
+  Generated generated = Generated::No;
+  bool IsComputed() const { return !computed_text.empty(); }
 };
 
 struct IndexColumn {
   int column_id = 0;
   bool descending = false;
-  bool skips_nulls = false;  // rows with NULL here are not in the index
 };
 
 /// An index; primary keys and unique constraints are indexes too.
@@ -42,7 +53,10 @@ struct IndexDef {
   bool unique = false;
   bool primary = false;
   bool clustered = false;
+  bool disabled = false;
   std::vector<IndexColumn> columns;
+  std::vector<int> included;  // columns that are no part of the key
+  std::string filter;         // normalised, in parentheses; empty: every row is in the index
   bool IsConstraint() const { return object_id != 0; }
 };
 
@@ -56,6 +70,8 @@ struct ForeignKeyDef {
   std::vector<int> parent_columns;
   ForeignKeyRule on_delete = ForeignKeyRule::NoAction;
   ForeignKeyRule on_update = ForeignKeyRule::NoAction;
+  bool disabled = false;
+  bool not_trusted = false;  // rows were not looked at
 };
 
 struct CheckDef {
@@ -63,6 +79,17 @@ struct CheckDef {
   std::string name;
   std::string text;   // normalised, in parentheses
   int column_id = 0;  // 0 for a check of the table
+  bool disabled = false;
+  bool not_trusted = false;
+};
+
+/// A type made of another one by a name of its own.
+struct AliasTypeDef {
+  int id = 0;  // from 257
+  std::string schema = kDefaultSchema;
+  std::string name;
+  TypeInfo type;
+  bool nullable = true;
 };
 
 struct TableDef {
@@ -125,6 +152,7 @@ struct Catalog {
 
   std::vector<SchemaDef> schemas;
   std::vector<UserDef> users;
+  std::vector<AliasTypeDef> types;
   std::map<int, TableDef> tables;
   std::map<int, ViewDef> views;
   int last_object_id = 0;
@@ -134,6 +162,7 @@ struct Catalog {
   /// The id of a schema that an object is in.
   int SchemaId(std::string_view name) const { return FindSchema(name)->id; }
   const UserDef* FindUser(std::string_view name) const;
+  const AliasTypeDef* FindType(std::string_view schema, std::string_view name) const;
   const TableDef* FindTable(std::string_view schema, std::string_view name) const;
   const ViewDef* FindView(std::string_view schema, std::string_view name) const;
   ConstraintRef FindConstraint(std::string_view schema, std::string_view name) const;

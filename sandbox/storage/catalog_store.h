@@ -17,8 +17,9 @@ Catalog LoadCatalog(SqliteConnection& connection);
 void StoreTable(SqliteConnection& connection, const Catalog& catalog, const TableDef& table);
 void ForgetTable(SqliteConnection& connection, int table_id);
 
-/// Writes all schemas and users but the server's own.
-void StorePrincipals(SqliteConnection& connection, const Catalog& catalog);
+/// Schemas, users and alias types; the server's own are not written.
+void LoadLists(SqliteConnection& connection, Catalog& catalog);
+void StoreLists(SqliteConnection& connection, const Catalog& catalog);
 
 void StoreView(SqliteConnection& connection, const Catalog& catalog, const ViewDef& view);
 void ForgetView(SqliteConnection& connection, int view_id);

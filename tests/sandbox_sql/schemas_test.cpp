@@ -204,12 +204,19 @@ TEST_F(SchemasTest, AFolderOfAnEarlierVersionIsCompleted) {
   engine.reset();
   sqlite3* connection = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &connection), SQLITE_OK);
-  EXPECT_EQ(sqlite3_exec(connection,
-                         "alter table cat_table drop column schema;"
-                         "alter table cat_view drop column schema;"
-                         "drop table cat_schema; drop table cat_user; pragma user_version = 0",
-                         nullptr, nullptr, nullptr),
-            SQLITE_OK);
+  std::string without = "pragma user_version = 0;";
+  for (const char* table : {"cat_schema", "cat_user", "cat_type"})
+    without += std::string("drop table ") + table + ";";
+  for (const char* column :
+       {"cat_table drop column schema", "cat_view drop column schema",
+        "cat_column drop column user_type", "cat_column drop column collation",
+        "cat_column drop column computed", "cat_column drop column traits",
+        "cat_index drop column disabled", "cat_index drop column filter",
+        "cat_foreign_key drop column disabled", "cat_foreign_key drop column not_trusted",
+        "cat_check drop column disabled", "cat_check drop column not_trusted"}) {
+    without += std::string("alter table ") + column + ";";
+  }
+  EXPECT_EQ(sqlite3_exec(connection, without.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
   sqlite3_close(connection);
   engine = OpenEngine(folder, false);
   session = engine->OpenSession("sa");
