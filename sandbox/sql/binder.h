@@ -38,6 +38,7 @@ struct ScopeColumn {
   bool nullable = true;
   bool identity = false;
   std::string sql;
+  bool hidden = false;  // "*" leaves it out
 };
 
 struct ScopeSource {

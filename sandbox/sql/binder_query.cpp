@@ -165,7 +165,7 @@ BoundQuery Binder::BindSelect(const Select& select, const Query* ordered, const 
   }
   const auto grouped = [&](const std::string& sql) {
     return std::any_of(groups.begin(), groups.end(), [&](const std::string& group) {
-      return group == sql || group == sql + " COLLATE " + kTextCollation;
+      return group == sql || group.starts_with(sql + " COLLATE ");
     });
   };
   bare_columns_.clear();
@@ -235,6 +235,7 @@ void Binder::AddStar(const Expr& star, const Scope& scope, std::vector<Bound>& i
     if (!star.parts.empty() && !Exposes(source, columns)) continue;
     found = true;
     for (const ScopeColumn& column : source.columns) {
+      if (column.hidden) continue;
       Bound bound;
       bound.sql = column.sql;
       bound.type = column.type;
@@ -366,7 +367,7 @@ std::string Binder::BindSource(const FromItem& item, Scope& scope) {
   const auto hidden = std::exchange(common_tables_, {});
   BoundQuery query = BindQuery(*view.query, nullptr);
   common_tables_ = hidden;
-  return AddDerived(std::move(query), alias, {}, scope);
+  return AddDerived(std::move(query), alias, view.columns, scope);
 }
 
 bool Exposes(const ScopeSource& source, const std::vector<std::string>& parts) {
@@ -390,7 +391,8 @@ std::string Binder::AddTable(const Relation& relation, const std::string& alias,
   if (relation.table) {
     for (const ColumnDef& column : relation.table->columns) {
       source.columns.push_back({column.name, column.type, column.nullable, column.identity,
-                                source.stored + "." + TableDef::StoredColumn(column.id)});
+                                source.stored + "." + TableDef::StoredColumn(column.id),
+                                column.hidden});
     }
   } else {
     for (const ScopeColumn& column : relation.columns) {

@@ -89,6 +89,8 @@ Flow Session::Run(const UpdateStatement& update) {
       if (!column) Raise(207, assignment.column);
       if (column->identity) Raise(8102, column->name);
       if (column->type.type == SqlType::Timestamp) Raise(272);
+      if (column->IsComputed()) Raise(271, column->name);
+      if (column->generated != Generated::No) Raise(13537, table.FullName());
       for (const Assigned& other : assigned) {
         if (other.column == column) Raise(264, column->name);
       }

@@ -143,10 +143,10 @@ void VerifyCheck(Session& session, DatabaseLink& link, const TableDef& table, co
 void VerifyRows(Session& session, DatabaseLink& link, const TableDef& table, std::int64_t first,
                 std::int64_t last, std::string_view statement) {
   for (const CheckDef& check : table.checks) {
-    VerifyCheck(session, link, table, check, first, last, statement);
+    if (!check.disabled) VerifyCheck(session, link, table, check, first, last, statement);
   }
   for (const ForeignKeyDef& key : table.foreign_keys) {
-    VerifyForeignKey(link, table, key, first, last, statement);
+    if (!key.disabled) VerifyForeignKey(link, table, key, first, last, statement);
   }
 }
 

@@ -37,6 +37,12 @@ std::string KeyText(const TableDef& table, const IndexDef& index, const std::vec
 void VerifyRows(Session& session, DatabaseLink& link, const TableDef& table, std::int64_t first,
                 std::int64_t last, std::string_view statement);
 
+/// Keys of these rows that are longer than their index takes. Raises 1946.
+void VerifyKeyLengths(DatabaseLink& link, const TableDef& table, std::int64_t first,
+                      std::int64_t last);
+/// True when a key of the table may be longer than its index takes.
+bool HasLongKeys(const TableDef& table);
+
 /// The same for one constraint and every row, as ALTER TABLE needs it.
 void VerifyForeignKey(DatabaseLink& link, const TableDef& table, const ForeignKeyDef& key,
                       std::int64_t first, std::int64_t last, std::string_view statement);

@@ -23,9 +23,10 @@ int CheckCancel(void* cancel) {
 }  // namespace
 
 DatabaseLink::DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseState> state,
-                           std::string login, std::atomic<bool>& cancel)
+                           std::string login, int session, std::atomic<bool>& cancel)
     : state_(std::move(state)),
       login_(std::move(login)),
+      temporary_schema_(fmt::format("#{}", session)),
       cancel_(cancel),
       connection_(folder.Connect(*state_)) {
   sqlite3_progress_handler(connection_.get(), kStepsBetweenCancelChecks, CheckCancel, &cancel_);
@@ -196,6 +197,21 @@ void DatabaseLink::SetTypes(std::vector<AliasTypeDef> types) {
   definitions_changed_ = true;
   catalog_.types = std::move(types);
   StoreLists(connection_, catalog_);
+}
+
+void DatabaseLink::DropTemporaryTables() {
+  std::vector<int> own;
+  for (const auto& [id, table] : Definitions().tables) {
+    if (table.schema == temporary_schema_) own.push_back(id);
+  }
+  if (own.empty()) return;
+  BeginWrite();
+  for (const int id : own) {
+    const std::string stored = Definitions().tables.at(id).StoredName();
+    Forget(id);
+    connection_.Execute("DROP TABLE " + stored);
+  }
+  Commit();
 }
 
 int DatabaseLink::NewObjectId() {

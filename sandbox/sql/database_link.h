@@ -26,7 +26,7 @@ struct Cancelled {};
 class DatabaseLink {
  public:
   DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseState> state, std::string login,
-               std::atomic<bool>& cancel);
+               int session, std::atomic<bool>& cancel);
   ~DatabaseLink();
   DatabaseLink(const DatabaseLink&) = delete;
   DatabaseLink& operator=(const DatabaseLink&) = delete;
@@ -45,6 +45,7 @@ class DatabaseLink {
   std::vector<std::string> SearchPath(const ObjectName& name);
   const TableDef* FindTable(const ObjectName& name);
   const ViewDef* FindView(const ObjectName& name);
+  const AliasTypeDef* FindType(const ObjectName& name);
   /// The schema that a new object of this name is in, as it is spelt. Raises 2760.
   std::string SchemaForNew(const ObjectName& name);
 
@@ -72,6 +73,8 @@ class DatabaseLink {
   void SetUsers(std::vector<UserDef> users);
   void SetTypes(std::vector<AliasTypeDef> types);
   int NewObjectId();
+  /// Drops the session's own tables.
+  void DropTemporaryTables();
 
   /// The next identity value; the counter moves on.
   std::int64_t NextIdentity(const TableDef& table, const ColumnDef& column);
@@ -100,6 +103,7 @@ class DatabaseLink {
 
   std::shared_ptr<DatabaseState> state_;
   const std::string login_;
+  const std::string temporary_schema_;
   std::atomic<bool>& cancel_;
   SqliteConnection connection_;
   Catalog catalog_;

@@ -110,6 +110,7 @@ void ConstraintAdder::AddKey(const ConstraintSyntax& constraint, const KeySyntax
     if (SameName(other.name, index.name)) RaiseForConstraint(1913, index.name, table_.FullName());
     index.id = std::max(index.id, other.id);
   }
+  CheckKeyLength(session_, table_, index);
   new_indexes_.push_back(++index.id);
   table_.indexes.push_back(std::move(index));
 }
@@ -125,6 +126,7 @@ const TableDef* ConstraintAdder::FindParent(const ObjectName& name) const {
 
 void ConstraintAdder::AddForeignKey(const ConstraintSyntax& constraint,
                                     const ForeignKeySyntax& syntax) {
+  if (table_.IsTemporary()) return;  // the server skips them, too
   ForeignKeyDef key;
   key.id = link_.NewObjectId();
   key.name = NameFor(constraint, "FK", key.id);
@@ -145,6 +147,7 @@ void ConstraintAdder::AddForeignKey(const ConstraintSyntax& constraint,
     if (sets_null && !table_.Column(id).nullable) RaiseForConstraint(1761, key.name);
   }
   CheckCascadePaths(key);
+  key.not_trusted = !check_rows_;
   table_.foreign_keys.push_back(key);
   if (check_rows_) new_keys_.push_back(std::move(key));
 }
@@ -180,6 +183,9 @@ void ConstraintAdder::MatchParentKey(ForeignKeyDef& key, const ForeignKeySyntax&
     };
     if (plain(child.type.type) != plain(target.type.type)) {
       RaiseForConstraint(1778, parent.name, target.name, table_.name, child.name, key.name);
+    }
+    if (child.type.order != target.type.order) {
+      RaiseForConstraint(1757, parent.name, target.name, table_.name, child.name, key.name);
     }
     const bool variable = child.type.type == SqlType::VarChar ||
                           child.type.type == SqlType::NVarChar ||
@@ -223,6 +229,7 @@ void ConstraintAdder::AddCheck(const ConstraintSyntax& constraint, const CheckSy
   relation.stored = table_.StoredName();
   binder.AddTable(relation, table_.name, scope);
   binder.BindCondition(*check.condition, scope);  // raises 207 and its kin
+  added.not_trusted = !check_rows_;
   table_.checks.push_back(added);
   if (check_rows_) new_checks_.push_back(std::move(added));
 }
@@ -253,6 +260,7 @@ void ConstraintAdder::Finish() {
     }
   }
   if (!stored_) return;
+  if (!new_indexes_.empty()) VerifyKeyLengths(link_, table, kFirstRow, kLastRow);
   for (const ForeignKeyDef& key : new_keys_) {
     VerifyForeignKey(link_, table, key, kFirstRow, kLastRow, "ALTER TABLE");
   }

@@ -106,10 +106,30 @@ Flow Session::Run(const CreateIndexStatement& create) {
   }
   ++index.id;
   AddIndexColumns(table, create, index);
+  CheckKeyLength(*this, table, index);
   if (create.filter) index.filter = ConditionText(*create.filter);
   table.indexes.push_back(index);
   link.Store(table);
   MakeStoredIndex(*this, link, table, index);
+  VerifyKeyLengths(link, table, INT64_MIN, INT64_MAX);
+  scope.Keep();
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
+Flow Session::Run(const AlterIndexStatement& alter) {
+  DatabaseLink& link = LinkTo(alter.table.database);
+  link.BeginWrite();
+  TableDef table = TargetTable(link, alter.table, 1088);
+  if (!alter.name.empty() && !table.FindIndex(alter.name)) Raise(2727, alter.name);
+  StatementScope scope(link);
+  for (IndexDef& index : table.indexes) {
+    if (!alter.name.empty() && !SameName(index.name, alter.name)) continue;
+    link.Connection().Execute("DROP INDEX IF EXISTS " + table.StoredIndexName(index));
+    index.disabled = alter.disables;
+    MakeStoredIndex(*this, link, table, index);
+  }
+  link.Store(table);
   scope.Keep();
   Done(std::nullopt);
   return Flow::Next;
@@ -131,7 +151,7 @@ Flow Session::Run(const DropIndexStatement& drop) {
   StatementScope scope(link);
   TableDef table = *found;
   const int id = index->id;
-  const std::string sql = "DROP INDEX " + table.StoredIndexName(*index);
+  const std::string sql = "DROP INDEX IF EXISTS " + table.StoredIndexName(*index);
   std::erase_if(table.indexes, [&](const IndexDef& other) { return other.id == id; });
   link.Store(table);
   link.Connection().Execute(sql);

@@ -87,10 +87,13 @@ void Session::SelectInto(const Select& select, const Query& query) {
     added.name = column.name;
     added.type = column.type;
     if (column.type.type == SqlType::Timestamp) added.type = {SqlType::Binary, 8, 0, 0};
+    if (column.type.order == TextOrder::CaseSensitive)
+      added.collation = "SQL_Latin1_General_CP1_CS_AS";
+    if (column.type.order == TextOrder::Binary) added.collation = "Latin1_General_BIN2";
     added.nullable = column.nullable;
     added.identity = column.identity;
   }
-  AddTable(link, table);
+  AddTable(*this, link, table);
   const TableDef& stored = *link.Definitions().FindTable(table.schema, table.name);
   RowWriter writer(*this, link, stored, {}, RowWriter::Identity::Explicit);
   const std::int64_t rows = writer.WriteQuery(bound, binder);

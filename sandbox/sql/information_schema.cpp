@@ -23,7 +23,7 @@ Value Int(std::int64_t number) {
 
 std::vector<Value> ColumnRow(const std::string& database, const TableDef& table,
                              const ColumnInfo& column, std::int64_t position,
-                             const std::string& default_text) {
+                             const std::string& default_text, const std::string& collation) {
   const TypeInfo& type = column.type;
   const bool sized = IsText(type.type) || IsBinary(type.type);
   const bool number = IsNumber(type.type) && type.type != SqlType::Bit;
@@ -55,7 +55,7 @@ std::vector<Value> ColumnRow(const std::string& database, const TableDef& table,
           number && !IsApproximate(type.type) ? Int(type.scale) : Value(),
           fraction,
           text ? (IsUnicode(type.type) ? Word("UNICODE") : Word("iso_1")) : Value(),
-          text ? Word("SQL_Latin1_General_CP1_CI_AS") : Value()};
+          collation.empty() ? Value() : Value(collation)};
 }
 
 void Tables(Session&, DatabaseLink& link, SystemView::Rows& rows) {
@@ -73,7 +73,7 @@ void Columns(Session&, DatabaseLink& link, SystemView::Rows& rows) {
     for (const ColumnDef& column : table->columns) {
       rows.push_back(ColumnRow(link.Name(), *table,
                                {column.name, column.type, column.nullable, false}, ++position,
-                               column.default_text));
+                               column.default_text, CollationName(column.type, column.collation)));
     }
   }
 }

@@ -13,6 +13,9 @@ const UserDef& DatabaseLink::User() {
 }
 
 std::vector<std::string> DatabaseLink::SearchPath(const ObjectName& name) {
+  constexpr const char* kEverySession = "##";
+  if (name.name.starts_with(kEverySession)) return {kEverySession};
+  if (name.IsTemporary()) return {temporary_schema_};
   if (!name.schema.empty()) return {name.schema};
   return {User().default_schema, kDefaultSchema};
 }
@@ -31,8 +34,16 @@ const ViewDef* DatabaseLink::FindView(const ObjectName& name) {
   return nullptr;
 }
 
+const AliasTypeDef* DatabaseLink::FindType(const ObjectName& name) {
+  for (const std::string& schema : SearchPath(name)) {
+    if (const AliasTypeDef* type = Definitions().FindType(schema, name.name)) return type;
+  }
+  return nullptr;
+}
+
 std::string DatabaseLink::SchemaForNew(const ObjectName& name) {
   const std::string wanted = SearchPath(name).front();
+  if (name.IsTemporary()) return wanted;
   const SchemaDef* schema = Definitions().FindSchema(wanted);
   if (!schema) Raise(2760, wanted);
   return schema->name;

@@ -139,7 +139,11 @@ Result ColumnPropertyOf(Session& session, const std::vector<Value>& args) {
   if (!column) return {Value(), IntType()};
   if (property == "isidentity") return number(column->identity);
   if (property == "allowsnull") return number(column->nullable);
-  if (property == "iscomputed") return number(0);
+  if (property == "iscomputed") return number(column->IsComputed());
+  if (property == "isrowguidcol") return number(column->row_guid);
+  if (property == "issparse") return number(column->sparse);
+  if (property == "ishidden") return number(column->hidden);
+  if (property == "generatedalwaystype") return number(static_cast<int>(column->generated));
   if (property == "columnid") return number(column->id);
   if (property == "precision") return number(column->type.precision);
   if (property == "scale") return number(column->type.scale);

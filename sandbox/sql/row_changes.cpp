@@ -5,6 +5,7 @@
 #include "sandbox/sql/constraints.h"
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/database_link.h"
+#include "sandbox/sql/insert_plan.h"
 #include "sandbox/sql/parser.h"
 #include "sandbox/sql/session.h"
 #include "sandbox/sql/type_rules.h"
@@ -36,7 +37,7 @@ std::vector<RowChanger::Reference> RowChanger::ReferencesTo(const TableDef& tabl
   std::vector<Reference> references;
   for (const auto& [id, child] : link_.Definitions().tables) {
     for (const ForeignKeyDef& key : child.foreign_keys) {
-      if (key.parent_table == table.id) references.push_back({id, key});
+      if (key.parent_table == table.id && !key.disabled) references.push_back({id, key});
     }
   }
   return references;
@@ -137,6 +138,9 @@ void RowChanger::Update(const TableDef& table, const std::vector<RowChange>& giv
   if (++depth_ > kMaxCascades) Raise(191);
   std::vector<RowChange> changes = given;
   for (const ColumnDef& column : table.columns) {
+    if (column.generated == Generated::RowStart) {
+      for (RowChange& change : changes) change.values[column.id] = PeriodValue(column);
+    }
     if (column.type.type != SqlType::Timestamp) continue;
     for (RowChange& change : changes) {
       std::string bytes(8, '\0');
@@ -173,9 +177,10 @@ void RowChanger::Update(const TableDef& table, const std::vector<RowChange>& giv
     }
     FollowKeys(references[r], table, before[r], &after[r]);
   }
-  const bool verifies = !table.foreign_keys.empty() || !table.checks.empty();
+  const bool verifies = !table.foreign_keys.empty() || !table.checks.empty() || HasLongKeys(table);
   if (verifies) {
     for (const RowChange& change : changes) {
+      VerifyKeyLengths(link_, table, change.row, change.row);
       VerifyRows(session_, link_, table, change.row, change.row, statement_);
     }
   }

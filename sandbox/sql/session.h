@@ -34,8 +34,9 @@ using Variables = std::map<std::string, Variable, std::less<>>;
 /// One client's session: runs batches statement by statement.
 class Session final : public EngineSession, public BindContext {
  public:
-  /// `requests` are the server's.
-  Session(ServerFolder& folder, Requests& requests, std::string login, int spid);
+  /// `requests` and `traits` are the server's.
+  Session(ServerFolder& folder, Requests& requests, const ServerTraits& traits, std::string login,
+          int spid);
   ~Session() override;
 
   const std::string& Database() const override { return link_->Name(); }
@@ -61,6 +62,7 @@ class Session final : public EngineSession, public BindContext {
   ServerFolder& Folder() { return folder_; }
   Requests& ServerRequests() { return requests_; }
   ResultSink& Sink() { return *sink_; }
+  const ServerTraits& Traits() const { return traits_; }
   const std::string& Login() const { return login_; }
   const SessionOptions& Options() const { return options_; }
 
@@ -107,7 +109,10 @@ class Session final : public EngineSession, public BindContext {
   Flow Run(const CreateTableStatement& statement);
   Flow Run(const AlterTableStatement& statement);
   Flow Run(const CreateIndexStatement& statement);
+  Flow Run(const AlterIndexStatement& statement);
   Flow Run(const DropIndexStatement& statement);
+  Flow Run(const CreateTypeStatement& statement);
+  Flow Run(const DropTypeStatement& statement);
   Flow Run(const DropTableStatement& statement);
   Flow Run(const CreateViewStatement& statement);
   Flow Run(const PrincipalStatement& statement);
@@ -140,6 +145,7 @@ class Session final : public EngineSession, public BindContext {
 
   ServerFolder& folder_;
   Requests& requests_;
+  const ServerTraits& traits_;
   const std::string login_;
   const int spid_;
   std::map<int, std::unique_ptr<DatabaseLink>> links_;  // by database id

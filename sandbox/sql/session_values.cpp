@@ -59,7 +59,9 @@ const Variable* Session::FindVariable(std::string_view name) const {
 
 Relation Session::FindRelation(const ObjectName& name) {
   DatabaseLink& link = LinkTo(name.database);
-  if (const auto view = FindSystemView(name)) return FillSystemView(*view, *this, link);
+  const auto view = FindSystemView(name);
+  if (view && traits_.Knows(name.schema + "." + name.name))
+    return FillSystemView(*view, *this, link);
   const bool other = &link != link_;
   Relation relation;
   for (const std::string& schema : link.SearchPath(name)) {

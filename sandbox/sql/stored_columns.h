@@ -20,7 +20,8 @@ std::string ConditionText(const Expr& condition);
 /// The condition of a filtered index. Raises 207 and its kin.
 std::string StoredCondition(Session& session, const TableDef& table, const std::string& text);
 
-/// "c3 COLLATE ..."
-std::string StoredColumnText(const ColumnDef& column);
+/// "c3 COLLATE ..."; a computed column with what it is computed of. Raises 4936 where that is not
+/// the same each time.
+std::string StoredColumnText(Session& session, const TableDef& table, const ColumnDef& column);
 
 }  // namespace sandbox

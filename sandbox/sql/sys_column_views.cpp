@@ -4,13 +4,7 @@ namespace sandbox {
 namespace sys {
 namespace {
 
-constexpr const char* kCollation = "SQL_Latin1_General_CP1_CI_AS";
 constexpr const char* kGenerated[] = {"NOT_APPLICABLE", "AS_ROW_START", "AS_ROW_END"};
-
-Value CollationOf(const TypeInfo& type, const std::string& declared) {
-  if (!IsText(type.type) || type.type == SqlType::Xml) return {};
-  return declared.empty() ? Word(kCollation) : Value(declared);
-}
 
 int ScaleOf(const TypeInfo& type) {
   return IsNumber(type.type) || sandbox::IsTemporal(type.type) ? type.scale : 0;
@@ -28,6 +22,7 @@ auto ColumnsWhere(Wanted wanted) {
   return [wanted](Session&, DatabaseLink& link) {
     std::vector<Column> columns;
     for (const auto& [id, table] : link.Definitions().tables) {
+      if (table.IsTemporary()) continue;
       for (const ColumnDef& column : table.columns) {
         if (!wanted(column)) continue;
         columns.push_back(
@@ -55,7 +50,7 @@ ViewColumns<Column> OfColumns() {
       {"precision", kTiny, [](const Column& c) { return Int(CatalogPrecision(c.def.type)); }},
       {"scale", kTiny, [](const Column& c) { return Int(ScaleOf(c.def.type)); }},
       {"collation_name", kName,
-       [](const Column& c) { return CollationOf(c.def.type, c.def.collation); }},
+       [](const Column& c) { return TextOrNull(CollationName(c.def.type, c.def.collation)); }},
       {"is_nullable", kBit, [](const Column& c) { return Value(c.def.nullable); }},
       {"is_ansi_padded", kBit, [](const Column&) { return Value(true); }},
       {"is_rowguidcol", kBit, [](const Column& c) { return Value(c.def.row_guid); }},
@@ -120,7 +115,8 @@ ViewColumns<Type> OfTypes() {
       {"max_length", kSmall, [](const Type& t) { return Int(MaxLength(t.def.type)); }},
       {"precision", kTiny, [](const Type& t) { return Int(CatalogPrecision(t.def.type)); }},
       {"scale", kTiny, [](const Type& t) { return Int(ScaleOf(t.def.type)); }},
-      {"collation_name", kName, [](const Type& t) { return CollationOf(t.def.type, ""); }},
+      {"collation_name", kName,
+       [](const Type& t) { return TextOrNull(CollationName(t.def.type, "")); }},
       {"is_nullable", kBit, [](const Type& t) { return Value(t.def.nullable); }},
       {"is_user_defined", kBit, [](const Type& t) { return Value(t.def.id > kLastOwnType); }},
       Never<Type>("is_assembly_type"),

@@ -16,6 +16,7 @@ struct Index {
 std::vector<Index> Indexes(Session&, DatabaseLink& link) {
   std::vector<Index> indexes;
   for (const auto& [id, table] : link.Definitions().tables) {
+    if (table.IsTemporary()) continue;
     const bool clustered = std::any_of(table.indexes.begin(), table.indexes.end(),
                                        [](const IndexDef& index) { return index.clustered; });
     if (!clustered) indexes.push_back({id, std::nullopt});
@@ -64,6 +65,7 @@ struct KeyColumn {
 std::vector<KeyColumn> IndexColumns(Session&, DatabaseLink& link) {
   std::vector<KeyColumn> columns;
   for (const auto& [id, table] : link.Definitions().tables) {
+    if (table.IsTemporary()) continue;
     for (const IndexDef& index : table.indexes) {
       int number = 0;
       for (const IndexColumn& column : index.columns) {
@@ -100,6 +102,7 @@ struct KeyPair {
 std::vector<KeyPair> KeyPairs(Session&, DatabaseLink& link) {
   std::vector<KeyPair> pairs;
   for (const auto& [id, table] : link.Definitions().tables) {
+    if (table.IsTemporary()) continue;
     for (const ForeignKeyDef& key : table.foreign_keys) {
       for (std::size_t i = 0; i < key.columns.size(); ++i) pairs.push_back({&table, &key, i});
     }

@@ -86,6 +86,7 @@ std::vector<Object> Objects(DatabaseLink& link, std::string_view kind) {
   std::vector<Object> objects;
   const Catalog& catalog = link.Definitions();
   for (const auto& [id, table] : catalog.tables) {
+    if (table.IsTemporary()) continue;
     Object object{table.name,
                   catalog.SchemaId(table.schema),
                   id,

@@ -140,7 +140,9 @@ bool Catalog::HasObject(std::string_view schema, std::string_view name) const {
 
 std::vector<const TableDef*> Catalog::Sorted() const {
   std::vector<const TableDef*> sorted;
-  for (const auto& [id, table] : tables) sorted.push_back(&table);
+  for (const auto& [id, table] : tables) {
+    if (!table.IsTemporary()) sorted.push_back(&table);
+  }
   std::sort(sorted.begin(), sorted.end(), [](const TableDef* a, const TableDef* b) {
     const int schemas_differ = CompareText(a->schema, b->schema);
     return schemas_differ ? schemas_differ < 0 : CompareText(a->name, b->name) < 0;

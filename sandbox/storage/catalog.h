@@ -111,7 +111,9 @@ struct TableDef {
   /// Names in SQLite: the table "t<id>", its columns "c<id>", its indexes "i<table id>_<id>".
   std::string StoredName() const;
   /// As messages name it: "dbo.t".
-  std::string FullName() const { return schema + "." + name; }
+  std::string FullName() const { return (IsTemporary() ? kDefaultSchema : schema) + ("." + name); }
+  /// A session's own: its schema is "#" with the session's number, and no list shows it.
+  bool IsTemporary() const { return schema.starts_with('#'); }
   std::string StoredIndexName(const IndexDef& index) const;
   static std::string StoredColumn(int column_id);
 };
@@ -168,7 +170,7 @@ struct Catalog {
   ConstraintRef FindConstraint(std::string_view schema, std::string_view name) const;
   /// True when any object of the schema (table, view, constraint) has the name.
   bool HasObject(std::string_view schema, std::string_view name) const;
-  /// The tables in the order of their schemas and names.
+  /// The tables that lists show, in the order of their schemas and names.
   std::vector<const TableDef*> Sorted() const;
 };
 

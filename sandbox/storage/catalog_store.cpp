@@ -235,6 +235,16 @@ void CompleteCatalogTables(SqliteConnection& connection) {
   }
 }
 
+void DropTemporaryTables(SqliteConnection& connection) {
+  const Catalog catalog = LoadCatalog(connection);
+  for (const auto& [id, table] : catalog.tables) {
+    if (!table.IsTemporary()) continue;
+    connection.Execute("SAVEPOINT drop_one; DROP TABLE " + table.StoredName());
+    ForgetTable(connection, id);
+    connection.Execute("RELEASE drop_one");
+  }
+}
+
 Catalog LoadCatalog(SqliteConnection& connection) {
   Catalog catalog;
   catalog.last_object_id = static_cast<int>(LoadCounter(connection, kLastObjectId, 0));

@@ -10,6 +10,9 @@ void CreateCatalogTables(SqliteConnection& connection);
 /// Adds to a file of an earlier version what it lacks.
 void CompleteCatalogTables(SqliteConnection& connection);
 
+/// Drops the tables of all sessions, of which none is left.
+void DropTemporaryTables(SqliteConnection& connection);
+
 /// Reads every definition of the database.
 Catalog LoadCatalog(SqliteConnection& connection);
 

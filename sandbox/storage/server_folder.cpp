@@ -71,7 +71,9 @@ ServerFolder::ServerFolder(std::filesystem::path folder, bool durable)
     const auto file = folder_ / fmt::format("database{}.db", id);
     databases_.push_back(std::make_shared<DatabaseState>(rows.Text(1), file, id, rows.Integer(2)));
     SqliteConnection connection(file, durable_);
+    RegisterTextOrder(connection.get());
     CompleteCatalogTables(connection);
+    DropTemporaryTables(connection);
   }
   rows.Reset();
   for (const char* name : {"master", "tempdb", "model", "msdb"}) {

@@ -1,4 +1,5 @@
 #include "sandbox/sql/object_names.h"
+#include "sandbox/sql/procedures/column_facts.h"
 #include "sandbox/sql/procedures/procedure.h"
 #include "sandbox/sql/session.h"
 #include "sandbox/sql/type_rules.h"
@@ -7,8 +8,6 @@
 
 namespace sandbox {
 namespace {
-
-const std::string kCollation = "SQL_Latin1_General_CP1_CI_AS";
 
 std::string ColumnList(const TableDef& table, const std::vector<int>& ids) {
   std::string text;
@@ -44,6 +43,7 @@ void AllObjects(Session& session) {
     const auto add = [&, &owner = table.schema](const std::string& name, const char* type) {
       result.rows.push_back({name, owner, std::string(type)});
     };
+    if (table.IsTemporary()) continue;
     add(table.name, "user table");
     for (const IndexDef& index : table.indexes) {
       if (index.IsConstraint()) add(index.name, index.primary ? "primary key cns" : "unique key");
@@ -84,12 +84,13 @@ void Columns(Session& session, const TableDef& table) {
     const bool padding = (text && !IsUnicode(type.type)) || IsBinary(type.type);
     const std::string trims = padding ? "no" : "(n/a)";
     result.rows.push_back(
-        {column.name, std::string(TypeName(type)), std::string("no"), Number(MaxLength(type)),
+        {column.name, ColumnTypeName(session.Link().Definitions(), column),
+         std::string(column.IsComputed() ? "yes" : "no"), Number(MaxLength(type)),
          shown ? padded(type.precision) : Value(std::string("     ")),
          shown && !IsApproximate(type.type) ? padded(type.scale) : Value(std::string("     ")),
          std::string(column.nullable ? "yes" : "no"), trims,
          padding ? std::string(column.nullable ? "yes" : "no") : std::string("(n/a)"),
-         text ? Value(kCollation) : Value()});
+         TextOrNull(CollationName(type, column.collation))});
   }
   session.SendRows(result.columns, result.rows);
 }
@@ -141,6 +142,11 @@ const char* RuleText(ForeignKeyRule rule) {
   return kTexts[static_cast<int>(rule)];
 }
 
+template <class Constraint>
+std::string Status(const Constraint& constraint) {
+  return constraint.disabled ? "Disabled" : "Enabled";
+}
+
 void Constraints(Session& session, const TableDef& table) {
   ResultRows result;
   result.columns = {{"constraint_type", NVarChar(146), true, false},
@@ -156,7 +162,7 @@ void Constraints(Session& session, const TableDef& table) {
     const std::string type = check.column_id
                                  ? "CHECK on column " + table.Column(check.column_id).name
                                  : "CHECK Table Level ";
-    result.rows.push_back({type, check.name, none, none, std::string("Enabled"),
+    result.rows.push_back({type, check.name, none, none, Status(check),
                            std::string("Is_For_Replication"), check.text});
   }
   for (const ColumnDef& column : table.columns) {
@@ -168,7 +174,7 @@ void Constraints(Session& session, const TableDef& table) {
     const TableDef& parent = catalog.tables.at(key.parent_table);
     result.rows.push_back({std::string("FOREIGN KEY"), key.name,
                            std::string(RuleText(key.on_delete)),
-                           std::string(RuleText(key.on_update)), std::string("Enabled"),
+                           std::string(RuleText(key.on_update)), Status(key),
                            std::string("Is_For_Replication"), ColumnList(table, key.columns)});
     result.rows.push_back({std::string(" "), std::string(" "), std::string(" "), std::string(" "),
                            std::string(" "), std::string(" "),

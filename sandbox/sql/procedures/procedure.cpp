@@ -37,8 +37,8 @@ std::int64_t Arguments::Integer(std::size_t i, std::int64_t when_missing) const 
 }
 
 const Procedure* FindProcedure(std::string_view name) {
-  for (const auto group :
-       {CatalogProcedures(), KeyProcedures(), HelpProcedures(), ServerProcedures()}) {
+  for (const auto group : {CatalogProcedures(), KeyProcedures(), HelpProcedures(),
+                           ServerProcedures(), IdleProcedures()}) {
     for (const Procedure& procedure : group) {
       if (SameName(procedure.name, name)) return &procedure;
     }

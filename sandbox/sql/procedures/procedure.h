@@ -65,5 +65,6 @@ std::span<const Procedure> CatalogProcedures();
 std::span<const Procedure> KeyProcedures();
 std::span<const Procedure> HelpProcedures();
 std::span<const Procedure> ServerProcedures();
+std::span<const Procedure> IdleProcedures();
 
 }  // namespace sandbox
