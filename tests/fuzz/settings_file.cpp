@@ -27,9 +27,7 @@ ConversionSettings Read(std::string_view bytes) {
 }
 
 std::string Write(const ConversionSettings& settings) {
-  files::AnsiText file;
-  WriteConversionSettings(file, *settings.src, *settings.dest, settings.tables, settings.log_path);
-  return file.Bytes();
+  return ConversionSettingsText(*settings.src, *settings.dest, settings.tables, settings.log_path);
 }
 
 }  // namespace
