@@ -79,6 +79,7 @@ class BulkLoad final : public BulkTarget {
 
   std::int64_t Finish(ResultSink& sink) override {
     if (failed_) return 0;
+    const Requests::Guard at_work = session_.AtWork();
     Guarded(sink, [&] {
       WriteRows();
       writer_->Finish(checks_constraints_);

@@ -36,7 +36,10 @@ bool TellsSuccess(const RunLog& log, const NameList& tables) {
 }  // namespace
 
 FaultRunner::FaultRunner(Stage& stage) : stage_(stage) {
-  for (const ServerKind source : {ServerKind::MsSql, ServerKind::MySql}) MeasureUsual(source);
+  // The second run finds everything in memory, as those that follow do.
+  for (int i = 0; i < 2; ++i) {
+    for (const ServerKind source : {ServerKind::MsSql, ServerKind::MySql}) MeasureUsual(source);
+  }
 }
 
 void FaultRunner::MeasureUsual(ServerKind source) {
@@ -44,8 +47,10 @@ void FaultRunner::MeasureUsual(ServerKind source) {
   for (const ServerKind server : {ServerKind::MsSql, ServerKind::MySql}) {
     stage_.ProxyOf(server).Arm({.after = std::numeric_limits<std::size_t>::max()});
   }
-  const Ended ended = RunProgram(MakeJob(none, stage_.NewDatabase(DestinationOf(none))), nullptr);
+  const std::string database = stage_.NewDatabase(DestinationOf(none));
+  const Ended ended = RunProgram(MakeJob(none, database), nullptr);
   if (ended.status != 0) throw std::runtime_error("an undisturbed run fails:\n" + ended.log.text);
+  stage_.DropDatabase(DestinationOf(none), database);
   Usual& usual = usual_[source];
   usual.seconds = ended.seconds;
   for (const Side side : {Side::Source, Side::Destination}) {

@@ -36,14 +36,15 @@ Scenario DrawScenario(std::uint32_t number, std::uint32_t seed, bool full_disks)
   std::mt19937 random(mixed);
   Scenario scenario;
   scenario.trouble = static_cast<Trouble>(number % kTroubles);
-  const std::uint32_t round = number / kTroubles + number;
-  scenario.source = round % 2 == 0 ? ServerKind::MsSql : ServerKind::MySql;
+  const std::uint32_t round = number / kTroubles;
+  scenario.source = (round + number % kTroubles) % 2 == 0 ? ServerKind::MsSql : ServerKind::MySql;
   scenario.side = round / 2 % 2 == 0 ? Side::Destination : Side::Source;
   scenario.on_answers = random() % 2 == 0;
   scenario.moment = static_cast<double>(random() % 1000) / 1000;
   scenario.heal_merging = random() % 2 == 0;
   if (scenario.trouble == Trouble::FullDisk) {
     scenario.side = Side::Destination;
+    scenario.moment /= 4;  // before everything is stored
     if (!full_disks) scenario.trouble = Trouble::KillServer;
   }
   if (scenario.trouble == Trouble::KillSessions && scenario.Server() != ServerKind::MySql) {
