@@ -135,10 +135,10 @@ class StatementReader final : public ResultReader {
   bool streaming_ = false;
 };
 
-/// Statements that give no rows, which need no types: as text they cost one trip instead of two.
-bool GivesNoRows(std::string_view sql) {
-  constexpr std::array<std::string_view, 7> kWords = {"alter",  "create", "delete", "drop",
-                                                      "insert", "set",    "update"};
+/// Statements that give no rows, or texts: they need no types, and cost one trip instead of two.
+bool NeedsNoTypes(std::string_view sql) {
+  constexpr std::array<std::string_view, 8> kWords = {"alter",  "create", "delete", "drop",
+                                                      "insert", "set",    "show",   "update"};
   const std::string_view text = text::Trim(sql, text::kWhiteSpace);
   const std::string_view word = text.substr(0, text.find_first_of(text::kWhiteSpace));
   return std::ranges::any_of(
@@ -199,7 +199,7 @@ class TextReader final : public ResultReader {
 
 std::unique_ptr<ResultReader> OpenReader(ClientSession& session, std::string_view sql) {
   MYSQL* client = session.Link().client.get();
-  if (GivesNoRows(sql)) return std::make_unique<TextReader>(client, sql);
+  if (NeedsNoTypes(sql)) return std::make_unique<TextReader>(client, sql);
   Statement statement(mysql_stmt_init(client));
   if (statement == nullptr) ThrowError(client);
   if (mysql_stmt_prepare(statement.get(), sql.data(), sql.size()) == 0) {
