@@ -33,8 +33,8 @@ void PrintError(std::string_view line) {
 
 }  // namespace
 
-void UnattendedListener::OpenLog(const std::string& path) {
-  log_.emplace(path);
+void UnattendedListener::OpenLog(const std::string& path, files::TextForm form) {
+  log_.emplace(path, form);
 }
 
 void UnattendedListener::CloseLog() {

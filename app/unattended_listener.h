@@ -15,7 +15,7 @@ namespace dorvane {
 class UnattendedListener : public IConversionListener, public IRunHost {
  public:
   /// Lines before this go to standard error. Throws RunTimeError.
-  void OpenLog(const std::string& path);
+  void OpenLog(const std::string& path, files::TextForm form);
   /// Stores what was written.
   void CloseLog();
   /// A line of the log; a log that cannot be written is told once, and the run goes on.

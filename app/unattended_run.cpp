@@ -54,7 +54,7 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
       endpoint->SetListener(&listener);
       return endpoint;
     });
-    listener.OpenLog(settings.log_path);
+    listener.OpenLog(settings.log_path, settings.form);
   });
   if (unusable) {
     listener.Log(*unusable);

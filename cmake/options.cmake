@@ -12,6 +12,14 @@ if(DORVANE_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
   target_link_options(dorvane_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(DORVANE_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "The fuzzers need clang with its runtime: apt-get install clang")
+  endif()
+  target_compile_options(dorvane_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+    -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  target_link_options(dorvane_options INTERFACE -fsanitize=address,undefined)
+endif()
 
 # dorvane_library(NAME SOURCES... [LIBS ...]): a static library of one room of the house.
 function(dorvane_library name)

@@ -49,7 +49,7 @@ void IDatabase::SetPassword(std::string value) {
   Change(*this, &ado::ConnectionSettings::password, std::move(value));
 }
 
-void IDatabase::SetPortNo(std::int16_t value) {
+void IDatabase::SetPortNo(std::int32_t value) {
   Change(*this, &ado::ConnectionSettings::port, value);
 }
 

@@ -51,8 +51,8 @@ class IDatabase {
   void SetUserId(std::string value);
   const std::string& Password() const { return Settings().password; }
   void SetPassword(std::string value);
-  std::int16_t PortNo() const { return static_cast<std::int16_t>(Settings().port); }
-  void SetPortNo(std::int16_t value);
+  std::int32_t PortNo() const { return Settings().port; }
+  void SetPortNo(std::int32_t value);
   const std::string& DbName() const { return Settings().database; }
   void SetDbName(std::string value);
   const std::string& Server() const { return Settings().server; }

@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "job/encryptor.h"
 #include "job/settings_options.h"
 #include "platform/files/replace_file.h"
@@ -58,9 +61,9 @@ std::int16_t ReadInt16(files::LineReader& file) {
 void ReadServer(files::LineReader& file, IDatabase& endpoint) {
   ado::ConnectionSettings settings;
   settings.server = file.ReadLine();
-  settings.port = ReadInt16(file);
+  settings.port = Parsed(file, file.ReadLine(), text::ParsePort);
   settings.user_id = file.ReadLine();
-  settings.password = text::FromAnsi(Encryptor().Decrypt(file.ReadRawLine()));
+  settings.password = PlainPassword(file.ReadRawLine(), file.Form());
   const std::string win_auth = file.ReadLine();
   if (endpoint.Kind() == ServerKind::MsSql && !win_auth.empty()) {
     settings.integrated_security = Parsed(file, win_auth, text::ParseBoolean);
@@ -81,25 +84,15 @@ const std::string& OneLine(std::string_view what, const std::string& value) {
   return value;
 }
 
-/// The value, when a line of the file can hold it.
-const std::string& Storable(std::string_view what, const std::string& value) {
-  OneLine(what, value);
-  if (!text::FitsAnsi(value)) {
-    Refuse(
-        fmt::format("The {} '{}' holds characters that a settings file cannot keep", what, value));
-  }
-  return value;
-}
-
 std::string_view BooleanText(bool value) {
   return value ? "True" : "False";
 }
 
-void WriteServer(files::AnsiText& file, std::string_view side, const IDatabase& endpoint) {
-  file.WriteLine(Storable("host name", endpoint.Server()));
+void WriteServer(files::TextLines& file, std::string_view side, const IDatabase& endpoint) {
+  file.WriteLine(OneLine("host name", endpoint.Server()));
   file.WriteLine(fmt::to_string(endpoint.PortNo()));
-  file.WriteLine(Storable("user name", endpoint.UserId()));
-  const auto password = ScrambledPassword(OneLine("password", endpoint.Password()));
+  file.WriteLine(OneLine("user name", endpoint.UserId()));
+  const auto password = ScrambledPassword(OneLine("password", endpoint.Password()), file.Form());
   if (!password) {
     Refuse(
         fmt::format("The password of the {} holds letters that a settings file cannot keep", side));
@@ -107,13 +100,13 @@ void WriteServer(files::AnsiText& file, std::string_view side, const IDatabase& 
   file.WriteRawLine(*password);
   file.WriteLine(endpoint.Kind() == ServerKind::MsSql ? BooleanText(endpoint.WinNTAuthentication())
                                                       : "");
-  file.WriteLine(Storable("database name", endpoint.DbName()));
+  file.WriteLine(OneLine("database name", endpoint.DbName()));
 }
 
 std::string JoinTables(const NameList& tables) {
   if (tables.empty()) Refuse("There is no table to convert");
   for (const std::string& name : tables) {
-    if (Storable("table name", name).find(kTableSeparator) != std::string::npos) {
+    if (OneLine("table name", name).find(kTableSeparator) != std::string::npos) {
       Refuse(fmt::format(
           "The table name '{}' holds '{}', which separates the names in a settings file", name,
           kTableSeparator));
@@ -131,6 +124,19 @@ void ReadOptions(files::LineReader& file, ConversionSettings& settings) {
       throw At(file, error, *line);
     }
   }
+}
+
+bool FitsAnsi(const IDatabase& endpoint) {
+  return text::FitsAnsi(endpoint.Server()) && text::FitsAnsi(endpoint.UserId()) &&
+         text::FitsAnsi(endpoint.DbName()) &&
+         ScrambledPassword(endpoint.Password(), files::TextForm::Ansi).has_value();
+}
+
+files::TextForm FormOf(const IDatabase& src, const IDatabase& dest, const std::string& table_line,
+                       const std::string& log_path, const std::vector<std::string>& options) {
+  const bool fits = FitsAnsi(src) && FitsAnsi(dest) && text::FitsAnsi(table_line) &&
+                    text::FitsAnsi(log_path) && std::ranges::all_of(options, text::FitsAnsi);
+  return fits ? files::TextForm::Ansi : files::TextForm::Utf8;
 }
 
 bool IsDirection(std::string_view line) {
@@ -155,6 +161,7 @@ ConversionSettings ReadLines(files::LineReader& file, const EndpointFactory& mak
   options.convert_relationships = ReadBoolean(file);
   settings.src->SetOptions(options);
   settings.log_path = file.ReadLine();
+  settings.form = file.Form();
   ReadOptions(file, settings);
   return settings;
 }
@@ -182,9 +189,11 @@ std::optional<std::string> LogPathIn(const std::filesystem::path& path) {
   }
 }
 
-void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const IDatabase& dest,
-                             const NameList& tables, const std::string& log_path) {
-  const std::string table_line = JoinTables(tables);  // before anything is written
+std::string ConversionSettingsText(const IDatabase& src, const IDatabase& dest,
+                                   const NameList& tables, const std::string& log_path) {
+  const std::string table_line = JoinTables(tables);
+  const std::vector<std::string> options = OptionLines(src, dest);
+  files::TextLines file(FormOf(src, dest, table_line, log_path, options));
   file.WriteLine(src.Kind() == ServerKind::MsSql ? "1" : "2");
   WriteServer(file, "source", src);
   WriteServer(file, "destination", dest);
@@ -193,16 +202,15 @@ void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const 
   file.WriteLine(BooleanText(src.CopyTableContent()));
   file.WriteLine(fmt::to_string(src.ConvertMode()));
   file.WriteLine(BooleanText(src.ConvertRelationships()));
-  file.WriteLine(Storable("log file's path", log_path));
-  for (const std::string& line : OptionLines(src, dest)) file.WriteLine(Storable("option", line));
+  file.WriteLine(OneLine("log file's path", log_path));
+  for (const std::string& line : options) file.WriteLine(OneLine("option", line));
+  return file.Bytes();
 }
 
 void SaveConversionSettings(const std::filesystem::path& path, const IDatabase& src,
                             const IDatabase& dest, const NameList& tables,
                             const std::string& log_path) {
-  files::AnsiText file;
-  WriteConversionSettings(file, src, dest, tables, log_path);
-  files::ReplaceFile(path, file.Bytes(), files::kOwnerOnly);
+  files::ReplaceFile(path, ConversionSettingsText(src, dest, tables, log_path), files::kOwnerOnly);
 }
 
 }  // namespace dorvane

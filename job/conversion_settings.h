@@ -18,6 +18,7 @@ struct ConversionSettings {
   std::unique_ptr<IDatabase> dest;
   NameList tables;
   std::string log_path;
+  files::TextForm form = files::TextForm::Ansi;  // of the file, and so of a new log
 };
 
 /// Makes an endpoint of a kind.
@@ -41,13 +42,13 @@ ConversionSettings ReadConversionSettings(files::LineReader& file,
 /// file or has no such line.
 std::optional<std::string> LogPathIn(const std::filesystem::path& path);
 
-/// Writes the 19 lines and the options that differ from their defaults. Throws RunTimeError 5 for
-/// what the file could not give back: no table at all, a line break, a table name with ":<:", a
-/// character outside the ANSI code page, a password that the scrambling does not keep.
-void WriteConversionSettings(files::AnsiText& file, const IDatabase& src, const IDatabase& dest,
-                             const NameList& tables, const std::string& log_path);
+/// The bytes of a file with the 19 lines and the options that differ from their defaults: ANSI
+/// text, or UTF-8 where a value needs it. Throws RunTimeError 5 for what the file could not give
+/// back: no table at all, a line break, a table name with ":<:".
+std::string ConversionSettingsText(const IDatabase& src, const IDatabase& dest,
+                                   const NameList& tables, const std::string& log_path);
 
-/// The same into a file, which it replaces as a whole, readable by its owner alone. Throws
+/// Puts them into a file, which it replaces as a whole, readable by its owner alone. Throws
 /// RunTimeError, also 76, 70 and 57 when the file cannot be written.
 void SaveConversionSettings(const std::filesystem::path& path, const IDatabase& src,
                             const IDatabase& dest, const NameList& tables,

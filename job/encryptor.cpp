@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "platform/text/code_page.h"
+#include "platform/text/utf8.h"
 
 namespace dorvane {
 
@@ -18,6 +18,46 @@ struct Range {
 };
 
 constexpr std::array<Range, 3> kRanges = {{{'A', 'Z', 127}, {'a', 'z', 121}, {'0', '9', 196}}};
+
+// In UTF-8 text letters that look like scrambled ones stand this much higher, in private use.
+constexpr char32_t kAside = 0xE000;
+
+bool LooksScrambled(char32_t character) {
+  return std::ranges::any_of(kRanges, [character](const Range& range) {
+    return character >= char32_t{range.first} + range.shift &&
+           character <= char32_t{range.last} + range.shift;
+  });
+}
+
+char32_t Scrambled(char32_t character) {
+  for (const Range& range : kRanges) {
+    if (character >= range.first && character <= range.last) return character + range.shift;
+  }
+  return LooksScrambled(character) ? character + kAside : character;
+}
+
+char32_t Plain(char32_t character) {
+  for (const Range& range : kRanges) {
+    const char32_t plain = character - range.shift;
+    if (plain >= range.first && plain <= range.last) return plain;
+  }
+  return LooksScrambled(character - kAside) ? character - kAside : character;
+}
+
+/// Bytes that are not UTF-8 are left as they are.
+std::string MappedText(std::string_view utf8, char32_t (*map)(char32_t)) {
+  std::string result;
+  while (!utf8.empty()) {
+    const char byte = utf8.front();
+    const auto character = text::TakeCodePoint(utf8);
+    if (character) {
+      text::AppendUtf8(result, map(*character));
+    } else {
+      result += byte;
+    }
+  }
+  return result;
+}
 
 template <typename Map>
 std::string Mapped(std::string_view text, Map map) {
@@ -47,12 +87,16 @@ std::string Encryptor::Decrypt(std::string_view scrambled) const {
   });
 }
 
-std::optional<std::string> ScrambledPassword(const std::string& password) {
-  const Encryptor encryptor;
-  const std::string plain = text::ToAnsi(password);
-  std::string scrambled = encryptor.Encrypt(plain);
-  const bool is_kept = text::FitsAnsi(password) && encryptor.Decrypt(scrambled) == plain;
-  return is_kept ? std::optional(std::move(scrambled)) : std::nullopt;
+std::optional<std::string> ScrambledPassword(const std::string& password, files::TextForm form) {
+  std::string line = form == files::TextForm::Utf8 ? MappedText(password, Scrambled)
+                                                   : Encryptor().Encrypt(text::ToAnsi(password));
+  if (PlainPassword(line, form) != password) return std::nullopt;
+  return line;
+}
+
+std::string PlainPassword(std::string_view line, files::TextForm form) {
+  if (form == files::TextForm::Utf8) return MappedText(line, Plain);
+  return text::FromAnsi(Encryptor().Decrypt(line));
 }
 
 }  // namespace dorvane

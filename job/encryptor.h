@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/files/text_file.h"
+
 namespace dorvane {
 
 /// Reversible scrambling that keeps a password from being read at a glance; no protection beyond.
@@ -14,8 +16,12 @@ class Encryptor {
   std::string Decrypt(std::string_view scrambled) const;
 };
 
-/// The scrambled bytes of a password in UTF-8; none of one that they would not give back: with
-/// letters outside the code page, or with some of those that scrambled ones become.
-std::optional<std::string> ScrambledPassword(const std::string& password);
+/// A password, in UTF-8, as a line of a file of that form; none of one that the line would not give
+/// back. ANSI text does not keep letters outside the code page and some of those that scrambled
+/// ones become.
+std::optional<std::string> ScrambledPassword(const std::string& password, files::TextForm form);
+
+/// The password of such a line, in UTF-8.
+std::string PlainPassword(std::string_view line, files::TextForm form);
 
 }  // namespace dorvane

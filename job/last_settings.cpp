@@ -17,18 +17,22 @@ constexpr std::string_view kFileName = "config";
 const LastSettings kDefaults = {
     {"mssql", "false", "1433", "localhost", "sa", "", "3306", "localhost", "root", ""}};
 
-void WriteServer(files::AnsiText& file, const IDatabase& endpoint) {
+/// Better none than another one.
+std::string_view IfKept(const std::string& value) {
+  return text::FitsAnsi(value) ? std::string_view(value) : std::string_view();
+}
+
+void WriteServer(files::TextLines& file, const IDatabase& endpoint) {
   file.WriteLine(fmt::to_string(endpoint.PortNo()));
-  file.WriteLine(endpoint.Server());
-  file.WriteLine(endpoint.UserId());
-  // Better none than another one.
-  file.WriteRawLine(ScrambledPassword(endpoint.Password()).value_or(""));
+  file.WriteLine(IfKept(endpoint.Server()));
+  file.WriteLine(IfKept(endpoint.UserId()));
+  file.WriteRawLine(ScrambledPassword(endpoint.Password(), file.Form()).value_or(""));
 }
 
 }  // namespace
 
 std::string LastSettings::PlainPassword(Element element) const {
-  return text::FromAnsi(Encryptor().Decrypt(text::ToAnsi(elements[element])));
+  return dorvane::PlainPassword(text::ToAnsi(elements[element]), files::TextForm::Ansi);
 }
 
 LastSettings LoadLastSettings(const std::filesystem::path& folder,
@@ -49,7 +53,7 @@ LastSettings LoadLastSettings(const std::filesystem::path& folder,
 void SaveLastSettings(const std::filesystem::path& folder, const IDatabase& src,
                       const IDatabase& dest) {
   const bool from_ms_sql = src.Kind() == ServerKind::MsSql;
-  files::AnsiText file;
+  files::TextLines file;
   file.WriteLine(from_ms_sql ? "mssql" : "mysql");
   file.WriteLine((from_ms_sql ? src : dest).WinNTAuthentication() ? "true" : "false");
   WriteServer(file, src);

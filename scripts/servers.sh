@@ -1,5 +1,5 @@
 # Sourced by scripts/demo and scripts/bench: private servers in a temporary folder, on free loopback
-# ports, ended by process id when the script ends.
+# ports, ended by process id when the script ends; for measuring, servers of one's own as well.
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/dorvane-XXXXXX")
 pids=()
@@ -36,19 +36,24 @@ await() {
   exit 1
 }
 
-# start_sandbox DATABASE...: the practice SQL Server; user sa, password secret.
-start_sandbox() {
-  local creates=() database
-  for database in "$@"; do creates+=(--create "$database"); done
-  sql_port=$(free_port)
-  "$bin/dorvane-sandbox" --folder "$work/sqlserver" --port "$sql_port" --user sa --password secret \
-    "${creates[@]}" >"$work/sandbox.log" 2>&1 &
-  pids+=($!)
-  await "$work/sandbox.log" "listening on" $!
-  # The command-line clients read the server's address and their own code page here.
+# The practice SQL Server and the private MySQL, unless others are used.
+sql_host=127.0.0.1 sql_user=sa sql_password=secret
+mysql_host=127.0.0.1 mysql_user=root mysql_password=secret
+
+# use_mssql HOST:PORT,USER,PASSWORD
+use_mssql() {
+  IFS=,: read -r sql_host sql_port sql_user sql_password <<<"$1"
+  write_client_configuration
+}
+
+# use_mysql HOST:PORT,USER,PASSWORD
+use_mysql() { IFS=,: read -r mysql_host mysql_port mysql_user mysql_password <<<"$1"; }
+
+# The command-line clients read the server's address and their own code page here.
+write_client_configuration() {
   cat >"$work/freetds.conf" <<CONF
-[sandbox]
-host = 127.0.0.1
+[mssql]
+host = $sql_host
 port = $sql_port
 tds version = 7.4
 client charset = UTF-8
@@ -57,7 +62,19 @@ CONF
   export FREETDSCONF="$work/freetds.conf"
 }
 
-# start_mariadb OPTION...: user root, password secret.
+# start_sandbox DATABASE...: the practice SQL Server.
+start_sandbox() {
+  local creates=() database
+  for database in "$@"; do creates+=(--create "$database"); done
+  sql_port=$(free_port)
+  "$bin/dorvane-sandbox" --folder "$work/sqlserver" --port "$sql_port" --user sa --password secret \
+    "${creates[@]}" >"$work/sandbox.log" 2>&1 &
+  pids+=($!)
+  await "$work/sandbox.log" "listening on" $!
+  write_client_configuration
+}
+
+# start_mariadb OPTION...: Debian's MariaDB.
 start_mariadb() {
   local user=()
   [ "$(id -u)" = 0 ] && user=(--user=root)
@@ -77,14 +94,34 @@ GRANT ALL ON *.* TO 'root'@'127.0.0.1' IDENTIFIED BY 'secret' WITH GRANT OPTION;
   await "$work/mariadb.log" "ready for connections" $!
 }
 
-sql() { # sql DATABASE <SCRIPT: runs batches on the practice SQL Server
-  bsqldb -S sandbox -U sa -P secret -D "$1" -q -t '\t'
+# start_mysql PROGRAM OPTION...: the mysqld of scripts/mysql-server.
+start_mysql() {
+  local program=$1 user=()
+  shift
+  [ "$(id -u)" = 0 ] && user=(--user=root)
+  mysql_port=$(free_port)
+  mkdir "$work/tmp"
+  "$program" --no-defaults --initialize-insecure "${user[@]}" --secure-file-priv= --datadir="$work/mysql" \
+    >"$work/install.log" 2>&1 || { cat "$work/install.log" >&2; exit 1; }
+  echo "ALTER USER 'root'@'localhost' IDENTIFIED BY 'secret';
+CREATE USER 'root'@'127.0.0.1' IDENTIFIED BY 'secret';
+GRANT ALL ON *.* TO 'root'@'127.0.0.1' WITH GRANT OPTION;" >"$work/init.sql"
+  "$program" --no-defaults "${user[@]}" --datadir="$work/mysql" --tmpdir="$work/tmp" --socket="$work/s" \
+    --pid-file="$work/mysql.pid" --bind-address=127.0.0.1 --port="$mysql_port" --mysqlx=OFF --secure-file-priv= \
+    --skip-name-resolve --init-file="$work/init.sql" --max-allowed-packet=64M "$@" \
+    >"$work/mysql.log" 2>&1 &
+  pids+=($!)
+  await "$work/mysql.log" "ready for connections" $!
+}
+
+sql() { # sql DATABASE <SCRIPT: runs batches on the SQL Server
+  bsqldb -S mssql -U "$sql_user" -P "$sql_password" -D "$1" -q -t '\t'
 }
 
 mysql_run() { # mysql_run DATABASE STATEMENT [CLIENT OPTION...]
   local database=$1 statement=$2
   shift 2
-  mariadb --no-defaults --host=127.0.0.1 --port="$mysql_port" --user=root --password=secret \
+  mariadb --no-defaults --host="$mysql_host" --port="$mysql_port" --user="$mysql_user" --password="$mysql_password" \
     --default-character-set=utf8mb4 "$@" --execute="$statement" "$database"
 }
 
@@ -93,13 +130,9 @@ scrambled() { printf %s "$1" | LC_ALL=C tr 'A-Za-z0-9' '\300-\375'; }
 
 # write_settings FILE DIRECTION SOURCE_DB DEST_DB TABLES UNDERSCORE MODE RELATIONSHIPS LOG
 write_settings() {
-  local first_port=$sql_port first_user=sa first_auth=False second_port=$mysql_port
-  local second_user=root second_auth=''
-  if [ "$2" = 2 ]; then
-    first_port=$mysql_port first_user=root first_auth='' second_port=$sql_port
-    second_user=sa second_auth=False
-  fi
-  printf '%s\r\n' "$2" 127.0.0.1 "$first_port" "$first_user" "$(scrambled secret)" "$first_auth" \
-    "$3" 127.0.0.1 "$second_port" "$second_user" "$(scrambled secret)" "$second_auth" "$4" \
-    "$5" "$6" True "$7" "$8" "$9" >"$1"
+  local source=("$sql_host" "$sql_port" "$sql_user" "$(scrambled "$sql_password")" False)
+  local dest=("$mysql_host" "$mysql_port" "$mysql_user" "$(scrambled "$mysql_password")" '')
+  local kept=("${source[@]}")
+  [ "$2" = 2 ] && source=("${dest[@]}") dest=("${kept[@]}")
+  printf '%s\r\n' "$2" "${source[@]}" "$3" "${dest[@]}" "$4" "$5" "$6" True "$7" "$8" "$9" >"$1"
 }

@@ -1,9 +1,11 @@
 #include "platform/files/text_file.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
 
 #include "platform/files/replace_file.h"
 #include "platform/run_time_error.h"
@@ -14,6 +16,25 @@ namespace dorvane::files {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+enum class Head { Nothing, Utf8Mark, Other };
+
+/// What a file begins with.
+Head HeadOf(const std::filesystem::path& path) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return Head::Other;
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  char head[kUtf8Mark.size()];
+  const ssize_t size = file.IsOpen() ? read(file.Number(), head, sizeof head) : -1;
+  if (size == 0) return Head::Nothing;
+  const std::string_view text(head, size < 0 ? 0 : static_cast<std::size_t>(size));
+  return text == kUtf8Mark ? Head::Utf8Mark : Head::Other;
+}
+
+std::string Encoded(std::string_view utf8, TextForm form) {
+  return form == TextForm::Utf8 ? std::string(utf8) : text::ToAnsi(utf8);
+}
 
 }  // namespace
 
@@ -33,6 +54,10 @@ std::optional<std::string> LineReader::NextRawLine() {
   if (length < 0 && std::ferror(file_.get()) != 0) ThrowFileError(errno, path_);
   if (length < 0) return std::nullopt;
   std::string text(line, static_cast<std::size_t>(length));
+  if (line_number_ == 1 && text.starts_with(kUtf8Mark)) {
+    text.erase(0, kUtf8Mark.size());
+    form_ = TextForm::Utf8;
+  }
   if (text.ends_with('\n')) text.pop_back();
   if (text.ends_with('\r')) text.pop_back();
   return text;
@@ -41,7 +66,11 @@ std::optional<std::string> LineReader::NextRawLine() {
 std::optional<std::string> LineReader::NextLine() {
   const auto line = NextRawLine();
   if (!line) return std::nullopt;
-  return text::FromAnsi(*line);
+  return InUtf8(*line);
+}
+
+std::string LineReader::InUtf8(std::string line) const {
+  return form_ == TextForm::Utf8 ? std::move(line) : text::FromAnsi(line);
 }
 
 std::string LineReader::ReadRawLine() {
@@ -50,28 +79,35 @@ std::string LineReader::ReadRawLine() {
 }
 
 std::string LineReader::ReadLine() {
-  return text::FromAnsi(ReadRawLine());
+  return InUtf8(ReadRawLine());
 }
 
-void AnsiText::WriteLine(std::string_view utf8) {
-  WriteRawLine(text::ToAnsi(utf8));
+TextLines::TextLines(TextForm form)
+    : form_(form), bytes_(form == TextForm::Utf8 ? kUtf8Mark : std::string_view()) {}
+
+void TextLines::WriteLine(std::string_view utf8) {
+  WriteRawLine(Encoded(utf8, form_));
 }
 
-void AnsiText::WriteRawLine(std::string_view ansi) {
-  bytes_.append(ansi).append(kLineEnd);
+void TextLines::WriteRawLine(std::string_view bytes) {
+  bytes_.append(bytes).append(kLineEnd);
 }
 
-LineAppender::LineAppender(const std::filesystem::path& path)
+LineAppender::LineAppender(const std::filesystem::path& path, TextForm form)
     : path_(path),
+      form_(form),
       // A pipe that nobody reads is refused instead of waited for.
       file_(
           open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, kOwnerOnly)) {
   if (!file_.IsOpen()) ThrowFileError(errno, path);
   fcntl(file_.Number(), F_SETFL, O_APPEND);
+  const Head head = HeadOf(path);
+  if (head == Head::Utf8Mark) form_ = TextForm::Utf8;
+  if (head == Head::Nothing && form_ == TextForm::Utf8) WriteAll(file_, kUtf8Mark, path_);
 }
 
 void LineAppender::WriteLine(std::string_view utf8) {
-  WriteAll(file_, text::ToAnsi(utf8).append(kLineEnd), path_);
+  WriteAll(file_, Encoded(utf8, form_).append(kLineEnd), path_);
 }
 
 void LineAppender::Close() {

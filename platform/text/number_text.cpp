@@ -44,6 +44,22 @@ std::size_t Write(char* out, Float value, FloatForm form) {
   return static_cast<std::size_t>(end - out);
 }
 
+[[noreturn]] void ThrowOverflow() {
+  throw RunTimeError(run_time::kOverflow, "Dorvane", "Overflow");
+}
+
+template <typename Integer>
+Integer ParseInteger(std::string_view text) {
+  std::string_view digits = Trim(text);
+  if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
+  Integer value = 0;
+  const char* const limit = digits.data() + digits.size();
+  const auto [end, failure] = std::from_chars(digits.data(), limit, value);
+  if (failure == std::errc::result_out_of_range && end == limit) ThrowOverflow();
+  if (failure != std::errc() || end != limit) ThrowTypeMismatch();
+  return value;
+}
+
 }  // namespace
 
 std::size_t WriteFloat(char* out, float value, FloatForm form) {
@@ -74,15 +90,14 @@ bool IsNumeric(std::string_view text) {
 }
 
 std::int16_t ParseInt16(std::string_view text) {
-  std::string_view digits = Trim(text);
-  if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
-  std::int16_t value = 0;
-  const auto [end, failure] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (failure == std::errc::result_out_of_range && end == digits.data() + digits.size()) {
-    throw RunTimeError(run_time::kOverflow, "Dorvane", "Overflow");
-  }
-  if (failure != std::errc() || end != digits.data() + digits.size()) ThrowTypeMismatch();
-  return value;
+  return ParseInteger<std::int16_t>(text);
+}
+
+std::int32_t ParsePort(std::string_view text) {
+  constexpr std::int32_t kHighestPort = 65535;
+  const auto port = ParseInteger<std::int32_t>(text);
+  if (port < 0 || port > kHighestPort) ThrowOverflow();
+  return port;
 }
 
 bool ParseBoolean(std::string_view text) {

@@ -16,6 +16,10 @@ bool IsNumeric(std::string_view text);
 /// when it is no whole number, 6 when it does not fit.
 std::int16_t ParseInt16(std::string_view text);
 
+/// A TCP port from decimal text, blanks around it allowed: 0, for a server's usual one, to 65535.
+/// Throws RunTimeError: 13 when it is no whole number, 6 when it is none of these.
+std::int32_t ParsePort(std::string_view text);
+
 /// "true" or "false" in any letter case, or a decimal number (0 is false). Throws RunTimeError 13.
 bool ParseBoolean(std::string_view text);
 

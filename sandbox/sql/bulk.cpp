@@ -6,6 +6,35 @@
 namespace sandbox {
 namespace {
 
+// Rows that are written together.
+class BulkRows final : public RowCells {
+ public:
+  BulkRows(std::vector<TypeInfo> types, std::vector<bool> defaults)
+      : types_(std::move(types)), defaults_(std::move(defaults)) {}
+
+  bool IsFull() const { return count_ == RowWriter::kBlockRows; }
+  std::size_t Count() const { return count_; }
+  void Clear() { count_ = 0; }
+  void Add(std::span<const Value> row) {
+    if (count_ == rows_.size()) rows_.emplace_back();
+    rows_[count_++].assign(row.begin(), row.end());
+  }
+
+  void Select(std::size_t row) override { row_ = row; }
+  Cell Get(std::size_t cell) override {
+    const Value& value = rows_[row_][cell];
+    if (value.index() == 0 && defaults_[cell]) return {};
+    return {&value, types_[cell]};
+  }
+
+ private:
+  const std::vector<TypeInfo> types_;
+  const std::vector<bool> defaults_;  // by column: whether a NULL becomes the default
+  std::vector<std::vector<Value>> rows_;
+  std::size_t count_ = 0;
+  std::size_t row_ = 0;
+};
+
 // One bulk load: all its rows are kept together, or none.
 class BulkLoad final : public BulkTarget {
  public:
@@ -16,7 +45,6 @@ class BulkLoad final : public BulkTarget {
         link_(link),
         columns_(std::move(columns)),
         table_(table),
-        keeps_nulls_(statement.keeps_nulls),
         checks_constraints_(statement.checks_constraints) {
     const bool keeps_identity = [&] {
       const ColumnDef* identity = table_.IdentityColumn();
@@ -29,8 +57,10 @@ class BulkLoad final : public BulkTarget {
     writer_.emplace(
         session_, link_, table_, names,
         keeps_identity ? RowWriter::Identity::Explicit : RowWriter::Identity::Generated);
-    for (const ColumnInfo& column : columns_) types_.push_back(column.type);
-    cells_.resize(columns_.size());
+    std::vector<TypeInfo> types;
+    for (const ColumnInfo& column : columns_) types.push_back(column.type);
+    rows_.emplace(std::move(types),
+                  statement.keeps_nulls ? std::vector<bool>(columns_.size()) : Defaults());
   }
 
   ~BulkLoad() override {
@@ -42,34 +72,37 @@ class BulkLoad final : public BulkTarget {
 
   bool Row(std::span<const Value> values, ResultSink& sink) override {
     if (failed_) return false;
-    for (std::size_t i = 0; i < cells_.size(); ++i) {
-      const bool takes_default = !keeps_nulls_ && values[i].index() == 0 && HasDefault(i);
-      cells_[i] = takes_default ? nullptr : &values[i];
-    }
-    return Guarded(sink, [&] {
-      writer_->Write(cells_, types_);
-      ++rows_;
-    });
+    ++count_;
+    rows_->Add(values);
+    return !rows_->IsFull() || Guarded(sink, [&] { WriteRows(); });
   }
 
   std::int64_t Finish(ResultSink& sink) override {
     if (failed_) return 0;
+    const Requests::Guard at_work = session_.AtWork();
     Guarded(sink, [&] {
+      WriteRows();
       writer_->Finish(checks_constraints_);
       scope_->Keep();
       finished_ = true;
       session_.CommitImplicit();
     });
-    return failed_ ? 0 : rows_;
+    return failed_ ? 0 : count_;
   }
 
  private:
-  bool HasDefault(std::size_t cell) const {
+  void WriteRows() {
+    writer_->WriteRows(*rows_, rows_->Count());
+    rows_->Clear();
+  }
+
+  std::vector<bool> Defaults() const {
+    std::vector<bool> defaults(columns_.size());
     for (const InsertPlan::Slot& slot : writer_->Plan().slots) {
-      if (slot.source == InsertPlan::Source::Cell && slot.cell == cell)
-        return slot.default_value != nullptr;
+      if (slot.source == InsertPlan::Source::Cell)
+        defaults[slot.cell] = slot.default_value != nullptr;
     }
-    return false;
+    return defaults;
   }
 
   template <class Body>
@@ -94,13 +127,11 @@ class BulkLoad final : public BulkTarget {
   DatabaseLink& link_;
   std::vector<ColumnInfo> columns_;
   const TableDef table_;
-  const bool keeps_nulls_;  // else they become the columns' defaults
   const bool checks_constraints_;
   std::optional<StatementScope> scope_;
   std::optional<RowWriter> writer_;
-  std::vector<TypeInfo> types_;
-  std::vector<const Value*> cells_;
-  std::int64_t rows_ = 0;
+  std::optional<BulkRows> rows_;
+  std::int64_t count_ = 0;
   bool failed_ = false;
   bool finished_ = false;
 };

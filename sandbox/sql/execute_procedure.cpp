@@ -109,7 +109,7 @@ Flow Session::Run(const ExecuteStatement& execute) {
 }
 
 void Session::Call(std::string_view procedure, std::span<Parameter> parameters, ResultSink& sink) {
-  const Requests::Guard at_work(requests_, spid_, is_sending);
+  const Requests::Guard at_work = AtWork();
   sink_ = &sink;
   current_line_ = 1;
   ++nesting_;

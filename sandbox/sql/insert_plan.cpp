@@ -22,8 +22,6 @@ std::string PlanKey(const TableDef& table, const std::vector<std::string>& colum
   return key;
 }
 
-// SQLite starts and ends each statement at a cost of about two rows.
-constexpr std::size_t kBlockRows = 16;
 constexpr std::size_t kMostBlockColumns = 1000;
 
 std::string InsertSql(const TableDef& table, std::size_t rows) {

@@ -33,7 +33,7 @@ struct InsertPlan {
   std::vector<Slot> slots;  // in the order of the table's columns
   std::size_t cells = 0;    // the values a row brings
   SqliteStatement insert;
-  SqliteStatement insert_block;  // kBlockRows rows at once; prepared when first needed
+  SqliteStatement insert_block;  // RowWriter::kBlockRows at once; prepared when first needed
   bool takes_blocks = false;     // its values can be worked out again when a block fails
   const ColumnDef* identity = nullptr;
   bool verifies = false;  // foreign keys, checks or lengths look at the row afterwards
@@ -60,6 +60,9 @@ class RowCells {
 class RowWriter {
  public:
   enum class Identity { Generated, Explicit };
+  /// SQLite starts and ends each statement at a cost of about two rows, so WriteRows gives it so
+  /// many at once.
+  static constexpr std::size_t kBlockRows = 16;
 
   /// `columns` empty: all that take values. Raises 207, 264, 273, 544, 545, 8101.
   RowWriter(Session& session, DatabaseLink& link, const TableDef& table,

@@ -134,7 +134,7 @@ void Session::SendRows(const std::vector<ColumnInfo>& columns,
 }
 
 void Session::Execute(std::string_view batch, ResultSink& sink) {
-  const Requests::Guard at_work(requests_, spid_, is_sending);
+  const Requests::Guard at_work = AtWork();
   RunText(batch, {}, sink, {});
 }
 
@@ -144,7 +144,7 @@ void Session::ExecuteWithParameters(std::string_view batch, std::span<Parameter>
   for (const Parameter& parameter : parameters) {
     variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
   }
-  const Requests::Guard at_work(requests_, spid_, is_sending);
+  const Requests::Guard at_work = AtWork();
   RunText(batch, std::move(variables), sink, parameters);
 }
 

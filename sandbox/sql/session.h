@@ -61,6 +61,8 @@ class Session final : public EngineSession, public BindContext {
   DatabaseLink& LinkTo(std::string_view database);
   ServerFolder& Folder() { return folder_; }
   Requests& ServerRequests() { return requests_; }
+  /// While it lives, the session is among them.
+  Requests::Guard AtWork() { return {requests_, spid_, is_sending}; }
   ResultSink& Sink() { return *sink_; }
   const ServerTraits& Traits() const { return traits_; }
   const std::string& Login() const { return login_; }

@@ -78,6 +78,22 @@ TEST_F(EncryptionTest, VerifiedTrustsTheAuthorityAndTheNameAlone) {
   EXPECT_THROW(LogOn(settings), RunTimeError);
 }
 
+TEST_F(EncryptionTest, RowsTravelBothWaysBehindTls) {
+  ConnectionSettings settings = SettingsFor("localhost", Encryption::Verified, true);
+  settings.ca_file = Shared().own.certificate;
+  const auto session = OdbcProvider().Connect(settings);
+  session->Execute("create table sealed(id int not null, note varchar(200))");
+  RowBlock rows;
+  rows.Clear(2);
+  for (std::int64_t id = 0; id < 1000; ++id) {
+    const std::span<Value> row = rows.AppendRow();
+    row[0] = id;
+    row[1] = std::string_view("a note that makes the load longer than a packet");
+  }
+  session->OpenWriter("[sealed]", {"id", "note"})->Insert(rows, 0, rows.Rows());
+  EXPECT_EQ(Rest(*session->Execute("select id, note from sealed")).size(), 1000U);
+}
+
 TEST_F(EncryptionTest, RequiredAsksForNoCertificate) {
   EXPECT_EQ(LogOn(SettingsFor("127.0.0.1", Encryption::Required, true)), 0);
   EXPECT_EQ(LogOn(SettingsFor("127.0.0.1", Encryption::Required, false)), kTlsFailure);

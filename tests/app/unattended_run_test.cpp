@@ -26,6 +26,7 @@ class UnattendedRun : public testing::Test {
  protected:
   RunStatus Run(const PlainEndpoint::Transfer& transfer, const std::string& log_path) {
     std::ofstream(folder_ / "n.dcs", std::ios::binary)
+        << mark_
         << "1\r\nh\r\n1\r\nu\r\n\r\n\r\nd\r\nh\r\n2\r\nu\r\n\r\n\r\nd\r\na:<:"
            "b\r\nFalse\r\nTrue\r\n2\r\n"
            "False\r\n"
@@ -41,6 +42,7 @@ class UnattendedRun : public testing::Test {
   std::string Log() const { return ReadFile(folder_ / "log"); }
 
   TempFolder folder_;
+  std::string mark_;  // in front of the settings
   IRunHost* host_ = nullptr;
 };
 
@@ -65,6 +67,14 @@ TEST_F(UnattendedRun, WritesTheEventsAsLinesAndAppends) {
   Run(transfer);
   EXPECT_EQ(Log().find(first), 0u);
   EXPECT_GT(Log().size(), first.size());
+}
+
+TEST_F(UnattendedRun, TheLogOfUtf8SettingsIsUtf8) {
+  mark_ = "\xEF\xBB\xBF";
+  Run([](IDatabase&, const NameList&, IConversionListener& listener) {
+    listener.TableConversionStarted("таблица");
+  });
+  EXPECT_EQ(Log(), mark_ + "Converting table 'таблица' ..... \r\n");
 }
 
 TEST_F(UnattendedRun, AnythingReportedFailsTheRun) {

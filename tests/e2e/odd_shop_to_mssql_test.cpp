@@ -160,10 +160,10 @@ class OddShop : public testing::TestWithParam<CopyStrategy> {
       endpoint->SetServer("127.0.0.1");
       endpoint->SetDbName(database_);
     }
-    source_.SetPortNo(static_cast<std::int16_t>(Rig::Get().MySql().Port()));
+    source_.SetPortNo(Rig::Get().MySql().Port());
     source_.SetUserId("root");
     source_.SetPassword("secret");
-    dest_.SetPortNo(static_cast<std::int16_t>(Rig::Get().MsSql().Port()));
+    dest_.SetPortNo(Rig::Get().MsSql().Port());
     dest_.SetUserId("sa");
     dest_.SetPassword("secret");
     source_.plan.strategy = GetParam();

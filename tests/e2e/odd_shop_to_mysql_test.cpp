@@ -249,7 +249,7 @@ class OddShop : public testing::TestWithParam<CopyStrategy> {
 
   void Prepare(IDatabase& endpoint, int port, const char* user) const {
     endpoint.SetServer("127.0.0.1");
-    endpoint.SetPortNo(static_cast<std::int16_t>(port));
+    endpoint.SetPortNo(port);
     endpoint.SetUserId(user);
     endpoint.SetPassword("secret");
     endpoint.SetDbName(database_);

@@ -14,7 +14,7 @@ namespace {
 void Prepare(IDatabase& endpoint, int port, const std::string& user, const std::string& password,
              const std::string& database) {
   endpoint.SetServer("127.0.0.1");
-  endpoint.SetPortNo(static_cast<std::int16_t>(port));
+  endpoint.SetPortNo(port);
   endpoint.SetUserId(user);
   endpoint.SetPassword(password);
   endpoint.SetDbName(database);
@@ -72,11 +72,15 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   const bool from_ms_sql = job.source == ServerKind::MsSql;
   PlainEndpoint src(job.source);
   PlainEndpoint dest(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql);
-  Rig& rig = Rig::Get();
-  Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : rig.MsSql().Port(), "sa",
-          job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
-  Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : rig.MySql().Port(), "root",
-          job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
+  Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : Rig::Get().MsSql().Port(),
+          "sa", job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
+  Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : Rig::Get().MySql().Port(),
+          "root", job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
+  for (IDatabase* endpoint : {static_cast<IDatabase*>(&src), static_cast<IDatabase*>(&dest)}) {
+    ado::ConnectionSettings settings_of = endpoint->Settings();
+    settings_of.idle_limit = job.idle_limit;
+    endpoint->SetSettings(std::move(settings_of));
+  }
   src.SetCopyTableContent(true);
   src.SetConvertMode(job.mode);
   src.SetConvertRelationships(job.relationships);

@@ -25,6 +25,7 @@ struct Job {
   int my_sql_port = 0;
   std::string ms_sql_password = "secret";
   std::string my_sql_password = "secret";
+  int idle_limit = 600;  // seconds
 };
 
 /// Two private servers, shared by all tests of the program, and runs of the real program.

@@ -72,6 +72,18 @@ TEST(TextFile, AppendsAndTellsWhyItCannot) {
   EXPECT_EQ(NumberOf([&] { LineAppender(folder / "no" / "file"); }), run_time::kPathNotFound);
 }
 
+TEST(TextFile, AUtf8FileStaysOne) {
+  const TempFolder folder;
+  const auto path = folder / "log";
+  LineAppender(path, TextForm::Utf8).WriteLine("one 漢");
+  LineAppender(path, TextForm::Ansi).WriteLine("two 漢");
+  EXPECT_EQ(ReadFile(path), "\xEF\xBB\xBFone 漢\r\ntwo 漢\r\n");
+  LineReader lines(path);
+  EXPECT_EQ(lines.ReadLine(), "one 漢");
+  EXPECT_EQ(lines.Form(), TextForm::Utf8);
+  EXPECT_EQ(lines.ReadRawLine(), "two 漢");
+}
+
 TEST(TextFile, AFullDiskIsAnError) {
   LineAppender full("/dev/full");
   EXPECT_EQ(NumberOf([&] { full.WriteLine("no room"); }), run_time::kFileInputOutput);

@@ -34,9 +34,7 @@ ConversionSettings Read(const std::string& bytes) {
 
 std::string Write(const IDatabase& src, const IDatabase& dest, const NameList& tables,
                   const std::string& log) {
-  files::AnsiText file;
-  WriteConversionSettings(file, src, dest, tables, log);
-  return file.Bytes();
+  return ConversionSettingsText(src, dest, tables, log);
 }
 
 std::string WithLine(int number, const std::string& line) {
@@ -142,20 +140,56 @@ TEST(ConversionSettings, RefusesWhatTheFileCouldNotGiveBack) {
   PlainEndpoint dest(ServerKind::MySql);
   EXPECT_THROW(Write(src, dest, {}, "log"), RunTimeError);
   EXPECT_THROW(Write(src, dest, {"a:<:b"}, "log"), RunTimeError);
-  EXPECT_THROW(Write(src, dest, {"таблица"}, "log"), RunTimeError);
   EXPECT_THROW(Write(src, dest, {"a"}, "log\nfile"), RunTimeError);
-  PlainEndpoint with_authority(ServerKind::MsSql);
-  with_authority.SetSettings({.ca_file = "таблица"});
-  EXPECT_THROW(Write(with_authority, dest, {"a"}, "log"), RunTimeError);
-  dest.SetPassword("pässword");  // ä is the code of a scrambled letter
-  EXPECT_THROW(Write(src, dest, {"a"}, "log"), RunTimeError);
-  dest.SetPassword("пароль");
+  dest.SetPassword("pass\nword");
   try {
     Write(src, dest, {"a"}, "log");
     ADD_FAILURE();
   } catch (const RunTimeError& error) {
-    EXPECT_THAT(error.Description(), testing::Not(HasSubstr("пароль")));
+    EXPECT_THAT(error.Description(), testing::Not(HasSubstr("word\n")));
   }
+}
+
+// Every value in turn needs UTF-8, which the mark tells; no other file has it.
+TEST(ConversionSettings, NamesOfEveryScriptAreKept) {
+  const std::string mark = "\xEF\xBB\xBF";
+  const std::string odd = "таблица 漢 é";
+  struct Case {
+    ado::ConnectionSettings src;
+    NameList tables{"a"};
+    std::string log{"log"};
+  };
+  const Case cases[] = {
+      {.src = {.server = odd}},          {.src = {.user_id = odd}},
+      {.src = {.password = odd}},        {.src = {.password = "pässword ÀÝý 09azAZ"}},
+      {.src = {.database = odd}},        {.src = {.ca_file = odd}},
+      {.src = {}, .tables = {odd, "b"}}, {.src = {}, .log = odd}};
+  for (const auto& [values, tables, log] : cases) {
+    PlainEndpoint src(ServerKind::MsSql);
+    PlainEndpoint dest(ServerKind::MySql);
+    src.SetSettings(values);
+    dest.SetPassword("é\x01");
+    const std::string text = Write(src, dest, tables, log);
+    EXPECT_THAT(text, testing::StartsWith(mark));
+    const ConversionSettings read = Read(text);
+    EXPECT_EQ(read.form, files::TextForm::Utf8);
+    EXPECT_EQ(read.src->Server(), values.server);
+    EXPECT_EQ(read.src->UserId(), values.user_id);
+    EXPECT_EQ(read.src->Password(), values.password);
+    EXPECT_EQ(read.src->DbName(), values.database);
+    EXPECT_EQ(read.src->Settings().ca_file, values.ca_file);
+    EXPECT_EQ(read.dest->Password(), "é\x01");
+    EXPECT_EQ(read.tables, tables);
+    EXPECT_EQ(read.log_path, log);
+  }
+  EXPECT_THAT(Write(PlainEndpoint(ServerKind::MsSql), PlainEndpoint(ServerKind::MySql), {"é"}, "ü"),
+              testing::StartsWith("1\r\n"));
+}
+
+TEST(ConversionSettings, PortsGoUpToTheHighest) {
+  EXPECT_EQ(Read(WithLine(3, "65535")).src->PortNo(), 65535);
+  EXPECT_THROW(Read(WithLine(3, "65536")), RunTimeError);
+  EXPECT_THROW(Read(WithLine(3, "-1")), RunTimeError);
 }
 
 TEST(LastSettings, AreSavedForTheNextStart) {
@@ -188,6 +222,17 @@ TEST(LastSettings, APasswordThatCannotBeKeptIsLeftOut) {
     const LastSettings loaded = LoadLastSettings(folder.Path(), [](auto) { FAIL(); });
     EXPECT_EQ(loaded.PlainPassword(LastSettings::kSrcPassword), "") << password;
   }
+}
+
+TEST(LastSettings, WhatTheFileCannotHoldIsLeftOut) {
+  const TempFolder folder;
+  PlainEndpoint src(ServerKind::MySql);
+  src.SetServer("сервер");
+  src.SetUserId("üser");
+  SaveLastSettings(folder.Path(), src, PlainEndpoint(ServerKind::MsSql));
+  const LastSettings loaded = LoadLastSettings(folder.Path(), [](auto) { FAIL(); });
+  EXPECT_EQ(loaded[LastSettings::kSrcServer], "");
+  EXPECT_EQ(loaded[LastSettings::kSrcUser], "üser");
 }
 
 TEST(LastSettings, AMissingFileGivesTheDefaultsQuietly) {

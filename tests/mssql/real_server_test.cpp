@@ -67,7 +67,7 @@ class Copy {
     src.SetConvertRelationships(with_relationships);
     src.plan.strategy = strategy;
     dest.SetServer("127.0.0.1");
-    dest.SetPortNo(static_cast<std::int16_t>(Server().Port()));
+    dest.SetPortNo(Server().Port());
     dest.SetUserId("root");
     dest.SetPassword(Server().Password());
     dest.SetDbName(database);

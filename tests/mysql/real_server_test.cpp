@@ -19,7 +19,7 @@ struct FromMySql : testing::Test {
     Server().Query("drop database if exists shop; create database shop character set utf8mb4");
     src.SetListener(&events);
     src.SetServer("127.0.0.1");
-    src.SetPortNo(static_cast<std::int16_t>(Server().Port()));
+    src.SetPortNo(Server().Port());
     src.SetUserId("root");
     src.SetPassword(Server().Password());
     src.SetDbName("shop");
@@ -136,7 +136,7 @@ TEST_F(FromMySql, AServerThatDiesInTheMiddleEndsTheCopyOnce) {
       "create database shop; use shop; create table t (k int, v varchar(2000)); "
       "insert t select seq, repeat('x', 2000) from " +
       test::Sequence(1, 30000) + " s");
-  src.SetPortNo(static_cast<std::int16_t>(mortal.Port()));
+  src.SetPortNo(mortal.Port());
   struct Killer : test::EventRecorder {
     test::PrivateMySql* server = nullptr;
     void TableRecordConverted() override {

@@ -210,15 +210,20 @@ void Proxy::Arm(const Strike& strike) {
   is_armed_ = true;
   has_struck_ = false;
   strike_ = strike;
-  counted_ = 0;
+  counted_ = {};
+}
+
+std::size_t Proxy::Counted(bool on_answers) {
+  const std::lock_guard lock(mutex_);
+  return counted_[on_answers ? 1 : 0];
 }
 
 bool Proxy::Strikes(bool answers, std::size_t size, std::size_t& passing, Strike& strike) {
   const std::lock_guard lock(mutex_);
-  if (!is_armed_ || strike_.on_answers != answers) return false;
-  passing = strike_.after - std::min(strike_.after, counted_);
-  counted_ += size;
-  if (counted_ <= strike_.after) return false;
+  std::size_t& counted = counted_[answers ? 1 : 0];
+  passing = strike_.after - std::min(strike_.after, counted);
+  counted += size;
+  if (!is_armed_ || strike_.on_answers != answers || counted <= strike_.after) return false;
   is_armed_ = false;
   has_struck_ = true;
   strike = strike_;

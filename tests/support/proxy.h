@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -46,6 +47,8 @@ class Proxy {
   /// Bytes are counted from now on.
   void Arm(const Strike& strike);
   bool HasStruck() const { return has_struck_; }
+  /// The bytes of one direction since then.
+  std::size_t Counted(bool on_answers);
 
  private:
   class Tunnel;
@@ -63,7 +66,7 @@ class Proxy {
   std::mutex mutex_;
   bool is_armed_ = false;
   Strike strike_;
-  std::size_t counted_ = 0;
+  std::array<std::size_t, 2> counted_{};  // of requests and of answers
   std::list<std::thread> tunnels_;
   std::thread acceptor_;
 };

@@ -69,12 +69,22 @@ void WriteFile(const std::filesystem::path& path, const std::string& text) {
 }  // namespace
 
 PrivateMySql::PrivateMySql(const std::vector<std::string>& extra_options)
-    : program_(ServerProgram()), is_mariadb_(SaysMariaDb(program_)) {
+    : program_(ServerProgram()), is_mariadb_(SaysMariaDb(program_)), extra_options_(extra_options) {
   std::filesystem::create_directory(folder_ / "tmp");
   MakeDataFolder();
   WriteFile(folder_ / "init.sql", kUserStatements);
+  Start();
+}
+
+void PrivateMySql::Restart() {
+  Kill();
+  std::filesystem::remove(folder_ / "log");
+  Start();
+}
+
+void PrivateMySql::Start() {
   std::vector<std::string> command = StartCommand();
-  command.insert(command.end(), extra_options.begin(), extra_options.end());
+  command.insert(command.end(), extra_options_.begin(), extra_options_.end());
   process_ = std::make_unique<Process>(command, folder_ / "log");
   Await(*process_, folder_ / "log", [&] {
     return ReadFile(folder_ / "log").find("ready for connections") != std::string::npos;

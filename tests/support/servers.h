@@ -26,13 +26,18 @@ class PrivateMySql {
   std::string Query(const std::string& sql, const std::string& database = "") const;
   /// Ends the server at once, as a crash would.
   void Kill() { process_->Kill(); }
+  /// Kills the server when it still runs and starts it again on the same folder and port.
+  void Restart();
+  void Signal(int number) const { process_->Signal(number); }
 
  private:
+  void Start();
   void MakeDataFolder() const;
   std::vector<std::string> StartCommand() const;
 
   std::string program_;
   bool is_mariadb_;
+  std::vector<std::string> extra_options_;
   TempFolder folder_;
   int port_ = FreePort();
   std::unique_ptr<Process> process_;
@@ -57,6 +62,7 @@ class SandboxServer {
   void Kill() { process_->Kill(); }
   /// Kills the server when it still runs and starts it again on the same folder and port.
   void Restart();
+  void Signal(int number) const { process_->Signal(number); }
 
  private:
   void Start(const std::vector<std::string>& databases);

@@ -99,7 +99,7 @@ TEST(FieldCheck, PortMustBeDigitsWithBlanksAround) {
     EXPECT_EQ(refusal->style, 64);
     EXPECT_EQ(refusal->field, FieldRefusal::kPort);
   }
-  for (const char* good : {"0", " 1433 ", "32767", "99999"}) {
+  for (const char* good : {"0", " 1433 ", "65535", "99999"}) {
     typed.port = good;
     EXPECT_FALSE(CheckFields(TraitsOf(2), typed, std::nullopt)) << good;
   }
@@ -119,7 +119,7 @@ TEST(FieldCheck, UserIsNeededByPageAndLogin) {
   EXPECT_FALSE(refused(4, true));
 }
 
-TEST(ApplyFields, CopiesUntrimmedAndRefusesPortsBeyond16Bits) {
+TEST(ApplyFields, CopiesUntrimmedAndRefusesPortsThatNoServerHas) {
   test::Script script;
   test::ScriptedEndpoint my_sql(kMySql, script), ms_sql(kMsSql, script);
   my_sql.SetDbName("kept");
@@ -129,10 +129,10 @@ TEST(ApplyFields, CopiesUntrimmedAndRefusesPortsBeyond16Bits) {
   EXPECT_EQ(my_sql.Password(), " p ");
   EXPECT_EQ(my_sql.PortNo(), 3306);
   EXPECT_EQ(my_sql.DbName(), "kept");
-  ApplyFields({{.server = "h", .integrated_security = true}, "32767"}, ms_sql);
+  ApplyFields({{.server = "h", .integrated_security = true}, "65535"}, ms_sql);
   EXPECT_TRUE(ms_sql.WinNTAuthentication());
-  EXPECT_EQ(ms_sql.PortNo(), 32767);
-  for (const char* port : {"32768", "99999999"}) {
+  EXPECT_EQ(ms_sql.PortNo(), 65535);
+  for (const char* port : {"65536", "99999999"}) {
     try {
       ApplyFields({{.server = "h"}, port}, ms_sql);
       ADD_FAILURE() << port;

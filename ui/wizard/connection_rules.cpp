@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "endpoint/events.h"
 #include "platform/run_time_error.h"
@@ -128,14 +127,6 @@ bool IsNumber(std::string_view typed) {
   return !typed.empty() && std::ranges::all_of(typed, text::IsDigit);
 }
 
-std::int16_t PortNumber(std::string_view typed) {
-  const std::string_view digits = text::Trim(typed);
-  std::int16_t port = 0;
-  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), port);
-  if (result.ec != std::errc()) throw RunTimeError(run_time::kOverflow, "Dorvane", "Overflow");
-  return port;
-}
-
 void FillIfEmpty(std::string& field, const std::string& value) {
   if (field.empty()) field = value;
 }
@@ -179,7 +170,7 @@ std::optional<FieldRefusal> CheckFields(const ConnectionPageTraits& traits,
 
 void ApplyFields(const TypedSettings& typed, IDatabase& endpoint) {
   ado::ConnectionSettings settings = typed.settings;
-  settings.port = PortNumber(typed.port);
+  settings.port = text::ParsePort(typed.port);
   settings.database = endpoint.DbName();
   endpoint.SetSettings(std::move(settings));
 }

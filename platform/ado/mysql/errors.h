@@ -17,6 +17,11 @@ inline constexpr const char* kSource = "MySQL";
 /// number and the SQLSTATE that came with it.
 std::int32_t HresultOf(unsigned native_error, std::string_view sql_state);
 
+/// True for the client library's numbers, as opposed to a server's.
+inline bool IsClientError(std::int32_t native_error) {
+  return native_error >= 2000 && native_error < 3000;
+}
+
 /// A failure with one entry behind it.
 ProviderError MakeError(unsigned native_error, std::string sql_state,
                         const std::string& description);

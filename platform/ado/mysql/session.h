@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/ado/mysql/errors.h"
 #include "platform/ado/mysql/logon.h"
 #include "platform/ado/provider.h"
 
@@ -38,10 +39,16 @@ class ClientSession final : public Session {
   /// result can only be read or given up with its connection. Throws ProviderError; inside a
   /// transaction that was lost so, always.
   const ServerLink& Link();
-  /// Runs a call on the client that waits for the server, see Watchdog.
+  /// Runs a call on the client that waits for the server, see Watchdog. A failure of the client
+  /// library itself leaves the two of them out of step: that is a lost connection.
   template <typename Operation>
   auto Watch(Operation operation) {
-    return Link().watchdog->Watch(std::move(operation));
+    try {
+      return Link().watchdog->Watch(std::move(operation));
+    } catch (const ProviderError& failure) {
+      if (IsClientError(failure.Entries().at(0).native_error)) Sever();
+      throw;
+    }
   }
   /// Whether rows are to be sent by the bulk protocol.
   bool UsesBulk();
@@ -50,9 +57,14 @@ class ClientSession final : public Session {
   void SetStreaming(bool streaming) { streaming_ = streaming; }
   /// For readers: gives up the rows that were not read, at once, whatever their number.
   void Abandon();
+  /// For readers: takes the statement off the server.
+  void Close(Statement& statement);
 
  private:
   void Run(std::string_view sql);
+  /// Ends the connection without a word: the library would read what is left of a result before it
+  /// closes anything.
+  void Sever();
 
   ConnectionSettings settings_;
   BulkProtocol bulk_;

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/ado/mysql/errors.h"
 #include "platform/ado/mysql/logon.h"
 
 namespace dorvane::ado::mysql {
@@ -23,11 +24,6 @@ constexpr std::size_t kState = 6;
 constexpr std::string_view kIdle = "Sleep";
 constexpr std::array<std::string_view, 4> kOnTheWire = {
     "Writing to net", "Sending to client", "Reading from net", "Receiving from client"};
-
-/// As opposed to the client library's, which are 2000 to 2999.
-bool IsServersError(std::int32_t native_error) {
-  return native_error / 1000 != 2;
-}
 
 SessionState StateIn(const TextRows& processes, unsigned long id) {
   const auto found = std::ranges::find_if(processes, [text = fmt::to_string(id)](const auto& row) {
@@ -50,9 +46,8 @@ SessionState AskForSession(const ConnectionSettings& settings, unsigned long id)
     return StateIn(processes, id);
   } catch (const ProviderError& failure) {
     // A server that refuses the question, for having too many connections perhaps, lives.
-    const Errors& entries = failure.Entries();
-    return !entries.empty() && IsServersError(entries.front().native_error) ? SessionState::Unknown
-                                                                            : SessionState::Lost;
+    const bool is_silent = IsClientError(failure.Entries().at(0).native_error);
+    return is_silent ? SessionState::Lost : SessionState::Unknown;
   } catch (const std::exception&) {
     return SessionState::Unknown;
   }

@@ -1,9 +1,8 @@
 #include "platform/ado/odbc/bulk_column.h"
 
-#include <sqlext.h>
-
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -18,8 +17,6 @@ namespace dorvane::ado::odbc {
 
 namespace {
 
-__extension__ using Magnitude = unsigned __int128;
-
 /// FreeTDS converts a value into a buffer of that size, however long the column or the value is.
 constexpr std::size_t kConversionBuffer = 4096;
 // In UTF-8 a character takes up to three bytes where two suffice in UTF-16, or one in a code page.
@@ -28,6 +25,8 @@ constexpr std::size_t kPrefixSize = sizeof(std::int32_t);
 constexpr std::int32_t kNullPrefix = -1;
 constexpr std::int32_t kTicksPerSecond = 300;
 constexpr int kWindows1252 = 1252;
+// Of a number's text, zeros that do not count among its digits.
+constexpr std::size_t kLongestNumber = 128;
 
 struct LoadedType {
   std::string_view name;  // the server's
@@ -80,50 +79,30 @@ std::optional<std::int64_t> WholeNumber(const Value& value) {
   return static_cast<std::int64_t>(*number);
 }
 
-struct ScaledNumber {
-  Magnitude magnitude = 0;
-  bool is_negative = false;
-};
-
-/// The number times ten to the power of `scale`; nothing where digits would be lost.
-std::optional<ScaledNumber> ScaledDigits(std::string_view digits, int precision, int scale) {
-  ScaledNumber number;
-  number.is_negative = digits.starts_with('-');
-  if (number.is_negative) digits.remove_prefix(1);
-  const std::size_t point = std::min(digits.find('.'), digits.size());
-  std::string_view fraction = digits.substr(std::min(point + 1, digits.size()));
-  fraction = fraction.substr(0, fraction.find_last_not_of('0') + 1);
-  if (fraction.size() > static_cast<std::size_t>(scale)) return std::nullopt;
-  int significant = 0;
-  const auto append = [&](char digit) {
-    if (significant > 0 || digit != '0') ++significant;
-    number.magnitude = number.magnitude * 10 + static_cast<unsigned>(digit - '0');
-    return significant <= precision;
+/// The decimal text of an exact number; empty for any other value. Integers are put into `buffer`.
+std::string_view ExactDigits(const Value& value, std::array<char, 20>& buffer) {
+  if (const auto* decimal = std::get_if<Decimal>(&value)) return decimal->digits;
+  const auto written = [&buffer](auto number) {
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
+    return std::string_view(buffer.data(), end);
   };
-  for (const char digit : digits.substr(0, point)) {
-    if (!text::IsDigit(digit) || !append(digit)) return std::nullopt;
-  }
-  for (const char digit : fraction) {
-    if (!text::IsDigit(digit) || !append(digit)) return std::nullopt;
-  }
-  for (auto zeros = static_cast<std::size_t>(scale) - fraction.size(); zeros > 0; --zeros) {
-    if (!append('0')) return std::nullopt;
-  }
-  number.is_negative = number.is_negative && number.magnitude != 0;
-  return number;
+  if (const auto* number = std::get_if<std::uint64_t>(&value)) return written(*number);
+  const auto whole = WholeNumber(value);
+  return whole ? written(*whole) : std::string_view();
 }
 
-std::optional<ScaledNumber> Scaled(const Value& value, int precision, int scale) {
-  if (const auto* decimal = std::get_if<Decimal>(&value)) {
-    return ScaledDigits(decimal->digits, precision, scale);
-  }
-  if (const auto* number = std::get_if<std::uint64_t>(&value)) {
-    return ScaledDigits(std::to_string(*number), precision, scale);
-  }
-  if (const auto whole = WholeNumber(value)) {
-    return ScaledDigits(std::to_string(*whole), precision, scale);
-  }
-  return std::nullopt;
+/// Whether a number of this precision and scale holds every digit.
+bool HoldsDigits(std::string_view digits, int precision, int scale) {
+  if (digits.starts_with('-')) digits.remove_prefix(1);
+  const std::size_t point = std::min(digits.find('.'), digits.size());
+  std::string_view whole = digits.substr(0, point);
+  std::string_view fraction = digits.substr(std::min(point + 1, digits.size()));
+  whole.remove_prefix(std::min(whole.find_first_not_of('0'), whole.size()));
+  fraction = fraction.substr(0, fraction.find_last_not_of('0') + 1);
+  return !digits.empty() && digits.size() < kLongestNumber &&
+         whole.size() <= static_cast<std::size_t>(precision - scale) &&
+         fraction.size() <= static_cast<std::size_t>(scale) &&
+         std::ranges::all_of(whole, text::IsDigit) && std::ranges::all_of(fraction, text::IsDigit);
 }
 
 bool IsLoadedMoment(const DateTime& value) {
@@ -167,7 +146,7 @@ BulkColumn::BulkColumn(const BulkColumnFacts& facts, CellType type, bool is_wide
       is_wide_(is_wide),
       is_padded_(is_padded),
       is_windows_1252_(facts.code_page == kWindows1252),
-      cell_(kPrefixSize + std::max(most_bytes_ * kUtf8Expansion, sizeof(SQL_NUMERIC_STRUCT))) {}
+      cell_(kPrefixSize + std::max(most_bytes_ * kUtf8Expansion, kLongestNumber)) {}
 
 bool BulkColumn::Takes(const Value& value) const {
   if (IsNull(value)) return is_nullable_;
@@ -180,8 +159,10 @@ bool BulkColumn::Takes(const Value& value) const {
       const auto* number = std::get_if<double>(&value);
       return number != nullptr && std::isfinite(*number);
     }
-    case CellType::Numeric:
-      return Scaled(value, precision_, scale_).has_value();
+    case CellType::Numeric: {
+      std::array<char, 20> buffer;
+      return HoldsDigits(ExactDigits(value, buffer), precision_, scale_);
+    }
     case CellType::DateTime: {
       const auto* moment = std::get_if<DateTime>(&value);
       return moment != nullptr && IsLoadedMoment(*moment);
@@ -234,13 +215,8 @@ void BulkColumn::Put(const Value& value) {
     case CellType::Float:
       return PutFixed(std::get<double>(value));
     case CellType::Numeric: {
-      const ScaledNumber number = *Scaled(value, precision_, scale_);
-      SQL_NUMERIC_STRUCT numeric{.precision = static_cast<SQLCHAR>(precision_),
-                                 .scale = static_cast<SQLSCHAR>(scale_),
-                                 .sign = static_cast<SQLCHAR>(number.is_negative ? 0 : 1),
-                                 .val = {}};
-      std::memcpy(numeric.val, &number.magnitude, sizeof numeric.val);
-      return PutFixed(numeric);
+      std::array<char, 20> buffer;
+      return PutBytes(ExactDigits(value, buffer));
     }
     case CellType::DateTime: {
       const auto& moment = std::get<DateTime>(value);

@@ -38,7 +38,7 @@ class FreeTdsBulk final : public BulkFunctions {
       int terminator_size;
       int type;
       int column;
-    } parameters{cell, kPrefixSize, kLengthInPrefix, nullptr, 0, static_cast<int>(type), column};
+    } parameters{cell, kPrefixSize, kLengthInPrefix, nullptr, 0, HostType(type), column};
     Call(kBind, &parameters);
   }
 
@@ -65,6 +65,34 @@ class FreeTdsBulk final : public BulkFunctions {
   static constexpr int kHints = 6;
   static constexpr int kNewHints = 10;
   static constexpr std::string_view kHintTexts = "KEEP_NULLS, CHECK_CONSTRAINTS, FIRE_TRIGGERS";
+
+  static int HostType(CellType type) {
+    constexpr int kText = 47;
+    switch (type) {
+      case CellType::Bit:
+        return 50;
+      case CellType::TinyInt:
+        return 48;
+      case CellType::SmallInt:
+        return 52;
+      case CellType::Int:
+        return 56;
+      case CellType::BigInt:
+        return 127;
+      case CellType::Real:
+        return 59;
+      case CellType::Float:
+        return 62;
+      case CellType::DateTime:
+        return 61;
+      case CellType::Bytes:
+        return 45;
+      case CellType::Numeric:  // its own structure loses digits on the way
+      case CellType::Characters:
+        return kText;
+    }
+    return kText;
+  }
 
   bool TryCall(SQLINTEGER function, void* parameters) {
     return SQL_SUCCEEDED(SQLSetConnectAttrW(connection_, function, parameters, SQL_IS_POINTER));

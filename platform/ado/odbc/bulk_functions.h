@@ -7,19 +7,19 @@
 
 namespace dorvane::ado::odbc {
 
-/// The types of cells, by the numbers that bulk copy functions know them by.
-enum class CellType : int {
-  Bit = 50,      // one byte
-  TinyInt = 48,  // one byte
-  SmallInt = 52,
-  Int = 56,
-  BigInt = 127,
-  Real = 59,
-  Float = 62,
-  Numeric = 108,    // SQL_NUMERIC_STRUCT of the column's own precision and scale
-  DateTime = 61,    // days since 1900-01-01 and 300ths of a second, 32 bits each
-  Characters = 47,  // UTF-8
-  Bytes = 45,
+/// What a cell holds.
+enum class CellType {
+  Bit,  // one byte, as is TinyInt
+  TinyInt,
+  SmallInt,
+  Int,
+  BigInt,
+  Real,
+  Float,
+  Numeric,     // decimal text
+  DateTime,    // days since 1900-01-01 and 300ths of a second, 32 bits each
+  Characters,  // UTF-8
+  Bytes,
 };
 
 /// A driver's bulk copy functions on one connection: Init, Bind for each column, SendRow for each

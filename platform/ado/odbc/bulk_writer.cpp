@@ -77,6 +77,10 @@ bool BulkWriter::Takes(std::span<const Value> row) const {
 }
 
 void BulkWriter::Insert(const RowBlock& rows, std::size_t first, std::size_t count) {
+  logon_->Watch([&] { Load(rows, first, count); });
+}
+
+void BulkWriter::Load(const RowBlock& rows, std::size_t first, std::size_t count) {
   functions_->Init(table_, keeps_identity_);
   for (const BulkColumn& column : columns_) {
     functions_->Bind(column.Cell(), column.Type(), column.Ordinal());

@@ -25,6 +25,7 @@ class BulkWriter : public TableWriter {
   void Insert(const RowBlock& rows, std::size_t first, std::size_t count) override;
 
  private:
+  void Load(const RowBlock& rows, std::size_t first, std::size_t count);
   void SendRows(const RowBlock& rows, std::size_t first, std::size_t count);
 
   std::shared_ptr<Logon> logon_;

@@ -12,8 +12,6 @@ namespace dorvane::ado::odbc {
 
 namespace {
 
-std::mutex in_use;
-
 /// The configuration's file, which lives in memory alone.
 const files::Descriptor& File() {
   static const files::Descriptor file(memfd_create("freetds.conf", MFD_CLOEXEC));
@@ -28,7 +26,7 @@ std::string PathOf(const files::Descriptor& file) {
 
 FreeTdsConfiguration::FreeTdsConfiguration(const ServerAddress& address,
                                            const std::string& authorities)
-    : lock_(in_use), authorities_(open(authorities.c_str(), O_RDONLY | O_CLOEXEC)) {
+    : authorities_(open(authorities.c_str(), O_RDONLY | O_CLOEXEC)) {
   if (!authorities_.IsOpen()) files::ThrowFileError(errno, authorities);
   // A file of this syntax takes no long lines and changes the blanks in a path.
   std::string text = fmt::format(

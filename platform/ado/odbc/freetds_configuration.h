@@ -1,6 +1,5 @@
 #pragma once
 
-#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -13,8 +12,8 @@ namespace dorvane::ado::odbc {
 inline constexpr std::string_view kConfiguredServer = "verified";
 
 /// While it lives, FreeTDS finds a server in its configuration whose certificate and host name it
-/// verifies: a connection string cannot ask for that. Nothing of it is on disk. A second one waits
-/// until the first one has gone.
+/// verifies: a connection string cannot ask for that. Nothing of it is on disk. At most one at a
+/// time.
 class FreeTdsConfiguration {
  public:
   /// `authorities` is a PEM file. Throws RunTimeError when it cannot be read.
@@ -25,7 +24,6 @@ class FreeTdsConfiguration {
   static void Announce();
 
  private:
-  std::unique_lock<std::mutex> lock_;
   files::Descriptor authorities_;
 };
 
