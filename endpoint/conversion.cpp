@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "endpoint/keep_open.h"
+#include "platform/ado/items.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane {
@@ -79,7 +80,10 @@ Conversion::PlannedTable& Conversion::Plan(const std::string& name) {
   if (!is_new) return planned;
   try {
     KeepConnected();
-    planned.definition = DefineTable(catalog_.TableByName(name));
+    ado::Table& tab_src = catalog_.TableByName(name);
+    // The list of tables may be older than its end.
+    if (tab_src.Columns().empty()) ado::ThrowItemNotFound("ADOX.Tables");
+    planned.definition = DefineTable(tab_src);
   } catch (const RunTimeError&) {
     planned.failure = std::current_exception();
   }

@@ -34,6 +34,11 @@ constexpr char kHelp[] =
     "  --user NAME       the login name (default: sa)\n"
     "  --port N          the port to listen on (default: 1433; 0 takes a free one)\n"
     "  --create DB ...   databases to create unless they exist; \"master\" always does\n"
+    "  --without NAME ...\n"
+    "                    procedures and catalog views that it shall not know, for tests of\n"
+    "                    clients: sp_help, INFORMATION_SCHEMA.REFERENTIAL_CONSTRAINTS\n"
+    "  --lower-case-tables\n"
+    "                    sp_tables gives names in lower case; everything else as created\n"
     "  --help            show this text\n"
     "\n"
     "Prints \"listening on 127.0.0.1:PORT\" when it is ready. SIGTERM or SIGINT ends it.\n";
@@ -49,6 +54,7 @@ struct Options {
   std::optional<std::string> password;
   std::uint16_t port = 1433;
   std::vector<std::string> create;
+  sandbox::ServerTraits traits;
   bool help = false;
 };
 
@@ -73,6 +79,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
       {"--password", [&](const std::string& value) { options.password = value; }},
       {"--port", [&](const std::string& value) { options.port = ParsePort(value); }},
       {"--create", [&](const std::string& value) { options.create.push_back(value); }},
+      {"--without", [&](const std::string& value) { options.traits.unknown.push_back(value); }},
   };
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& name = arguments[i];
@@ -80,12 +87,16 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
       options.help = true;
       return options;
     }
+    if (name == "--lower-case-tables") {
+      options.traits.lower_case_tables = true;
+      continue;
+    }
     auto option = with_value.find(name);
     if (option == with_value.end()) throw UsageError(fmt::format("unknown argument \"{}\"", name));
     if (i + 1 == arguments.size()) throw UsageError(fmt::format("{} needs a value", name));
     option->second(arguments[++i]);
-    // Any number of database names may follow the first.
-    while (name == "--create" && i + 1 < arguments.size() && !IsOption(arguments[i + 1])) {
+    const bool takes_several = name == "--create" || name == "--without";
+    while (takes_several && i + 1 < arguments.size() && !IsOption(arguments[i + 1])) {
       option->second(arguments[++i]);
     }
   }
@@ -144,7 +155,8 @@ sigset_t BlockEndSignals() {
 
 void Run(const Options& options) {
   const sigset_t end_signals = BlockEndSignals();
-  std::unique_ptr<sandbox::Engine> engine = sandbox::OpenEngine(options.folder);
+  std::unique_ptr<sandbox::Engine> engine =
+      sandbox::OpenEngine(options.folder, true, options.traits);
   CreateDatabases(*engine, options);
   sandbox::tds::Server server(*engine, {options.user, *options.password}, options.port);
   fmt::print("listening on 127.0.0.1:{}\n", server.Port());

@@ -54,6 +54,9 @@ std::string MsSqlToMySql::FindIdentityColumn(const std::string& table_name) {
     ado::Recordset help = Source().Execute("sp_help " + MsSqlName(table_name));
     if (help.NextRecordset() && help.NextRecordset()) {
       std::string name = help.Field(0).Text();
+      // An end that is read needs no further trip to break off.
+      while (help.NextRecordset()) {
+      }
       return name == kNoIdentity ? std::string() : name;
     }
   } catch (const RunTimeError&) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -85,6 +86,7 @@ class MsSqlToMySql : public Conversion {
   void ReportOrphans(const std::string& dest_name);
 
   std::set<std::string> unchecked_tables_;  // names on the destination
+  std::optional<bool> new_takes_blocks_;    // unknown before the first new table
 };
 
 }  // namespace dorvane::to_mysql

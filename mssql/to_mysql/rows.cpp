@@ -64,6 +64,15 @@ void RowsToMySql::LearnFractions() {
 }
 
 bool RowsToMySql::TakesBlocks() {
+  if (!target_.is_new || target_.new_takes_blocks == nullptr) {
+    return IsTransactionalWithoutTriggers();
+  }
+  std::optional<bool>& known = *target_.new_takes_blocks;
+  if (!known) known = IsTransactionalWithoutTriggers();
+  return *known;
+}
+
+bool RowsToMySql::IsTransactionalWithoutTriggers() {
   try {
     ado::Recordset facts = destination_.Execute(fmt::format(
         "select coalesce(e.transactions = 'YES', 0), (select count(*) from "
@@ -239,7 +248,8 @@ std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& t
       .table = table.dest_name,
       .columns = {},
       .is_new = is_new,
-      .is_ahead_of_parents = !is_new && IsMerging() && Options().convert_relationships};
+      .is_ahead_of_parents = !is_new && IsMerging() && Options().convert_relationships,
+      .new_takes_blocks = &new_takes_blocks_};
   if (target.is_ahead_of_parents) unchecked_tables_.insert(table.dest_name);
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   if (!is_new) {

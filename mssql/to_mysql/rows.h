@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -36,6 +37,8 @@ class RowsToMySql : public IRowDestination {
     bool is_new = false;                     // made by this run
     bool is_ahead_of_parents = false;        // its rows may refer to tables that are copied later
     std::vector<std::size_t> identity = {};  // see IdentifyingFields
+    // What one new table says of blocks holds for all; outlives this.
+    std::optional<bool>* new_takes_blocks = nullptr;
   };
 
   /// Opens the table. `fields` and `facts` describe the source's columns in their order; `fields`
@@ -54,6 +57,7 @@ class RowsToMySql : public IRowDestination {
   std::vector<ValueChanges> Changes() const override;
 
  private:
+  bool IsTransactionalWithoutTriggers();
   /// Takes the fractions that an existing table keeps for those that a new one would get.
   void LearnFractions();
   void Assign(std::span<const ado::Value> row);

@@ -21,10 +21,16 @@ const std::vector<Key>& Table::Keys() {
 
 Table& Catalog::TableByName(std::string_view name) {
   if (const auto known = tables_.find(name); known != tables_.end()) return known->second;
-  // Read afresh for every name not met before: tables may have been created since.
-  const std::vector<TableInfo> infos = Tables();
-  const TableInfo& found = FindItem(infos, name, "ADOX.Tables");
-  return tables_.try_emplace(found.name, connection_, found).first->second;
+  const bool is_fresh = infos_.empty();
+  if (is_fresh) infos_ = Tables();
+  const TableInfo* found = FindItemOrNull(infos_, name);
+  if (found == nullptr && !is_fresh) {
+    // It may have been created since.
+    infos_ = Tables();
+    found = FindItemOrNull(infos_, name);
+  }
+  if (found == nullptr) ThrowItemNotFound("ADOX.Tables");
+  return tables_.try_emplace(found->name, connection_, *found).first->second;
 }
 
 }  // namespace dorvane::ado

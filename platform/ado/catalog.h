@@ -40,11 +40,13 @@ class Catalog {
   /// All entries, in the server's order.
   std::vector<TableInfo> Tables() { return connection_.Tables(); }
   /// The table of that name: the exact spelling first, else the one that differs only in ASCII
-  /// letter case. Throws RunTimeError kItemNotFound.
+  /// letter case. The list of tables is read once, and again for a name that it lacks. Throws
+  /// RunTimeError kItemNotFound.
   Table& TableByName(std::string_view name);
 
  private:
   Connection& connection_;
+  std::vector<TableInfo> infos_;  // as last read
   std::map<std::string, Table, std::less<>> tables_;
 };
 

@@ -18,16 +18,23 @@ namespace dorvane::ado {
 }
 
 /// The item of that name: the one spelled exactly so, else the first that differs only in the case
-/// of ASCII letters. Throws as ThrowItemNotFound does.
+/// of ASCII letters; null when there is none.
 template <typename Item>
-const Item& FindItem(const std::vector<Item>& items, std::string_view name,
-                     const char* collection) {
+const Item* FindItemOrNull(const std::vector<Item>& items, std::string_view name) {
   auto found = std::ranges::find(items, name, &Item::name);
   if (found == items.end()) {
     found = std::ranges::find_if(
         items, [&](const Item& item) { return text::EqualsIgnoringCase(item.name, name); });
   }
-  if (found == items.end()) ThrowItemNotFound(collection);
+  return found != items.end() ? &*found : nullptr;
+}
+
+/// The same, or throws as ThrowItemNotFound does.
+template <typename Item>
+const Item& FindItem(const std::vector<Item>& items, std::string_view name,
+                     const char* collection) {
+  const Item* found = FindItemOrNull(items, name);
+  if (found == nullptr) ThrowItemNotFound(collection);
   return *found;
 }
 

@@ -54,7 +54,8 @@ class Session {
   virtual std::unique_ptr<ResultReader> Execute(std::string_view sql) = 0;
   /// True while a reader of this session has rows left on the wire.
   virtual bool IsStreaming() const = 0;
-  /// Asks the server for a sign of life. Not while rows are left on the wire. Does not throw.
+  /// False when the connection is lost. Asks the server only where the socket leaves a doubt. Not
+  /// while rows are left on the wire. Does not throw.
   virtual bool IsAlive() = 0;
   /// True when what is sent travels to another machine without encryption.
   virtual bool IsExposed() const = 0;

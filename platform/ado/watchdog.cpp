@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <string>
 #include <utility>
 
@@ -57,6 +58,12 @@ Watchdog::~Watchdog() {
   changed_.notify_one();
   if (thread_.joinable()) thread_.join();
   if (socket_ >= 0) close(socket_);
+}
+
+bool Watchdog::IsQuiet() const {
+  char byte = 0;
+  const ssize_t size = recv(socket_, &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+  return size < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
 }
 
 void Watchdog::SetLimit(std::chrono::seconds limit, Question ask) {

@@ -45,6 +45,10 @@ class Watchdog {
   /// A limit of 0 is none.
   void SetLimit(std::chrono::seconds limit, Question ask);
 
+  /// True when the server has neither closed the connection nor sent anything that nobody asked
+  /// for. Costs no trip; false for a socket that nobody knows.
+  bool IsQuiet() const;
+
   /// Runs a call that waits for the server. A failure of it says so when the limit caused it.
   template <typename Operation>
   auto Watch(Operation operation);

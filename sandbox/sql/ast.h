@@ -24,6 +24,8 @@ using Block = std::vector<StatementPtr>;
 /// A name of up to four parts; missing ones are empty.
 struct ObjectName {
   std::string database, schema, name;
+  /// A table of the session's own, which is in no database and no schema.
+  bool IsTemporary() const { return name.starts_with('#'); }
   /// As written in messages: "dbo.t".
   std::string Text() const;
 };
@@ -51,6 +53,7 @@ enum class ExprKind {
   Subquery,    // query
   Case,        // args: [operand,] when, then..., [else]; flags below
   Function,    // text: lower-case name; args; distinct, star
+  Collate,     // args[0]; text: the collation
   Cast,        // type; args[0], args[1] the style; text: "cast", "convert", "try_..."
   Window,      // a ranking function: text; partition and order below
 };
@@ -166,6 +169,8 @@ struct ConstraintSyntax {
 
 struct ColumnSyntax {
   ColumnDef column;
+  ObjectName alias_type;  // a type that is not the server's own; else empty
+  ExprPtr computed;
   std::optional<bool> nullable;
   int line = 1;
 };
@@ -239,24 +244,32 @@ struct InsertBulkStatement {
 };
 
 struct AlterTableStatement {
-  enum class Action { Add, DropConstraint, DropColumn, AlterColumn, Nothing };
+  enum class Action { Add, DropConstraint, DropColumn, AlterColumn, Check, NoCheck, Nothing };
   ObjectName table;
   Action action = Action::Add;
   std::vector<ColumnSyntax> columns;
   std::vector<ConstraintSyntax> constraints;
-  std::vector<std::string> names;  // to drop
+  std::vector<std::string> names;  // to drop, or to check; for these none means all
   bool if_exists = false;
-  bool no_check = false;
+  std::optional<bool> checks_rows;  // WITH CHECK, WITH NOCHECK
 };
 
 struct CreateIndexStatement {
   std::string name;
   ObjectName table;
   ColumnList columns;
-  std::vector<std::string> not_null;  // columns of the filter "where a is not null and ..."
+  std::vector<std::string> included;
+  ExprPtr filter;
   bool unique = false;
   bool clustered = false;
   bool ignore_existing = false;
+};
+
+/// ALTER INDEX; without a name every index of the table.
+struct AlterIndexStatement {
+  std::string name;
+  ObjectName table;
+  bool disables = false;  // else it is made anew
 };
 
 struct DropIndexStatement {
@@ -271,12 +284,36 @@ struct DropTableStatement {
 };
 struct CreateViewStatement {
   ObjectName name;
+  std::vector<std::string> columns;
   QueryPtr query;
   std::string text;
 };
 
+/// CREATE, ALTER or DROP of a schema, login or user.
+struct PrincipalStatement {
+  enum class Action { Create, Alter, Drop } action = Action::Create;
+  enum class Kind { Schema, Login, User } kind = Kind::Schema;
+  std::string name;
+  bool if_exists = false;
+  std::string owner;                          // of a schema; empty: who creates it
+  std::optional<std::string> password;        // of a login
+  std::optional<std::string> login;           // of a user; empty: without login
+  std::optional<std::string> default_schema;  // of a user
+};
+
+struct CreateTypeStatement {
+  ObjectName name;
+  TypeInfo type;
+  bool nullable = true;
+};
+struct DropTypeStatement {
+  ObjectName name;
+  bool if_exists = false;
+};
+
 struct DeclareItem {
   std::string name;
+  ObjectName alias_type;
   TypeInfo type;
   ExprPtr value;
 };
@@ -343,8 +380,9 @@ struct Statement {
   int line = 1;
   std::variant<NothingStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement,
                TruncateStatement, CreateDatabaseStatement, DropDatabaseStatement, UseStatement,
-               CreateTableStatement, AlterTableStatement, CreateIndexStatement, DropIndexStatement,
-               DropTableStatement, CreateViewStatement, DeclareStatement, SetVariableStatement,
+               CreateTableStatement, AlterTableStatement, CreateIndexStatement, AlterIndexStatement,
+               CreateTypeStatement, DropTypeStatement, DropIndexStatement, DropTableStatement,
+               CreateViewStatement, PrincipalStatement, DeclareStatement, SetVariableStatement,
                SetOptionStatement, IfStatement, WhileStatement, BlockStatement, TryStatement,
                JumpStatement, PrintStatement, RaiseStatement, WaitStatement, TransactionStatement,
                ExecuteStatement>

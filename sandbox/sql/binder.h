@@ -38,10 +38,12 @@ struct ScopeColumn {
   bool nullable = true;
   bool identity = false;
   std::string sql;
+  bool hidden = false;  // "*" leaves it out
 };
 
 struct ScopeSource {
-  std::string alias;  // the exposed name
+  std::string alias;   // the exposed name
+  std::string schema;  // of a table without an alias
   const TableDef* table = nullptr;
   std::string stored;  // how SQLite knows it: the alias in the rendered text
   std::vector<ScopeColumn> columns;
@@ -162,6 +164,10 @@ class Binder {
   // Columns used outside aggregates since the last reset, for message 8120: rendered, and shown.
   std::vector<std::pair<std::string, std::string>> bare_columns_;
 };
+
+/// True when "schema.table.column" or "table.column" in `parts` means a column of the source; with
+/// the column's name alone always.
+bool Exposes(const ScopeSource& source, const std::vector<std::string>& parts);
 
 /// True for count, sum and the other aggregates.
 bool IsAggregate(std::string_view name);

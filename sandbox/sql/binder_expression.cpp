@@ -35,7 +35,7 @@ Bound Binder::Constant(Value value, const TypeInfo& type) {
 }
 
 std::string Binder::Collated(const std::string& sql, const TypeInfo& type) {
-  return IsText(type.type) ? sql + " COLLATE " + kTextCollation : sql;
+  return IsText(type.type) ? sql + " COLLATE " + StoredCollation(type.order) : sql;
 }
 
 Bound Binder::Coerce(Bound bound, const TypeInfo& to, bool is_explicit, int style, bool forgiving) {
@@ -119,10 +119,19 @@ Bound Binder::BindAny(const Expr& expr, const Scope& scope) {
           style = static_cast<int>(std::get<std::int64_t>(*number.constant));
         }
       }
-      Bound bound = Coerce(BindValue(*expr.args[0], scope), expr.type, true, style,
-                           expr.text.substr(0, 4) == "try_");
+      Bound value = BindValue(*expr.args[0], scope);
+      TypeInfo type = expr.type;
+      if (IsText(type.type) && IsText(value.type.type)) type.order = value.type.order;
+      Bound bound = Coerce(std::move(value), type, true, style, expr.text.substr(0, 4) == "try_");
       bound.name.clear();
       bound.identity = false;
+      return bound;
+    }
+    case ExprKind::Collate: {
+      Bound bound = BindValue(*expr.args[0], scope);
+      const auto order = OrderOfCollation(expr.text);
+      if (!order) Raise(448, expr.text);
+      bound.type.order = *order;
       return bound;
     }
     case ExprKind::Window:
@@ -137,9 +146,7 @@ Bound Binder::BindColumn(const Expr& expr, const Scope& scope) {
     const ScopeColumn* found = nullptr;
     const ScopeSource* owner = nullptr;
     for (const ScopeSource& source : level->sources) {
-      if (expr.parts.size() > 1 && !SameName(source.alias, expr.parts[expr.parts.size() - 2])) {
-        continue;
-      }
+      if (!Exposes(source, expr.parts)) continue;
       for (const ScopeColumn& column : source.columns) {
         if (!SameName(column.name, name)) continue;
         if (found) Raise(209, name);
@@ -325,12 +332,15 @@ Bound Binder::BindBetween(const Expr& expr, const Scope& scope) {
 
 Bound Binder::BindLike(const Expr& expr, const Scope& scope) {
   std::string args;
+  TextOrder order = TextOrder::Default;
   for (const ExprPtr& arg : expr.args) {
     Bound text = BindValue(*arg, scope);
+    order = std::max(order, text.type.order);
     if (!IsText(text.type.type)) text = Coerce(std::move(text), {SqlType::NVarChar, -1, 0, 0});
     args += (args.empty() ? "" : ", ") + text.sql;
   }
-  return Predicate(fmt::format("({}tsql_like({}))", expr.negated ? "NOT " : "", args));
+  return Predicate(fmt::format("({}{}({}))", expr.negated ? "NOT " : "",
+                               order == TextOrder::Default ? "tsql_like" : "tsql_like_case", args));
 }
 
 Bound Binder::BindQuantified(const Expr& expr, const Scope& scope) {

@@ -165,7 +165,7 @@ BoundQuery Binder::BindSelect(const Select& select, const Query* ordered, const 
   }
   const auto grouped = [&](const std::string& sql) {
     return std::any_of(groups.begin(), groups.end(), [&](const std::string& group) {
-      return group == sql || group == sql + " COLLATE " + kTextCollation;
+      return group == sql || group.starts_with(sql + " COLLATE ");
     });
   };
   bare_columns_.clear();
@@ -229,10 +229,13 @@ std::string Binder::BindItems(const Select& select, Scope& scope, BoundQuery& qu
 void Binder::AddStar(const Expr& star, const Scope& scope, std::vector<Bound>& items) const {
   if (scope.sources.empty()) Raise(102, "*");
   bool found = false;
+  std::vector<std::string> columns = star.parts;
+  columns.push_back("*");
   for (const ScopeSource& source : scope.sources) {
-    if (!star.parts.empty() && !SameName(source.alias, star.parts.back())) continue;
+    if (!star.parts.empty() && !Exposes(source, columns)) continue;
     found = true;
     for (const ScopeColumn& column : source.columns) {
+      if (column.hidden) continue;
       Bound bound;
       bound.sql = column.sql;
       bound.type = column.type;
@@ -353,28 +356,43 @@ std::string Binder::BindSource(const FromItem& item, Scope& scope) {
     return AddDerived(std::move(query), alias, common.columns, scope);
   }
   const Relation relation = context_.FindRelation(item.name);
-  if (!relation.view) return AddTable(relation, alias, scope);
+  if (!relation.view) {
+    std::string text = AddTable(relation, alias, scope);
+    if (!item.alias.empty()) scope.sources.back().schema.clear();
+    return text;
+  }
   Parser parser(relation.view->text);
   const Block block = parser.ParseBatch();
   const auto& view = std::get<CreateViewStatement>(block.front()->what);
   const auto hidden = std::exchange(common_tables_, {});
   BoundQuery query = BindQuery(*view.query, nullptr);
   common_tables_ = hidden;
-  return AddDerived(std::move(query), alias, {}, scope);
+  return AddDerived(std::move(query), alias, view.columns, scope);
+}
+
+bool Exposes(const ScopeSource& source, const std::vector<std::string>& parts) {
+  const std::size_t count = parts.size();
+  if (count > 1 && !SameName(source.alias, parts[count - 2])) return false;
+  return count < 3 || source.schema.empty() || parts[count - 3].empty() ||
+         SameName(source.schema, parts[count - 3]);
 }
 
 std::string Binder::AddTable(const Relation& relation, const std::string& alias, Scope& scope) {
-  for (const ScopeSource& other : scope.sources) {
-    if (SameName(other.alias, alias)) Raise(1013, other.alias, alias);
-  }
   ScopeSource source;
   source.alias = alias;
   source.table = relation.table;
+  if (relation.table) source.schema = relation.table->schema;
+  for (const ScopeSource& other : scope.sources) {
+    const bool apart =
+        !other.schema.empty() && !source.schema.empty() && !SameName(other.schema, source.schema);
+    if (SameName(other.alias, alias) && !apart) Raise(1013, other.alias, alias);
+  }
   source.stored = NewAlias();
   if (relation.table) {
     for (const ColumnDef& column : relation.table->columns) {
       source.columns.push_back({column.name, column.type, column.nullable, column.identity,
-                                source.stored + "." + TableDef::StoredColumn(column.id)});
+                                source.stored + "." + TableDef::StoredColumn(column.id),
+                                column.hidden});
     }
   } else {
     for (const ScopeColumn& column : relation.columns) {

@@ -160,7 +160,9 @@ std::unique_ptr<BulkTarget> Session::BeginBulk(std::string_view statement, Resul
     }
     if (bulk.columns.empty()) {
       for (const ColumnDef& column : table.columns) {
-        if (column.type.type == SqlType::Timestamp) continue;
+        const bool filled = column.type.type == SqlType::Timestamp || column.IsComputed() ||
+                            column.generated != Generated::No;
+        if (filled) continue;
         names.push_back(column.name);
         columns.push_back({column.name, column.type, column.nullable, column.identity});
       }

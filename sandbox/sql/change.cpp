@@ -16,7 +16,10 @@ const FromItem* FindTarget(const std::vector<FromItem>& from, const ObjectName& 
   const FromItem* by_table = nullptr;
   for (const FromItem& item : from) {
     if (!item.alias.empty() && name.schema.empty() && SameName(item.alias, name.name)) return &item;
-    if (!item.query && item.group.empty() && SameName(item.name.name, name.name)) by_table = &item;
+    const bool schemas_agree =
+        name.schema.empty() || item.name.schema.empty() || SameName(name.schema, item.name.schema);
+    if (!item.query && item.group.empty() && schemas_agree && SameName(item.name.name, name.name))
+      by_table = &item;
   }
   return by_table;
 }
@@ -47,7 +50,8 @@ Target BindTarget(Session& session, Binder& binder, const ObjectName& name,
     if (!from.empty()) target.from += " CROSS JOIN " + binder.BindFrom(from, target.scope);
   }
   for (const ScopeSource& source : target.scope.sources) {
-    if (SameName(source.alias, alias)) target.row = source.stored + ".rowid";
+    const bool same_table = source.table && source.table->id == target.table->id;
+    if (same_table && SameName(source.alias, alias)) target.row = source.stored + ".rowid";
   }
   return target;
 }
@@ -85,6 +89,8 @@ Flow Session::Run(const UpdateStatement& update) {
       if (!column) Raise(207, assignment.column);
       if (column->identity) Raise(8102, column->name);
       if (column->type.type == SqlType::Timestamp) Raise(272);
+      if (column->IsComputed()) Raise(271, column->name);
+      if (column->generated != Generated::No) Raise(13537, table.FullName());
       for (const Assigned& other : assigned) {
         if (other.column == column) Raise(264, column->name);
       }

@@ -18,10 +18,6 @@ std::string ColumnPart(const TableDef& table, const std::vector<int>& columns) {
   return ", column '" + table.Column(columns.front()).name + "'";
 }
 
-std::string OwnName(const TableDef& table) {
-  return "dbo." + table.name;
-}
-
 bool FindsRow(DatabaseLink& link, const std::string& sql, std::int64_t first, std::int64_t last) {
   SqliteStatement& statement = link.Cached(sql);
   ResetGuard guard(statement);
@@ -37,7 +33,7 @@ Value StoreValue(DatabaseLink& link, const TableDef& table, const ColumnDef& col
   try {
     return ConvertToStore(value, from, column.type);
   } catch (const Truncation& truncation) {
-    Raise(2628, fmt::format("{}.dbo.{}", link.Name(), table.name), column.name, truncation.kept);
+    Raise(2628, fmt::format("{}.{}", link.Name(), table.FullName()), column.name, truncation.kept);
   }
 }
 
@@ -62,7 +58,7 @@ const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
                                  std::int64_t own_row) {
   std::vector<const IndexDef*> unique;
   for (const IndexDef& index : table.indexes) {
-    if (index.unique) unique.push_back(&index);
+    if (index.unique && !index.disabled && index.filter.empty()) unique.push_back(&index);
   }
   std::stable_sort(unique.begin(), unique.end(), [](const IndexDef* a, const IndexDef* b) {
     return a->primary != b->primary ? a->primary : a->id < b->id;
@@ -99,8 +95,8 @@ std::string KeyText(const TableDef& table, const IndexDef& index, const std::vec
 SqlError DuplicateKey(const TableDef& table, const IndexDef& index,
                       const std::vector<Value>& keys) {
   const std::string text = KeyText(table, index, keys);
-  if (!index.IsConstraint()) return Error(2601, OwnName(table), index.name, text);
-  return Error(2627, index.primary ? "PRIMARY KEY" : "UNIQUE KEY", index.name, OwnName(table),
+  if (!index.IsConstraint()) return Error(2601, table.FullName(), index.name, text);
+  return Error(2627, index.primary ? "PRIMARY KEY" : "UNIQUE KEY", index.name, table.FullName(),
                text);
 }
 
@@ -121,7 +117,7 @@ void VerifyForeignKey(DatabaseLink& link, const TableDef& table, const ForeignKe
       table.StoredName(), present, parent.StoredName(), match);
   if (!FindsRow(link, sql, first, last)) return;
   Raise(547, statement, table.id == parent.id ? "FOREIGN KEY SAME TABLE" : "FOREIGN KEY", key.name,
-        link.Name(), OwnName(parent), ColumnPart(parent, key.parent_columns));
+        link.Name(), parent.FullName(), ColumnPart(parent, key.parent_columns));
 }
 
 void VerifyCheck(Session& session, DatabaseLink& link, const TableDef& table, const CheckDef& check,
@@ -141,23 +137,23 @@ void VerifyCheck(Session& session, DatabaseLink& link, const TableDef& table, co
   if (!FindsRow(link, sql, first, last)) return;
   const std::string column =
       check.column_id ? ", column '" + table.Column(check.column_id).name + "'" : "";
-  Raise(547, statement, "CHECK", check.name, link.Name(), OwnName(table), column);
+  Raise(547, statement, "CHECK", check.name, link.Name(), table.FullName(), column);
 }
 
 void VerifyRows(Session& session, DatabaseLink& link, const TableDef& table, std::int64_t first,
                 std::int64_t last, std::string_view statement) {
   for (const CheckDef& check : table.checks) {
-    VerifyCheck(session, link, table, check, first, last, statement);
+    if (!check.disabled) VerifyCheck(session, link, table, check, first, last, statement);
   }
   for (const ForeignKeyDef& key : table.foreign_keys) {
-    VerifyForeignKey(link, table, key, first, last, statement);
+    if (!key.disabled) VerifyForeignKey(link, table, key, first, last, statement);
   }
 }
 
 SqlError StillReferenced(DatabaseLink& link, const TableDef& parent, const TableDef& child,
                          const ForeignKeyDef& key, std::string_view statement) {
   return Error(547, statement, parent.id == child.id ? "SAME TABLE REFERENCE" : "REFERENCE",
-               key.name, link.Name(), OwnName(child), ColumnPart(child, key.columns));
+               key.name, link.Name(), child.FullName(), ColumnPart(child, key.columns));
 }
 
 }  // namespace sandbox

@@ -23,7 +23,7 @@ const IndexDef* BrokenIndex(const TableDef& table, std::string_view sqlite_messa
 
 /// Of the unique indexes that a row breaks the one the server names: the primary key's, else the
 /// oldest. `value` gives the row's value of a column by its number; `own_row` is its row number
-/// when it is in the table already, else 0. Null when it breaks none.
+/// when it is in the table already, else 0. Null when it breaks none, filtered ones aside.
 const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
                                  const std::function<Value(int column_id)>& value,
                                  std::int64_t own_row);
@@ -36,6 +36,12 @@ std::string KeyText(const TableDef& table, const IndexDef& index, const std::vec
 /// 547; `statement` is the word in its text.
 void VerifyRows(Session& session, DatabaseLink& link, const TableDef& table, std::int64_t first,
                 std::int64_t last, std::string_view statement);
+
+/// Keys of these rows that are longer than their index takes. Raises 1946.
+void VerifyKeyLengths(DatabaseLink& link, const TableDef& table, std::int64_t first,
+                      std::int64_t last);
+/// True when a key of the table may be longer than its index takes.
+bool HasLongKeys(const TableDef& table);
 
 /// The same for one constraint and every row, as ALTER TABLE needs it.
 void VerifyForeignKey(DatabaseLink& link, const TableDef& table, const ForeignKeyDef& key,

@@ -23,8 +23,12 @@ int CheckCancel(void* cancel) {
 }  // namespace
 
 DatabaseLink::DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseState> state,
-                           std::atomic<bool>& cancel)
-    : state_(std::move(state)), cancel_(cancel), connection_(folder.Connect(*state_)) {
+                           std::string login, int session, std::atomic<bool>& cancel)
+    : state_(std::move(state)),
+      login_(std::move(login)),
+      temporary_schema_(fmt::format("#{}", session)),
+      cancel_(cancel),
+      connection_(folder.Connect(*state_)) {
   sqlite3_progress_handler(connection_.get(), kStepsBetweenCancelChecks, CheckCancel, &cancel_);
   RegisterFunctions(connection_.get(), *this);
 }
@@ -175,6 +179,39 @@ void DatabaseLink::ForgetView(int view_id) {
   ForgetStatements();
   sandbox::ForgetView(connection_, view_id);
   catalog_.views.erase(view_id);
+}
+
+void DatabaseLink::SetSchemas(std::vector<SchemaDef> schemas) {
+  definitions_changed_ = true;
+  catalog_.schemas = std::move(schemas);
+  StoreLists(connection_, catalog_);
+}
+
+void DatabaseLink::SetUsers(std::vector<UserDef> users) {
+  definitions_changed_ = true;
+  catalog_.users = std::move(users);
+  StoreLists(connection_, catalog_);
+}
+
+void DatabaseLink::SetTypes(std::vector<AliasTypeDef> types) {
+  definitions_changed_ = true;
+  catalog_.types = std::move(types);
+  StoreLists(connection_, catalog_);
+}
+
+void DatabaseLink::DropTemporaryTables() {
+  std::vector<int> own;
+  for (const auto& [id, table] : Definitions().tables) {
+    if (table.schema == temporary_schema_) own.push_back(id);
+  }
+  if (own.empty()) return;
+  BeginWrite();
+  for (const int id : own) {
+    const std::string stored = Definitions().tables.at(id).StoredName();
+    Forget(id);
+    connection_.Execute("DROP TABLE " + stored);
+  }
+  Commit();
 }
 
 int DatabaseLink::NewObjectId() {

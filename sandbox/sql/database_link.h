@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "sandbox/sql/errors.h"
 #include "sandbox/storage/catalog.h"
@@ -16,6 +17,7 @@
 namespace sandbox {
 
 struct InsertPlan;
+struct ObjectName;
 
 /// Thrown when the client gave up what runs; nothing is reported for it.
 struct Cancelled {};
@@ -23,8 +25,8 @@ struct Cancelled {};
 /// A session's own connection to one database: its catalog, its write transaction, its statements.
 class DatabaseLink {
  public:
-  DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseState> state,
-               std::atomic<bool>& cancel);
+  DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseState> state, std::string login,
+               int session, std::atomic<bool>& cancel);
   ~DatabaseLink();
   DatabaseLink(const DatabaseLink&) = delete;
   DatabaseLink& operator=(const DatabaseLink&) = delete;
@@ -35,6 +37,17 @@ class DatabaseLink {
 
   /// The definitions as this session sees them now. References into it end with the next call.
   const Catalog& Definitions();
+
+  // Names (name_lookup.cpp). A bare name is one of the default schema, else of dbo.
+  /// Who the session is in this database; one that no user stands for is dbo.
+  const UserDef& User();
+  /// The schemas in which a name's object is looked for, in their order.
+  std::vector<std::string> SearchPath(const ObjectName& name);
+  const TableDef* FindTable(const ObjectName& name);
+  const ViewDef* FindView(const ObjectName& name);
+  const AliasTypeDef* FindType(const ObjectName& name);
+  /// The schema that a new object of this name is in, as it is spelt. Raises 2760.
+  std::string SchemaForNew(const ObjectName& name);
 
   /// A statement from the cache, reset. It lives until the definitions change.
   SqliteStatement& Cached(const std::string& sql);
@@ -56,7 +69,12 @@ class DatabaseLink {
   void Forget(int table_id);
   void Store(ViewDef view);
   void ForgetView(int view_id);
+  void SetSchemas(std::vector<SchemaDef> schemas);
+  void SetUsers(std::vector<UserDef> users);
+  void SetTypes(std::vector<AliasTypeDef> types);
   int NewObjectId();
+  /// Drops the session's own tables.
+  void DropTemporaryTables();
 
   /// The next identity value; the counter moves on.
   std::int64_t NextIdentity(const TableDef& table, const ColumnDef& column);
@@ -84,6 +102,8 @@ class DatabaseLink {
   void SaveCounters();
 
   std::shared_ptr<DatabaseState> state_;
+  const std::string login_;
+  const std::string temporary_schema_;
   std::atomic<bool>& cancel_;
   SqliteConnection connection_;
   Catalog catalog_;

@@ -5,18 +5,13 @@
 #include "sandbox/sql/definitions.h"
 #include "sandbox/sql/parser.h"
 #include "sandbox/sql/session.h"
+#include "sandbox/sql/stored_columns.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/encoding.h"
 #include "sandbox/storage/text_order.h"
 
 namespace sandbox {
 namespace {
-
-std::string StoredColumnText(const ColumnDef& column) {
-  std::string text = TableDef::StoredColumn(column.id);
-  if (IsText(column.type.type)) text += std::string(" COLLATE ") + kTextCollation;
-  return text;
-}
 
 bool Uses(const std::vector<int>& columns, int id) {
   return std::find(columns.begin(), columns.end(), id) != columns.end();
@@ -34,6 +29,8 @@ void RefuseIfUsed(DatabaseLink& link, const TableDef& table, const ColumnDef& co
     for (const IndexColumn& key : index.columns) {
       if (key.column_id == column.id) refuse(index.IsConstraint() ? "object" : "index", index.name);
     }
+    const bool filters = index.filter.find("[" + column.name + "]") != std::string::npos;
+    if (filters || Uses(index.included, column.id)) refuse("index", index.name);
   }
   for (const ForeignKeyDef& key : table.foreign_keys) {
     if (Uses(key.columns, column.id)) refuse("object", key.name);
@@ -44,8 +41,12 @@ void RefuseIfUsed(DatabaseLink& link, const TableDef& table, const ColumnDef& co
         refuse("object", key.name);
     }
   }
+  const std::string name = "[" + column.name + "]";
   for (const CheckDef& check : table.checks) {
-    if (check.text.find("[" + column.name + "]") != std::string::npos) refuse("object", check.name);
+    if (check.text.find(name) != std::string::npos) refuse("object", check.name);
+  }
+  for (const ColumnDef& other : table.columns) {
+    if (other.computed_text.find(name) != std::string::npos) refuse("column", other.name);
   }
 }
 
@@ -56,7 +57,8 @@ void AddColumns(Session& session, DatabaseLink& link, const TableDef& table,
   for (const int id : column_ids) {
     const ColumnDef& column = table.Column(id);
     link.Connection().Execute("ALTER TABLE " + table.StoredName() + " ADD COLUMN " +
-                              StoredColumnText(column));
+                              StoredColumnText(session, table, column));
+    if (column.IsComputed()) continue;
     const bool fills = !column.nullable && !column.default_text.empty();
     const bool generated = column.identity || column.type.type == SqlType::Timestamp;
     if (!has_rows) continue;
@@ -121,9 +123,36 @@ void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name
       throw error;
     }
   }
-  link.Connection().Execute("DROP INDEX " + table.StoredIndexName(*index));
+  link.Connection().Execute("DROP INDEX IF EXISTS " + table.StoredIndexName(*index));
   const int id = index->id;
   std::erase_if(table.indexes, [&](const IndexDef& other) { return other.id == id; });
+}
+
+void SwitchConstraints(Session& session, DatabaseLink& link, TableDef& table,
+                       const AlterTableStatement& alter) {
+  const bool enables = alter.action == AlterTableStatement::Action::Check;
+  const bool verifies = enables && alter.checks_rows.value_or(false);
+  std::vector<std::string> missing = alter.names;
+  const auto switch_one = [&](auto& constraint) {
+    const auto named = [&](const std::string& name) { return SameName(name, constraint.name); };
+    if (!alter.names.empty() && std::erase_if(missing, named) == 0) return false;
+    constraint.disabled = !enables;
+    constraint.not_trusted = !verifies;
+    return verifies;
+  };
+  for (ForeignKeyDef& key : table.foreign_keys) {
+    if (switch_one(key)) VerifyForeignKey(link, table, key, INT64_MIN, INT64_MAX, "ALTER TABLE");
+  }
+  for (CheckDef& check : table.checks) {
+    if (switch_one(check))
+      VerifyCheck(session, link, table, check, INT64_MIN, INT64_MAX, "ALTER TABLE");
+  }
+  if (!missing.empty()) {
+    SqlError error = Error(4917, missing.front());
+    error.messages.push_back(Error(4916).messages.front());
+    throw error;
+  }
+  link.Store(table);
 }
 
 void DropColumn(DatabaseLink& link, TableDef& table, const std::string& name) {
@@ -141,14 +170,20 @@ void DropColumn(DatabaseLink& link, TableDef& table, const std::string& name) {
   std::erase_if(table.columns, [&](const ColumnDef& other) { return other.id == id; });
 }
 
-void AlterColumn(DatabaseLink& link, TableDef& table, const ColumnSyntax& syntax) {
+void AlterColumn(Session& session, DatabaseLink& link, TableDef& table,
+                 const ColumnSyntax& syntax) {
   ColumnDef* column = nullptr;
   for (ColumnDef& candidate : table.columns) {
     if (SameName(candidate.name, syntax.column.name)) column = &candidate;
   }
   if (!column) Raise(4924, "ALTER COLUMN", syntax.column.name, table.name);
   RefuseIfUsed(link, table, *column, "ALTER");
-  const TypeInfo before = column->type, after = syntax.column.type;
+  if (column->IsComputed()) Raise(4928, column->name);
+  const TypeInfo before = column->type;
+  std::optional<bool> nullable = syntax.nullable;
+  ColumnDef changed = syntax.column;
+  ResolveType(link, 1, syntax.alias_type, changed, nullable);
+  const TypeInfo after = changed.type;
   const std::string stored = TableDef::StoredColumn(column->id);
   SqliteStatement rows = link.Connection().Prepare(
       fmt::format("SELECT rowid, {} FROM {}", stored, table.StoredName()));
@@ -159,14 +194,16 @@ void AlterColumn(DatabaseLink& link, TableDef& table, const ColumnSyntax& syntax
     values.emplace_back(rows.Integer(0), std::move(value));
   }
   rows.Reset();
-  const std::string full_name = fmt::format("{}.dbo.{}", link.Name(), table.name);
+  const std::string full_name = fmt::format("{}.{}", link.Name(), table.FullName());
   column->type = after;
-  column->nullable = syntax.nullable.value_or(true);
+  column->user_type = changed.user_type;
+  column->collation = changed.collation;
+  column->nullable = nullable.value_or(true);
   // A column of its own with the new collation takes the old one's place.
   const int old_id = column->id;
   column->id = table.next_column_id++;
   link.Connection().Execute("ALTER TABLE " + table.StoredName() + " ADD COLUMN " +
-                            StoredColumnText(*column));
+                            StoredColumnText(session, table, *column));
   SqliteStatement update = link.Connection().Prepare(
       fmt::format("UPDATE {} SET {}=?1 WHERE rowid=?2", table.StoredName(),
                   TableDef::StoredColumn(column->id)));

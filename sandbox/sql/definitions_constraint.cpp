@@ -5,6 +5,7 @@
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/definitions.h"
 #include "sandbox/sql/session.h"
+#include "sandbox/sql/stored_columns.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/text_order.h"
 
@@ -59,8 +60,8 @@ std::string ConstraintAdder::NameFor(const ConstraintSyntax& constraint, std::st
       std::any_of(table_.columns.begin(), table_.columns.end(), [&](const ColumnDef& c) {
         return c.default_id != 0 && SameName(c.default_name, constraint.name);
       });
-  if (link_.Definitions().HasObject(constraint.name) || named(keys) || default_taken ||
-      named(table_.foreign_keys) || named(table_.checks)) {
+  if (link_.Definitions().HasObject(table_.schema, constraint.name) || named(keys) ||
+      default_taken || named(table_.foreign_keys) || named(table_.checks)) {
     RaiseTaken(constraint.name);
   }
   return constraint.name;
@@ -106,23 +107,32 @@ void ConstraintAdder::AddKey(const ConstraintSyntax& constraint, const KeySyntax
     index.columns.push_back({column->id, key.columns.descending[i]});
   }
   for (const IndexDef& other : table_.indexes) {
-    if (SameName(other.name, index.name))
-      RaiseForConstraint(1913, index.name, "dbo." + table_.name);
+    if (SameName(other.name, index.name)) RaiseForConstraint(1913, index.name, table_.FullName());
     index.id = std::max(index.id, other.id);
   }
+  CheckKeyLength(session_, table_, index);
   new_indexes_.push_back(++index.id);
   table_.indexes.push_back(std::move(index));
 }
 
+// The table itself may not be in the catalog yet, or not as it is here.
+const TableDef* ConstraintAdder::FindParent(const ObjectName& name) const {
+  const TableDef* found = link_.FindTable(name);
+  if (found && found->id != table_.id) return found;
+  const bool own = SameName(name.name, table_.name) &&
+                   (name.schema.empty() || SameName(name.schema, table_.schema));
+  return own ? &table_ : nullptr;
+}
+
 void ConstraintAdder::AddForeignKey(const ConstraintSyntax& constraint,
                                     const ForeignKeySyntax& syntax) {
+  if (table_.IsTemporary()) return;  // the server skips them, too
   ForeignKeyDef key;
   key.id = link_.NewObjectId();
   key.name = NameFor(constraint, "FK", key.id);
   key.on_delete = syntax.on_delete;
   key.on_update = syntax.on_update;
-  const bool own = SameName(syntax.parent.name, table_.name);
-  const TableDef* parent = own ? &table_ : link_.Definitions().FindTable(syntax.parent.name);
+  const TableDef* parent = FindParent(syntax.parent);
   if (!parent) RaiseForConstraint(1767, key.name, syntax.parent.Text());
   key.parent_table = parent->id;
   for (const std::string& name : syntax.columns.names) {
@@ -137,6 +147,7 @@ void ConstraintAdder::AddForeignKey(const ConstraintSyntax& constraint,
     if (sets_null && !table_.Column(id).nullable) RaiseForConstraint(1761, key.name);
   }
   CheckCascadePaths(key);
+  key.not_trusted = !check_rows_;
   table_.foreign_keys.push_back(key);
   if (check_rows_) new_keys_.push_back(std::move(key));
 }
@@ -173,6 +184,9 @@ void ConstraintAdder::MatchParentKey(ForeignKeyDef& key, const ForeignKeySyntax&
     if (plain(child.type.type) != plain(target.type.type)) {
       RaiseForConstraint(1778, parent.name, target.name, table_.name, child.name, key.name);
     }
+    if (child.type.order != target.type.order) {
+      RaiseForConstraint(1757, parent.name, target.name, table_.name, child.name, key.name);
+    }
     const bool variable = child.type.type == SqlType::VarChar ||
                           child.type.type == SqlType::NVarChar ||
                           child.type.type == SqlType::VarBinary;
@@ -206,7 +220,7 @@ void ConstraintAdder::AddCheck(const ConstraintSyntax& constraint, const CheckSy
   CheckDef added;
   added.id = link_.NewObjectId();
   added.name = NameFor(constraint, "CK", added.id);
-  added.text = "(" + NormalisedText(*check.condition) + ")";
+  added.text = ConditionText(*check.condition);
   if (!constraint.column.empty()) added.column_id = table_.FindColumn(constraint.column)->id;
   Binder binder(session_);
   Scope scope;
@@ -215,6 +229,7 @@ void ConstraintAdder::AddCheck(const ConstraintSyntax& constraint, const CheckSy
   relation.stored = table_.StoredName();
   binder.AddTable(relation, table_.name, scope);
   binder.BindCondition(*check.condition, scope);  // raises 207 and its kin
+  added.not_trusted = !check_rows_;
   table_.checks.push_back(added);
   if (check_rows_) new_checks_.push_back(std::move(added));
 }
@@ -241,10 +256,11 @@ void ConstraintAdder::Finish() {
   const TableDef& table = link_.Definitions().tables.at(table_.id);
   for (const int id : new_indexes_) {
     for (const IndexDef& index : table.indexes) {
-      if (index.id == id) MakeStoredIndex(link_, table, index);
+      if (index.id == id) MakeStoredIndex(session_, link_, table, index);
     }
   }
   if (!stored_) return;
+  if (!new_indexes_.empty()) VerifyKeyLengths(link_, table, kFirstRow, kLastRow);
   for (const ForeignKeyDef& key : new_keys_) {
     VerifyForeignKey(link_, table, key, kFirstRow, kLastRow, "ALTER TABLE");
   }

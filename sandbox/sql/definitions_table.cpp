@@ -4,42 +4,12 @@
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/definitions.h"
 #include "sandbox/sql/session.h"
+#include "sandbox/sql/stored_columns.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/text_order.h"
 
 namespace sandbox {
 namespace {
-
-std::string StoredColumnText(const ColumnDef& column) {
-  std::string text = TableDef::StoredColumn(column.id);
-  if (IsText(column.type.type)) text += std::string(" COLLATE ") + kTextCollation;
-  return text;
-}
-
-void CheckIdentity(const TableDef& table, const ColumnDef& column, const ColumnSyntax& syntax) {
-  if (!column.identity) return;
-  if (table.IdentityColumn()) Raise(2744, table.name);
-  const bool whole =
-      IsInteger(column.type.type) ||
-      ((column.type.type == SqlType::Decimal || column.type.type == SqlType::Numeric) &&
-       column.type.scale == 0);
-  if (!whole || syntax.nullable.value_or(false)) Raise(2749, column.name);
-}
-
-void AppendColumn(TableDef& table, const ColumnSyntax& syntax) {
-  ColumnDef column = syntax.column;
-  if (table.FindColumn(column.name)) Raise(2705, column.name, table.name);
-  CheckIdentity(table, column, syntax);
-  if (column.type.type == SqlType::Timestamp) {
-    for (const ColumnDef& other : table.columns) {
-      if (other.type.type == SqlType::Timestamp) Raise(2738, table.name, column.name);
-    }
-  }
-  const bool never_null = column.identity || column.type.type == SqlType::Timestamp;
-  column.nullable = syntax.nullable.value_or(!never_null);
-  column.id = table.next_column_id++;
-  table.columns.push_back(std::move(column));
-}
 
 bool HasRows(DatabaseLink& link, const TableDef& table) {
   SqliteStatement& statement = link.Cached("SELECT 1 FROM " + table.StoredName() + " LIMIT 1");
@@ -47,25 +17,26 @@ bool HasRows(DatabaseLink& link, const TableDef& table) {
   return link.Step(statement);
 }
 
-void CheckName(DatabaseLink& link, const ObjectName& name) {
-  if (link.Definitions().HasObject(name.name)) Raise(2714, name.name);
-}
-
 }  // namespace
 
+std::string SchemaOfNew(DatabaseLink& link, const ObjectName& name) {
+  std::string schema = link.SchemaForNew(name);
+  if (link.Definitions().HasObject(schema, name.name)) Raise(2714, name.name);
+  return schema;
+}
+
 const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, int missing) {
-  const bool ours = name.schema.empty() || SameName(name.schema, "dbo");
-  const TableDef* table = ours ? link.Definitions().FindTable(name.name) : nullptr;
+  const TableDef* table = link.FindTable(name);
   if (!table) Raise(missing, name.Text());
   return *table;
 }
 
-void AddTable(DatabaseLink& link, TableDef table) {
+void AddTable(Session& session, DatabaseLink& link, TableDef table) {
   if (table.id == 0) table.id = link.NewObjectId();
   table.created = NowTicks();
   std::string columns;
   for (const ColumnDef& column : table.columns) {
-    columns += (columns.empty() ? "" : ", ") + StoredColumnText(column);
+    columns += (columns.empty() ? "" : ", ") + StoredColumnText(session, table, column);
   }
   link.Connection().Execute("CREATE TABLE " + table.StoredName() + "(" + columns + ")");
   link.Store(std::move(table));
@@ -74,12 +45,14 @@ void AddTable(DatabaseLink& link, TableDef table) {
 Flow Session::Run(const CreateTableStatement& create) {
   DatabaseLink& link = LinkTo(create.table.database);
   link.BeginWrite();
-  CheckName(link, create.table);
   StatementScope scope(link);
   TableDef table;
+  table.schema = SchemaOfNew(link, create.table);
   table.name = create.table.name;
   table.id = link.NewObjectId();
-  for (const ColumnSyntax& column : create.columns) AppendColumn(table, column);
+  for (const ColumnSyntax& column : create.columns) AppendColumn(link, table, column);
+  for (const ColumnSyntax& column : create.columns) TypeComputedColumn(*this, table, column);
+  CheckTableLimits(table);
   // A primary key makes its columns NOT NULL unless they were said to take NULL.
   for (const ConstraintSyntax& constraint : create.constraints) {
     const auto* key = std::get_if<KeySyntax>(&constraint.what);
@@ -100,7 +73,7 @@ Flow Session::Run(const CreateTableStatement& create) {
   for (const ConstraintSyntax& constraint : create.constraints) {
     if (!std::holds_alternative<KeySyntax>(constraint.what)) adder.Add(constraint);
   }
-  AddTable(link, table);
+  AddTable(*this, link, table);
   adder.Finish();
   scope.Keep();
   Done(std::nullopt);
@@ -117,9 +90,11 @@ Flow Session::Run(const AlterTableStatement& alter) {
     const bool rows = HasRows(link, table);
     std::vector<int> added;
     for (const ColumnSyntax& column : alter.columns) {
-      AppendColumn(table, column);
+      AppendColumn(link, table, column);
       added.push_back(table.columns.back().id);
     }
+    for (const ColumnSyntax& column : alter.columns) TypeComputedColumn(*this, table, column);
+    CheckTableLimits(table);
     ConstraintAdder adder(*this, link, table, true);
     for (const ConstraintSyntax& constraint : alter.constraints) {
       if (std::holds_alternative<DefaultSyntax>(constraint.what)) adder.Add(constraint);
@@ -127,7 +102,7 @@ Flow Session::Run(const AlterTableStatement& alter) {
     AddColumns(*this, link, table, added, rows);
     for (const ConstraintSyntax& constraint : alter.constraints) {
       if (!std::holds_alternative<DefaultSyntax>(constraint.what))
-        adder.Add(constraint, !alter.no_check);
+        adder.Add(constraint, alter.checks_rows.value_or(true));
     }
     link.Store(table);
     adder.Finish();
@@ -138,8 +113,11 @@ Flow Session::Run(const AlterTableStatement& alter) {
     for (const std::string& name : alter.names) DropColumn(link, table, name);
     link.Store(table);
   } else if (alter.action == Action::AlterColumn) {
-    AlterColumn(link, table, alter.columns.front());
+    AlterColumn(*this, link, table, alter.columns.front());
+    CheckTableLimits(table);
     link.Store(table);
+  } else if (alter.action == Action::Check || alter.action == Action::NoCheck) {
+    SwitchConstraints(*this, link, table, alter);
   }
   scope.Keep();
   Done(std::nullopt);
@@ -151,15 +129,14 @@ Flow Session::Run(const DropTableStatement& drop) {
     DatabaseLink& link = LinkTo(name.database);
     link.BeginWrite();
     const Catalog& catalog = link.Definitions();
-    const bool ours = name.schema.empty() || SameName(name.schema, "dbo");
     if (drop.view) {
-      const ViewDef* view = ours ? catalog.FindView(name.name) : nullptr;
+      const ViewDef* view = link.FindView(name);
       if (!view && drop.if_exists) continue;
       if (!view) Raise(3701, "drop", "view", name.Text());
       link.ForgetView(view->id);
       continue;
     }
-    const TableDef* table = ours ? catalog.FindTable(name.name) : nullptr;
+    const TableDef* table = link.FindTable(name);
     if (!table && drop.if_exists) continue;
     if (!table) Raise(3701, "drop", "table", name.Text());
     for (const auto& [id, other] : catalog.tables) {
@@ -184,13 +161,14 @@ Flow Session::Run(const DropTableStatement& drop) {
 Flow Session::Run(const CreateViewStatement& create) {
   DatabaseLink& link = LinkTo(create.name.database);
   link.BeginWrite();
-  CheckName(link, create.name);
+  const std::string schema = SchemaOfNew(link, create.name);
   Binder binder(*this);
   const BoundQuery query = binder.BindQuery(*create.query);
   for (std::size_t i = 0; i < query.columns.size(); ++i) {
-    if (query.columns[i].name.empty()) Raise(8155, i + 1, create.name.name);
+    if (i >= create.columns.size() && query.columns[i].name.empty())
+      Raise(8155, i + 1, create.name.name);
   }
-  link.Store(ViewDef{link.NewObjectId(), create.name.name, NowTicks(), create.text});
+  link.Store(ViewDef{link.NewObjectId(), schema, create.name.name, NowTicks(), create.text});
   Done(std::nullopt);
   return Flow::Next;
 }

@@ -91,10 +91,24 @@ class Engine {
   virtual ~Engine() = default;
   virtual std::unique_ptr<EngineSession> OpenSession(std::string_view login) = 0;
   virtual bool HasDatabase(std::string_view name) const = 0;
+  /// True for a login that CREATE LOGIN made, with its password.
+  virtual bool MayLogIn(std::string_view /*login*/, std::string_view /*password*/) const {
+    return false;
+  }
+};
+
+/// What a server lacks, for tests of clients that must get along without it.
+struct ServerTraits {
+  /// Procedures and catalog views that it does not know: "sp_help", "sys.columns".
+  std::vector<std::string> unknown;
+  /// sp_tables shows names in lower case, everything else as they were created.
+  bool lower_case_tables = false;
+  bool Knows(std::string_view name) const;
 };
 
 /// Opens (or makes) the server's folder. Throws std::runtime_error when it cannot be used. Without
 /// `durable` a power cut may lose the latest commits.
-std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder, bool durable = true);
+std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder, bool durable = true,
+                                   ServerTraits traits = {});
 
 }  // namespace sandbox

@@ -78,6 +78,11 @@ constexpr std::array kMessages{
     MessageText{213, 16, 1, Ends::Batch,
                 "Column name or number of supplied values does not match table definition."},
     MessageText{214, 16, 2, Ends::Statement, "Procedure expects parameter '{}' of type '{}'."},
+    MessageText{218, 16, 1, Ends::Batch,
+                "Could not find the type '{}'. Either it does not exist or you do not have the "
+                "necessary permission."},
+    MessageText{219, 16, 1, Ends::Batch,
+                "The type '{}' already exists, or you do not have permission to create it."},
     MessageText{220, 16, 2, Ends::Statement,
                 "Arithmetic overflow error for data type {}, value = {}."},
     MessageText{232, 16, 3, Ends::Statement, "Arithmetic overflow error for type {}, value = {}."},
@@ -118,6 +123,7 @@ constexpr std::array kMessages{
                 "The data types {} and {} are incompatible in the {} operator."},
     MessageText{409, 16, 2, Ends::Batch,
                 "The {} operator cannot take a {} data type as an argument."},
+    MessageText{448, 16, 1, Ends::Batch, "Invalid collation '{}'."},
     MessageText{
         512, 16, 1, Ends::Statement,
         "Subquery returned more than 1 value. This is not permitted when the subquery follows "
@@ -171,8 +177,21 @@ constexpr std::array kMessages{
         1505, 16, 1, Ends::Statement,
         "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for "
         "the object name '{}' and the index name '{}'. The duplicate key value is ({})."},
+    MessageText{1701, 16, 1, Ends::Batch,
+                "Creating or altering table '{}' failed because the minimum row size would be {}, "
+                "including {} bytes of internal overhead. This exceeds the maximum allowable table "
+                "row size of {} bytes."},
+    MessageText{1702, 16, 1, Ends::Batch,
+                "CREATE TABLE failed because column '{}' in table '{}' exceeds the maximum of {} "
+                "columns."},
     MessageText{1750, 16, 0, Ends::Batch,
                 "Could not create constraint or index. See previous errors."},
+    MessageText{1757, 16, 0, Ends::Batch,
+                "Column '{}.{}' is not of same collation as referencing column '{}.{}' in foreign "
+                "key '{}'."},
+    MessageText{1759, 16, 0, Ends::Batch,
+                "Computed column '{}' in table '{}' is not allowed to be used in another "
+                "computed-column definition."},
     MessageText{1767, 16, 0, Ends::Batch, "Foreign key '{}' references invalid table '{}'."},
     MessageText{1769, 16, 1, Ends::Batch,
                 "Foreign key '{}' references invalid column '{}' in referencing table '{}'."},
@@ -223,6 +242,12 @@ constexpr std::array kMessages{
         1919, 16, 1, Ends::Batch,
         "Column '{}' in table '{}' is of a type that is invalid for use as a key column in an "
         "index."},
+    MessageText{1944, 16, 1, Ends::Batch,
+                "Index '{}' was not created. This index has a key length of at least {} bytes. The "
+                "maximum permissible key length is {} bytes."},
+    MessageText{1946, 16, 3, Ends::Statement,
+                "Operation failed. The index entry of length {} bytes for the index '{}' exceeds "
+                "the maximum length of {} bytes for {} indexes."},
     MessageText{
         2601, 14, 1, Ends::Statement,
         "Cannot insert duplicate key row in object '{}' with unique index '{}'. The duplicate "
@@ -244,10 +269,14 @@ constexpr std::array kMessages{
         "Column, parameter, or variable #{}: Cannot specify a column width on data type {}."},
     MessageText{2717, 16, 2, Ends::Batch,
                 "The size ({}) given to the {} '{}' exceeds the maximum allowed ({})."},
+    MessageText{2727, 11, 1, Ends::Batch, "Cannot find index '{}'."},
     MessageText{
         2738, 16, 2, Ends::Batch,
         "A table can only have one timestamp column. Because table '{}' already has one, the "
         "column '{}' cannot be added."},
+    MessageText{2760, 16, 1, Ends::Batch,
+                "The specified schema name \"{}\" either does not exist or you do not have "
+                "permission to use it."},
     MessageText{2744, 16, 2, Ends::Batch,
                 "Multiple identity columns specified for table '{}'. Only one identity column per "
                 "table is allowed."},
@@ -280,6 +309,11 @@ constexpr std::array kMessages{
                 "Could not drop object '{}' because it is referenced by a FOREIGN KEY constraint."},
     MessageText{3727, 16, 0, Ends::Batch, "Could not drop constraint. See previous errors."},
     MessageText{3728, 16, 1, Ends::Batch, "'{}' is not a constraint."},
+    MessageText{3729, 16, 1, Ends::Batch,
+                "Cannot drop schema '{}' because it is being referenced by object '{}'."},
+    MessageText{3732, 16, 1, Ends::Batch,
+                "Cannot drop type '{}' because it is being referenced by object '{}'. There may be "
+                "other objects that reference this type."},
     MessageText{3902, 16, 1, Ends::Statement,
                 "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     MessageText{3903, 16, 1, Ends::Statement,
@@ -304,10 +338,17 @@ constexpr std::array kMessages{
     MessageText{4902, 16, 1, Ends::Batch,
                 "Cannot find the object \"{}\" because it does not exist or you do not have "
                 "permissions."},
+    MessageText{4916, 16, 0, Ends::Batch,
+                "Could not enable or disable the constraint. See previous errors."},
+    MessageText{4917, 16, 0, Ends::Batch, "Constraint '{}' does not exist."},
     MessageText{4922, 16, 9, Ends::Batch,
                 "ALTER TABLE {} COLUMN {} failed because one or more objects access this column."},
     MessageText{4924, 16, 1, Ends::Batch,
                 "ALTER TABLE {} failed because column '{}' does not exist in table '{}'."},
+    MessageText{4928, 16, 1, Ends::Batch, "Cannot alter column '{}' because it is 'COMPUTED'."},
+    MessageText{4936, 16, 1, Ends::Batch,
+                "Computed column '{}' in table '{}' cannot be persisted because the column is "
+                "non-deterministic."},
     MessageText{5074, 16, 1, Ends::Batch, "The {} '{}' is dependent on column '{}'."},
     MessageText{5105, 16, 1, Ends::Batch,
                 "A file activation error occurred. The physical file name '{}' may be incorrect. "
@@ -348,9 +389,13 @@ constexpr std::array kMessages{
     MessageText{8156, 16, 1, Ends::Batch, "The column '{}' was specified multiple times for '{}'."},
     MessageText{8169, 16, 2, Ends::Transaction,
                 "Conversion failed when converting from a character string to uniqueidentifier."},
+    MessageText{10601, 16, 1, Ends::Batch,
+                "Cannot specify included columns for a clustered index."},
     MessageText{
         10709, 16, 1, Ends::Batch,
         "The number of columns for each row in a table value constructor must be the same."},
+    MessageText{10735, 15, 1, Ends::Batch,
+                "Incorrect WHERE clause for filtered index '{}' on table '{}'."},
     MessageText{10738, 15, 1, Ends::Batch,
                 "The number of row value expressions in the INSERT statement exceeds the maximum "
                 "allowed number of 1000 row values."},
@@ -358,7 +403,20 @@ constexpr std::array kMessages{
     MessageText{
         15009, 16, 1, Ends::Statement,
         "The object '{}' does not exist in database '{}' or is invalid for this operation."},
+    MessageText{13536, 16, 1, Ends::Batch,
+                "Cannot insert an explicit value into a GENERATED ALWAYS column in table '{}'. Use "
+                "INSERT with a column list to exclude the GENERATED ALWAYS column, or insert a "
+                "DEFAULT into GENERATED ALWAYS column."},
+    MessageText{13537, 16, 1, Ends::Batch, "Cannot update GENERATED ALWAYS columns in table '{}'."},
+    MessageText{15007, 16, 1, Ends::Batch,
+                "'{}' is not a valid login or you do not have permission."},
+    MessageText{15023, 16, 1, Ends::Batch,
+                "User, group, or role '{}' already exists in the current database."},
+    MessageText{15025, 16, 1, Ends::Batch, "The server principal '{}' already exists."},
     MessageText{15034, 16, 1, Ends::Statement, "The storage failed: {}"},
+    MessageText{15150, 16, 1, Ends::Batch, "Cannot {} the {} '{}'."},
+    MessageText{15151, 16, 1, Ends::Batch,
+                "Cannot {} the {} '{}', because it does not exist or you do not have permission."},
 };
 
 }  // namespace

@@ -81,7 +81,12 @@ void Session::Assign(std::string_view name, Value value, const TypeInfo& from) {
 Flow Session::Run(const DeclareStatement& statement) {
   for (const DeclareItem& item : statement.items) {
     Variable variable{item.type, {}};
-    if (item.value) variable.value = Evaluate(*item.value, &item.type);
+    if (!item.alias_type.name.empty()) {
+      const AliasTypeDef* alias = link_->FindType(item.alias_type);
+      if (!alias) Raise(2715, 1, item.alias_type.Text());
+      variable.type = alias->type;
+    }
+    if (item.value) variable.value = Evaluate(*item.value, &variable.type);
     // A DECLARE inside a loop is met again; it keeps the variable, as the server does.
     if (item.value || !variables_.count(item.name)) variables_[item.name] = std::move(variable);
   }

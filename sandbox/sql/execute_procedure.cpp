@@ -59,7 +59,7 @@ int Session::CallProcedure(const ObjectName& name, std::span<Parameter> given) {
     return 0;
   }
   const Procedure* procedure = FindProcedure(name.name);
-  if (!procedure) Raise(2812, name.Text());
+  if (!procedure || !traits_.Knows(procedure->name)) Raise(2812, name.Text());
   Arguments arguments(procedure->parameters.size());
   for (std::size_t i = 0; i < given.size(); ++i) {
     if (given[i].name.empty()) {

@@ -71,13 +71,13 @@ void Session::AssignVariables(const BoundQuery& query, const Binder& binder) {
 }
 
 void Session::SelectInto(const Select& select, const Query& query) {
-  link_->BeginWrite();
-  const Catalog& catalog = link_->Definitions();
-  if (catalog.HasObject(select.into.name)) Raise(2714, select.into.name);
+  DatabaseLink& link = LinkTo(select.into.database);
+  link.BeginWrite();
+  TableDef table;
+  table.schema = SchemaOfNew(link, select.into);
   Binder binder(*this);
   const BoundQuery bound = binder.BindQuery(query);
-  StatementScope scope(*link_);
-  TableDef table;
+  StatementScope scope(link);
   table.name = select.into.name;
   for (const ColumnInfo& column : bound.columns) {
     if (column.name.empty()) Raise(1038);
@@ -87,12 +87,15 @@ void Session::SelectInto(const Select& select, const Query& query) {
     added.name = column.name;
     added.type = column.type;
     if (column.type.type == SqlType::Timestamp) added.type = {SqlType::Binary, 8, 0, 0};
+    if (column.type.order == TextOrder::CaseSensitive)
+      added.collation = "SQL_Latin1_General_CP1_CS_AS";
+    if (column.type.order == TextOrder::Binary) added.collation = "Latin1_General_BIN2";
     added.nullable = column.nullable;
     added.identity = column.identity;
   }
-  AddTable(*link_, table);
-  const TableDef& stored = *link_->Definitions().FindTable(table.name);
-  RowWriter writer(*this, *link_, stored, {}, RowWriter::Identity::Explicit);
+  AddTable(*this, link, table);
+  const TableDef& stored = *link.Definitions().FindTable(table.schema, table.name);
+  RowWriter writer(*this, link, stored, {}, RowWriter::Identity::Explicit);
   const std::int64_t rows = writer.WriteQuery(bound, binder);
   writer.Finish();
   scope.Keep();

@@ -93,6 +93,8 @@ std::string NormalisedText(const Expr& expr) {
              (expr.args.size() > 2 ? " ESCAPE " + NormalisedText(*expr.args[2]) : "");
     case ExprKind::Case:
       return CaseText(expr);
+    case ExprKind::Collate:
+      return NormalisedText(*expr.args[0]) + " collate " + expr.text;
     case ExprKind::Cast: {
       std::string type = TypeText(expr.type);
       const std::size_t measure = type.find('(');

@@ -41,8 +41,10 @@ TypeInfo TypeArgument(sqlite3_value* value) {
 
 void CallFunction(sqlite3_context* context, int count, sqlite3_value** args) {
   Guarded(context, [&] {
+    const bool named = sqlite3_value_type(args[0]) == SQLITE_TEXT;
     const ScalarFunction& function =
-        Function(static_cast<std::size_t>(sqlite3_value_int64(args[0])));
+        Function(named ? FindFunction(TextArgument(args[0])).value()
+                       : static_cast<std::size_t>(sqlite3_value_int64(args[0])));
     const TypeInfo result = TypeArgument(args[1]);
     std::vector<TypeInfo> types;
     std::vector<Value> values;
@@ -174,6 +176,7 @@ void MathFunction(sqlite3_context* context, int, sqlite3_value** args) {
   });
 }
 
+template <bool with_case>
 void LikeFunction(sqlite3_context* context, int count, sqlite3_value** args) {
   for (int i = 0; i < count; ++i) {
     if (sqlite3_value_type(args[i]) == SQLITE_NULL) return sqlite3_result_null(context);
@@ -183,8 +186,9 @@ void LikeFunction(sqlite3_context* context, int count, sqlite3_value** args) {
     std::string_view text = TextArgument(args[2]);
     if (!text.empty()) escape = NextCodePoint(text);
   }
-  sqlite3_result_int(context,
-                     MatchesPattern(TextArgument(args[0]), TextArgument(args[1]), escape) ? 1 : 0);
+  const bool matches =
+      MatchesPattern(TextArgument(args[0]), TextArgument(args[1]), escape, with_case);
+  sqlite3_result_int(context, matches ? 1 : 0);
 }
 
 // ---- aggregates
@@ -298,16 +302,21 @@ void SingleEnd(sqlite3_context* context) {
 }  // namespace
 
 void RegisterFunctions(sqlite3* connection, DatabaseLink& link) {
-  const auto scalar = [&](const char* name, int args, auto* function) {
-    sqlite3_create_function_v2(connection, name, args, SQLITE_UTF8, &link, function, nullptr,
-                               nullptr, nullptr);
+  const auto scalar = [&](const std::string& name, int args, int flags, auto* function) {
+    sqlite3_create_function_v2(connection, name.c_str(), args, SQLITE_UTF8 | flags, &link, function,
+                               nullptr, nullptr, nullptr);
   };
-  scalar("tsql_call", -1, CallFunction);
-  scalar("tsql_session", -1, SessionFunction);
-  scalar("tsql_convert", 5, ConvertFunction);
-  scalar("tsql_math", 6, MathFunction);
-  scalar("tsql_like", 2, LikeFunction);
-  scalar("tsql_like", 3, LikeFunction);
+  for (const auto& [prefix, flags] : {std::pair("tsql_", 0), {"fixed_", SQLITE_DETERMINISTIC}}) {
+    const std::string name = prefix;
+    scalar(name + "call", -1, flags, CallFunction);
+    scalar(name + "convert", 5, flags, ConvertFunction);
+    scalar(name + "math", 6, flags, MathFunction);
+    for (const int args : {2, 3}) {
+      scalar(name + "like", args, flags, LikeFunction<false>);
+      scalar(name + "like_case", args, flags, LikeFunction<true>);
+    }
+  }
+  scalar("tsql_session", -1, 0, SessionFunction);
   const auto aggregate = [&](const char* name, int args, auto* step, auto* end) {
     sqlite3_create_function_v2(connection, name, args, SQLITE_UTF8, &link, nullptr, step, end,
                                nullptr);

@@ -36,7 +36,9 @@ const ScalarFunction& Function(std::size_t position);
 /// The unit of dateadd, datediff, datepart ("mm" is "month"); nothing when it is none.
 std::optional<std::string_view> DateUnit(std::string_view word);
 
-/// Makes the language's functions known to SQLite:
+/// Makes the language's functions known to SQLite. What a table's definition in storage uses has
+/// the prefix "fixed_", which promises that equal arguments give equal results, and names scalar
+/// functions instead of their positions.
 ///   tsql_call(position, result type, type, value, ...)
 ///   tsql_session(name, result type, type, value, ...)
 ///   tsql_convert(from, to, style, try, value)   tsql_store as ConvertToStore, without style and
@@ -44,8 +46,9 @@ std::optional<std::string_view> DateUnit(std::string_view word);
 ///   escape]) tsql_sum, tsql_avg (type, value)            tsql_one(value): 512 on a second row
 void RegisterFunctions(sqlite3* connection, DatabaseLink& link);
 
-/// Matches LIKE's wildcards % _ [] without regard to case.
-bool MatchesPattern(std::string_view text, std::string_view pattern, char32_t escape = 0);
+/// Matches LIKE's wildcards % _ [], without regard to case unless told to.
+bool MatchesPattern(std::string_view text, std::string_view pattern, char32_t escape = 0,
+                    bool with_case = false);
 
 /// Adds `count` units to a time, as dateadd does.
 Value AddToDate(std::string_view unit, std::int64_t count, const DateTimeValue& value,

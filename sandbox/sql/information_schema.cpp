@@ -10,7 +10,6 @@ const TypeInfo kWord = VarChar(30);
 const TypeInfo kInt = IntType();
 const TypeInfo kSmall = SmallIntType();
 const TypeInfo kText = NVarChar(4000);
-const Value kDbo = std::string("dbo");
 
 Value Word(const char* text) {
   return std::string(text);
@@ -22,9 +21,9 @@ Value Int(std::int64_t number) {
   return number;
 }
 
-std::vector<Value> ColumnRow(const std::string& database, const std::string& table,
+std::vector<Value> ColumnRow(const std::string& database, const TableDef& table,
                              const ColumnInfo& column, std::int64_t position,
-                             const std::string& default_text) {
+                             const std::string& default_text, const std::string& collation) {
   const TypeInfo& type = column.type;
   const bool sized = IsText(type.type) || IsBinary(type.type);
   const bool number = IsNumber(type.type) && type.type != SqlType::Bit;
@@ -42,8 +41,8 @@ std::vector<Value> ColumnRow(const std::string& database, const std::string& tab
   }
   if (type.type == SqlType::Date) fraction = Int(0);
   return {database,
-          kDbo,
-          table,
+          table.schema,
+          table.name,
           column.name,
           position,
           default_text.empty() ? Value() : Value(default_text),
@@ -56,15 +55,15 @@ std::vector<Value> ColumnRow(const std::string& database, const std::string& tab
           number && !IsApproximate(type.type) ? Int(type.scale) : Value(),
           fraction,
           text ? (IsUnicode(type.type) ? Word("UNICODE") : Word("iso_1")) : Value(),
-          text ? Word("SQL_Latin1_General_CP1_CI_AS") : Value()};
+          collation.empty() ? Value() : Value(collation)};
 }
 
 void Tables(Session&, DatabaseLink& link, SystemView::Rows& rows) {
   for (const TableDef* table : link.Definitions().Sorted()) {
-    rows.push_back({link.Name(), kDbo, table->name, Word("BASE TABLE")});
+    rows.push_back({link.Name(), table->schema, table->name, Word("BASE TABLE")});
   }
   for (const auto& [id, view] : link.Definitions().views) {
-    rows.push_back({link.Name(), kDbo, view.name, Word("VIEW")});
+    rows.push_back({link.Name(), view.schema, view.name, Word("VIEW")});
   }
 }
 
@@ -72,9 +71,9 @@ void Columns(Session&, DatabaseLink& link, SystemView::Rows& rows) {
   for (const TableDef* table : link.Definitions().Sorted()) {
     std::int64_t position = 0;
     for (const ColumnDef& column : table->columns) {
-      rows.push_back(ColumnRow(link.Name(), table->name,
+      rows.push_back(ColumnRow(link.Name(), *table,
                                {column.name, column.type, column.nullable, false}, ++position,
-                               column.default_text));
+                               column.default_text, CollationName(column.type, column.collation)));
     }
   }
 }
@@ -82,8 +81,8 @@ void Columns(Session&, DatabaseLink& link, SystemView::Rows& rows) {
 void TableConstraints(Session&, DatabaseLink& link, SystemView::Rows& rows) {
   for (const TableDef* table : link.Definitions().Sorted()) {
     const auto add = [&](const std::string& name, const char* type) {
-      rows.push_back({link.Name(), kDbo, name, link.Name(), kDbo, table->name, Word(type),
-                      Word("NO"), Word("NO")});
+      rows.push_back({link.Name(), table->schema, name, link.Name(), table->schema, table->name,
+                      Word(type), Word("NO"), Word("NO")});
     };
     for (const IndexDef& index : table->indexes) {
       if (index.IsConstraint()) add(index.name, index.primary ? "PRIMARY KEY" : "UNIQUE");
@@ -96,7 +95,7 @@ void TableConstraints(Session&, DatabaseLink& link, SystemView::Rows& rows) {
 void KeyColumns(Session&, DatabaseLink& link, SystemView::Rows& rows) {
   for (const TableDef* table : link.Definitions().Sorted()) {
     const auto add = [&](const std::string& name, int column, std::size_t i) {
-      rows.push_back({link.Name(), kDbo, name, link.Name(), kDbo, table->name,
+      rows.push_back({link.Name(), table->schema, name, link.Name(), table->schema, table->name,
                       table->Column(column).name, Int(static_cast<std::int64_t>(i) + 1)});
     };
     for (const IndexDef& index : table->indexes) {
@@ -120,14 +119,15 @@ void Referential(Session&, DatabaseLink& link, SystemView::Rows& rows) {
   for (const TableDef* table : catalog.Sorted()) {
     for (const ForeignKeyDef& key : table->foreign_keys) {
       Value unique;
-      for (const IndexDef& index : catalog.tables.at(key.parent_table).indexes) {
+      const TableDef& parent = catalog.tables.at(key.parent_table);
+      for (const IndexDef& index : parent.indexes) {
         if (index.unique && index.columns.size() == key.parent_columns.size() &&
             index.columns.front().column_id == key.parent_columns.front() && unique.index() == 0) {
           unique = index.name;
         }
       }
-      rows.push_back({link.Name(), kDbo, key.name, link.Name(), kDbo, unique, Word("SIMPLE"),
-                      Rule(key.on_update), Rule(key.on_delete)});
+      rows.push_back({link.Name(), table->schema, key.name, link.Name(), parent.schema, unique,
+                      Word("SIMPLE"), Rule(key.on_update), Rule(key.on_delete)});
     }
   }
 }
@@ -135,19 +135,19 @@ void Referential(Session&, DatabaseLink& link, SystemView::Rows& rows) {
 void Checks(Session&, DatabaseLink& link, SystemView::Rows& rows) {
   for (const TableDef* table : link.Definitions().Sorted()) {
     for (const CheckDef& check : table->checks)
-      rows.push_back({link.Name(), kDbo, check.name, check.text});
+      rows.push_back({link.Name(), table->schema, check.name, check.text});
   }
 }
 
 void Schemata(Session&, DatabaseLink& link, SystemView::Rows& rows) {
-  for (const char* schema : {"dbo", "INFORMATION_SCHEMA", "sys"}) {
-    rows.push_back({link.Name(), Word(schema), kDbo, Word("iso_1")});
+  for (const SchemaDef& schema : link.Definitions().schemas) {
+    rows.push_back({link.Name(), schema.name, schema.owner, Word("iso_1")});
   }
 }
 
 void Views(Session&, DatabaseLink& link, SystemView::Rows& rows) {
   for (const auto& [id, view] : link.Definitions().views) {
-    rows.push_back({link.Name(), kDbo, view.name, view.text, Word("NONE"), Word("NO")});
+    rows.push_back({link.Name(), view.schema, view.name, view.text, Word("NONE"), Word("NO")});
   }
 }
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "sandbox/sql/definitions.h"
 #include "sandbox/sql/insert_plan.h"
 #include "sandbox/sql/insert_values.h"
@@ -32,6 +34,12 @@ class CollectingSink final : public ResultSink {
   ResultSink& outer_;
 };
 
+std::size_t TakenColumns(const TableDef& table) {
+  return static_cast<std::size_t>(
+      std::count_if(table.columns.begin(), table.columns.end(),
+                    [](const ColumnDef& column) { return !column.IsComputed(); }));
+}
+
 void CheckWidth(const InsertStatement& insert, const RowWriter& writer) {
   if (insert.width == writer.Width()) return;
   if (insert.columns.empty()) Raise(213);
@@ -62,7 +70,7 @@ Flow Session::Run(const InsertStatement& insert) {
       explicit_identity ? RowWriter::Identity::Explicit : RowWriter::Identity::Generated;
   if (explicit_identity && insert.columns.empty() && !insert.default_values)
     Raise(8101, table.name);
-  if (!explicit_identity && insert.columns.empty() && insert.width == table.columns.size() &&
+  if (!explicit_identity && insert.columns.empty() && insert.width == TakenColumns(table) &&
       table.IdentityColumn() && insert.rows > 0) {
     Raise(8101, table.name);
   }

@@ -1,6 +1,7 @@
 #include "sandbox/sql/insert_plan.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "sandbox/sql/constraints.h"
 #include "sandbox/sql/convert.h"
@@ -26,6 +27,7 @@ constexpr std::size_t kMostBlockColumns = 1000;
 std::string InsertSql(const TableDef& table, std::size_t rows) {
   std::string names, marks;
   for (const ColumnDef& column : table.columns) {
+    if (column.IsComputed()) continue;
     names += (names.empty() ? "" : ",") + TableDef::StoredColumn(column.id);
     marks += marks.empty() ? "(?" : ",?";
   }
@@ -63,6 +65,20 @@ Value RowVersionValue(std::int64_t version) {
 
 }  // namespace
 
+Value PeriodValue(const ColumnDef& column) {
+  constexpr std::int32_t kLastDay = 3652058, kUnixEpoch = 719162;
+  std::int64_t unit = 1;
+  for (int digits = column.type.scale; digits < 7; ++digits) unit *= 10;
+  if (column.generated == Generated::RowEnd) return DateTimeValue{kLastDay, kTicksPerDay - unit, 0};
+  const std::int64_t now = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                               std::chrono::system_clock::now().time_since_epoch())
+                               .count() /
+                           100;
+  const std::int64_t of_day = now % kTicksPerDay;
+  return DateTimeValue{kUnixEpoch + static_cast<std::int32_t>(now / kTicksPerDay),
+                       of_day - of_day % unit, 0};
+}
+
 RowWriter::RowWriter(Session& session, DatabaseLink& link, const TableDef& table,
                      const std::vector<std::string>& columns, Identity identity)
     : session_(session), link_(link), table_(table) {
@@ -77,12 +93,15 @@ std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& 
                                                 Identity identity) {
   auto plan = std::make_shared<InsertPlan>();
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    if (!table_.FindColumn(columns[i])) Raise(207, columns[i]);
+    const ColumnDef* column = table_.FindColumn(columns[i]);
+    if (!column) Raise(207, columns[i]);
+    if (column->IsComputed()) Raise(271, column->name);
     for (std::size_t j = 0; j < i; ++j) {
       if (SameName(columns[i], columns[j])) Raise(264, columns[i]);
     }
   }
   for (const ColumnDef& column : table_.columns) {
+    if (column.IsComputed()) continue;
     InsertPlan::Slot& slot = plan->slots.emplace_back();
     slot.column = column;
     slot.bind_literal = LiteralBinderFor(column.type.type);
@@ -101,6 +120,8 @@ std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& 
       if (column.identity && generated) Raise(544, table_.name);
     } else if (row_version && !columns.empty()) {
       slot.source = InsertPlan::Source::RowVersion;
+    } else if (column.generated != Generated::No && (column.hidden || !columns.empty())) {
+      slot.source = InsertPlan::Source::Period;
     } else if (generated) {
       slot.source = InsertPlan::Source::Identity;
     } else if (columns.empty()) {
@@ -119,7 +140,7 @@ std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& 
   }
   plan->insert = link_.Connection().Prepare(InsertSql(table_, 1));
   plan->takes_blocks = TakesBlocks(*plan);
-  plan->verifies = !table_.foreign_keys.empty() || !table_.checks.empty();
+  plan->verifies = !table_.foreign_keys.empty() || !table_.checks.empty() || HasLongKeys(table_);
   return plan;
 }
 
@@ -132,7 +153,7 @@ void RowWriter::Store(const Place& place, const ColumnDef& column, const Value& 
   Value& stored = stored_[static_cast<std::size_t>(place.index - 1)];
   if (value.index() == 0) {
     if (!column.nullable) {
-      Raise(515, column.name, fmt::format("{}.dbo.{}", link_.Name(), table_.name), "INSERT");
+      Raise(515, column.name, fmt::format("{}.{}", link_.Name(), table_.FullName()), "INSERT");
     }
     sqlite3_bind_null(place.statement.get(), place.index);
     stored = Value();
@@ -150,7 +171,9 @@ void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCe
     if (literal && BindAsWritten(slot, place, *literal)) return;
     const RowCells::Cell cell = row.Get(slot.cell);
     if (cell.value) return BindCell(slot, place, cell);
-    source = slot.column.type.type == SqlType::Timestamp ? Source::RowVersion : Source::Default;
+    source = slot.column.type.type == SqlType::Timestamp ? Source::RowVersion
+             : slot.column.generated != Generated::No    ? Source::Period
+                                                         : Source::Default;
   }
   switch (source) {
     case Source::Identity:
@@ -158,6 +181,8 @@ void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCe
       return Store(place, slot.column, *last_identity_, BigIntType());
     case Source::RowVersion:
       return Store(place, slot.column, RowVersionValue(link_.NextRowVersion()), slot.column.type);
+    case Source::Period:
+      return Store(place, slot.column, PeriodValue(slot.column), slot.column.type);
     default:
       return Store(place, slot.column, DefaultOf(slot), slot.column.type);
   }
@@ -165,6 +190,7 @@ void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCe
 
 bool RowWriter::BindAsWritten(const InsertPlan::Slot& slot, const Place& place,
                               const LiteralText& literal) {
+  if (slot.column.generated != Generated::No) return false;
   if (literal.IsNull()) {
     if (slot.column.nullable) sqlite3_bind_null(place.statement.get(), place.index);
     return slot.column.nullable;
@@ -176,6 +202,7 @@ bool RowWriter::BindAsWritten(const InsertPlan::Slot& slot, const Place& place,
 void RowWriter::BindCell(const InsertPlan::Slot& slot, const Place& place,
                          const RowCells::Cell& cell) {
   if (slot.column.type.type == SqlType::Timestamp) Raise(273);
+  if (slot.column.generated != Generated::No) Raise(13536, table_.FullName());
   Store(place, slot.column, *cell.value, cell.type);
   if (!slot.column.identity) return;
   const Value as_number = Convert(*cell.value, cell.type, BigIntType());
@@ -292,11 +319,13 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
 }
 
 void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
-  if (!BrokenIndex(table_, error.what())) throw error;
+  const IndexDef* reported = BrokenIndex(table_, error.what());
+  if (!reported) throw error;
   const auto value = [&](int column_id) -> Value {
     const auto slot =
         std::find_if(plan_->slots.begin(), plan_->slots.end(),
                      [&](const InsertPlan::Slot& each) { return each.column.id == column_id; });
+    if (slot == plan_->slots.end()) return {};  // computed
     const bool written =
         slot->source == InsertPlan::Source::Cell && row.AsWritten(slot->cell) != nullptr;
     if (!written) return stored_[static_cast<std::size_t>(slot - plan_->slots.begin())];
@@ -305,7 +334,7 @@ void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
     return StoreValue(link_, table_, slot->column, *cell.value, cell.type);
   };
   const IndexDef* index = FirstBrokenIndex(link_, table_, value, 0);
-  if (!index) throw error;
+  if (!index) index = reported;
   std::vector<Value> keys;
   for (const IndexColumn& column : index->columns) keys.push_back(value(column.column_id));
   throw DuplicateKey(table_, *index, keys);
@@ -313,8 +342,9 @@ void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
 
 void RowWriter::Finish(bool checks_constraints) {
   if (last_identity_) session_.SetScopeIdentity(*last_identity_);
-  if (checks_constraints && plan_->verifies && last_row_ >= 0)
-    VerifyRows(session_, link_, table_, first_row_, last_row_, "INSERT");
+  if (!plan_->verifies || last_row_ < 0) return;
+  VerifyKeyLengths(link_, table_, first_row_, last_row_);
+  if (checks_constraints) VerifyRows(session_, link_, table_, first_row_, last_row_, "INSERT");
 }
 
 }  // namespace sandbox

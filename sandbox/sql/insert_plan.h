@@ -17,9 +17,12 @@ namespace sandbox {
 class DatabaseLink;
 class Session;
 
+/// What a column of a row's period gets when the row is written: the time now (UTC), or the last.
+Value PeriodValue(const ColumnDef& column);
+
 /// How a row of an INSERT becomes a row of the table; worked out once for a list of columns.
 struct InsertPlan {
-  enum class Source { Cell, Default, Identity, RowVersion, Null };
+  enum class Source { Cell, Default, Identity, RowVersion, Period, Null };
   struct Slot {
     ColumnDef column;
     Source source = Source::Null;
@@ -33,7 +36,7 @@ struct InsertPlan {
   SqliteStatement insert_block;  // RowWriter::kBlockRows at once; prepared when first needed
   bool takes_blocks = false;     // its values can be worked out again when a block fails
   const ColumnDef* identity = nullptr;
-  bool verifies = false;  // foreign keys or checks look at the row afterwards
+  bool verifies = false;  // foreign keys, checks or lengths look at the row afterwards
   bool has_explicit_identity = false;
 };
 

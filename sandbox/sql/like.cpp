@@ -36,13 +36,20 @@ PatternItem NextItem(std::string_view pattern, char32_t escape) {
   return item;
 }
 
-bool InSet(std::string_view set, char32_t character) {
-  character = FoldCase(character);
+// What characters are compared by: FoldCase, or themselves.
+using Fold = char32_t (*)(char32_t);
+
+char32_t Itself(char32_t character) {
+  return character;
+}
+
+bool InSet(std::string_view set, char32_t character, Fold fold) {
+  character = fold(character);
   while (!set.empty()) {
-    const char32_t first = FoldCase(NextCodePoint(set));
+    const char32_t first = fold(NextCodePoint(set));
     if (set.size() > 1 && set.front() == '-') {
       set.remove_prefix(1);
-      const char32_t last = FoldCase(NextCodePoint(set));
+      const char32_t last = fold(NextCodePoint(set));
       if (character >= first && character <= last) return true;
     } else if (character == first) {
       return true;
@@ -51,12 +58,12 @@ bool InSet(std::string_view set, char32_t character) {
   return false;
 }
 
-bool Matches(const PatternItem& item, char32_t character) {
+bool Matches(const PatternItem& item, char32_t character, Fold fold) {
   switch (item.kind) {
     case PatternItem::Kind::Set:
-      return InSet(item.set, character) != item.negated;
+      return InSet(item.set, character, fold) != item.negated;
     case PatternItem::Kind::Character:
-      return FoldCase(character) == FoldCase(item.character);
+      return fold(character) == fold(item.character);
     default:
       return true;
   }
@@ -65,7 +72,9 @@ bool Matches(const PatternItem& item, char32_t character) {
 }  // namespace
 
 // Greedy with one point to go back to: linear in memory, and never exponential in time.
-bool MatchesPattern(std::string_view text, std::string_view pattern, char32_t escape) {
+bool MatchesPattern(std::string_view text, std::string_view pattern, char32_t escape,
+                    bool with_case) {
+  const Fold fold = with_case ? Itself : FoldCase;
   std::string_view retry_text, retry_pattern;
   bool can_retry = false;
   while (!text.empty()) {
@@ -78,7 +87,7 @@ bool MatchesPattern(std::string_view text, std::string_view pattern, char32_t es
         continue;
       }
       std::string_view rest = text;
-      if (Matches(item, NextCodePoint(rest))) {
+      if (Matches(item, NextCodePoint(rest), fold)) {
         text = rest;
         pattern = item.rest;
         continue;

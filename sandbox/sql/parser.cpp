@@ -14,28 +14,108 @@ namespace {
 constexpr std::size_t kMaxNameLength = 128;
 constexpr int kMaxDepth = 200;
 
-const std::unordered_set<std::string_view> kReserved{
-    "add",       "all",      "alter",     "and",          "any",
-    "as",        "asc",      "begin",     "between",      "break",
-    "by",        "cascade",  "case",      "check",        "close",
-    "clustered", "coalesce", "column",    "commit",       "constraint",
-    "continue",  "convert",  "create",    "cross",        "current_timestamp",
-    "database",  "declare",  "default",   "delete",       "desc",
-    "distinct",  "drop",     "else",      "end",          "escape",
-    "except",    "exec",     "execute",   "exists",       "fetch",
-    "for",       "foreign",  "from",      "full",         "goto",
-    "group",     "having",   "holdlock",  "identity",     "identity_insert",
-    "if",        "in",       "index",     "inner",        "insert",
-    "intersect", "into",     "is",        "join",         "key",
-    "left",      "like",     "nocheck",   "nonclustered", "not",
-    "null",      "nullif",   "of",        "on",           "option",
-    "or",        "order",    "outer",     "over",         "percent",
-    "primary",   "print",    "procedure", "raiserror",    "references",
-    "return",    "right",    "rollback",  "save",         "select",
-    "set",       "table",    "then",      "top",          "truncate",
-    "union",     "unique",   "update",    "use",          "values",
-    "view",      "waitfor",  "when",      "where",        "while",
-    "with"};
+const std::unordered_set<std::string_view> kReserved{"add",
+                                                     "all",
+                                                     "alter",
+                                                     "and",
+                                                     "any",
+                                                     "as",
+                                                     "asc",
+                                                     "begin",
+                                                     "between",
+                                                     "break",
+                                                     "by",
+                                                     "cascade",
+                                                     "case",
+                                                     "check",
+                                                     "close",
+                                                     "clustered",
+                                                     "coalesce",
+                                                     "collate",
+                                                     "column",
+                                                     "commit",
+                                                     "constraint",
+                                                     "continue",
+                                                     "convert",
+                                                     "create",
+                                                     "cross",
+                                                     "current_timestamp",
+                                                     "database",
+                                                     "declare",
+                                                     "default",
+                                                     "delete",
+                                                     "desc",
+                                                     "distinct",
+                                                     "drop",
+                                                     "else",
+                                                     "end",
+                                                     "escape",
+                                                     "except",
+                                                     "exec",
+                                                     "execute",
+                                                     "exists",
+                                                     "fetch",
+                                                     "for",
+                                                     "foreign",
+                                                     "from",
+                                                     "full",
+                                                     "goto",
+                                                     "group",
+                                                     "having",
+                                                     "holdlock",
+                                                     "identity",
+                                                     "identity_insert",
+                                                     "if",
+                                                     "in",
+                                                     "index",
+                                                     "inner",
+                                                     "insert",
+                                                     "intersect",
+                                                     "into",
+                                                     "is",
+                                                     "join",
+                                                     "key",
+                                                     "left",
+                                                     "like",
+                                                     "nocheck",
+                                                     "nonclustered",
+                                                     "not",
+                                                     "null",
+                                                     "nullif",
+                                                     "of",
+                                                     "on",
+                                                     "option",
+                                                     "or",
+                                                     "order",
+                                                     "outer",
+                                                     "over",
+                                                     "percent",
+                                                     "primary",
+                                                     "print",
+                                                     "procedure",
+                                                     "raiserror",
+                                                     "references",
+                                                     "return",
+                                                     "right",
+                                                     "rollback",
+                                                     "save",
+                                                     "select",
+                                                     "set",
+                                                     "table",
+                                                     "then",
+                                                     "top",
+                                                     "truncate",
+                                                     "union",
+                                                     "unique",
+                                                     "update",
+                                                     "use",
+                                                     "values",
+                                                     "view",
+                                                     "waitfor",
+                                                     "when",
+                                                     "where",
+                                                     "while",
+                                                     "with"};
 constexpr std::size_t kLongestReserved = 20;
 
 }  // namespace
@@ -145,6 +225,7 @@ ObjectName Parser::TakeObjectName() {
   name.name = parts.back();
   if (parts.size() > 1) name.schema = parts[parts.size() - 2];
   if (parts.size() > 2) name.database = parts[parts.size() - 3];
+  if (name.IsTemporary()) name.schema = name.database = "";
   return name;
 }
 
@@ -202,8 +283,9 @@ Block Parser::ParseBatch() {
     // A batch may begin with a procedure's name alone.
     const bool call = block.empty() && token_.IsName() && !IsReserved(token_) &&
                       !token_.Is("merge") && !token_.Is("throw") && !token_.Is("deny") &&
-                      !token_.Is("grant") && !token_.Is("revoke") && !token_.Is("tran") &&
-                      !PeekSecond().IsSymbol(":");
+                      !token_.Is("grant") && !token_.Is("revoke") && !token_.Is("dbcc") &&
+                      !token_.Is("backup") && !token_.Is("dump") && !token_.Is("checkpoint") &&
+                      !token_.Is("tran") && !PeekSecond().IsSymbol(":");
     if (call) {
       auto statement = std::make_unique<Statement>();
       const int line = token_.line;

@@ -91,7 +91,24 @@ class Parser {
   void SkipIndexOptions();
   void ParseAlterAdd(AlterTableStatement& alter);
   void ParseAlterDrop(AlterTableStatement& alter);
-  TypeInfo ParseType(int position, std::string_view column, int default_length = 1);
+  void ParseComputed(ColumnSyntax& column);
+  bool ParseColumnTrait(ColumnDef& column);
+  std::vector<std::string> ParseConstraintNames();
+  /// A name that is no type of the server's goes to `alias`; without one it raises 2715.
+  TypeInfo ParseType(int position, std::string_view column, int default_length = 1,
+                     ObjectName* alias = nullptr);
+
+  // schemas, logins and users (parser_principals.cpp)
+  bool AtPrincipal() const;
+  Statement ParsePrincipal(PrincipalStatement::Action action);
+  void ParsePrincipalOptions(PrincipalStatement& statement);
+
+  // types, indexes and what is read over (parser_modules.cpp)
+  Statement ParseCreateType();
+  Statement ParseAlterIndex();
+  bool AtModule() const;
+  Statement SkipBatch();
+  Statement SkipStatistics();
 
   // queries (parser_query.cpp)
   QueryPtr ParseQuery();
@@ -118,6 +135,7 @@ class Parser {
   ExprPtr ParseProduct();
   ExprPtr ParseUnary();
   ExprPtr ParsePrimary();
+  ExprPtr ParseCollated();
   ExprPtr ParseParenthesised();
   ExprPtr ParseWord();
   ExprPtr ParseFunction(std::string name, int line);

@@ -4,10 +4,11 @@
 
 namespace sandbox {
 
-TypeInfo Parser::ParseType(int position, std::string_view column, int default_length) {
+TypeInfo Parser::ParseType(int position, std::string_view column, int default_length,
+                           ObjectName* alias) {
   if (!token_.IsName()) Fail();
-  std::string name = TakeName();
-  while (AcceptSymbol(".")) name = TakeName();  // "sys.int"
+  const ObjectName full_name = TakeObjectName();  // "sys.int"
+  std::string name = full_name.name;
   if (name == "double" && Accept("precision")) name = "float";
   if (token_.Is("varying")) {
     Take();
@@ -27,6 +28,10 @@ TypeInfo Parser::ParseType(int position, std::string_view column, int default_le
     ExpectSymbol(")");
   }
   auto type = DeclaredType(name, args, position, column);
+  if (!type && alias && args.empty()) {
+    *alias = full_name;
+    return {};
+  }
   if (!type) Raise(2715, position, name);
   const bool sized = IsText(type->type) || IsBinary(type->type);
   if (args.empty() && sized && type->length == 1) type->length = default_length;
@@ -43,8 +48,11 @@ Statement Parser::ParseCreate() {
     while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();  // files, collation
     return {1, CreateDatabaseStatement{name}};
   }
+  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Create);
   if (token_.Is("table")) return ParseCreateTable();
   if (token_.Is("view")) return ParseCreateView(start);
+  if (token_.Is("type")) return ParseCreateType();
+  if (AtModule()) return SkipBatch();
   return ParseCreateIndex();
 }
 
@@ -73,6 +81,9 @@ void Parser::ParseTableElement(std::vector<ColumnSyntax>& columns,
                                std::vector<ConstraintSyntax>& constraints) {
   if (AtConstraint()) {
     constraints.push_back(ParseConstraint(""));
+  } else if (token_.Is("period") && PeekSecond().Is("for")) {  // its columns say it themselves
+    for (const char* word : {"period", "for", "system_time"}) Expect(word);
+    TakeNameList();
   } else {
     ParseColumn(columns, constraints);
   }
@@ -88,10 +99,46 @@ void Parser::ParseColumn(std::vector<ColumnSyntax>& columns,
     column.column.type = {SqlType::Timestamp, 8, 0, 0};
   } else {
     column.column.name = TakeName();
-    column.column.type = ParseType(static_cast<int>(columns.size()) + 1, column.column.name);
+    if (token_.Is("as")) {
+      ParseComputed(column);
+    } else {
+      column.column.type = ParseType(static_cast<int>(columns.size()) + 1, column.column.name, 1,
+                                     &column.alias_type);
+    }
   }
   ParseColumnOptions(column, constraints);
   columns.push_back(std::move(column));
+}
+
+void Parser::ParseComputed(ColumnSyntax& column) {
+  Expect("as");
+  column.computed = ParseExpr();
+  column.column.persisted = Accept("persisted");
+}
+
+// What else a column may be told to be. False with nothing taken when there is none of it.
+bool Parser::ParseColumnTrait(ColumnDef& column) {
+  if (Accept("rowguidcol")) return column.row_guid = true;
+  if (Accept("sparse")) return column.sparse = true;
+  if (Accept("collate")) {
+    column.collation = TakeName();
+    return true;
+  }
+  if (Accept("masked")) {
+    Expect("with");
+    ExpectSymbol("(");
+    Expect("function");
+    ExpectSymbol("=");
+    TakeAlias();
+    ExpectSymbol(")");
+    return column.masked = true;
+  }
+  if (!Accept("generated")) return false;
+  for (const char* word : {"always", "as", "row"}) Expect(word);
+  column.generated = token_.Is("end") ? Generated::RowEnd : Generated::RowStart;
+  if (!Accept("end")) Expect("start");
+  column.hidden = Accept("hidden");
+  return true;
 }
 
 void Parser::ParseIdentity(ColumnDef& column) {
@@ -117,11 +164,7 @@ void Parser::ParseColumnOptions(ColumnSyntax& column, std::vector<ConstraintSynt
       column.nullable = false;
     } else if (Accept("identity")) {
       ParseIdentity(column.column);
-    } else if (Accept("rowguidcol")) {
-      column.column.row_guid = true;
-    } else if (Accept("collate")) {
-      TakeName();
-    } else if (Accept("sparse")) {
+    } else if (ParseColumnTrait(column.column)) {
       continue;
     } else if (AtConstraint() || token_.Is("default") || token_.Is("references")) {
       constraints.push_back(ParseConstraint(column.column.name));
@@ -255,15 +298,8 @@ Statement Parser::ParseCreateIndex() {
   Expect("on");
   index.table = TakeObjectName();
   index.columns = TakeColumnList();
-  if (Accept("include")) TakeNameList();
-  if (Accept("where")) {
-    do {
-      index.not_null.push_back(TakeName());
-      Expect("is");
-      Expect("not");
-      Expect("null");
-    } while (Accept("and"));
-  }
+  if (Accept("include")) index.included = TakeNameList();
+  if (Accept("where")) index.filter = ParseExpr();
   SkipIndexOptions();
   return {1, std::move(index)};
 }
@@ -272,8 +308,17 @@ Statement Parser::ParseCreateView(std::size_t start) {
   Expect("view");
   CreateViewStatement view;
   view.name = TakeObjectName();
+  if (token_.IsSymbol("(")) view.columns = TakeNameList();
+  if (Accept("with")) {  // schemabinding and its kin
+    do {
+      TakeName();
+    } while (AcceptSymbol(","));
+  }
   Expect("as");
   view.query = ParseQuery();
+  if (Accept("with")) {
+    for (const char* word : {"check", "option"}) Expect(word);
+  }
   view.text = std::string(text_.substr(start, token_.offset - start));
   return {1, std::move(view)};
 }
@@ -293,6 +338,7 @@ Statement Parser::ParseDrop() {
     } while (AcceptSymbol(","));
     return {1, std::move(drop)};
   }
+  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Drop);
   if (Accept("index")) {
     DropIndexStatement drop;
     drop.if_exists = if_exists();
@@ -302,9 +348,24 @@ Statement Parser::ParseDrop() {
       drop.table = TakeObjectName();
     } else {  // "drop index t.i"
       drop.table.name = name.schema;
+      drop.table.schema = name.database;
       if (name.schema.empty()) Fail();
     }
     return {1, std::move(drop)};
+  }
+  if (Accept("type")) {
+    DropTypeStatement drop;
+    drop.if_exists = if_exists();
+    drop.name = TakeObjectName();
+    return {1, std::move(drop)};
+  }
+  if (AtModule()) {
+    Take();
+    if_exists();
+    do {
+      TakeObjectName();
+    } while (AcceptSymbol(","));
+    return {1, NothingStatement()};
   }
   DropTableStatement drop;
   drop.view = token_.Is("view");
@@ -323,11 +384,14 @@ Statement Parser::ParseAlter() {
     while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();
     return {1, NothingStatement()};
   }
+  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Alter);
+  if (token_.Is("index")) return ParseAlterIndex();
+  if (AtModule()) return SkipBatch();
   Expect("table");
   AlterTableStatement alter;
   alter.table = TakeObjectName();
   if (Accept("with")) {
-    alter.no_check = token_.Is("nocheck");
+    alter.checks_rows = !token_.Is("nocheck");
     if (!Accept("nocheck")) Expect("check");
   }
   if (Accept("add")) {
@@ -339,17 +403,33 @@ Statement Parser::ParseAlter() {
     alter.action = AlterTableStatement::Action::AlterColumn;
     ColumnSyntax column;
     column.column.name = TakeName();
-    column.column.type = ParseType(1, column.column.name);
+    column.column.type = ParseType(1, column.column.name, 1, &column.alias_type);
     ParseColumnOptions(column, alter.constraints);
     alter.columns.push_back(std::move(column));
-  } else if (Accept("check") || Accept("nocheck")) {  // "check constraint all"
-    Expect("constraint");
+  } else if (token_.Is("check") || token_.Is("nocheck")) {
+    alter.action = token_.Is("check") ? AlterTableStatement::Action::Check
+                                      : AlterTableStatement::Action::NoCheck;
     Take();
+    alter.names = ParseConstraintNames();
+  } else if (Accept("enable") || Accept("disable")) {  // there are no triggers
+    Expect("trigger");
+    TakeName();
     alter.action = AlterTableStatement::Action::Nothing;
   } else {
     Fail();
   }
   return {1, std::move(alter)};
+}
+
+// "constraint all", "constraint a, b"
+std::vector<std::string> Parser::ParseConstraintNames() {
+  Expect("constraint");
+  if (Accept("all")) return {};
+  std::vector<std::string> names;
+  do {
+    names.push_back(TakeName());
+  } while (AcceptSymbol(","));
+  return names;
 }
 
 void Parser::ParseAlterAdd(AlterTableStatement& alter) {

@@ -203,7 +203,7 @@ ExprPtr Parser::ParseProduct() {
 
 ExprPtr Parser::ParseUnary() {
   const bool sign = token_.IsSymbol("-") || token_.IsSymbol("+") || token_.IsSymbol("~");
-  if (!sign) return ParsePrimary();
+  if (!sign) return ParseCollated();
   DepthGuard guard(*this);
   ExprPtr expr = NewExpr(ExprKind::Unary);
   expr->text = std::string(Take().text);
@@ -215,6 +215,18 @@ ExprPtr Parser::ParseUnary() {
   }
   expr->args.push_back(ParseUnary());
   return expr;
+}
+
+ExprPtr Parser::ParseCollated() {
+  ExprPtr value = ParsePrimary();
+  while (token_.Is("collate")) {
+    ExprPtr expr = NewExpr(ExprKind::Collate);
+    Take();
+    expr->text = TakeName();
+    expr->args.push_back(std::move(value));
+    value = std::move(expr);
+  }
+  return value;
 }
 
 ExprPtr Parser::ParsePrimary() {

@@ -85,6 +85,7 @@ Statement Parser::ParseInsert() {
 }
 
 Statement Parser::ParseUpdate() {
+  if (PeekSecond().Is("statistics")) return SkipStatistics();
   Expect("update");
   UpdateStatement update;
   if (Accept("top")) {

@@ -5,6 +5,7 @@
 #include "sandbox/sql/constraints.h"
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/database_link.h"
+#include "sandbox/sql/insert_plan.h"
 #include "sandbox/sql/parser.h"
 #include "sandbox/sql/session.h"
 #include "sandbox/sql/type_rules.h"
@@ -36,7 +37,7 @@ std::vector<RowChanger::Reference> RowChanger::ReferencesTo(const TableDef& tabl
   std::vector<Reference> references;
   for (const auto& [id, child] : link_.Definitions().tables) {
     for (const ForeignKeyDef& key : child.foreign_keys) {
-      if (key.parent_table == table.id) references.push_back({id, key});
+      if (key.parent_table == table.id && !key.disabled) references.push_back({id, key});
     }
   }
   return references;
@@ -117,14 +118,15 @@ void RowChanger::WriteRow(const TableDef& table, const RowChange& change) {
   try {
     link_.Run(statement);
   } catch (const SqliteError& error) {
-    if (!BrokenIndex(table, error.what())) throw;
+    const IndexDef* reported = BrokenIndex(table, error.what());
+    if (!reported) throw;
     const auto value = [&](int column_id) {
       const auto changed = change.values.find(column_id);
       return changed != change.values.end() ? changed->second
                                             : ReadKey(table, {column_id}, change.row).front();
     };
     const IndexDef* broken = FirstBrokenIndex(link_, table, value, change.row);
-    if (!broken) throw;
+    if (!broken) broken = reported;
     Key key;
     for (const IndexColumn& column : broken->columns) key.push_back(value(column.column_id));
     throw DuplicateKey(table, *broken, key);
@@ -136,6 +138,9 @@ void RowChanger::Update(const TableDef& table, const std::vector<RowChange>& giv
   if (++depth_ > kMaxCascades) Raise(191);
   std::vector<RowChange> changes = given;
   for (const ColumnDef& column : table.columns) {
+    if (column.generated == Generated::RowStart) {
+      for (RowChange& change : changes) change.values[column.id] = PeriodValue(column);
+    }
     if (column.type.type != SqlType::Timestamp) continue;
     for (RowChange& change : changes) {
       std::string bytes(8, '\0');
@@ -148,7 +153,7 @@ void RowChanger::Update(const TableDef& table, const std::vector<RowChange>& giv
     for (const auto& [id, value] : change.values) {
       const ColumnDef& column = table.Column(id);
       if (value.index() == 0 && !column.nullable) {
-        Raise(515, column.name, fmt::format("{}.dbo.{}", link_.Name(), table.name), statement_);
+        Raise(515, column.name, fmt::format("{}.{}", link_.Name(), table.FullName()), statement_);
       }
     }
   }
@@ -172,9 +177,10 @@ void RowChanger::Update(const TableDef& table, const std::vector<RowChange>& giv
     }
     FollowKeys(references[r], table, before[r], &after[r]);
   }
-  const bool verifies = !table.foreign_keys.empty() || !table.checks.empty();
+  const bool verifies = !table.foreign_keys.empty() || !table.checks.empty() || HasLongKeys(table);
   if (verifies) {
     for (const RowChange& change : changes) {
+      VerifyKeyLengths(link_, table, change.row, change.row);
       VerifyRows(session_, link_, table, change.row, change.row, statement_);
     }
   }

@@ -1,5 +1,7 @@
 #include "sandbox/sql/session.h"
 
+#include <algorithm>
+
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/parser.h"
 #include "sandbox/sql/type_rules.h"
@@ -15,15 +17,20 @@ struct BatchEnded {};
 
 class EngineImpl final : public Engine {
  public:
-  EngineImpl(const std::filesystem::path& folder, bool durable) : folder_(folder, durable) {}
+  EngineImpl(const std::filesystem::path& folder, bool durable, ServerTraits traits)
+      : folder_(folder, durable), traits_(std::move(traits)) {}
 
   std::unique_ptr<EngineSession> OpenSession(std::string_view login) override {
-    return std::make_unique<Session>(folder_, requests_, std::string(login), ++last_spid_);
+    return std::make_unique<Session>(folder_, requests_, traits_, std::string(login), ++last_spid_);
   }
   bool HasDatabase(std::string_view name) const override { return folder_.Find(name) != nullptr; }
+  bool MayLogIn(std::string_view login, std::string_view password) const override {
+    return folder_.LoginMatches(login, password);
+  }
 
  private:
   ServerFolder folder_;
+  const ServerTraits traits_;
   Requests requests_;
   std::atomic<int> last_spid_{50};
 };
@@ -37,22 +44,34 @@ bool ChangesRows(const Statement& statement) {
 
 }  // namespace
 
-std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder, bool durable) {
+bool ServerTraits::Knows(std::string_view name) const {
+  return std::none_of(unknown.begin(), unknown.end(),
+                      [&](const std::string& each) { return SameName(each, name); });
+}
+
+std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder, bool durable,
+                                   ServerTraits traits) {
   try {
-    return std::make_unique<EngineImpl>(folder, durable);
+    return std::make_unique<EngineImpl>(folder, durable, std::move(traits));
   } catch (const SqliteError& error) {
     throw std::runtime_error(error.what());
   }
 }
 
-Session::Session(ServerFolder& folder, Requests& requests, std::string login, int spid)
-    : folder_(folder), requests_(requests), login_(std::move(login)), spid_(spid) {
+Session::Session(ServerFolder& folder, Requests& requests, const ServerTraits& traits,
+                 std::string login, int spid)
+    : folder_(folder), requests_(requests), traits_(traits), login_(std::move(login)), spid_(spid) {
   UseDatabase("master");
 }
 
 Session::~Session() {
   for (auto& [id, link] : links_) {
     link->Rollback();
+    try {
+      link->DropTemporaryTables();
+    } catch (const std::exception&) {
+      // The server drops what stays when it starts again.
+    }
     if (link.get() == link_) --link->State().users;
   }
 }
@@ -60,7 +79,7 @@ Session::~Session() {
 DatabaseLink& Session::OpenLink(const std::shared_ptr<DatabaseState>& state) {
   auto& link = links_[state->id];
   if (link) return *link;
-  link = std::make_unique<DatabaseLink>(folder_, state, cancel);
+  link = std::make_unique<DatabaseLink>(folder_, state, login_, spid_, cancel);
   link->session_value = [this](std::string_view name, const std::vector<Value>& args) {
     return SessionValue(name, args).value();
   };

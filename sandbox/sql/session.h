@@ -34,8 +34,9 @@ using Variables = std::map<std::string, Variable, std::less<>>;
 /// One client's session: runs batches statement by statement.
 class Session final : public EngineSession, public BindContext {
  public:
-  /// `requests` are the server's.
-  Session(ServerFolder& folder, Requests& requests, std::string login, int spid);
+  /// `requests` and `traits` are the server's.
+  Session(ServerFolder& folder, Requests& requests, const ServerTraits& traits, std::string login,
+          int spid);
   ~Session() override;
 
   const std::string& Database() const override { return link_->Name(); }
@@ -63,6 +64,7 @@ class Session final : public EngineSession, public BindContext {
   /// While it lives, the session is among them.
   Requests::Guard AtWork() { return {requests_, spid_, is_sending}; }
   ResultSink& Sink() { return *sink_; }
+  const ServerTraits& Traits() const { return traits_; }
   const std::string& Login() const { return login_; }
   const SessionOptions& Options() const { return options_; }
 
@@ -109,9 +111,13 @@ class Session final : public EngineSession, public BindContext {
   Flow Run(const CreateTableStatement& statement);
   Flow Run(const AlterTableStatement& statement);
   Flow Run(const CreateIndexStatement& statement);
+  Flow Run(const AlterIndexStatement& statement);
   Flow Run(const DropIndexStatement& statement);
+  Flow Run(const CreateTypeStatement& statement);
+  Flow Run(const DropTypeStatement& statement);
   Flow Run(const DropTableStatement& statement);
   Flow Run(const CreateViewStatement& statement);
+  Flow Run(const PrincipalStatement& statement);
   Flow Run(const DeclareStatement& statement);
   Flow Run(const SetVariableStatement& statement);
   Flow Run(const SetOptionStatement& statement);
@@ -131,6 +137,9 @@ class Session final : public EngineSession, public BindContext {
   void SelectInto(const Select& select, const Query& query);
   void AssignVariables(const BoundQuery& query, const Binder& binder);
   void StreamQuery(const BoundQuery& query, const Binder& binder);
+  void ChangeSchema(const PrincipalStatement& statement);
+  void ChangeLogin(const PrincipalStatement& statement);
+  void ChangeUser(const PrincipalStatement& statement);
   void SetIdentityInsert(const SetOptionStatement& statement);
   void ExecuteSql(std::span<Parameter> arguments);
   /// The procedure's arguments, by position or name, as `sp_executesql` and others take them.
@@ -138,6 +147,7 @@ class Session final : public EngineSession, public BindContext {
 
   ServerFolder& folder_;
   Requests& requests_;
+  const ServerTraits& traits_;
   const std::string login_;
   const int spid_;
   std::map<int, std::unique_ptr<DatabaseLink>> links_;  // by database id

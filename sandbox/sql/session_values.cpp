@@ -59,13 +59,16 @@ const Variable* Session::FindVariable(std::string_view name) const {
 
 Relation Session::FindRelation(const ObjectName& name) {
   DatabaseLink& link = LinkTo(name.database);
-  if (const auto view = FindSystemView(name)) return FillSystemView(*view, *this, link);
+  const auto view = FindSystemView(name);
+  if (view && traits_.Knows(name.schema + "." + name.name))
+    return FillSystemView(*view, *this, link);
   const bool other = &link != link_;
-  if (!name.schema.empty() && !SameName(name.schema, "dbo")) Raise(208, name.Text());
-  const Catalog& catalog = link.Definitions();
   Relation relation;
-  relation.table = catalog.FindTable(name.name);
-  relation.view = catalog.FindView(name.name);
+  for (const std::string& schema : link.SearchPath(name)) {
+    relation.table = link.Definitions().FindTable(schema, name.name);
+    relation.view = link.Definitions().FindView(schema, name.name);
+    if (relation.table || relation.view) break;
+  }
   if (!relation.table && !relation.view) Raise(208, name.Text());
   if (!relation.table) return relation;
   std::string schema = "main";
@@ -138,8 +141,7 @@ std::optional<Result> Session::SessionValue(std::string_view name,
             }},
       Entry{"ident_current",
             [](Session& s, Args args) {
-              const TableDef* table =
-                  s.link_->Definitions().FindTable(LastNamePart(TextArgument(args, 0)));
+              const TableDef* table = s.link_->FindTable(ParsedName(TextArgument(args, 0)));
               if (!table || !table->IdentityColumn()) return Null(DecimalType(38, 0));
               const std::int64_t last =
                   s.link_->LastIdentity(*table).value_or(table->IdentityColumn()->seed);
@@ -160,18 +162,13 @@ std::optional<Result> Session::SessionValue(std::string_view name,
               return database ? Result{std::int64_t{database->id}, SmallIntType()}
                               : Null(SmallIntType());
             }},
-      Entry{"user_name", [](Session&, Args) { return Text("dbo"); }},
-      Entry{"user", [](Session&, Args) { return Text("dbo"); }},
-      Entry{"current_user", [](Session&, Args) { return Text("dbo"); }},
-      Entry{"session_user", [](Session&, Args) { return Text("dbo"); }},
-      Entry{"schema_name",
-            [](Session&, Args args) {
-              if (args.empty() || IsNumber(args[0], 1)) return Text("dbo");
-              if (IsNumber(args[0], 3)) return Text("INFORMATION_SCHEMA");
-              return IsNumber(args[0], 4) ? Text("sys") : Null(NVarChar(128));
-            }},
-      Entry{"schema_id", [](Session&, Args) { return Integer(1); }},
-      Entry{"user_id", [](Session&, Args) { return Integer(1); }},
+      Entry{"user_name", [](Session& s, Args) { return Text(s.link_->User().name); }},
+      Entry{"user", [](Session& s, Args) { return Text(s.link_->User().name); }},
+      Entry{"current_user", [](Session& s, Args) { return Text(s.link_->User().name); }},
+      Entry{"session_user", [](Session& s, Args) { return Text(s.link_->User().name); }},
+      Entry{"schema_name", [](Session& s, Args args) { return SchemaNameOf(s, args); }},
+      Entry{"schema_id", [](Session& s, Args args) { return SchemaIdOf(s, args); }},
+      Entry{"user_id", [](Session& s, Args) { return Integer(s.link_->User().id); }},
       Entry{"suser_sname", [](Session& s, Args) { return Text(s.login_); }},
       Entry{"suser_name", [](Session& s, Args) { return Text(s.login_); }},
       Entry{"system_user", [](Session& s, Args) { return Text(s.login_); }},
@@ -187,6 +184,8 @@ std::optional<Result> Session::SessionValue(std::string_view name,
               return ObjectIdOf(s, TextArgument(args, 0), TextArgument(args, 1));
             }},
       Entry{"object_name", [](Session& s, Args args) { return ObjectNameOf(s, args); }},
+      Entry{"object_schema_name",
+            [](Session& s, Args args) { return ObjectSchemaNameOf(s, args); }},
       Entry{"col_name", [](Session& s, Args args) { return ColumnNameOf(s, args); }},
       Entry{"type_name",
             [](Session&, Args args) {

@@ -65,7 +65,7 @@ void Session::SetIdentityInsert(const SetOptionStatement& statement) {
     const auto& tables = LinkTo(identity_insert_->first->name).Definitions().tables;
     const auto held = tables.find(identity_insert_->second);
     if (held != tables.end()) {
-      Raise(8107, fmt::format("{}.dbo.{}", identity_insert_->first->name, held->second.name),
+      Raise(8107, fmt::format("{}.{}", identity_insert_->first->name, held->second.FullName()),
             table.name);
     }
   }

@@ -11,7 +11,10 @@ namespace {
 const std::vector<SystemView>& Views() {
   static const std::vector<SystemView> kViews = [] {
     std::vector<SystemView> views = InformationSchemaViews();
-    for (SystemView& view : SysViews()) views.push_back(std::move(view));
+    for (const auto& group :
+         {SysObjectViews(), SysColumnViews(), SysKeyViews(), SysServerViews()}) {
+      views.insert(views.end(), group.begin(), group.end());
+    }
     return views;
   }();
   return kViews;

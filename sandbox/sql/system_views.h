@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -22,7 +23,7 @@ struct SystemView {
   const char* schema;
   const char* name;
   std::vector<Column> columns;
-  void (*fill)(Session& session, DatabaseLink& link, Rows& rows);
+  std::function<void(Session& session, DatabaseLink& link, Rows& rows)> fill;
 };
 
 /// The position of a view of sys or INFORMATION_SCHEMA, or nothing.
@@ -32,8 +33,11 @@ std::vector<ObjectName> SystemViewNames();
 /// Fills a temporary table with the view's rows as they are now and returns it.
 Relation FillSystemView(std::size_t view, Session& session, DatabaseLink& link);
 
-// The views of the two schemas, in files of their own.
-std::vector<SystemView> SysViews();
+// The views of sys by what they are about, and those of INFORMATION_SCHEMA, in files of their own.
+std::vector<SystemView> SysObjectViews();
+std::vector<SystemView> SysColumnViews();
+std::vector<SystemView> SysKeyViews();
+std::vector<SystemView> SysServerViews();
 std::vector<SystemView> InformationSchemaViews();
 
 }  // namespace sandbox

@@ -285,6 +285,7 @@ TypeInfo CommonType(const TypeInfo& left, const TypeInfo& right) {
     return common;
   }
   TypeInfo common = winner;
+  common.order = std::max(left.order, right.order);
   common.length = left.length < 0 || right.length < 0 ? -1 : std::max(left.length, right.length);
   if (IsUnicode(common.type) && common.length > kMaxUnicode) common.length = -1;
   // A fixed length only stays fixed when it is the same on both sides.
@@ -373,6 +374,11 @@ int MaxLength(const TypeInfo& type) {
   const int fixed = Facts(type.type).length;
   if (fixed != 0) return fixed;
   return type.length < 0 ? -1 : IsUnicode(type.type) ? type.length * 2 : type.length;
+}
+
+std::string CollationName(const TypeInfo& type, const std::string& declared) {
+  if (!IsText(type.type) || type.type == SqlType::Xml) return "";
+  return declared.empty() ? "SQL_Latin1_General_CP1_CI_AS" : declared;
 }
 
 int CatalogPrecision(const TypeInfo& type) {

@@ -65,6 +65,10 @@ bool SameForm(const TypeInfo& left, const TypeInfo& right);
 /// Bytes that a value takes at most, -1 for the long types (max_length of sys.columns).
 int MaxLength(const TypeInfo& type);
 
+/// The collation of a column of the type; `declared` empty: the database's. Empty for types that
+/// have none.
+std::string CollationName(const TypeInfo& type, const std::string& declared);
+
 /// Digits of the type in the catalog; 0 when it has none.
 int CatalogPrecision(const TypeInfo& type);
 

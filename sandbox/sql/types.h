@@ -41,12 +41,16 @@ enum class SqlType {
   Variant,
 };
 
+/// How text is compared: without regard to case, with it, or by code points.
+enum class TextOrder { Default, CaseSensitive, Binary };
+
 /// A type with its declared measures.
 struct TypeInfo {
   SqlType type = SqlType::Int;
   int length = 0;     // characters (n/char types) or bytes (binary types); -1 is (max)
   int precision = 0;  // decimal digits
   int scale = 0;      // digits behind the point, or fractional digits of times
+  TextOrder order = TextOrder::Default;  // of text types
 };
 
 __extension__ using Int128 = __int128;

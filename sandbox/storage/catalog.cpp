@@ -23,6 +23,16 @@ auto FindNamed(const Range& range, std::string_view name) -> decltype(&*range.be
   return nullptr;
 }
 
+// Of the objects by their ids the one with that schema and name.
+template <class Objects>
+auto FindIn(const Objects& objects, std::string_view schema, std::string_view name)
+    -> decltype(&objects.begin()->second) {
+  for (const auto& [id, object] : objects) {
+    if (SameName(object.name, name) && SameName(object.schema, schema)) return &object;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 const ColumnDef* TableDef::FindColumn(std::string_view column) const {
@@ -64,6 +74,14 @@ std::string TableDef::StoredColumn(int column_id) {
   return fmt::format("c{}", column_id);
 }
 
+Catalog::Catalog() {
+  int id = 0;
+  for (const char* name : {kDefaultSchema, "guest", "INFORMATION_SCHEMA", "sys"}) {
+    schemas.push_back({++id, name, name});
+    users.push_back({id, name, "", name});
+  }
+}
+
 int Catalog::NewObjectId() {
   const std::int64_t next =
       last_object_id == 0 ? kFirstObjectId : std::int64_t{last_object_id} + kObjectIdStep;
@@ -71,23 +89,33 @@ int Catalog::NewObjectId() {
   return last_object_id;
 }
 
-const TableDef* Catalog::FindTable(std::string_view name) const {
-  for (const auto& [id, table] : tables) {
-    if (SameName(table.name, name)) return &table;
+const SchemaDef* Catalog::FindSchema(std::string_view name) const {
+  return FindNamed(schemas, name);
+}
+
+const UserDef* Catalog::FindUser(std::string_view name) const {
+  return FindNamed(users, name);
+}
+
+const AliasTypeDef* Catalog::FindType(std::string_view schema, std::string_view name) const {
+  for (const AliasTypeDef& type : types) {
+    if (SameName(type.name, name) && SameName(type.schema, schema)) return &type;
   }
   return nullptr;
 }
 
-const ViewDef* Catalog::FindView(std::string_view name) const {
-  for (const auto& [id, view] : views) {
-    if (SameName(view.name, name)) return &view;
-  }
-  return nullptr;
+const TableDef* Catalog::FindTable(std::string_view schema, std::string_view name) const {
+  return FindIn(tables, schema, name);
 }
 
-const ConstraintRef Catalog::FindConstraint(std::string_view name) const {
+const ViewDef* Catalog::FindView(std::string_view schema, std::string_view name) const {
+  return FindIn(views, schema, name);
+}
+
+ConstraintRef Catalog::FindConstraint(std::string_view schema, std::string_view name) const {
   using Kind = ConstraintRef::Kind;
   for (const auto& [id, table] : tables) {
+    if (!SameName(table.schema, schema)) continue;
     for (const ColumnDef& column : table.columns) {
       if (column.default_id != 0 && SameName(column.default_name, name)) {
         return {&table, Kind::Default, column.id};
@@ -106,15 +134,19 @@ const ConstraintRef Catalog::FindConstraint(std::string_view name) const {
   return {};
 }
 
-bool Catalog::HasObject(std::string_view name) const {
-  return FindTable(name) || FindView(name) || FindConstraint(name).table;
+bool Catalog::HasObject(std::string_view schema, std::string_view name) const {
+  return FindTable(schema, name) || FindView(schema, name) || FindConstraint(schema, name).table;
 }
 
 std::vector<const TableDef*> Catalog::Sorted() const {
   std::vector<const TableDef*> sorted;
-  for (const auto& [id, table] : tables) sorted.push_back(&table);
-  std::sort(sorted.begin(), sorted.end(),
-            [](const TableDef* a, const TableDef* b) { return CompareText(a->name, b->name) < 0; });
+  for (const auto& [id, table] : tables) {
+    if (!table.IsTemporary()) sorted.push_back(&table);
+  }
+  std::sort(sorted.begin(), sorted.end(), [](const TableDef* a, const TableDef* b) {
+    const int schemas_differ = CompareText(a->schema, b->schema);
+    return schemas_differ ? schemas_differ < 0 : CompareText(a->name, b->name) < 0;
+  });
   return sorted;
 }
 

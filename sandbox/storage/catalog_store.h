@@ -7,6 +7,11 @@ namespace sandbox {
 
 /// Makes the catalog's own tables in a new database file.
 void CreateCatalogTables(SqliteConnection& connection);
+/// Adds to a file of an earlier version what it lacks.
+void CompleteCatalogTables(SqliteConnection& connection);
+
+/// Drops the tables of all sessions, of which none is left.
+void DropTemporaryTables(SqliteConnection& connection);
 
 /// Reads every definition of the database.
 Catalog LoadCatalog(SqliteConnection& connection);
@@ -14,6 +19,10 @@ Catalog LoadCatalog(SqliteConnection& connection);
 /// Writes one table's definition over the stored one, and the last object id.
 void StoreTable(SqliteConnection& connection, const Catalog& catalog, const TableDef& table);
 void ForgetTable(SqliteConnection& connection, int table_id);
+
+/// Schemas, users and alias types; the server's own are not written.
+void LoadLists(SqliteConnection& connection, Catalog& catalog);
+void StoreLists(SqliteConnection& connection, const Catalog& catalog);
 
 void StoreView(SqliteConnection& connection, const Catalog& catalog, const ViewDef& view);
 void ForgetView(SqliteConnection& connection, int view_id);

@@ -369,12 +369,13 @@ std::string SqliteLiteral(const Value& value, const TypeInfo& type) {
 std::int64_t PackType(const TypeInfo& type) {
   return static_cast<std::int64_t>(type.type) | static_cast<std::int64_t>(type.length + 1) << 8 |
          static_cast<std::int64_t>(type.precision) << 40 |
-         static_cast<std::int64_t>(type.scale) << 48;
+         static_cast<std::int64_t>(type.scale) << 48 | static_cast<std::int64_t>(type.order) << 56;
 }
 
 TypeInfo UnpackType(std::int64_t packed) {
   return {static_cast<SqlType>(packed & 0xFF), static_cast<int>((packed >> 8) & 0xFFFFFFFF) - 1,
-          static_cast<int>((packed >> 40) & 0xFF), static_cast<int>((packed >> 48) & 0xFF)};
+          static_cast<int>((packed >> 40) & 0xFF), static_cast<int>((packed >> 48) & 0xFF),
+          static_cast<TextOrder>(packed >> 56)};
 }
 
 }  // namespace sandbox

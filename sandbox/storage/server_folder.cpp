@@ -63,12 +63,17 @@ ServerFolder::ServerFolder(std::filesystem::path folder, bool durable)
   std::filesystem::create_directories(folder_);
   index_ = std::make_unique<SqliteConnection>(folder_ / "server.db", durable_);
   index_->Execute(
-      "CREATE TABLE IF NOT EXISTS databases(id INTEGER PRIMARY KEY, name TEXT, created INTEGER)");
+      "CREATE TABLE IF NOT EXISTS databases(id INTEGER PRIMARY KEY, name TEXT, created INTEGER);"
+      "CREATE TABLE IF NOT EXISTS logins(name TEXT PRIMARY KEY COLLATE NOCASE, password TEXT)");
   auto rows = index_->Prepare("SELECT id, name, created FROM databases ORDER BY id");
   while (rows.Step()) {
     const int id = static_cast<int>(rows.Integer(0));
-    databases_.push_back(std::make_shared<DatabaseState>(
-        rows.Text(1), folder_ / fmt::format("database{}.db", id), id, rows.Integer(2)));
+    const auto file = folder_ / fmt::format("database{}.db", id);
+    databases_.push_back(std::make_shared<DatabaseState>(rows.Text(1), file, id, rows.Integer(2)));
+    SqliteConnection connection(file, durable_);
+    RegisterTextOrder(connection.get());
+    CompleteCatalogTables(connection);
+    DropTemporaryTables(connection);
   }
   rows.Reset();
   for (const char* name : {"master", "tempdb", "model", "msdb"}) {
@@ -122,6 +127,38 @@ void ServerFolder::Drop(const DatabaseState& database) {
   remove.Bind(1, id).Run();
   std::erase_if(databases_, [&](const auto& entry) { return entry->id == id; });
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(file.string() + suffix);
+}
+
+bool ServerFolder::ChangeLogins(const char* statement, std::string_view name,
+                                std::string_view password) {
+  std::lock_guard lock(mutex_);
+  auto change = index_->Prepare(statement);
+  change.Bind(1, name).Bind(2, password).Run();
+  return sqlite3_changes(index_->get()) > 0;
+}
+
+bool ServerFolder::AddLogin(std::string_view name, std::string_view password) {
+  return ChangeLogins("INSERT OR IGNORE INTO logins VALUES(?1,?2)", name, password);
+}
+
+bool ServerFolder::SetPassword(std::string_view login, std::string_view password) {
+  return ChangeLogins("UPDATE logins SET password=?2 WHERE name=?1", login, password);
+}
+
+bool ServerFolder::DropLogin(std::string_view name) {
+  return ChangeLogins("DELETE FROM logins WHERE name=?1 AND ?2=''", name, "");
+}
+
+bool ServerFolder::HasLogin(std::string_view name) const {
+  std::lock_guard lock(mutex_);
+  auto row = index_->Prepare("SELECT 1 FROM logins WHERE name=?1");
+  return row.Bind(1, name).Step();
+}
+
+bool ServerFolder::LoginMatches(std::string_view name, std::string_view password) const {
+  std::lock_guard lock(mutex_);
+  auto row = index_->Prepare("SELECT 1 FROM logins WHERE name=?1 AND password=?2");
+  return row.Bind(1, name).Bind(2, password).Step();
 }
 
 SqliteConnection ServerFolder::Connect(const DatabaseState& database) const {

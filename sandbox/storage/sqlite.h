@@ -47,6 +47,14 @@ class SqliteStatement {
   std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
 };
 
+/// Binds its arguments to the statement's parameters in their order and runs it.
+template <class... Arguments>
+void RunWith(SqliteStatement& statement, const Arguments&... arguments) {
+  int index = 0;
+  (statement.Bind(++index, arguments), ...);
+  statement.Run();
+}
+
 /// Ends a statement's run when it goes out of scope, so that no read lock outlives its reader.
 class ResetGuard {
  public:

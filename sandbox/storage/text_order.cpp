@@ -49,9 +49,14 @@ int CompareFolded(std::string_view left, std::string_view right) {
   return left.empty() ? (right.empty() ? 0 : -1) : 1;
 }
 
+int CompareBinary(std::string_view left, std::string_view right) {
+  return WithoutTrailingBlanks(left).compare(WithoutTrailingBlanks(right));
+}
+
+template <int (*compare)(std::string_view, std::string_view)>
 int CollationCallback(void*, int left_size, const void* left, int right_size, const void* right) {
-  return CompareText({static_cast<const char*>(left), static_cast<std::size_t>(left_size)},
-                     {static_cast<const char*>(right), static_cast<std::size_t>(right_size)});
+  return compare({static_cast<const char*>(left), static_cast<std::size_t>(left_size)},
+                 {static_cast<const char*>(right), static_cast<std::size_t>(right_size)});
 }
 
 template <class Map>
@@ -140,6 +145,25 @@ int CompareText(std::string_view left, std::string_view right) {
   return left.size() == right.size() ? 0 : left.size() < right.size() ? -1 : 1;
 }
 
+int CompareCaseSensitive(std::string_view left, std::string_view right) {
+  const int without_case = CompareText(left, right);
+  return without_case ? without_case : CompareBinary(right, left);
+}
+
+const char* StoredCollation(TextOrder order) {
+  static constexpr const char* kNames[] = {kTextCollation, "TSQL_CS", "TSQL_BIN"};
+  return kNames[static_cast<int>(order)];
+}
+
+std::optional<TextOrder> OrderOfCollation(std::string_view name) {
+  const std::string upper = UpperText(name);
+  const auto has = [&](std::string_view part) { return upper.find(part) != std::string::npos; };
+  if (upper.ends_with("_BIN") || upper.ends_with("_BIN2")) return TextOrder::Binary;
+  if (has("_CS_")) return TextOrder::CaseSensitive;
+  if (has("_CI_") || upper == "DATABASE_DEFAULT") return TextOrder::Default;
+  return std::nullopt;
+}
+
 bool SameName(std::string_view left, std::string_view right) {
   return CompareFolded(left, right) == 0;
 }
@@ -152,7 +176,12 @@ std::string UpperText(std::string_view text) {
 }
 
 void RegisterTextOrder(sqlite3* connection) {
-  sqlite3_create_collation(connection, kTextCollation, SQLITE_UTF8, nullptr, CollationCallback);
+  const auto add = [&](TextOrder order, auto* callback) {
+    sqlite3_create_collation(connection, StoredCollation(order), SQLITE_UTF8, nullptr, callback);
+  };
+  add(TextOrder::Default, CollationCallback<CompareText>);
+  add(TextOrder::CaseSensitive, CollationCallback<CompareCaseSensitive>);
+  add(TextOrder::Binary, CollationCallback<CompareBinary>);
 }
 
 }  // namespace sandbox

@@ -202,6 +202,23 @@ go
   EXPECT_EQ(Tsql("select count(*) from Copied\ngo\n"), "2\n");
 }
 
+TEST_F(SandboxTools, ALoginWorksInItsOwnSchema) {
+  server_->Script(
+      "create schema sales\ngo\ncreate login clerk with password = 'pw'\n"
+      "create user clerk for login clerk with default_schema = sales\ngo\n"
+      "create table sales.Orders (Number int not null, Code varchar(8) null)\ngo\n",
+      "shop");
+  std::ofstream(folder_ / "orders.txt") << "7|seven\n8|\n";
+  const std::string load = " in '" + (folder_ / "orders.txt").string() + "' -c -t '|' -S tds7.4";
+  EXPECT_THAT(Shell("freebcp '[shop].[sales].[Orders]'" + load + " -U sa -P secret"),
+              HasSubstr("2 rows copied."));
+  EXPECT_THAT(Shell("freebcp Orders" + load + " -U clerk -P pw -D shop"),
+              HasSubstr("2 rows copied."));
+  const std::string clerk = "tsql -o fhq -S tds7.4 -U clerk -D shop 2>&1 -P ";
+  EXPECT_EQ(Session(clerk + "pw", "select count(*), max(Number) from Orders\ngo\n"), "4\t8\n");
+  EXPECT_THAT(Session(clerk + "wrong", "select 1\ngo\n"), HasSubstr("Login failed"));
+}
+
 TEST_F(SandboxTools, WhatWasStoredOutlivesAKilledServer) {
   const std::string everything =
       "select * from Everything\nselect * from Orders\n"

@@ -148,7 +148,9 @@ std::string PrivateMySql::Query(const std::string& sql, const std::string& datab
   throw std::runtime_error(outcome.output + (has_died ? ReadFile(folder_ / "log") : ""));
 }
 
-SandboxServer::SandboxServer(const std::vector<std::string>& databases) {
+SandboxServer::SandboxServer(const std::vector<std::string>& databases,
+                             std::vector<std::string> options)
+    : options_(std::move(options)) {
   Start(databases);
 }
 
@@ -171,6 +173,7 @@ void SandboxServer::Start(const std::vector<std::string>& databases) {
   for (const std::string& database : databases) {
     command.insert(command.end(), {"--create", database});
   }
+  command.insert(command.end(), options_.begin(), options_.end());
   process_ = std::make_unique<Process>(command, folder_ / "log");
   Await(*process_, folder_ / "log",
         [&] { return ReadFile(folder_ / "log").find("listening on") != std::string::npos; });

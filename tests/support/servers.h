@@ -50,7 +50,9 @@ std::string Sequence(int first, int last);
 /// A practice SQL Server of its own: user "sa", password "secret".
 class SandboxServer {
  public:
-  explicit SandboxServer(const std::vector<std::string>& databases);
+  /// `options` are further ones of the program.
+  explicit SandboxServer(const std::vector<std::string>& databases,
+                         std::vector<std::string> options = {});
 
   int Port() const { return port_; }
   std::string Password() const { return "secret"; }
@@ -65,6 +67,7 @@ class SandboxServer {
  private:
   void Start(const std::vector<std::string>& databases);
 
+  const std::vector<std::string> options_;
   TempFolder folder_;
   int port_ = FreePort();
   std::unique_ptr<Process> process_;

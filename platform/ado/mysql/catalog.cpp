@@ -28,11 +28,16 @@ Number NumberOf(const Cell& cell) {
   return cell ? NumberOf<Number>(std::string_view(*cell)) : 0;
 }
 
+/// What stands for the database in a condition.
+std::string SchemaText(const ServerLink& link, const std::string& database) {
+  return database.empty() ? "database()" : Literal(link.client.get(), database);
+}
+
 /// A condition that picks one table by its exact name. The plain comparison, which may ignore
 /// case, is what servers look tables up by; the second one makes it exact.
 std::string IsTable(const ServerLink& link, std::string_view alias, const std::string& database,
                     const std::string& table) {
-  const std::string schema = Literal(link.client.get(), database);
+  const std::string schema = SchemaText(link, database);
   const std::string name = Literal(link.client.get(), table);
   return fmt::format(
       "{0}.table_schema = {1} and {0}.table_name = {2} and binary {0}.table_name = {2}", alias,
@@ -95,7 +100,8 @@ RuleType RuleOf(const Cell& rule) {
 /// column only beside a row. Nothing when it does not tell.
 std::optional<std::string> BytesOfDefault(const ServerLink& link, const std::string& database,
                                           const std::string& table, const std::string& column) {
-  const std::string source = fmt::format("{}.{} t", QuotedName(database), QuotedName(table));
+  const std::string source =
+      (database.empty() ? "" : QuotedName(database) + ".") + QuotedName(table) + " t";
   for (const std::string& from : {source, "(select 1) one left join " + source + " on true"}) {
     try {
       const TextRows rows =
@@ -121,17 +127,13 @@ void ReplaceDoubtfulBytes(const ServerLink& link, const std::string& database,
 
 }  // namespace
 
-std::string SelectedDatabase(const ServerLink& link) {
-  return Query(link.client.get(), "select database()").at(0).at(0).value_or("");
-}
-
 std::vector<TableInfo> ReadTables(const ServerLink& link, const std::string& database) {
   MYSQL* client = link.client.get();
   std::vector<TableInfo> tables;
   for (auto& row : Query(client,
                          "select table_name, table_type from information_schema.tables "
                          "where table_schema = " +
-                             Literal(client, database) + " order by table_name")) {
+                             SchemaText(link, database) + " order by table_name")) {
     const std::string type = row.at(1).value_or("");
     const auto* known = std::ranges::find(kTableTypes, type, &TypeName::server);
     tables.push_back({.name = row.at(0).value_or(""),
@@ -202,7 +204,7 @@ std::vector<Key> ReadKeys(const ServerLink& link, const std::string& database,
       "and r.constraint_schema = {} and r.table_name = {} "
       "where {} order by t.constraint_type = 'FOREIGN KEY', t.constraint_name <> 'PRIMARY', "
       "t.constraint_name, k.ordinal_position",
-      IsTable(link, "k", database, table), Literal(link.client.get(), database),
+      IsTable(link, "k", database, table), SchemaText(link, database),
       Literal(link.client.get(), table), IsTable(link, "t", database, table));
   std::vector<Key> keys;
   for (auto& row : Query(link.client.get(), sql)) {

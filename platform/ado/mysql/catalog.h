@@ -11,8 +11,8 @@ namespace dorvane::ado::mysql {
 // The catalog of one database, read from its information schema. Names are exact; a table that is
 // not there has nothing. All throw ProviderError.
 
-/// The database that the session has selected; empty when there is none.
-std::string SelectedDatabase(const ServerLink& link);
+// An empty `database` is the one that the session has selected.
+
 std::vector<TableInfo> ReadTables(const ServerLink& link, const std::string& database);
 std::vector<Column> ReadColumns(const ServerLink& link, const std::string& database,
                                 const std::string& table);

@@ -2,6 +2,8 @@
 
 #include <mariadb/mysqld_error.h>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -10,6 +12,7 @@
 #include "platform/ado/mysql/errors.h"
 #include "platform/ado/mysql/metadata.h"
 #include "platform/ado/mysql/session.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::ado::mysql {
 
@@ -132,7 +135,17 @@ class StatementReader final : public ResultReader {
   bool streaming_ = false;
 };
 
-/// The result of a statement that can't be prepared.
+/// Statements that give no rows, or texts: they need no types, and cost one trip instead of two.
+bool NeedsNoTypes(std::string_view sql) {
+  constexpr std::array<std::string_view, 8> kWords = {"alter",  "create", "delete", "drop",
+                                                      "insert", "set",    "show",   "update"};
+  const std::string_view text = text::Trim(sql, text::kWhiteSpace);
+  const std::string_view word = text.substr(0, text.find_first_of(text::kWhiteSpace));
+  return std::ranges::any_of(
+      kWords, [word](std::string_view each) { return text::EqualsIgnoringCase(word, each); });
+}
+
+/// The result of a statement that is not prepared, its values as texts.
 class TextReader final : public ResultReader {
  public:
   TextReader(MYSQL* client, std::string_view sql) {
@@ -186,6 +199,7 @@ class TextReader final : public ResultReader {
 
 std::unique_ptr<ResultReader> OpenReader(ClientSession& session, std::string_view sql) {
   MYSQL* client = session.Link().client.get();
+  if (NeedsNoTypes(sql)) return std::make_unique<TextReader>(client, sql);
   Statement statement(mysql_stmt_init(client));
   if (statement == nullptr) ThrowError(client);
   if (mysql_stmt_prepare(statement.get(), sql.data(), sql.size()) == 0) {

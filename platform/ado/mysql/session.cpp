@@ -68,6 +68,7 @@ std::unique_ptr<ResultReader> ClientSession::Execute(std::string_view sql) {
 
 bool ClientSession::IsAlive() {
   try {
+    if (Link().watchdog->IsQuiet()) return true;
     return Watch([&] { return mysql_ping(link_.client.get()) == 0; });
   } catch (const ProviderError&) {
     return false;
@@ -105,19 +106,19 @@ void ClientSession::Rollback() {
 }
 
 std::vector<TableInfo> ClientSession::Tables() {
-  return Watch([&] { return ReadTables(link_, SelectedDatabase(link_)); });
+  return Watch([&] { return ReadTables(link_, {}); });
 }
 
 std::vector<Column> ClientSession::Columns(const std::string& table) {
-  return Watch([&] { return ReadColumns(link_, SelectedDatabase(link_), table); });
+  return Watch([&] { return ReadColumns(link_, {}, table); });
 }
 
 std::vector<Index> ClientSession::Indexes(const std::string& table) {
-  return Watch([&] { return ReadIndexes(link_, SelectedDatabase(link_), table); });
+  return Watch([&] { return ReadIndexes(link_, {}, table); });
 }
 
 std::vector<Key> ClientSession::Keys(const std::string& table) {
-  return Watch([&] { return ReadKeys(link_, SelectedDatabase(link_), table); });
+  return Watch([&] { return ReadKeys(link_, {}, table); });
 }
 
 std::unique_ptr<Session> ClientProvider::Connect(const ConnectionSettings& settings) {

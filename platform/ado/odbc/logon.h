@@ -39,6 +39,8 @@ class Logon {
   void SetLimit(std::chrono::seconds limit, Watchdog::Question ask) {
     watchdog_->SetLimit(limit, std::move(ask));
   }
+  /// See Watchdog.
+  bool IsQuiet() const { return watchdog_->IsQuiet(); }
   /// See Session.
   bool IsExposed() const { return is_exposed_; }
 

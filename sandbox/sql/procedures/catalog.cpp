@@ -54,8 +54,8 @@ int Tables(Session& session, const Arguments& args) {
       result.rows.push_back({database->name, Value(), Value(), Value(), Value()});
     }
   } else if (owner == "%" && blank(name) && blank(qualifier)) {
-    for (const char* schema : {"dbo", "INFORMATION_SCHEMA", "sys"}) {
-      result.rows.push_back({Value(), std::string(schema), Value(), Value(), Value()});
+    for (const SchemaDef& schema : session.Link().Definitions().schemas) {
+      result.rows.push_back({Value(), schema.name, Value(), Value(), Value()});
     }
   } else if (types == "%" && blank(name) && blank(owner)) {
     for (const char* type : {"SYSTEM TABLE", "TABLE", "VIEW"}) {
@@ -66,12 +66,14 @@ int Tables(Session& session, const Arguments& args) {
     const std::string database = session.Database();
     const auto add = [&](const std::string& schema, const std::string& table, const char* type) {
       if (!NameMatches(name, table, patterns) || !NameMatches(owner, schema, patterns)) return;
+      const bool lower = session.Traits().lower_case_tables;
       if (TypeListed(types, type))
-        result.rows.push_back({database, schema, table, std::string(type), Value()});
+        result.rows.push_back(
+            {database, schema, lower ? LowerText(table) : table, std::string(type), Value()});
     };
     const Catalog& catalog = session.Link().Definitions();
-    for (const auto& [id, table] : catalog.tables) add("dbo", table.name, "TABLE");
-    for (const auto& [id, view] : catalog.views) add("dbo", view.name, "VIEW");
+    for (const TableDef* table : catalog.Sorted()) add(table->schema, table->name, "TABLE");
+    for (const auto& [id, view] : catalog.views) add(view.schema, view.name, "VIEW");
     for (const ObjectName& view : SystemViewNames()) add(view.schema, view.name, "VIEW");
     SortRows(result, {3, 0, 1, 2});
   }
@@ -110,17 +112,22 @@ int ColumnsOf(Session& session, const Arguments& args, bool modern) {
   CheckQualifier(session, qualifier);
   ResultRows result;
   result.columns = ColumnColumns();
-  for (const TableDef* table : session.Link().Definitions().Sorted()) {
-    if (!NameMatches(name, table->name, patterns) || !NameMatches(owner, "dbo", patterns)) continue;
+  // A plain name without an owner means one table, as it does in a query.
+  const TableDef* only = name && !owner ? session.Link().FindTable({"", "", *name}) : nullptr;
+  const Catalog& catalog = session.Link().Definitions();
+  for (const TableDef* table : catalog.Sorted()) {
+    if (only && table != only) continue;
+    if (!NameMatches(name, table->name, patterns) || !NameMatches(owner, table->schema, patterns))
+      continue;
     std::int64_t position = 0;
     for (const ColumnDef& column : table->columns) {
       ++position;
       if (!NameMatches(column_name, column.name, patterns)) continue;
       const OdbcFacts facts = FactsForOdbc(column.type, version >= 3, modern);
-      result.rows.push_back({session.Database(), std::string("dbo"), table->name, column.name,
-                             facts.data_type, OdbcTypeName(column), facts.precision, facts.length,
-                             facts.scale, facts.radix, Number(column.nullable), Value(),
-                             TextOrNull(column.default_text), facts.sql_data_type,
+      result.rows.push_back({session.Database(), table->schema, table->name, column.name,
+                             facts.data_type, OdbcTypeName(catalog, column), facts.precision,
+                             facts.length, facts.scale, facts.radix, Number(column.nullable),
+                             Value(), TextOrNull(column.default_text), facts.sql_data_type,
                              facts.datetime_sub, facts.octet_length, position,
                              std::string(column.nullable ? "YES" : "NO"), facts.ss_data_type});
     }
@@ -137,18 +144,18 @@ int Columns100(Session& session, const Arguments& args) {
 }
 
 int SpecialColumns(Session& session, const Arguments& args) {
-  const auto name = args.Text(0);
   const bool row_version = args.Text(3).value_or("R") == "V";
   ResultRows result;
   result.columns = {SmallColumn("SCOPE"),    NameColumn("COLUMN_NAME"),   SmallColumn("DATA_TYPE"),
                     NameColumn("TYPE_NAME"), IntColumn("PRECISION"),      IntColumn("LENGTH"),
                     SmallColumn("SCALE"),    SmallColumn("PSEUDO_COLUMN")};
-  const TableDef* table = session.Link().Definitions().FindTable(name.value_or(""));
+  const TableDef* table = FindArgument(session, args, 0, 1);
+  const Catalog& catalog = session.Link().Definitions();
   const auto add = [&](const ColumnDef& column) {
     const OdbcFacts facts = FactsForOdbc(column.type, args.Integer(6, 2) >= 3, true);
     result.rows.push_back({Number(row_version ? 0 : 1), column.name, facts.data_type,
-                           OdbcTypeName(column), facts.precision, facts.length, facts.scale,
-                           Number(1)});
+                           OdbcTypeName(catalog, column), facts.precision, facts.length,
+                           facts.scale, Number(1)});
   };
   if (table && row_version) {
     for (const ColumnDef& column : table->columns) {
@@ -168,8 +175,8 @@ int Procedures(Session& session, const Arguments& args) {
                     NameColumn("PROCEDURE_NAME"),      IntColumn("NUM_INPUT_PARAMS"),
                     IntColumn("NUM_OUTPUT_PARAMS"),    IntColumn("NUM_RESULT_SETS"),
                     TextColumn("REMARKS", 254),        SmallColumn("PROCEDURE_TYPE")};
-  for (const auto group :
-       {CatalogProcedures(), KeyProcedures(), HelpProcedures(), ServerProcedures()}) {
+  for (const auto group : {CatalogProcedures(), KeyProcedures(), HelpProcedures(),
+                           ServerProcedures(), IdleProcedures()}) {
     for (const Procedure& procedure : group) {
       if (!NameMatches(name, procedure.name, true)) continue;
       result.rows.push_back({session.Database(), std::string("sys"),

@@ -119,10 +119,18 @@ OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern) {
   return facts;
 }
 
-std::string OdbcTypeName(const ColumnDef& column) {
-  std::string name = TypeName(column.type);
+std::string ColumnTypeName(const Catalog& catalog, const ColumnDef& column) {
+  for (const AliasTypeDef& alias : catalog.types) {
+    if (alias.id == column.user_type) return alias.name;
+  }
+  return TypeName(column.type);
+}
+
+std::string OdbcTypeName(const Catalog& catalog, const ColumnDef& column) {
+  const std::string name = ColumnTypeName(catalog, column);
   if (!column.identity) return name;
-  const bool exact = column.type.type == SqlType::Decimal || column.type.type == SqlType::Numeric;
+  const bool exact = column.user_type == 0 &&
+                     (column.type.type == SqlType::Decimal || column.type.type == SqlType::Numeric);
   return name + (exact ? "() identity" : " identity");
 }
 

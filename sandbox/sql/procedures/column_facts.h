@@ -16,7 +16,10 @@ struct OdbcFacts {
 /// `version3`: dates by their ODBC 3 codes; `modern`: the newer date types by codes of their own.
 OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern);
 
+/// The name of an alias type, else of the server's own.
+std::string ColumnTypeName(const Catalog& catalog, const ColumnDef& column);
+
 /// TYPE_NAME: "int", "int identity", "numeric() identity".
-std::string OdbcTypeName(const ColumnDef& column);
+std::string OdbcTypeName(const Catalog& catalog, const ColumnDef& column);
 
 }  // namespace sandbox

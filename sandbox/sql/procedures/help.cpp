@@ -1,4 +1,5 @@
 #include "sandbox/sql/object_names.h"
+#include "sandbox/sql/procedures/column_facts.h"
 #include "sandbox/sql/procedures/procedure.h"
 #include "sandbox/sql/session.h"
 #include "sandbox/sql/type_rules.h"
@@ -7,9 +8,6 @@
 
 namespace sandbox {
 namespace {
-
-const std::string kOwner = "dbo";
-const std::string kCollation = "SQL_Latin1_General_CP1_CI_AS";
 
 std::string ColumnList(const TableDef& table, const std::vector<int>& ids) {
   std::string text;
@@ -41,10 +39,11 @@ void AllObjects(Session& session) {
   ResultRows result;
   result.columns = {NameColumn("Name"), NameColumn("Owner"), NameColumn("Object_type")};
   const Catalog& catalog = session.Link().Definitions();
-  const auto add = [&](const std::string& name, const char* type) {
-    result.rows.push_back({name, kOwner, std::string(type)});
-  };
   for (const auto& [id, table] : catalog.tables) {
+    const auto add = [&, &owner = table.schema](const std::string& name, const char* type) {
+      result.rows.push_back({name, owner, std::string(type)});
+    };
+    if (table.IsTemporary()) continue;
     add(table.name, "user table");
     for (const IndexDef& index : table.indexes) {
       if (index.IsConstraint()) add(index.name, index.primary ? "primary key cns" : "unique key");
@@ -55,7 +54,9 @@ void AllObjects(Session& session) {
       if (column.default_id != 0) add(column.default_name, "default (maybe cns)");
     }
   }
-  for (const auto& [id, view] : catalog.views) add(view.name, "view");
+  for (const auto& [id, view] : catalog.views) {
+    result.rows.push_back({view.name, view.schema, std::string("view")});
+  }
   SortRows(result, {2, 0});
   session.SendRows(result.columns, result.rows);
 }
@@ -83,12 +84,13 @@ void Columns(Session& session, const TableDef& table) {
     const bool padding = (text && !IsUnicode(type.type)) || IsBinary(type.type);
     const std::string trims = padding ? "no" : "(n/a)";
     result.rows.push_back(
-        {column.name, std::string(TypeName(type)), std::string("no"), Number(MaxLength(type)),
+        {column.name, ColumnTypeName(session.Link().Definitions(), column),
+         std::string(column.IsComputed() ? "yes" : "no"), Number(MaxLength(type)),
          shown ? padded(type.precision) : Value(std::string("     ")),
          shown && !IsApproximate(type.type) ? padded(type.scale) : Value(std::string("     ")),
          std::string(column.nullable ? "yes" : "no"), trims,
          padding ? std::string(column.nullable ? "yes" : "no") : std::string("(n/a)"),
-         text ? Value(kCollation) : Value()});
+         TextOrNull(CollationName(type, column.collation))});
   }
   session.SendRows(result.columns, result.rows);
 }
@@ -140,6 +142,11 @@ const char* RuleText(ForeignKeyRule rule) {
   return kTexts[static_cast<int>(rule)];
 }
 
+template <class Constraint>
+std::string Status(const Constraint& constraint) {
+  return constraint.disabled ? "Disabled" : "Enabled";
+}
+
 void Constraints(Session& session, const TableDef& table) {
   ResultRows result;
   result.columns = {{"constraint_type", NVarChar(146), true, false},
@@ -155,7 +162,7 @@ void Constraints(Session& session, const TableDef& table) {
     const std::string type = check.column_id
                                  ? "CHECK on column " + table.Column(check.column_id).name
                                  : "CHECK Table Level ";
-    result.rows.push_back({type, check.name, none, none, std::string("Enabled"),
+    result.rows.push_back({type, check.name, none, none, Status(check),
                            std::string("Is_For_Replication"), check.text});
   }
   for (const ColumnDef& column : table.columns) {
@@ -167,11 +174,11 @@ void Constraints(Session& session, const TableDef& table) {
     const TableDef& parent = catalog.tables.at(key.parent_table);
     result.rows.push_back({std::string("FOREIGN KEY"), key.name,
                            std::string(RuleText(key.on_delete)),
-                           std::string(RuleText(key.on_update)), std::string("Enabled"),
+                           std::string(RuleText(key.on_update)), Status(key),
                            std::string("Is_For_Replication"), ColumnList(table, key.columns)});
     result.rows.push_back({std::string(" "), std::string(" "), std::string(" "), std::string(" "),
                            std::string(" "), std::string(" "),
-                           "REFERENCES " + session.Database() + ".dbo." + parent.name + " (" +
+                           "REFERENCES " + session.Database() + "." + parent.FullName() + " (" +
                                ColumnList(parent, key.parent_columns) + ")"});
   }
   for (const IndexDef& index : table.indexes) {
@@ -195,21 +202,22 @@ void References(Session& session, const TableDef& table) {
   for (const auto& [id, child] : session.Link().Definitions().tables) {
     for (const ForeignKeyDef& key : child.foreign_keys) {
       if (key.parent_table == table.id) {
-        result.rows.push_back({session.Database() + ".dbo." + child.name + ": " + key.name});
+        result.rows.push_back({session.Database() + "." + child.FullName() + ": " + key.name});
       }
     }
   }
   if (!result.rows.empty()) session.SendRows(result.columns, result.rows);
 }
 
-void Head(Session& session, const std::string& name, const char* type, std::int64_t created) {
+template <class Object>
+void Head(Session& session, const Object& object, const char* type) {
   session.SendRows({NameColumn("Name"),
                     NameColumn("Owner"),
                     TextColumn("Type", 31),
                     {"Created_datetime", DateTimeType(), true, false}},
-                   {{name, kOwner, std::string(type),
-                     DateTimeValue{static_cast<std::int32_t>(created / kTicksPerDay),
-                                   created % kTicksPerDay, 0}}});
+                   {{object.name, object.schema, std::string(type),
+                     DateTimeValue{static_cast<std::int32_t>(object.created / kTicksPerDay),
+                                   object.created % kTicksPerDay, 0}}});
 }
 
 int Help(Session& session, const Arguments& args) {
@@ -218,19 +226,18 @@ int Help(Session& session, const Arguments& args) {
     AllObjects(session);
     return 0;
   }
-  const std::string name = LastNamePart(*given);
-  const Catalog& catalog = session.Link().Definitions();
-  if (const ViewDef* view = catalog.FindView(name)) {
-    Head(session, view->name, "view", view->created);
+  const ObjectName name = ParsedName(*given);
+  if (const ViewDef* view = session.Link().FindView(name)) {
+    Head(session, *view, "view");
     return 0;
   }
-  const TableDef* table = catalog.FindTable(name);
+  const TableDef* table = session.Link().FindTable(name);
   if (!table) {
     SqlError error = Error(15009, *given, session.Database());
     error.messages.front().procedure = "sp_help";
     throw error;
   }
-  Head(session, table->name, "user table", table->created);
+  Head(session, *table, "user table");
   Columns(session, *table);
   Identity(session, *table);
   RowGuid(session, *table);
@@ -242,16 +249,16 @@ int Help(Session& session, const Arguments& args) {
 }
 
 int HelpIndex(Session& session, const Arguments& args) {
-  const std::string name = LastNamePart(args.Text(0).value_or(""));
-  const TableDef* table = session.Link().Definitions().FindTable(name);
+  const std::string name = args.Text(0).value_or("");
+  const TableDef* table = session.Link().FindTable(ParsedName(name));
   if (!table) Raise(15009, name, session.Database());
   Indexes(session, *table);
   return 0;
 }
 
 int HelpConstraint(Session& session, const Arguments& args) {
-  const std::string name = LastNamePart(args.Text(0).value_or(""));
-  const TableDef* table = session.Link().Definitions().FindTable(name);
+  const std::string name = args.Text(0).value_or("");
+  const TableDef* table = session.Link().FindTable(ParsedName(name));
   if (!table) Raise(15009, name, session.Database());
   Constraints(session, *table);
   References(session, *table);

@@ -7,19 +7,17 @@
 namespace sandbox {
 namespace {
 
-const std::string kOwner = "dbo";
-
 int PrimaryKeys(Session& session, const Arguments& args) {
   ResultRows result;
   result.columns = {NameColumn("TABLE_QUALIFIER"),   NameColumn("TABLE_OWNER"),
                     NameColumn("TABLE_NAME", false), NameColumn("COLUMN_NAME", false),
                     SmallColumn("KEY_SEQ"),          NameColumn("PK_NAME")};
-  const TableDef* table = session.Link().Definitions().FindTable(args.Text(0).value_or(""));
+  const TableDef* table = FindArgument(session, args, 0, 1);
   const IndexDef* key = table ? table->PrimaryKey() : nullptr;
   std::int64_t position = 0;
   if (key) {
     for (const IndexColumn& column : key->columns) {
-      result.rows.push_back({session.Database(), kOwner, table->name,
+      result.rows.push_back({session.Database(), table->schema, table->name,
                              table->Column(column.column_id).name, ++position, key->name});
     }
   }
@@ -56,7 +54,9 @@ std::string ParentKeyName(const TableDef& parent, const ForeignKeyDef& key) {
 }
 
 int ForeignKeys(Session& session, const Arguments& args) {
-  const auto parent_name = args.Text(0), child_name = args.Text(3);
+  const bool has_parent = args.Text(0).has_value(), has_child = args.Text(3).has_value();
+  const TableDef* wanted_parent = FindArgument(session, args, 0, 1);
+  const TableDef* wanted_child = FindArgument(session, args, 3, 4);
   ResultRows result;
   result.columns = {
       NameColumn("PKTABLE_QUALIFIER"), NameColumn("PKTABLE_OWNER"),     NameColumn("PKTABLE_NAME"),
@@ -67,20 +67,20 @@ int ForeignKeys(Session& session, const Arguments& args) {
   const Catalog& catalog = session.Link().Definitions();
   const std::string database = session.Database();
   for (const auto& [id, child] : catalog.tables) {
-    if (child_name && !SameName(*child_name, child.name)) continue;
+    if (has_child && &child != wanted_child) continue;
     for (const ForeignKeyDef& key : child.foreign_keys) {
       const TableDef& parent = catalog.tables.at(key.parent_table);
-      if (parent_name && !SameName(*parent_name, parent.name)) continue;
+      if (has_parent && &parent != wanted_parent) continue;
       for (std::size_t i = 0; i < key.columns.size(); ++i) {
         result.rows.push_back(
-            {database, kOwner, parent.name, parent.Column(key.parent_columns[i]).name, database,
-             kOwner, child.name, child.Column(key.columns[i]).name,
+            {database, parent.schema, parent.name, parent.Column(key.parent_columns[i]).name,
+             database, child.schema, child.name, child.Column(key.columns[i]).name,
              Number(static_cast<std::int64_t>(i) + 1), RuleCode(key.on_update),
              RuleCode(key.on_delete), key.name, ParentKeyName(parent, key), Number(7)});
       }
     }
   }
-  if (parent_name && !child_name) {
+  if (has_parent && !has_child) {
     SortRows(result, {4, 5, 6, 11, 8});
   } else {
     SortRows(result, {0, 1, 2, 11, 8});
@@ -101,13 +101,13 @@ int Statistics(Session& session, const Arguments& args) {
       NameColumn("COLUMN_NAME"),          {"COLLATION", {SqlType::Char, 1, 0, 0}, true, false},
       IntColumn("CARDINALITY"),           IntColumn("PAGES"),
       TextColumn("FILTER_CONDITION", 128)};
-  const TableDef* table = session.Link().Definitions().FindTable(args.Text(0).value_or(""));
+  const TableDef* table = FindArgument(session, args, 0, 1);
   if (!table) {
     session.SendRows(result.columns, result.rows);
     return 0;
   }
   const std::string database = session.Database();
-  result.rows.push_back({database, kOwner, table->name, Value(), Value(), Value(), Number(0),
+  result.rows.push_back({database, table->schema, table->name, Value(), Value(), Value(), Number(0),
                          Value(), Value(), Value(), Value(), Value(), Value()});
   for (const IndexDef& index : table->indexes) {
     if (index_name && !MatchesPattern(index.name, *index_name, '\\')) continue;
@@ -115,7 +115,7 @@ int Statistics(Session& session, const Arguments& args) {
     std::int64_t position = 0;
     for (const IndexColumn& column : index.columns) {
       result.rows.push_back(
-          {database, kOwner, table->name, Number(!index.unique), table->name, index.name,
+          {database, table->schema, table->name, Number(!index.unique), table->name, index.name,
            Number(index.clustered ? 1 : 3), ++position, table->Column(column.column_id).name,
            std::string(column.descending ? "D" : "A"), Value(), Value(), Value()});
     }

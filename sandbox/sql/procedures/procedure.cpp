@@ -4,6 +4,7 @@
 
 #include "sandbox/sql/convert.h"
 #include "sandbox/sql/errors.h"
+#include "sandbox/sql/session.h"
 #include "sandbox/sql/type_rules.h"
 #include "sandbox/storage/text_order.h"
 
@@ -36,13 +37,20 @@ std::int64_t Arguments::Integer(std::size_t i, std::int64_t when_missing) const 
 }
 
 const Procedure* FindProcedure(std::string_view name) {
-  for (const auto group :
-       {CatalogProcedures(), KeyProcedures(), HelpProcedures(), ServerProcedures()}) {
+  for (const auto group : {CatalogProcedures(), KeyProcedures(), HelpProcedures(),
+                           ServerProcedures(), IdleProcedures()}) {
     for (const Procedure& procedure : group) {
       if (SameName(procedure.name, name)) return &procedure;
     }
   }
   return nullptr;
+}
+
+const TableDef* FindArgument(Session& session, const Arguments& arguments, std::size_t name,
+                             std::size_t owner) {
+  const std::string schema = arguments.Text(owner).value_or("");
+  return session.Link().FindTable(
+      {"", schema == "%" ? "" : schema, arguments.Text(name).value_or("")});
 }
 
 ColumnInfo NameColumn(const char* name, bool nullable) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "sandbox/sql/engine.h"
+#include "sandbox/storage/catalog.h"
 
 namespace sandbox {
 
@@ -48,6 +49,11 @@ inline Value Number(std::int64_t number) {
   return number;
 }
 
+/// The table that two arguments name; without an owner it is one that the bare name stands for.
+/// Null when there is none.
+const TableDef* FindArgument(Session& session, const Arguments& arguments, std::size_t name,
+                             std::size_t owner);
+
 /// Sorts rows by the given columns, text as the server orders it.
 void SortRows(ResultRows& result, std::initializer_list<std::size_t> columns);
 
@@ -59,5 +65,6 @@ std::span<const Procedure> CatalogProcedures();
 std::span<const Procedure> KeyProcedures();
 std::span<const Procedure> HelpProcedures();
 std::span<const Procedure> ServerProcedures();
+std::span<const Procedure> IdleProcedures();
 
 }  // namespace sandbox

@@ -49,8 +49,28 @@ int Who(Session& session, const Arguments&) {
   return 0;
 }
 
-// Procedures that drivers call and that have nothing to do here.
+// For what drivers and scripts call and that has nothing to do here.
 int Nothing(Session&, const Arguments&) {
+  return 0;
+}
+
+std::string Bracketed(const std::string& name) {
+  std::string quoted = "[";
+  for (const char c : name) quoted.append(c == ']' ? 2 : 1, c);
+  return quoted + "]";
+}
+
+int AddType(Session& session, const Arguments& args) {
+  const std::string nulls = LowerText(args.Text(2).value_or("null"));
+  const bool nullable = nulls == "null";
+  session.Execute("create type " + Bracketed(args.Text(0).value_or("")) + " from " +
+                      args.Text(1).value_or("") + (nullable ? " null" : " not null"),
+                  session.Sink());
+  return 0;
+}
+
+int DropType(Session& session, const Arguments& args) {
+  session.Execute("drop type " + Bracketed(args.Text(0).value_or("")), session.Sink());
   return 0;
 }
 
@@ -77,6 +97,32 @@ int ServerInfo(Session& session, const Arguments& args) {
 
 }  // namespace
 
+std::span<const Procedure> IdleProcedures() {
+  static const std::vector<const char*> kOfProperties{"@name",       "@value",      "@level0type",
+                                                      "@level0name", "@level1type", "@level1name",
+                                                      "@level2type", "@level2name"};
+  static const std::vector<Procedure> kProcedures{
+      {"sp_updatestats", {}, Nothing},
+      {"sp_dboption", {"@dbname", "@optname", "@optvalue"}, Nothing},
+      {"sp_dbcmptlevel", {"@dbname", "@new_cmptlevel"}, Nothing},
+      {"sp_configure", {"@configname", "@configvalue"}, Nothing},
+      {"sp_changedbowner", {"@loginame", "@map"}, Nothing},
+      {"sp_grantdbaccess", {"@loginame", "@name_in_db"}, Nothing},
+      {"sp_addrolemember", {"@rolename", "@membername"}, Nothing},
+      {"sp_bindrule", {"@rulename", "@objname", "@futureonly"}, Nothing},
+      {"sp_unbindrule", {"@objname", "@futureonly"}, Nothing},
+      {"sp_bindefault", {"@defname", "@objname", "@futureonly"}, Nothing},
+      {"sp_unbindefault", {"@objname", "@futureonly"}, Nothing},
+      {"sp_tableoption", {"@TableNamePattern", "@OptionName", "@OptionValue"}, Nothing},
+      {"sp_fulltext_database", {"@action"}, Nothing},
+      {"sp_recompile", {"@objname"}, Nothing},
+      {"sp_addextendedproperty", kOfProperties, Nothing},
+      {"sp_updateextendedproperty", kOfProperties, Nothing},
+      {"sp_dropextendedproperty", kOfProperties, Nothing},
+  };
+  return kProcedures;
+}
+
 std::span<const Procedure> ServerProcedures() {
   static const std::vector<Procedure> kProcedures{
       {"sp_databases", {}, Databases},
@@ -84,8 +130,8 @@ std::span<const Procedure> ServerProcedures() {
       {"sp_who", {"@loginame"}, Who},
       {"sp_server_info", {"@attribute_id"}, ServerInfo},
       {"sp_reset_connection", {}, Nothing},
-      {"sp_updatestats", {}, Nothing},
-      {"sp_dboption", {"@dbname", "@optname", "@optvalue"}, Nothing},
+      {"sp_addtype", {"@typename", "@phystype", "@nulltype", "@owner"}, AddType},
+      {"sp_droptype", {"@typename"}, DropType},
   };
   return kProcedures;
 }
