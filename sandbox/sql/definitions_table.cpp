@@ -17,6 +17,30 @@ bool HasRows(DatabaseLink& link, const TableDef& table) {
   return link.Step(statement);
 }
 
+// ALTER TABLE ADD: columns with their defaults first, which the rows get, then what looks at rows.
+void AddToTable(Session& session, DatabaseLink& link, TableDef& table,
+                const AlterTableStatement& alter) {
+  const bool rows = HasRows(link, table);
+  std::vector<int> added;
+  for (const ColumnSyntax& column : alter.columns) {
+    AppendColumn(link, table, column);
+    added.push_back(table.columns.back().id);
+  }
+  for (const ColumnSyntax& column : alter.columns) TypeComputedColumn(session, table, column);
+  CheckTableLimits(table);
+  ConstraintAdder adder(session, link, table, true);
+  for (const ConstraintSyntax& constraint : alter.constraints) {
+    if (std::holds_alternative<DefaultSyntax>(constraint.what)) adder.Add(constraint);
+  }
+  AddColumns(session, link, table, added, rows);
+  for (const ConstraintSyntax& constraint : alter.constraints) {
+    if (!std::holds_alternative<DefaultSyntax>(constraint.what))
+      adder.Add(constraint, alter.checks_rows.value_or(true));
+  }
+  link.Store(table);
+  adder.Finish();
+}
+
 }  // namespace
 
 std::string SchemaOfNew(DatabaseLink& link, const ObjectName& name) {
@@ -86,38 +110,30 @@ Flow Session::Run(const AlterTableStatement& alter) {
   link.BeginWrite();
   TableDef table = TargetTable(link, alter.table, 4902);
   StatementScope scope(link);
-  if (alter.action == Action::Add) {
-    const bool rows = HasRows(link, table);
-    std::vector<int> added;
-    for (const ColumnSyntax& column : alter.columns) {
-      AppendColumn(link, table, column);
-      added.push_back(table.columns.back().id);
-    }
-    for (const ColumnSyntax& column : alter.columns) TypeComputedColumn(*this, table, column);
-    CheckTableLimits(table);
-    ConstraintAdder adder(*this, link, table, true);
-    for (const ConstraintSyntax& constraint : alter.constraints) {
-      if (std::holds_alternative<DefaultSyntax>(constraint.what)) adder.Add(constraint);
-    }
-    AddColumns(*this, link, table, added, rows);
-    for (const ConstraintSyntax& constraint : alter.constraints) {
-      if (!std::holds_alternative<DefaultSyntax>(constraint.what))
-        adder.Add(constraint, alter.checks_rows.value_or(true));
-    }
-    link.Store(table);
-    adder.Finish();
-  } else if (alter.action == Action::DropConstraint) {
-    for (const std::string& name : alter.names) DropConstraint(link, table, name, alter.if_exists);
-    link.Store(table);
-  } else if (alter.action == Action::DropColumn) {
-    for (const std::string& name : alter.names) DropColumn(link, table, name);
-    link.Store(table);
-  } else if (alter.action == Action::AlterColumn) {
-    AlterColumn(*this, link, table, alter.columns.front());
-    CheckTableLimits(table);
-    link.Store(table);
-  } else if (alter.action == Action::Check || alter.action == Action::NoCheck) {
-    SwitchConstraints(*this, link, table, alter);
+  switch (alter.action) {
+    case Action::Add:
+      AddToTable(*this, link, table, alter);
+      break;
+    case Action::DropConstraint:
+      for (const std::string& name : alter.names)
+        DropConstraint(link, table, name, alter.if_exists);
+      link.Store(table);
+      break;
+    case Action::DropColumn:
+      for (const std::string& name : alter.names) DropColumn(link, table, name);
+      link.Store(table);
+      break;
+    case Action::AlterColumn:
+      AlterColumn(*this, link, table, alter.columns.front());
+      CheckTableLimits(table);
+      link.Store(table);
+      break;
+    case Action::Check:
+    case Action::NoCheck:
+      SwitchConstraints(*this, link, table, alter);
+      break;
+    case Action::Nothing:
+      break;
   }
   scope.Keep();
   Done(std::nullopt);

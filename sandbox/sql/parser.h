@@ -77,26 +77,31 @@ class Parser {
   Statement ParseCreateTable();
   Statement ParseCreateIndex();
   Statement ParseCreateView(std::size_t start);
-  Statement ParseDrop();
-  Statement ParseAlter();
-  void ParseTableElement(std::vector<ColumnSyntax>& columns,
-                         std::vector<ConstraintSyntax>& constraints);
   bool AtConstraint() const;
   ConstraintSyntax ParseConstraint(std::string_view column);
   KeySyntax ParseKey(bool primary, std::string_view column);
   ForeignKeySyntax ParseReferences(std::string_view column);
+  void SkipIndexOptions();
+
+  // columns (parser_columns.cpp)
+  void ParseTableElement(std::vector<ColumnSyntax>& columns,
+                         std::vector<ConstraintSyntax>& constraints);
   void ParseColumn(std::vector<ColumnSyntax>& columns, std::vector<ConstraintSyntax>& constraints);
   void ParseColumnOptions(ColumnSyntax& column, std::vector<ConstraintSyntax>& constraints);
   void ParseIdentity(ColumnDef& column);
-  void SkipIndexOptions();
-  void ParseAlterAdd(AlterTableStatement& alter);
-  void ParseAlterDrop(AlterTableStatement& alter);
   void ParseComputed(ColumnSyntax& column);
   bool ParseColumnTrait(ColumnDef& column);
-  std::vector<std::string> ParseConstraintNames();
   /// A name that is no type of the server's goes to `alias`; without one it raises 2715.
   TypeInfo ParseType(int position, std::string_view column, int default_length = 1,
                      ObjectName* alias = nullptr);
+
+  // drops and changes (parser_changes.cpp)
+  Statement ParseDrop();
+  Statement ParseDropIndex(bool if_exists);
+  Statement ParseAlter();
+  void ParseAlterAdd(AlterTableStatement& alter);
+  void ParseAlterDrop(AlterTableStatement& alter);
+  std::vector<std::string> ParseConstraintNames();
 
   // schemas, logins and users (parser_principals.cpp)
   bool AtPrincipal() const;
