@@ -198,10 +198,9 @@ std::optional<DecimalValue> Calculate(char op, const DecimalValue& left, const D
   if (!a || !b) return std::nullopt;
   // Two numbers of 38 digits can leave 128 bits.
   Int128 result = 0;
-  const bool overflows =
-      op == '+'   ? __builtin_add_overflow(a->unscaled, b->unscaled, &result)
-      : op == '-' ? __builtin_sub_overflow(a->unscaled, b->unscaled, &result)
-                  : (result = a->unscaled % b->unscaled, false);
+  const bool overflows = op == '+'   ? __builtin_add_overflow(a->unscaled, b->unscaled, &result)
+                         : op == '-' ? __builtin_sub_overflow(a->unscaled, b->unscaled, &result)
+                                     : (result = a->unscaled % b->unscaled, false);
   if (overflows) return std::nullopt;
   if (!FitsPrecision({result, common}, kMaxDigits)) return std::nullopt;
   return Rescale({result, common}, scale);
