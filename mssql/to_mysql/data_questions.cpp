@@ -10,6 +10,7 @@
 #include "endpoint/references.h"
 #include "mssql/to_mysql/conversion.h"
 #include "mssql/to_mysql/literals.h"
+#include "platform/ado/items.h"
 
 namespace dorvane::to_mysql {
 
@@ -17,11 +18,6 @@ namespace {
 
 constexpr int kMostSignedTinyInt = 127;
 constexpr int kMilliseconds = 3;
-
-ColumnDefinition* FindColumn(TableDefinition& table, std::string_view name) {
-  const auto found = std::ranges::find(table.columns, name, &ColumnDefinition::name);
-  return found != table.columns.end() ? &*found : nullptr;
-}
 
 /// A datetime, whose thousandths MySQL's plain DATETIME drops.
 bool HasDroppedFraction(const ado::Column& column) {
@@ -51,14 +47,14 @@ void MsSqlToMySql::AskTheData(ado::Table& tab_src, TableDefinition& table) {
 void MsSqlToMySql::AskForWideTinyInts(ado::Table& tab_src, TableDefinition& table) {
   for (const ado::Column& column : tab_src.Columns()) {
     if (column.type != ado::DataType::UnsignedTinyInt) continue;
-    ColumnDefinition* definition = FindColumn(table, column.name);
+    ColumnDefinition* definition = ado::FindItemOrNull(table.columns, column.name);
     const bool is_wide =
         IsAbove(definition->default_clause, kMostSignedTinyInt) ||
         std::ranges::any_of(WithReferencedColumns(SourceCatalog(), {table.name, column.name}),
                             [this](const ColumnPlace& place) {
                               return SourceHasRow(fmt::format(
                                   "select top 1 1 from {} where {} > {}", SourceName(place.table),
-                                  SourceName(place.column), kMostSignedTinyInt));
+                                  MsSqlName(place.column), kMostSignedTinyInt));
                             });
     if (is_wide) definition->type = "TINYINT UNSIGNED";
   }
@@ -73,9 +69,9 @@ void MsSqlToMySql::AskForMilliseconds(ado::Table& tab_src, TableDefinition& tabl
     for (const std::string& name : index.columns) {
       const auto column = std::ranges::find(columns, name, &ado::Column::name);
       if (column == columns.end()) continue;
-      std::string group = SourceName(name);
+      std::string group = MsSqlName(name);
       if (HasDroppedFraction(*column)) {
-        moments.push_back(FindColumn(table, name));
+        moments.push_back(ado::FindItemOrNull(table.columns, name));
         group = fmt::format("convert(varchar(19), {}, 120)", group);
       }
       groups += (groups.empty() ? "" : ", ") + group;

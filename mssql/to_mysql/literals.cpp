@@ -94,6 +94,10 @@ std::string Quote(std::string_view text) {
   return PrefixEach(PrefixEach(text, "\\\"", '\\'), "'", '\'');
 }
 
+std::string SchemaText(const ado::TableName& table) {
+  return table.IsBare() ? "database()" : "'" + Quote(table.schema) + "'";
+}
+
 std::string HexCodeGUID(std::string_view braced) {
   return HexCode(GuidBytes(braced));
 }

@@ -5,6 +5,7 @@
 
 #include "endpoint/table_definition.h"
 #include "platform/ado/row_block.h"
+#include "platform/ado/table_name.h"
 #include "platform/ado/types.h"
 #include "platform/ado/value.h"
 
@@ -30,6 +31,8 @@ bool LosesFraction(const ado::DateTime& moment, const ColumnFacts& facts);
 /// A MySQL literal's inside: backslashes and double quotes behind a backslash, "'" doubled.
 std::string Quote(std::string_view text);
 
+/// What stands for a table's database in a condition on MySQL's catalog.
+std::string SchemaText(const ado::TableName& table);
 /// "0x" and the 32 digits of a braced identifier; "0x00" for any other text.
 std::string HexCodeGUID(std::string_view braced);
 
