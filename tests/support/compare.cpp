@@ -74,7 +74,13 @@ std::string CanonicalText(const ado::Value& value) {
   return std::visit(Canonical{}, value);
 }
 
-std::string OrderedSelect(ado::Connection& connection, const std::string& table) {
+std::string Quoted(const ado::TableName& table) {
+  return (table.IsBare() ? "" : "[" + table.schema + "].") + "[" + table.name + "]";
+}
+
+/// The rows of a table of the last database in the order of the first one's key.
+std::string OrderedSelect(ado::Connection& connection, const ado::TableName& table,
+                          const ado::TableName& in_last) {
   std::string order;
   for (const ado::Index& index : connection.Indexes(table)) {
     if (!index.primary_key) continue;
@@ -82,7 +88,7 @@ std::string OrderedSelect(ado::Connection& connection, const std::string& table)
       order += fmt::format("{}[{}]", order.empty() ? " order by " : ", ", column);
     }
   }
-  return fmt::format("select * from [{}]{}", table, order);
+  return fmt::format("select * from {}{}", Quoted(in_last), order);
 }
 
 struct ColumnDifference {
@@ -92,10 +98,11 @@ struct ColumnDifference {
 
 class TableComparison {
  public:
-  TableComparison(ado::Connection& first, ado::Connection& last, std::string table)
-      : table_(std::move(table)),
-        first_(first.Execute(OrderedSelect(first, table_))),
-        last_(last.Execute(OrderedSelect(first, table_))) {}
+  TableComparison(ado::Connection& first, ado::Connection& last, const ado::TableName& table,
+                  const ado::TableName& in_last)
+      : table_(table.Text()),
+        first_(first.Execute(OrderedSelect(first, table, table))),
+        last_(last.Execute(OrderedSelect(first, table, in_last))) {}
 
   void Run(Comparison& result) {
     if (first_.FieldCount() != last_.FieldCount()) {
@@ -154,10 +161,12 @@ class TableComparison {
 
 }  // namespace
 
-Comparison CompareDatabases(ado::Connection& first, ado::Connection& last) {
+Comparison CompareDatabases(ado::Connection& first, ado::Connection& last,
+                            const NameInLast& name_in_last) {
   Comparison result;
   for (const ado::TableInfo& table : first.Tables()) {
-    if (table.type == "TABLE") TableComparison(first, last, table.name).Run(result);
+    if (table.type != "TABLE") continue;
+    TableComparison(first, last, table.name, name_in_last(table.name)).Run(result);
   }
   return result;
 }
