@@ -45,6 +45,7 @@ class Conversion {
 
   const ConversionOptions& Options() const { return options_; }
   bool IsMerging() const { return options_.convert_mode == convert_mode::kMerge; }
+  bool IsExact() const { return options_.types == TypeMapping::Exact; }
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
   /// True when the destination's table may be there from before the run.
   bool MayBeOld(const std::string& name) const { return IsMerging() || failed_.contains(name); }

@@ -23,12 +23,17 @@ inline constexpr std::int16_t kMerge = 1;
 inline constexpr std::int16_t kOverwrite = 2;
 }  // namespace convert_mode
 
+/// Which types the destination's columns get: those that the program has always given, or those
+/// that lose nothing of a value.
+enum class TypeMapping { Classic, Exact };
+
 /// How a database is converted; read from the source endpoint only.
 struct ConversionOptions {
   bool copy_table_content = false;
   std::int16_t convert_mode = convert_mode::kMerge;
   bool replace_space_with_underscore = false;
   bool convert_relationships = false;
+  TypeMapping types = TypeMapping::Classic;
 };
 
 /// One database server as the converter sees it. Operations report their failures themselves

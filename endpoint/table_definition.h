@@ -11,7 +11,8 @@ struct ColumnFacts {
   std::string default_text;  // destination literal of the default; empty when there is none
   bool nullable = false;     // the source column takes NULL
   int fraction_digits = 0;   // of the seconds that the destination's column keeps
-  bool is_text = false;      // a number becomes text
+  bool is_text = false;      // a number, or a time, becomes text
+  bool is_exact = false;     // the column is of the exact mapping, and so are its values
 };
 
 /// A column as the destination gets it, in the pieces that a refusal may change.
@@ -20,6 +21,7 @@ struct ColumnDefinition {
   std::string type = {};        // "VARCHAR(50)"; empty for a type that the destination lacks
   std::string attributes = {};  // with a blank in front: " Identity", " primary key auto_increment"
   std::string default_clause = {};  // behind " Default ": the default's literal, or an expression
+  std::string check = {};  // a condition on the column's values, in the destination's words
   bool is_identity = false;
   bool is_invisible = false;  // "select *" leaves it out
   ColumnFacts facts = {};

@@ -48,6 +48,19 @@ struct EncryptionValue {
   }
 };
 
+struct TypesValue {
+  static TypeMapping Read(std::string_view text) {
+    if (text::EqualsIgnoringCase(text, "exact")) return TypeMapping::Exact;
+    if (!text::EqualsIgnoringCase(text, "classic")) {
+      Refuse(run_time::kTypeMismatch, "not classic or exact");
+    }
+    return TypeMapping::Classic;
+  }
+  static std::string Write(TypeMapping value) {
+    return value == TypeMapping::Exact ? "exact" : "classic";
+  }
+};
+
 struct TextValue {
   static std::string Read(std::string_view text) { return std::string(text); }
   static std::string Write(const std::string& value) { return value; }
@@ -98,6 +111,22 @@ constexpr Option ConnectionOption(std::string_view name) {
           }};
 }
 
+/// An option of the conversion, which the source endpoint holds.
+template <typename Value, auto member>
+constexpr Option ConversionOption(std::string_view name) {
+  return {name,
+          [](std::string_view text, IDatabase& src, IDatabase& /*dest*/) {
+            ConversionOptions options = src.Options();
+            options.*member = Value::Read(text);
+            src.SetOptions(std::move(options));
+          },
+          [](const IDatabase& src, const IDatabase& /*dest*/) {
+            const ConversionOptions options = src.Options();
+            const bool is_default = options.*member == ConversionOptions().*member;
+            return is_default ? std::string() : Value::Write(options.*member);
+          }};
+}
+
 // In the order in which they are written.
 constexpr std::array kOptions{
     ConnectionOption<EncryptionValue, &ConnectionSettings::encryption, kSource>(
@@ -107,6 +136,7 @@ constexpr std::array kOptions{
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kSource>("CA file source"),
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
+    ConversionOption<TypesValue, &ConversionOptions::types>("Types"),
 };
 
 }  // namespace

@@ -34,10 +34,14 @@ TableDefinition MsSqlToMySql::DefineTable(ado::Table& tab_src) {
   const std::string identity_column = FindIdentityColumn(tab_src.Name());
   TableDefinition table{
       .name = tab_src.Name(), .dest_name = DestName(tab_src.Name()), .columns = {}};
+  const bool is_made = IsOverwriting() || !IsOnDestination(table.dest_name);
+  std::set<std::string> fine_columns;
+  if (IsExact() && is_made) fine_columns = AskForFineSeconds(tab_src);
   for (const ado::Column& column : tab_src.Columns()) {
-    table.columns.push_back(GetColumnType(column, identity_column));
+    table.columns.push_back(IsExact() ? GetExactColumnType(column, identity_column, fine_columns)
+                                      : GetColumnType(column, identity_column));
   }
-  if (IsOverwriting() || !IsOnDestination(table.dest_name)) AskTheData(tab_src, table);
+  if (!IsExact() && is_made) AskTheData(tab_src, table);
   return table;
 }
 
@@ -87,7 +91,11 @@ bool MsSqlToMySql::CureTable(TableDefinition& table, std::int32_t native_error) 
   const ado::Error* entry = PrimaryError(Destination().Errors(), 0);
   const std::string words = entry != nullptr ? entry->description : std::string();
   const std::vector<ado::Index>& indexes = SourceCatalog().TableByName(table.name).Indexes();
-  return CureDefinition(table, {native_error, words, indexes, PrimaryKeyClause(indexes)});
+  const auto has_fine_decimals = [&](const std::string& column) {
+    return !IsExact() || HasFineDecimals(table.name, column);
+  };
+  return CureDefinition(
+      table, {native_error, words, indexes, PrimaryKeyClause(indexes), has_fine_decimals});
 }
 
 std::string MsSqlToMySql::SelectList(const TableDefinition&) const {

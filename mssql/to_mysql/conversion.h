@@ -41,6 +41,10 @@ class MsSqlToMySql : public Conversion {
   void AskForMilliseconds(ado::Table& tab_src, TableDefinition& table);
   /// True when the source has a row for the query; false too for a question that fails.
   bool SourceHasRow(const std::string& query);
+  /// The columns whose seconds have a seventh digit in a row. Throws RunTimeError.
+  std::set<std::string> AskForFineSeconds(ado::Table& tab_src);
+  /// True when a value of the column has digits behind the point that MySQL's DECIMAL has not.
+  bool HasFineDecimals(const std::string& table, const std::string& column);
 
   // keys.cpp
   void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) override;

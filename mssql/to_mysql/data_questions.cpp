@@ -9,6 +9,8 @@
 #include "endpoint/names.h"
 #include "endpoint/references.h"
 #include "mssql/to_mysql/conversion.h"
+#include "mssql/to_mysql/cures.h"
+#include "mssql/to_mysql/exact_types.h"
 #include "mssql/to_mysql/literals.h"
 
 namespace dorvane::to_mysql {
@@ -41,6 +43,33 @@ bool MsSqlToMySql::SourceHasRow(const std::string& query) {
   } catch (const RunTimeError&) {
     return false;
   }
+}
+
+std::set<std::string> MsSqlToMySql::AskForFineSeconds(ado::Table& tab_src) {
+  std::vector<std::string> names;
+  std::string list;
+  for (const ado::Column& column : tab_src.Columns()) {
+    if (!MayBeFine(column)) continue;
+    list += fmt::format("{}max(case when datepart(nanosecond, {}) % 1000 <> 0 then 1 else 0 end)",
+                        names.empty() ? "" : ", ", SourceName(column.name));
+    names.push_back(column.name);
+  }
+  std::set<std::string> fine;
+  if (names.empty()) return fine;
+  ado::Recordset answer =
+      Source().Execute(fmt::format("select {} from {}", list, SourceName(tab_src.Name())));
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (answer.Field(i).Text() == "1") fine.insert(names[i]);
+  }
+  return fine;
+}
+
+bool MsSqlToMySql::HasFineDecimals(const std::string& table, const std::string& column) {
+  const std::string name = SourceName(column);
+  return !Source()
+              .Execute(fmt::format("select top 1 1 from {} where round({}, {}, 1) <> {}",
+                                   SourceName(table), name, kMostDecimalScale, name))
+              .AtEnd();
 }
 
 void MsSqlToMySql::AskTheData(ado::Table& tab_src, TableDefinition& table) {

@@ -6,6 +6,8 @@
 
 #include "endpoint/names.h"
 #include "mysql/to_mssql/columns.h"
+#include "mysql/to_mssql/exact_types.h"
+#include "mysql/to_mssql/questions.h"
 
 namespace dorvane::to_mssql {
 
@@ -26,11 +28,33 @@ TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
   const std::string& name = tab_src.Name();
   const std::vector<ColumnDescription> descriptions = ShowColumns(Source(), MySqlName(name));
   TableDefinition table{.name = name, .dest_name = DestName(name), .columns = {}};
-  for (const ado::Column& column : tab_src.Columns()) {
-    table.columns.push_back(GetColumnType(column, descriptions));
+  if (IsExact()) {
+    DefineExactly(tab_src.Columns(), descriptions, table);
+  } else {
+    for (const ado::Column& column : tab_src.Columns()) {
+      table.columns.push_back(GetColumnType(column, descriptions));
+    }
   }
   AskTheRows(tab_src.Columns(), table);
   return table;
+}
+
+void MySqlToMsSql::DefineExactly(const std::vector<ado::Column>& columns,
+                                 const std::vector<ColumnDescription>& descriptions,
+                                 TableDefinition& table) {
+  std::vector<std::string> questions;
+  const bool is_made = WillBeCreated(table);
+  for (const ado::Column& column : columns) {
+    questions.push_back(is_made ? QuestionOf(column, table.name) : "");
+  }
+  std::vector<std::string> asked = questions;
+  std::erase(asked, "");
+  const std::vector<std::int64_t> answers = NumbersOf(Source(), table.name, asked);
+  auto answer = answers.begin();
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    table.columns.push_back(GetExactColumnType(
+        columns[i], descriptions, questions[i].empty() ? 0 : *answer++, DestName(columns[i].name)));
+  }
 }
 
 std::string MySqlToMsSql::CreateTableStatement(const TableDefinition& table) const {

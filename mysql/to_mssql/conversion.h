@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "endpoint/conversion.h"
+#include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/foreign_key_text.h"
 #include "mysql/to_mssql/key_text.h"
 #include "mysql/to_mssql/waiting_rows.h"
@@ -23,6 +24,10 @@ class MySqlToMsSql : public Conversion {
  private:
   // conversion.cpp
   TableDefinition DefineTable(ado::Table& tab_src) override;
+  /// The columns in the exact mapping. What their types depend on is asked of the rows where the
+  /// table will be created.
+  void DefineExactly(const std::vector<ado::Column>& columns,
+                     const std::vector<ColumnDescription>& descriptions, TableDefinition& table);
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
   std::int32_t TableExistsError() const override;

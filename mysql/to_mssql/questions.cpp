@@ -1,6 +1,9 @@
 #include "mysql/to_mssql/questions.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <cstdlib>
 
 #include "endpoint/names.h"
 
@@ -34,6 +37,18 @@ bool RepeatsNulls(ado::Connection& source, const std::string& table, const NameL
     has_null += (has_null.empty() ? "" : " or ") + MySqlName(column) + " is null";
   }
   return Exists(source, table, has_null + " group by " + list + " having count(*) > 1");
+}
+
+std::vector<std::int64_t> NumbersOf(ado::Connection& source, const std::string& table,
+                                    const std::vector<std::string>& expressions) {
+  std::vector<std::int64_t> numbers;
+  if (expressions.empty()) return numbers;
+  ado::Recordset answer = source.Execute(
+      fmt::format("select {} from {}", fmt::join(expressions, ", "), MySqlName(table)));
+  for (std::size_t i = 0; i < expressions.size(); ++i) {
+    numbers.push_back(std::atoll(answer.Field(i).Text().c_str()));
+  }
+  return numbers;
 }
 
 }  // namespace dorvane::to_mssql

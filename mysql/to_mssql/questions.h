@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "endpoint/database.h"
 #include "platform/ado/connection.h"
@@ -18,5 +20,9 @@ bool ExceedsDigits(ado::Connection& source, const std::string& table, const std:
 /// Whether rows that are equal in the key's columns have a NULL among them, which is no duplicate
 /// to MySQL and one to SQL Server.
 bool RepeatsNulls(ado::Connection& source, const std::string& table, const NameList& columns);
+
+/// The values of a select list's expressions over all rows, 0 for NULL.
+std::vector<std::int64_t> NumbersOf(ado::Connection& source, const std::string& table,
+                                    const std::vector<std::string>& expressions);
 
 }  // namespace dorvane::to_mssql

@@ -31,18 +31,24 @@ constexpr std::string_view kChangeTexts[kTimeChanges] = {
     "fractions of a second were cut",
 };
 
+/// A column that a table of the classic mapping has.
+bool IsOldMoment(const ado::FieldInfo& column) {
+  return column.server_type == "datetime" || column.server_type == "smalldatetime";
+}
+
 }  // namespace
 
 RowsToMsSql::RowsToMsSql(ado::Connection& destination, Target target,
-                         const std::vector<ado::FieldInfo>& fields,
-                         const std::vector<ColumnFacts>& facts)
+                         const std::vector<ado::FieldInfo>& fields, std::vector<ColumnFacts> facts)
     : destination_(destination),
       target_(std::move(target)),
       fields_(fields),
-      inserts_(destination, target_.table, target_.columns, facts, target_.has_identity_column) {}
+      facts_(std::move(facts)),
+      inserts_(destination, target_.table, target_.columns, facts_, target_.has_identity_column) {
+  LearnTypes();
+}
 
 bool RowsToMsSql::TakesBlocks() {
-  LearnTypes();
   return target_.is_new || !(HasTriggers() || RefersToItself());
 }
 
@@ -55,7 +61,9 @@ void RowsToMsSql::LearnTypes() {
     try {
       for (const ado::Column& column : destination_.Columns(target_.table)) {
         for (std::size_t i = 0; i < fields_.size(); ++i) {
-          if (text::EqualsIgnoringCase(target_.columns[i], column.name)) types[i] = column.type;
+          if (!text::EqualsIgnoringCase(target_.columns[i], column.name)) continue;
+          types[i] = column.type;
+          if (IsOldMoment(column)) facts_[i].is_exact = false;
         }
       }
     } catch (const RunTimeError&) {
@@ -88,8 +96,10 @@ bool RowsToMsSql::RefersToItself() {
   }
 }
 
-ado::Value RowsToMsSql::ConvertValue(const ado::Value& value, std::size_t /*column*/,
-                                     ado::Arena& /*storage*/) {
+ado::Value RowsToMsSql::ConvertValue(const ado::Value& value, std::size_t column,
+                                     ado::Arena& storage) {
+  const ColumnFacts& facts = facts_[column];
+  if (facts.is_exact) return ExactValue(value, fields_[column].type, facts, storage);
   const auto* moment = std::get_if<ado::DateTime>(&value);
   return moment != nullptr ? StorableMoment(*moment) : value;
 }
@@ -231,13 +241,18 @@ void RowsToMsSql::RowStored(std::span<const ado::Value> source_row) {
   for (std::size_t i = 0; i < source_row.size(); ++i) {
     const auto* moment = std::get_if<ado::DateTime>(&source_row[i]);
     if (moment == nullptr) continue;
+    if (facts_[i].is_exact) {
+      if (!IsOfCalendar(*moment)) ++(facts_[i].nullable ? dates_left_out_ : first_days_);
+      continue;
+    }
     const unsigned changes = ChangesOf(*moment, fields_[i].type);
     for (unsigned bit = 0; changes >> bit != 0; ++bit) changes_[bit] += changes >> bit & 1;
   }
 }
 
 std::vector<ValueChanges> RowsToMsSql::Changes() const {
-  std::vector<ValueChanges> changes;
+  std::vector<ValueChanges> changes{{dates_left_out_, "dates that do not exist became NULL"},
+                                    {first_days_, "dates that do not exist became 0001-01-01"}};
   for (unsigned bit = 0; bit < kTimeChanges; ++bit) {
     changes.push_back({changes_[bit], std::string(kChangeTexts[bit])});
   }

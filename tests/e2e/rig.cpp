@@ -81,6 +81,9 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
     settings_of.idle_limit = job.idle_limit;
     endpoint->SetSettings(std::move(settings_of));
   }
+  ConversionOptions options = src.Options();
+  options.types = job.types;
+  src.SetOptions(options);
   src.SetCopyTableContent(true);
   src.SetConvertMode(job.mode);
   src.SetConvertRelationships(job.relationships);

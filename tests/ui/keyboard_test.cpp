@@ -109,8 +109,8 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
         "cmdNav3", "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword"}},
       {"cmdNav3",
        {"lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL", "lstDestTables",
-        "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips", "cmdNav1",
-        "cmdNav2", "cmdNav3"}},
+        "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips",
+        "chkExactTypes", "cmdNav1", "cmdNav2", "cmdNav3"}},
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",

@@ -120,6 +120,7 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   driver_.Click("cmdMLR");
   driver_.Click("chkConvertDefOnly");
   driver_.Click("chkConvertRelationShips");
+  driver_.Click("chkExactTypes");
   driver_.Next();
   EXPECT_EQ(driver_.Window().CurrentPage(), 6);
   const WizardSession& session = driver_.Window().Session();
@@ -129,6 +130,7 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   EXPECT_FALSE(session.src->CopyTableContent());
   EXPECT_FALSE(session.src->ReplaceSpaceWithUnderscore());
   EXPECT_TRUE(session.src->ConvertRelationships());
+  EXPECT_EQ(session.src->Options().types, TypeMapping::Exact);
   EXPECT_TRUE(driver_.IsEnabled("cmdNav4"));
   EXPECT_FALSE(driver_.IsEnabled("cmdNav3"));
   EXPECT_FALSE(driver_.IsEnabled("cmdSchedule"));

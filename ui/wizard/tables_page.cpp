@@ -129,6 +129,7 @@ void TablesPage::AddOptions() {
   chkReplaceSpaceWithUnderscore_ =
       add("chkReplaceSpaceWithUnderscore", "Convert names spaces to &underscore");
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
+  chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
 }
 
 void TablesPage::ClearLists() {
@@ -145,6 +146,9 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   src.SetCopyTableContent(!chkConvertDefOnly_->isChecked());
   src.SetReplaceSpaceWithUnderscore(chkReplaceSpaceWithUnderscore_->isChecked());
   src.SetConvertRelationships(chkConvertRelationShips_->isChecked());
+  ConversionOptions options = src.Options();
+  options.types = chkExactTypes_->isChecked() ? TypeMapping::Exact : TypeMapping::Classic;
+  src.SetOptions(options);
 }
 
 void TablesPage::Move(void (*operation)(TableLists& lists)) {

@@ -51,6 +51,7 @@ class TablesPage : public WizardPage {
   QCheckBox* chkConvertDefOnly_;
   QCheckBox* chkReplaceSpaceWithUnderscore_;
   QCheckBox* chkConvertRelationShips_;
+  QCheckBox* chkExactTypes_;
 };
 
 }  // namespace dorvane

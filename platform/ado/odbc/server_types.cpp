@@ -120,6 +120,7 @@ bool IsUnlimited(const ServerType& type, const DeclaredSize& declared) {
 FieldInfo DescribeField(const ServerType& type, const DeclaredSize& declared) {
   FieldInfo field;
   field.type = type.type;
+  field.server_type = type.name;
   if (IsUnlimited(type, declared)) {
     field.defined_size = type.unlimited_size;
     // A blob type of its own, since the sized type's column need not hold so much.
