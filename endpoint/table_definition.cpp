@@ -16,6 +16,11 @@ const ColumnDefinition* TableDefinition::Find(std::string_view column) const {
   return found != columns.end() ? &*found : nullptr;
 }
 
+ColumnDefinition* TableDefinition::Find(std::string_view column) {
+  const auto found = std::ranges::find(columns, column, &ColumnDefinition::name);
+  return found != columns.end() ? &*found : nullptr;
+}
+
 const ColumnDefinition* TableDefinition::Identity() const {
   const auto found = std::ranges::find(columns, true, &ColumnDefinition::is_identity);
   return found != columns.end() ? &*found : nullptr;

@@ -42,6 +42,7 @@ TableDefinition MsSqlToMySql::DefineTable(ado::Table& tab_src) {
                                       : GetColumnType(column, identity_column));
   }
   if (!IsExact() && is_made) AskTheData(tab_src, table);
+  if (IsExact()) DescribeExtras(table);
   return table;
 }
 
@@ -77,10 +78,11 @@ std::string MsSqlToMySql::CreateTableStatement(const TableDefinition& table) con
   std::string statement = "Create Table " + MySqlName(table.dest_name) + "(";
   const char* separator = "";
   for (const ColumnDefinition& column : table.columns) {
-    statement += separator + MySqlName(DestName(column.name)) + " " + column.Text();
+    statement += separator + MySqlName(DestName(column.name)) + " " + column.Text() +
+                 CommentClause(column.comment);
     separator = ",";
   }
-  return statement + table.constraints + ")";
+  return statement + table.constraints + ")" + CommentClause(table.comment);
 }
 
 std::int32_t MsSqlToMySql::TableExistsError() const {

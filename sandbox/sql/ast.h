@@ -359,6 +359,12 @@ struct WaitStatement {
 };
 struct NothingStatement {};
 
+/// DBCC CHECKIDENT with RESEED.
+struct ReseedStatement {
+  ObjectName table;
+  std::int64_t last = 0;
+};
+
 struct TransactionStatement {
   enum class Kind { Begin, Commit, Rollback, Save } kind;
   std::string name;
@@ -379,7 +385,7 @@ struct ExecuteStatement {
 struct Statement {
   int line = 1;
   std::variant<NothingStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement,
-               TruncateStatement, CreateDatabaseStatement, DropDatabaseStatement, UseStatement,
+               TruncateStatement, ReseedStatement, CreateDatabaseStatement, DropDatabaseStatement, UseStatement,
                CreateTableStatement, AlterTableStatement, CreateIndexStatement, AlterIndexStatement,
                CreateTypeStatement, DropTypeStatement, DropIndexStatement, DropTableStatement,
                CreateViewStatement, PrincipalStatement, DeclareStatement, SetVariableStatement,

@@ -360,6 +360,9 @@ constexpr std::array kMessages{
         8101, 16, 1, Ends::Statement,
         "An explicit value for the identity column in table '{}' can only be specified when a "
         "column list is used and IDENTITY_INSERT is ON."},
+    MessageText{2501, 16, 45, Ends::Statement,
+                "Cannot find a table or object with the name \"{}\". Check the system catalog."},
+    MessageText{7997, 16, 1, Ends::Statement, "'{}' does not contain an identity column."},
     MessageText{8102, 16, 1, Ends::Batch, "Cannot update identity column '{}'."},
     MessageText{8106, 16, 1, Ends::Statement,
                 "Table '{}' does not have the identity property. Cannot perform SET operation."},
@@ -414,9 +417,16 @@ constexpr std::array kMessages{
                 "User, group, or role '{}' already exists in the current database."},
     MessageText{15025, 16, 1, Ends::Batch, "The server principal '{}' already exists."},
     MessageText{15034, 16, 1, Ends::Statement, "The storage failed: {}"},
+    MessageText{15135, 16, 8, Ends::Statement,
+                "Object is invalid. Extended properties are not permitted on '{}', or the object "
+                "does not exist."},
     MessageText{15150, 16, 1, Ends::Batch, "Cannot {} the {} '{}'."},
     MessageText{15151, 16, 1, Ends::Batch,
                 "Cannot {} the {} '{}', because it does not exist or you do not have permission."},
+    MessageText{15217, 16, 1, Ends::Statement,
+                "Property cannot be updated or deleted. Property '{}' does not exist for '{}'."},
+    MessageText{15233, 16, 1, Ends::Statement,
+                "Property cannot be added. Property '{}' already exists for '{}'."},
 };
 
 }  // namespace

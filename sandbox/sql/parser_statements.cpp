@@ -1,6 +1,7 @@
 #include <array>
 
 #include "sandbox/sql/errors.h"
+#include "sandbox/sql/object_names.h"
 #include "sandbox/sql/parser.h"
 #include "sandbox/storage/text_order.h"
 
@@ -72,6 +73,7 @@ Statement Parser::ParseKeyword() {
     if (token_.Is(entry.word)) return entry.parse(*this);
   }
   if (Accept("checkpoint")) return {1, NothingStatement()};
+  if (token_.Is("dbcc") && PeekSecond().Is("checkident")) return ParseReseed();
   // Rights, which every login has, and upkeep of files, which nobody has to do here.
   for (const char* word : {"grant", "revoke", "deny", "dbcc", "backup", "dump"}) {
     if (!token_.Is(word)) continue;
@@ -79,6 +81,24 @@ Statement Parser::ParseKeyword() {
     return {1, NothingStatement()};
   }
   Fail();
+}
+
+// "checkident ('t', reseed, 5)"; without a number there is nothing to do.
+Statement Parser::ParseReseed() {
+  Take();
+  Take();
+  ExpectSymbol("(");
+  const bool is_text = token_.kind == TokenKind::String || token_.kind == TokenKind::NString;
+  ReseedStatement reseed{is_text ? ParsedName(Unquote(Take().text, '\'')) : TakeObjectName()};
+  const bool has_number =
+      AcceptSymbol(",") && (Accept("reseed") || Accept("noreseed")) && AcceptSymbol(",");
+  if (has_number) {
+    const bool is_negative = AcceptSymbol("-");
+    reseed.last = TakeInteger() * (is_negative ? -1 : 1);
+  }
+  ExpectSymbol(")");
+  if (!has_number) return {1, NothingStatement()};
+  return {1, std::move(reseed)};
 }
 
 // Statements up to "end", or up to "end try" and its kin.

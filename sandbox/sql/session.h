@@ -105,6 +105,7 @@ class Session final : public EngineSession, public BindContext {
   Flow Run(const UpdateStatement& statement);
   Flow Run(const DeleteStatement& statement);
   Flow Run(const TruncateStatement& statement);
+  Flow Run(const ReseedStatement& statement);
   Flow Run(const CreateDatabaseStatement& statement);
   Flow Run(const DropDatabaseStatement& statement);
   Flow Run(const UseStatement& statement);

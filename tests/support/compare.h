@@ -14,8 +14,12 @@ struct Comparison {
   std::vector<std::string> faults;  // everything else that differs
 };
 
+/// Which types the way there and back went through. The exact ones lose nothing.
+enum class WayBack { Classic, Exact };
+
 /// Compares every table of `first` with the table of the same name in `last`, rows in the order of
 /// the primary key. Throws RunTimeError when one of them cannot be read.
-Comparison CompareDatabases(ado::Connection& first, ado::Connection& last);
+Comparison CompareDatabases(ado::Connection& first, ado::Connection& last,
+                            WayBack way = WayBack::Classic);
 
 }  // namespace dorvane::test
