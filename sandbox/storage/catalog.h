@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sandbox/sql/types.h"
+#include "sandbox/values/types.h"
 
 namespace sandbox {
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSettings>
@@ -12,6 +14,7 @@
 
 #include "tests/support/temp_folder.h"
 #include "tests/ui/print_qt.h"
+#include "ui/controls/make_child.h"
 #include "ui/controls/picture_box.h"
 #include "ui/dialogs/frm_msg_box.h"
 #include "ui/dialogs/frm_wait.h"
@@ -236,15 +239,50 @@ TEST(frmMsgBox, ItsTitleBarMovesIt) {
   ShowMessage("move me", 0, "");
 }
 
-TEST(frmWait, CanNotBeClosedByTheUser) {
-  frmWait wait;
+TEST(frmWait, ShowsOnlyWhenTheAnswerTakesLongAndCanNotBeClosed) {
+  QWidget window;
+  auto& field = MakeChild<QLineEdit>(window);
+  window.show();
+  field.setFocus();
+  auto& wait = *std::make_unique<frmWait>(window).release();
+  wait.Begin();
+  QTest::qWait(50);
+  wait.End();
+  QTest::qWait(400);
+  EXPECT_FALSE(wait.isVisible()) << "the answer came quickly";
+
   EXPECT_EQ(wait.windowTitle(), "Connecting......");
   EXPECT_EQ(Control<QLabel>(wait, "lblWait").text(), "Please wait");
-  wait.show();
+  wait.Begin();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return wait.isVisible(); }));
+  EXPECT_EQ(wait.geometry(), window.rect());
+  EXPECT_EQ(window.focusWidget(), &wait);
   EXPECT_FALSE(wait.close());
   QTest::keyClick(&wait, Qt::Key_Escape);
-  EXPECT_TRUE(wait.isVisible());
-  wait.hide();
+  QElapsedTimer shown;
+  shown.start();
+  wait.End();
+  EXPECT_GT(shown.elapsed(), 300) << "long enough to be seen";
+  EXPECT_FALSE(wait.isVisible());
+  EXPECT_EQ(window.focusWidget(), &field);
+}
+
+TEST(frmWait, StandsBackForAMessage) {
+  QWidget window;
+  window.show();
+  auto& wait = *std::make_unique<frmWait>(window).release();
+  wait.Begin();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return wait.isVisible(); }));
+  bool behind_box = true;
+  QTimer::singleShot(100, [&] {
+    QWidget* box = QApplication::activeModalWidget();
+    behind_box = wait.isVisible();
+    Click(*box, "cmdOK");
+  });
+  ShowMessage("no server", 0, "");
+  EXPECT_FALSE(behind_box);
+  wait.End();
+  EXPECT_FALSE(wait.isVisible());
 }
 
 }  // namespace

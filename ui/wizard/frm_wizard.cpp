@@ -1,9 +1,9 @@
 #include "ui/wizard/frm_wizard.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
 
 #include "ui/controls/qt_text.h"
+#include "ui/controls/user_input.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/theme.h"
 
@@ -121,7 +121,7 @@ void frmWizard::HighlightStepIndicator(std::int16_t page) {
     step_markers_[step]->SetFillColor(is_current ? theme::kCurrentMarker : theme::kOtherMarker);
     theme::SetColor(*step_labels_[step], QPalette::WindowText,
                     is_current ? theme::kCurrentStep : theme::kOtherStep);
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    ProcessAllButUserInput();
   }
 }
 
