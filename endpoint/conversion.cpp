@@ -144,7 +144,18 @@ void Conversion::ConvertTable(const std::string& name) {
   if (options_.copy_table_content && CopyTableContent(table, is_new) != Copied::AsFarAsPossible) {
     return;
   }
+  if (is_new && IsExact()) CompleteTable(table);
   events_.TableConversionSuccessed(name);
+}
+
+void Conversion::ExecuteOrNote(const TableDefinition& table, const std::string& statement,
+                               std::string_view what) {
+  try {
+    ExecuteOn(*destination_, statement);
+  } catch (const DestinationFailure& failure) {
+    host_.Inform(fmt::format("Table {}: {} was left off: {}", table.name.Text(), what,
+                             failure.Summary().description));
+  }
 }
 
 bool Conversion::CreateTable(TableDefinition& table) {

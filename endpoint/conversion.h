@@ -60,6 +60,10 @@ class Conversion {
   /// Opens the connections again that were lost, so that one lost session costs one table only.
   /// Throws RunTimeError.
   void KeepConnected();
+  /// Has the destination execute a statement that the table can do without, and notes `what` was
+  /// left off and why when it refuses.
+  void ExecuteOrNote(const TableDefinition& table, const std::string& statement,
+                     std::string_view what);
   void RaiseError(std::string_view message, std::string_view title,
                   std::int32_t style = message_style::kError);
   /// A name as it is on the destination: blanks become "_" when that was asked for.
@@ -97,6 +101,9 @@ class Conversion {
   virtual std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                                     const std::vector<ado::FieldInfo>& fields,
                                                     const std::vector<ColumnFacts>& facts) = 0;
+  /// What a new table of the exact mapping gets when its rows are there, the next identity value
+  /// among it. What is refused is noted.
+  virtual void CompleteTable(const TableDefinition& table) = 0;
   /// After the last table: stores the rows that were postponed, and adds those that were refused
   /// for good to the account of their destination table.
   virtual void StorePostponedRows(std::map<std::string, RowAccount>& /*accounts*/) {}

@@ -17,6 +17,11 @@ const ColumnDefinition* TableDefinition::Find(std::string_view column) const {
   return ado::FindItemOrNull(columns, column);
 }
 
+ColumnDefinition* TableDefinition::Find(std::string_view column) {
+  const auto found = std::ranges::find(columns, column, &ColumnDefinition::name);
+  return found != columns.end() ? &*found : nullptr;
+}
+
 const ColumnDefinition* TableDefinition::Identity() const {
   const auto found = std::ranges::find(columns, true, &ColumnDefinition::is_identity);
   return found != columns.end() ? &*found : nullptr;

@@ -23,7 +23,9 @@ struct ColumnDefinition {
   std::string type = {};        // "VARCHAR(50)"; empty for a type that the destination lacks
   std::string attributes = {};  // with a blank in front: " Identity", " primary key auto_increment"
   std::string default_clause = {};  // behind " Default ": the default's literal, or an expression
-  std::string check = {};  // a condition on the column's values, in the destination's words
+  std::string check = {};       // a condition on the column's values, in the destination's words
+  std::string comment = {};     // for a person to read, as the source has it
+  std::string next_value = {};  // that an identity column gives at the source, in decimal digits
   bool is_identity = false;
   bool is_invisible = false;  // "select *" leaves it out
   ColumnFacts facts = {};
@@ -31,6 +33,12 @@ struct ColumnDefinition {
 
   /// What follows the column's name in a Create Table statement.
   std::string Text() const;
+};
+
+/// A condition on the rows of a table.
+struct CheckDefinition {
+  std::string name;       // the source's; may be empty
+  std::string condition;  // in the source's words
 };
 
 /// A table as the destination gets it.
@@ -41,9 +49,12 @@ struct TableDefinition {
   std::string constraints = {};         // behind the columns, with a comma in front
   std::string auto_increment = {};      // the identity's next number, where the source tells it
   std::vector<std::string> notes = {};  // what was done about refusals, for a person to read
+  std::string comment = {};             // for a person to read, as the source has it
+  std::vector<CheckDefinition> checks = {};
 
   /// As ado::FindItemOrNull does.
   const ColumnDefinition* Find(std::string_view column) const;
+  ColumnDefinition* Find(std::string_view column);
   /// Null when the table has no identity column.
   const ColumnDefinition* Identity() const;
 };

@@ -74,6 +74,7 @@ TableDefinition MsSqlToMySql::DefineTable(ado::Table& tab_src) {
   }
   SetNextNumber(tab_src, table);
   if (!IsExact() && is_made) AskTheData(tab_src, table);
+  if (IsExact()) DescribeExtras(table);
   return table;
 }
 
@@ -121,10 +122,11 @@ std::string MsSqlToMySql::CreateTableStatement(const TableDefinition& table) con
   std::string statement = "Create Table " + MySqlTable(table.dest_name) + "(";
   const char* separator = "";
   for (const ColumnDefinition& column : table.columns) {
-    statement += separator + MySqlName(DestName(column.name)) + " " + column.Text();
+    statement += separator + MySqlName(DestName(column.name)) + " " + column.Text() +
+                 CommentClause(column.comment);
     separator = ",";
   }
-  statement += table.constraints + ")";
+  statement += table.constraints + ")" + CommentClause(table.comment);
   if (table.Identity() == nullptr || table.auto_increment.empty()) return statement;
   return statement + " AUTO_INCREMENT=" + table.auto_increment;
 }

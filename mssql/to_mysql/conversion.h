@@ -35,6 +35,12 @@ class MsSqlToMySql : public Conversion {
   /// True when there is a table of that name; false too for a question that fails.
   bool IsOnDestination(const ado::TableName& dest_name);
 
+  // extras.cpp
+  /// Reads the comments, checks and next identity value of a table.
+  void DescribeExtras(TableDefinition& table);
+  static std::string CommentClause(const std::string& comment);
+  void CompleteTable(const TableDefinition& table) override;
+
   // data_questions.cpp
   /// Widens the columns whose values would not all fit otherwise.
   void AskTheData(ado::Table& tab_src, TableDefinition& table);

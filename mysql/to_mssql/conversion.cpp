@@ -55,6 +55,7 @@ void MySqlToMsSql::DefineExactly(const std::vector<ado::Column>& columns,
     table.columns.push_back(GetExactColumnType(
         columns[i], descriptions, questions[i].empty() ? 0 : *answer++, DestName(columns[i].name)));
   }
+  DescribeExtras(table);
 }
 
 std::string MySqlToMsSql::CreateTableStatement(const TableDefinition& table) const {

@@ -28,6 +28,14 @@ class MySqlToMsSql : public Conversion {
   /// table will be created.
   void DefineExactly(const std::vector<ado::Column>& columns,
                      const std::vector<ColumnDescription>& descriptions, TableDefinition& table);
+  // extras.cpp
+  /// Reads the comments, checks and next identity value of a table.
+  void DescribeExtras(TableDefinition& table);
+  void CompleteTable(const TableDefinition& table) override;
+  void AddComment(const TableDefinition& table, const std::string& column,
+                  const std::string& comment);
+  void Reseed(const TableDefinition& table);
+
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
   std::int32_t TableExistsError() const override;

@@ -26,6 +26,13 @@ bool CutPiece(std::string& text, std::string_view piece) {
   return true;
 }
 
+/// "(5,1)" of " Identity(5,1)"; empty for one that counts from 1.
+std::string SeedOf(const ColumnDefinition& column) {
+  const std::size_t open = column.attributes.find('(');
+  if (open == std::string::npos) return {};
+  return column.attributes.substr(open, column.attributes.find(')') - open + 1);
+}
+
 /// The keys that follow say what becomes of them.
 bool LeaveUniqueOff(TableDefinition& table, ado::Connection&) {
   bool is_changed = false;
@@ -39,7 +46,7 @@ bool LeaveIdentityOff(TableDefinition& table, ado::Connection&) {
   bool is_changed = false;
   for (ColumnDefinition& column : table.columns) {
     if (!column.is_identity) continue;
-    is_changed |= CutPiece(column.attributes, kIdentity);
+    is_changed |= CutPiece(column.attributes, std::string(kIdentity) + SeedOf(column));
     column.is_identity = false;
     column.notes.push_back(fmt::format("column {} is no identity: SQL Server has none of type {}",
                                        column.name, column.type));

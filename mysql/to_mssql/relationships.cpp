@@ -19,10 +19,10 @@ constexpr std::int32_t kSeveralCascades = 1785;
 // Stands for a backquote inside a name while the ones around names are turned into brackets.
 constexpr char kInnerQuote = '\x01';
 
-/// SQL Server has neither rule in this place.
-std::string Rule(const std::string& rule) {
-  const bool has_none =
-      text::EqualsIgnoringCase(rule, "set null") || text::EqualsIgnoringCase(rule, "restrict");
+/// SQL Server has no Restrict; the classic mapping keeps Set Null back as well.
+std::string Rule(const std::string& rule, bool is_exact) {
+  const bool has_none = text::EqualsIgnoringCase(rule, "restrict") ||
+                        (!is_exact && text::EqualsIgnoringCase(rule, "set null"));
   return has_none ? kNoAction : rule;
 }
 
@@ -57,7 +57,7 @@ void MySqlToMsSql::AddRelationship(const ado::TableName& table, const ForeignKey
   };
   try {
     try {
-      execute(Rule(key.delete_rule), Rule(key.update_rule));
+      execute(Rule(key.delete_rule, IsExact()), Rule(key.update_rule, IsExact()));
     } catch (const DestinationFailure& failure) {
       if (failure.NativeError() != kSeveralCascades) throw;
       execute(kNoAction, kNoAction);

@@ -260,6 +260,11 @@ void DatabaseLink::ResetIdentity(const TableDef& table) {
   ForgetCounter(connection_, IdentityCounter(table.id));
 }
 
+void DatabaseLink::SetIdentity(const TableDef& table, std::int64_t last) {
+  state_->SetLastIdentity(table.id, last);
+  unsaved_identities_[table.id] = last;
+}
+
 std::int64_t DatabaseLink::NextRowVersion() {
   if (!stored_row_version_) stored_row_version_ = LoadCounter(connection_, kRowVersion, 0);
   stored_row_version_ = state_->NextRowVersion(*stored_row_version_);

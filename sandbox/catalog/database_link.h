@@ -81,6 +81,8 @@ class DatabaseLink final : public FunctionHost {
   /// Notes an explicit value, beyond which the counter goes on.
   void NoteIdentity(const TableDef& table, const ColumnDef& column, std::int64_t value);
   void ResetIdentity(const TableDef& table);
+  /// The next value follows this one.
+  void SetIdentity(const TableDef& table, std::int64_t last);
   /// The last value given out; nothing before the first.
   std::optional<std::int64_t> LastIdentity(const TableDef& table);
   std::int64_t NextRowVersion();

@@ -70,7 +70,20 @@ auto ObjectsOf(const char* kind) {
   return [kind](Session&, DatabaseLink& link) { return Objects(link, kind); };
 }
 
-// There are no triggers and no extended properties here.
+struct Property {
+  int table;
+  PropertyDef def;
+};
+
+std::vector<Property> Properties(Session&, DatabaseLink& link) {
+  std::vector<Property> properties;
+  for (const TableDef* table : link.Definitions().Sorted()) {
+    for (const PropertyDef& each : table->properties) properties.push_back({table->id, each});
+  }
+  return properties;
+}
+
+// There are no triggers here.
 struct Nothing {};
 std::vector<Nothing> None(Session&, DatabaseLink&) {
   return {};
@@ -149,10 +162,15 @@ std::vector<SystemView> SysObjectViews() {
            Empty("parent_id", kInt), Empty("type", kKind), Empty("is_disabled", kBit),
            Empty("is_instead_of_trigger", kBit)},
           None),
-      MakeView<Nothing>("extended_properties",
-                        {Empty("class", kTiny), Empty("class_desc", kName), Empty("major_id", kInt),
-                         Empty("minor_id", kInt), Empty("name", kName), Empty("value", kVariant)},
-                        None),
+      MakeView<Property>(
+          "extended_properties",
+          {{"class", kTiny, [](const Property&) { return Int(1); }},
+           {"class_desc", kName, [](const Property&) { return Word("OBJECT_OR_COLUMN"); }},
+           {"major_id", kInt, [](const Property& p) { return Int(p.table); }},
+           {"minor_id", kInt, [](const Property& p) { return Int(p.def.column_id); }},
+           {"name", kName, [](const Property& p) { return Value(p.def.name); }},
+           {"value", kVariant, [](const Property& p) { return Value(p.def.value); }}},
+          Properties),
   };
 }
 

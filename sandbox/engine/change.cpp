@@ -180,4 +180,14 @@ Flow SqlSession::Run(const TruncateStatement& truncate) {
   return Flow::Next;
 }
 
+Flow SqlSession::Run(const ReseedStatement& reseed) {
+  DatabaseLink& link = LinkTo(reseed.table.database);
+  link.BeginWrite();
+  const TableDef& table = TargetTable(link, reseed.table, 2501);
+  if (!table.IdentityColumn()) Raise(7997, table.name);
+  link.SetIdentity(table, reseed.last);
+  Done(std::nullopt);
+  return Flow::Next;
+}
+
 }  // namespace sandbox

@@ -95,6 +95,7 @@ class SqlSession final : public EngineSession, public Session {
   Flow Run(const UpdateStatement& statement);
   Flow Run(const DeleteStatement& statement);
   Flow Run(const TruncateStatement& statement);
+  Flow Run(const ReseedStatement& statement);
   Flow Run(const CreateDatabaseStatement& statement);
   Flow Run(const DropDatabaseStatement& statement);
   Flow Run(const UseStatement& statement);

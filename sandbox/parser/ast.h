@@ -359,6 +359,12 @@ struct WaitStatement {
 };
 struct NothingStatement {};
 
+/// DBCC CHECKIDENT with RESEED.
+struct ReseedStatement {
+  ObjectName table;
+  std::int64_t last = 0;
+};
+
 struct TransactionStatement {
   enum class Kind { Begin, Commit, Rollback, Save } kind;
   std::string name;
@@ -379,13 +385,13 @@ struct ExecuteStatement {
 struct Statement {
   int line = 1;
   std::variant<NothingStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement,
-               TruncateStatement, CreateDatabaseStatement, DropDatabaseStatement, UseStatement,
-               CreateTableStatement, AlterTableStatement, CreateIndexStatement, AlterIndexStatement,
-               CreateTypeStatement, DropTypeStatement, DropIndexStatement, DropTableStatement,
-               CreateViewStatement, PrincipalStatement, DeclareStatement, SetVariableStatement,
-               SetOptionStatement, IfStatement, WhileStatement, BlockStatement, TryStatement,
-               JumpStatement, PrintStatement, RaiseStatement, WaitStatement, TransactionStatement,
-               ExecuteStatement>
+               TruncateStatement, ReseedStatement, CreateDatabaseStatement, DropDatabaseStatement,
+               UseStatement, CreateTableStatement, AlterTableStatement, CreateIndexStatement,
+               AlterIndexStatement, CreateTypeStatement, DropTypeStatement, DropIndexStatement,
+               DropTableStatement, CreateViewStatement, PrincipalStatement, DeclareStatement,
+               SetVariableStatement, SetOptionStatement, IfStatement, WhileStatement,
+               BlockStatement, TryStatement, JumpStatement, PrintStatement, RaiseStatement,
+               WaitStatement, TransactionStatement, ExecuteStatement>
       what;
 };
 

@@ -63,6 +63,7 @@ class Parser {
   Statement ParseJump(JumpStatement::Kind kind);
   Statement ParseWait();
   Statement ParseUse();
+  Statement ParseReseed();
 
   // rows (parser_rows.cpp)
   Statement ParseInsert();

@@ -72,6 +72,7 @@ Statement Parser::ParseKeyword() {
     if (token_.Is(entry.word)) return entry.parse(*this);
   }
   if (Accept("checkpoint")) return {1, NothingStatement()};
+  if (token_.Is("dbcc") && PeekSecond().Is("checkident")) return ParseReseed();
   // Rights, which every login has, and upkeep of files, which nobody has to do here.
   for (const char* word : {"grant", "revoke", "deny", "dbcc", "backup", "dump"}) {
     if (!token_.Is(word)) continue;
@@ -79,6 +80,25 @@ Statement Parser::ParseKeyword() {
     return {1, NothingStatement()};
   }
   Fail();
+}
+
+// "checkident ('t', reseed, 5)"; without a number there is nothing to do.
+Statement Parser::ParseReseed() {
+  Take();
+  Take();
+  ExpectSymbol("(");
+  const bool is_text = token_.kind == TokenKind::String || token_.kind == TokenKind::NString;
+  const std::string text = is_text ? Unquote(Take().text, '\'') : std::string();
+  ReseedStatement reseed{is_text ? Parser(text).ParseNameText() : TakeObjectName()};
+  const bool has_number =
+      AcceptSymbol(",") && (Accept("reseed") || Accept("noreseed")) && AcceptSymbol(",");
+  if (has_number) {
+    const bool is_negative = AcceptSymbol("-");
+    reseed.last = TakeInteger() * (is_negative ? -1 : 1);
+  }
+  ExpectSymbol(")");
+  if (!has_number) return {1, NothingStatement()};
+  return {1, std::move(reseed)};
 }
 
 // Statements up to "end", or up to "end try" and its kin.

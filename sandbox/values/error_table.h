@@ -250,6 +250,8 @@ inline constexpr std::array kMessages{
     MessageText{1946, 16, 3, Ends::Statement,
                 "Operation failed. The index entry of length {} bytes for the index '{}' exceeds "
                 "the maximum length of {} bytes for {} indexes."},
+    MessageText{2501, 16, 45, Ends::Statement,
+                "Cannot find a table or object with the name \"{}\". Check the system catalog."},
     MessageText{
         2601, 14, 1, Ends::Statement,
         "Cannot insert duplicate key row in object '{}' with unique index '{}'. The duplicate "
@@ -358,6 +360,7 @@ inline constexpr std::array kMessages{
     MessageText{5701, 10, 2, Ends::Statement, "Changed database context to '{}'."},
     MessageText{6401, 16, 1, Ends::Statement,
                 "Cannot roll back {}. No transaction or savepoint of that name was found."},
+    MessageText{7997, 16, 1, Ends::Statement, "'{}' does not contain an identity column."},
     MessageText{
         8101, 16, 1, Ends::Statement,
         "An explicit value for the identity column in table '{}' can only be specified when a "
@@ -416,9 +419,16 @@ inline constexpr std::array kMessages{
                 "User, group, or role '{}' already exists in the current database."},
     MessageText{15025, 16, 1, Ends::Batch, "The server principal '{}' already exists."},
     MessageText{15034, 16, 1, Ends::Statement, "The storage failed: {}"},
+    MessageText{15135, 16, 8, Ends::Statement,
+                "Object is invalid. Extended properties are not permitted on '{}', or the object "
+                "does not exist."},
     MessageText{15150, 16, 1, Ends::Batch, "Cannot {} the {} '{}'."},
     MessageText{15151, 16, 1, Ends::Batch,
                 "Cannot {} the {} '{}', because it does not exist or you do not have permission."},
+    MessageText{15217, 16, 1, Ends::Statement,
+                "Property cannot be updated or deleted. Property '{}' does not exist for '{}'."},
+    MessageText{15233, 16, 1, Ends::Statement,
+                "Property cannot be added. Property '{}' already exists for '{}'."},
 };
 static_assert(std::ranges::adjacent_find(kMessages, std::ranges::greater_equal(),
                                          &MessageText::number) == kMessages.end(),

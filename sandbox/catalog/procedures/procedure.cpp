@@ -38,7 +38,7 @@ std::int64_t Arguments::Integer(std::size_t i, std::int64_t when_missing) const 
 
 const Procedure* FindProcedure(std::string_view name) {
   for (const auto group : {CatalogProcedures(), KeyProcedures(), HelpProcedures(),
-                           ServerProcedures(), IdleProcedures()}) {
+                           ServerProcedures(), IdleProcedures(), PropertyProcedures()}) {
     for (const Procedure& procedure : group) {
       if (SameName(procedure.name, name)) return &procedure;
     }

@@ -66,5 +66,6 @@ std::span<const Procedure> KeyProcedures();
 std::span<const Procedure> HelpProcedures();
 std::span<const Procedure> ServerProcedures();
 std::span<const Procedure> IdleProcedures();
+std::span<const Procedure> PropertyProcedures();
 
 }  // namespace sandbox

@@ -97,9 +97,6 @@ int ServerInfo(Session& session, const Arguments& args) {
 }  // namespace
 
 std::span<const Procedure> IdleProcedures() {
-  static const std::vector<const char*> kOfProperties{"@name",       "@value",      "@level0type",
-                                                      "@level0name", "@level1type", "@level1name",
-                                                      "@level2type", "@level2name"};
   static const std::vector<Procedure> kProcedures{
       {"sp_updatestats", {}, Nothing},
       {"sp_dboption", {"@dbname", "@optname", "@optvalue"}, Nothing},
@@ -115,9 +112,6 @@ std::span<const Procedure> IdleProcedures() {
       {"sp_tableoption", {"@TableNamePattern", "@OptionName", "@OptionValue"}, Nothing},
       {"sp_fulltext_database", {"@action"}, Nothing},
       {"sp_recompile", {"@objname"}, Nothing},
-      {"sp_addextendedproperty", kOfProperties, Nothing},
-      {"sp_updateextendedproperty", kOfProperties, Nothing},
-      {"sp_dropextendedproperty", kOfProperties, Nothing},
   };
   return kProcedures;
 }
