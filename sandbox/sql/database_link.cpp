@@ -1,5 +1,7 @@
 #include "sandbox/sql/database_link.h"
 
+#include <mutex>
+
 #include "sandbox/sql/functions.h"
 #include "sandbox/sql/insert_plan.h"
 #include "sandbox/storage/catalog_store.h"
@@ -36,7 +38,10 @@ DatabaseLink::DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseS
 DatabaseLink::~DatabaseLink() = default;
 
 const Catalog& DatabaseLink::Definitions() {
-  const std::uint64_t current = state_->definition_version;
+  const std::uint64_t current = [this] {
+    const std::lock_guard lock(state_->definition_mutex);
+    return state_->definition_version;
+  }();
   if (keeps_definitions || definitions_changed_ || current == catalog_version_) return catalog_;
   ForgetStatements();
   catalog_ = LoadCatalog(connection_);
@@ -124,6 +129,8 @@ void DatabaseLink::Commit() {
   if (!Writing()) return;
   SaveCounters();
   auto commit = connection_.Prepare("COMMIT");
+  std::unique_lock lock(state_->definition_mutex, std::defer_lock);
+  if (definitions_changed_) lock.lock();
   Run(commit);
   if (!definitions_changed_) return;
   definitions_changed_ = false;
