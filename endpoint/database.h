@@ -23,12 +23,16 @@ inline constexpr std::int16_t kMerge = 1;
 inline constexpr std::int16_t kOverwrite = 2;
 }  // namespace convert_mode
 
+/// The most tables that are converted side by side.
+inline constexpr int kMostTablesAtOnce = 8;
+
 /// How a database is converted; read from the source endpoint only.
 struct ConversionOptions {
   bool copy_table_content = false;
   std::int16_t convert_mode = convert_mode::kMerge;
   bool replace_space_with_underscore = false;
   bool convert_relationships = false;
+  int tables_at_once = 1;  // up to kMostTablesAtOnce, each over a pair of connections of its own
 };
 
 /// One database server as the converter sees it. Operations report their failures themselves

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <optional>
 #include <utility>
 
 #include "platform/run_time_error.h"
@@ -53,17 +54,33 @@ struct TextValue {
   static std::string Write(const std::string& value) { return value; }
 };
 
+/// The whole number that the text is; none when it is more than `most`.
+std::optional<int> ReadNumber(std::string_view text, int most, const char* what) {
+  if (text.empty() || !std::ranges::all_of(text, text::IsDigit)) {
+    Refuse(run_time::kTypeMismatch, fmt::format("no whole number of {}", what));
+  }
+  int number = 0;
+  const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (parsed.ec != std::errc() || number > most) return std::nullopt;
+  return number;
+}
+
 struct SecondsValue {
   static int Read(std::string_view text) {
-    if (text.empty() || !std::ranges::all_of(text, text::IsDigit)) {
-      Refuse(run_time::kTypeMismatch, "no whole number of seconds");
+    const std::optional<int> seconds = ReadNumber(text, kLongestLimit, "seconds");
+    if (!seconds) Refuse(run_time::kOverflow, fmt::format("more than {} seconds", kLongestLimit));
+    return *seconds;
+  }
+  static std::string Write(int value) { return fmt::to_string(value); }
+};
+
+struct TablesValue {
+  static int Read(std::string_view text) {
+    const std::optional<int> tables = ReadNumber(text, kMostTablesAtOnce, "tables");
+    if (!tables || *tables < 1) {
+      Refuse(run_time::kOverflow, fmt::format("not between 1 and {}", kMostTablesAtOnce));
     }
-    int seconds = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), seconds);
-    if (parsed.ec != std::errc() || seconds > kLongestLimit) {
-      Refuse(run_time::kOverflow, fmt::format("more than {} seconds", kLongestLimit));
-    }
-    return seconds;
+    return *tables;
   }
   static std::string Write(int value) { return fmt::to_string(value); }
 };
@@ -98,6 +115,22 @@ constexpr Option ConnectionOption(std::string_view name) {
           }};
 }
 
+/// An option of the conversion, which the source endpoint holds.
+template <typename Value, auto member>
+constexpr Option ConversionOption(std::string_view name) {
+  return {name,
+          [](std::string_view text, IDatabase& src, IDatabase& /*dest*/) {
+            ConversionOptions options = src.Options();
+            options.*member = Value::Read(text);
+            src.SetOptions(std::move(options));
+          },
+          [](const IDatabase& src, const IDatabase& /*dest*/) {
+            const ConversionOptions options = src.Options();
+            const bool is_default = options.*member == ConversionOptions().*member;
+            return is_default ? std::string() : Value::Write(options.*member);
+          }};
+}
+
 // In the order in which they are written.
 constexpr std::array kOptions{
     ConnectionOption<EncryptionValue, &ConnectionSettings::encryption, kSource>(
@@ -107,6 +140,7 @@ constexpr std::array kOptions{
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kSource>("CA file source"),
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
+    ConversionOption<TablesValue, &ConversionOptions::tables_at_once>("Tables at once"),
 };
 
 }  // namespace

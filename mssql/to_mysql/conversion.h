@@ -29,6 +29,8 @@ class MsSqlToMySql : public Conversion {
   std::string_view WideCount() const override { return "count_big(*)"; }
   std::string SourceName(std::string_view name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
+  std::unique_ptr<Conversion> Fork(Context context) const override;
+  void Join(Conversion& fork) override;
   /// Empty when the table has no identity column. Throws RunTimeError.
   std::string FindIdentityColumn(const std::string& table_name);
   /// True when there is a table of that name; false too for a question that fails.
@@ -70,6 +72,7 @@ class MsSqlToMySql : public Conversion {
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  std::vector<Reference> DestReferences() override;
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);

@@ -16,17 +16,17 @@ constexpr std::string_view kReferenceQuery =
     "referenced_table_name from information_schema.referential_constraints where "
     "unique_constraint_schema = database() order by table_name, constraint_name";
 
-std::vector<Reference> ReadReferences(ado::Connection& destination) {
+}  // namespace
+
+std::vector<Reference> MsSqlToMySql::DestReferences() {
   std::vector<Reference> references;
   ado::Recordset rows =
-      OnDestination(destination, [&] { return destination.Execute(kReferenceQuery); });
+      OnDestination(Destination(), [&] { return Destination().Execute(kReferenceQuery); });
   for (; !rows.AtEnd(); rows.MoveNext()) {
     references.push_back({rows.Field(0).Text(), rows.Field(1).Text(), rows.Field(2).Text()});
   }
   return references;
 }
-
-}  // namespace
 
 // A table cannot be dropped while a key of another one refers to it.
 void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
@@ -39,7 +39,7 @@ void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>&
   for (const TableDefinition* table : tables) names.insert(table->dest_name);
   std::vector<Reference> references;
   try {
-    references = ReferencesToDrop(ReadReferences(Destination()), names, FoldsTableNames());
+    references = ReferencesToDrop(DestReferences(), names, FoldsTableNames());
   } catch (const RunTimeError& error) {
     report(error);
   }

@@ -31,9 +31,12 @@ class MySqlToMsSql : public Conversion {
   void RelateTable(const std::string& name) override;
   std::string SourceName(std::string_view name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
+  std::unique_ptr<Conversion> Fork(Context context) const override;
+  void Join(Conversion& fork) override;
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  std::vector<Reference> DestReferences() override;
   /// Without them the tables can be dropped in any order. Leaves the keys of tables that a key from
   /// elsewhere keeps.
   void DropReferencesAmong(const std::vector<const TableDefinition*>& tables);

@@ -8,11 +8,9 @@
 
 namespace dorvane::to_mssql {
 
-namespace {
-
-std::vector<Reference> ReadReferences(ado::Connection& destination) {
+std::vector<Reference> MySqlToMsSql::DestReferences() {
   std::vector<Reference> references;
-  ado::Recordset rows = destination.Execute(
+  ado::Recordset rows = Destination().Execute(
       "select name, object_name(parent_object_id), object_name(referenced_object_id) from "
       "sys.foreign_keys order by name");
   for (; !rows.AtEnd(); rows.MoveNext()) {
@@ -20,8 +18,6 @@ std::vector<Reference> ReadReferences(ado::Connection& destination) {
   }
   return references;
 }
-
-}  // namespace
 
 void MySqlToMsSql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
   DropReferencesAmong(tables);
@@ -41,7 +37,7 @@ void MySqlToMsSql::DropReferencesAmong(const std::vector<const TableDefinition*>
   for (const TableDefinition* table : tables) names.insert(table->dest_name);
   try {
     for (const Reference& reference :
-         ReferencesToDrop(ReadReferences(Destination()), names, FoldsTableNames())) {
+         ReferencesToDrop(DestReferences(), names, FoldsTableNames())) {
       Destination().Execute(fmt::format("alter table {} drop constraint {}",
                                         MsSqlName(reference.table), MsSqlName(reference.name)));
     }

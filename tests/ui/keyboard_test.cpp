@@ -110,8 +110,8 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
         "cmbDestEncryption"}},
       {"cmdNav3",
        {"lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL", "lstDestTables",
-        "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips", "cmdNav1",
-        "cmdNav2", "cmdNav3"}},
+        "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips",
+        "spnTablesAtOnce", "cmdNav1", "cmdNav2", "cmdNav3"}},
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",
