@@ -180,7 +180,7 @@ Flow SqlSession::Run(const TruncateStatement& truncate) {
   return Flow::Next;
 }
 
-Flow Session::Run(const ReseedStatement& reseed) {
+Flow SqlSession::Run(const ReseedStatement& reseed) {
   DatabaseLink& link = LinkTo(reseed.table.database);
   link.BeginWrite();
   const TableDef& table = TargetTable(link, reseed.table, 2501);

@@ -385,13 +385,13 @@ struct ExecuteStatement {
 struct Statement {
   int line = 1;
   std::variant<NothingStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement,
-               TruncateStatement, ReseedStatement, CreateDatabaseStatement, DropDatabaseStatement, UseStatement,
-               CreateTableStatement, AlterTableStatement, CreateIndexStatement, AlterIndexStatement,
-               CreateTypeStatement, DropTypeStatement, DropIndexStatement, DropTableStatement,
-               CreateViewStatement, PrincipalStatement, DeclareStatement, SetVariableStatement,
-               SetOptionStatement, IfStatement, WhileStatement, BlockStatement, TryStatement,
-               JumpStatement, PrintStatement, RaiseStatement, WaitStatement, TransactionStatement,
-               ExecuteStatement>
+               TruncateStatement, ReseedStatement, CreateDatabaseStatement, DropDatabaseStatement,
+               UseStatement, CreateTableStatement, AlterTableStatement, CreateIndexStatement,
+               AlterIndexStatement, CreateTypeStatement, DropTypeStatement, DropIndexStatement,
+               DropTableStatement, CreateViewStatement, PrincipalStatement, DeclareStatement,
+               SetVariableStatement, SetOptionStatement, IfStatement, WhileStatement,
+               BlockStatement, TryStatement, JumpStatement, PrintStatement, RaiseStatement,
+               WaitStatement, TransactionStatement, ExecuteStatement>
       what;
 };
 
