@@ -48,7 +48,7 @@ class Conversion {
   bool IsExact() const { return options_.types == TypeMapping::Exact; }
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
   /// True when the destination's table may be there from before the run.
-  bool MayBeOld(const std::string& name) const { return IsMerging() || failed_.contains(name); }
+  bool MayBeOld(const ado::TableName& name) const { return IsMerging() || failed_.contains(name); }
   CopyStrategy Strategy() const { return copy_.strategy; }
   const std::string& SourceDatabase() const { return source_database_; }
   ado::Connection& Source() { return *source_; }
@@ -68,6 +68,10 @@ class Conversion {
                   std::int32_t style = message_style::kError);
   /// A name as it is on the destination: blanks become "_" when that was asked for.
   std::string DestName(std::string_view name) const;
+  /// The source's table that a list shows so; a bare name where the source has none.
+  ado::TableName SourceTable(const std::string& listed);
+  /// What a listed table is on the destination.
+  ado::TableName DestTableOf(const std::string& listed) { return DestTable(SourceTable(listed)); }
 
  private:
   // The steps of a direction. They throw RunTimeError, and DestinationFailure for what the
@@ -108,8 +112,10 @@ class Conversion {
 
   /// What counts the rows where count(*) overflows; empty for a source where it does not.
   virtual std::string_view WideCount() const { return {}; }
-  /// A name quoted for the source.
-  virtual std::string SourceName(std::string_view name) const = 0;
+  /// A table's name quoted for the source.
+  virtual std::string SourceName(const ado::TableName& name) const = 0;
+  /// A table of the source as it is named on the destination.
+  virtual ado::TableName DestTable(const ado::TableName& name) const = 0;
   /// True when the destination takes names that differ in letter case for one.
   virtual bool FoldsTableNames() = 0;
   virtual void ReportTableFailure(const std::string& name, const RunTimeError& error) = 0;
@@ -153,7 +159,7 @@ class Conversion {
   IRunHost& host_;
   const CopyPlan copy_;
   std::map<std::string, PlannedTable> planned_;
-  std::set<std::string> failed_;  // tables that were not made
+  std::set<ado::TableName> failed_;  // tables that were not made
 
   /// A table that waits for rows of other tables.
   struct PostponedTable {

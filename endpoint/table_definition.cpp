@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/ado/items.h"
+
 namespace dorvane {
 
 std::string ColumnDefinition::Text() const {
@@ -12,8 +14,7 @@ std::string ColumnDefinition::Text() const {
 }
 
 const ColumnDefinition* TableDefinition::Find(std::string_view column) const {
-  const auto found = std::ranges::find(columns, column, &ColumnDefinition::name);
-  return found != columns.end() ? &*found : nullptr;
+  return ado::FindItemOrNull(columns, column);
 }
 
 ColumnDefinition* TableDefinition::Find(std::string_view column) {

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/ado/table_name.h"
+
 namespace dorvane {
 
 /// What the row copy must know of a column.
@@ -41,15 +43,16 @@ struct CheckDefinition {
 
 /// A table as the destination gets it.
 struct TableDefinition {
-  std::string name;       // the source catalog's
-  std::string dest_name;  // unquoted
+  ado::TableName name;       // the source catalog's
+  ado::TableName dest_name;  // unquoted, like it
   std::vector<ColumnDefinition> columns;
   std::string constraints = {};         // behind the columns, with a comma in front
+  std::string auto_increment = {};      // the identity's next number, where the source tells it
   std::vector<std::string> notes = {};  // what was done about refusals, for a person to read
   std::string comment = {};             // for a person to read, as the source has it
   std::vector<CheckDefinition> checks = {};
 
-  /// Null when there is none of that name.
+  /// As ado::FindItemOrNull does.
   const ColumnDefinition* Find(std::string_view column) const;
   ColumnDefinition* Find(std::string_view column);
   /// Null when the table has no identity column.

@@ -12,6 +12,7 @@
 #include "mssql/to_mysql/cures.h"
 #include "mssql/to_mysql/exact_types.h"
 #include "mssql/to_mysql/literals.h"
+#include "platform/ado/items.h"
 
 namespace dorvane::to_mysql {
 
@@ -19,11 +20,6 @@ namespace {
 
 constexpr int kMostSignedTinyInt = 127;
 constexpr int kMilliseconds = 3;
-
-ColumnDefinition* FindColumn(TableDefinition& table, std::string_view name) {
-  const auto found = std::ranges::find(table.columns, name, &ColumnDefinition::name);
-  return found != table.columns.end() ? &*found : nullptr;
-}
 
 /// A datetime, whose thousandths MySQL's plain DATETIME drops.
 bool HasDroppedFraction(const ado::Column& column) {
@@ -51,7 +47,7 @@ std::set<std::string> MsSqlToMySql::AskForFineSeconds(ado::Table& tab_src) {
   for (const ado::Column& column : tab_src.Columns()) {
     if (!MayBeFine(column)) continue;
     list += fmt::format("{}max(case when datepart(nanosecond, {}) % 1000 <> 0 then 1 else 0 end)",
-                        names.empty() ? "" : ", ", SourceName(column.name));
+                        names.empty() ? "" : ", ", MsSqlName(column.name));
     names.push_back(column.name);
   }
   std::set<std::string> fine;
@@ -64,8 +60,8 @@ std::set<std::string> MsSqlToMySql::AskForFineSeconds(ado::Table& tab_src) {
   return fine;
 }
 
-bool MsSqlToMySql::HasFineDecimals(const std::string& table, const std::string& column) {
-  const std::string name = SourceName(column);
+bool MsSqlToMySql::HasFineDecimals(const ado::TableName& table, const std::string& column) {
+  const std::string name = MsSqlName(column);
   return !Source()
               .Execute(fmt::format("select top 1 1 from {} where round({}, {}, 1) <> {}",
                                    SourceName(table), name, kMostDecimalScale, name))
@@ -80,14 +76,14 @@ void MsSqlToMySql::AskTheData(ado::Table& tab_src, TableDefinition& table) {
 void MsSqlToMySql::AskForWideTinyInts(ado::Table& tab_src, TableDefinition& table) {
   for (const ado::Column& column : tab_src.Columns()) {
     if (column.type != ado::DataType::UnsignedTinyInt) continue;
-    ColumnDefinition* definition = FindColumn(table, column.name);
+    ColumnDefinition* definition = ado::FindItemOrNull(table.columns, column.name);
     const bool is_wide =
         IsAbove(definition->default_clause, kMostSignedTinyInt) ||
         std::ranges::any_of(WithReferencedColumns(SourceCatalog(), {table.name, column.name}),
                             [this](const ColumnPlace& place) {
                               return SourceHasRow(fmt::format(
                                   "select top 1 1 from {} where {} > {}", SourceName(place.table),
-                                  SourceName(place.column), kMostSignedTinyInt));
+                                  MsSqlName(place.column), kMostSignedTinyInt));
                             });
     if (is_wide) definition->type = "TINYINT UNSIGNED";
   }
@@ -102,9 +98,9 @@ void MsSqlToMySql::AskForMilliseconds(ado::Table& tab_src, TableDefinition& tabl
     for (const std::string& name : index.columns) {
       const auto column = std::ranges::find(columns, name, &ado::Column::name);
       if (column == columns.end()) continue;
-      std::string group = SourceName(name);
+      std::string group = MsSqlName(name);
       if (HasDroppedFraction(*column)) {
-        moments.push_back(FindColumn(table, name));
+        moments.push_back(ado::FindItemOrNull(table.columns, name));
         group = fmt::format("convert(varchar(19), {}, 120)", group);
       }
       groups += (groups.empty() ? "" : ", ") + group;

@@ -1,5 +1,4 @@
-// What a table of the exact mapping has beside columns, keys and rows: comments, checks, and where
-// its identity stands.
+// What a table of the exact mapping has beside columns, keys and rows: comments and checks.
 
 #include <fmt/format.h>
 
@@ -62,15 +61,6 @@ void MsSqlToMySql::DescribeExtras(TableDefinition& table) {
       [&](const std::string& name, const std::string& condition) {
         table.checks.push_back({name, condition});
       });
-  if (table.Identity() == nullptr) return;
-  each_row(
-      "select name, convert(varchar(40), coalesce(convert(decimal(38, 0), last_value) + "
-      "convert(decimal(38, 0), increment_value), convert(decimal(38, 0), seed_value))) from "
-      "sys.identity_columns where object_id = " +
-          id,
-      [&](const std::string& name, const std::string& next) {
-        if (ColumnDefinition* column = table.Find(name)) column->next_value = next;
-      });
 }
 
 std::string MsSqlToMySql::CommentClause(const std::string& comment) {
@@ -78,14 +68,14 @@ std::string MsSqlToMySql::CommentClause(const std::string& comment) {
 }
 
 void MsSqlToMySql::CompleteTable(const TableDefinition& table) {
-  const std::string name = MySqlName(table.dest_name);
+  const std::string name = MySqlTable(table.dest_name);
   const auto dest_name = [this](std::string_view column) { return MySqlName(DestName(column)); };
   for (const CheckDefinition& check : table.checks) {
     const std::string what = "check " + check.name;
     const std::string condition = CheckText(check.condition, dest_name);
     if (condition.empty()) {
-      Host().Inform(fmt::format("Table {}: {} was left off: MySQL reads {} otherwise", table.name,
-                                what, check.condition));
+      Host().Inform(fmt::format("Table {}: {} was left off: MySQL reads {} otherwise",
+                                table.name.Text(), what, check.condition));
       continue;
     }
     ExecuteOrNote(table,
@@ -93,12 +83,6 @@ void MsSqlToMySql::CompleteTable(const TableDefinition& table) {
                               MySqlName(DestName(check.name)), condition),
                   what);
   }
-  const ColumnDefinition* identity = table.Identity();
-  if (identity == nullptr || identity->next_value.empty()) return;
-  if (identity->next_value.starts_with('-')) return;  // MySQL counts from 1
-  ExecuteOrNote(table,
-                fmt::format("ALTER TABLE {} AUTO_INCREMENT = {}", name, identity->next_value),
-                "the next identity value " + identity->next_value);
 }
 
 }  // namespace dorvane::to_mysql

@@ -124,6 +124,10 @@ std::string_view BareGuid(std::string_view braced) {
   return braced.substr(1, braced.size() - 2);
 }
 
+std::string SchemaText(const ado::TableName& table) {
+  return table.IsBare() ? "database()" : "'" + Quote(table.schema) + "'";
+}
+
 std::string HexCodeGUID(std::string_view braced) {
   return HexCode(GuidBytes(braced));
 }

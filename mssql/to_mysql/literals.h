@@ -5,6 +5,7 @@
 
 #include "endpoint/table_definition.h"
 #include "platform/ado/row_block.h"
+#include "platform/ado/table_name.h"
 #include "platform/ado/types.h"
 #include "platform/ado/value.h"
 
@@ -32,6 +33,9 @@ std::string Quote(std::string_view text);
 
 /// A braced identifier without its braces.
 std::string_view BareGuid(std::string_view braced);
+
+/// What stands for a table's database in a condition on MySQL's catalog.
+std::string SchemaText(const ado::TableName& table);
 
 /// "0x" and the 32 digits of a braced identifier; "0x00" for any other text.
 std::string HexCodeGUID(std::string_view braced);

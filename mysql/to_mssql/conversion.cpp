@@ -25,9 +25,9 @@ constexpr std::int32_t kObjectExists = 2714;
 void MySqlToMsSql::PrepareTable(const TableDefinition&) {}
 
 TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
-  const std::string& name = tab_src.Name();
-  const std::vector<ColumnDescription> descriptions = ShowColumns(Source(), MySqlName(name));
-  TableDefinition table{.name = name, .dest_name = DestName(name), .columns = {}};
+  const ado::TableName& name = tab_src.Name();
+  const std::vector<ColumnDescription> descriptions = ShowColumns(Source(), MySqlTable(name));
+  TableDefinition table{.name = name, .dest_name = DestTable(name), .columns = {}};
   if (IsExact()) {
     DefineExactly(tab_src.Columns(), descriptions, table);
   } else {
@@ -59,7 +59,7 @@ void MySqlToMsSql::DefineExactly(const std::vector<ado::Column>& columns,
 }
 
 std::string MySqlToMsSql::CreateTableStatement(const TableDefinition& table) const {
-  std::string statement = "Create Table " + MsSqlName(table.dest_name) + "(";
+  std::string statement = "Create Table " + MsSqlTable(table.dest_name) + "(";
   const char* separator = "";
   for (const ColumnDefinition& column : table.columns) {
     statement += separator + MsSqlName(DestName(column.name)) + " " + column.Text();
@@ -85,13 +85,17 @@ bool MySqlToMsSql::FoldsTableNames() {
   return true;
 }
 
-std::string MySqlToMsSql::SourceName(std::string_view name) const {
-  return MySqlName(name);
+std::string MySqlToMsSql::SourceName(const ado::TableName& name) const {
+  return MySqlTable(name);
+}
+
+ado::TableName MySqlToMsSql::DestTable(const ado::TableName& name) const {
+  return DestName(name.name);
 }
 
 void MySqlToMsSql::RelateTable(const std::string& name) {
   ado::Table& tab_src = SourceCatalog().TableByName(name);
-  Events().TableRelationsConversionStarted(tab_src.Name());
+  Events().TableRelationsConversionStarted(tab_src.Name().Text());
   AddRelationships(tab_src);
 }
 
@@ -112,7 +116,7 @@ void MySqlToMsSql::ReportTableFailure(const std::string& name, const RunTimeErro
   if (entry->native_error == kNoSuchTable) return;
   if (entry->native_error == kTableIsReferenced) {
     RaiseError(fmt::format("Could not drop table '{}' due to relationship(s) with other table(s)",
-                           DestName(name)),
+                           DestTableOf(name).Text()),
                kDestinationTitle);
     return;
   }

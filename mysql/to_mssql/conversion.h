@@ -42,7 +42,8 @@ class MySqlToMsSql : public Conversion {
   std::string SelectList(const TableDefinition& table) const override;
   bool FoldsTableNames() override;
   void RelateTable(const std::string& name) override;
-  std::string SourceName(std::string_view name) const override;
+  std::string SourceName(const ado::TableName& name) const override;
+  ado::TableName DestTable(const ado::TableName& name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
 
   // overwriting.cpp
@@ -58,7 +59,7 @@ class MySqlToMsSql : public Conversion {
   void AskTheRows(const std::vector<ado::Column>& columns, TableDefinition& table);
   bool WillBeCreated(const TableDefinition& table);
   /// Of the column itself or one that it refers to.
-  bool HoldsNegatives(const std::string& table, const std::string& column);
+  bool HoldsNegatives(const ado::TableName& table, const std::string& column);
 
   // keys.cpp
   void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) override;
@@ -73,14 +74,14 @@ class MySqlToMsSql : public Conversion {
   std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
-  bool HasIdentity(const std::string& dest_table);
+  bool HasIdentity(const ado::TableName& dest_table);
   void StorePostponedRows(std::map<std::string, RowAccount>& accounts) override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
-  void AddRelationship(const std::string& table, const ForeignKeyText& key);
-  bool HasRelationship(const std::string& dest_table, const std::string& quoted_name);
+  void AddRelationship(const ado::TableName& table, const ForeignKeyText& key);
+  bool HasRelationship(const ado::TableName& dest_table, const std::string& quoted_name);
   /// A part of a table definition with its names as they are on the destination.
   std::string DestNames(std::string_view definition_part) const;
 

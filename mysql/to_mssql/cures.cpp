@@ -134,7 +134,7 @@ void MySqlToMsSql::AskTheRows(const std::vector<ado::Column>& columns, TableDefi
   }
 }
 
-bool MySqlToMsSql::HoldsNegatives(const std::string& table, const std::string& column) {
+bool MySqlToMsSql::HoldsNegatives(const ado::TableName& table, const std::string& column) {
   return std::ranges::any_of(WithReferencedColumns(SourceCatalog(), {table, column}),
                              [this](const ColumnPlace& place) {
                                return HasNegatives(Source(), place.table, place.column);
@@ -145,7 +145,7 @@ bool MySqlToMsSql::WillBeCreated(const TableDefinition& table) {
   if (IsOverwriting()) return true;
   return OnDestination(Destination(), [&] {
     ado::Recordset id =
-        Destination().Execute("select object_id('" + SqlText(MsSqlName(table.dest_name)) + "')");
+        Destination().Execute("select object_id('" + SqlText(MsSqlTable(table.dest_name)) + "')");
     return id.AtEnd() || id.Field(0).IsNull();
   });
 }

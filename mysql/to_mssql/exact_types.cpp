@@ -226,7 +226,7 @@ bool IsBinary(ado::DataType type) {
 
 }  // namespace
 
-std::string QuestionOf(const ado::Column& col, const std::string& table) {
+std::string QuestionOf(const ado::Column& col, const ado::TableName& table) {
   const std::string name = MySqlName(col.name);
   if (IsFlag(col)) {
     return fmt::format(
@@ -235,7 +235,7 @@ std::string QuestionOf(const ado::Column& col, const std::string& table) {
         "where table_schema = database() and ((referenced_table_name is not null and "
         "table_name = {1} and column_name = {2}) or (referenced_table_name = {1} and "
         "referenced_column_name = {2})))",
-        name, HexCode(table), HexCode(col.name));
+        name, HexCode(table.name), HexCode(col.name));
   }
   const ExactRow* row = RowOf(col);
   if (row == nullptr || row->question.empty()) return {};

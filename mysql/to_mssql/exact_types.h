@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/ado/catalog_types.h"
+#include "platform/ado/table_name.h"
 
 namespace dorvane::to_mssql {
 
@@ -19,7 +20,7 @@ struct ExactType {
 
 /// What the rows must be asked before the type can be chosen, as the expression of a select list
 /// that gives a number; empty for a type that needs no question. `table` is unquoted.
-std::string QuestionOf(const ado::Column& col, const std::string& table);
+std::string QuestionOf(const ado::Column& col, const ado::TableName& table);
 
 /// `answer` is that of the question, 0 where there was none. `dest_name` is the column's name on
 /// the destination.

@@ -37,7 +37,7 @@ constexpr std::string_view kChecks[] = {
 }  // namespace
 
 void MySqlToMsSql::DescribeExtras(TableDefinition& table) {
-  const std::string name = HexCode(table.name);
+  const std::string name = HexCode(table.name.name);
   const auto each_row = [this](const std::string& query, auto take) {
     try {
       ado::Recordset rows = Source().Execute(query);
@@ -67,7 +67,7 @@ void MySqlToMsSql::DescribeExtras(TableDefinition& table) {
   }
   for (ColumnDefinition& column : table.columns) {
     if (!column.is_identity) continue;
-    each_row("show create table " + MySqlName(table.name),
+    each_row("show create table " + MySqlTable(table.name),
              [&](const std::string&, const std::string& definition) {
                column.next_value = NextValue(definition);
              });
@@ -84,14 +84,14 @@ void MySqlToMsSql::CompleteTable(const TableDefinition& table) {
     const std::string condition = CheckText(check.condition);
     if (condition.empty()) {
       Host().Inform(fmt::format("Table {}: {} was left off: SQL Server reads {} otherwise",
-                                table.name, what, check.condition));
+                                table.name.Text(), what, check.condition));
       continue;
     }
     // A check of a column bears its column's name, which is no name of its own.
     const std::string name =
         table.Find(check.name) != nullptr ? "" : "constraint " + MsSqlName(DestName(check.name));
     ExecuteOrNote(table,
-                  fmt::format("alter table {} add {} check ({})", MsSqlName(table.dest_name), name,
+                  fmt::format("alter table {} add {} check ({})", MsSqlTable(table.dest_name), name,
                               DestNames(condition)),
                   what);
   }
@@ -104,11 +104,10 @@ void MySqlToMsSql::CompleteTable(const TableDefinition& table) {
 
 void MySqlToMsSql::AddComment(const TableDefinition& table, const std::string& column,
                               const std::string& comment) {
-  const std::string dest_table = table.dest_name;
   std::string statement = fmt::format(
       "declare @schema sysname; set @schema = object_schema_name(object_id(N'{}')); "
       "exec sp_addextendedproperty N'MS_Description', N'{}', N'schema', @schema, N'table', N'{}'",
-      SqlText(MsSqlName(dest_table)), SqlText(comment), SqlText(dest_table));
+      SqlText(MsSqlTable(table.dest_name)), SqlText(comment), SqlText(table.dest_name.name));
   if (!column.empty()) {
     statement += fmt::format(", N'column', N'{}'", SqlText(DestName(column)));
   }
@@ -122,7 +121,7 @@ void MySqlToMsSql::Reseed(const TableDefinition& table) {
   std::from_chars(next_value.data(), next_value.data() + next_value.size(), next);
   if (next == 0) return;
   // An empty table gives its seed first, whatever it is told here.
-  const std::string name = MsSqlName(table.dest_name);
+  const std::string name = MsSqlTable(table.dest_name);
   ExecuteOrNote(table,
                 fmt::format("if exists(select 1 from {}) dbcc checkident (N'{}', reseed, {})", name,
                             SqlText(name), next - 1),

@@ -29,9 +29,9 @@ std::string Rule(const std::string& rule, bool is_exact) {
 }  // namespace
 
 void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
-  const std::string& name = tab_src.Name();
+  const ado::TableName& name = tab_src.Name();
   try {
-    ado::Recordset row = Source().Execute("show create table  " + MySqlName(name));
+    ado::Recordset row = Source().Execute("show create table  " + MySqlTable(name));
     const std::string definition = row.Field(1).Text();
     row.Close();
     for (const ForeignKeyText& key : ReadForeignKeys(definition)) {
@@ -43,9 +43,9 @@ void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
   }
 }
 
-void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyText& key) {
-  const std::string dest_table = DestName(table);
-  const std::string table_reference = MsSqlName(dest_table);
+void MySqlToMsSql::AddRelationship(const ado::TableName& table, const ForeignKeyText& key) {
+  const ado::TableName dest_table = DestTable(table);
+  const std::string table_reference = MsSqlTable(dest_table);
   const std::string name = DestNames(key.name);
   const std::string columns = DestNames(key.columns);
   const std::string referenced = DestNames(key.referenced);
@@ -64,7 +64,7 @@ void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyTex
       Host().Inform(
           fmt::format("Table {}: relationship {} has No Action for its rules, since SQL "
                       "Server takes no cycles and no second path of them",
-                      table, name));
+                      table.Text(), name));
     }
   } catch (const DestinationFailure& failure) {
     const ErrorSummary summary = failure.Summary();
@@ -82,7 +82,8 @@ void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyTex
   }
 }
 
-bool MySqlToMsSql::HasRelationship(const std::string& dest_table, const std::string& quoted_name) {
+bool MySqlToMsSql::HasRelationship(const ado::TableName& dest_table,
+                                   const std::string& quoted_name) {
   try {
     return std::ranges::any_of(Destination().Keys(dest_table), [&](const ado::Key& key) {
       return key.type == ado::KeyType::Foreign &&

@@ -77,7 +77,7 @@ bool RowsToMsSql::HasTriggers() {
   try {
     ado::Recordset count =
         destination_.Execute("select count(*) from sys.triggers where parent_id = object_id('" +
-                             SqlText(MsSqlName(target_.table)) + "')");
+                             SqlText(MsSqlTable(target_.table)) + "')");
     return !count.AtEnd() && count.Field(0).Text() != "0";
   } catch (const RunTimeError&) {
     // A server that does not tell is taken for one that would see the difference.
@@ -86,10 +86,11 @@ bool RowsToMsSql::HasTriggers() {
 }
 
 bool RowsToMsSql::RefersToItself() {
-  const std::string& name = target_.table;
+  const std::string name = target_.table.Text();
   try {
-    return std::ranges::any_of(destination_.Keys(name), [&name](const ado::Key& key) {
-      return key.type == ado::KeyType::Foreign && text::EqualsIgnoringCase(key.related_table, name);
+    return std::ranges::any_of(destination_.Keys(target_.table), [&name](const ado::Key& key) {
+      return key.type == ado::KeyType::Foreign &&
+             text::EqualsIgnoringCase(key.related_table.Text(), name);
     });
   } catch (const RunTimeError&) {
     return true;
@@ -132,7 +133,7 @@ BlockResult RowsToMsSql::InsertBlock(const ado::RowBlock& converted, std::size_t
 bool RowsToMsSql::OpenLoad() {
   if (!target_.is_loaded || load_) return target_.is_loaded;
   try {
-    load_ = destination_.OpenTable(MsSqlName(target_.table), target_.columns);
+    load_ = destination_.OpenTable(MsSqlTable(target_.table), target_.columns);
   } catch (const RunTimeError&) {
     target_.is_loaded = false;
   }
@@ -213,7 +214,7 @@ RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
 RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, const std::string& statement) {
   ErrorSummary reason{error.native_error, error.description};
   if (target_.waiting != nullptr && MayComeRight(error) &&
-      target_.waiting->Add({.table = target_.table,
+      target_.waiting->Add({.table = target_.table.Text(),
                             .position = handled_,
                             .statement = statement,
                             .after = inserts_.After(),
@@ -271,16 +272,17 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
                              .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   if (!is_new) {
-    target.identity = IdentifyingFields(SourceCatalog().TableByName(table.name).Indexes(), fields);
+    target.identity =
+        IdentifyingFields(SourceCatalog().TableByName(table.name.Text()).Indexes(), fields);
   }
   return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
 }
 
-bool MySqlToMsSql::HasIdentity(const std::string& dest_table) {
+bool MySqlToMsSql::HasIdentity(const ado::TableName& dest_table) {
   ado::Recordset count = OnDestination(Destination(), [&] {
     return Destination().Execute(
         "select count(*) from sys.columns where is_identity = 1 and object_id = object_id('" +
-        SqlText(MsSqlName(dest_table)) + "')");
+        SqlText(MsSqlTable(dest_table)) + "')");
   });
   return count.AtEnd() || count.Field(0).Text() != "0";
 }
@@ -291,7 +293,7 @@ void MySqlToMsSql::StorePostponedRows(std::map<std::string, RowAccount>& account
 
 void MySqlToMsSql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
   RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
-                         MsSqlName(table.dest_name), problem),
+                         MsSqlTable(table.dest_name), problem),
              "MS SQL Server");
 }
 

@@ -22,7 +22,7 @@ namespace dorvane::to_mssql {
 class RowsToMsSql : public IRowDestination {
  public:
   struct Target {
-    std::string table;  // without brackets, as the columns are
+    ado::TableName table;  // without brackets, as the columns are
     std::vector<std::string> columns;
     bool has_identity_column = false;        // its values come with the rows
     bool is_new = false;                     // just created: no rows, no triggers, no foreign keys

@@ -8,7 +8,7 @@ namespace sandbox {
 class Session;
 
 /// The named table, or the error `missing` (208, 1088, 4701, 4902) with its name.
-const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, int missing);
+const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, ErrorNumber<1> missing);
 
 /// The schema of a new object of that name. Raises 2714 when the name is taken, 2760.
 std::string SchemaOfNew(DatabaseLink& link, const ObjectName& name);

@@ -49,7 +49,7 @@ std::string SchemaOfNew(DatabaseLink& link, const ObjectName& name) {
   return schema;
 }
 
-const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, int missing) {
+const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, ErrorNumber<1> missing) {
   const TableDef* table = link.FindTable(name);
   if (!table) Raise(missing, name.Text());
   return *table;

@@ -43,7 +43,7 @@ std::size_t TakenColumns(const TableDef& table) {
 void CheckWidth(const InsertStatement& insert, const RowWriter& writer) {
   if (insert.width == writer.Width()) return;
   if (insert.columns.empty()) Raise(213);
-  Raise(insert.width < writer.Width() ? 109 : 110);
+  Raise(insert.width < writer.Width() ? ErrorNumber<0>(109) : ErrorNumber<0>(110));
 }
 
 }  // namespace

@@ -279,7 +279,8 @@ void RowWriter::WriteDefaults() {
 }
 
 std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder) {
-  if (query.columns.size() != Width()) Raise(query.columns.size() < Width() ? 120 : 121);
+  if (query.columns.size() != Width())
+    Raise(query.columns.size() < Width() ? ErrorNumber<0>(120) : ErrorNumber<0>(121));
   std::vector<TypeInfo> types;
   for (const ColumnInfo& column : query.columns) types.push_back(column.type);
   for (const InsertPlan::Slot& slot : plan_->slots) {

@@ -74,26 +74,26 @@ Value ConvertToStore(const Value& value, const TypeInfo& from, const TypeInfo& t
 void CheckConvertible(const TypeInfo& from, const TypeInfo& to, bool is_explicit) {
   if (from.type == to.type || from.type == SqlType::Variant || to.type == SqlType::Variant) return;
   const bool text = IsText(from.type), text_to = IsText(to.type);
-  const auto refuse = [&](int number) { Raise(number, TypeName(from), TypeName(to)); };
+  const ErrorNumber<2> clash = is_explicit ? ErrorNumber<2>(529) : ErrorNumber<2>(206);
+  const auto refuse = [&](ErrorNumber<2> number) { Raise(number, TypeName(from), TypeName(to)); };
   const bool temporal = IsTemporal(from.type), temporal_to = IsTemporal(to.type);
   if (temporal && IsNumber(to.type)) {
     const bool old = from.type == SqlType::DateTime || from.type == SqlType::SmallDateTime;
-    if (!old) refuse(is_explicit ? 529 : 206);
+    if (!old) refuse(clash);
     if (!is_explicit) refuse(257);
   }
   if (temporal_to && IsNumber(from.type)) {
     const bool old = to.type == SqlType::DateTime || to.type == SqlType::SmallDateTime;
-    if (!old) refuse(is_explicit ? 529 : 206);
+    if (!old) refuse(clash);
   }
   if (from.type == SqlType::UniqueIdentifier && !text_to && !IsBinary(to.type)) refuse(206);
   if (to.type == SqlType::UniqueIdentifier && !text && !IsBinary(from.type)) refuse(206);
   if (text && IsBinary(to.type) && !is_explicit) refuse(257);
-  if (IsLong(from) && Facts(from.type).length != 0 && IsNumber(to.type))
-    refuse(is_explicit ? 529 : 206);
+  if (IsLong(from) && Facts(from.type).length != 0 && IsNumber(to.type)) refuse(clash);
   if (Facts(to.type).length == 2147483647 && to.type == SqlType::Text && IsNumber(from.type)) {
-    refuse(is_explicit ? 529 : 206);
+    refuse(clash);
   }
-  if (IsBinary(from.type) && IsApproximate(to.type)) refuse(is_explicit ? 529 : 206);
+  if (IsBinary(from.type) && IsApproximate(to.type)) refuse(clash);
 }
 
 std::string ValueText(const Value& value, const TypeInfo& type) {

@@ -80,7 +80,13 @@ std::string CanonicalText(const ado::Value& value, const ado::FieldInfo& field, 
   return std::visit(Canonical{way}, value);
 }
 
-std::string OrderedSelect(ado::Connection& connection, const std::string& table) {
+std::string Quoted(const ado::TableName& table) {
+  return (table.IsBare() ? "" : "[" + table.schema + "].") + "[" + table.name + "]";
+}
+
+/// The rows of a table of the last database in the order of the first one's key.
+std::string OrderedSelect(ado::Connection& connection, const ado::TableName& table,
+                          const ado::TableName& in_last) {
   std::string order;
   for (const ado::Index& index : connection.Indexes(table)) {
     if (!index.primary_key) continue;
@@ -88,7 +94,7 @@ std::string OrderedSelect(ado::Connection& connection, const std::string& table)
       order += fmt::format("{}[{}]", order.empty() ? " order by " : ", ", column);
     }
   }
-  return fmt::format("select * from [{}]{}", table, order);
+  return fmt::format("select * from {}{}", Quoted(in_last), order);
 }
 
 struct ColumnDifference {
@@ -98,11 +104,12 @@ struct ColumnDifference {
 
 class TableComparison {
  public:
-  TableComparison(ado::Connection& first, ado::Connection& last, std::string table, WayBack way)
-      : table_(std::move(table)),
+  TableComparison(ado::Connection& first, ado::Connection& last, const ado::TableName& table,
+                  const ado::TableName& in_last, WayBack way)
+      : table_(table.Text()),
         way_(way),
-        first_(first.Execute(OrderedSelect(first, table_))),
-        last_(last.Execute(OrderedSelect(first, table_))) {}
+        first_(first.Execute(OrderedSelect(first, table, table))),
+        last_(last.Execute(OrderedSelect(first, table, in_last))) {}
 
   void Run(Comparison& result) {
     if (first_.FieldCount() != last_.FieldCount()) {
@@ -163,10 +170,12 @@ class TableComparison {
 
 }  // namespace
 
-Comparison CompareDatabases(ado::Connection& first, ado::Connection& last, WayBack way) {
+Comparison CompareDatabases(ado::Connection& first, ado::Connection& last, WayBack way,
+                            const NameInLast& name_in_last) {
   Comparison result;
   for (const ado::TableInfo& table : first.Tables()) {
-    if (table.type == "TABLE") TableComparison(first, last, table.name, way).Run(result);
+    if (table.type != "TABLE") continue;
+    TableComparison(first, last, table.name, name_in_last(table.name), way).Run(result);
   }
   return result;
 }

@@ -182,7 +182,7 @@ void TakeSchedule(Camera& camera) {
   frmSchedule dialog(src, dest, Tables(), services);
   dialog.show();
   dialog.findChild<QLineEdit*>("txtTaskName")->setText("Company nightly");
-  dialog.findChild<QLineEdit*>("txtLogFile")->setText("/var/log/dorvane/company.txt");
+  dialog.findChild<QLineEdit*>("txtLogFile")->setText("company.txt");
   camera.Take(dialog, "schedule");
   dialog.findChild<GradientButton*>("cmdSchedule")->click();
   camera.Take(*dialog.findChild<TaskSettingsDialog*>(), "schedule-settings");
@@ -196,7 +196,7 @@ void TakeBox(Camera& camera, const QString& name, MessageBoxKind kind, const QSt
     camera.Take(box, name);
     box.done(0);
   });
-  box.Run(kind, text, style, "MS SQL Server");
+  box.Run(kind, text, style, "MS SQL Server", kAnswerYes);
 }
 
 }  // namespace

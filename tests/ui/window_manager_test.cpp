@@ -50,6 +50,19 @@ void Press(const std::vector<std::string>& keys) {
   ASSERT_EQ(Run(command).status, 0);
 }
 
+/// Counts how often a widget appears.
+class Appearances : public QObject {
+ public:
+  explicit Appearances(QWidget& widget) : QObject(&widget) { widget.installEventFilter(this); }
+  int count = 0;
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::Show) ++count;
+    return false;
+  }
+};
+
 class OnADesktop : public testing::Test {
  protected:
   void SetUp() override {
@@ -78,13 +91,25 @@ TEST_F(OnADesktop, EveryKeyArrivesAfterTwoHundredQuickAnswers) {
   driver_.Click("cmdSrcConnect");
   QString typed = "localhost";
   auto& host = driver_.Get<QLineEdit>("txtDestHost");
+  const auto& waits = *std::make_unique<Appearances>(driver_.Get("frmWait")).release();
   int windows_with_focus = 0;
   QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &driver_.Window(),
                    [&] { ++windows_with_focus; });
-  for (int round = 0; round < 200; ++round) {
+  int quick = 0;
+  for (int round = 0; quick < 200 && round < 400; ++round) {
+    const int waits_before = waits.count;
     // The last key is on its way while the server is asked.
     Press({"Alt+n", "End", "x"});
+    ASSERT_TRUE(WaitForPage(page::kMySqlDestination)) << round;
     typed += "x";
+    // A computer that is busy with other things may need long for a quick answer.
+    if (waits.count > waits_before) {
+      Press({"Alt+b"});
+      ASSERT_TRUE(WaitForPage(page::kMsSqlSource)) << round;
+      host.setText(typed = "y");
+      continue;
+    }
+    ++quick;
     ASSERT_TRUE(WaitFor([&] { return host.text() == typed; }))
         << "round " << round << ": " << host.text().toStdString() << " on page "
         << driver_.Window().CurrentPage() << ", focus on "
@@ -93,7 +118,7 @@ TEST_F(OnADesktop, EveryKeyArrivesAfterTwoHundredQuickAnswers) {
     Press({"Alt+b"});
     ASSERT_TRUE(WaitForPage(page::kMsSqlSource)) << round;
   }
-  EXPECT_EQ(answers, 200);
+  EXPECT_EQ(quick, 200);
   EXPECT_EQ(windows_with_focus, 0) << "no other window took the focus";
 }
 

@@ -32,6 +32,7 @@ void RunInWorker(const std::function<void()>& work, const EventsMeanwhile& event
 
 void ServerCaller::Run(const std::function<void()>& work) {
   if (!wait_) wait_ = std::make_unique<frmWait>(window_).release();
+  waiting_ = true;
   wait_->Begin();
   std::exception_ptr failure;
   try {
@@ -42,7 +43,15 @@ void ServerCaller::Run(const std::function<void()>& work) {
     failure = std::current_exception();
   }
   wait_->End();
+  waiting_ = false;
+  if (leaving_) QMetaObject::invokeMethod(&window_, &QWidget::close, Qt::QueuedConnection);
   if (failure) std::rethrow_exception(failure);
+}
+
+void ServerCaller::Leave() {
+  if (!waiting_) return;
+  leaving_ = true;
+  wait_->SetText("Stopping.......");
 }
 
 }  // namespace dorvane

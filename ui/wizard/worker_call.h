@@ -28,9 +28,14 @@ class ServerCaller {
 
   /// As RunInWorker.
   void Run(const std::function<void()>& work);
+  bool IsWaiting() const { return waiting_; }
+  /// Tells that the program is about to end, and closes the window when the server has answered.
+  void Leave();
 
  private:
   QWidget& window_;
+  bool waiting_ = false;
+  bool leaving_ = false;
   frmWait* wait_ = nullptr;  // made on first use, owned by the window
 };
 

@@ -14,7 +14,6 @@ namespace {
 
 // Codes of SQL Server's own types.
 constexpr SQLSMALLINT kSqlVariant = -150;
-constexpr SQLSMALLINT kSqlUserDefined = -151;
 constexpr SQLSMALLINT kSqlXml = -152;
 constexpr SQLSMALLINT kSqlTime = -154;
 constexpr SQLSMALLINT kSqlDateTimeOffset = -155;

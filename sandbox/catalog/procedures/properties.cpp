@@ -48,7 +48,8 @@ int ChangeProperty(Session& session, const Arguments& args, bool is_there, Chang
     return each.column_id == place->column_id && SameName(each.name, name);
   });
   const bool found = property != table.properties.end();
-  if (found != is_there) Raise(is_there ? 15217 : 15233, name, place->text);
+  if (is_there && !found) Raise(15217, name, place->text);
+  if (!is_there && found) Raise(15233, name, place->text);
   change(table.properties, property,
          PropertyDef{place->column_id, name, args.Text(1).value_or("")});
   session.Link().Store(std::move(table));
