@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <optional>
 #include <utility>
 
 #include "platform/run_time_error.h"
@@ -66,17 +67,33 @@ struct TextValue {
   static std::string Write(const std::string& value) { return value; }
 };
 
+/// The whole number that the text is; none when it is more than `most`.
+std::optional<int> ReadNumber(std::string_view text, int most, const char* what) {
+  if (text.empty() || !std::ranges::all_of(text, text::IsDigit)) {
+    Refuse(run_time::kTypeMismatch, fmt::format("no whole number of {}", what));
+  }
+  int number = 0;
+  const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (parsed.ec != std::errc() || number > most) return std::nullopt;
+  return number;
+}
+
 struct SecondsValue {
   static int Read(std::string_view text) {
-    if (text.empty() || !std::ranges::all_of(text, text::IsDigit)) {
-      Refuse(run_time::kTypeMismatch, "no whole number of seconds");
+    const std::optional<int> seconds = ReadNumber(text, kLongestLimit, "seconds");
+    if (!seconds) Refuse(run_time::kOverflow, fmt::format("more than {} seconds", kLongestLimit));
+    return *seconds;
+  }
+  static std::string Write(int value) { return fmt::to_string(value); }
+};
+
+struct TablesValue {
+  static int Read(std::string_view text) {
+    const std::optional<int> tables = ReadNumber(text, kMostTablesAtOnce, "tables");
+    if (!tables || *tables < 1) {
+      Refuse(run_time::kOverflow, fmt::format("not between 1 and {}", kMostTablesAtOnce));
     }
-    int seconds = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), seconds);
-    if (parsed.ec != std::errc() || seconds > kLongestLimit) {
-      Refuse(run_time::kOverflow, fmt::format("more than {} seconds", kLongestLimit));
-    }
-    return seconds;
+    return *tables;
   }
   static std::string Write(int value) { return fmt::to_string(value); }
 };
@@ -137,6 +154,7 @@ constexpr std::array kOptions{
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
     ConversionOption<TypesValue, &ConversionOptions::types>("Types"),
+    ConversionOption<TablesValue, &ConversionOptions::tables_at_once>("Tables at once"),
 };
 
 }  // namespace

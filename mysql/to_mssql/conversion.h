@@ -45,9 +45,12 @@ class MySqlToMsSql : public Conversion {
   std::string SourceName(const ado::TableName& name) const override;
   ado::TableName DestTable(const ado::TableName& name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
+  std::unique_ptr<Conversion> Fork(Context context) const override;
+  void Join(Conversion& fork) override;
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) override;
   /// Without them the tables can be dropped in any order. Leaves the keys of tables that a key from
   /// elsewhere keeps.
   void DropReferencesAmong(const std::vector<const TableDefinition*>& tables);

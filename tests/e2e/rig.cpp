@@ -88,6 +88,9 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   src.SetConvertMode(job.mode);
   src.SetConvertRelationships(job.relationships);
   src.SetReplaceSpaceWithUnderscore(job.underscores);
+  ConversionOptions options = src.Options();
+  options.tables_at_once = job.tables_at_once;
+  src.SetOptions(options);
   SaveConversionSettings(settings, src, dest, job.tables, log.string());
 }
 

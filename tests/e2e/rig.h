@@ -27,6 +27,7 @@ struct Job {
   std::string my_sql_password = "secret";
   int idle_limit = 600;  // seconds
   TypeMapping types = TypeMapping::Classic;
+  int tables_at_once = 1;
 };
 
 /// Two private servers, shared by all tests of the program, and runs of the real program.

@@ -130,6 +130,21 @@ void TablesPage::AddOptions() {
       add("chkReplaceSpaceWithUnderscore", "Convert names spaces to &underscore");
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
   chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
+  AddTablesAtOnce(card, layout);
+}
+
+void TablesPage::AddTablesAtOnce(Card& card, QBoxLayout& layout) {
+  auto& row = MakeLayout<QHBoxLayout>(layout);
+  row.setSpacing(theme::kGap);
+  auto& label = MakeChild<QLabel>(card, "Tables at &once");
+  spnTablesAtOnce_ = &MakeNamed<QSpinBox>("spnTablesAtOnce", card);
+  spnTablesAtOnce_->setRange(1, kMostTablesAtOnce);
+  spnTablesAtOnce_->setAccessibleName("Tables at once");
+  spnTablesAtOnce_->setToolTip("Each of them takes connections of its own to both servers.");
+  label.setBuddy(spnTablesAtOnce_);
+  row.addWidget(&label);
+  row.addWidget(spnTablesAtOnce_);
+  row.addStretch();
 }
 
 void TablesPage::ClearLists() {
@@ -148,6 +163,7 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   src.SetConvertRelationships(chkConvertRelationShips_->isChecked());
   ConversionOptions options = src.Options();
   options.types = chkExactTypes_->isChecked() ? TypeMapping::Exact : TypeMapping::Classic;
+  options.tables_at_once = spnTablesAtOnce_->value();
   src.SetOptions(options);
 }
 

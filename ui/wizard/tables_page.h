@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCheckBox>
+#include <QSpinBox>
 
 #include "endpoint/database.h"
 #include "ui/controls/name_list_view.h"
@@ -37,12 +38,13 @@ class TablesPage : public WizardPage {
   /// Fills the available list; the first entry becomes current.
   void SetAvailable(NameList names);
   const NameList& Selected() const { return lstDestTables_->Names(); }
-  /// Writes the three options into the source endpoint.
+  /// Writes the options into the source endpoint.
   void ApplyOptions(IDatabase& src) const;
 
  private:
   void AddLists();
   void AddOptions();
+  void AddTablesAtOnce(Card& card, QBoxLayout& layout);
   /// Carries out one of the moving operations on what the two lists show.
   void Move(void (*operation)(TableLists& lists));
 
@@ -52,6 +54,7 @@ class TablesPage : public WizardPage {
   QCheckBox* chkReplaceSpaceWithUnderscore_;
   QCheckBox* chkConvertRelationShips_;
   QCheckBox* chkExactTypes_;
+  QSpinBox* spnTablesAtOnce_;
 };
 
 }  // namespace dorvane

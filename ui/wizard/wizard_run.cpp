@@ -99,7 +99,7 @@ void WizardRun::TableRecordConverted() {
 
 void WizardRun::TableConversionSuccessed(std::string_view table_name) {
   RunInGuiThread([&] {
-    progress_.TableEnded();
+    progress_.TableConverted();
     emit ProgressChanged();
     emit TableConverted(std::string(table_name), table_failed_);
   });
@@ -143,6 +143,14 @@ void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::s
 
 void WizardRun::Inform(std::string_view message) {
   RunInGuiThread([&] { emit Noted(std::string(message)); });
+}
+
+void WizardRun::ShowTablesInHand(const TablesInHand& tables) {
+  RunInGuiThread([&] {
+    if (stopping_) return;
+    progress_.ShowTablesInHand(tables);
+    emit ProgressChanged();
+  });
 }
 
 void WizardRun::UnclassifiedFailure(std::string_view message, std::int32_t style,

@@ -53,6 +53,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   void ConnectionFailed(const ConnectionFailure& failure) override;
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
   void Inform(std::string_view message) override;
+  void ShowTablesInHand(const TablesInHand& tables) override;
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}
