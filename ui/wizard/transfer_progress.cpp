@@ -105,6 +105,16 @@ void TransferProgress::Stopping(bool leaving) {
   stopping_ = leaving ? kLeaving : kFinishing;
 }
 
+void TransferProgress::Stopped() {
+  status_ = "Stopped.";
+}
+
+void TransferProgress::GivenBack() {
+  status_ = kNotStarted;
+  stopping_ = nullptr;
+  copies_rows_ = false;
+}
+
 bool TransferProgress::IsSilent() const {
   return copies_rows_ && now_() - last_row_ >= kSilence;
 }

@@ -41,6 +41,10 @@ class TransferProgress {
   void SummaryShown();
   /// The block in hand is finished first; `leaving`: then the program ends.
   void Stopping(bool leaving);
+  /// After ConversionEnded: the user has stopped it.
+  void Stopped();
+  /// Nothing was converted.
+  void GivenBack();
   /// Rows are being copied, but none has arrived for some seconds.
   bool IsSilent() const;
 
@@ -55,8 +59,10 @@ class TransferProgress {
   std::string Summary(std::size_t converted, std::size_t failed) const;
 
  private:
+  static constexpr const char* kNotStarted = "- - - - -";
+
   std::function<Clock::time_point()> now_;
-  std::string status_ = "- - - - -";
+  std::string status_ = kNotStarted;
   Bar tables_;
   Bar records_;
   Clock::time_point started_;
