@@ -99,6 +99,7 @@ void SetDefault(ColumnDefinition& definition, const ado::Column& col,
 ColumnDefinition Described(const ado::Column& col, const std::string& identity_column) {
   ColumnDefinition definition{.name = col.name};
   definition.facts.nullable = (col.attributes & ado::kColumnNullable) != 0;
+  definition.is_invisible = col.kind.is_hidden;
   definition.is_identity = !identity_column.empty() && identity_column == col.name;
   if (definition.is_identity) definition.attributes = " primary key auto_increment";
   return definition;

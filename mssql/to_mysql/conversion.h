@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "endpoint/conversion.h"
+#include "endpoint/references.h"
 
 namespace dorvane::to_mysql {
 
@@ -42,6 +43,11 @@ class MsSqlToMySql : public Conversion {
   void DescribeExtras(TableDefinition& table);
   static std::string CommentClause(const std::string& comment);
   void CompleteTable(const TableDefinition& table) override;
+
+  // folding.cpp
+  /// Gives the texts of keys that differ in case only a collation that tells them apart.
+  void AskForFoldedKeys(ado::Table& tab_src, TableDefinition& table);
+  bool IsFoldedInKey(const ColumnPlace& place);
 
   // data_questions.cpp
   /// Widens the columns whose values would not all fit otherwise.

@@ -25,29 +25,32 @@ std::string_view TakeWord(std::string_view& rest) {
   return word;
 }
 
-/// Takes a text off the front, which may have a backslash before its quotes; false when it holds
-/// what SQL Server reads otherwise.
+/// Takes a text off the front; false when it holds what SQL Server reads otherwise. MySQL's catalog
+/// escapes the quotes around it, and once more those in it.
 bool TakeText(std::string_view& rest, std::string& text) {
-  const auto take_quote = [&rest] {
-    const bool is_escaped = rest.starts_with("\\'");
-    if (!is_escaped && !rest.starts_with('\'')) return false;
-    rest.remove_prefix(is_escaped ? 2 : 1);
+  const bool is_escaped = rest.starts_with("\\'");
+  const std::string_view quote = is_escaped ? "\\'" : "'";
+  const std::string_view inner_quotes[] = {is_escaped ? "\\\\\\'" : "\\'",
+                                           is_escaped ? "\\'\\'" : "''"};
+  const auto take = [&rest](std::string_view piece) {
+    if (!rest.starts_with(piece)) return false;
+    rest.remove_prefix(piece.size());
     return true;
   };
-  take_quote();
+  take(quote);
   text += "N'";
   while (!rest.empty()) {
-    if (take_quote()) {
+    if (take(inner_quotes[0]) || take(inner_quotes[1])) {
+      text += "''";
+    } else if (take(quote)) {
       text += '\'';
-      if (!rest.starts_with('\'') && !rest.starts_with("\\'")) return true;
-      take_quote();
-      text += '\'';
-      continue;
+      return true;
+    } else if (rest.front() == '\\' || rest.front() == '[') {
+      return false;  // brackets are sets of characters in a pattern
+    } else {
+      text += rest.front();
+      rest.remove_prefix(1);
     }
-    // Brackets are sets of characters in a pattern.
-    if (rest.front() == '\\' || rest.front() == '[') return false;
-    text += rest.front();
-    rest.remove_prefix(1);
   }
   return false;
 }

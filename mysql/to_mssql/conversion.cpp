@@ -37,6 +37,7 @@ TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
     }
   }
   AskTheRows(tab_src.Columns(), table);
+  AskForFoldedKeys(tab_src, table);
   return table;
 }
 

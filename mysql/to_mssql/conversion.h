@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "endpoint/conversion.h"
+#include "endpoint/references.h"
 #include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/foreign_key_text.h"
 #include "mysql/to_mssql/key_text.h"
@@ -28,6 +29,11 @@ class MySqlToMsSql : public Conversion {
   /// table will be created.
   void DefineExactly(const std::vector<ado::Column>& columns,
                      const std::vector<ColumnDescription>& descriptions, TableDefinition& table);
+  // folding.cpp
+  /// Gives the texts of keys that differ in case only a collation that tells them apart.
+  void AskForFoldedKeys(ado::Table& tab_src, TableDefinition& table);
+  bool IsFoldedInKey(const ColumnPlace& place);
+
   // extras.cpp
   /// Reads the comments, checks and next identity value of a table.
   void DescribeExtras(TableDefinition& table);

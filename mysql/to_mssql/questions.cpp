@@ -39,6 +39,10 @@ bool RepeatsNulls(ado::Connection& source, const ado::TableName& table, const Na
   return Exists(source, table, has_null + " group by " + list + " having count(*) > 1");
 }
 
+bool HasGroup(ado::Connection& source, const ado::TableName& table, const std::string& group) {
+  return Exists(source, table, "true group by " + group + " having count(*) > 1");
+}
+
 std::vector<std::int64_t> NumbersOf(ado::Connection& source, const ado::TableName& table,
                                     const std::vector<std::string>& expressions) {
   std::vector<std::int64_t> numbers;

@@ -21,6 +21,9 @@ bool ExceedsDigits(ado::Connection& source, const ado::TableName& table, const s
 /// to MySQL and one to SQL Server.
 bool RepeatsNulls(ado::Connection& source, const ado::TableName& table, const NameList& columns);
 
+/// Whether several rows are equal in the expressions of a group by clause.
+bool HasGroup(ado::Connection& source, const ado::TableName& table, const std::string& group);
+
 /// The values of a select list's expressions over all rows, 0 for NULL.
 std::vector<std::int64_t> NumbersOf(ado::Connection& source, const ado::TableName& table,
                                     const std::vector<std::string>& expressions);

@@ -102,5 +102,50 @@ TEST(ExactTables, WideRowsAndKeysAreCutAsFarAsMySqlNeeds) {
   EXPECT_THAT(rig.MySqlValue("show create table Wide", name), HasSubstr("KEY `IX` (`K`"));
 }
 
+// Not the exact types' business, but these tables need nothing else.
+TEST(KeysThatDifferInCase, KeepTheirRowsInEitherDirection) {
+  Rig& rig = Rig::Get();
+  const std::string name = rig.NewDatabases();
+  rig.MsSql().Script(
+      "create table Codes (Code nvarchar(9) collate Latin1_General_CS_AS not null primary key, "
+      "Other nvarchar(9) collate Latin1_General_CS_AS not null unique)\n"
+      "create table Uses (Id int not null primary key, Code nvarchar(9) collate "
+      "Latin1_General_CS_AS null references Codes (Code))\n"
+      "insert into Codes values (N'a', N'x'), (N'A', N'Y')\n"
+      "insert into Uses values (1, N'A')\ngo\n",
+      name);
+  const std::string last = rig.NewMsSqlDatabase();
+  const auto convert = [](ServerKind source, const std::string& from, const std::string& to) {
+    ProgramRun run({.source = source,
+                    .source_db = from,
+                    .dest_db = to,
+                    .tables = {"Codes", "Uses"},
+                    .relationships = true});
+    EXPECT_EQ(run.Wait(), 0) << run.Log() << run.Output();
+    return run.Log();
+  };
+  EXPECT_THAT(convert(ServerKind::MsSql, name, name),
+              AllOf(HasSubstr("column Code has the collation utf8mb4_bin"),
+                    Not(HasSubstr("column Other has the collation"))));
+  EXPECT_THAT(convert(ServerKind::MySql, name, last),
+              HasSubstr("column Code has the collation Latin1_General_100_BIN2"));
+  EXPECT_EQ(rig.MsSqlValue("select count(*) from Codes where Code in (N'a', N'A')", last), "2");
+  EXPECT_EQ(rig.MsSqlValue("select count(*) from Uses where Code = N'A'", last), "1");
+}
+
+TEST(HiddenColumns, OfAPeriodAreConvertedWithTheirValues) {
+  Rig& rig = Rig::Get();
+  const std::string name = rig.NewDatabases();
+  rig.MsSql().Script(
+      "create table T (Id int not null primary key, V nvarchar(9) null, "
+      "S datetime2(3) generated always as row start hidden not null, "
+      "E datetime2(3) generated always as row end hidden not null, "
+      "period for system_time (S, E))\n"
+      "insert into T (Id, V) values (1, N'v')\ngo\n",
+      name);
+  Convert(ServerKind::MsSql, name, name, {"T"});
+  EXPECT_EQ(rig.MySqlValue("select V, E from T", name), "v\t9999-12-31 23:59:59.999");
+}
+
 }  // namespace
 }  // namespace dorvane::test

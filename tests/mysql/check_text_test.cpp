@@ -10,7 +10,9 @@ namespace {
 TEST(CheckTextToMsSql, TextsLoseTheirCharacterSetsAndWhatIsReadOtherwiseIsNothing) {
   for (const auto& [condition, text] : {
            std::pair{"(`price` >= 0)", "(`price` >= 0)"},
-           {"`kind` in ('a','it\\'s')", ""},
+           {"`kind` in ('a','it\\'s')", "`kind` in (N'a',N'it''s')"},
+           {"`kind` = _utf8mb4\\'it\\\\\\'s\\'", "`kind` = N'it''s'"},
+           {"`kind` = 'a\\\\b'", ""},
            {"(`kind` in (_utf8mb4\\'a\\',_utf8mb4\\'it\\'\\'s\\'))", "(`kind` in (N'a',N'it''s'))"},
            {"`kind` = 'it''s' or `a/b` = 1", "`kind` = N'it''s' or `a/b` = 1"},
            {"`kind` = _latin1'a'", "`kind` = N'a'"},

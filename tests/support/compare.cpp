@@ -62,6 +62,12 @@ struct Canonical {
   }
   std::string operator()(ado::Binary value) const { return Hex(value.bytes); }
   std::string operator()(const ado::DateTime& value) const {
+    if (way == WayBack::Exact) {
+      // As a text has it where the other server keeps fewer digits.
+      return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}.{:07}", value.year, value.month,
+                         value.day, value.seconds / 3600, value.seconds / 60 % 60,
+                         value.seconds % 60, value.nanoseconds / 100);
+    }
     return fmt::format("{:04}-{:02}-{:02} {:05}.{:09}", value.year, value.month, value.day,
                        value.seconds, value.nanoseconds);
   }

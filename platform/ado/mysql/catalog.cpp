@@ -146,7 +146,8 @@ std::vector<Column> ReadColumns(const ServerLink& link, const std::string& datab
                                 const std::string& table) {
   const std::string sql = fmt::format(
       "select column_name, data_type, column_type, character_maximum_length, numeric_precision, "
-      "numeric_scale, character_set_name, is_nullable, column_default, extra "
+      "numeric_scale, character_set_name, is_nullable, column_default, extra, "
+      "collation_name "
       "from information_schema.columns c where {} order by ordinal_position",
       IsTable(link, "c", database, table));
   std::vector<Column> columns;
@@ -158,6 +159,7 @@ std::vector<Column> ReadColumns(const ServerLink& link, const std::string& datab
     static_cast<FieldInfo&>(column) =
         Translate(row.at(0).value_or(""), declaration, row.at(6).has_value());
     column.server_type = row.at(2).value_or("");
+    column.kind.collation = row.at(10).value_or("");
     if (row.at(7) == "YES") column.attributes |= kColumnNullable;
     if (row.at(8)) {
       column.default_value =
