@@ -1,4 +1,3 @@
-#include <fmt/format.h>
 #include <sys/prctl.h>
 
 #include <clocale>
@@ -6,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <string_view>
 
 #include "app/standard_error.h"
 #include "app/unattended_run.h"
@@ -15,7 +13,7 @@
 
 namespace {
 
-constexpr std::string_view kHelp =
+constexpr char kHelp[] =
     "Dorvane copies a database from Microsoft SQL Server to MySQL or back.\n"
     "\n"
     "  Dorvane                 opens the wizard\n"
@@ -35,6 +33,12 @@ std::string SettingsPath(int argc, char** argv) {
     path = path.substr(1, path.size() - 2);
   }
   return path;
+}
+
+/// Prints to standard output. Returns the exit status: 1 when it did not take the text.
+int Print(const std::string& text) {
+  std::fputs(text.c_str(), stdout);
+  return std::fflush(stdout) == 0 ? 0 : 1;
 }
 
 bool HasDisplay() {
@@ -60,14 +64,8 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);  // a server that went away is an error of its connection
 
   const std::string path = SettingsPath(argc, argv);
-  if (path == "--help" || path == "-h") {
-    fmt::print("{}", kHelp);
-    return 0;
-  }
-  if (path == "--version") {
-    fmt::print("Dorvane {}\n", DORVANE_VERSION);
-    return 0;
-  }
+  if (path == "--help" || path == "-h") return Print(kHelp);
+  if (path == "--version") return Print("Dorvane " DORVANE_VERSION "\n");
   if (!path.empty()) {
     return static_cast<int>(dorvane::RunUnattendedConversion(path, dorvane::MakeEndpoint));
   }

@@ -33,8 +33,8 @@ void LeaveTrace(const std::filesystem::path& settings_file, std::string_view lin
     if (log && Append(*log, line)) return;
     if (Append(settings_file.string() + ".log", line)) return;
   }
-  syslog(LOG_USER | LOG_ERR, "dorvane %s: %.*s", settings_file.c_str(),
-         static_cast<int>(line.size()), line.data());
+  syslog(LOG_USER | LOG_ERR, "%s: %.*s", settings_file.c_str(), static_cast<int>(line.size()),
+         line.data());
 }
 
 }  // namespace dorvane

@@ -1,6 +1,8 @@
-# Every target of the project links dorvane_options: warnings are errors, includes start at the root.
+# Every target of the project links dorvane_options: warnings are errors, includes start at
+# the root.
+get_filename_component(root ${CMAKE_CURRENT_LIST_DIR} DIRECTORY)
 add_library(dorvane_options INTERFACE)
-target_include_directories(dorvane_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_include_directories(dorvane_options INTERFACE ${root})
 target_compile_options(dorvane_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 if(CMAKE_BUILD_TYPE STREQUAL "Debug")

@@ -76,7 +76,7 @@ void Conversion::TryStep(Step step, const std::string& name) {
   try {
     (this->*step)(name);
   } catch (const RunTimeError& error) {
-    failed_.insert(name);
+    failed_.insert(SourceTable(name));
     ReportTableFailure(name, error);
   }
 }
@@ -115,9 +115,10 @@ NameList Conversion::WithoutCollisions(const NameList& src_tables) {
   NameList accepted;
   std::map<std::string, const std::string*> first_of;
   for (const std::string& name : src_tables) {
-    const auto [entry, is_new] = first_of.try_emplace(text::ToLower(DestName(name)), &name);
+    const ado::TableName dest = DestTableOf(name);
+    const auto [entry, is_new] = first_of.try_emplace(text::ToLower(dest.Text()), &name);
     const std::string& first = *entry->second;
-    if (is_new || (DestName(first) != DestName(name) && !FoldsTableNames())) {
+    if (is_new || (DestTableOf(first) != dest && !FoldsTableNames())) {
       accepted.push_back(name);
       continue;
     }
@@ -163,7 +164,18 @@ void Conversion::ConvertTable(const std::string& name) {
   if (options_.copy_table_content && CopyTableContent(table, is_new) != Copied::AsFarAsPossible) {
     return;
   }
+  if (is_new && IsExact()) CompleteTable(table);
   events_.TableConversionSuccessed(name);
+}
+
+void Conversion::ExecuteOrNote(const TableDefinition& table, const std::string& statement,
+                               std::string_view what) {
+  try {
+    ExecuteOn(*destination_, statement);
+  } catch (const DestinationFailure& failure) {
+    host_.Inform(fmt::format("Table {}: {} was left off: {}", table.name.Text(), what,
+                             failure.Summary().description));
+  }
 }
 
 bool Conversion::CreateTable(TableDefinition& table) {
@@ -181,7 +193,7 @@ bool Conversion::CreateTable(TableDefinition& table) {
 
 void Conversion::TellNotes(const TableDefinition& table) {
   const auto tell = [&](const std::string& note) {
-    host_.Inform(fmt::format("Table {}: {}", table.name, note));
+    host_.Inform(fmt::format("Table {}: {}", table.name.Text(), note));
   };
   for (const ColumnDefinition& column : table.columns) std::ranges::for_each(column.notes, tell);
   std::ranges::for_each(table.notes, tell);
@@ -198,7 +210,7 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
         source_->Execute("select " + SelectList(table) + " from " + source_name);
     const std::vector<ado::FieldInfo>& fields = source.FieldInfos();
     const std::int64_t announced = CountRows(source_name);
-    events_.TableContentTransferStarted(table.name, Announced(announced));
+    events_.TableContentTransferStarted(table.name.Text(), Announced(announced));
 
     const std::vector<ColumnFacts> facts = FactsOf(fields, table);
     const std::unique_ptr<IRowDestination> rows = OpenRows(table, is_new, fields, facts);
@@ -228,9 +240,10 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
 void Conversion::Postpone(const TableDefinition& table, std::int64_t announced,
                           const RowAccount& account) {
   host_.Inform(fmt::format("Table {}: {} of {} rows wait for the rows that they refer to",
-                           table.name, account.postponed, std::max(announced, account.read)));
+                           table.name.Text(), account.postponed,
+                           std::max(announced, account.read)));
   postponed_tables_.push_back({&table, announced});
-  postponed_accounts_[table.dest_name] = account;
+  postponed_accounts_[table.dest_name.Text()] = account;
 }
 
 void Conversion::FinishPostponedTables() {
@@ -242,9 +255,9 @@ void Conversion::FinishPostponedTables() {
   }
   StorePostponedRows(postponed_accounts_);
   for (const auto& [table, announced] : postponed_tables_) {
-    events_.TableConversionStarted(table->name);
-    ReportRows(*table, announced, postponed_accounts_[table->dest_name]);
-    events_.TableConversionSuccessed(table->name);
+    events_.TableConversionStarted(table->name.Text());
+    ReportRows(*table, announced, postponed_accounts_[table->dest_name.Text()]);
+    events_.TableConversionSuccessed(table->name.Text());
   }
 }
 
@@ -286,7 +299,8 @@ void Conversion::ReportRows(const TableDefinition& table, std::int64_t announced
   }
   if (account.duplicates > 0) {
     host_.Inform(fmt::format("Table {}: {} of {} rows were there already and were left out",
-                             table.name, account.duplicates, std::max(announced, account.read)));
+                             table.name.Text(), account.duplicates,
+                             std::max(announced, account.read)));
   }
 }
 
@@ -296,13 +310,13 @@ void Conversion::ReportChanges(const TableDefinition& table,
   for (const ValueChanges& each : changes) {
     if (each.count == 0) continue;
     if (each.is_loss) {
-      RaiseError(fmt::format("{} values of table {} {}", each.count, table.name, each.what),
+      RaiseError(fmt::format("{} values of table {} {}", each.count, table.name.Text(), each.what),
                  "Insertion Error");
     } else {
       by_rule += fmt::format("{}{} {}", by_rule.empty() ? "" : ", ", each.count, each.what);
     }
   }
-  if (!by_rule.empty()) host_.Inform(fmt::format("Table {}: {}", table.name, by_rule));
+  if (!by_rule.empty()) host_.Inform(fmt::format("Table {}: {}", table.name.Text(), by_rule));
 }
 
 void Conversion::RaiseError(std::string_view message, std::string_view title, std::int32_t style) {
@@ -313,6 +327,14 @@ std::string Conversion::DestName(std::string_view name) const {
   std::string dest_name(name);
   if (options_.replace_space_with_underscore) std::ranges::replace(dest_name, ' ', '_');
   return dest_name;
+}
+
+ado::TableName Conversion::SourceTable(const std::string& listed) {
+  try {
+    return catalog_.TableByName(listed).Name();
+  } catch (const RunTimeError&) {
+    return listed;
+  }
 }
 
 }  // namespace dorvane

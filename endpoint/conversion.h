@@ -57,9 +57,10 @@ class Conversion {
 
   const ConversionOptions& Options() const { return options_; }
   bool IsMerging() const { return options_.convert_mode == convert_mode::kMerge; }
+  bool IsExact() const { return options_.types == TypeMapping::Exact; }
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
   /// True when the destination's table may be there from before the run.
-  bool MayBeOld(const std::string& name) const { return IsMerging() || failed_.contains(name); }
+  bool MayBeOld(const ado::TableName& name) const { return IsMerging() || failed_.contains(name); }
   CopyStrategy Strategy() const { return copy_.strategy; }
   const std::string& SourceDatabase() const { return source_database_; }
   ado::Connection& Source() { return *source_; }
@@ -71,10 +72,18 @@ class Conversion {
   /// Opens the connections again that were lost, so that one lost session costs one table only.
   /// Throws RunTimeError.
   void KeepConnected();
+  /// Has the destination execute a statement that the table can do without, and notes `what` was
+  /// left off and why when it refuses.
+  void ExecuteOrNote(const TableDefinition& table, const std::string& statement,
+                     std::string_view what);
   void RaiseError(std::string_view message, std::string_view title,
                   std::int32_t style = message_style::kError);
   /// A name as it is on the destination: blanks become "_" when that was asked for.
   std::string DestName(std::string_view name) const;
+  /// The source's table that a list shows so; a bare name where the source has none.
+  ado::TableName SourceTable(const std::string& listed);
+  /// What a listed table is on the destination.
+  ado::TableName DestTableOf(const std::string& listed) { return DestTable(SourceTable(listed)); }
 
  private:
   // The steps of a direction. They throw RunTimeError, and DestinationFailure for what the
@@ -85,8 +94,8 @@ class Conversion {
   /// In overwrite mode, ahead of the first table: `tables` are all that can be made, in their
   /// order. Reports its failures.
   virtual void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) = 0;
-  /// The foreign keys of the destination's tables.
-  virtual std::vector<Reference> DestReferences() = 0;
+  /// The foreign keys of the destination that join `tables`, perhaps with others.
+  virtual std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) = 0;
   /// In overwrite mode, right before the table is created.
   virtual void PrepareTable(const TableDefinition& table) = 0;
   virtual std::string CreateTableStatement(const TableDefinition& table) const = 0;
@@ -106,6 +115,9 @@ class Conversion {
   virtual std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                                     const std::vector<ado::FieldInfo>& fields,
                                                     const std::vector<ColumnFacts>& facts) = 0;
+  /// What a new table of the exact mapping gets when its rows are there, the next identity value
+  /// among it. What is refused is noted.
+  virtual void CompleteTable(const TableDefinition& table) = 0;
   /// After the last table: stores the rows that were postponed, and adds those that were refused
   /// for good to the account of their destination table.
   virtual void StorePostponedRows(std::map<std::string, RowAccount>& /*accounts*/) {}
@@ -118,8 +130,10 @@ class Conversion {
 
   /// What counts the rows where count(*) overflows; empty for a source where it does not.
   virtual std::string_view WideCount() const { return {}; }
-  /// A name quoted for the source.
-  virtual std::string SourceName(std::string_view name) const = 0;
+  /// A table's name quoted for the source.
+  virtual std::string SourceName(const ado::TableName& name) const = 0;
+  /// A table of the source as it is named on the destination.
+  virtual ado::TableName DestTable(const ado::TableName& name) const = 0;
   /// True when the destination takes names that differ in letter case for one.
   virtual bool FoldsTableNames() = 0;
   virtual void ReportTableFailure(const std::string& name, const RunTimeError& error) = 0;
@@ -189,7 +203,7 @@ class Conversion {
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();
-  std::set<std::string> failed_;  // tables that were not made
+  std::set<ado::TableName> failed_;  // tables that were not made
 
   /// A table that waits for rows of other tables.
   struct PostponedTable {

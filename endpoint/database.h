@@ -26,6 +26,10 @@ inline constexpr std::int16_t kOverwrite = 2;
 /// The most tables that are converted side by side.
 inline constexpr int kMostTablesAtOnce = 8;
 
+/// Which types the destination's columns get: those that the program has always given, or those
+/// that lose nothing of a value.
+enum class TypeMapping { Classic, Exact };
+
 /// How a database is converted; read from the source endpoint only.
 struct ConversionOptions {
   bool copy_table_content = false;
@@ -33,6 +37,7 @@ struct ConversionOptions {
   bool replace_space_with_underscore = false;
   bool convert_relationships = false;
   int tables_at_once = 1;  // up to kMostTablesAtOnce, each over a pair of connections of its own
+  TypeMapping types = TypeMapping::Classic;
 };
 
 /// One database server as the converter sees it. Operations report their failures themselves

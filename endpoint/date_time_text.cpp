@@ -12,6 +12,7 @@ namespace dorvane {
 namespace {
 
 constexpr std::int32_t kSecondsPerDay = 24 * 60 * 60;
+constexpr int kNanosecondDigits = 9;
 
 char* WriteDigits(char* out, std::int32_t number, int digits) {
   for (int position = digits - 1; position >= 0; --position) {
@@ -110,28 +111,30 @@ std::size_t WriteDate(char* out, const ado::DateTime& value) {
   return static_cast<std::size_t>(end - out);
 }
 
-std::size_t WriteTime(char* out, const ado::DateTime& value, bool fraction) {
+std::size_t WriteTime(char* out, const ado::DateTime& value, int fraction_digits) {
   char* end = WriteDigits(out, value.seconds / 3600, 2);
   *end++ = ':';
   end = WriteDigits(end, value.seconds / 60 % 60, 2);
   *end++ = ':';
   end = WriteDigits(end, value.seconds % 60, 2);
-  if (fraction) {
+  if (fraction_digits > 0) {
+    std::int32_t fraction = value.nanoseconds;
+    for (int digits = kNanosecondDigits; digits > fraction_digits; --digits) fraction /= 10;
     *end++ = '.';
-    end = WriteDigits(end, value.nanoseconds / 1000, 6);
+    end = WriteDigits(end, fraction, fraction_digits);
   }
   return static_cast<std::size_t>(end - out);
 }
 
-std::size_t WriteDateTime(char* out, const ado::DateTime& value, bool fraction) {
+std::size_t WriteDateTime(char* out, const ado::DateTime& value, int fraction_digits) {
   const std::size_t date = WriteDate(out, value);
   out[date] = ' ';
-  return date + 1 + WriteTime(out + date + 1, value, fraction);
+  return date + 1 + WriteTime(out + date + 1, value, fraction_digits);
 }
 
 std::string DateTimeText(const ado::DateTime& value) {
   std::string text(kDateTimeSize, ' ');
-  text.resize(WriteDateTime(text.data(), value, false));
+  text.resize(WriteDateTime(text.data(), value, 0));
   return text;
 }
 

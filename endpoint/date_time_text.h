@@ -13,10 +13,10 @@ namespace dorvane {
 inline constexpr std::size_t kDateTimeSize = 32;  // bytes that the writers below may need
 /// "yyyy-mm-dd"
 std::size_t WriteDate(char* out, const ado::DateTime& value);
-/// "hh:nn:ss", with six fractional digits (cut, not rounded) on request.
-std::size_t WriteTime(char* out, const ado::DateTime& value, bool fraction);
+/// "hh:nn:ss", with up to nine fractional digits behind a point (cut, not rounded) on request.
+std::size_t WriteTime(char* out, const ado::DateTime& value, int fraction_digits);
 /// Both, with a blank between.
-std::size_t WriteDateTime(char* out, const ado::DateTime& value, bool fraction);
+std::size_t WriteDateTime(char* out, const ado::DateTime& value, int fraction_digits);
 /// "yyyy-mm-dd hh:nn:ss"
 std::string DateTimeText(const ado::DateTime& value);
 /// A time below zero or beyond a day moves the date.

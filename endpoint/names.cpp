@@ -24,4 +24,12 @@ std::string MsSqlName(std::string_view name) {
   return Quoted('[', name, ']');
 }
 
+std::string MySqlTable(const ado::TableName& table) {
+  return (table.IsBare() ? "" : MySqlName(table.schema) + ".") + MySqlName(table.name);
+}
+
+std::string MsSqlTable(const ado::TableName& table) {
+  return (table.IsBare() ? "" : MsSqlName(table.schema) + ".") + MsSqlName(table.name);
+}
+
 }  // namespace dorvane

@@ -12,11 +12,11 @@ namespace {
 std::vector<ColumnPlace> DirectlyReferenced(ado::Catalog& catalog, const ColumnPlace& place) {
   std::vector<ColumnPlace> referenced;
   try {
-    for (const ado::Key& key : catalog.TableByName(place.table).Keys()) {
+    for (const ado::Key& key : catalog.TableByName(place.table.Text()).Keys()) {
       if (key.type != ado::KeyType::Foreign) continue;
       for (const ado::KeyColumn& column : key.columns) {
         if (column.name != place.column) continue;
-        referenced.push_back({key.related_table, column.related_column});
+        referenced.push_back({catalog.Listed(key.related_table), column.related_column});
       }
     }
   } catch (const RunTimeError&) {
@@ -28,20 +28,21 @@ std::vector<ColumnPlace> DirectlyReferenced(ado::Catalog& catalog, const ColumnP
 }  // namespace
 
 std::vector<Reference> ReferencesToDrop(std::vector<Reference> references,
-                                        const std::set<std::string>& tables, bool folds) {
-  const auto folded = [folds](const std::string& name) {
-    return folds ? text::ToLower(name) : name;
+                                        const std::set<ado::TableName>& tables, bool folds) {
+  const auto folded = [folds](const ado::TableName& table) {
+    if (!folds) return table;
+    return ado::TableName(text::ToLower(table.schema), text::ToLower(table.name));
   };
-  std::set<std::string> droppable;
-  for (const std::string& table : tables) droppable.insert(folded(table));
-  const auto is_listed = [&](const std::string& table) {
+  std::set<ado::TableName> droppable;
+  for (const ado::TableName& table : tables) droppable.insert(folded(table));
+  const auto is_listed = [&](const ado::TableName& table) {
     return droppable.contains(folded(table));
   };
   // A table may always refer to itself.
   std::erase_if(references, [&](const Reference& reference) {
     return folded(reference.table) == folded(reference.referenced);
   });
-  const auto is_kept = [&](const std::string& table) {
+  const auto is_kept = [&](const ado::TableName& table) {
     return std::ranges::any_of(references, [&](const Reference& reference) {
       return folded(reference.referenced) == table && !is_listed(reference.table);
     });

@@ -11,19 +11,19 @@ namespace dorvane {
 /// A foreign key of the destination between two tables of it.
 struct Reference {
   std::string name;
-  std::string table;
-  std::string referenced;
+  ado::TableName table;
+  ado::TableName referenced;
 };
 
 /// The keys between `tables` that can be dropped so that the tables can be. A table that a key from
 /// elsewhere keeps stays with all of its keys, and keeps the tables that it refers to in turn.
 /// `folds`: names that differ in letter case are one.
 std::vector<Reference> ReferencesToDrop(std::vector<Reference> references,
-                                        const std::set<std::string>& tables, bool folds);
+                                        const std::set<ado::TableName>& tables, bool folds);
 
 /// A column of the source.
 struct ColumnPlace {
-  std::string table;
+  ado::TableName table;
   std::string column;
 };
 

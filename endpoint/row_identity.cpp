@@ -27,7 +27,10 @@ bool IsExact(DataType type) {
 const ado::Index* RowKey(const std::vector<ado::Index>& indexes) {
   const auto primary = std::ranges::find(indexes, true, &ado::Index::primary_key);
   if (primary != indexes.end()) return &*primary;
-  const auto unique = std::ranges::find(indexes, true, &ado::Index::unique);
+  const auto is_whole = [](const ado::Index& index) {
+    return index.unique && index.filter.empty();
+  };
+  const auto unique = std::ranges::find_if(indexes, is_whole);
   return unique != indexes.end() ? &*unique : nullptr;
 }
 

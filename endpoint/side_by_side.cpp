@@ -26,7 +26,7 @@ void Conversion::ConvertSideBySide(const NameList& tables) {
   }
   OnLanes(lanes, pairs, *order, &Conversion::ConvertListed);
   std::ranges::sort(postponed_tables_, {}, [&](const PostponedTable& each) {
-    return std::ranges::find(tables, each.table->name);
+    return std::ranges::find(tables, each.table->name.Text());
   });
 }
 
@@ -47,10 +47,10 @@ std::vector<Conversion::ConnectionPair> Conversion::OpenPairs(std::size_t wanted
 }
 
 std::optional<TableQueue> Conversion::MergingOrder(const NameList& tables) {
-  NameList dest_names;
-  for (const std::string& name : tables) dest_names.push_back(DestName(name));
+  std::vector<ado::TableName> dest_names;
   try {
-    return TableQueue(tables, dest_names, DestReferences());
+    for (const std::string& name : tables) dest_names.push_back(DestTableOf(name));
+    return TableQueue(tables, dest_names, DestReferences({dest_names.begin(), dest_names.end()}));
   } catch (const RunTimeError&) {
     return std::nullopt;
   }

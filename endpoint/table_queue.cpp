@@ -13,16 +13,16 @@ TableQueue::TableQueue(NameList tables) {
   for (std::string& table : tables) waiting_.push_back({std::move(table), {}});
 }
 
-TableQueue::TableQueue(NameList tables, const NameList& dest_names,
+TableQueue::TableQueue(NameList tables, const std::vector<ado::TableName>& dest_names,
                        const std::vector<Reference>& references)
     : TableQueue(std::move(tables)) {
   std::map<std::string, std::set<std::size_t>> positions;  // a folding server may have several
   for (std::size_t i = 0; i < dest_names.size(); ++i) {
-    positions[text::ToLower(dest_names[i])].insert(i);
+    positions[text::ToLower(dest_names[i].Text())].insert(i);
   }
   for (const Reference& reference : references) {
-    for (const std::size_t one : positions[text::ToLower(reference.table)]) {
-      for (const std::size_t other : positions[text::ToLower(reference.referenced)]) {
+    for (const std::size_t one : positions[text::ToLower(reference.table.Text())]) {
+      for (const std::size_t other : positions[text::ToLower(reference.referenced.Text())]) {
         const auto [first, second] = std::minmax(one, other);
         if (first != second) waiting_[second].blockers.push_back(waiting_[first].table);
       }

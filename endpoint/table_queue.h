@@ -18,7 +18,8 @@ class TableQueue {
   /// A table waits for those in front of it that a key of the destination joins with it, so that
   /// its rows meet the same rows there as if all tables came one after the other. `dest_names` are
   /// those of `tables`, one each; letter case does not tell names apart.
-  TableQueue(NameList tables, const NameList& dest_names, const std::vector<Reference>& references);
+  TableQueue(NameList tables, const std::vector<ado::TableName>& dest_names,
+             const std::vector<Reference>& references);
 
   /// Begins the next table that may. None when there is none, or none just now.
   std::optional<std::string> Begin();

@@ -49,6 +49,19 @@ struct EncryptionValue {
   }
 };
 
+struct TypesValue {
+  static TypeMapping Read(std::string_view text) {
+    if (text::EqualsIgnoringCase(text, "exact")) return TypeMapping::Exact;
+    if (!text::EqualsIgnoringCase(text, "classic")) {
+      Refuse(run_time::kTypeMismatch, "not classic or exact");
+    }
+    return TypeMapping::Classic;
+  }
+  static std::string Write(TypeMapping value) {
+    return value == TypeMapping::Exact ? "exact" : "classic";
+  }
+};
+
 struct TextValue {
   static std::string Read(std::string_view text) { return std::string(text); }
   static std::string Write(const std::string& value) { return value; }
@@ -141,6 +154,7 @@ constexpr std::array kOptions{
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
     ConversionOption<TablesValue, &ConversionOptions::tables_at_once>("Tables at once"),
+    ConversionOption<TypesValue, &ConversionOptions::types>("Types"),
 };
 
 }  // namespace

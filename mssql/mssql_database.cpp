@@ -119,7 +119,7 @@ std::optional<NameList> MsSqlDatabase::GetTablesFromDatabase() {
   if (!connection) return std::nullopt;
   NameList names;
   for (const ado::TableInfo& table : connection->Tables()) {
-    if (table.type == "TABLE") names.push_back(table.name);
+    if (table.type == "TABLE") names.push_back(table.name.Text());
   }
   return names;
 }

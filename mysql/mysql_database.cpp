@@ -104,7 +104,7 @@ std::optional<NameList> MySqlDatabase::GetTablesFromDatabase() {
   const auto connection = OpenConnection(true);
   if (!connection) return std::nullopt;
   NameList names;
-  for (const ado::TableInfo& table : connection->Tables()) names.push_back(table.name);
+  for (const ado::TableInfo& table : connection->Tables()) names.push_back(table.name.Text());
   return names;
 }
 

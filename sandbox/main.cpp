@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 #include "sandbox/tds/server.h"
 
 namespace {

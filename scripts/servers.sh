@@ -1,5 +1,8 @@
+# shellcheck shell=bash
 # Sourced by scripts/demo and scripts/bench: private servers in a temporary folder, on free loopback
 # ports, ended by process id when the script ends; for measuring, servers of one's own as well.
+# The caller sets bin, the folder of the programs.
+: "${bin:?}"
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/dorvane-XXXXXX")
 pids=()
@@ -14,7 +17,7 @@ trap end_servers EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
-# A loopback port that nothing listens on. Dorvane's ports are 16-bit signed numbers.
+# A loopback port that nothing listens on.
 free_port() {
   local port
   while :; do
@@ -25,8 +28,7 @@ free_port() {
 
 # await FILE TEXT PID: until the server has written TEXT to FILE.
 await() {
-  local tries
-  for tries in $(seq 600); do
+  for _ in $(seq 600); do
     grep -q "$2" "$1" 2>/dev/null && return
     kill -0 "$3" 2>/dev/null || break
     sleep 0.1

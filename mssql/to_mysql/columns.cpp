@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "mssql/to_mysql/defaults.h"
+#include "mssql/to_mysql/exact_types.h"
 #include "mssql/to_mysql/literals.h"
 #include "platform/run_time_error.h"
 
@@ -76,11 +77,12 @@ std::string TypeOf(const ado::Column& col) {
 }
 
 /// A default that cannot be kept is left off, which is no reason to lose the table.
-void SetDefault(ColumnDefinition& definition, const ado::Column& col) {
+void SetDefault(ColumnDefinition& definition, const ado::Column& col,
+                std::string (*literal_of)(const ado::Column& col, const std::string& value)) {
   if (!col.default_value && col.other_default.empty()) return;
   if (col.default_value) {
     try {
-      definition.facts.default_text = DefaultLiteral(col, *col.default_value);
+      definition.facts.default_text = literal_of(col, *col.default_value);
     } catch (const RunTimeError&) {
       definition.facts.default_text.clear();
     }
@@ -93,15 +95,36 @@ void SetDefault(ColumnDefinition& definition, const ado::Column& col) {
   }
 }
 
+/// All of a column but its type and its default.
+ColumnDefinition Described(const ado::Column& col, const std::string& identity_column) {
+  ColumnDefinition definition{.name = col.name};
+  definition.facts.nullable = (col.attributes & ado::kColumnNullable) != 0;
+  definition.is_identity = !identity_column.empty() && identity_column == col.name;
+  if (definition.is_identity) definition.attributes = " primary key auto_increment";
+  return definition;
+}
+
 }  // namespace
 
 ColumnDefinition GetColumnType(const ado::Column& col, const std::string& identity_column) {
-  ColumnDefinition definition{.name = col.name, .type = TypeOf(col)};
-  definition.facts.nullable = (col.attributes & ado::kColumnNullable) != 0;
+  ColumnDefinition definition = Described(col, identity_column);
+  definition.type = TypeOf(col);
   definition.facts.fraction_digits = FractionDigits(col);
-  definition.is_identity = !identity_column.empty() && identity_column == col.name;
-  if (definition.is_identity) definition.attributes = " primary key auto_increment";
-  SetDefault(definition, col);
+  SetDefault(definition, col, DefaultLiteral);
+  return definition;
+}
+
+ColumnDefinition GetExactColumnType(const ado::Column& col, const std::string& identity_column,
+                                    const std::set<std::string>& fine_columns) {
+  ColumnDefinition definition = Described(col, identity_column);
+  const ExactType exact = ExactTypeOf(col, fine_columns.contains(col.name));
+  definition.type = exact.text;
+  definition.facts.fraction_digits = exact.fraction_digits;
+  definition.facts.is_exact = true;
+  if (!exact.change.empty()) {
+    definition.notes.push_back(fmt::format("column {} {}", col.name, exact.change));
+  }
+  SetDefault(definition, col, ExactDefaultLiteral);
   return definition;
 }
 

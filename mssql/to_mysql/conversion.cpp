@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <charconv>
+#include <optional>
 #include <utility>
 
 #include "endpoint/literal_text.h"
@@ -16,6 +19,33 @@ namespace {
 
 constexpr std::int32_t kTableExists = 1050;
 
+/// Nothing for a number beyond 64 bits, which no column of MySQL's counts to.
+std::optional<std::int64_t> NumberOf(const std::string& text) {
+  std::int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto parsed = std::from_chars(text.data(), end, number);
+  if (parsed.ec != std::errc() || parsed.ptr != end) return std::nullopt;
+  return number;
+}
+
+/// The destination's identity goes on where the source's stands.
+void SetNextNumber(ado::Table& tab_src, TableDefinition& table) {
+  for (const ado::Column& column : tab_src.Columns()) {
+    if (!column.identity) continue;
+    const ado::Identity& identity = *column.identity;
+    if (identity.increment != "1") {
+      table.notes.push_back(
+          fmt::format("column {} counts by 1, no more by {}", column.name, identity.increment));
+    }
+    const bool is_used = !identity.last.empty();
+    const auto start = NumberOf(is_used ? identity.last : identity.seed);
+    const auto step = NumberOf(is_used ? identity.increment : "0");
+    std::int64_t next = 0;
+    if (!start || !step || __builtin_add_overflow(*start, *step, &next)) continue;
+    if (next > 1) table.auto_increment = fmt::to_string(next);
+  }
+}
+
 /// The first row's first value is 1; a question that fails is answered with no.
 bool AnswersOne(ado::Connection& connection, const std::string& sql) {
   try {
@@ -29,31 +59,49 @@ bool AnswersOne(ado::Connection& connection, const std::string& sql) {
 }  // namespace
 
 void MsSqlToMySql::PrepareTable(const TableDefinition& table) {
-  ExecuteOn(Destination(), "Drop Table If Exists " + MySqlName(table.dest_name));
+  ExecuteOn(Destination(), "Drop Table If Exists " + MySqlTable(table.dest_name));
 }
 
 TableDefinition MsSqlToMySql::DefineTable(ado::Table& tab_src) {
-  const std::string identity_column = FindIdentityColumn(tab_src.Name());
+  const std::string identity_column = FindIdentityColumn(tab_src);
   TableDefinition table{
-      .name = tab_src.Name(), .dest_name = DestName(tab_src.Name()), .columns = {}};
+      .name = tab_src.Name(), .dest_name = DestTable(tab_src.Name()), .columns = {}};
+  const bool is_made = IsOverwriting() || !IsOnDestination(table.dest_name);
+  std::set<std::string> fine_columns;
+  if (IsExact() && is_made) fine_columns = AskForFineSeconds(tab_src);
   for (const ado::Column& column : tab_src.Columns()) {
-    table.columns.push_back(GetColumnType(column, identity_column));
+    table.columns.push_back(IsExact() ? GetExactColumnType(column, identity_column, fine_columns)
+                                      : GetColumnType(column, identity_column));
   }
-  if (IsOverwriting() || !IsOnDestination(table.dest_name)) AskTheData(tab_src, table);
+  SetNextNumber(tab_src, table);
+  if (!IsExact() && is_made) AskTheData(tab_src, table);
+  if (IsExact()) DescribeExtras(table);
   return table;
 }
 
-bool MsSqlToMySql::IsOnDestination(const std::string& dest_name) {
+bool MsSqlToMySql::IsOnDestination(const ado::TableName& dest_name) {
   return AnswersOne(Destination(),
                     fmt::format("select count(*) from information_schema.tables where "
-                                "table_schema = database() and table_name = '{}'",
-                                Quote(dest_name)));
+                                "table_schema = {} and table_name = '{}'",
+                                SchemaText(dest_name), Quote(dest_name.name)));
 }
 
-std::string MsSqlToMySql::FindIdentityColumn(const std::string& table_name) {
+ado::TableName MsSqlToMySql::DestTable(const ado::TableName& name) const {
+  return DestName(name.IsBare() ? name.name : name.schema + "_" + name.name);
+}
+
+std::string MsSqlToMySql::FindIdentityColumn(ado::Table& tab_src) {
+  if (tab_src.TellsIdentity()) {
+    const auto tells = [](const ado::Column& column) { return column.identity.has_value(); };
+    const auto found = std::ranges::find_if(tab_src.Columns(), tells);
+    return found != tab_src.Columns().end() ? found->name : std::string();
+  }
   constexpr std::string_view kNoIdentity = "No identity column defined.";
+  const std::string table = MsSqlTable(tab_src.Name());
   try {
-    ado::Recordset help = Source().Execute("sp_help " + MsSqlName(table_name));
+    // A name of two parts is a text to the procedure.
+    ado::Recordset help = Source().Execute(
+        "sp_help " + (tab_src.Name().IsBare() ? table : "N'" + SqlText(table) + "'"));
     if (help.NextRecordset() && help.NextRecordset()) {
       std::string name = help.Field(0).Text();
       // An end that is read needs no further trip to break off.
@@ -67,18 +115,21 @@ std::string MsSqlToMySql::FindIdentityColumn(const std::string& table_name) {
   ado::Recordset identity = Source().Execute(
       fmt::format("select name from sys.columns where object_id = object_id('{}') and "
                   "is_identity = 1",
-                  SqlText(MsSqlName(table_name))));
+                  SqlText(table)));
   return identity.AtEnd() ? std::string() : identity.Field(0).Text();
 }
 
 std::string MsSqlToMySql::CreateTableStatement(const TableDefinition& table) const {
-  std::string statement = "Create Table " + MySqlName(table.dest_name) + "(";
+  std::string statement = "Create Table " + MySqlTable(table.dest_name) + "(";
   const char* separator = "";
   for (const ColumnDefinition& column : table.columns) {
-    statement += separator + MySqlName(DestName(column.name)) + " " + column.Text();
+    statement += separator + MySqlName(DestName(column.name)) + " " + column.Text() +
+                 CommentClause(column.comment);
     separator = ",";
   }
-  return statement + table.constraints + ")";
+  statement += table.constraints + ")" + CommentClause(table.comment);
+  if (table.Identity() == nullptr || table.auto_increment.empty()) return statement;
+  return statement + " AUTO_INCREMENT=" + table.auto_increment;
 }
 
 std::int32_t MsSqlToMySql::TableExistsError() const {
@@ -88,8 +139,12 @@ std::int32_t MsSqlToMySql::TableExistsError() const {
 bool MsSqlToMySql::CureTable(TableDefinition& table, std::int32_t native_error) {
   const ado::Error* entry = PrimaryError(Destination().Errors(), 0);
   const std::string words = entry != nullptr ? entry->description : std::string();
-  const std::vector<ado::Index>& indexes = SourceCatalog().TableByName(table.name).Indexes();
-  return CureDefinition(table, {native_error, words, indexes, PrimaryKeyClause(indexes)});
+  const std::vector<ado::Index>& indexes = SourceCatalog().TableByName(table.name.Text()).Indexes();
+  const auto has_fine_decimals = [&](const std::string& column) {
+    return !IsExact() || HasFineDecimals(table.name, column);
+  };
+  return CureDefinition(
+      table, {native_error, words, indexes, PrimaryKeyClause(indexes), has_fine_decimals});
 }
 
 std::string MsSqlToMySql::SelectList(const TableDefinition&) const {
@@ -101,14 +156,15 @@ bool MsSqlToMySql::FoldsTableNames() {
   return !folding.AtEnd() && folding.Field(0).Text() != "0";
 }
 
-std::string MsSqlToMySql::SourceName(std::string_view name) const {
-  return MsSqlName(name);
+std::string MsSqlToMySql::SourceName(const ado::TableName& name) const {
+  return MsSqlTable(name);
 }
 
 void MsSqlToMySql::RelateTable(const std::string& name) {
   Events().TableRelationsConversionStarted(name);
   AddRelationships(SourceCatalog().TableByName(name));
-  if (unchecked_tables_.contains(DestName(name))) ReportOrphans(DestName(name));
+  const ado::TableName dest_name = DestTableOf(name);
+  if (unchecked_tables_.contains(dest_name)) ReportOrphans(dest_name);
 }
 
 void MsSqlToMySql::ReportTableFailure(const std::string& name, const RunTimeError& error) {
@@ -121,7 +177,7 @@ void MsSqlToMySql::ReportTableFailure(const std::string& name, const RunTimeErro
   }
   const ErrorSummary summary = failure->Summary();
   if (summary.number == ado::hresult::kTimeout) {
-    RaiseError(fmt::format("Can not drop table {} - Error no. {} - {}", DestName(name),
+    RaiseError(fmt::format("Can not drop table {} - Error no. {} - {}", DestTableOf(name).Text(),
                            summary.number, summary.description),
                "MySQL");
   } else {

@@ -27,14 +27,21 @@ class MsSqlToMySql : public Conversion {
   bool FoldsTableNames() override;
   void RelateTable(const std::string& name) override;
   std::string_view WideCount() const override { return "count_big(*)"; }
-  std::string SourceName(std::string_view name) const override;
+  std::string SourceName(const ado::TableName& name) const override;
+  ado::TableName DestTable(const ado::TableName& name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   std::unique_ptr<Conversion> Fork(Context context) const override;
   void Join(Conversion& fork) override;
   /// Empty when the table has no identity column. Throws RunTimeError.
-  std::string FindIdentityColumn(const std::string& table_name);
+  std::string FindIdentityColumn(ado::Table& tab_src);
   /// True when there is a table of that name; false too for a question that fails.
-  bool IsOnDestination(const std::string& dest_name);
+  bool IsOnDestination(const ado::TableName& dest_name);
+
+  // extras.cpp
+  /// Reads the comments, checks and next identity value of a table.
+  void DescribeExtras(TableDefinition& table);
+  static std::string CommentClause(const std::string& comment);
+  void CompleteTable(const TableDefinition& table) override;
 
   // data_questions.cpp
   /// Widens the columns whose values would not all fit otherwise.
@@ -43,6 +50,10 @@ class MsSqlToMySql : public Conversion {
   void AskForMilliseconds(ado::Table& tab_src, TableDefinition& table);
   /// True when the source has a row for the query; false too for a question that fails.
   bool SourceHasRow(const std::string& query);
+  /// The columns whose seconds have a seventh digit in a row. Throws RunTimeError.
+  std::set<std::string> AskForFineSeconds(ado::Table& tab_src);
+  /// True when a value of the column has digits behind the point that MySQL's DECIMAL has not.
+  bool HasFineDecimals(const ado::TableName& table, const std::string& column);
 
   // keys.cpp
   void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) override;
@@ -72,24 +83,24 @@ class MsSqlToMySql : public Conversion {
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
-  std::vector<Reference> DestReferences() override;
+  std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) override;
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
   /// False when the failure ends the table's relationships.
-  bool AddRelationship(const std::string& table_name, const ado::Key& key);
+  bool AddRelationship(const ado::TableName& table, const ado::Key& key);
   enum class NameForm { Bare, Quoted };
-  std::string RelationshipStatement(const std::string& table_name, const ado::Key& key,
+  std::string RelationshipStatement(const ado::TableName& table, const ado::Key& key,
                                     NameForm form) const;
-  bool ReportRelationship(const std::string& table_name, const ado::Key& key,
+  bool ReportRelationship(const ado::TableName& table, const ado::Key& key,
                           const DestinationFailure& failure);
   /// True when the destination's table has a foreign key of that name.
-  bool HasRelationship(const std::string& table_name, const std::string& key_name);
+  bool HasRelationship(const ado::TableName& dest_table, const std::string& key_name);
   /// Rows that were stored unchecked and have no parent now that every table is there.
-  void ReportOrphans(const std::string& dest_name);
+  void ReportOrphans(const ado::TableName& dest_name);
 
-  std::set<std::string> unchecked_tables_;  // names on the destination
-  std::optional<bool> new_takes_blocks_;    // unknown before the first new table
+  std::set<ado::TableName> unchecked_tables_;  // names on the destination
+  std::optional<bool> new_takes_blocks_;       // unknown before the first new table
 };
 
 }  // namespace dorvane::to_mysql

@@ -14,7 +14,6 @@ namespace dorvane::to_mysql {
 namespace {
 
 constexpr int kMostBigIntDigits = 18;
-constexpr int kMostFraction = 30;  // digits behind the point of a DECIMAL
 
 void LeaveDefaultOff(ColumnDefinition& column) {
   column.notes.push_back(
@@ -79,20 +78,34 @@ bool NamedDefaultOff(TableDefinition& table, const TableRefusal& refusal) {
   return false;
 }
 
-/// The widest VARCHAR leaves the row; one of a key only when no other is left.
-bool WidestAsText(TableDefinition& table, const TableRefusal& refusal) {
+/// A type that a row holds, and the one that it holds a mere reference to.
+struct RowType {
+  std::string_view word;
+  std::string_view long_type;
+};
+constexpr std::array kRowTypes{RowType{"VARCHAR(", "Text"}, RowType{"VARBINARY(", "LONGBLOB"}};
+
+const RowType* RowTypeOf(std::string_view type) {
+  const auto found = std::ranges::find_if(
+      kRowTypes, [&](const RowType& each) { return FirstMeasure(type, each.word) > 0; });
+  return found != kRowTypes.end() ? &*found : nullptr;
+}
+
+/// The widest VARCHAR or VARBINARY leaves the row; one of a key only when no other is left.
+bool WidestAsLong(TableDefinition& table, const TableRefusal& refusal) {
   const auto rank = [&](const ColumnDefinition& column) {
     const bool is_in_key = std::ranges::any_of(refusal.indexes, [&](const ado::Index& index) {
       return std::ranges::find(index.columns, column.name) != index.columns.end();
     });
-    const int width = FirstMeasure(column.type, "VARCHAR(");
+    const RowType* type = RowTypeOf(column.type);
+    const int width = type != nullptr ? FirstMeasure(column.type, type->word) : 0;
     return std::pair(width > 0 && !is_in_key, width);
   };
   const auto widest = std::ranges::max_element(table.columns, {}, rank);
   if (widest == table.columns.end() || rank(*widest).second == 0) return false;
+  widest->type = RowTypeOf(widest->type)->long_type;
   widest->notes.push_back(
-      fmt::format("column {} became Text, since the row was too wide", widest->name));
-  widest->type = "Text";
+      fmt::format("column {} became {}, since the row was too wide", widest->name, widest->type));
   return true;
 }
 
@@ -116,23 +129,24 @@ bool IdentityAsInteger(TableDefinition& table, const TableRefusal&) {
   return true;
 }
 
-/// The digits stay as text.
-bool FineDecimalsAsText(TableDefinition& table, const TableRefusal&) {
+/// The digits stay, as text where a number cannot have them.
+bool ShortenFineDecimals(TableDefinition& table, const TableRefusal& refusal) {
   bool is_changed = false;
   for (ColumnDefinition& column : table.columns) {
     int precision = 0;
     int scale = 0;
     if (std::sscanf(column.type.c_str(), "DECIMAL(%d,%d)", &precision, &scale) != 2) continue;
-    if (scale <= kMostFraction) continue;
+    if (scale <= kMostDecimalScale) continue;
     is_changed = true;
+    column.facts.is_text = refusal.has_fine_decimals(column.name);
     // Beside its digits a number has a sign, a point and perhaps a zero in front of it.
-    const std::string type = fmt::format("VARCHAR({})", precision + 3);
+    column.type = column.facts.is_text
+                      ? fmt::format("VARCHAR({})", precision + 3)
+                      : fmt::format("DECIMAL({},{})", precision, kMostDecimalScale);
     column.notes.push_back(
         fmt::format("column {} became {}, since MySQL's DECIMAL has {} digits "
                     "behind the point",
-                    column.name, type, kMostFraction));
-    column.type = type;
-    column.facts.is_text = true;
+                    column.name, column.type, kMostDecimalScale));
   }
   return is_changed;
 }
@@ -153,9 +167,9 @@ constexpr std::array kCures{
     Cure{1101, DefaultsAsExpressions},  // a default on TEXT or BLOB
     Cure{1064, ExpressionsOff},         // syntax
     Cure{1067, NamedDefaultOff},        // an invalid default
-    Cure{1118, WidestAsText},           // a row too wide
+    Cure{1118, WidestAsLong},           // a row too wide
     Cure{1063, IdentityAsInteger},      // auto_increment of a DECIMAL
-    Cure{1425, FineDecimalsAsText},     // a scale above 30
+    Cure{1425, ShortenFineDecimals},    // a scale above 30
     Cure{3750, PrimaryKeyInside},       // a table without a primary key
 };
 

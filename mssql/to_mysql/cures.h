@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,12 +11,19 @@
 
 namespace dorvane::to_mysql {
 
+/// The digits behind the point that a DECIMAL of MySQL has at most.
+inline constexpr int kMostDecimalScale = 30;
+
 /// A Create Table statement that MySQL refused.
 struct TableRefusal {
   std::int32_t native_error;
   std::string_view words;                  // the server's
   const std::vector<ado::Index>& indexes;  // the source table's
   std::string_view primary_key = {};       // as a constraint of the statement; empty: none
+  /// Whether a column's values need all of its digits behind the point.
+  std::function<bool(const std::string& column)> has_fine_decimals = [](const std::string&) {
+    return true;
+  };
 };
 
 /// Changes the definition so that the server may take it, and notes what was changed. False when

@@ -2,12 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
 #include "endpoint/date_time_text.h"
 #include "endpoint/literal_text.h"
 #include "endpoint/number_literal.h"
+#include "mssql/to_mysql/exact_types.h"
 #include "mssql/to_mysql/literals.h"
 #include "platform/text/number_text.h"
 
@@ -19,6 +21,7 @@ using ado::DataType;
 
 constexpr std::size_t kMostCanonicalDigits = 18;
 constexpr std::size_t kGuidBytes = 16;
+constexpr int kMostFractionDigits = 6;
 // MySQL takes fourteen digits below it for a year of two digits.
 constexpr int kFirstYearOfFourDigits = 1000;
 
@@ -60,7 +63,7 @@ std::string DateTimeLiteral(const ado::Column& col, const std::string& value) {
   const ado::DateTime moment = ParseServerDate(value);
   if (FractionDigits(col) > 0 && moment.nanoseconds != 0) {
     std::string text(kDateTimeSize, ' ');
-    text.resize(WriteDateTime(text.data(), moment, true));
+    text.resize(WriteDateTime(text.data(), moment, kMostFractionDigits));
     return Quoted(text);
   }
   const std::string digits = Digits(DateTimeText(moment));
@@ -71,7 +74,7 @@ std::string TimeLiteral(const ado::Column& col, const std::string& value) {
   ado::DateTime moment = ParseServerDate(value);
   if (moment.nanoseconds != 0 && FractionDigits(col) > 0) {
     std::string text(kDateTimeSize, ' ');
-    text.resize(WriteTime(text.data(), moment, true));
+    text.resize(WriteTime(text.data(), moment, kMostFractionDigits));
     return Quoted(text);
   }
   const ado::DateTime day_zero;
@@ -139,6 +142,36 @@ std::string DefaultLiteral(const ado::Column& col, const std::string& value) {
       return BinaryLiteral(value);
     default:
       return {};
+  }
+}
+
+std::string ExactDefaultLiteral(const ado::Column& col, const std::string& value) {
+  if (HasOffset(col)) return {};
+  const auto written = [&](auto writer) {
+    std::string text(kDateTimeSize, ' ');
+    text.resize(writer(text.data(), ParseServerDate(value)));
+    return Quoted(text);
+  };
+  const int digits = std::min(col.numeric_scale, kMostFractionDigits);
+  switch (col.type) {
+    case DataType::DBDate:
+      return IsCurrentTime(value) ? "" : written(WriteDate);
+    case DataType::DBTime:
+      if (IsCurrentTime(value)) return {};
+      return written(
+          [&](char* out, const ado::DateTime& time) { return WriteTime(out, time, digits); });
+    case DataType::DBTimeStamp:
+      if (IsCurrentTime(value)) return {};
+      return written([&](char* out, const ado::DateTime& moment) {
+        return WriteDateTime(out, moment, digits);
+      });
+    case DataType::Guid:
+      if (GuidBytes(value).size() != kGuidBytes) text::ThrowTypeMismatch(value);
+      return Quoted(BareGuid(value));
+    case DataType::Binary:
+      return BinaryLiteral(value);
+    default:
+      return DefaultLiteral(col, value);
   }
 }
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "endpoint/names.h"
 #include "mssql/to_mysql/conversion.h"
+#include "mssql/to_mysql/index_notes.h"
 #include "mssql/to_mysql/key_columns.h"
 #include "mssql/to_mysql/literals.h"
 
@@ -61,9 +63,14 @@ void MsSqlToMySql::AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition&
     for (const ado::Index& index : PrimaryKeyFirst(tab_src.Indexes())) {
       if (IsKeyOfIdentity(index, table.Identity())) continue;
       if (index.primary_key && !table.constraints.empty()) continue;
-      const KeyResult result = AddKey(tab_src, table, index, table.notes);
+      const KeyResult result =
+          AddKey(tab_src, table, WithoutFilter(index, table.notes), table.notes);
       tells_rows_apart |= result == KeyResult::Unique;
+      if (index.is_descending) {
+        table.notes.push_back(fmt::format("index {} is ascending in all its columns", index.name));
+      }
     }
+    std::ranges::copy(tab_src.LeftOut(), std::back_inserter(table.notes));
   } catch (const RunTimeError& error) {
     ReportKey({}, table, error.Number(), error.Description());
   }
@@ -75,9 +82,9 @@ void MsSqlToMySql::AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition&
 void MsSqlToMySql::CheckExistingTable(ado::Table& tab_src, const TableDefinition& table) {
   try {
     ado::Recordset keys = Destination().Execute(
-        fmt::format("select count(*) from information_schema.statistics where table_schema = "
-                    "database() and table_name = '{}' and non_unique = 0",
-                    Quote(table.dest_name)));
+        fmt::format("select count(*) from information_schema.statistics where table_schema = {} "
+                    "and table_name = '{}' and non_unique = 0",
+                    SchemaText(table.dest_name), Quote(table.dest_name.name)));
     if (keys.AtEnd() || keys.Field(0).Text() != "0") return;
     for (const ado::Index& index : tab_src.Indexes()) {
       if (!index.primary_key) continue;
@@ -95,12 +102,12 @@ void MsSqlToMySql::CheckExistingTable(ado::Table& tab_src, const TableDefinition
 }
 
 void MsSqlToMySql::TellNote(const TableDefinition& table, std::string_view note) {
-  Host().Inform(fmt::format("Table {}: {}", table.name, note));
+  Host().Inform(fmt::format("Table {}: {}", table.name.Text(), note));
 }
 
 std::string MsSqlToMySql::KeyStatement(const TableDefinition& table, const ado::Index& index,
                                        const std::string& columns, bool replaces_identity) const {
-  const std::string dest_table = MySqlName(table.dest_name);
+  const std::string dest_table = MySqlTable(table.dest_name);
   const std::string name = MySqlName(DestName(index.name));
   if (!index.primary_key) {
     return fmt::format("Create {}index {} on {}({})", index.unique ? "unique " : "", name,
@@ -174,7 +181,7 @@ void MsSqlToMySql::TellPrefix(const ado::Index& index, const TableDefinition& ta
 void MsSqlToMySql::ReportKey(const ado::Index& index, const TableDefinition& table,
                              std::int32_t number, std::string_view description) {
   RaiseError(fmt::format("Can not create Primary Key constraint {} for table {} _ {} _ {}",
-                         index.name, table.dest_name, number, description),
+                         index.name, table.dest_name.Text(), number, description),
              "Primary Key Constraint");
 }
 

@@ -1,8 +1,11 @@
 #include "mssql/to_mysql/literals.h"
 
+#include <algorithm>
+
 #include "endpoint/date_time_text.h"
 #include "endpoint/literal_text.h"
 #include "endpoint/number_literal.h"
+#include "mssql/to_mysql/exact_types.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mysql {
@@ -22,6 +25,23 @@ std::string_view Written(ado::Arena& storage, std::size_t size, Writer writer) {
   return std::string_view(out, writer(out));
 }
 
+/// "2020-01-02 03:04:05.1234567 +01:00" in the form of ISO 8601. Drivers leave out the zeros in
+/// front of a year.
+std::string_view IsoMoment(std::string_view text, ado::Arena& storage) {
+  constexpr std::size_t kYearDigits = 4;
+  const auto year_end = text.find('-');
+  const auto day_end = text.find(' ');
+  const auto offset = text.rfind(' ');
+  if (day_end == offset || year_end > kYearDigits) return text;
+  const std::size_t zeros = kYearDigits - year_end;
+  char* const out = storage.Allocate(zeros + text.size() - 1);
+  char* end = std::fill_n(out, zeros, '0');
+  end = std::ranges::copy(text.substr(0, offset), end).out;
+  out[zeros + day_end] = 'T';
+  end = std::ranges::copy(text.substr(offset + 1), end).out;
+  return {out, end};
+}
+
 /// Makes the destination's value, whatever form the source's has.
 struct Converter {
   const ado::FieldInfo& field;
@@ -32,22 +52,28 @@ struct Converter {
   ado::Value operator()(bool value) const { return std::string_view(value ? "1" : "0"); }
   ado::Value operator()(std::int64_t value) const { return Integer(value); }
   ado::Value operator()(std::uint64_t value) const { return Integer(value); }
-  ado::Value operator()(float value) const { return Number(value); }
+  ado::Value operator()(float value) const {
+    // MySQL reads a double and rounds that, whose range the shortest text of a float may leave.
+    return facts.is_exact ? Number(static_cast<double>(value)) : Number(value);
+  }
   ado::Value operator()(double value) const { return Number(value); }
   ado::Value operator()(ado::Decimal value) const { return Number(value); }
-  ado::Value operator()(std::string_view value) const { return value; }
-  ado::Value operator()(ado::Binary value) const { return value; }
+  ado::Value operator()(std::string_view value) const {
+    return facts.is_exact && HasOffset(field) ? IsoMoment(value, storage) : value;
+  }
+  ado::Value operator()(ado::Binary value) const {
+    if (facts.is_exact && field.type == DataType::Variant) return value.bytes;
+    return value;
+  }
   ado::Value operator()(ado::Guid value) const {
+    if (facts.is_exact) return BareGuid(value.text);
     return ado::Binary{storage.Store(GuidBytes(value.text))};
   }
   ado::Value operator()(const ado::DateTime& value) const {
     return Written(storage, kDateTimeSize, [&](char* out) {
       if (field.type == DataType::DBDate) return WriteDate(out, value);
-      const bool has_fraction = facts.fraction_digits > 0;
-      const std::size_t size = field.type == DataType::DBTime
-                                   ? WriteTime(out, value, has_fraction)
-                                   : WriteDateTime(out, value, has_fraction);
-      return has_fraction ? size - (kMostFractionDigits - facts.fraction_digits) : size;
+      return field.type == DataType::DBTime ? WriteTime(out, value, facts.fraction_digits)
+                                            : WriteDateTime(out, value, facts.fraction_digits);
     });
   }
 
@@ -92,6 +118,14 @@ bool LosesFraction(const ado::DateTime& moment, const ColumnFacts& facts) {
 
 std::string Quote(std::string_view text) {
   return PrefixEach(PrefixEach(text, "\\\"", '\\'), "'", '\'');
+}
+
+std::string_view BareGuid(std::string_view braced) {
+  return braced.substr(1, braced.size() - 2);
+}
+
+std::string SchemaText(const ado::TableName& table) {
+  return table.IsBare() ? "database()" : "'" + Quote(table.schema) + "'";
 }
 
 std::string HexCodeGUID(std::string_view braced) {

@@ -1,29 +1,36 @@
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <set>
 
 #include "endpoint/names.h"
 #include "endpoint/references.h"
 #include "mssql/to_mysql/conversion.h"
+#include "mssql/to_mysql/literals.h"
 
 namespace dorvane::to_mysql {
 
 namespace {
 
-// Keys from and to other databases keep their tables: they are read for the one that they are in.
+// Keys from elsewhere keep their tables.
 constexpr std::string_view kReferenceQuery =
-    "select constraint_name, if(constraint_schema = database(), table_name, ''), "
+    "select constraint_name, if(constraint_schema = database(), '', constraint_schema), "
+    "table_name, if(unique_constraint_schema = database(), '', unique_constraint_schema), "
     "referenced_table_name from information_schema.referential_constraints where "
-    "unique_constraint_schema = database() order by table_name, constraint_name";
+    "unique_constraint_schema in ({}) order by table_name, constraint_name";
 
 }  // namespace
 
-std::vector<Reference> MsSqlToMySql::DestReferences() {
+/// Those to tables in the tables' databases.
+std::vector<Reference> MsSqlToMySql::DestReferences(const std::set<ado::TableName>& tables) {
+  std::set<std::string> databases = {SchemaText({})};
+  for (const ado::TableName& table : tables) databases.insert(SchemaText(table));
+  const std::string query = fmt::format(fmt::runtime(kReferenceQuery), fmt::join(databases, ", "));
   std::vector<Reference> references;
-  ado::Recordset rows =
-      OnDestination(Destination(), [&] { return Destination().Execute(kReferenceQuery); });
+  ado::Recordset rows = OnDestination(Destination(), [&] { return Destination().Execute(query); });
+  const auto text = [&](std::size_t i) { return rows.Field(i).Text(); };
   for (; !rows.AtEnd(); rows.MoveNext()) {
-    references.push_back({rows.Field(0).Text(), rows.Field(1).Text(), rows.Field(2).Text()});
+    references.push_back({text(0), {text(1), text(2)}, {text(3), text(4)}});
   }
   return references;
 }
@@ -35,18 +42,18 @@ void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>&
     RaiseError(fmt::format("Error no. {} - {}", summary.number, summary.description),
                "Unexpected error");
   };
-  std::set<std::string> names;
+  std::set<ado::TableName> names;
   for (const TableDefinition* table : tables) names.insert(table->dest_name);
   std::vector<Reference> references;
   try {
-    references = ReferencesToDrop(DestReferences(), names, FoldsTableNames());
+    references = ReferencesToDrop(DestReferences(names), names, FoldsTableNames());
   } catch (const RunTimeError& error) {
     report(error);
   }
   for (const Reference& reference : references) {
     try {
       ExecuteOn(Destination(), fmt::format("ALTER TABLE {} DROP FOREIGN KEY {}",
-                                           MySqlName(reference.table), MySqlName(reference.name)));
+                                           MySqlTable(reference.table), MySqlName(reference.name)));
     } catch (const RunTimeError& error) {
       report(error);
     }

@@ -74,14 +74,14 @@ bool IsHarmlessBare(std::string_view name) {
 }
 
 bool AreHarmlessBare(const ado::Key& key) {
-  return IsHarmlessBare(key.related_table) &&
+  return IsHarmlessBare(key.related_table.name) &&
          std::ranges::all_of(key.columns, [](const ado::KeyColumn& column) {
            return IsHarmlessBare(column.name) && IsHarmlessBare(column.related_column);
          });
 }
 
 /// Counts the rows whose key is not NULL and has no row in the related table.
-std::string OrphanQuery(const std::string& table, const ado::Key& key) {
+std::string OrphanQuery(const ado::TableName& table, const ado::Key& key) {
   std::string join;
   std::string is_set;
   for (const ado::KeyColumn& column : key.columns) {
@@ -91,7 +91,7 @@ std::string OrphanQuery(const std::string& table, const ado::Key& key) {
     is_set += fmt::format("c.{} is not null and ", name);
   }
   return fmt::format("select count(*) from {} c left join {} p on {} where {}p.{} is null",
-                     MySqlName(table), MySqlName(key.related_table), join, is_set,
+                     MySqlTable(table), MySqlTable(key.related_table), join, is_set,
                      MySqlName(key.columns.front().related_column));
 }
 
@@ -104,8 +104,15 @@ void AppendName(std::string& list, const std::string& name) {
 
 void MsSqlToMySql::AddRelationships(ado::Table& tab_src) {
   try {
-    for (const ado::Key& key : tab_src.Keys()) {
-      if (key.type == ado::KeyType::Foreign && !AddRelationship(tab_src.Name(), key)) return;
+    for (ado::Key key : tab_src.Keys()) {
+      if (key.type != ado::KeyType::Foreign) continue;
+      if (key.is_disabled) {
+        Host().Inform(fmt::format("Table {}: relationship {} was left out: it is disabled",
+                                  tab_src.Name().Text(), key.name));
+        continue;
+      }
+      key.related_table = SourceCatalog().Listed(key.related_table);
+      if (!AddRelationship(tab_src.Name(), key)) return;
     }
   } catch (const RunTimeError& error) {
     RaiseError(fmt::format("Unexpected error {} - {}", error.Number(), error.Description()),
@@ -113,7 +120,7 @@ void MsSqlToMySql::AddRelationships(ado::Table& tab_src) {
   }
 }
 
-std::string MsSqlToMySql::RelationshipStatement(const std::string& table_name, const ado::Key& key,
+std::string MsSqlToMySql::RelationshipStatement(const ado::TableName& table, const ado::Key& key,
                                                 NameForm form) const {
   const bool is_quoted = form == NameForm::Quoted;
   std::string columns;
@@ -125,7 +132,7 @@ std::string MsSqlToMySql::RelationshipStatement(const std::string& table_name, c
     AppendName(columns, written(column.name));
     AppendName(related_columns, written(column.related_column));
   }
-  const std::string related = DestName(key.related_table);
+  const ado::TableName related = DestTable(key.related_table);
   const auto rule_word = [is_quoted](ado::RuleType rule) {
     // The quoted form is what a refusal is answered by: it has a word for every rule.
     const std::string_view word = RuleWord(rule);
@@ -134,43 +141,48 @@ std::string MsSqlToMySql::RelationshipStatement(const std::string& table_name, c
   return fmt::format(
       "ALTER TABLE {} ADD CONSTRAINT  {} FOREIGN KEY ({}) REFERENCES {}({}) ON DELETE {} ON "
       "UPDATE {}",
-      MySqlName(DestName(table_name)), MySqlName(key.name), columns,
-      is_quoted ? MySqlName(related) : related, related_columns, rule_word(key.delete_rule),
+      MySqlTable(DestTable(table)), MySqlName(key.name), columns,
+      is_quoted ? MySqlTable(related) : related.Text(), related_columns, rule_word(key.delete_rule),
       rule_word(key.update_rule));
 }
 
-bool MsSqlToMySql::AddRelationship(const std::string& table_name, const ado::Key& key) {
+bool MsSqlToMySql::AddRelationship(const ado::TableName& table, const ado::Key& key) {
   NameForm form = AreHarmlessBare(key) ? NameForm::Bare : NameForm::Quoted;
   for (;;) {
     try {
-      ExecuteOn(Destination(), RelationshipStatement(table_name, key, form));
+      ExecuteOn(Destination(), RelationshipStatement(table, key, form));
       if (SetsDefault(key)) {
         Host().Inform(fmt::format("Table {}: SET DEFAULT of relationship {} became NO ACTION",
-                                  table_name, key.name));
+                                  table.Text(), key.name));
+      }
+      if (!key.is_trusted) {
+        Host().Inform(
+            fmt::format("Table {}: relationship {} was not checked against every row on the source",
+                        table.Text(), key.name));
       }
       return true;
     } catch (const DestinationFailure& failure) {
       if (failure.NativeError() != kSyntax || form == NameForm::Quoted) {
-        return ReportRelationship(table_name, key, failure);
+        return ReportRelationship(table, key, failure);
       }
       form = NameForm::Quoted;
     }
   }
 }
 
-bool MsSqlToMySql::ReportRelationship(const std::string& table_name, const ado::Key& key,
+bool MsSqlToMySql::ReportRelationship(const ado::TableName& table, const ado::Key& key,
                                       const DestinationFailure& failure) {
   const ado::Error* entry = failure.Primary();
   const Refusal refusal = entry != nullptr ? RefusalOf(*entry) : Refusal::Other;
   if (refusal == Refusal::CannotBeMade) {
     RaiseError(
         fmt::format("Could not create relationship between table {} and table {}. Error {} - {}",
-                    table_name, key.related_table, entry->number, entry->description),
+                    table.Text(), key.related_table.Text(), entry->number, entry->description),
         kTitle, message_style::kInformation);
     return true;
   }
-  if (refusal == Refusal::ExistsAlready && MayBeOld(table_name) &&
-      HasRelationship(table_name, key.name)) {
+  if (refusal == Refusal::ExistsAlready && MayBeOld(table) &&
+      HasRelationship(DestTable(table), key.name)) {
     return true;
   }
   const ErrorSummary summary = failure.Summary();
@@ -179,16 +191,16 @@ bool MsSqlToMySql::ReportRelationship(const std::string& table_name, const ado::
   return refusal != Refusal::Other || IsRowRefusal(summary.number);
 }
 
-bool MsSqlToMySql::HasRelationship(const std::string& table_name, const std::string& key_name) {
+bool MsSqlToMySql::HasRelationship(const ado::TableName& dest_table, const std::string& key_name) {
   ado::Recordset keys = Destination().Execute(
       fmt::format("select 1 from information_schema.table_constraints where constraint_schema = "
-                  "database() and table_name = '{}' and constraint_name = '{}' and "
+                  "{} and table_name = '{}' and constraint_name = '{}' and "
                   "constraint_type = 'FOREIGN KEY'",
-                  Quote(DestName(table_name)), Quote(key_name)));
+                  SchemaText(dest_table), Quote(dest_table.name), Quote(key_name)));
   return !keys.AtEnd();
 }
 
-void MsSqlToMySql::ReportOrphans(const std::string& dest_name) {
+void MsSqlToMySql::ReportOrphans(const ado::TableName& dest_name) {
   ado::Connection& destination = Destination();
   try {
     for (const ado::Key& key : destination.Keys(dest_name)) {
@@ -197,7 +209,7 @@ void MsSqlToMySql::ReportOrphans(const std::string& dest_name) {
       if (count == "0") continue;
       RaiseError(fmt::format("{} rows of table {} refer to rows of table {} that are not there "
                              "(relationship {})",
-                             count, dest_name, key.related_table, key.name),
+                             count, dest_name.Text(), key.related_table.Text(), key.name),
                  kTitle);
     }
   } catch (const RunTimeError& error) {

@@ -24,7 +24,7 @@ std::string EqualText(const std::string& column, std::string_view text, bool is_
 
 }  // namespace
 
-std::string RowQuestion(std::string_view table, const std::vector<std::string>& columns,
+std::string RowQuestion(const ado::TableName& table, const std::vector<std::string>& columns,
                         const std::vector<ado::FieldInfo>& fields,
                         const std::vector<std::size_t>& positions,
                         std::span<const ado::Value> row) {
@@ -40,7 +40,7 @@ std::string RowQuestion(std::string_view table, const std::vector<std::string>& 
       condition += fmt::format(" and {} = {}", column, HexCode(binary->bytes));
     }
   }
-  return fmt::format("select 1 from {} where {} limit 1", MySqlName(table), condition);
+  return fmt::format("select 1 from {} where {} limit 1", MySqlTable(table), condition);
 }
 
 }  // namespace dorvane::to_mysql

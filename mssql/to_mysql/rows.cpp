@@ -43,7 +43,7 @@ RowsToMySql::RowsToMySql(ado::Connection& destination, Target target,
       checks_off_(target_.is_ahead_of_parents ? std::make_unique<ForeignKeyChecksOff>(destination)
                                               : nullptr),
       table_(OnDestination(destination, [&] {
-        return destination.OpenTable(MySqlName(target_.table), target_.columns);
+        return destination.OpenTable(MySqlTable(target_.table), target_.columns);
       })) {
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     if (HasTime(fields_[i])) time_columns_.push_back(i);
@@ -76,11 +76,11 @@ bool RowsToMySql::IsTransactionalWithoutTriggers() {
   try {
     ado::Recordset facts = destination_.Execute(fmt::format(
         "select coalesce(e.transactions = 'YES', 0), (select count(*) from "
-        "information_schema.triggers where event_object_schema = database() and "
+        "information_schema.triggers where event_object_schema = {1} and "
         "event_object_table = '{0}') from information_schema.tables t left join "
-        "information_schema.engines e on e.engine = t.engine where t.table_schema = database() "
+        "information_schema.engines e on e.engine = t.engine where t.table_schema = {1} "
         "and t.table_name = '{0}'",
-        Quote(target_.table)));
+        Quote(target_.table.name), SchemaText(target_.table)));
     return !facts.AtEnd() && facts.Field(0).Text() == "1" && facts.Field(1).Text() == "0";
   } catch (const RunTimeError&) {
     // A server that does not tell is taken for one that would see the difference.
@@ -204,9 +204,9 @@ const std::string& RowsToMySql::CharacterSetOf(const std::string& column) {
     ado::Recordset sets = OnDestination(destination_, [this] {
       return destination_.Execute(
           fmt::format("select column_name, coalesce(character_set_name, '') from "
-                      "information_schema.columns where table_schema = database() and "
+                      "information_schema.columns where table_schema = {} and "
                       "table_name = '{}'",
-                      Quote(target_.table)));
+                      SchemaText(target_.table), Quote(target_.table.name)));
     });
     for (; !sets.AtEnd(); sets.MoveNext()) {
       character_sets_[text::ToLower(sets.Field(0).Text())] = sets.Field(1).Text();
@@ -253,14 +253,15 @@ std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& t
   if (target.is_ahead_of_parents) unchecked_tables_.insert(table.dest_name);
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   if (!is_new) {
-    target.identity = IdentifyingFields(SourceCatalog().TableByName(table.name).Indexes(), fields);
+    target.identity =
+        IdentifyingFields(SourceCatalog().TableByName(table.name.Text()).Indexes(), fields);
   }
   return std::make_unique<RowsToMySql>(Destination(), std::move(target), fields, facts);
 }
 
 void MsSqlToMySql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
   RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
-                         table.dest_name, problem),
+                         table.dest_name.Text(), problem),
              "Insertion Error");
 }
 

@@ -32,7 +32,7 @@ class ForeignKeyChecksOff {
 class RowsToMySql : public IRowDestination {
  public:
   struct Target {
-    std::string table;                       // unquoted
+    ado::TableName table;                    // unquoted
     std::vector<std::string> columns;        // unquoted, in the order of the fields
     bool is_new = false;                     // made by this run
     bool is_ahead_of_parents = false;        // its rows may refer to tables that are copied later

@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "mysql/to_mssql/defaults.h"
+#include "mysql/to_mssql/exact_types.h"
 
 namespace dorvane::to_mssql {
 
@@ -73,6 +75,41 @@ std::string TypeOf(const ado::Column& col) {
   return {};
 }
 
+const ColumnDescription& DescriptionOf(const ado::Column& col,
+                                       const std::vector<ColumnDescription>& descriptions) {
+  const auto found = std::ranges::find(descriptions, col.name, &ColumnDescription::field);
+  if (found == descriptions.end()) {
+    throw RunTimeError(ado::kNoCurrentRecord, "MySql", "No description of column " + col.name);
+  }
+  return *found;
+}
+
+/// All of a column but its type and its default.
+ColumnDefinition Described(const ado::Column& col, const ColumnDescription& description) {
+  ColumnDefinition definition{.name = col.name};
+  definition.facts.nullable = description.null.starts_with('Y');
+  const std::string_view extra = description.extra;
+  definition.is_identity = extra.substr(0, extra.find_first_of(" ,")) == "auto_increment";
+  definition.is_invisible = extra.find("INVISIBLE") != std::string_view::npos;
+  if (definition.is_identity) definition.attributes += " Identity";
+  if (description.key == "UNI") definition.attributes += " Unique";
+  return definition;
+}
+
+void SetDefault(ColumnDefinition& definition, const ado::Column& col,
+                const ColumnDescription& description,
+                std::optional<std::string> (*literal_of)(const ado::Column& col,
+                                                         const std::string& described)) {
+  if (description.default_value.empty()) return;
+  const std::optional<std::string> literal = literal_of(col, description.default_value);
+  if (literal) {
+    definition.default_clause = definition.facts.default_text = *literal;
+  } else {
+    definition.notes.push_back(fmt::format("the default of column {} was left off: {}", col.name,
+                                           description.default_value));
+  }
+}
+
 }  // namespace
 
 std::vector<ColumnDescription> ShowColumns(ado::Connection& source,
@@ -89,25 +126,29 @@ std::vector<ColumnDescription> ShowColumns(ado::Connection& source,
 
 ColumnDefinition GetColumnType(const ado::Column& col,
                                const std::vector<ColumnDescription>& descriptions) {
-  const auto found = std::ranges::find(descriptions, col.name, &ColumnDescription::field);
-  if (found == descriptions.end()) {
-    throw RunTimeError(ado::kNoCurrentRecord, "MySql", "No description of column " + col.name);
+  const ColumnDescription& description = DescriptionOf(col, descriptions);
+  ColumnDefinition definition = Described(col, description);
+  definition.type = TypeOf(col);
+  SetDefault(definition, col, description, DefaultLiteral);
+  return definition;
+}
+
+ColumnDefinition GetExactColumnType(const ado::Column& col,
+                                    const std::vector<ColumnDescription>& descriptions,
+                                    std::int64_t answer, const std::string& dest_name) {
+  const ColumnDescription& description = DescriptionOf(col, descriptions);
+  ColumnDefinition definition = Described(col, description);
+  const bool counts = definition.is_identity;
+  ExactType exact = ExactTypeOf(col, counts ? 1 : answer, dest_name);
+  definition.type = std::move(exact.text);
+  definition.check = std::move(exact.check);
+  definition.facts.fraction_digits = exact.fraction_digits;
+  definition.facts.is_text = exact.is_text;
+  definition.facts.is_exact = true;
+  if (!exact.change.empty()) {
+    definition.notes.push_back(fmt::format("column {} {}", col.name, exact.change));
   }
-  ColumnDefinition definition{.name = col.name, .type = TypeOf(col)};
-  definition.facts.nullable = found->null.starts_with('Y');
-  const std::string_view extra = found->extra;
-  definition.is_identity = extra.substr(0, extra.find_first_of(" ,")) == "auto_increment";
-  definition.is_invisible = extra.find("INVISIBLE") != std::string_view::npos;
-  if (definition.is_identity) definition.attributes += " Identity";
-  if (found->key == "UNI") definition.attributes += " Unique";
-  if (found->default_value.empty()) return definition;
-  const std::optional<std::string> literal = DefaultLiteral(col, found->default_value);
-  if (literal) {
-    definition.default_clause = definition.facts.default_text = *literal;
-  } else {
-    definition.notes.push_back(
-        fmt::format("the default of column {} was left off: {}", col.name, found->default_value));
-  }
+  SetDefault(definition, col, description, ExactDefaultLiteral);
   return definition;
 }
 
@@ -117,7 +158,7 @@ std::optional<std::int64_t> KeyBytes(const std::string& type) {
     std::int64_t bytes;  // of a character
   };
   constexpr SizedType kSizedTypes[] = {
-      {"varchar(", 1}, {"nvarchar(", 2}, {"binary(", 1}, {"varbinary(", 1}};
+      {"varchar(", 1}, {"nvarchar(", 2}, {"nchar(", 2}, {"binary(", 1}, {"varbinary(", 1}};
   constexpr std::int64_t kMostNumberBytes = 17;
   if (type == "text" || type == "image" || type.ends_with("(max)")) return std::nullopt;
   for (const SizedType& row : kSizedTypes) {

@@ -29,6 +29,12 @@ std::vector<ColumnDescription> ShowColumns(ado::Connection& source,
 ColumnDefinition GetColumnType(const ado::Column& col,
                                const std::vector<ColumnDescription>& descriptions);
 
+/// The same in the exact mapping. `answer` is that of the question that the column's type needs;
+/// `dest_name` is its name on the destination.
+ColumnDefinition GetExactColumnType(const ado::Column& col,
+                                    const std::vector<ColumnDescription>& descriptions,
+                                    std::int64_t answer, const std::string& dest_name);
+
 /// Bytes of a key that a column of this SQL Server type takes at most; nothing for a type that no
 /// key takes.
 std::optional<std::int64_t> KeyBytes(const std::string& type);

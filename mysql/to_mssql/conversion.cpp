@@ -7,6 +7,8 @@
 
 #include "endpoint/names.h"
 #include "mysql/to_mssql/columns.h"
+#include "mysql/to_mssql/exact_types.h"
+#include "mysql/to_mssql/questions.h"
 
 namespace dorvane::to_mssql {
 
@@ -24,18 +26,41 @@ constexpr std::int32_t kObjectExists = 2714;
 void MySqlToMsSql::PrepareTable(const TableDefinition&) {}
 
 TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
-  const std::string& name = tab_src.Name();
-  const std::vector<ColumnDescription> descriptions = ShowColumns(Source(), MySqlName(name));
-  TableDefinition table{.name = name, .dest_name = DestName(name), .columns = {}};
-  for (const ado::Column& column : tab_src.Columns()) {
-    table.columns.push_back(GetColumnType(column, descriptions));
+  const ado::TableName& name = tab_src.Name();
+  const std::vector<ColumnDescription> descriptions = ShowColumns(Source(), MySqlTable(name));
+  TableDefinition table{.name = name, .dest_name = DestTable(name), .columns = {}};
+  if (IsExact()) {
+    DefineExactly(tab_src.Columns(), descriptions, table);
+  } else {
+    for (const ado::Column& column : tab_src.Columns()) {
+      table.columns.push_back(GetColumnType(column, descriptions));
+    }
   }
   AskTheRows(tab_src.Columns(), table);
   return table;
 }
 
+void MySqlToMsSql::DefineExactly(const std::vector<ado::Column>& columns,
+                                 const std::vector<ColumnDescription>& descriptions,
+                                 TableDefinition& table) {
+  std::vector<std::string> questions;
+  const bool is_made = WillBeCreated(table);
+  for (const ado::Column& column : columns) {
+    questions.push_back(is_made ? QuestionOf(column, table.name) : "");
+  }
+  std::vector<std::string> asked = questions;
+  std::erase(asked, "");
+  const std::vector<std::int64_t> answers = NumbersOf(Source(), table.name, asked);
+  auto answer = answers.begin();
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    table.columns.push_back(GetExactColumnType(
+        columns[i], descriptions, questions[i].empty() ? 0 : *answer++, DestName(columns[i].name)));
+  }
+  DescribeExtras(table);
+}
+
 std::string MySqlToMsSql::CreateTableStatement(const TableDefinition& table) const {
-  std::string statement = "Create Table " + MsSqlName(table.dest_name) + "(";
+  std::string statement = "Create Table " + MsSqlTable(table.dest_name) + "(";
   const char* separator = "";
   for (const ColumnDefinition& column : table.columns) {
     statement += separator + MsSqlName(DestName(column.name)) + " " + column.Text();
@@ -61,13 +86,17 @@ bool MySqlToMsSql::FoldsTableNames() {
   return true;
 }
 
-std::string MySqlToMsSql::SourceName(std::string_view name) const {
-  return MySqlName(name);
+std::string MySqlToMsSql::SourceName(const ado::TableName& name) const {
+  return MySqlTable(name);
+}
+
+ado::TableName MySqlToMsSql::DestTable(const ado::TableName& name) const {
+  return DestName(name.name);
 }
 
 void MySqlToMsSql::RelateTable(const std::string& name) {
   ado::Table& tab_src = SourceCatalog().TableByName(name);
-  Events().TableRelationsConversionStarted(tab_src.Name());
+  Events().TableRelationsConversionStarted(tab_src.Name().Text());
   AddRelationships(tab_src);
 }
 
@@ -88,7 +117,7 @@ void MySqlToMsSql::ReportTableFailure(const std::string& name, const RunTimeErro
   if (entry->native_error == kNoSuchTable) return;
   if (entry->native_error == kTableIsReferenced) {
     RaiseError(fmt::format("Could not drop table '{}' due to relationship(s) with other table(s)",
-                           DestName(name)),
+                           DestTableOf(name).Text()),
                kDestinationTitle);
     return;
   }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "endpoint/conversion.h"
+#include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/foreign_key_text.h"
 #include "mysql/to_mssql/key_text.h"
 #include "mysql/to_mssql/waiting_rows.h"
@@ -23,20 +24,33 @@ class MySqlToMsSql : public Conversion {
  private:
   // conversion.cpp
   TableDefinition DefineTable(ado::Table& tab_src) override;
+  /// The columns in the exact mapping. What their types depend on is asked of the rows where the
+  /// table will be created.
+  void DefineExactly(const std::vector<ado::Column>& columns,
+                     const std::vector<ColumnDescription>& descriptions, TableDefinition& table);
+  // extras.cpp
+  /// Reads the comments, checks and next identity value of a table.
+  void DescribeExtras(TableDefinition& table);
+  void CompleteTable(const TableDefinition& table) override;
+  void AddComment(const TableDefinition& table, const std::string& column,
+                  const std::string& comment);
+  void Reseed(const TableDefinition& table);
+
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
   std::int32_t TableExistsError() const override;
   std::string SelectList(const TableDefinition& table) const override;
   bool FoldsTableNames() override;
   void RelateTable(const std::string& name) override;
-  std::string SourceName(std::string_view name) const override;
+  std::string SourceName(const ado::TableName& name) const override;
+  ado::TableName DestTable(const ado::TableName& name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   std::unique_ptr<Conversion> Fork(Context context) const override;
   void Join(Conversion& fork) override;
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
-  std::vector<Reference> DestReferences() override;
+  std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) override;
   /// Without them the tables can be dropped in any order. Leaves the keys of tables that a key from
   /// elsewhere keeps.
   void DropReferencesAmong(const std::vector<const TableDefinition*>& tables);
@@ -48,7 +62,7 @@ class MySqlToMsSql : public Conversion {
   void AskTheRows(const std::vector<ado::Column>& columns, TableDefinition& table);
   bool WillBeCreated(const TableDefinition& table);
   /// Of the column itself or one that it refers to.
-  bool HoldsNegatives(const std::string& table, const std::string& column);
+  bool HoldsNegatives(const ado::TableName& table, const std::string& column);
 
   // keys.cpp
   void AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) override;
@@ -63,14 +77,14 @@ class MySqlToMsSql : public Conversion {
   std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
-  bool HasIdentity(const std::string& dest_table);
+  bool HasIdentity(const ado::TableName& dest_table);
   void StorePostponedRows(std::map<std::string, RowAccount>& accounts) override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
-  void AddRelationship(const std::string& table, const ForeignKeyText& key);
-  bool HasRelationship(const std::string& dest_table, const std::string& quoted_name);
+  void AddRelationship(const ado::TableName& table, const ForeignKeyText& key);
+  bool HasRelationship(const ado::TableName& dest_table, const std::string& quoted_name);
   /// A part of a table definition with its names as they are on the destination.
   std::string DestNames(std::string_view definition_part) const;
 

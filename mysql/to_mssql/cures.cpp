@@ -17,12 +17,20 @@ namespace {
 constexpr std::string_view kUnique = " Unique";
 constexpr std::string_view kIdentity = " Identity";
 constexpr int kMostDigits = 38;
+constexpr int kMostTextOfNumber = 67;  // 65 digits, a sign and a point
 
 bool CutPiece(std::string& text, std::string_view piece) {
   const std::size_t at = text.find(piece);
   if (at == std::string::npos) return false;
   text.erase(at, piece.size());
   return true;
+}
+
+/// "(5,1)" of " Identity(5,1)"; empty for one that counts from 1.
+std::string SeedOf(const ColumnDefinition& column) {
+  const std::size_t open = column.attributes.find('(');
+  if (open == std::string::npos) return {};
+  return column.attributes.substr(open, column.attributes.find(')') - open + 1);
 }
 
 /// The keys that follow say what becomes of them.
@@ -38,7 +46,7 @@ bool LeaveIdentityOff(TableDefinition& table, ado::Connection&) {
   bool is_changed = false;
   for (ColumnDefinition& column : table.columns) {
     if (!column.is_identity) continue;
-    is_changed |= CutPiece(column.attributes, kIdentity);
+    is_changed |= CutPiece(column.attributes, std::string(kIdentity) + SeedOf(column));
     column.is_identity = false;
     column.notes.push_back(fmt::format("column {} is no identity: SQL Server has none of type {}",
                                        column.name, column.type));
@@ -51,15 +59,33 @@ bool NarrowDecimals(TableDefinition& table, ado::Connection& source) {
   for (ColumnDefinition& column : table.columns) {
     int precision = 0;
     int scale = 0;
-    if (std::sscanf(column.type.c_str(), "numeric(%d,%d)", &precision, &scale) != 2) continue;
+    const std::size_t measures = std::min(column.type.find('('), column.type.size());
+    const std::string word = column.type.substr(0, measures);
+    if (word != "numeric" && word != "decimal") continue;
+    std::sscanf(column.type.c_str() + measures, "(%d,%d)", &precision, &scale);
     if (precision <= kMostDigits) continue;
     const bool fits = !ExceedsDigits(source, table.name, column.name, kMostDigits - scale);
+    column.facts.is_text = column.facts.is_exact && !fits;
     // Beside its digits a text has a sign and a point.
-    const std::string type = fits ? fmt::format("numeric({},{})", kMostDigits, scale)
-                                  : fmt::format("varchar({})", precision + 2);
+    const int size = column.facts.is_exact ? kMostTextOfNumber : precision + 2;
+    const std::string type = fits ? fmt::format("{}({},{})", word, kMostDigits, scale)
+                                  : fmt::format("varchar({})", size);
     column.notes.push_back(
         fmt::format("column {} is {}: SQL Server has no {}", column.name, type, column.type));
     column.type = type;
+    is_changed = true;
+  }
+  return is_changed;
+}
+
+/// Servers of old cannot tell JSON from other text.
+bool LeaveJsonUnchecked(TableDefinition& table, ado::Connection&) {
+  bool is_changed = false;
+  for (ColumnDefinition& column : table.columns) {
+    if (!column.check.starts_with("isjson(")) continue;
+    column.notes.push_back(
+        fmt::format("column {} has no check, since the server knows no JSON", column.name));
+    column.check.clear();
     is_changed = true;
   }
   return is_changed;
@@ -72,9 +98,10 @@ struct CureOfError {
   bool (*cure)(TableDefinition& table, ado::Connection& source);
 };
 constexpr CureOfError kCures[] = {
-    {1919, LeaveUniqueOff},    // a type that is no key's
-    {2749, LeaveIdentityOff},  // a type that is no identity's
-    {2750, NarrowDecimals},    // more than 38 digits
+    {195, LeaveJsonUnchecked},  // no such function
+    {1919, LeaveUniqueOff},     // a type that is no key's
+    {2749, LeaveIdentityOff},   // a type that is no identity's
+    {2750, NarrowDecimals},     // more than 38 digits
 };
 
 }  // namespace
@@ -88,7 +115,8 @@ void MySqlToMsSql::AskTheRows(const std::vector<ado::Column>& columns, TableDefi
   std::optional<bool> is_needed;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     ColumnDefinition& column = table.columns[i];
-    const bool may_be_negative = columns[i].type == ado::DataType::TinyInt;
+    const bool may_be_negative =
+        !column.facts.is_exact && columns[i].type == ado::DataType::TinyInt;
     const bool may_repeat_nulls =
         column.facts.nullable && column.attributes.find(kUnique) != std::string::npos;
     if (!may_be_negative && !may_repeat_nulls) continue;
@@ -106,7 +134,7 @@ void MySqlToMsSql::AskTheRows(const std::vector<ado::Column>& columns, TableDefi
   }
 }
 
-bool MySqlToMsSql::HoldsNegatives(const std::string& table, const std::string& column) {
+bool MySqlToMsSql::HoldsNegatives(const ado::TableName& table, const std::string& column) {
   return std::ranges::any_of(WithReferencedColumns(SourceCatalog(), {table, column}),
                              [this](const ColumnPlace& place) {
                                return HasNegatives(Source(), place.table, place.column);
@@ -117,7 +145,7 @@ bool MySqlToMsSql::WillBeCreated(const TableDefinition& table) {
   if (IsOverwriting()) return true;
   return OnDestination(Destination(), [&] {
     ado::Recordset id =
-        Destination().Execute("select object_id('" + SqlText(MsSqlName(table.dest_name)) + "')");
+        Destination().Execute("select object_id('" + SqlText(MsSqlTable(table.dest_name)) + "')");
     return id.AtEnd() || id.Field(0).IsNull();
   });
 }

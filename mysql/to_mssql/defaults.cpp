@@ -142,6 +142,17 @@ std::string LiteralOf(const ado::Column& col, const std::string& value,
   }
 }
 
+/// The moment as MySQL writes it, its fraction with it; nothing for one that SQL Server has not.
+std::optional<std::string> ExactMoment(const ado::Column& col) {
+  try {
+    const ado::DateTime moment = ReadMoment(*col.default_value, col.type);
+    if (!IsOfCalendar(moment) || Normalised(moment) != moment) return std::nullopt;
+    return TextLiteral(*col.default_value);
+  } catch (const RunTimeError&) {
+    return std::nullopt;
+  }
+}
+
 }  // namespace
 
 std::optional<std::string> DefaultLiteral(const ado::Column& col, const std::string& described) {
@@ -154,6 +165,13 @@ std::optional<std::string> DefaultLiteral(const ado::Column& col, const std::str
   } catch (const RunTimeError&) {
     return std::nullopt;
   }
+}
+
+std::optional<std::string> ExactDefaultLiteral(const ado::Column& col,
+                                               const std::string& described) {
+  const bool is_moment =
+      IsTime(col.type) && !IsCurrentTime(described) && col.default_value.has_value();
+  return is_moment ? ExactMoment(col) : DefaultLiteral(col, described);
 }
 
 }  // namespace dorvane::to_mssql

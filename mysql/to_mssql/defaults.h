@@ -12,4 +12,8 @@ namespace dorvane::to_mssql {
 /// cannot be converted.
 std::optional<std::string> DefaultLiteral(const ado::Column& col, const std::string& described);
 
+/// The same for a column of the exact mapping.
+std::optional<std::string> ExactDefaultLiteral(const ado::Column& col,
+                                               const std::string& described);
+
 }  // namespace dorvane::to_mssql

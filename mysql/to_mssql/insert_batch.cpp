@@ -17,11 +17,11 @@ constexpr std::size_t kBatchBytes = 512 * 1024;
 
 }  // namespace
 
-InsertBatch::InsertBatch(ado::Connection& destination, const std::string& table,
+InsertBatch::InsertBatch(ado::Connection& destination, const ado::TableName& table,
                          const std::vector<std::string>& columns,
                          const std::vector<ColumnFacts>& facts, bool gives_identity)
     : destination_(destination), facts_(facts), types_(columns.size(), ado::DataType::Empty) {
-  const std::string name = MsSqlName(table);
+  const std::string name = MsSqlTable(table);
   head_ = "INSERT INTO " + name + " (";
   for (std::size_t i = 0; i < columns.size(); ++i) {
     head_ += (i == 0 ? "" : ", ") + MsSqlName(columns[i]);

@@ -17,7 +17,7 @@ class InsertBatch {
  public:
   /// Names without brackets. `facts` are the columns' and, like the connection, must outlive this.
   /// With `gives_identity` the rows have values for the identity column.
-  InsertBatch(ado::Connection& destination, const std::string& table,
+  InsertBatch(ado::Connection& destination, const ado::TableName& table,
               const std::vector<std::string>& columns, const std::vector<ColumnFacts>& facts,
               bool gives_identity);
 

@@ -41,7 +41,7 @@ std::string WhyNotCarried(const KeyText& key, const TableDefinition& table) {
 void MySqlToMsSql::AddPrimaryKeyConstraint(ado::Table& tab_src, TableDefinition& table) {
   try {
     for (const KeyText& key :
-         ReadKeys(Source().Execute("show index from " + MySqlName(tab_src.Name())))) {
+         ReadKeys(Source().Execute("show index from " + MySqlTable(tab_src.Name())))) {
       AddKey(key, table);
     }
   } catch (const RunTimeError& error) {
@@ -71,7 +71,7 @@ void MySqlToMsSql::AddPrimaryKey(const KeyText& key, const TableDefinition& tabl
     columns += (columns.empty() ? "" : ",") + MsSqlName(DestName(column));
   }
   ExecuteOn(Destination(), fmt::format("alter table {} add primary key ({})",
-                                       MsSqlName(table.dest_name), columns));
+                                       MsSqlTable(table.dest_name), columns));
 }
 
 void MySqlToMsSql::AddIndex(const KeyText& key, TableDefinition& table) {
@@ -85,7 +85,7 @@ void MySqlToMsSql::AddIndex(const KeyText& key, TableDefinition& table) {
     has_values += (has_values.empty() ? "" : " and ") + dest_column + " is not null";
   }
   const std::string name = DestName(key.name);
-  const std::string dest_table = MsSqlName(table.dest_name);
+  const std::string dest_table = MsSqlTable(table.dest_name);
   if (!key.is_unique) {
     ExecuteOn(Destination(),
               fmt::format("Create index {} on {}({})", MsSqlName(name), dest_table, columns));
@@ -107,7 +107,7 @@ void MySqlToMsSql::ReportKey(const TableDefinition& table, const std::string& ke
   const ado::Error* entry = failure != nullptr ? failure->Primary() : nullptr;
   RaiseError(
       fmt::format("An error occured while creating primary keys and indexes for table '{}' - {}{}",
-                  table.name, key.empty() ? "" : key + ": ",
+                  table.name.Text(), key.empty() ? "" : key + ": ",
                   entry != nullptr ? entry->description : error.Description()),
       "MySQL Server");
 }
@@ -120,17 +120,17 @@ void MySqlToMsSql::CheckExistingTable(ado::Table& tab_src, const TableDefinition
         OnDestination(Destination(), [&] { return Destination().Indexes(table.dest_name); });
     if (std::ranges::any_of(indexes, &ado::Index::unique)) return;
     const std::vector<KeyText> keys =
-        ReadKeys(Source().Execute("show index from " + MySqlName(tab_src.Name())));
+        ReadKeys(Source().Execute("show index from " + MySqlTable(tab_src.Name())));
     if (keys.empty() || !keys[0].IsPrimary()) {
       Host().Inform(fmt::format(
           "Table {}: it has no key, so that rows which are there already are added once more",
-          table.name));
+          table.name.Text()));
       return;
     }
     primary = keys[0];
     AddPrimaryKey(*primary, table);
-    Host().Inform(
-        fmt::format("Table {}: it was there without its primary key, which was added", table.name));
+    Host().Inform(fmt::format("Table {}: it was there without its primary key, which was added",
+                              table.name.Text()));
   } catch (const RunTimeError& error) {
     ReportKey(table, primary ? primary->name : "", error);
   }

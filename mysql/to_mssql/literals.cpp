@@ -15,6 +15,8 @@ namespace {
 
 // Seventeen fifty-three begins the server's datetime.
 constexpr ado::DateTime kEarliest{1753, 1, 1, 0, 0};
+// And this begins the calendar of its newer types.
+constexpr ado::DateTime kFirstDay{1, 1, 1, 0, 0};
 constexpr std::int32_t kSecondsPerDay = 24 * 60 * 60;
 
 constexpr std::ptrdiff_t kMostDigits = 38;
@@ -26,6 +28,35 @@ bool Exists(const ado::DateTime& value) {
   return std::chrono::year_month_day(std::chrono::year(value.year), std::chrono::month(value.month),
                                      std::chrono::day(value.day))
       .ok();
+}
+
+/// "-838:59:59.000000"
+std::size_t WriteInterval(char* out, ado::DateTime time, int fraction_digits) {
+  char* const start = out;
+  if (time.seconds < 0 || time.nanoseconds < 0) {
+    *out++ = '-';
+    time.seconds = -time.seconds;
+    time.nanoseconds = -time.nanoseconds;
+  }
+  constexpr std::int32_t kSecondsOfHundredHours = 100 * 3600;
+  if (time.seconds >= kSecondsOfHundredHours) {
+    *out++ = static_cast<char>('0' + time.seconds / kSecondsOfHundredHours);
+    time.seconds %= kSecondsOfHundredHours;
+  }
+  return static_cast<std::size_t>(out - start) + WriteTime(out, time, fraction_digits);
+}
+
+ado::Value ExactMoment(const ado::DateTime& moment, ado::DataType type, const ColumnFacts& facts,
+                       ado::Arena& storage) {
+  char* const out = storage.Allocate(kDateTimeSize);
+  switch (type) {
+    case ado::DataType::DBDate:
+      return std::string_view(out, WriteDate(out, moment));
+    case ado::DataType::DBTime:
+      return std::string_view(out, WriteInterval(out, moment, facts.fraction_digits));
+    default:
+      return std::string_view(out, WriteDateTime(out, moment, facts.fraction_digits));
+  }
 }
 
 std::ptrdiff_t SignificantDigits(std::string_view number) {
@@ -52,8 +83,10 @@ struct LiteralWriter {
   void operator()(float value) const { Number(value); }
   void operator()(double value) const { Number(value); }
   void operator()(ado::Decimal value) const {
-    // The server reads no longer number; a column that takes this one takes its text.
-    if (SignificantDigits(value.digits) > kMostDigits) {
+    // The server reads no longer number; a column that takes this one takes its text. A number
+    // without a point is written with one and a zero.
+    const std::ptrdiff_t zero = value.digits.find('.') == std::string_view::npos ? 1 : 0;
+    if (SignificantDigits(value.digits) + zero > kMostDigits) {
       AppendTextLiteral(out, value.digits);
     } else {
       Number(value);
@@ -144,6 +177,21 @@ ado::DateTime StorableMoment(const ado::DateTime& value) {
   ado::DateTime moment = Exists(value) ? std::max(Normalised(value), kEarliest) : kEarliest;
   moment.nanoseconds = 0;
   return moment;
+}
+
+bool IsOfCalendar(const ado::DateTime& value) {
+  return value.year > 0 && Exists(value);
+}
+
+ado::Value ExactValue(const ado::Value& value, ado::DataType type, const ColumnFacts& facts,
+                      ado::Arena& storage) {
+  const auto* decimal = std::get_if<ado::Decimal>(&value);
+  if (decimal != nullptr && facts.is_text) return decimal->digits;
+  const auto* moment = std::get_if<ado::DateTime>(&value);
+  if (moment == nullptr) return value;
+  const bool is_made_up = !IsOfCalendar(*moment);
+  if (is_made_up && facts.nullable) return {};
+  return ExactMoment(is_made_up ? kFirstDay : *moment, type, facts, storage);
 }
 
 void AppendTextLiteral(std::string& out, std::string_view text) {

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "endpoint/table_definition.h"
+#include "platform/ado/row_block.h"
 #include "platform/ado/types.h"
 #include "platform/ado/value.h"
 
@@ -16,6 +17,15 @@ void AppendDataValue(std::string& out, const ado::Value& value, const ColumnFact
 /// Appends a text literal: "'" doubled, N'...' unless it is plain ASCII. A text with U+0000, at
 /// which drivers would cut the statement, becomes an expression of Unicode text.
 void AppendTextLiteral(std::string& out, std::string_view text);
+
+/// True for a date of the calendar that the server's newer types have, from year 1 on.
+bool IsOfCalendar(const ado::DateTime& value);
+
+/// What becomes of a value of an exact column: dates and times become the text that the column's
+/// type reads, a decimal that the server has no number for its digits, and a date that no calendar
+/// has NULL, or 0001-01-01 where the column takes no NULL. New text is kept in `storage`.
+ado::Value ExactValue(const ado::Value& value, ado::DataType type, const ColumnFacts& facts,
+                      ado::Arena& storage);
 
 /// The moment that the server's datetime can hold, in whole seconds; dates before 1753-01-01 and
 /// those that no calendar has, the zero date among them, become that day.

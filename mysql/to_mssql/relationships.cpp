@@ -19,19 +19,19 @@ constexpr std::int32_t kSeveralCascades = 1785;
 // Stands for a backquote inside a name while the ones around names are turned into brackets.
 constexpr char kInnerQuote = '\x01';
 
-/// SQL Server has neither rule in this place.
-std::string Rule(const std::string& rule) {
-  const bool has_none =
-      text::EqualsIgnoringCase(rule, "set null") || text::EqualsIgnoringCase(rule, "restrict");
+/// SQL Server has no Restrict; the classic mapping keeps Set Null back as well.
+std::string Rule(const std::string& rule, bool is_exact) {
+  const bool has_none = text::EqualsIgnoringCase(rule, "restrict") ||
+                        (!is_exact && text::EqualsIgnoringCase(rule, "set null"));
   return has_none ? kNoAction : rule;
 }
 
 }  // namespace
 
 void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
-  const std::string& name = tab_src.Name();
+  const ado::TableName& name = tab_src.Name();
   try {
-    ado::Recordset row = Source().Execute("show create table  " + MySqlName(name));
+    ado::Recordset row = Source().Execute("show create table  " + MySqlTable(name));
     const std::string definition = row.Field(1).Text();
     row.Close();
     for (const ForeignKeyText& key : ReadForeignKeys(definition)) {
@@ -43,9 +43,9 @@ void MySqlToMsSql::AddRelationships(ado::Table& tab_src) {
   }
 }
 
-void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyText& key) {
-  const std::string dest_table = DestName(table);
-  const std::string table_reference = MsSqlName(dest_table);
+void MySqlToMsSql::AddRelationship(const ado::TableName& table, const ForeignKeyText& key) {
+  const ado::TableName dest_table = DestTable(table);
+  const std::string table_reference = MsSqlTable(dest_table);
   const std::string name = DestNames(key.name);
   const std::string columns = DestNames(key.columns);
   const std::string referenced = DestNames(key.referenced);
@@ -57,14 +57,14 @@ void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyTex
   };
   try {
     try {
-      execute(Rule(key.delete_rule), Rule(key.update_rule));
+      execute(Rule(key.delete_rule, IsExact()), Rule(key.update_rule, IsExact()));
     } catch (const DestinationFailure& failure) {
       if (failure.NativeError() != kSeveralCascades) throw;
       execute(kNoAction, kNoAction);
       Host().Inform(
           fmt::format("Table {}: relationship {} has No Action for its rules, since SQL "
                       "Server takes no cycles and no second path of them",
-                      table, name));
+                      table.Text(), name));
     }
   } catch (const DestinationFailure& failure) {
     const ErrorSummary summary = failure.Summary();
@@ -82,7 +82,8 @@ void MySqlToMsSql::AddRelationship(const std::string& table, const ForeignKeyTex
   }
 }
 
-bool MySqlToMsSql::HasRelationship(const std::string& dest_table, const std::string& quoted_name) {
+bool MySqlToMsSql::HasRelationship(const ado::TableName& dest_table,
+                                   const std::string& quoted_name) {
   try {
     return std::ranges::any_of(Destination().Keys(dest_table), [&](const ado::Key& key) {
       return key.type == ado::KeyType::Foreign &&

@@ -25,7 +25,7 @@ std::string EqualText(const std::string& column, std::string_view literal, bool 
 
 }  // namespace
 
-std::string RowQuestion(std::string_view table, const std::vector<std::string>& columns,
+std::string RowQuestion(const ado::TableName& table, const std::vector<std::string>& columns,
                         const std::vector<ado::FieldInfo>& fields,
                         const std::vector<std::size_t>& positions,
                         std::span<const ado::Value> row) {
@@ -40,7 +40,7 @@ std::string RowQuestion(std::string_view table, const std::vector<std::string>& 
                      ? EqualText(column, literal, IsPaddedType(fields[i].type))
                      : fmt::format("{} = {}", column, literal);
   }
-  return fmt::format("select top 1 1 from {} where {}", MsSqlName(table), condition);
+  return fmt::format("select top 1 1 from {} where {}", MsSqlTable(table), condition);
 }
 
 }  // namespace dorvane::to_mssql

@@ -31,18 +31,24 @@ constexpr std::string_view kChangeTexts[kTimeChanges] = {
     "fractions of a second were cut",
 };
 
+/// A column that a table of the classic mapping has.
+bool IsOldMoment(const ado::FieldInfo& column) {
+  return column.server_type == "datetime" || column.server_type == "smalldatetime";
+}
+
 }  // namespace
 
 RowsToMsSql::RowsToMsSql(ado::Connection& destination, Target target,
-                         const std::vector<ado::FieldInfo>& fields,
-                         const std::vector<ColumnFacts>& facts)
+                         const std::vector<ado::FieldInfo>& fields, std::vector<ColumnFacts> facts)
     : destination_(destination),
       target_(std::move(target)),
       fields_(fields),
-      inserts_(destination, target_.table, target_.columns, facts, target_.has_identity_column) {}
+      facts_(std::move(facts)),
+      inserts_(destination, target_.table, target_.columns, facts_, target_.has_identity_column) {
+  LearnTypes();
+}
 
 bool RowsToMsSql::TakesBlocks() {
-  LearnTypes();
   return target_.is_new || !(HasTriggers() || RefersToItself());
 }
 
@@ -55,7 +61,9 @@ void RowsToMsSql::LearnTypes() {
     try {
       for (const ado::Column& column : destination_.Columns(target_.table)) {
         for (std::size_t i = 0; i < fields_.size(); ++i) {
-          if (text::EqualsIgnoringCase(target_.columns[i], column.name)) types[i] = column.type;
+          if (!text::EqualsIgnoringCase(target_.columns[i], column.name)) continue;
+          types[i] = column.type;
+          if (IsOldMoment(column)) facts_[i].is_exact = false;
         }
       }
     } catch (const RunTimeError&) {
@@ -69,7 +77,7 @@ bool RowsToMsSql::HasTriggers() {
   try {
     ado::Recordset count =
         destination_.Execute("select count(*) from sys.triggers where parent_id = object_id('" +
-                             SqlText(MsSqlName(target_.table)) + "')");
+                             SqlText(MsSqlTable(target_.table)) + "')");
     return !count.AtEnd() && count.Field(0).Text() != "0";
   } catch (const RunTimeError&) {
     // A server that does not tell is taken for one that would see the difference.
@@ -78,18 +86,21 @@ bool RowsToMsSql::HasTriggers() {
 }
 
 bool RowsToMsSql::RefersToItself() {
-  const std::string& name = target_.table;
+  const std::string name = target_.table.Text();
   try {
-    return std::ranges::any_of(destination_.Keys(name), [&name](const ado::Key& key) {
-      return key.type == ado::KeyType::Foreign && text::EqualsIgnoringCase(key.related_table, name);
+    return std::ranges::any_of(destination_.Keys(target_.table), [&name](const ado::Key& key) {
+      return key.type == ado::KeyType::Foreign &&
+             text::EqualsIgnoringCase(key.related_table.Text(), name);
     });
   } catch (const RunTimeError&) {
     return true;
   }
 }
 
-ado::Value RowsToMsSql::ConvertValue(const ado::Value& value, std::size_t /*column*/,
-                                     ado::Arena& /*storage*/) {
+ado::Value RowsToMsSql::ConvertValue(const ado::Value& value, std::size_t column,
+                                     ado::Arena& storage) {
+  const ColumnFacts& facts = facts_[column];
+  if (facts.is_exact) return ExactValue(value, fields_[column].type, facts, storage);
   const auto* moment = std::get_if<ado::DateTime>(&value);
   return moment != nullptr ? StorableMoment(*moment) : value;
 }
@@ -122,7 +133,7 @@ BlockResult RowsToMsSql::InsertBlock(const ado::RowBlock& converted, std::size_t
 bool RowsToMsSql::OpenLoad() {
   if (!target_.is_loaded || load_) return target_.is_loaded;
   try {
-    load_ = destination_.OpenTable(MsSqlName(target_.table), target_.columns);
+    load_ = destination_.OpenTable(MsSqlTable(target_.table), target_.columns);
   } catch (const RunTimeError&) {
     target_.is_loaded = false;
   }
@@ -203,7 +214,7 @@ RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
 RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, const std::string& statement) {
   ErrorSummary reason{error.native_error, error.description};
   if (target_.waiting != nullptr && MayComeRight(error) &&
-      target_.waiting->Add({.table = target_.table,
+      target_.waiting->Add({.table = target_.table.Text(),
                             .position = handled_,
                             .statement = statement,
                             .after = inserts_.After(),
@@ -231,13 +242,18 @@ void RowsToMsSql::RowStored(std::span<const ado::Value> source_row) {
   for (std::size_t i = 0; i < source_row.size(); ++i) {
     const auto* moment = std::get_if<ado::DateTime>(&source_row[i]);
     if (moment == nullptr) continue;
+    if (facts_[i].is_exact) {
+      if (!IsOfCalendar(*moment)) ++(facts_[i].nullable ? dates_left_out_ : first_days_);
+      continue;
+    }
     const unsigned changes = ChangesOf(*moment, fields_[i].type);
     for (unsigned bit = 0; changes >> bit != 0; ++bit) changes_[bit] += changes >> bit & 1;
   }
 }
 
 std::vector<ValueChanges> RowsToMsSql::Changes() const {
-  std::vector<ValueChanges> changes;
+  std::vector<ValueChanges> changes{{dates_left_out_, "dates that do not exist became NULL"},
+                                    {first_days_, "dates that do not exist became 0001-01-01"}};
   for (unsigned bit = 0; bit < kTimeChanges; ++bit) {
     changes.push_back({changes_[bit], std::string(kChangeTexts[bit])});
   }
@@ -256,16 +272,17 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
                              .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   if (!is_new) {
-    target.identity = IdentifyingFields(SourceCatalog().TableByName(table.name).Indexes(), fields);
+    target.identity =
+        IdentifyingFields(SourceCatalog().TableByName(table.name.Text()).Indexes(), fields);
   }
   return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
 }
 
-bool MySqlToMsSql::HasIdentity(const std::string& dest_table) {
+bool MySqlToMsSql::HasIdentity(const ado::TableName& dest_table) {
   ado::Recordset count = OnDestination(Destination(), [&] {
     return Destination().Execute(
         "select count(*) from sys.columns where is_identity = 1 and object_id = object_id('" +
-        SqlText(MsSqlName(dest_table)) + "')");
+        SqlText(MsSqlTable(dest_table)) + "')");
   });
   return count.AtEnd() || count.Field(0).Text() != "0";
 }
@@ -276,7 +293,7 @@ void MySqlToMsSql::StorePostponedRows(std::map<std::string, RowAccount>& account
 
 void MySqlToMsSql::ReportCopyProblem(const TableDefinition& table, std::string_view problem) {
   RaiseError(fmt::format("Unexpected error while transfering data of table {} - {}",
-                         MsSqlName(table.dest_name), problem),
+                         MsSqlTable(table.dest_name), problem),
              "MS SQL Server");
 }
 

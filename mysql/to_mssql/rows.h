@@ -22,7 +22,7 @@ namespace dorvane::to_mssql {
 class RowsToMsSql : public IRowDestination {
  public:
   struct Target {
-    std::string table;  // without brackets, as the columns are
+    ado::TableName table;  // without brackets, as the columns are
     std::vector<std::string> columns;
     bool has_identity_column = false;        // its values come with the rows
     bool is_new = false;                     // just created: no rows, no triggers, no foreign keys
@@ -31,10 +31,10 @@ class RowsToMsSql : public IRowDestination {
     std::vector<std::size_t> identity = {};  // see IdentifyingFields
   };
 
-  /// `fields` and `facts` describe the source's columns in the order of the target's and, like the
-  /// connection, must outlive this.
+  /// `fields` and `facts` describe the source's columns in the order of the target's; `fields` and
+  /// the connection must outlive this.
   RowsToMsSql(ado::Connection& destination, Target target,
-              const std::vector<ado::FieldInfo>& fields, const std::vector<ColumnFacts>& facts);
+              const std::vector<ado::FieldInfo>& fields, std::vector<ColumnFacts> facts);
 
   bool TakesBlocks() override;
   ado::Value ConvertValue(const ado::Value& value, std::size_t column,
@@ -61,12 +61,15 @@ class RowsToMsSql : public IRowDestination {
   ado::Connection& destination_;
   Target target_;
   const std::vector<ado::FieldInfo>& fields_;
+  std::vector<ColumnFacts> facts_;
   InsertBatch inserts_;
   std::optional<ado::Recordset> load_;   // opened for the first block worth it
   ado::RowBlock loaded_;                 // a block's rows without those that are not loaded
   std::vector<std::size_t> not_loaded_;  // the positions of those
 
   std::array<std::int64_t, kTimeChanges> changes_{};  // in rows stored, by the bits of TimeChange
+  std::int64_t dates_left_out_ = 0;                   // dates that became NULL
+  std::int64_t first_days_ = 0;                       // dates that became 0001-01-01
   std::int64_t handled_ = 0;                          // rows
 };
 

@@ -4,33 +4,71 @@
 
 namespace dorvane::ado {
 
+namespace {
+
+/// A server may spell a column differently in its lists.
+void Respell(std::string& name, const std::vector<Column>& columns) {
+  if (const Column* column = FindItemOrNull(columns, name)) name = column->name;
+}
+
+}  // namespace
+
 const std::vector<Column>& Table::Columns() {
   if (!columns_) columns_ = connection_->Columns(info_.name);
   return *columns_;
 }
 
 const std::vector<Index>& Table::Indexes() {
-  if (!indexes_) indexes_ = connection_->Indexes(info_.name);
+  if (!indexes_) {
+    std::vector<Index> indexes = connection_->Indexes(info_.name);
+    for (Index& index : indexes) {
+      for (std::string& name : index.columns) Respell(name, Columns());
+    }
+    indexes_ = std::move(indexes);
+  }
   return *indexes_;
 }
 
 const std::vector<Key>& Table::Keys() {
-  if (!keys_) keys_ = connection_->Keys(info_.name);
+  if (!keys_) {
+    std::vector<Key> keys = connection_->Keys(info_.name);
+    for (Key& key : keys) {
+      for (KeyColumn& column : key.columns) Respell(column.name, Columns());
+    }
+    keys_ = std::move(keys);
+  }
   return *keys_;
 }
 
-Table& Catalog::TableByName(std::string_view name) {
-  if (const auto known = tables_.find(name); known != tables_.end()) return known->second;
-  const bool is_fresh = infos_.empty();
-  if (is_fresh) infos_ = Tables();
-  const TableInfo* found = FindItemOrNull(infos_, name);
-  if (found == nullptr && !is_fresh) {
-    // It may have been created since.
-    infos_ = Tables();
-    found = FindItemOrNull(infos_, name);
+void Catalog::Read() {
+  infos_ = Tables();
+  details_ = connection_.AllTables();
+}
+
+const TableInfo* Catalog::Find(std::string_view listed) const {
+  return FindItemOrNull(infos_, listed, [](const TableInfo& info) { return info.name.Text(); });
+}
+
+Table& Catalog::TableByName(std::string_view listed) {
+  if (const auto known = tables_.find(listed); known != tables_.end()) return known->second;
+  const TableInfo* found = Find(listed);
+  if (found == nullptr) {
+    // The first question, or it may have been created since.
+    Read();
+    found = Find(listed);
   }
   if (found == nullptr) ThrowItemNotFound("ADOX.Tables");
-  return tables_.try_emplace(found->name, connection_, *found).first->second;
+  const std::string text = found->name.Text();
+  if (const auto known = tables_.find(text); known != tables_.end()) return known->second;
+  auto details = details_.extract(found->name);
+  if (details.empty()) return tables_.try_emplace(text, connection_, *found).first->second;
+  return tables_.try_emplace(text, connection_, *found, std::move(details.mapped())).first->second;
+}
+
+TableName Catalog::Listed(const TableName& name) {
+  if (infos_.empty()) Read();
+  const TableInfo* found = Find(name.Text());
+  return found != nullptr ? found->name : name;
 }
 
 }  // namespace dorvane::ado

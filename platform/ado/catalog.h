@@ -11,24 +11,40 @@
 
 namespace dorvane::ado {
 
-/// A table of the catalog. Columns, indexes and keys are read once, when first asked for.
+/// A table of the catalog. Columns, indexes and keys are read once, when first asked for, unless
+/// they came with the catalog.
 class Table {
  public:
   Table(Connection& connection, TableInfo info)
       : connection_(&connection), info_(std::move(info)) {}
+  Table(Connection& connection, TableInfo info, TableDetails details)
+      : connection_(&connection),
+        info_(std::move(info)),
+        is_told_whole_(true),
+        columns_(std::move(details.columns)),
+        indexes_(std::move(details.indexes)),
+        keys_(std::move(details.keys)),
+        left_out_(std::move(details.left_out)) {}
 
-  const std::string& Name() const { return info_.name; }
+  const TableName& Name() const { return info_.name; }
   const std::string& Type() const { return info_.type; }
   const std::vector<Column>& Columns();
+  /// Of indexes and keys the table's columns are spelled as Columns() has them.
   const std::vector<Index>& Indexes();
   const std::vector<Key>& Keys();
+  /// True when the columns tell which one is the identity.
+  bool TellsIdentity() const { return is_told_whole_; }
+  /// See TableDetails.
+  const std::vector<std::string>& LeftOut() const { return left_out_; }
 
  private:
   Connection* connection_;
   TableInfo info_;
+  bool is_told_whole_ = false;
   std::optional<std::vector<Column>> columns_;
   std::optional<std::vector<Index>> indexes_;
   std::optional<std::vector<Key>> keys_;
+  std::vector<std::string> left_out_;
 };
 
 /// The catalog of a connection's database, which must outlive it. Reads go through the connection
@@ -39,14 +55,21 @@ class Catalog {
 
   /// All entries, in the server's order.
   std::vector<TableInfo> Tables() { return connection_.Tables(); }
-  /// The table of that name: the exact spelling first, else the one that differs only in ASCII
-  /// letter case. The list of tables is read once, and again for a name that it lacks. Throws
+  /// The table that a list shows so: the exact spelling first, else the only one that differs in
+  /// ASCII letter case. The catalog is read once, and again for a name that it lacks. Throws
   /// RunTimeError kItemNotFound.
-  Table& TableByName(std::string_view name);
+  Table& TableByName(std::string_view listed);
+  /// The name of a table that another one refers to, as the list has it; the name itself when the
+  /// list has no such table.
+  TableName Listed(const TableName& name);
 
  private:
+  void Read();
+  const TableInfo* Find(std::string_view listed) const;
+
   Connection& connection_;
-  std::vector<TableInfo> infos_;  // as last read
+  std::vector<TableInfo> infos_;               // as last read
+  std::map<TableName, TableDetails> details_;  // likewise, of tables that are not in use yet
   std::map<std::string, Table, std::less<>> tables_;
 };
 

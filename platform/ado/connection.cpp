@@ -122,16 +122,20 @@ std::vector<TableInfo> Connection::Tables() {
   return WhileOpen([&] { return IdleSession().Tables(); });
 }
 
-std::vector<Column> Connection::Columns(const std::string& table) {
+std::vector<Column> Connection::Columns(const TableName& table) {
   return WhileOpen([&] { return IdleSession().Columns(table); });
 }
 
-std::vector<Index> Connection::Indexes(const std::string& table) {
+std::vector<Index> Connection::Indexes(const TableName& table) {
   return WhileOpen([&] { return IdleSession().Indexes(table); });
 }
 
-std::vector<Key> Connection::Keys(const std::string& table) {
+std::vector<Key> Connection::Keys(const TableName& table) {
   return WhileOpen([&] { return IdleSession().Keys(table); });
+}
+
+std::map<TableName, TableDetails> Connection::AllTables() {
+  return WhileOpen([&] { return IdleSession().AllTables(); });
 }
 
 }  // namespace dorvane::ado

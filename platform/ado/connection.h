@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -59,9 +60,10 @@ class Connection {
 
   /// The catalog of the selected database, see Session and Catalog.
   std::vector<TableInfo> Tables();
-  std::vector<Column> Columns(const std::string& table);
-  std::vector<Index> Indexes(const std::string& table);
-  std::vector<Key> Keys(const std::string& table);
+  std::vector<Column> Columns(const TableName& table);
+  std::vector<Index> Indexes(const TableName& table);
+  std::vector<Key> Keys(const TableName& table);
+  std::map<TableName, TableDetails> AllTables();
 
  private:
   friend class Recordset;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -68,11 +69,14 @@ class Session {
   /// Harmless on a connection that was lost: the server has rolled back by itself.
   virtual void Rollback() = 0;
 
-  /// Catalog of the selected database. Names are exact; an unknown table has no columns.
+  /// Catalog of the selected database; an unknown table has no columns.
   virtual std::vector<TableInfo> Tables() = 0;
-  virtual std::vector<Column> Columns(const std::string& table) = 0;
-  virtual std::vector<Index> Indexes(const std::string& table) = 0;
-  virtual std::vector<Key> Keys(const std::string& table) = 0;
+  virtual std::vector<Column> Columns(const TableName& table) = 0;
+  virtual std::vector<Index> Indexes(const TableName& table) = 0;
+  virtual std::vector<Key> Keys(const TableName& table) = 0;
+  /// The same of every table, in as few questions for a thousand as for one. Nothing from a server
+  /// that has to be asked table by table.
+  virtual std::map<TableName, TableDetails> AllTables() { return {}; }
 };
 
 /// A client library. Stateless; lives as long as the program.

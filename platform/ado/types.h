@@ -72,6 +72,9 @@ struct FieldInfo {
       0;                  // characters for text, bytes for binary, 0 where it has no meaning
   int precision = 0;      // decimal digits of numbers
   int numeric_scale = 0;  // digits behind the point; fractional digits of times
+  /// SQL Server's name of the type ("datetime2"), MySQL's whole declaration ("int(10) unsigned");
+  /// empty where the server does not tell.
+  std::string server_type = {};
 };
 
 }  // namespace dorvane::ado

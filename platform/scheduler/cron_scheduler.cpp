@@ -17,12 +17,15 @@ namespace {
 constexpr std::size_t kLongestCommand = 998;
 constexpr std::string_view kFieldPrefix = "# ";
 
+constexpr std::string_view kBegin = "# BEGIN Dorvane task ";
+constexpr std::string_view kEnd = "# END Dorvane task ";
+
 std::string BeginMarker(const std::string& name) {
-  return fmt::format("# BEGIN Dorvane task {}\n", QuoteC(name));
+  return fmt::format("{}{}\n", kBegin, QuoteC(name));
 }
 
 std::string EndMarker(const std::string& name) {
-  return fmt::format("# END Dorvane task {}\n", QuoteC(name));
+  return fmt::format("{}{}\n", kEnd, QuoteC(name));
 }
 
 std::string WeekDaysOf(const Task& task) {
@@ -98,6 +101,18 @@ std::optional<Task> CronScheduler::Find(const std::string& name) const {
   const std::optional<Range> entry = FindEntry(crontab, name);
   if (!entry) return std::nullopt;
   return ReadFields(std::string_view(crontab).substr(entry->begin, entry->size), kFieldPrefix);
+}
+
+std::vector<Task> CronScheduler::Tasks() const {
+  const std::string crontab = ReadCrontab();
+  std::vector<Task> tasks;
+  auto begin = crontab.find(kBegin);
+  while (begin != std::string::npos) {
+    const auto next = crontab.find(kBegin, begin + 1);
+    AddReadable(std::string_view(crontab).substr(begin, next - begin), kFieldPrefix, tasks);
+    begin = next;
+  }
+  return ByName(std::move(tasks));
 }
 
 void CronScheduler::Store(const Task& task) {

@@ -16,6 +16,7 @@ class CronScheduler : public ITaskScheduler {
   explicit CronScheduler(std::vector<std::string> crontab = {"crontab"});
 
   std::optional<Task> Find(const std::string& name) const override;
+  std::vector<Task> Tasks() const override;
   void Remove(const std::string& name) override;
   bool CanRunMissedStarts() const override { return false; }
 

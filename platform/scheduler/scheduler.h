@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/scheduler/task.h"
 
@@ -29,6 +30,9 @@ class ITaskScheduler {
   void Save(const Task& task);
 
   virtual std::optional<Task> Find(const std::string& name) const = 0;
+
+  /// All of them by name. An entry that is damaged is left out.
+  virtual std::vector<Task> Tasks() const = 0;
 
   /// Find for a task that has to be there: throws kTaskNotFound.
   Task Load(const std::string& name) const;

@@ -18,6 +18,8 @@ namespace dorvane::scheduler {
 
 namespace {
 
+constexpr std::string_view kUnitPrefix = "dorvane-";
+
 constexpr std::array<std::string_view, 7> kWeekDays{"Sun", "Mon", "Tue", "Wed",
                                                     "Thu", "Fri", "Sat"};
 
@@ -85,7 +87,7 @@ void CheckProgram(const std::filesystem::path& program) {
 }  // namespace
 
 std::string UnitName(const std::string& task_name) {
-  return "dorvane-" + EscapeTaskName(task_name);
+  return std::string(kUnitPrefix) + EscapeTaskName(task_name);
 }
 
 std::string ServiceText(const Task& task) {
@@ -144,6 +146,18 @@ std::optional<Task> SystemdScheduler::Find(const std::string& name) const {
   if (!file) return std::nullopt;
   const std::string text(std::istreambuf_iterator<char>(file), {});
   return ReadFields(text, "");
+}
+
+std::vector<Task> SystemdScheduler::Tasks() const {
+  std::vector<Task> tasks;
+  std::error_code failure;  // no folder, no tasks
+  for (const auto& entry : std::filesystem::directory_iterator(settings_.unit_folder, failure)) {
+    const std::string name = entry.path().filename();
+    if (!name.starts_with(kUnitPrefix) || !name.ends_with(".timer")) continue;
+    std::ifstream file(entry.path(), std::ios::binary);
+    AddReadable(std::string(std::istreambuf_iterator<char>(file), {}), "", tasks);
+  }
+  return ByName(std::move(tasks));
 }
 
 void SystemdScheduler::Store(const Task& task) {

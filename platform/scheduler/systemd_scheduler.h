@@ -23,6 +23,7 @@ class SystemdScheduler : public ITaskScheduler {
   static bool Answers();
 
   std::optional<Task> Find(const std::string& name) const override;
+  std::vector<Task> Tasks() const override;
   void Remove(const std::string& name) override;
   bool CanRunMissedStarts() const override { return true; }
 

@@ -140,4 +140,17 @@ Task ReadFields(std::string_view text, std::string_view prefix) {
           .enabled = ReadSwitch(fields, "Enabled")};
 }
 
+void AddReadable(std::string_view text, std::string_view prefix, std::vector<Task>& tasks) {
+  try {
+    tasks.push_back(ReadFields(text, prefix));
+  } catch (const RunTimeError&) {
+    // Somebody else's, or damaged by hand.
+  }
+}
+
+std::vector<Task> ByName(std::vector<Task> tasks) {
+  std::ranges::sort(tasks, {}, &Task::name);
+  return tasks;
+}
+
 }  // namespace dorvane::scheduler

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "sandbox/storage/text_order.h"
+#include "sandbox/text/text_order.h"
 
 namespace sandbox {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sandbox/sql/types.h"
+#include "sandbox/values/types.h"
 
 namespace sandbox {
 
@@ -83,6 +83,13 @@ struct CheckDef {
   bool not_trusted = false;
 };
 
+/// A text kept with a table or one of its columns.
+struct PropertyDef {
+  int column_id = 0;  // 0: the table's own
+  std::string name;
+  std::string value;
+};
+
 /// A type made of another one by a name of its own.
 struct AliasTypeDef {
   int id = 0;  // from 257
@@ -102,6 +109,7 @@ struct TableDef {
   std::vector<IndexDef> indexes;
   std::vector<ForeignKeyDef> foreign_keys;
   std::vector<CheckDef> checks;
+  std::vector<PropertyDef> properties;
 
   const ColumnDef* FindColumn(std::string_view column) const;
   const ColumnDef& Column(int column_id) const;

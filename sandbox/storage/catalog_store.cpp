@@ -16,8 +16,8 @@ constexpr int kGeneratedShift = 4;
 constexpr const char* kLastObjectId = "last_object_id";
 
 constexpr const char* kPerTable[] = {
-    "cat_column", "cat_index", "cat_index_column", "cat_foreign_key", "cat_foreign_key_column",
-    "cat_check"};
+    "cat_column", "cat_index",   "cat_index_column", "cat_foreign_key", "cat_foreign_key_column",
+    "cat_check",  "cat_property"};
 
 std::int64_t Number(std::int64_t value) {
   return value;
@@ -123,6 +123,15 @@ void LoadChecks(SqliteConnection& connection, Catalog& catalog) {
   }
 }
 
+void LoadProperties(SqliteConnection& connection, Catalog& catalog) {
+  auto rows = connection.Prepare(
+      "SELECT table_id, column_id, name, value FROM cat_property ORDER BY rowid");
+  while (rows.Step()) {
+    catalog.tables[static_cast<int>(rows.Integer(0))].properties.push_back(
+        {static_cast<int>(rows.Integer(1)), rows.Text(2), rows.Text(3)});
+  }
+}
+
 std::int64_t Traits(const ColumnDef& column) {
   return (column.persisted ? kPersisted : 0) | (column.sparse ? kSparse : 0) |
          (column.masked ? kMasked : 0) | (column.hidden ? kHidden : 0) |
@@ -209,6 +218,7 @@ Catalog LoadCatalog(SqliteConnection& connection) {
   LoadIndexes(connection, catalog);
   LoadForeignKeys(connection, catalog);
   LoadChecks(connection, catalog);
+  LoadProperties(connection, catalog);
   return catalog;
 }
 
@@ -234,6 +244,11 @@ void StoreTable(SqliteConnection& connection, const Catalog& catalog, const Tabl
     RunWith(insert_check, Number(table.id), Number(check.id), std::string_view(check.name),
             std::string_view(check.text), Number(check.column_id), Number(check.disabled),
             Number(check.not_trusted));
+  }
+  auto insert_property = connection.Prepare("INSERT INTO cat_property VALUES(?,?,?,?)");
+  for (const PropertyDef& property : table.properties) {
+    RunWith(insert_property, Number(table.id), Number(property.column_id),
+            std::string_view(property.name), std::string_view(property.value));
   }
   StoreCounter(connection, kLastObjectId, catalog.last_object_id);
 }

@@ -45,6 +45,9 @@ ALTER TABLE cat_check ADD COLUMN disabled INTEGER DEFAULT 0;
 ALTER TABLE cat_check ADD COLUMN not_trusted INTEGER DEFAULT 0;
 CREATE TABLE cat_type(id INTEGER PRIMARY KEY, schema TEXT, name TEXT, type INTEGER,
   nullable INTEGER);
+)",
+    R"(
+CREATE TABLE cat_property(table_id INTEGER, column_id INTEGER, name TEXT, value TEXT);
 )"};
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <array>
 #include <cstring>
 
+#include "sandbox/values/ticks.h"
+
 namespace sandbox {
 namespace {
 

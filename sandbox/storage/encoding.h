@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "sandbox/sql/types.h"
+#include "sandbox/values/types.h"
 
 namespace sandbox {
 
@@ -32,8 +32,5 @@ std::string SqliteLiteral(const Value& value, const TypeInfo& type);
 /// A type packed into one number, for handing it to SQLite functions, and back.
 std::int64_t PackType(const TypeInfo& type);
 TypeInfo UnpackType(std::int64_t packed);
-
-constexpr std::int64_t kTicksPerSecond = 10'000'000;
-constexpr std::int64_t kTicksPerDay = 86'400 * kTicksPerSecond;
 
 }  // namespace sandbox

@@ -3,33 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <chrono>
-#include <ctime>
 
 #include "sandbox/storage/catalog_store.h"
-#include "sandbox/storage/encoding.h"
-#include "sandbox/storage/text_order.h"
+#include "sandbox/storage/collations.h"
+#include "sandbox/text/text_order.h"
+#include "sandbox/values/ticks.h"
 
 namespace sandbox {
-namespace {
-
-constexpr std::int64_t kDaysToUnixEpoch = 719162;
-
-}  // namespace
-
-std::int64_t NowTicks() {
-  using std::chrono::system_clock;
-  const auto now = system_clock::now();
-  const std::time_t seconds = system_clock::to_time_t(now);
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  const auto ticks =
-      std::chrono::duration_cast<std::chrono::nanoseconds>(now - system_clock::from_time_t(seconds))
-          .count() /
-      100;
-  return kDaysToUnixEpoch * kTicksPerDay + (seconds + local.tm_gmtoff) * kTicksPerSecond + ticks;
-}
-
 DatabaseState::DatabaseState(std::string database_name, std::filesystem::path database_file,
                              int database_id, std::int64_t when)
     : name(std::move(database_name)),

@@ -75,7 +75,4 @@ class ServerFolder {
   std::vector<std::shared_ptr<DatabaseState>> databases_;
 };
 
-/// The time now in ticks of 100 ns since 0001-01-01, local time.
-std::int64_t NowTicks();
-
 }  // namespace sandbox

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 #include "sandbox/tds/byte_reader.h"
 #include "sandbox/tds/protocol_version.h"
 #include "sandbox/tds/result_writer.h"

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 #include "sandbox/tds/packet_stream.h"
 #include "sandbox/tds/protocol_version.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 #include "sandbox/tds/result_writer.h"
 #include "sandbox/tds/rpc_request.h"
 

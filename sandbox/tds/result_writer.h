@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 #include "sandbox/tds/client_session.h"
 #include "sandbox/tds/tokens.h"
 #include "sandbox/tds/value_encoder.h"

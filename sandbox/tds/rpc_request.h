@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 #include "sandbox/tds/byte_reader.h"
 #include "sandbox/tds/protocol_version.h"
 

@@ -5,6 +5,8 @@
 #include <chrono>
 #include <cstdlib>
 
+#include "sandbox/values/ticks.h"
+
 namespace sandbox::tds {
 namespace {
 

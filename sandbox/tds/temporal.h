@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "sandbox/sql/types.h"
+#include "sandbox/values/ticks.h"
+#include "sandbox/values/types.h"
 
 namespace sandbox::tds {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 #include "sandbox/tds/byte_writer.h"
 #include "sandbox/tds/protocol_version.h"
 

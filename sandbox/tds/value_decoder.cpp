@@ -6,8 +6,9 @@
 
 #include "sandbox/tds/byte_reader.h"
 #include "sandbox/tds/temporal.h"
-#include "sandbox/tds/text_codec.h"
+#include "sandbox/text/code_page.h"
 #include "sandbox/text/utf16.h"
+#include "sandbox/values/ticks.h"
 
 namespace sandbox::tds {
 namespace {
@@ -180,7 +181,7 @@ Value DecodeValue(const WireType& type, std::string body) {
     case WireCode::Char:
     case WireCode::VarChar:
     case WireCode::Text:
-      return AnsiToUtf8(body);
+      return FromCodePage(body);
     case WireCode::Null:
       return {};
     default:

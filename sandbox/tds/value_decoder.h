@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "sandbox/sql/types.h"
 #include "sandbox/tds/wire_type.h"
+#include "sandbox/values/types.h"
 
 namespace sandbox::tds {
 

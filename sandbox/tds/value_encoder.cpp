@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "sandbox/tds/temporal.h"
-#include "sandbox/tds/text_codec.h"
 #include "sandbox/tds/tokens.h"
+#include "sandbox/text/code_page.h"
 #include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
@@ -135,7 +135,7 @@ void UnicodeBody(ByteWriter& out, const WireType& type, const Value& value) {
 }
 
 void AnsiBody(ByteWriter& out, const WireType&, const Value& value) {
-  AppendAnsi(std::get<std::string>(value), out.bytes());
+  AppendCodePage(std::get<std::string>(value), out.bytes());
 }
 
 void BinaryBody(ByteWriter& out, const WireType&, const Value& value) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "sandbox/sql/types.h"
 #include "sandbox/tds/byte_writer.h"
 #include "sandbox/tds/wire_type.h"
+#include "sandbox/values/types.h"
 
 namespace sandbox::tds {
 

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "sandbox/sql/types.h"
 #include "sandbox/tds/byte_writer.h"
 #include "sandbox/tds/protocol_version.h"
+#include "sandbox/values/types.h"
 
 namespace sandbox::tds {
 

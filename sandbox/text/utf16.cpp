@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "sandbox/text/utf8.h"
+
 namespace sandbox {
 namespace {
 

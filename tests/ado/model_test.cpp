@@ -116,14 +116,14 @@ class ScriptedSession final : public Session {
   void Rollback() override { Note("rollback"); }
   std::vector<TableInfo> Tables() override {
     Note("tables");
-    return {{"Orders", "TABLE"}, {"ORDERS", "TABLE"}};
+    return {{"Orders", "TABLE"}, {"ORDERS", "TABLE"}, {"Lines", "TABLE"}};
   }
-  std::vector<Column> Columns(const std::string& table) override {
-    Note("columns of " + table);
+  std::vector<Column> Columns(const TableName& table) override {
+    Note("columns of " + table.Text());
     return {};
   }
-  std::vector<Index> Indexes(const std::string&) override { return {}; }
-  std::vector<Key> Keys(const std::string&) override { return {}; }
+  std::vector<Index> Indexes(const TableName&) override { return {}; }
+  std::vector<Key> Keys(const TableName&) override { return {}; }
 
  private:
   void Note(const std::string& action) {
@@ -277,10 +277,11 @@ TEST_F(ModelTest, TheCatalogAsksOnce) {
   EXPECT_EQ(catalog.TableByName("ORDERS").Name(), "ORDERS");
   catalog.TableByName("ORDERS").Columns();
   catalog.TableByName("ORDERS").Columns();
-  EXPECT_EQ(catalog.TableByName("orders").Name(), "Orders");
+  EXPECT_EQ(catalog.TableByName("LINES").Name(), "Lines");
   EXPECT_THAT(log_.actions, ElementsAre("1: tables", "1: columns of ORDERS"));
   // It may have been created since.
   EXPECT_EQ(NumberOf([&] { catalog.TableByName("new"); }), kItemNotFound);
+  EXPECT_EQ(NumberOf([&] { catalog.TableByName("orders"); }), kItemNotFound) << "which one?";
   EXPECT_EQ(log_.actions.back(), "1: tables");
 }
 

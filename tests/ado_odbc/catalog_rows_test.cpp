@@ -12,7 +12,7 @@ std::string SchemasOf(const std::vector<std::pair<std::string, std::string>>& na
     rows.emplace_back(std::map<std::string, std::string>{{"SCHEMA", schema}, {"TABLE", table}});
   }
   std::string schemas;
-  for (const CatalogRow& row : RowsOfTable(std::move(rows), "TABLE", "SCHEMA", "t")) {
+  for (const CatalogRow& row : RowsOfTable(std::move(rows), {"TABLE", "SCHEMA"}, "t", "dbo")) {
     schemas += row.Text("SCHEMA") + " ";
   }
   return schemas;

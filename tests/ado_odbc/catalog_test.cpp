@@ -31,7 +31,7 @@ TEST_F(ServerTest, TablesAreToldFromOtherObjects) {
   const std::vector<TableInfo> tables = session_->Tables();
   EXPECT_EQ(Named(tables, "a table").type, "TABLE");
   for (const TableInfo& table : tables) {
-    EXPECT_FALSE(table.type == "TABLE" && table.name.starts_with("sys")) << table.name;
+    EXPECT_FALSE(table.type == "TABLE" && table.name.name.starts_with("sys")) << table.name.Text();
   }
 }
 

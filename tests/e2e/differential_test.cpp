@@ -35,6 +35,7 @@ struct Case {
   std::vector<std::string> errors{};  // a part of each message
   NameList tables{"t"};
   std::int16_t mode = convert_mode::kMerge;
+  TypeMapping types = TypeMapping::Classic;
 };
 
 /// One line a row; long values by their length and hash.
@@ -143,6 +144,9 @@ class Differential {
     EventRecorder events;
     host_.unclassified.clear();
     src.SetListener(&events);
+    ConversionOptions options;
+    options.types = each.types;
+    src.SetOptions(options);
     src.SetCopyTableContent(true);
     src.SetConvertMode(each.mode);
     src.TransferToDest(dest, each.tables);
@@ -421,6 +425,36 @@ TEST(BlocksToMsSql, RowsThatAreNotLoadedAmongRowsThatAre) {
                     {1200}});
 }
 
+TEST(BlocksToMsSql, ExactTypesInNewAndInOldTables) {
+  const Script rows = {
+      "set sql_mode = 'ALLOW_INVALID_DATES'",
+      "create table t(k int primary key, a tinyint(1), b date not null, c datetime(6), d time(3), "
+      "e time(6), f decimal(65,2), g float, h char(3), i enum('x','y'), j decimal(38,0))",
+      "insert into t select seq, seq % 2, elt(1 + seq % 4, '0000-00-00', '0001-01-01', "
+      "'1752-01-01', "
+      "'2020-02-02'), '1600-01-01 00:00:00.000001' + interval seq * 99 day, "
+      "sec_to_time(seq * 40.125), sec_to_time((seq - 600) * 4000.5), if(seq % 2, repeat('9', 63), "
+      "seq / 4), seq / 7, elt(1 + seq % 3, 'a', '', 'xyz'), 1 + seq % 2, repeat('9', seq % 38 + 1) "
+      "from " +
+          Sequence(1, 1200) + " s"};
+  ToMsSql differential;
+  const Outcome outcome = differential.Run(
+      {"new", rows, {}, {1200}, {}, {"t"}, convert_mode::kOverwrite, TypeMapping::Exact});
+  EXPECT_THAT(
+      outcome.tables[0],
+      testing::Contains(testing::StartsWith("<3><1><2020-02-02><1600-10-24 00:00:00.000001>")));
+  differential.Run({"classic tables",
+                    rows,
+                    {"create table t(k int primary key, a Tinyint, b datetime, c datetime, d "
+                     "datetime, e datetime, f varchar(70), g real, h varchar(3), i nvarchar(1), "
+                     "j numeric(38,0))"},
+                    {1200},
+                    {},
+                    {"t"},
+                    convert_mode::kMerge,
+                    TypeMapping::Exact});
+}
+
 TEST(BlocksToMsSql, RowsOfMegabytes) {
   const Script big = {
       "create table t(k int primary key, b longblob, v longtext character set utf8mb4)",
@@ -534,6 +568,28 @@ TEST(BlocksToMySql, IdentityAndTypedValues) {
        convert_mode::kOverwrite});
   EXPECT_THAT(outcome.tables[0][0], testing::StartsWith("<-1><1.5000><1.0e+300><-1.5000000000>"));
   EXPECT_EQ(outcome.tables[0][1], "<0>NULLNULL<0.0000000000>NULLNULLNULL");
+}
+
+TEST(BlocksToMySql, ExactTypes) {
+  ToMySql differential;
+  const Outcome outcome = differential.Run(
+      {"new tables",
+       {"create table t(k int primary key, a datetime2(7) null, b time(7) null, c uniqueidentifier "
+        "null, d datetimeoffset(3) null, e sql_variant null, f real null, g nchar(3) null, "
+        "h rowversion)",
+        "insert into t(k, a, b, c, d, e, f, g) values (1, '0001-01-01 00:00:00.0000001', "
+        "'10:20:30.1234567', '00112233-4455-6677-8899-aabbccddeeff', '0020-01-02 03:04:05.125 "
+        "-03:30', N'\u4E16', 3.4028234e38, N'a'), (2, null, null, null, null, null, null, null)"},
+       {},
+       {2},
+       {},
+       {"t"},
+       convert_mode::kOverwrite,
+       TypeMapping::Exact});
+  EXPECT_THAT(outcome.tables[0][0],
+              testing::StartsWith("<1><0001-01-01 00:00:00.0000001><10:20:30.1234567>"
+                                  "<00112233-4455-6677-8899-AABBCCDDEEFF>"
+                                  "<0020-01-02T03:04:05.125-03:30><\u4E16>"));
 }
 
 TEST(BlocksToMySql, ARefusedValueInARowOfBytesIsLeftOut) {

@@ -27,6 +27,7 @@ struct Job {
   std::string my_sql_password = "secret";
   int idle_limit = 600;  // seconds
   int tables_at_once = 1;
+  TypeMapping types = TypeMapping::Classic;
 };
 
 /// Two private servers, shared by all tests of the program, and runs of the real program.

@@ -41,8 +41,8 @@ TEST(DateTimeText, TimesOutsideTheDayMoveTheDate) {
 TEST(DateTimeText, CutsFractionsToMicroseconds) {
   char text[kDateTimeSize];
   const ado::DateTime value{9999, 12, 31, 86399, 999'999'999};
-  EXPECT_EQ(std::string(text, WriteDateTime(text, value, true)), "9999-12-31 23:59:59.999999");
-  EXPECT_EQ(std::string(text, WriteTime(text, value, false)), "23:59:59");
+  EXPECT_EQ(std::string(text, WriteDateTime(text, value, 6)), "9999-12-31 23:59:59.999999");
+  EXPECT_EQ(std::string(text, WriteTime(text, value, 0)), "23:59:59");
 }
 
 }  // namespace

@@ -101,15 +101,15 @@ class ScriptedSession : public ado::Session {
     server_.rollback_to_.reset();
   }
   std::vector<ado::TableInfo> Tables() override { return server_.tables; }
-  std::vector<ado::Column> Columns(const std::string& table) override {
-    return server_.columns[table];
+  std::vector<ado::Column> Columns(const ado::TableName& table) override {
+    return server_.columns[table.Text()];
   }
-  std::vector<ado::Index> Indexes(const std::string& table) override {
-    return server_.indexes[table];
+  std::vector<ado::Index> Indexes(const ado::TableName& table) override {
+    return server_.indexes[table.Text()];
   }
-  std::vector<ado::Key> Keys(const std::string& table) override {
+  std::vector<ado::Key> Keys(const ado::TableName& table) override {
     if (server_.keys_failure) throw *server_.keys_failure;
-    return server_.keys[table];
+    return server_.keys[table.Text()];
   }
 
  private:

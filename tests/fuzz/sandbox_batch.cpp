@@ -1,7 +1,7 @@
 // T-SQL that a client sends to the practice server.
 
-#include "sandbox/sql/errors.h"
-#include "sandbox/sql/parser.h"
+#include "sandbox/parser/parser.h"
+#include "sandbox/values/errors.h"
 #include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

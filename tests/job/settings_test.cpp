@@ -94,6 +94,7 @@ TEST(ConversionSettings, BadLinesFailByKind) {
        "Encryption source: not offered, required or verified (line 20 of file.dcs: Encryption "
        "source=on)"},
       {full + "Idle limit=", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=)"},
+      {full + "Types=modern", run_time::kTypeMismatch, "(line 20 of file.dcs: Types=modern)"},
       {full + "Idle limit=-1", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=-1)"},
       {full + "Idle limit=2147484", run_time::kOverflow,
        "(line 20 of file.dcs: Idle limit=2147484)"},
@@ -114,7 +115,8 @@ TEST(ConversionSettings, BadLinesFailByKind) {
 TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   const std::string options =
       "Encryption source=required\r\nEncryption destination=verified\r\n"
-      "CA file destination=/etc/ca s\xFC.pem\r\nIdle limit=0\r\nTables at once=4\r\n";
+      "CA file destination=/etc/ca s\xFC.pem\r\nIdle limit=0\r\nTables at once=4\r\n"
+      "Types=exact\r\n";
   const ConversionSettings settings = Read(kSales + options);
   const ado::ConnectionSettings src = settings.src->Settings();
   const ado::ConnectionSettings dest = settings.dest->Settings();
@@ -125,6 +127,7 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   EXPECT_EQ(src.idle_limit, 0);
   EXPECT_EQ(dest.idle_limit, 0);
   EXPECT_EQ(settings.src->Options().tables_at_once, 4);
+  EXPECT_EQ(settings.src->Options().types, TypeMapping::Exact);
   EXPECT_EQ(src.password, "pw-1");
   EXPECT_EQ(Write(*settings.src, *settings.dest, settings.tables, settings.log_path),
             kSales + options);

@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "sandbox/sql/convert.h"
+#include "sandbox/values/convert.h"
 
 namespace sandbox::testing {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 
 namespace sandbox::testing {
 

@@ -1,4 +1,4 @@
-#include "sandbox/sql/decimal.h"
+#include "sandbox/values/decimal.h"
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {

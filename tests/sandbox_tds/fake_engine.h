@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "sandbox/sql/engine.h"
+#include "sandbox/engine/engine.h"
 
 namespace sandbox::tds {
 

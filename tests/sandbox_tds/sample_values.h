@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "sandbox/sql/types.h"
+#include "sandbox/values/types.h"
 
 namespace sandbox::tds {
 

@@ -44,6 +44,7 @@ TEST_F(CronSchedulerTest, LeavesTheRestOfTheCrontabToTheByte) {
     EXPECT_EQ(scheduler_.Load(name), task) << name;
     scheduler_.Save(DailyTask(name));
   }
+  EXPECT_EQ(scheduler_.Tasks().size(), HostileNames().size());
   EXPECT_THAT(Tab(), HasSubstr(before));
   EXPECT_THAT(Tab(), ::testing::EndsWith(after));
   for (const std::string& name : HostileNames()) scheduler_.Remove(name);

@@ -59,6 +59,7 @@ TEST_F(SystemdSchedulerTest, KeepsATaskFromItsNameToItsRemoval) {
               ElementsAre("--user daemon-reload", "--user enable --now dorvane-nightly.timer",
                           "--user restart dorvane-nightly.timer"));
   EXPECT_EQ(scheduler_.Load("nightly"), task);
+  EXPECT_THAT(scheduler_.Tasks(), ElementsAre(task));
   EXPECT_THAT(test::ReadFile(units_ / "dorvane-nightly.timer"), HasSubstr("Persistent=true\n"));
   try {
     scheduler_.NewTask("nightly");

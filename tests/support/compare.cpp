@@ -42,6 +42,8 @@ std::string Hex(std::string_view bytes) {
 
 /// One text for all ways in which servers hold the same number, text, time or bytes.
 struct Canonical {
+  WayBack way;
+
   std::string operator()(ado::Null) const { return "NULL"; }
   std::string operator()(bool value) const { return value ? "1" : "0"; }
   std::string operator()(std::int64_t value) const { return fmt::to_string(value); }
@@ -64,17 +66,27 @@ struct Canonical {
                        value.seconds, value.nanoseconds);
   }
   std::string operator()(ado::Guid value) const {
+    if (way == WayBack::Exact) return std::string(value.text.substr(1, value.text.size() - 2));
     std::string digits(value.text);
     std::erase_if(digits, [](char c) { return c == '-' || c == '{' || c == '}'; });
     return digits;
   }
 };
 
-std::string CanonicalText(const ado::Value& value) {
-  return std::visit(Canonical{}, value);
+std::string CanonicalText(const ado::Value& value, const ado::FieldInfo& field, WayBack way) {
+  const auto* bytes = std::get_if<ado::Binary>(&value);
+  const bool is_text = way == WayBack::Exact && field.type == DataType::Variant;
+  if (bytes != nullptr && is_text) return std::string(bytes->bytes);
+  return std::visit(Canonical{way}, value);
 }
 
-std::string OrderedSelect(ado::Connection& connection, const std::string& table) {
+std::string Quoted(const ado::TableName& table) {
+  return (table.IsBare() ? "" : "[" + table.schema + "].") + "[" + table.name + "]";
+}
+
+/// The rows of a table of the last database in the order of the first one's key.
+std::string OrderedSelect(ado::Connection& connection, const ado::TableName& table,
+                          const ado::TableName& in_last) {
   std::string order;
   for (const ado::Index& index : connection.Indexes(table)) {
     if (!index.primary_key) continue;
@@ -82,7 +94,7 @@ std::string OrderedSelect(ado::Connection& connection, const std::string& table)
       order += fmt::format("{}[{}]", order.empty() ? " order by " : ", ", column);
     }
   }
-  return fmt::format("select * from [{}]{}", table, order);
+  return fmt::format("select * from {}{}", Quoted(in_last), order);
 }
 
 struct ColumnDifference {
@@ -92,10 +104,12 @@ struct ColumnDifference {
 
 class TableComparison {
  public:
-  TableComparison(ado::Connection& first, ado::Connection& last, std::string table)
-      : table_(std::move(table)),
-        first_(first.Execute(OrderedSelect(first, table_))),
-        last_(last.Execute(OrderedSelect(first, table_))) {}
+  TableComparison(ado::Connection& first, ado::Connection& last, const ado::TableName& table,
+                  const ado::TableName& in_last, WayBack way)
+      : table_(table.Text()),
+        way_(way),
+        first_(first.Execute(OrderedSelect(first, table, table))),
+        last_(last.Execute(OrderedSelect(first, table, in_last))) {}
 
   void Run(Comparison& result) {
     if (first_.FieldCount() != last_.FieldCount()) {
@@ -118,8 +132,9 @@ class TableComparison {
  private:
   void CompareRow() {
     for (std::size_t i = 0; i < differences_.size(); ++i) {
-      const std::string before = CanonicalText(first_.Field(i).Value());
-      const std::string after = CanonicalText(last_.Field(i).Value());
+      const std::string before =
+          CanonicalText(first_.Field(i).Value(), first_.FieldInfos()[i], way_);
+      const std::string after = CanonicalText(last_.Field(i).Value(), last_.FieldInfos()[i], way_);
       if (before == after) continue;
       if (differences_[i].rows++ == 0) {
         differences_[i].first_example = fmt::format("{:.40} became {:.40}", before, after);
@@ -134,7 +149,7 @@ class TableComparison {
       const ado::FieldInfo& field = first_.FieldInfos()[i];
       if (difference.rows == 0) {
         ++equal;
-      } else if (const auto reason = ReasonFor(field.type)) {
+      } else if (const auto reason = ReasonFor(field.type); reason && way_ == WayBack::Classic) {
         result.losses.push_back(
             fmt::format("{}.{}, {} rows: {}", table_, field.name, difference.rows, *reason));
       } else {
@@ -147,6 +162,7 @@ class TableComparison {
   }
 
   std::string table_;
+  WayBack way_;
   ado::Recordset first_;
   ado::Recordset last_;
   std::vector<ColumnDifference> differences_;
@@ -154,10 +170,12 @@ class TableComparison {
 
 }  // namespace
 
-Comparison CompareDatabases(ado::Connection& first, ado::Connection& last) {
+Comparison CompareDatabases(ado::Connection& first, ado::Connection& last, WayBack way,
+                            const NameInLast& name_in_last) {
   Comparison result;
   for (const ado::TableInfo& table : first.Tables()) {
-    if (table.type == "TABLE") TableComparison(first, last, table.name).Run(result);
+    if (table.type != "TABLE") continue;
+    TableComparison(first, last, table.name, name_in_last(table.name), way).Run(result);
   }
   return result;
 }

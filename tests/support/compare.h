@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,16 @@ struct Comparison {
   std::vector<std::string> faults;  // everything else that differs
 };
 
-/// Compares every table of `first` with the table of the same name in `last`, rows in the order of
-/// the primary key. Throws RunTimeError when one of them cannot be read.
-Comparison CompareDatabases(ado::Connection& first, ado::Connection& last);
+/// Which types the way there and back went through. The exact ones lose nothing.
+enum class WayBack { Classic, Exact };
+
+/// What a table of the first database is called in the last one.
+using NameInLast = std::function<ado::TableName(const ado::TableName& name)>;
+
+/// Compares every table of `first` with the table of the same name in `last`, or of the one that is
+/// said, rows in the order of the primary key. Throws RunTimeError when one of them cannot be read.
+Comparison CompareDatabases(
+    ado::Connection& first, ado::Connection& last, WayBack way = WayBack::Classic,
+    const NameInLast& name_in_last = [](const ado::TableName& name) { return name; });
 
 }  // namespace dorvane::test

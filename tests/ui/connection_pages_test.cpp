@@ -49,6 +49,50 @@ TEST_F(ConnectionPages, SourceConnectFillsTheListAndDisconnectEmptiesIt) {
   EXPECT_FALSE(driver_.IsEnabled("cmbSrcExistingDatabase"));
   EXPECT_TRUE(driver_.IsEnabled("cmdSrcConnect"));
   EXPECT_FALSE(driver_.IsEnabled("cmdSrcDisconnect"));
+  EXPECT_TRUE(driver_.HasFocus("cmdSrcConnect"));
+}
+
+TEST_F(ConnectionPages, AConnectedPageKeepsWhatItWasConnectedWith) {
+  driver_.Next();
+  driver_.Type("txtSrcHost", "first");
+  driver_.Click("cmdSrcConnect");
+  driver_.Type("txtSrcHost", "second");
+  EXPECT_EQ(driver_.Text("txtSrcHost"), "first");
+  for (const char* field : {"chkWinAuth", "cmbSrcEncryption"}) {
+    EXPECT_FALSE(driver_.IsEnabled(field)) << field;
+  }
+  driver_.Click("cmdSrcDisconnect");
+  driver_.Type("txtSrcHost", "second");
+  EXPECT_EQ(driver_.Text("txtSrcHost"), "second");
+  EXPECT_TRUE(driver_.IsEnabled("chkWinAuth"));
+}
+
+TEST_F(ConnectionPages, TheDirectionMayBeChosenAgain) {
+  driver_.Next();
+  driver_.Click("cmdSrcConnect");
+  driver_.Back();
+  driver_.Click("optMsSqlToMySql");
+  driver_.Next();
+  EXPECT_TRUE(driver_.IsEnabled("cmdSrcConnect")) << "its fields were emptied";
+  EXPECT_FALSE(driver_.IsEnabled("cmdSrcDisconnect"));
+  driver_.Back();
+  driver_.Click("optMySqlToMsSql");
+  driver_.Next();
+  driver_.Type("txtDir2MysqlPassword", "secret");
+  driver_.Click("cmdDir2MysqlConnect");
+  driver_.Next();
+  driver_.Type("txtDir2MsSqlHost", "elsewhere");
+  driver_.Click("cmdDir2MsSqlConnect");
+  driver_.Back();
+  driver_.Back();
+  driver_.Click("optMySqlToMsSql");
+  driver_.Next();
+  driver_.Next();
+  EXPECT_EQ(Src().Password(), "secret") << "the new endpoint has the fields of the page";
+  EXPECT_EQ(Src().PortNo(), 3306);
+  driver_.Next();
+  EXPECT_EQ(driver_.Window().CurrentPage(), page::kTables);
+  EXPECT_EQ(Dest().Server(), "elsewhere");
 }
 
 TEST_F(ConnectionPages, InvalidFieldsAreToldAndTakeTheFocus) {
@@ -117,14 +161,14 @@ TEST_F(ConnectionPages, EncryptionReachesTheEndpointAndAsksForAFileOnlyToVerify)
   EXPECT_TRUE(file.isHidden());
   driver_.Click("cmdSrcConnect");
   EXPECT_EQ(Src().Settings().encryption, ado::Encryption::Offered);
+  driver_.Click("cmdSrcDisconnect");
   choose(Qt::Key_End);
-  EXPECT_TRUE(driver_.IsEnabled("cmdSrcConnect")) << "another connection has to be made";
-  EXPECT_TRUE(Entries("cmbSrcExistingDatabase").isEmpty());
   EXPECT_FALSE(file.isHidden());
   driver_.Type("txtSrcCaFile", "/etc/ca.pem");
   driver_.Click("cmdSrcConnect");
   EXPECT_EQ(Src().Settings().encryption, ado::Encryption::Verified);
   EXPECT_EQ(Src().Settings().ca_file, "/etc/ca.pem");
+  driver_.Click("cmdSrcDisconnect");
   choose(Qt::Key_Up);
   EXPECT_TRUE(file.isHidden());
   driver_.Click("cmdSrcConnect");
@@ -249,11 +293,11 @@ TEST_F(ConnectionPages, SwitchingTheDirectionEmptiesPages1And2Only) {
   EXPECT_TRUE(driver_.Names("lstSrcTables").empty());
 }
 
-TEST_F(ConnectionPages, ASlowServerLeavesTheWaitWindowMovingAndTakesNoClicks) {
+TEST_F(ConnectionPages, ASlowServerLeavesTheOverlayMovingAndTakesNoClicks) {
   driver_.Next();
   std::atomic<bool> answered = false;
   script_.databases = [&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));
     answered = true;
     return NameList{"late"};
   };
@@ -261,10 +305,10 @@ TEST_F(ConnectionPages, ASlowServerLeavesTheWaitWindowMovingAndTakesNoClicks) {
   bool waited = false;
   QTimer timer;
   QObject::connect(&timer, &QTimer::timeout, [&] {
-    if (answered) return;
-    ++ticks;
     const QWidget* wait = driver_.Window().findChild<QWidget*>("frmWait");
-    waited = wait && wait->isVisible() && QApplication::activeModalWidget() == wait;
+    if (answered || !wait || !wait->isVisible()) return;
+    waited = true;
+    ++ticks;
     // Clicks and keys for the window behind are lost.
     QTest::mouseClick(driver_.Window().windowHandle(), Qt::LeftButton, {},
                       driver_.Get("cmdNav2").mapTo(&driver_.Window(), QPoint(20, 10)));
@@ -278,6 +322,22 @@ TEST_F(ConnectionPages, ASlowServerLeavesTheWaitWindowMovingAndTakesNoClicks) {
   EXPECT_EQ(driver_.Window().CurrentPage(), 1);
   EXPECT_EQ(Entries("cmbSrcExistingDatabase"), QStringList{"late"});
   EXPECT_FALSE(driver_.Window().findChild<QWidget*>("frmWait")->isVisible());
+}
+
+TEST_F(ConnectionPages, TheProgramEndsThoughAServerNeverAnswers) {
+  driver_.Next();
+  script_.databases = [this]() -> std::optional<NameList> {
+    while (driver_.ended == 0) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return std::nullopt;
+  };
+  QTimer::singleShot(400, &driver_.Window(), [&] {
+    EXPECT_FALSE(driver_.Window().close());
+    EXPECT_EQ(driver_.LabelText("lblWait"), "Stopping.......");
+    EXPECT_FALSE(driver_.Window().close());
+    EXPECT_EQ(driver_.ended, 1) << "the second request";
+  });
+  driver_.Click("cmdSrcConnect");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return driver_.closed; })) << "it has answered after all";
 }
 
 }  // namespace

@@ -91,7 +91,7 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
         "cmbSrcEncryption", "cmdSrcConnect", "cmdNav1", "cmdNav2", "cmdNav3"}},
       {"cmdSrcConnect",
        {"cmbSrcExistingDatabase", "cmdSrcDisconnect", "cmdNav1", "cmdNav2", "cmdNav3", "txtSrcHost",
-        "txtSrcPortnumber", "txtSrcUsername", "txtSrcPassword", "chkWinAuth", "cmbSrcEncryption"}},
+        "txtSrcPortnumber", "txtSrcUsername", "txtSrcPassword"}},
       {"cmdNav3",
        {"txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword",
         "cmbDestEncryption", "optNewDb", "txtDestNewDbName", "cmdDestConnect", "cmdNav1", "cmdNav2",
@@ -106,17 +106,16 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
   expect({
       {nullptr,
        {"cmbDestExistingDatabase", "opnOverwite", "cmdDestDisconnect", "cmdNav1", "cmdNav2",
-        "cmdNav3", "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword",
-        "cmbDestEncryption"}},
+        "cmdNav3", "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword"}},
       {"cmdNav3",
        {"lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL", "lstDestTables",
         "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips",
-        "spnTablesAtOnce", "cmdNav1", "cmdNav2", "cmdNav3"}},
+        "chkExactTypes", "spnTablesAtOnce", "cmdNav1", "cmdNav2", "cmdNav3"}},
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",
-           {"cmdTransferTables", "lstSelectedTables", "lstConvertedTables", "cmdNav1", "cmdNav2",
-            "cmdNav4"}}});
+           {"cmdTransferTables", "cmdTasks", "lstSelectedTables", "lstConvertedTables", "cmdNav1",
+            "cmdNav2", "cmdNav4"}}});
 }
 
 TEST_F(Keyboard, TabGoesThroughThePagesOfTheOtherDirection) {

@@ -3,15 +3,21 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QClipboard>
+#include <QElapsedTimer>
 #include <QFile>
-#include <QScrollArea>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSettings>
 #include <QTest>
+#include <QTextBlock>
 #include <QTimer>
 
 #include "tests/support/temp_folder.h"
 #include "tests/ui/print_qt.h"
+#include "ui/controls/make_child.h"
 #include "ui/controls/picture_box.h"
 #include "ui/dialogs/frm_msg_box.h"
 #include "ui/dialogs/frm_wait.h"
@@ -42,7 +48,7 @@ void Click(QWidget& box, const char* name) {
 
 TEST(ShowMessage, ShowsTextTitleAndOneButton) {
   WhenShown([](QWidget& box) {
-    EXPECT_EQ(Control<QLabel>(box, "lblMessage").text(), QString::fromUtf8("Größe & <b>"));
+    EXPECT_EQ(Control<MessageText>(box, "lblMessage").text(), QString::fromUtf8("Größe & <b>"));
     EXPECT_EQ(Control<QLabel>(box, "lblTitle").text(), "MySQL Server");
     EXPECT_EQ(box.windowTitle(), "MySQL Server");
     EXPECT_EQ(Control(box, "cmdOK").Caption(), "OK");
@@ -75,6 +81,8 @@ TEST(AskYesNo, AnswersByButtonAndByTheWayItWasClosed) {
       {[](QWidget& box) { Click(box, "imgTitleClose"); }, kAnswerNo},
       {[](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); }, kAnswerNo},
       {[](QWidget& box) { QTest::keyClick(&box, Qt::Key_Y, Qt::AltModifier); }, kAnswerYes},
+      {[](QWidget& box) { QTest::keyClick(&box, Qt::Key_Y); }, kAnswerYes},
+      {[](QWidget& box) { QTest::keyClick(box.focusWidget(), Qt::Key_N); }, kAnswerNo},
       {[](QWidget& box) {
          Control(box, "cmdNo").setFocus();
          QTest::keyClick(&Control(box, "cmdNo"), Qt::Key_Return);
@@ -101,11 +109,18 @@ TEST(AskYesNo, AnswersByButtonAndByTheWayItWasClosed) {
   }
 }
 
+TEST(AskYesNo, EnterGivesTheDefaultAnswer) {
+  for (const int answer : {kAnswerYes, kAnswerNo}) {
+    WhenShown([](QWidget& box) { QTest::keyClick(box.focusWidget(), Qt::Key_Return); });
+    EXPECT_EQ(AskYesNo("stop?", message_style::kQuestion, "", answer), answer);
+  }
+}
+
 TEST(AskYesNo, AMessageInBetweenGetsABoxOfItsOwn) {
   WhenShown([](QWidget& question) {
     WhenShown([](QWidget& message) { Click(message, "cmdOK"); }, &question);
     ShowMessage("meanwhile", 0, "");
-    EXPECT_EQ(Control<QLabel>(question, "lblMessage").text(), "exit?");
+    EXPECT_EQ(Control<MessageText>(question, "lblMessage").text(), "exit?");
     Click(question, "cmdNo");
   });
   EXPECT_EQ(AskYesNo("exit?", message_style::kQuestion, ""), kAnswerNo);
@@ -198,14 +213,13 @@ TEST(LoadSkin, TheUsersChoiceCountsElseBlue) {
 TEST(frmMsgBox, LongMessagesWrapAndScrollInside) {
   const QString text = QString("A long message. ").repeated(400) + QString(500, 'x');
   WhenShown([&](QWidget& box) {
-    auto& label = Control<WrappedLabel>(box, "lblMessage");
-    EXPECT_EQ(label.text(), text);
+    auto& message = Control<MessageText>(box, "lblMessage");
+    EXPECT_EQ(message.text(), text);
     EXPECT_LT(box.height(), 400);
-    auto& area = *box.findChild<QScrollArea*>();
-    EXPECT_GT(area.verticalScrollBar()->maximum(), 0);
-    EXPECT_LE(label.width(), area.viewport()->width());
-    EXPECT_EQ(label.height(), label.heightForWidth(label.width()));
-    EXPECT_LT(area.geometry().bottom(), Control(box, "cmdOK").y());
+    EXPECT_GT(message.verticalScrollBar()->maximum(), 0);
+    const QTextLayout& lines = *message.document()->lastBlock().layout();
+    EXPECT_LE(lines.lineAt(lines.lineCount() - 1).naturalTextWidth(), message.viewport()->width());
+    EXPECT_LT(message.geometry().bottom(), Control(box, "cmdOK").y());
     Click(box, "cmdOK");
   });
   ShowMessage(text.toStdString(), 0, "");
@@ -215,6 +229,42 @@ TEST(frmMsgBox, LongMessagesWrapAndScrollInside) {
     Click(box, "cmdOK");
   });
   ShowMessage("short", 0, "");
+}
+
+TEST(frmMsgBox, ItsTextCanBeSelectedAndCopied) {
+  WhenShown([](QWidget& box) {
+    QTest::keyClick(box.focusWidget(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "row refused:\nDuplicate entry");
+    auto& message = Control<MessageText>(box, "lblMessage");
+    QTest::mouseDClick(message.viewport(), Qt::LeftButton, {}, QPoint(4, 4));
+    QTest::keyClick(&message, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "row");
+    QTest::keyClick(&message, Qt::Key_N);
+    EXPECT_TRUE(box.isVisible()) << "no question";
+    QTest::keyClick(&message, Qt::Key_Return);
+  });
+  ShowMessage("row refused:\r\nDuplicate entry", 0, "");
+}
+
+TEST(frmMsgBox, StandsOverTheWindowAndInsideTheScreen) {
+  QWidget window;
+  window.resize(300, 200);
+  ShowMessagesOver(window);
+  window.show();
+  const QRect screen = window.screen()->availableGeometry();
+  for (const QPoint place : {screen.topLeft(), screen.center(), screen.bottomRight()}) {
+    window.move(place);
+    QApplication::processEvents();
+    WhenShown([&](QWidget& box) {
+      EXPECT_TRUE(screen.contains(box.geometry()));
+      const QPoint off = box.geometry().center() - window.geometry().center();
+      if (place == screen.center()) {
+        EXPECT_LT(off.manhattanLength(), 10);
+      }
+      Click(box, "cmdOK");
+    });
+    ShowMessage("here", 0, "");
+  }
 }
 
 TEST(frmMsgBox, ItsTitleBarMovesIt) {
@@ -236,15 +286,50 @@ TEST(frmMsgBox, ItsTitleBarMovesIt) {
   ShowMessage("move me", 0, "");
 }
 
-TEST(frmWait, CanNotBeClosedByTheUser) {
-  frmWait wait;
+TEST(frmWait, ShowsOnlyWhenTheAnswerTakesLongAndCanNotBeClosed) {
+  QWidget window;
+  auto& field = MakeChild<QLineEdit>(window);
+  window.show();
+  field.setFocus();
+  auto& wait = *std::make_unique<frmWait>(window).release();
+  wait.Begin();
+  QTest::qWait(50);
+  wait.End();
+  QTest::qWait(400);
+  EXPECT_FALSE(wait.isVisible()) << "the answer came quickly";
+
   EXPECT_EQ(wait.windowTitle(), "Connecting......");
   EXPECT_EQ(Control<QLabel>(wait, "lblWait").text(), "Please wait");
-  wait.show();
+  wait.Begin();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return wait.isVisible(); }));
+  EXPECT_EQ(wait.geometry(), window.rect());
+  EXPECT_EQ(window.focusWidget(), &wait);
   EXPECT_FALSE(wait.close());
   QTest::keyClick(&wait, Qt::Key_Escape);
-  EXPECT_TRUE(wait.isVisible());
-  wait.hide();
+  QElapsedTimer shown;
+  shown.start();
+  wait.End();
+  EXPECT_GT(shown.elapsed(), 300) << "long enough to be seen";
+  EXPECT_FALSE(wait.isVisible());
+  EXPECT_EQ(window.focusWidget(), &field);
+}
+
+TEST(frmWait, StandsBackForAMessage) {
+  QWidget window;
+  window.show();
+  auto& wait = *std::make_unique<frmWait>(window).release();
+  wait.Begin();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return wait.isVisible(); }));
+  bool behind_box = true;
+  QTimer::singleShot(100, [&] {
+    QWidget* box = QApplication::activeModalWidget();
+    behind_box = wait.isVisible();
+    Click(*box, "cmdOK");
+  });
+  ShowMessage("no server", 0, "");
+  EXPECT_FALSE(behind_box);
+  wait.End();
+  EXPECT_FALSE(wait.isVisible());
 }
 
 }  // namespace

@@ -120,6 +120,7 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   driver_.Click("cmdMLR");
   driver_.Click("chkConvertDefOnly");
   driver_.Click("chkConvertRelationShips");
+  driver_.Click("chkExactTypes");
   driver_.Next();
   EXPECT_EQ(driver_.Window().CurrentPage(), 6);
   const WizardSession& session = driver_.Window().Session();
@@ -129,6 +130,7 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   EXPECT_FALSE(session.src->CopyTableContent());
   EXPECT_FALSE(session.src->ReplaceSpaceWithUnderscore());
   EXPECT_TRUE(session.src->ConvertRelationships());
+  EXPECT_EQ(session.src->Options().types, TypeMapping::Exact);
   EXPECT_TRUE(driver_.IsEnabled("cmdNav4"));
   EXPECT_FALSE(driver_.IsEnabled("cmdNav3"));
   EXPECT_FALSE(driver_.IsEnabled("cmdSchedule"));
@@ -179,6 +181,23 @@ TEST_F(Navigation, TablesThatCanNotBeReadKeepThePage) {
   EXPECT_EQ(driver_.Window().CurrentPage(), 1);
   EXPECT_EQ(driver_.TakeBoxes(),
             (Boxes{{"Dorvane", "Unexpected error no. -2147467259 _ it broke"}}));
+}
+
+TEST_F(Navigation, AnUnreachableSourceLocksNobodyOnTheTablePage) {
+  GoToTables();
+  script_.tables = [] { return std::nullopt; };
+  driver_.Back();
+  EXPECT_EQ(driver_.Window().CurrentPage(), page::kMySqlDestination);
+  driver_.Next();
+  EXPECT_EQ(driver_.Window().CurrentPage(), page::kMySqlDestination) << "there are no tables";
+  driver_.Back();
+  EXPECT_EQ(driver_.Window().CurrentPage(), page::kMsSqlSource);
+  driver_.Next();
+  EXPECT_EQ(driver_.Window().CurrentPage(), page::kMsSqlSource);
+  script_.tables = [] { return NameList{"Customers"}; };
+  driver_.Next();
+  driver_.Next();
+  EXPECT_EQ(driver_.Names("lstSrcTables"), NameList{"Customers"});
 }
 
 TEST_F(Navigation, AnEmptyNewNameIsRefusedOnTheWayToTheTables) {
@@ -241,7 +260,7 @@ TEST_F(Navigation, HelpPictureAndLogoReact) {
   QTest::mouseMove(&driver_.Get("picNav"), {60, 5});
   EXPECT_EQ(help.Picture().toImage(), normal);
   driver_.Click("Image2");
-  EXPECT_FALSE(driver_.opened.empty());
+  EXPECT_EQ(driver_.help_contexts, std::vector<std::int32_t>{0}) << "the help's first page";
 }
 
 TEST(LastRun, PresetsDirectionFieldsAndWindowsLogin) {
@@ -251,6 +270,7 @@ TEST(LastRun, PresetsDirectionFieldsAndWindowsLogin) {
                                 "1434", "dest", "sa2", ""});
   driver.Window().Load();
   EXPECT_TRUE(driver.Get<QRadioButton>("optMySqlToMsSql").isChecked());
+  EXPECT_TRUE(driver.HasFocus("optMySqlToMsSql"));
   EXPECT_TRUE(driver.Get<QCheckBox>("chkDir2MsSqlAuth").isChecked());
   EXPECT_FALSE(driver.Get<QCheckBox>("chkWinAuth").isChecked());
   EXPECT_TRUE(driver.Window().Session().dest->WinNTAuthentication());

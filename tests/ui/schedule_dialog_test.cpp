@@ -20,7 +20,9 @@
 #include "tests/support/plain_endpoint.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
+#include "ui/controls/name_list_view.h"
 #include "ui/schedule/frm_schedule.h"
+#include "ui/schedule/task_list_dialog.h"
 #include "ui/schedule/task_settings_dialog.h"
 
 namespace dorvane {
@@ -244,6 +246,31 @@ TEST_F(ScheduleDialogTest, RunsTheTaskAtOnceAndDeletesIt) {
   CloseSettings("cmdDelete");
   EXPECT_FALSE(scheduler::CronScheduler(cron_).Find("now"));
   EXPECT_FALSE(std::filesystem::exists(program_folder_ / "now.dcs")) << "it holds passwords";
+}
+
+TEST_F(ScheduleDialogTest, ListsTheTasksAndOpensThem) {
+  for (const char* name : {"weekly", "nightly"}) {
+    Fill(name, "log.txt");
+    Click("cmdSchedule");
+    CloseSettings("cmdTaskCancel");
+  }
+  std::vector<std::string> asked;
+  TaskListDialog list(std::make_shared<scheduler::CronScheduler>(cron_),
+                      {.show = {}, .ask = [&](std::string_view question) {
+                         asked.emplace_back(question);
+                         return true;
+                       }});
+  list.show();
+  auto& names = *list.findChild<NameListView*>("lstTasks");
+  EXPECT_THAT(names.Names(), ElementsAre("nightly", "weekly"));
+  QTimer::singleShot(0, &list, [&] {
+    auto* settings = list.findChild<TaskSettingsDialog*>();
+    EXPECT_EQ(Text(settings->windowTitle()), "nightly");
+    QTest::mouseClick(settings->findChild<QAbstractButton*>("cmdDelete"), Qt::LeftButton);
+  });
+  QTest::mouseClick(list.findChild<QAbstractButton*>("cmdOpenTask"), Qt::LeftButton);
+  EXPECT_THAT(asked, ElementsAre("Delete the task nightly and its settings file?"));
+  EXPECT_THAT(names.Names(), ElementsAre("weekly"));
 }
 
 TEST_F(ScheduleDialogTest, SaysWhenTheRunsCouldNotOpenTheirLog) {

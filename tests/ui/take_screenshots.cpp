@@ -14,7 +14,6 @@
 #include "tests/ui/wizard_driver.h"
 #include "ui/controls/window_style.h"
 #include "ui/dialogs/frm_msg_box.h"
-#include "ui/dialogs/frm_wait.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/dialogs/skin_module.h"
 #include "ui/help/help_window.h"
@@ -126,6 +125,11 @@ void TakeWizard(Camera& camera, const Direction& direction, QString prefix,
   take("direction");
   driver.Next();
   take("source");
+  script.databases = [databases = script.databases] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(900));
+    return databases();
+  };
+  QTimer::singleShot(600, [&] { take("wait"); });
   driver.Click(direction.source_connect);
   take("source-connected");
   driver.Next();
@@ -178,7 +182,7 @@ void TakeSchedule(Camera& camera) {
   frmSchedule dialog(src, dest, Tables(), services);
   dialog.show();
   dialog.findChild<QLineEdit*>("txtTaskName")->setText("Company nightly");
-  dialog.findChild<QLineEdit*>("txtLogFile")->setText("/var/log/dorvane/company.txt");
+  dialog.findChild<QLineEdit*>("txtLogFile")->setText("company.txt");
   camera.Take(dialog, "schedule");
   dialog.findChild<GradientButton*>("cmdSchedule")->click();
   camera.Take(*dialog.findChild<TaskSettingsDialog*>(), "schedule-settings");
@@ -192,7 +196,7 @@ void TakeBox(Camera& camera, const QString& name, MessageBoxKind kind, const QSt
     camera.Take(box, name);
     box.done(0);
   });
-  box.Run(kind, text, style, "MS SQL Server");
+  box.Run(kind, text, style, "MS SQL Server", kAnswerYes);
 }
 
 }  // namespace
@@ -228,9 +232,6 @@ int main(int argc, char** argv) {
   TakeBox(camera, "box-warning", MessageBoxKind::kOk, "Please click connect to database button",
           message_style::kPlain, skins / "Blue");
   TakeSchedule(camera);
-  frmWait wait;
-  wait.show();
-  camera.Take(wait, "wait");
   HelpWindow help(argv[3]);
   help.show();
   help.ShowContext(3);

@@ -69,6 +69,8 @@ TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
   };
   GoToTransfer();
   EXPECT_EQ(driver_.LabelText("lblStatus"), "- - - - -");
+  driver_.Click("cmdTasks");
+  EXPECT_EQ(driver_.tasks_shown, 1);
   std::vector<QString> states;
   driver_.on_box = [&](QWidget&) {
     states.push_back(driver_.LabelText("lblStatus") + " " +
@@ -168,6 +170,27 @@ TEST_F(TransferPages, ClosingTheWindowStopsTheTransferFirst) {
   EXPECT_TRUE(driver_.TakeBoxes().empty()) << "no summary for who has left";
 }
 
+TEST_F(TransferPages, AServerThatNeverAnswersHoldsTheProgramForSecondsOnly) {
+  QString rows;
+  script_.transfer = [&](IConversionListener& listener, const NameList&) {
+    listener.ConversionStarted(2, false);
+    listener.TableContentTransferStarted("Customers", 1'000);
+    listener.TableRecordConverted();
+    while (driver_.ended == 0) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  };
+  GoToTransfer();
+  QTimer::singleShot(3'500, &driver_.Window(), [&] {
+    rows = driver_.LabelText("lblRowsProgress");
+    driver_.Window().close();
+    EXPECT_EQ(driver_.LabelText("lblStatus"), "Stopping.......");
+    EXPECT_TRUE(driver_.IsEnabled("cmdNav1")) << "the second request may come from here";
+  });
+  driver_.Click("cmdTransferTables");
+  EXPECT_TRUE(rows.startsWith("1 of 1,000 rows, nothing has arrived for 00:00:0"))
+      << rows.toStdString();
+  EXPECT_EQ(driver_.ended, 1);
+}
+
 TEST_F(TransferPages, CancelDuringATransferAsksWhileItGoesOn) {
   std::atomic<bool> asked = false;
   script_.transfer = [&](IConversionListener& listener, const NameList&) {
@@ -178,7 +201,10 @@ TEST_F(TransferPages, CancelDuringATransferAsksWhileItGoesOn) {
     listener.ConversionEnded();
   };
   GoToTransfer();
-  driver_.on_box = [&](QWidget&) { asked = true; };
+  driver_.on_box = [&](QWidget& box) {
+    asked = true;
+    EXPECT_EQ(box.focusWidget()->objectName(), "cmdNo") << "a key pressed too much stops nothing";
+  };
   QTimer::singleShot(50, &driver_.Window(), [&] { driver_.Click("cmdNav1"); });
   driver_.Click("cmdTransferTables");
   EXPECT_TRUE(asked);

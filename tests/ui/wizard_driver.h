@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QTest>
 #include <QTimer>
+#include <atomic>
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,7 +13,7 @@
 #include "tests/ui/scripted_endpoint.h"
 #include "ui/controls/gradient_button.h"
 #include "ui/controls/name_list_view.h"
-#include "ui/controls/wrapped_label.h"
+#include "ui/dialogs/message_text.h"
 #include "ui/wizard/frm_wizard.h"
 
 namespace dorvane::test {
@@ -46,7 +47,8 @@ class WizardDriver {
                  .show_help = [this](std::int32_t context) { help_contexts.push_back(context); },
                  .show_schedule = [this](const IDatabase&, const IDatabase&, const NameList& tables,
                                          QWidget*) { scheduled = tables; },
-                 .open_address = [this](const std::string& address) { opened = address; }}) {
+                 .show_tasks = [this](QWidget*) { ++tasks_shown; },
+                 .end_process = [this] { ++ended; }}) {
     watcher_.setInterval(5);
     QObject::connect(&watcher_, &QTimer::timeout, [this] { AnswerBox(); });
     watcher_.start();
@@ -97,7 +99,8 @@ class WizardDriver {
 
   std::vector<std::int32_t> help_contexts;
   NameList scheduled;
-  std::string opened;
+  int tasks_shown = 0;
+  std::atomic<int> ended = 0;  // times that the process was to end at once
   bool closed = false;
   bool answer_no = false;
   /// Called for each box before it is answered.
@@ -109,7 +112,7 @@ class WizardDriver {
     if (!box || box->objectName() != "frmMsgBox") return;
     auto* no = box->findChild<GradientButton*>("cmdNo");
     boxes_.push_back({box->findChild<QLabel*>("lblTitle")->text(),
-                      box->findChild<WrappedLabel*>("lblMessage")->text()});
+                      box->findChild<MessageText*>("lblMessage")->text()});
     if (on_box) on_box(*box);
     auto* button = answer_no && no->isVisible() ? no : box->findChild<GradientButton*>("cmdOK");
     QTest::mouseClick(button, Qt::LeftButton);

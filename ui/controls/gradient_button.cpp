@@ -4,6 +4,7 @@
 #include <QHoverEvent>
 #include <QKeySequence>
 #include <QPainter>
+#include <QShortcutEvent>
 #include <algorithm>
 #include <iterator>
 
@@ -238,6 +239,11 @@ bool GradientButton::event(QEvent* event) {
     case QEvent::HoverLeave:
       SetHovered(false);
       break;
+    case QEvent::Shortcut:
+      // At once: the base class clicks a moment later, and the next key would come before.
+      if (static_cast<QShortcutEvent*>(event)->isAmbiguous()) break;
+      click();
+      return true;
     case QEvent::EnabledChange:
       if (!isEnabled()) SetHovered(false);
       break;

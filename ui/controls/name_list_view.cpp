@@ -1,12 +1,20 @@
 #include "ui/controls/name_list_view.h"
 
 #include <QAbstractListModel>
+#include <QHelpEvent>
 #include <QScrollBar>
+#include <QToolTip>
 #include <algorithm>
 
 #include "ui/controls/make_child.h"
 
 namespace dorvane {
+
+namespace {
+
+constexpr int kEntryMargin = 4;  // left and right of an entry's text
+
+}  // namespace
 
 class NameListModel : public QAbstractListModel {
  public:
@@ -94,6 +102,17 @@ void NameListView::Append(std::string name) {
 
 void NameListView::RemoveFirst(std::string_view name) {
   model_->RemoveFirst(name);
+}
+
+bool NameListView::viewportEvent(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QListView::viewportEvent(event);
+  const auto* help = static_cast<QHelpEvent*>(event);
+  const QModelIndex index = indexAt(help->pos());
+  const QString name = index.data().toString();
+  const int room = visualRect(index).width() - 2 * kEntryMargin;
+  const bool is_cut = fontMetrics().horizontalAdvance(name) > room;
+  QToolTip::showText(help->globalPos(), is_cut ? name : QString(), viewport());
+  return true;
 }
 
 }  // namespace dorvane

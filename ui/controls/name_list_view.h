@@ -27,6 +27,10 @@ class NameListView : public QListView {
   /// Removes the first entry that equals `name` exactly, if there is one.
   void RemoveFirst(std::string_view name);
 
+ protected:
+  /// Shows a name that is not seen whole as a tooltip.
+  bool viewportEvent(QEvent* event) override;
+
  private:
   NameListModel* model_;
 };

@@ -15,6 +15,9 @@ class PictureBox : public QWidget {
 
   const QPixmap& Picture() const { return picture_; }
   void SetPicture(const QPixmap& picture);
+  /// Tells assistive tools that a click does something, and lets them click.
+  void SetAction() { has_action_ = true; }
+  bool HasAction() const { return has_action_; }
 
  signals:
   /// The left mouse button went down on the picture.
@@ -23,6 +26,8 @@ class PictureBox : public QWidget {
   void Clicked();
   /// The mouse came over the picture or moved on it.
   void MouseMoved();
+  /// The mouse has left it.
+  void MouseLeft();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -30,9 +35,11 @@ class PictureBox : public QWidget {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void enterEvent(QEnterEvent* event) override;
+  void leaveEvent(QEvent* event) override;
 
  private:
   QPixmap picture_;
+  bool has_action_ = false;
 };
 
 }  // namespace dorvane

@@ -32,6 +32,10 @@ double FlowText(const QString& text, const QFont& font, double width, QPainter* 
 
 }  // namespace
 
+int WrappedTextHeight(const QString& text, const QFont& font, int width) {
+  return static_cast<int>(std::ceil(FlowText(text, font, width, nullptr)));
+}
+
 WrappedLabel::WrappedLabel(QWidget* parent) : QLabel(parent) {
   setTextFormat(Qt::PlainText);
   QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);
@@ -40,7 +44,7 @@ WrappedLabel::WrappedLabel(QWidget* parent) : QLabel(parent) {
 }
 
 int WrappedLabel::heightForWidth(int width) const {
-  return static_cast<int>(std::ceil(FlowText(text(), font(), width, nullptr)));
+  return WrappedTextHeight(text(), font(), width);
 }
 
 void WrappedLabel::paintEvent(QPaintEvent*) {

@@ -1,9 +1,11 @@
 #include "ui/dialogs/frm_msg_box.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPainter>
-#include <QScrollArea>
+#include <QScreen>
 #include <QScrollBar>
+#include <QWindow>
 #include <algorithm>
 
 #include "ui/controls/make_child.h"
@@ -135,16 +137,7 @@ void frmMsgBox::AddTitle() {
 }
 
 void frmMsgBox::AddMessage() {
-  message_area_ = &MakeChild<QScrollArea>(*this);
-  message_area_->setFrameShape(QFrame::NoFrame);
-  message_area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  message_area_->viewport()->setAutoFillBackground(false);
-  lblMessage_ = &MakeNamed<WrappedLabel>("lblMessage", *this);
-  QPalette palette = lblMessage_->palette();
-  palette.setColor(QPalette::WindowText, QColor(16, 20, 32));
-  lblMessage_->setPalette(palette);
-  message_area_->setWidget(lblMessage_);
-  lblMessage_->setAutoFillBackground(false);
+  lblMessage_ = &MakeNamed<MessageText>("lblMessage", static_cast<QWidget&>(*this));
 }
 
 void frmMsgBox::AddButtons() {
@@ -154,7 +147,7 @@ void frmMsgBox::AddButtons() {
   connect(cmdOK_, &QAbstractButton::clicked, this, [this] { End(kAnswerYes); });
   connect(cmdNo_, &QAbstractButton::clicked, this, [this] { End(kAnswerNo); });
   setTabOrder(cmdOK_, cmdNo_);
-  setTabOrder(cmdNo_, message_area_);
+  setTabOrder(cmdNo_, lblMessage_);
 }
 
 void frmMsgBox::End(int answer) {
@@ -163,7 +156,7 @@ void frmMsgBox::End(int answer) {
 }
 
 int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
-                   const QString& title) {
+                   const QString& title, int default_answer) {
   const bool asks = kind == MessageBoxKind::kYesNo;
   icon_ = IconOf(kind, style);
   cmdNo_->setVisible(asks);
@@ -181,7 +174,9 @@ int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
   LayoutSkinFrame(*this);
   if (kind == MessageBoxKind::kOk) LoadSkin(*this);
 
-  cmdOK_->setFocus();
+  MoveOverOwner();
+
+  (default_answer == kAnswerYes ? cmdOK_ : cmdNo_)->setFocus();
   answer_ = kAnswerNo;
   exec();
   return answer_;
@@ -189,20 +184,30 @@ int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
 
 void frmMsgBox::FitToMessage() {
   const int width = kBoxWidth - kMessageLeft - kMessageRightMargin;
-  const int wanted = lblMessage_->heightForWidth(width);
+  const int wanted = lblMessage_->HeightForWidth(width);
   // Whole lines only, so that none is cut in half at the lower edge.
   const int line = lblMessage_->fontMetrics().height();
   const int most = kMaxMessageHeight / line * line;
   const int shown = std::clamp(wanted, kMinMessageHeight, std::max(most, kMinMessageHeight));
-  const bool scrolls = wanted > shown;
-  const int text_width =
-      scrolls ? width - message_area_->verticalScrollBar()->sizeHint().width() - 4 : width;
-  lblMessage_->resize(text_width, std::max(shown, lblMessage_->heightForWidth(text_width)));
-  message_area_->setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::NoFocus);
-  message_area_->setGeometry(kMessageLeft, kMessageTop, width, shown);
-  message_area_->verticalScrollBar()->setValue(0);
+  lblMessage_->setFocusPolicy(wanted > shown ? Qt::StrongFocus : Qt::ClickFocus);
+  lblMessage_->setVerticalScrollBarPolicy(wanted > shown ? Qt::ScrollBarAlwaysOn
+                                                         : Qt::ScrollBarAlwaysOff);
+  lblMessage_->setGeometry(kMessageLeft, kMessageTop, width, shown);
+  lblMessage_->verticalScrollBar()->setValue(0);
   const int height = kMessageTop + shown + 18 + kButtonHeight + kButtonBottom;
   setFixedSize(kBoxWidth, height);
+}
+
+void frmMsgBox::MoveOverOwner() {
+  winId();  // makes windowHandle()
+  // A window manager hides what belongs to a minimized window.
+  const bool stands_over = owner_ && owner_->isVisible() && !owner_->isMinimized();
+  windowHandle()->setTransientParent(stands_over ? owner_->windowHandle() : nullptr);
+  if (!stands_over) return;
+  const QRect screen = owner_->screen()->availableGeometry();
+  const QPoint place = owner_->frameGeometry().center() - rect().center();
+  move(std::clamp(place.x(), screen.left(), std::max(screen.left(), screen.right() - width())),
+       std::clamp(place.y(), screen.top(), std::max(screen.top(), screen.bottom() - height())));
 }
 
 void frmMsgBox::paintEvent(QPaintEvent* event) {
@@ -212,9 +217,21 @@ void frmMsgBox::paintEvent(QPaintEvent* event) {
 }
 
 void frmMsgBox::keyPressEvent(QKeyEvent* event) {
-  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (!enter) return QDialog::keyPressEvent(event);
-  (cmdNo_->hasFocus() ? cmdNo_ : cmdOK_)->click();
+  if (event->matches(QKeySequence::Copy)) return lblMessage_->CopySelectionOrAll();
+  const bool asks = !cmdNo_->isHidden();
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return (cmdNo_->hasFocus() ? cmdNo_ : cmdOK_)->click();
+    case Qt::Key_Y:
+      if (asks) cmdOK_->click();
+      return;
+    case Qt::Key_N:
+      if (asks) cmdNo_->click();
+      return;
+    default:
+      return QDialog::keyPressEvent(event);
+  }
 }
 
 }  // namespace dorvane

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
 #include <cstdint>
 
 #include "ui/controls/gradient_button.h"
-#include "ui/controls/wrapped_label.h"
 #include "ui/dialogs/message_icon.h"
+#include "ui/dialogs/message_text.h"
 
-class QScrollArea;
+class QLabel;
 
 namespace dorvane {
 
@@ -24,8 +25,13 @@ class frmMsgBox : public QDialog {
  public:
   frmMsgBox();
 
-  /// Shows the box and returns when the user has ended it: kAnswerYes or kAnswerNo.
-  int Run(MessageBoxKind kind, const QString& text, std::int32_t style, const QString& title);
+  /// Shows the box and returns when the user has ended it: kAnswerYes or kAnswerNo. Enter gives
+  /// `default_answer`.
+  int Run(MessageBoxKind kind, const QString& text, std::int32_t style, const QString& title,
+          int default_answer);
+
+  /// The window that the next box stands over; null leaves the place to the desktop.
+  void StandOver(QWidget* owner) { owner_ = owner; }
 
   /// True once the close picture has ended the box, which is then not to be used again.
   bool IsUnloaded() const { return unloaded_; }
@@ -41,12 +47,13 @@ class frmMsgBox : public QDialog {
   void AddButtons();
   void End(int answer);
   void FitToMessage();
+  void MoveOverOwner();
 
   QLabel* lblTitle_;
-  QScrollArea* message_area_;
-  WrappedLabel* lblMessage_;
+  MessageText* lblMessage_;
   GradientButton* cmdOK_;
   GradientButton* cmdNo_;
+  QPointer<QWidget> owner_;
   MessageIcon icon_ = MessageIcon::kWarning;
   int answer_ = 0;
   bool unloaded_ = false;

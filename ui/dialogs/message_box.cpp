@@ -2,7 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QPointer>
 #include <exception>
 #include <memory>
 
@@ -22,26 +23,53 @@ std::unique_ptr<frmMsgBox>& LoadedBox() {
   return box;
 }
 
-int RunBox(MessageBoxKind kind, std::string_view text, std::int32_t style, std::string_view title) {
+QPointer<QWidget>& Owner() {
+  static QPointer<QWidget> owner;
+  return owner;
+}
+
+struct Message {
+  MessageBoxKind kind;
+  std::string_view text;
+  std::int32_t style;
+  std::string_view title;
+  int default_answer;
+};
+
+int Run(frmMsgBox& box, const Message& message) {
+  QWidget* const dialog = QApplication::activeModalWidget();
+  QWidget* const main = Owner() ? Owner().data() : QApplication::activeWindow();
+  box.StandOver(dialog ? dialog : main);
+  return box.Run(message.kind, ToQString(message.text), message.style, ToQString(message.title),
+                 message.default_answer);
+}
+
+int RunBox(const Message& message) {
   auto& box = LoadedBox();
   if (!box) box = std::make_unique<frmMsgBox>();
   if (box->isVisible()) {
     // A running transfer reports while the user is still being asked something.
-    return frmMsgBox().Run(kind, ToQString(text), style, ToQString(title));
+    frmMsgBox another;
+    return Run(another, message);
   }
-  const int answer = box->Run(kind, ToQString(text), style, ToQString(title));
+  const int answer = Run(*box, message);
   if (box->IsUnloaded()) box.reset();
   return answer;
 }
 
 }  // namespace
 
-void ShowMessage(std::string_view text, std::int32_t style, std::string_view title) {
-  RunBox(MessageBoxKind::kOk, text, style, title);
+void ShowMessagesOver(QWidget& window) {
+  Owner() = &window;
 }
 
-int AskYesNo(std::string_view text, std::int32_t style, std::string_view title) {
-  return RunBox(MessageBoxKind::kYesNo, text, style, title);
+void ShowMessage(std::string_view text, std::int32_t style, std::string_view title) {
+  RunBox({MessageBoxKind::kOk, text, style, title, kAnswerYes});
+}
+
+int AskYesNo(std::string_view text, std::int32_t style, std::string_view title,
+             int default_answer) {
+  return RunBox({MessageBoxKind::kYesNo, text, style, title, default_answer});
 }
 
 ErrorSummary CurrentFailure() {

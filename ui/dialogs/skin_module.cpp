@@ -13,6 +13,7 @@
 #include "job/program_folder.h"
 #include "ui/controls/make_child.h"
 #include "ui/controls/picture_box.h"
+#include "ui/controls/user_input.h"
 
 namespace dorvane {
 namespace {
@@ -106,7 +107,7 @@ void LoadSkin(QWidget& frm, const std::filesystem::path& skin_folder) {
     if (picture.load(QString::fromStdString(file.string()))) box->SetPicture(picture);
   }
   CopyPicture(frm, "imgTitleMaximize", "imgTitleMaxRestore");
-  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  ProcessAllButUserInput();
 }
 
 QRect SkinPictureRect(std::string_view name, QSize window, QSize designed) {

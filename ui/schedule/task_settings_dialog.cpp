@@ -113,6 +113,9 @@ void TaskSettingsDialog::AddSchedule(QFormLayout& form) {
   chkEnabled_->setChecked(task_.enabled);
   chkRunMissed_->setChecked(task_.run_missed_start && scheduler_->CanRunMissedStarts());
   chkRunMissed_->setEnabled(scheduler_->CanRunMissedStarts());
+  if (!scheduler_->CanRunMissedStarts()) {
+    chkRunMissed_->setToolTip("The tasks are in a crontab, which forgets a missed start.");
+  }
 
   form.addRow(chkEnabled_);
   form.addRow("&Begin date", dteBegin_);
@@ -166,7 +169,7 @@ void TaskSettingsDialog::AddButtons(QVBoxLayout& layout) {
   add("cmdDelete", "Delete task", 'D', &TaskSettingsDialog::Delete);
   add("cmdRunNow", "Run now", 'N', &TaskSettingsDialog::RunNow);
   MakeChild<DefaultButton>(self, std::vector{add("cmdOK", "OK", 'O', &TaskSettingsDialog::Save)});
-  auto& cmdCancel = AddDialogButton("cmdTaskCancel", self, "Cancel", 'C');
+  auto& cmdCancel = AddDialogButton("cmdTaskCancel", self, "Close", 'C');
   row->addWidget(&cmdCancel);
   connect(&cmdCancel, &QAbstractButton::clicked, this, &QDialog::reject);
 }

@@ -30,9 +30,35 @@ void ConnectionPage::ProposeNewName(const std::string& name) {
   if (!created) new_name_->setText(QString::fromStdString(name));
 }
 
-void ConnectionPage::ClearFields() {
+void ConnectionPage::Reset() {
   for (QLineEdit* field : {host_, user_, password_, port_}) field->clear();
   encryption_->Clear();
+  databases_->clear();
+  databases_->setEnabled(false);
+  if (traits_.is_destination) new_name_->setEnabled(WantsNewDatabase());
+  SetConnected(false);
+}
+
+void ConnectionPage::SetConnected(bool connected) {
+  connect_->SetEnabled(!connected);
+  // A disabled button would hand the focus on to Cancel.
+  if (disconnect_->hasFocus()) connect_->setFocus();
+  disconnect_->SetEnabled(connected);
+  if (windows_login_) windows_login_->setEnabled(!connected);
+  encryption_->SetEnabled(!connected);
+  for (QLineEdit* field : {host_, port_, user_, password_}) field->setReadOnly(connected);
+  ShowWhatCanBeTyped();
+  if (!traits_.is_destination) return;
+  existing_database_->setEnabled(!connected);
+  new_database_->setEnabled(!connected);
+}
+
+void ConnectionPage::ShowWhatCanBeTyped() {
+  for (QLineEdit* field : {host_, port_, user_, password_}) {
+    const bool open = field->isEnabledTo(this) && !field->isReadOnly();
+    theme::SetColor(*field, QPalette::Base,
+                    open ? theme::kFieldBackground : theme::kDisabledFieldBackground);
+  }
 }
 
 void ConnectionPage::TickWindowsLogin() {
@@ -43,16 +69,8 @@ void ConnectionPage::TickWindowsLogin() {
 void ConnectionPage::OnWindowsLogin() {
   const bool ticked = windows_login_->isChecked();
   Endpoint().SetWinNTAuthentication(ticked);
-  for (QLineEdit* field : {user_, password_}) {
-    field->setEnabled(!ticked);
-    theme::SetColor(*field, QPalette::Base,
-                    ticked ? theme::kDisabledFieldBackground : theme::kFieldBackground);
-  }
-}
-
-void ConnectionPage::OnEncryption() {
-  // What was connected otherwise does not count.
-  if (IsConnected()) OnDisconnect();
+  for (QLineEdit* field : {user_, password_}) field->setEnabled(!ticked);
+  ShowWhatCanBeTyped();
 }
 
 void ConnectionPage::OnExistingDatabase() {
@@ -102,11 +120,7 @@ void ConnectionPage::OnConnect() {
                 "");
     return;
   }
-  if (!connected || !traits_.is_destination) return;
-  existing_database_->setEnabled(false);
-  new_database_->setEnabled(false);
-  connect_->SetEnabled(false);
-  disconnect_->SetEnabled(true);
+  if (connected) SetConnected(true);
 }
 
 bool ConnectionPage::ListDatabases() {
@@ -114,12 +128,13 @@ bool ConnectionPage::ListDatabases() {
   server_caller_.Run([&] { names = Endpoint().GetDatabases(); });
   if (!names) return false;
   databases_->clear();
-  for (const std::string& name : *names) databases_->addItem(QString::fromStdString(name));
+  for (const std::string& name : *names) {
+    databases_->addItem(QString::fromStdString(name));
+    databases_->setItemData(databases_->count() - 1, QString::fromStdString(name), Qt::ToolTipRole);
+  }
   databases_->setCurrentIndex(names->empty() ? -1 : 0);
   databases_->setEnabled(true);
   databases_->setFocus();
-  if (!traits_.is_destination) disconnect_->SetEnabled(true);
-  connect_->SetEnabled(false);
   return true;
 }
 
@@ -134,13 +149,11 @@ bool ConnectionPage::CreateDatabase(const std::string& name) {
 }
 
 void ConnectionPage::OnDisconnect() {
-  connect_->SetEnabled(true);
-  disconnect_->SetEnabled(false);
+  SetConnected(false);
+  connect_->setFocus();
   databases_->clear();
   databases_->setEnabled(false);
   if (!traits_.is_destination) return;
-  existing_database_->setEnabled(true);
-  new_database_->setEnabled(true);
   existing_database_->setChecked(true);
   OnExistingDatabase();
 }

@@ -39,10 +39,11 @@ class ConnectionPage : public WizardPage {
   /// Proposes a name; the name of a database that this page has created stays.
   void ProposeNewName(const std::string& name);
 
-  /// What choosing a direction does to the page.
-  void ClearFields();
-  void ClearDatabases() { databases_->clear(); }
-  void EnableConnect() { connect_->SetEnabled(true); }
+  /// Copies the fields into the endpoint, which may be newer than the connection.
+  void ApplyToEndpoint() const { ApplyFields(Typed(), Endpoint()); }
+
+  /// What choosing a direction does to the page: empty fields and no connection.
+  void Reset();
   /// Shows the merge mode that a new source endpoint starts with.
   void ShowMerge() { merge_->setChecked(true); }
   void TickWindowsLogin();
@@ -55,13 +56,15 @@ class ConnectionPage : public WizardPage {
   QLineEdit& AddField(QGridLayout& grid, int row, int column, const char* name, const char* label,
                       int limit);
 
-  IDatabase& Endpoint() { return traits_.is_destination ? *session_.dest : *session_.src; }
+  IDatabase& Endpoint() const { return traits_.is_destination ? *session_.dest : *session_.src; }
   TypedSettings Typed() const;
   bool UsesWindowsLogin() const { return windows_login_ && windows_login_->isChecked(); }
   QWidget* FocusFor(FieldRefusal::Field field);
 
+  /// What a connection was made with can't be changed while it counts.
+  void SetConnected(bool connected);
+  void ShowWhatCanBeTyped();
   void OnWindowsLogin();
-  void OnEncryption();
   void OnExistingDatabase();
   void OnNewDatabase();
   void OnConnect();

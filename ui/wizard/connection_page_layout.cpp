@@ -1,5 +1,4 @@
 // How a connection page is built: its controls, where they stand and what they are connected to.
-#include <QAbstractItemView>
 #include <QHBoxLayout>
 #include <QLabel>
 
@@ -28,10 +27,10 @@ QComboBox& AddDatabaseList(const char* name, QWidget& parent) {
   // A long name must not widen the window.
   list.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   list.setMinimumContentsLength(18);
-  // The popup is a window of its own and takes no colours from the page.
-  list.view()->setPalette(theme::PagePalette());
-  list.view()->setTextElideMode(Qt::ElideMiddle);
+  theme::StyleDropDown(list);
   list.setEnabled(false);
+  QObject::connect(&list, &QComboBox::currentTextChanged, &list,
+                   [&list](const QString& entry) { list.setToolTip(entry); });
   return list;
 }
 
@@ -99,7 +98,6 @@ void ConnectionPage::AddServerCard() {
   encryption_ = &MakeChild<EncryptionFields>(
       static_cast<QWidget&>(card),
       EncryptionFields::Names{names.encryption, names.ca_file, names.browse_ca_file}, grid, row);
-  connect(encryption_, &EncryptionFields::Changed, this, &ConnectionPage::OnEncryption);
 }
 
 void ConnectionPage::AddSourceCard() {
@@ -168,8 +166,7 @@ void ConnectionPage::AddButtons() {
   row.addStretch();
   row.addWidget(connect_);
   row.addWidget(disconnect_);
-  connect_->setMinimumWidth(120);
-  disconnect_->setMinimumWidth(120);
+  for (GradientButton* button : {connect_, disconnect_}) theme::Widen(*button, 120);
   connect(connect_, &QAbstractButton::clicked, this, &ConnectionPage::OnConnect);
   connect(disconnect_, &QAbstractButton::clicked, this, &ConnectionPage::OnDisconnect);
 }

@@ -32,6 +32,7 @@ QRadioButton& DirectionPage::AddOption(const char* name, const char* caption,
   layout.setSpacing(6);
   auto& option = MakeNamed<QRadioButton>(name, card, caption);
   option.setFont(theme::CaptionFont(font()));
+  option.setAccessibleDescription(explanation);
   layout.addWidget(&option);
   auto& text = MakeChild<QLabel>(card, explanation);
   text.setWordWrap(true);

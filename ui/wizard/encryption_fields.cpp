@@ -1,6 +1,5 @@
 #include "ui/wizard/encryption_fields.h"
 
-#include <QAbstractItemView>
 #include <QFileDialog>
 #include <QHBoxLayout>
 
@@ -29,8 +28,7 @@ QComboBox& MakeList(const char* name, QWidget& card) {
     list.addItem(choice.caption);
     list.setItemData(list.count() - 1, choice.tool_tip, Qt::ToolTipRole);
   }
-  // The popup is a window of its own and takes no colours from the page.
-  list.view()->setPalette(theme::PagePalette());
+  theme::StyleDropDown(list);
   return list;
 }
 
@@ -59,8 +57,6 @@ EncryptionFields::EncryptionFields(const Names& names, QGridLayout& grid, int ro
   ShowFile();
 
   connect(&list_, &QComboBox::currentIndexChanged, this, &EncryptionFields::ShowFile);
-  connect(&list_, &QComboBox::activated, this, &EncryptionFields::Changed);
-  connect(&file_, &QLineEdit::textEdited, this, &EncryptionFields::Changed);
   connect(&browse_, &QAbstractButton::clicked, this, &EncryptionFields::Browse);
 }
 
@@ -75,6 +71,12 @@ std::string EncryptionFields::CaFile() const {
 void EncryptionFields::Clear() {
   list_.setCurrentIndex(0);
   file_.clear();
+}
+
+void EncryptionFields::SetEnabled(bool enabled) {
+  list_.setEnabled(enabled);
+  file_.setEnabled(enabled);
+  browse_.SetEnabled(enabled);
 }
 
 void EncryptionFields::ShowFile() {
@@ -93,7 +95,6 @@ void EncryptionFields::Browse() {
   cdCaFile.setFileMode(QFileDialog::ExistingFile);
   if (cdCaFile.exec() != QDialog::Accepted) return;
   file_.setText(cdCaFile.selectedFiles().first());
-  emit Changed();
 }
 
 }  // namespace dorvane

@@ -15,8 +15,6 @@ namespace dorvane {
 /// The fields of a connection page that say how its connection is encrypted: a list, and the file
 /// of the authorities, which is shown only where certificates are verified.
 class EncryptionFields : public QObject {
-  Q_OBJECT
-
  public:
   /// Names are those of the controls.
   struct Names {
@@ -31,10 +29,7 @@ class EncryptionFields : public QObject {
   /// Empty where certificates are not verified.
   std::string CaFile() const;
   void Clear();
-
- signals:
-  /// The user has chosen or typed another value.
-  void Changed();
+  void SetEnabled(bool enabled);
 
  private:
   void Browse();

@@ -1,19 +1,28 @@
 #include "ui/wizard/frm_wizard.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
 
 #include "ui/controls/qt_text.h"
+#include "ui/controls/user_input.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
+namespace {
+
+constexpr std::chrono::seconds kLongestLeave(5);
+
+}  // namespace
 
 frmWizard::frmWizard(WizardServices services)
     : services_(std::move(services)), server_caller_(*this) {
   setObjectName("frmWizard");
   BuildWindow();
   ConnectRun();
+  ShowMessagesOver(*this);
+  leaving_.setSingleShot(true);
+  leaving_.setInterval(kLongestLeave);
+  connect(&leaving_, &QTimer::timeout, this, [this] { services_.end_process(); });
 }
 
 frmWizard::~frmWizard() = default;
@@ -25,12 +34,14 @@ void frmWizard::ConnectRun() {
   connect(&run_, &WizardRun::TableConverted, transfer_page_, &TransferPage::MarkConverted);
   connect(&run_, &WizardRun::Noted, transfer_page_, &TransferPage::AddNote);
   connect(&run_, &WizardRun::Started, this, [this] {
+    NavButton(kCancel).setFocus();
     transfer_page_->ConversionStarted();
     for (const Nav button : {kNext, kBack, kFinish}) NavButton(button).SetEnabled(false);
   });
   connect(&run_, &WizardRun::Ended, this, [this] {
     NavButton(kCancel).SetEnabled(false);
     NavButton(kFinish).SetEnabled(true);
+    NavButton(kFinish).setFocus();
     transfer_page_->ConversionEnded();
   });
 }
@@ -45,16 +56,14 @@ void frmWizard::Load() {
   if (session_.last[LastSettings::kWinAuth] == "true") {
     Page(from_ms_sql ? page::kMsSqlSource : page::kMsSqlDestination).TickWindowsLogin();
   }
+  FocusFirstControl(*direction_page_);
 }
 
 void frmWizard::ChooseDirection(ServerKind source) {
   const bool from_ms_sql = source == ServerKind::MsSql;
   for (const std::int16_t page : {page::kMsSqlSource, page::kMySqlDestination}) {
-    Page(page).ClearFields();
-    Page(page).ClearDatabases();
+    Page(page).Reset();
   }
-  Page(page::kMySqlDestination).EnableConnect();
-  if (!from_ms_sql) Page(page::kMsSqlSource).EnableConnect();
   tables_page_->ClearLists();
 
   session_.src = services_.make_endpoint(source, run_);
@@ -121,7 +130,8 @@ void frmWizard::HighlightStepIndicator(std::int16_t page) {
     step_markers_[step]->SetFillColor(is_current ? theme::kCurrentMarker : theme::kOtherMarker);
     theme::SetColor(*step_labels_[step], QPalette::WindowText,
                     is_current ? theme::kCurrentStep : theme::kOtherStep);
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    step_labels_[step]->setAccessibleDescription(is_current ? "Current step" : QString());
+    ProcessAllButUserInput();
   }
 }
 
@@ -131,12 +141,13 @@ void frmWizard::FocusNextAfterConnecting(const ConnectionPage& page) {
 
 void frmWizard::Transfer() {
   run_.Transfer(*session_.src, *session_.dest, session_.tables);
-  // The window was to be closed while the transfer ran.
-  if (run_.IsStopping()) close();
+  if (leaving_.isActive()) close();
 }
 
 void frmWizard::Cancel() {
-  const int answer = AskYesNo("Are you sure you want to exit?", message_style::kQuestion, "");
+  if (leaving_.isActive()) return Leave();
+  const int answer = AskYesNo("Are you sure you want to exit?", message_style::kQuestion, "",
+                              run_.IsTransferring() ? kAnswerNo : kAnswerYes);
   if (answer == kAnswerYes) close();
 }
 
@@ -154,14 +165,19 @@ void frmWizard::ShowHelp() {
   services_.show_help(HelpContext(currentScreen_, source));
 }
 
+void frmWizard::Leave() {
+  if (leaving_.isActive()) return services_.end_process();
+  leaving_.start();
+  if (run_.IsTransferring()) run_.Stop(true);
+  server_caller_.Leave();
+}
+
 void frmWizard::closeEvent(QCloseEvent* event) {
-  if (run_.IsTransferring()) {
-    // The row or block in hand is finished first; Transfer closes the window then.
-    run_.Stop();
-    NavButton(kCancel).SetEnabled(false);
+  if (run_.IsTransferring() || server_caller_.IsWaiting()) {
     event->ignore();
-    return;
+    return Leave();
   }
+  leaving_.stop();
   event->accept();
   emit Closed();
 }

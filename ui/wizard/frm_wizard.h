@@ -2,13 +2,13 @@
 
 #include <QLabel>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QWidget>
 #include <array>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <string>
 
 #include "job/endpoints.h"
 #include "ui/controls/gradient_button.h"
@@ -35,7 +35,10 @@ struct WizardServices {
   std::function<void(const IDatabase& src, const IDatabase& dest, const NameList& tables,
                      QWidget* parent)>
       show_schedule;
-  std::function<void(const std::string& address)> open_address;
+  /// Shows the tasks that are scheduled already.
+  std::function<void(QWidget* parent)> show_tasks;
+  /// Ends the process at once, whatever its threads are waiting for. Does not return.
+  std::function<void()> end_process;
 };
 
 /// The wizard window: step list, title line, seven pages of which one is shown, and the navigation
@@ -99,6 +102,9 @@ class frmWizard : public QWidget {
   void ChooseDirection(ServerKind source);
   void Transfer();
   void Cancel();
+  /// Ends the program when the servers have answered. Asked once more, or after some seconds, it
+  /// does not wait for them any longer.
+  void Leave();
   void Finish();
   void ShowHelp();
 
@@ -110,6 +116,8 @@ class frmWizard : public QWidget {
   std::int16_t mnCurStep_ = page::kDirection;
   std::int16_t currentScreen_ = 0;
   bool blnFinishAllowed_ = false;
+  bool tables_loaded_ = false;  // of the source database that is chosen
+  QTimer leaving_;              // runs while the servers are waited for
 
   std::array<QLabel*, kStepCount> step_labels_{};
   std::array<theme::StepMarker*, kStepCount> step_markers_{};

@@ -40,13 +40,17 @@ bool frmWizard::EnterDestination(std::int16_t page) {
   const ConnectionPage& source = Page(SourcePage(session_.Direction()));
   ConnectionPage& destination = Page(page);
   if (!source.IsConnected()) return Refuse(kConnectFirst, message_style::kPlain);
+  source.ApplyToEndpoint();
   destination.ProposeNewName(source.ChosenDatabase());
   destination.Preset();
-  return LoadTableLists(source);
+  const bool is_going_back = mnCurStep_ == page::kTables;
+  // Whoever goes back can mend the connection, whatever has become of it.
+  return LoadTableLists(source) || is_going_back;
 }
 
 bool frmWizard::LoadTableLists(const ConnectionPage& source) {
   tables_page_->ClearLists();
+  tables_loaded_ = false;
   session_.src->SetDbName(source.ChosenDatabase());
   session_.src->SetServer(source.Host());
   std::optional<NameList> tables;
@@ -57,6 +61,7 @@ bool frmWizard::LoadTableLists(const ConnectionPage& source) {
   }
   if (!tables) return false;  // the endpoint has said why
   tables_page_->SetAvailable(std::move(*tables));
+  tables_loaded_ = true;
   return true;
 }
 
@@ -68,6 +73,7 @@ bool frmWizard::EnterTables() {
     return Refuse(destination.CreatesDatabase() ? not_ready.create_first : kConnectFirst,
                   not_ready.style);
   }
+  destination.ApplyToEndpoint();
   if (destination.WantsNewDatabase()) {
     const std::string name = destination.NewName();
     if (name.empty()) return Refuse(not_ready.name_first, not_ready.style);
@@ -75,6 +81,7 @@ bool frmWizard::EnterTables() {
   } else {
     session_.dest->SetDbName(destination.ChosenDatabase());
   }
+  if (!tables_loaded_ && !LoadTableLists(Page(SourcePage(session_.Direction())))) return false;
   blnFinishAllowed_ = false;
   return true;
 }

@@ -15,9 +15,8 @@ namespace {
 constexpr QSize kWindowSize(840, 580);
 constexpr QSize kLogoSize(120, 56);
 constexpr QSize kHelpSize(28, 28);
-constexpr int kSidebarWidth = 200;
+constexpr int kSidebarWidth = 200;  // at least
 constexpr int kNavButtonWidth = 96;
-constexpr const char* kHomePage = "https://dorvane.example/";
 
 QString Indexed(const char* name, std::size_t index) {
   return QString::fromLatin1(name) + QString::number(index);
@@ -26,7 +25,11 @@ QString Indexed(const char* name, std::size_t index) {
 /// The dark panel behind the step list.
 class Sidebar : public QWidget {
  public:
-  explicit Sidebar(QWidget* parent) : QWidget(parent) { setFixedWidth(kSidebarWidth); }
+  explicit Sidebar(QWidget* parent) : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+  }
+
+  QSize sizeHint() const override { return QWidget::sizeHint().expandedTo({kSidebarWidth, 0}); }
 
  protected:
   void paintEvent(QPaintEvent*) override {
@@ -83,9 +86,10 @@ QWidget& frmWizard::BuildSidebar() {
   logo.SetPicture(theme::LogoPicture());
   logo.setFixedSize(kLogoSize);
   logo.setCursor(Qt::PointingHandCursor);
-  logo.setToolTip(kHomePage);
-  logo.setAccessibleName("Dorvane");
-  connect(&logo, &PictureBox::Clicked, this, [this] { services_.open_address(kHomePage); });
+  logo.setToolTip("Help");
+  logo.setAccessibleName("Dorvane, help");
+  logo.SetAction();
+  connect(&logo, &PictureBox::Clicked, this, [this] { services_.show_help(0); });
   layout.addWidget(&logo, 0, 0, 1, 2);
   layout.setRowMinimumHeight(1, 12);
 
@@ -142,6 +146,8 @@ QWidget& frmWizard::BuildPages() {
   connect(transfer_page_, &TransferPage::ScheduleRequested, this, [this] {
     services_.show_schedule(*session_.src, *session_.dest, session_.tables, this);
   });
+  connect(transfer_page_, &TransferPage::TasksRequested, this,
+          [this] { services_.show_tasks(this); });
   return *pages_;
 }
 
@@ -153,12 +159,14 @@ void frmWizard::AddHelpPicture(PictureBox& bar, QHBoxLayout& layout) {
   imgHelp_->SetPicture(images.Picture(1));
   imgHelp_->setToolTip("F1");
   imgHelp_->setAccessibleName("Help");
+  imgHelp_->SetAction();
   layout.addWidget(imgHelp_);
   connect(imgHelp_, &PictureBox::Clicked, this, &frmWizard::ShowHelp);
   connect(imgHelp_, &PictureBox::MouseMoved, this,
           [this, &images] { imgHelp_->SetPicture(images.Picture(2)); });
-  connect(&bar, &PictureBox::MouseMoved, this,
-          [this, &images] { imgHelp_->SetPicture(images.Picture(1)); });
+  const auto rest = [this, &images] { imgHelp_->SetPicture(images.Picture(1)); };
+  connect(&bar, &PictureBox::MouseMoved, this, rest);
+  connect(imgHelp_, &PictureBox::MouseLeft, this, rest);
 }
 
 QWidget& frmWizard::BuildNavigationBar() {
@@ -190,7 +198,7 @@ QWidget& frmWizard::BuildNavigationBar() {
     const QString name = Indexed("cmdNav", index);
     GradientButton& button =
         theme::AddButton(name.toLatin1().constData(), bar, entry.caption, entry.access_key);
-    button.setMinimumWidth(kNavButtonWidth);
+    theme::Widen(button, kNavButtonWidth);
     layout.addWidget(&button);
     connect(&button, &QAbstractButton::clicked, this,
             [this, action = entry.action] { action(*this); });

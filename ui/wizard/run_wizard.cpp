@@ -1,9 +1,8 @@
 #include "ui/wizard/run_wizard.h"
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QIcon>
-#include <QUrl>
+#include <cstdlib>
 #include <memory>
 
 #include "job/endpoints.h"
@@ -12,20 +11,28 @@
 #include "ui/dialogs/message_box.h"
 #include "ui/help/html_help_viewer.h"
 #include "ui/schedule/frm_schedule.h"
+#include "ui/schedule/task_list_dialog.h"
 #include "ui/wizard/frm_wizard.h"
 
 namespace dorvane {
 namespace {
 
+Messages DialogMessages() {
+  return {.show = ShowMessage, .ask = [](std::string_view question) {
+            return AskYesNo(question, message_style::kQuestion, "") == kAnswerYes;
+          }};
+}
+
 void ShowSchedule(const IDatabase& src, const IDatabase& dest, const NameList& tables,
                   QWidget* parent) {
-  const auto ask = [](std::string_view question) {
-    return AskYesNo(question, message_style::kQuestion, "") == kAnswerYes;
-  };
   const ScheduleServices services{.program_folder = ProgramFolder(),
                                   .settings_folder = SettingsFolder(),
-                                  .messages = {.show = ShowMessage, .ask = ask}};
+                                  .messages = DialogMessages()};
   frmSchedule(src, dest, tables, services, parent).exec();
+}
+
+void ShowTasks(QWidget* parent) {
+  TaskListDialog(scheduler::MakeTaskScheduler(), DialogMessages(), parent).exec();
 }
 
 /// The application on its display. Qt ends the program where there is none, with a core dump; this
@@ -69,10 +76,8 @@ int RunWizard(int argc, char** argv, NoDisplay no_display) {
       .settings_folder = SettingsFolder(),
       .show_help = [&help](std::int32_t context) { help.ShowContext(context); },
       .show_schedule = ShowSchedule,
-      .open_address =
-          [](const std::string& address) {
-            QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
-          },
+      .show_tasks = ShowTasks,
+      .end_process = [] { std::_Exit(0); },
   });
   QObject::connect(&wizard, &frmWizard::Closed, [] { QCoreApplication::exit(0); });
   wizard.show();

@@ -41,6 +41,7 @@ NameListView& AddList(const char* name, const char* caption, QWidget& parent, QG
   auto& label = MakeChild<QLabel>(parent, caption);
   auto& list = MakeNamed<NameListView>(name, parent);
   label.setBuddy(&list);
+  list.setAccessibleName(QString(caption).remove('&').remove(':'));
   grid.addWidget(&label, 0, column);
   grid.addWidget(&list, 1, column);
   return list;
@@ -92,13 +93,13 @@ void TablesPage::AddLists() {
   constexpr MoveButton kMoveButtons[] = {
       {"cmdSLR", ">", "Select the table", MoveToSelected},
       {"cmdMLR", ">>", "Select all tables", MoveAllToSelected},
-      {"cmdSRL", "<", "Take the table back", MoveBack},
-      {"cmdMRL", "<<", "Take the table back", MoveBack},
+      {"cmdSRL", "<", "Take the table back (<)", MoveBack},
+      {"cmdMRL", "<<", "Take the table back (<<)", MoveBack},
   };
   buttons.addStretch();
   for (const MoveButton& entry : kMoveButtons) {
     GradientButton& button = theme::AddButton(entry.name, area, entry.caption, '\0');
-    button.setFixedWidth(kMoveButtonWidth);
+    theme::Widen(button, kMoveButtonWidth);
     button.setAccessibleName(entry.spoken);
     buttons.addWidget(&button);
     connect(&button, &QAbstractButton::clicked, this,
@@ -128,6 +129,7 @@ void TablesPage::AddOptions() {
   chkReplaceSpaceWithUnderscore_ =
       add("chkReplaceSpaceWithUnderscore", "Convert names spaces to &underscore");
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
+  chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
   AddTablesAtOnce(card, layout);
 }
 
@@ -161,6 +163,7 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   src.SetConvertRelationships(chkConvertRelationShips_->isChecked());
   ConversionOptions options = src.Options();
   options.tables_at_once = spnTablesAtOnce_->value();
+  options.types = chkExactTypes_->isChecked() ? TypeMapping::Exact : TypeMapping::Classic;
   src.SetOptions(options);
 }
 

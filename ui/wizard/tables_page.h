@@ -54,6 +54,7 @@ class TablesPage : public WizardPage {
   QCheckBox* chkReplaceSpaceWithUnderscore_;
   QCheckBox* chkConvertRelationShips_;
   QSpinBox* spnTablesAtOnce_;
+  QCheckBox* chkExactTypes_;
 };
 
 }  // namespace dorvane

@@ -1,7 +1,10 @@
 #include "ui/wizard/theme.h"
 
+#include <QAbstractItemView>
+#include <QComboBox>
 #include <QPainter>
 #include <QPainterPath>
+#include <algorithm>
 
 #include "ui/controls/soft_button.h"
 
@@ -64,9 +67,19 @@ QPalette PagePalette() {
   // focus.
   set(QPalette::Highlight, qRgb(255, 190, 70), qRgb(190, 196, 208));
   set(QPalette::HighlightedText, kTextColor, disabled_text);
+  set(QPalette::PlaceholderText, qRgb(96, 102, 116), disabled_text);
   set(QPalette::ToolTipBase, qRgb(255, 252, 230), qRgb(255, 252, 230));
   set(QPalette::ToolTipText, kTextColor, kTextColor);
   return palette;
+}
+
+void StyleDropDown(QComboBox& list) {
+  // The open list is a window of its own and takes no colours from the page.
+  QPalette palette = PagePalette();
+  palette.setColor(QPalette::Window, QColor(kFieldBackground));
+  palette.setColor(QPalette::WindowText, QColor(kTextColor));
+  list.view()->setPalette(palette);
+  list.view()->setTextElideMode(Qt::ElideMiddle);
 }
 
 void SetColor(QWidget& widget, QPalette::ColorRole role, QRgb color) {
@@ -90,6 +103,10 @@ QFont CaptionFont(const QFont& base) {
 
 GradientButton& AddButton(const char* name, QWidget& parent, const char* caption, char access_key) {
   return AddSoftButton(name, parent, caption, access_key, kButtonColors);
+}
+
+void Widen(GradientButton& button, int width) {
+  button.setMinimumWidth(std::max(width, button.sizeHint().width()));
 }
 
 QPixmap HelpPicture(bool highlighted) {

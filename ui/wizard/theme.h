@@ -10,13 +10,15 @@
 
 #include "ui/controls/gradient_button.h"
 
+class QComboBox;
+
 namespace dorvane::theme {
 
 /// The colours of the wizard.
 inline constexpr QRgb kPageBackground = qRgb(71, 102, 171);
 // Dark behind the step list, so that its grey words can be read.
-inline constexpr QRgb kSidebarTop = qRgb(13, 19, 40);
-inline constexpr QRgb kSidebarBottom = qRgb(33, 47, 88);
+inline constexpr QRgb kSidebarTop = qRgb(9, 13, 28);
+inline constexpr QRgb kSidebarBottom = qRgb(15, 22, 44);
 inline constexpr QRgb kTitleBackground = qRgb(244, 246, 250);
 inline constexpr QRgb kNavBackground = qRgb(222, 227, 238);
 inline constexpr QRgb kTextColor = qRgb(24, 34, 62);
@@ -33,6 +35,9 @@ inline constexpr int kGap = 10;
 
 /// White words and light fields on the blue background of a page.
 QPalette PagePalette();
+/// Gives a drop-down list the light ground of a field when it is open, and long entries dots in
+/// their middle.
+void StyleDropDown(QComboBox& list);
 /// Sets one colour of a widget for all its states.
 void SetColor(QWidget& widget, QPalette::ColorRole role, QRgb color);
 
@@ -42,6 +47,9 @@ QFont CaptionFont(const QFont& base);
 
 /// A button of the wizard, clicked with Alt and `access_key` as well ('\0' for none).
 GradientButton& AddButton(const char* name, QWidget& parent, const char* caption, char access_key);
+
+/// At least `width` pixels wide, more where its caption needs them.
+void Widen(GradientButton& button, int width);
 
 /// Pictures drawn for the window, sharp up to a scale factor of 3.
 QPixmap HelpPicture(bool highlighted);

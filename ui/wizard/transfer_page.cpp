@@ -42,13 +42,16 @@ void TransferPage::AddButtons() {
   cmdTransferTables_ = &theme::AddButton("cmdTransferTables", *this, "Transfer Tables Now", 'T');
   cmdSchedule_ = &theme::AddButton("cmdSchedule", *this, "Schedule Conversion", 'S');
   cmdSchedule_->SetEnabled(false);
+  auto& cmdTasks = theme::AddButton("cmdTasks", *this, "Scheduled tasks", 'K');
   auto& row = MakeLayout<QHBoxLayout>(Content());
   row.setSpacing(theme::kGap);
   row.addWidget(cmdTransferTables_);
   row.addWidget(cmdSchedule_);
   row.addStretch();
+  row.addWidget(&cmdTasks);
   connect(cmdTransferTables_, &QAbstractButton::clicked, this, &TransferPage::TransferRequested);
   connect(cmdSchedule_, &QAbstractButton::clicked, this, &TransferPage::ScheduleRequested);
+  connect(&cmdTasks, &QAbstractButton::clicked, this, &TransferPage::TasksRequested);
 }
 
 void TransferPage::AddProgress() {
@@ -62,7 +65,7 @@ void TransferPage::AddProgress() {
   grid.addWidget(lblStatus_, 0, 0, 1, 2);
   pbTablesProgress_ = &AddBar("pbTablesProgress", "Overall Progress", card, grid, 1);
   pbRecordsProgress_ = &AddBar("pbRecordsProgress", "Table Progress", card, grid, 2);
-  lblRowsProgress_ = &MakeNamed<QLabel>("lblRowsProgress", card);
+  lblRowsProgress_ = &MakeNamed<WrappedLabel>("lblRowsProgress", card);
   grid.addWidget(lblRowsProgress_, 3, 1);
   grid.setColumnStretch(1, 1);
 }
@@ -81,6 +84,7 @@ void TransferPage::AddLists() {
     // is time.
     list.setLayoutMode(QListView::Batched);
     label.setBuddy(&list);
+    list.setAccessibleName(QString(caption).remove('&').trimmed());
     grid.addWidget(&label, row, column, 1, columns);
     grid.addWidget(&list, row + 1, column, 1, columns);
     return std::pair(&label, &list);

@@ -34,6 +34,7 @@ class TransferPage : public WizardPage {
  signals:
   void TransferRequested();
   void ScheduleRequested();
+  void TasksRequested();
 
  private:
   void AddProgress();
@@ -43,7 +44,7 @@ class TransferPage : public WizardPage {
   WrappedLabel* lblStatus_;
   QProgressBar* pbTablesProgress_;
   QProgressBar* pbRecordsProgress_;
-  QLabel* lblRowsProgress_;
+  WrappedLabel* lblRowsProgress_;
   NameListView* lstSelectedTables_;
   NameListView* lstConvertedTables_;
   QLabel* lblNotes_;

@@ -8,6 +8,16 @@
 #include "job/progress_text.h"
 
 namespace dorvane {
+namespace {
+
+// A rate from longer ago would say that rows are arriving.
+constexpr std::chrono::seconds kSilence(3);
+
+constexpr const char* kFinishing = "The block in hand is finished first.";
+constexpr const char* kLeaving =
+    "The program ends within 5 seconds. Close the window once more to end it at once.";
+
+}  // namespace
 
 TransferProgress::TransferProgress(std::function<Clock::time_point()> now) : now_(std::move(now)) {}
 
@@ -15,6 +25,7 @@ void TransferProgress::ConversionStarted(std::int16_t tables, bool relations_inc
   tables_ = {0, relations_included ? 2 * tables : tables};
   records_.value = 0;
   started_ = now_();
+  stopping_ = nullptr;
   copies_rows_ = is_side_by_side_ = false;
   all_tables_ = all_rows_ = 0;
   summary_.clear();
@@ -33,7 +44,7 @@ void TransferProgress::TableContentTransferStarted(std::int32_t records) {
   records_ = records > 0 ? Bar{0, records} : Bar{1, 1};
   rows_expected_ = records;
   rows_done_ = 0;
-  rows_started_ = now_();
+  rows_started_ = last_row_ = now_();
   copies_rows_ = true;
 }
 
@@ -41,6 +52,7 @@ void TransferProgress::RecordsConverted(std::int64_t count) {
   all_rows_ += count;
   if (is_side_by_side_) return;
   rows_done_ += count;
+  last_row_ = now_();
   const std::int64_t value = records_.value + count;
   records_.value = static_cast<std::int32_t>(std::min<std::int64_t>(value, records_.maximum));
 }
@@ -52,6 +64,7 @@ void TransferProgress::ShowTablesInHand(const TablesInHand& tables) {
     names += fmt::format("{}'{}'", names.empty() ? "" : ", ", name);
   }
   status_ = fmt::format("Converting tables {} .....", names);
+  if (!copies_rows_ || tables.rows != rows_done_) last_row_ = now_();
   rows_done_ = tables.rows;
   rows_expected_ = tables.announced;
   copies_rows_ = tables.announced > 0;
@@ -78,6 +91,7 @@ void TransferProgress::TableRelationsConversionStarted(std::string_view table) {
 
 void TransferProgress::ConversionEnded() {
   ended_ = now_();
+  stopping_ = nullptr;
   copies_rows_ = false;
   summary_ = SummaryText(all_tables_, all_rows_, ended_ - started_);
   status_ = "Done...";
@@ -87,12 +101,23 @@ void TransferProgress::SummaryShown() {
   status_ = "Conversion Completed.";
 }
 
-void TransferProgress::Stopping() {
+void TransferProgress::Stopping(bool leaving) {
   status_ = "Stopping.......";
+  stopping_ = leaving ? kLeaving : kFinishing;
+}
+
+bool TransferProgress::IsSilent() const {
+  return copies_rows_ && now_() - last_row_ >= kSilence;
 }
 
 std::string TransferProgress::RowsText() const {
+  if (stopping_) return stopping_;
   if (!copies_rows_) return summary_;
+  if (IsSilent()) {
+    const auto silence = std::chrono::duration_cast<std::chrono::seconds>(now_() - last_row_);
+    return fmt::format("{}, nothing has arrived for {}",
+                       ProgressText(rows_done_, rows_expected_, {}), ElapsedText(silence));
+  }
   return ProgressText(rows_done_, rows_expected_, now_() - rows_started_);
 }
 

@@ -39,13 +39,17 @@ class TransferProgress {
   void ConversionEnded();
   /// The user has seen the summary.
   void SummaryShown();
-  void Stopping();
+  /// The block in hand is finished first; `leaving`: then the program ends.
+  void Stopping(bool leaving);
+  /// Rows are being copied, but none has arrived for some seconds.
+  bool IsSilent() const;
 
   const std::string& Status() const { return status_; }
   const Bar& Tables() const { return tables_; }
   const Bar& Records() const { return records_; }
-  /// Rows done of rows in all, rows per second and time left; empty while no rows are copied. At
-  /// the end tables, rows and time of the conversion.
+  /// Rows done of rows in all, rows per second and time left, or since when nothing arrives; what
+  /// follows while the run is being stopped; empty while no rows are copied. At the end tables,
+  /// rows and time of the conversion.
   std::string RowsText() const;
   /// The four lines shown at the end.
   std::string Summary(std::size_t converted, std::size_t failed) const;
@@ -58,6 +62,7 @@ class TransferProgress {
   Clock::time_point started_;
   Clock::time_point ended_;
   Clock::time_point rows_started_;
+  Clock::time_point last_row_;
   std::int64_t rows_done_ = 0;
   std::int64_t rows_expected_ = 0;
   bool copies_rows_ = false;
@@ -65,6 +70,7 @@ class TransferProgress {
   std::int64_t all_tables_ = 0;  // that were converted
   std::int64_t all_rows_ = 0;    // that were handled
   std::string summary_;
+  const char* stopping_ = nullptr;  // what is told then
 };
 
 /// "hh:mm:ss", hours modulo 24.

@@ -14,7 +14,10 @@ constexpr std::chrono::milliseconds kRowInterval(30);
 
 WizardRun::WizardRun() {
   row_timer_.setInterval(kRowInterval);
-  connect(&row_timer_, &QTimer::timeout, this, &WizardRun::FlushRowCount);
+  connect(&row_timer_, &QTimer::timeout, this, [this] {
+    FlushRowCount();
+    if (progress_.IsSilent()) emit ProgressChanged();
+  });
 }
 
 void WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables) {
@@ -30,9 +33,10 @@ void WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables
   transferring_ = false;
 }
 
-void WizardRun::Stop() {
+void WizardRun::Stop(bool leave) {
   stopping_ = true;
-  progress_.Stopping();
+  leaving_ = leaving_ || leave;
+  progress_.Stopping(leaving_);
   emit ProgressChanged();
 }
 
@@ -117,8 +121,7 @@ void WizardRun::TableRelationsConversionStarted(std::string_view table_name) {
 
 void WizardRun::ConversionEnded() {
   RunInGuiThread([&] {
-    // Who closes the window has no use for a summary.
-    if (stopping_) return;
+    if (leaving_) return;
     progress_.ConversionEnded();
     emit ProgressChanged();
     const TableCounts counts = table_counts_ ? table_counts_() : TableCounts();

@@ -26,8 +26,8 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Runs the conversion and returns when it has ended; the window stays alive meanwhile.
   void Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
   bool IsTransferring() const { return transferring_; }
-  /// Asks a running conversion to end soon.
-  void Stop();
+  /// Asks a running conversion to end soon. Who leaves sees no summary.
+  void Stop(bool leave);
 
   /// Gives the number of entries of the page's two lists, for the summary.
   struct TableCounts {
@@ -82,6 +82,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   std::atomic<std::int64_t> new_rows_ = 0;
   std::atomic<bool> stopping_ = false;
   bool transferring_ = false;
+  bool leaving_ = false;
   bool table_failed_ = false;  // something of the table in hand was reported
 };
 

@@ -157,6 +157,7 @@ std::vector<Column> ReadColumns(const ServerLink& link, const std::string& datab
     Column& column = columns.emplace_back();
     static_cast<FieldInfo&>(column) =
         Translate(row.at(0).value_or(""), declaration, row.at(6).has_value());
+    column.server_type = row.at(2).value_or("");
     if (row.at(7) == "YES") column.attributes |= kColumnNullable;
     if (row.at(8)) {
       column.default_value =

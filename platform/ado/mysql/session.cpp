@@ -109,16 +109,16 @@ std::vector<TableInfo> ClientSession::Tables() {
   return Watch([&] { return ReadTables(link_, {}); });
 }
 
-std::vector<Column> ClientSession::Columns(const std::string& table) {
-  return Watch([&] { return ReadColumns(link_, {}, table); });
+std::vector<Column> ClientSession::Columns(const TableName& table) {
+  return Watch([&] { return ReadColumns(link_, table.schema, table.name); });
 }
 
-std::vector<Index> ClientSession::Indexes(const std::string& table) {
-  return Watch([&] { return ReadIndexes(link_, {}, table); });
+std::vector<Index> ClientSession::Indexes(const TableName& table) {
+  return Watch([&] { return ReadIndexes(link_, table.schema, table.name); });
 }
 
-std::vector<Key> ClientSession::Keys(const std::string& table) {
-  return Watch([&] { return ReadKeys(link_, {}, table); });
+std::vector<Key> ClientSession::Keys(const TableName& table) {
+  return Watch([&] { return ReadKeys(link_, table.schema, table.name); });
 }
 
 std::unique_ptr<Session> ClientProvider::Connect(const ConnectionSettings& settings) {

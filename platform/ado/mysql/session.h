@@ -31,9 +31,9 @@ class ClientSession final : public Session {
   void Commit() override;
   void Rollback() override;
   std::vector<TableInfo> Tables() override;
-  std::vector<Column> Columns(const std::string& table) override;
-  std::vector<Index> Indexes(const std::string& table) override;
-  std::vector<Key> Keys(const std::string& table) override;
+  std::vector<Column> Columns(const TableName& table) override;
+  std::vector<Index> Indexes(const TableName& table) override;
+  std::vector<Key> Keys(const TableName& table) override;
 
   /// The session's client. Where rows were left unread it logs on again first, since the rest of a
   /// result can only be read or given up with its connection. Throws ProviderError; inside a

@@ -25,8 +25,25 @@ constexpr std::size_t kPrefixSize = sizeof(std::int32_t);
 constexpr std::int32_t kNullPrefix = -1;
 constexpr std::int32_t kTicksPerSecond = 300;
 constexpr int kWindows1252 = 1252;
+constexpr std::string_view kEarliestYear = "1753";
 // Of a number's text, zeros that do not count among its digits.
 constexpr std::size_t kLongestNumber = 128;
+
+// How the texts of dates and times look.
+struct MomentForm {
+  std::string_view type;
+  std::string_view form;
+};
+constexpr auto kMomentForms = std::to_array<MomentForm>({
+    {"date", "0000-00-00"},
+    {"time", "00:00:00"},
+    {"datetime2", "0000-00-00 00:00:00"},
+});
+
+std::string_view MomentFormOf(std::string_view type) {
+  const auto* found = std::ranges::find(kMomentForms, type, &MomentForm::type);
+  return found != kMomentForms.end() ? found->form : std::string_view();
+}
 
 struct LoadedType {
   std::string_view name;  // the server's
@@ -45,8 +62,12 @@ constexpr auto kLoadedTypes = std::to_array<LoadedType>({
     {"decimal", CellType::Numeric},
     {"numeric", CellType::Numeric},
     {"datetime", CellType::DateTime},
+    {"date", CellType::Moment},
+    {"time", CellType::Moment},
+    {"datetime2", CellType::Moment},
     {"varchar", CellType::Characters},
     {"text", CellType::Characters},
+    {"nchar", CellType::Characters, true, true},
     {"nvarchar", CellType::Characters, true},
     {"ntext", CellType::Characters, true},
     {"binary", CellType::Bytes, false, true},
@@ -110,6 +131,23 @@ bool IsLoadedMoment(const DateTime& value) {
          value.seconds < 24 * 60 * 60;
 }
 
+/// Whether the text has the digits of the form where that has zeros, and behind them no more digits
+/// of a second than `scale`.
+bool IsMomentText(std::string_view text, std::string_view form, int scale) {
+  if (form.empty() || text.size() < form.size()) return false;
+  for (std::size_t i = 0; i < form.size(); ++i) {
+    if (form[i] == '0' ? !text::IsDigit(text[i]) : text[i] != form[i]) return false;
+  }
+  // FreeTDS makes other years of earlier ones.
+  if (form.starts_with("0000-") && text < kEarliestYear) return false;
+  std::string_view fraction = text.substr(form.size());
+  if (fraction.empty()) return true;
+  if (fraction.front() != '.') return false;
+  fraction.remove_prefix(1);
+  return fraction.size() <= static_cast<std::size_t>(scale) &&
+         std::ranges::all_of(fraction, text::IsDigit);
+}
+
 std::chrono::sys_days DayOf(const DateTime& value) {
   return std::chrono::year_month_day(std::chrono::year(value.year), std::chrono::month(value.month),
                                      std::chrono::day(value.day));
@@ -145,6 +183,7 @@ BulkColumn::BulkColumn(const BulkColumnFacts& facts, CellType type, bool is_wide
       scale_(facts.scale),
       is_wide_(is_wide),
       is_padded_(is_padded),
+      moment_form_(MomentFormOf(facts.type)),
       is_windows_1252_(facts.code_page == kWindows1252),
       cell_(kPrefixSize + std::max(most_bytes_ * kUtf8Expansion, kLongestNumber)) {}
 
@@ -166,6 +205,10 @@ bool BulkColumn::Takes(const Value& value) const {
     case CellType::DateTime: {
       const auto* moment = std::get_if<DateTime>(&value);
       return moment != nullptr && IsLoadedMoment(*moment);
+    }
+    case CellType::Moment: {
+      const auto* text = std::get_if<std::string_view>(&value);
+      return text != nullptr && IsMomentText(*text, moment_form_, scale_);
     }
     case CellType::Characters: {
       const auto* text = std::get_if<std::string_view>(&value);
@@ -224,6 +267,7 @@ void BulkColumn::Put(const Value& value) {
       return PutFixed(
           std::array{static_cast<std::int32_t>(days.count()), moment.seconds * kTicksPerSecond});
     }
+    case CellType::Moment:
     case CellType::Characters:
     case CellType::Bytes:
       return PutBytes(BytesOf(value));
@@ -244,12 +288,21 @@ void BulkColumn::PutFixed(const T& value) {
   PutBytes({reinterpret_cast<const char*>(&value), sizeof value});
 }
 
+std::size_t BulkColumn::PaddingOf(std::string_view bytes) const {
+  if (!is_padded_) return 0;
+  if (type_ == CellType::Bytes) return most_bytes_ - bytes.size();
+  // None of its characters is longer than a unit on the server.
+  const auto characters =
+      std::ranges::count_if(bytes, [](char byte) { return (byte & 0xC0) != 0x80; });
+  return most_bytes_ / sizeof(char16_t) - static_cast<std::size_t>(characters);
+}
+
 void BulkColumn::PutBytes(std::string_view bytes) {
-  const std::size_t size = is_padded_ ? most_bytes_ : bytes.size();
-  const auto prefix = static_cast<std::int32_t>(size);
+  const std::size_t padding = PaddingOf(bytes);
+  const auto prefix = static_cast<std::int32_t>(bytes.size() + padding);
   std::memcpy(cell_.data(), &prefix, kPrefixSize);
   char* const end = std::ranges::copy(bytes, cell_.data() + kPrefixSize).out;
-  std::fill(end, cell_.data() + kPrefixSize + size, '\0');
+  std::fill_n(end, padding, type_ == CellType::Bytes ? '\0' : ' ');
 }
 
 }  // namespace dorvane::ado::odbc

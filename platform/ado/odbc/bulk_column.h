@@ -46,6 +46,8 @@ class BulkColumn {
 
   bool TakesInteger(const Value& value) const;
   bool TakesText(std::string_view text) const;
+  /// What a value of a column of fixed size lacks of it, in bytes of the cell.
+  std::size_t PaddingOf(std::string_view bytes) const;
   void PutBytes(std::string_view bytes);
   template <typename T>
   void PutFixed(const T& value);
@@ -56,8 +58,9 @@ class BulkColumn {
   std::size_t most_bytes_;  // of a value on the server
   int precision_;
   int scale_;
-  bool is_wide_;          // UTF-16 on the server
-  bool is_padded_;        // every value has the greatest size
+  bool is_wide_;    // UTF-16 on the server
+  bool is_padded_;  // every value has the greatest size
+  std::string_view moment_form_;
   bool is_windows_1252_;  // of text that is not wide
   std::vector<char> cell_;
 };

@@ -88,6 +88,7 @@ class FreeTdsBulk final : public BulkFunctions {
       case CellType::Bytes:
         return 45;
       case CellType::Numeric:  // its own structure loses digits on the way
+      case CellType::Moment:
       case CellType::Characters:
         return kText;
     }

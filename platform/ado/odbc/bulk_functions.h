@@ -18,6 +18,7 @@ enum class CellType {
   Float,
   Numeric,     // decimal text
   DateTime,    // days since 1900-01-01 and 300ths of a second, 32 bits each
+  Moment,      // a date, a time or both as text, "yyyy-mm-dd hh:mm:ss.ffffff"
   Characters,  // UTF-8
   Bytes,
 };

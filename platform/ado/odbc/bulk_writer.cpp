@@ -16,16 +16,13 @@ namespace {
 
 std::vector<BulkColumnFacts> ReadFacts(const std::shared_ptr<Logon>& logon,
                                        std::string_view table) {
-  std::u16string question = ToUtf16(
+  const auto rows = ReadCatalog(
+      logon,
       fmt::format("select name, type_name(system_type_id) as type_name, column_id, max_length, "
                   "\"precision\" as digits, scale, is_nullable, is_identity, is_computed, "
                   "convert(int, collationproperty(collation_name, 'CodePage')) as code_page "
                   "from sys.columns where object_id = object_id('{}') order by column_id",
                   text::Doubled(table, '\'')));
-  const auto rows = ReadCatalog(logon, [&](SQLHANDLE statement) {
-    return SQLExecDirectW(statement, reinterpret_cast<SQLWCHAR*>(question.data()),
-                          static_cast<SQLINTEGER>(question.size()));
-  });
   std::vector<BulkColumnFacts> facts;
   for (const CatalogRow& row : rows) {
     facts.push_back({.name = row.Text("name"),

@@ -1,21 +1,32 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <vector>
+#include <variant>
 
-#include "platform/ado/catalog_types.h"
-#include "platform/ado/odbc/logon.h"
+#include "platform/ado/odbc/driver_catalog.h"
+#include "platform/ado/odbc/system_views.h"
 
 namespace dorvane::ado::odbc {
 
-// The catalog of the selected database, from ODBC's catalog functions. Names are exact. Where
-// tables of several schemas share a name, dbo's is the one meant, else the first. All throw
-// ProviderError.
+/// A session's catalog: SQL Server's own views where the server has them, else the driver's
+/// functions. Which, is asked when the catalog is first needed. All throw ProviderError.
+class CatalogReader {
+ public:
+  explicit CatalogReader(std::shared_ptr<Logon> logon) : logon_(std::move(logon)) {}
 
-std::vector<TableInfo> ReadTables(const std::shared_ptr<Logon>& logon);
-std::vector<Column> ReadColumns(const std::shared_ptr<Logon>& logon, const std::string& table);
-std::vector<Index> ReadIndexes(const std::shared_ptr<Logon>& logon, const std::string& table);
-std::vector<Key> ReadKeys(const std::shared_ptr<Logon>& logon, const std::string& table);
+  std::vector<TableInfo> Tables();
+  std::vector<Column> Columns(const TableName& table);
+  std::vector<Index> Indexes(const TableName& table);
+  std::vector<Key> Keys(const TableName& table);
+  /// Empty without the views.
+  std::map<TableName, TableDetails> AllTables();
+
+ private:
+  using Catalog = std::variant<SystemViews, DriverCatalog>;
+  const Catalog& Opened();
+
+  std::shared_ptr<Logon> logon_;
+  std::optional<Catalog> catalog_;
+};
 
 }  // namespace dorvane::ado::odbc

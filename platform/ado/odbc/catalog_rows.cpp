@@ -1,20 +1,21 @@
 #include "platform/ado/odbc/catalog_rows.h"
 
 #include <fmt/format.h>
+#include <sqlext.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <set>
 #include <utility>
 
 #include "platform/ado/odbc/result_reader.h"
 #include "platform/ado/odbc/utf16.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::ado::odbc {
 
 namespace {
-
-constexpr std::string_view kDefaultSchema = "dbo";
 
 /// Catalog rows hold text and small numbers only.
 std::optional<std::string> AsText(const Value& value) {
@@ -64,12 +65,27 @@ std::optional<int> CatalogRow::OptionalNumber(const std::string& name) const {
   return number;
 }
 
-std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const CatalogCall& call) {
-  OdbcResultReader reader = logon->Watch([&] {
+namespace {
+
+OdbcResultReader Open(const std::shared_ptr<Logon>& logon, const CatalogCall& call) {
+  return logon->Watch([&] {
     Statement statement = logon->NewStatement();
     const SQLRETURN executed = call(statement.Get());
     return OdbcResultReader(logon, std::move(statement), executed);
   });
+}
+
+CatalogCall CallOf(std::string_view sql) {
+  return [text = ToUtf16(sql)](SQLHANDLE statement) mutable {
+    return SQLExecDirectW(statement, reinterpret_cast<SQLWCHAR*>(text.data()),
+                          static_cast<SQLINTEGER>(text.size()));
+  };
+}
+
+}  // namespace
+
+std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const CatalogCall& call) {
+  OdbcResultReader reader = Open(logon, call);
   std::vector<std::string> names;
   for (const FieldInfo& field : reader.Fields()) names.push_back(Odbc3Name(field.name));
   std::vector<CatalogRow> rows;
@@ -86,16 +102,45 @@ std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const C
   return rows;
 }
 
-std::vector<CatalogRow> RowsOfTable(std::vector<CatalogRow> rows, const std::string& name_column,
-                                    const std::string& schema_column, const std::string& table) {
-  std::erase_if(rows, [&](const auto& row) { return row.Text(name_column) != table; });
-  if (rows.empty()) return rows;
-  const bool has_default = std::any_of(rows.begin(), rows.end(), [&](const auto& row) {
-    return row.Text(schema_column) == kDefaultSchema;
-  });
-  const std::string schema =
-      has_default ? std::string(kDefaultSchema) : rows.front().Text(schema_column);
-  std::erase_if(rows, [&](const auto& row) { return row.Text(schema_column) != schema; });
+std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, std::string_view sql) {
+  return ReadCatalog(logon, CallOf(sql));
+}
+
+std::optional<std::string> QueryRow::OptionalText(std::size_t i) const {
+  return AsText(values_[i]);
+}
+
+std::int64_t QueryRow::Number(std::size_t i) const {
+  if (const auto* flag = std::get_if<bool>(&values_[i])) return *flag ? 1 : 0;
+  const auto* number = std::get_if<std::int64_t>(&values_[i]);
+  return number != nullptr ? *number : 0;
+}
+
+void ForEachRow(const std::shared_ptr<Logon>& logon, std::string_view sql,
+                const std::function<void(const QueryRow& row)>& use) {
+  OdbcResultReader reader = Open(logon, CallOf(sql));
+  RowBlock block;
+  while (reader.Read(block)) {
+    for (std::size_t row = 0; row < block.Rows(); ++row) use(QueryRow(block.Row(row)));
+  }
+}
+
+std::vector<CatalogRow> RowsOfTable(std::vector<CatalogRow> rows, const NameColumns& columns,
+                                    const TableName& table, const std::string& default_schema) {
+  std::set<std::string> names;
+  for (const CatalogRow& row : rows) {
+    std::string name = row.Text(columns.table);
+    if (text::EqualsIgnoringCase(name, table.name)) names.insert(std::move(name));
+  }
+  const bool is_there = names.contains(table.name) || names.size() == 1;
+  if (!is_there) return {};
+  const std::string name = names.contains(table.name) ? table.name : *names.begin();
+  std::erase_if(rows, [&](const auto& row) { return row.Text(columns.table) != name; });
+  std::string schema = table.IsBare() ? default_schema : table.schema;
+  const bool has_schema = std::ranges::any_of(
+      rows, [&](const auto& row) { return row.Text(columns.schema) == schema; });
+  if (!has_schema && table.IsBare()) schema = rows.front().Text(columns.schema);
+  std::erase_if(rows, [&](const auto& row) { return row.Text(columns.schema) != schema; });
   return rows;
 }
 

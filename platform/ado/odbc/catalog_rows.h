@@ -2,15 +2,20 @@
 
 #include <sql.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/ado/odbc/logon.h"
+#include "platform/ado/table_name.h"
+#include "platform/ado/value.h"
 
 namespace dorvane::ado::odbc {
 
@@ -36,10 +41,41 @@ using CatalogCall = std::function<SQLRETURN(SQLHANDLE)>;
 /// Makes the call on a fresh statement and reads all of its rows. Throws ProviderError.
 std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, const CatalogCall& call);
 
-/// The rows of one table: of all rows those whose `name_column` is exactly `table`, of these the
-/// ones of a single schema, dbo's if it has any.
-std::vector<CatalogRow> RowsOfTable(std::vector<CatalogRow> rows, const std::string& name_column,
-                                    const std::string& schema_column, const std::string& table);
+/// The same of a query.
+std::vector<CatalogRow> ReadCatalog(const std::shared_ptr<Logon>& logon, std::string_view sql);
+
+/// One row of a query, its values by position; valid as long as the row is at hand.
+class QueryRow {
+ public:
+  explicit QueryRow(std::span<const Value> values) : values_(values) {}
+
+  /// Empty for NULL.
+  std::string Text(std::size_t i) const { return OptionalText(i).value_or(std::string()); }
+  std::optional<std::string> OptionalText(std::size_t i) const;
+  /// 0 for NULL; a bit is 0 or 1.
+  std::int64_t Number(std::size_t i) const;
+  bool Flag(std::size_t i) const { return Number(i) != 0; }
+
+ private:
+  std::span<const Value> values_;
+};
+
+/// Hands on the rows of a query one by one, for those who do not want to hold them all. Throws
+/// ProviderError.
+void ForEachRow(const std::shared_ptr<Logon>& logon, std::string_view sql,
+                const std::function<void(const QueryRow& row)>& use);
+
+/// Which columns of a catalog function's rows name a table.
+struct NameColumns {
+  std::string table;
+  std::string schema;
+};
+
+/// The rows of one table: those of exactly that name, else those of the only name that differs in
+/// letter case; of these the ones of its schema. A bare name is one of the default schema, else of
+/// the first one that the rows have.
+std::vector<CatalogRow> RowsOfTable(std::vector<CatalogRow> rows, const NameColumns& columns,
+                                    const TableName& table, const std::string& default_schema);
 
 /// A search pattern that finds the name, and perhaps others of its length: drivers do not agree on
 /// how the pattern characters in a name are quoted, so any character may stand in their place.

@@ -69,17 +69,15 @@ class OdbcSession : public Session {
     }
   }
 
-  std::vector<TableInfo> Tables() override { return ReadTables(logon_); }
-  std::vector<Column> Columns(const std::string& table) override {
-    return ReadColumns(logon_, table);
-  }
-  std::vector<Index> Indexes(const std::string& table) override {
-    return ReadIndexes(logon_, table);
-  }
-  std::vector<Key> Keys(const std::string& table) override { return ReadKeys(logon_, table); }
+  std::vector<TableInfo> Tables() override { return catalog_.Tables(); }
+  std::vector<Column> Columns(const TableName& table) override { return catalog_.Columns(table); }
+  std::vector<Index> Indexes(const TableName& table) override { return catalog_.Indexes(table); }
+  std::vector<Key> Keys(const TableName& table) override { return catalog_.Keys(table); }
+  std::map<TableName, TableDetails> AllTables() override { return catalog_.AllTables(); }
 
  private:
   std::shared_ptr<Logon> logon_;
+  CatalogReader catalog_{logon_};
 };
 
 class Odbc : public Provider {

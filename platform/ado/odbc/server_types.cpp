@@ -14,7 +14,6 @@ namespace {
 
 // Codes of SQL Server's own types.
 constexpr SQLSMALLINT kSqlVariant = -150;
-constexpr SQLSMALLINT kSqlUserDefined = -151;
 constexpr SQLSMALLINT kSqlXml = -152;
 constexpr SQLSMALLINT kSqlTime = -154;
 constexpr SQLSMALLINT kSqlDateTimeOffset = -155;
@@ -120,6 +119,7 @@ bool IsUnlimited(const ServerType& type, const DeclaredSize& declared) {
 FieldInfo DescribeField(const ServerType& type, const DeclaredSize& declared) {
   FieldInfo field;
   field.type = type.type;
+  field.server_type = type.name;
   if (IsUnlimited(type, declared)) {
     field.defined_size = type.unlimited_size;
     // A blob type of its own, since the sized type's column need not hold so much.

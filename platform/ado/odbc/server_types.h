@@ -11,6 +11,9 @@
 
 namespace dorvane::ado::odbc {
 
+/// The code of types that are objects in .NET.
+inline constexpr SQLSMALLINT kSqlUserDefined = -151;
+
 /// What a server type's declared size means.
 enum class LengthUnit { None, Characters, Bytes };
 

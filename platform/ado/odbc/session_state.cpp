@@ -10,23 +10,14 @@
 
 #include "platform/ado/odbc/catalog_rows.h"
 #include "platform/ado/odbc/diagnostics.h"
-#include "platform/ado/odbc/utf16.h"
 
 namespace dorvane::ado::odbc {
 
 namespace {
 
-std::vector<CatalogRow> Query(const std::shared_ptr<Logon>& logon, std::string_view sql) {
-  std::u16string text = ToUtf16(sql);
-  return ReadCatalog(logon, [&](SQLHANDLE statement) {
-    return SQLExecDirectW(statement, reinterpret_cast<SQLWCHAR*>(text.data()),
-                          static_cast<SQLINTEGER>(text.size()));
-  });
-}
-
 SessionState AskOver(const std::shared_ptr<Logon>& logon, int id) {
   try {
-    const std::vector<CatalogRow> rows = Query(
+    const std::vector<CatalogRow> rows = ReadCatalog(
         logon,
         fmt::format("select case when has_perms_by_name(null, null, 'VIEW SERVER STATE') = 1 then "
                     "(select count(*) from sys.dm_exec_requests where session_id = {} and "
@@ -44,7 +35,7 @@ SessionState AskOver(const std::shared_ptr<Logon>& logon, int id) {
 
 void SetUpSession(const std::shared_ptr<Logon>& logon, const ConnectionSettings& settings) {
   const std::vector<CatalogRow> rows =
-      Query(logon, "set lock_timeout 60000 select @@spid as session_id");
+      ReadCatalog(logon, "set lock_timeout 60000 select @@spid as session_id");
   const int id = rows.empty() ? 0 : rows.front().Number("session_id");
   logon->SetLimit(std::chrono::seconds(settings.idle_limit),
                   [settings, id] { return AskForSession(settings, id); });

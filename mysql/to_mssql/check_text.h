@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace dorvane::to_mssql {
+
+/// A condition of MySQL as SQL Server writes it, names still in backquotes: without the character
+/// sets of its texts. Empty for one that SQL Server would read in another way without a word.
+std::string CheckText(std::string_view condition);
+
+}  // namespace dorvane::to_mssql

@@ -1,0 +1,164 @@
+#include "sandbox/catalog/object_names.h"
+
+#include "sandbox/catalog/session.h"
+#include "sandbox/parser/parser.h"
+#include "sandbox/text/text_order.h"
+#include "sandbox/values/type_rules.h"
+
+namespace sandbox {
+namespace {
+
+using Result = std::pair<Value, TypeInfo>;
+
+const TableDef* TableById(Session& session, const std::vector<Value>& args) {
+  const auto* id = args.empty() ? nullptr : std::get_if<std::int64_t>(&args[0]);
+  if (!id) return nullptr;
+  const auto& tables = session.Link().Definitions().tables;
+  const auto found = tables.find(static_cast<int>(*id));
+  return found == tables.end() ? nullptr : &found->second;
+}
+
+std::string Text(const std::vector<Value>& args, std::size_t i) {
+  const auto* text = i < args.size() ? std::get_if<std::string>(&args[i]) : nullptr;
+  return text ? *text : "";
+}
+
+bool KindMatches(const std::string& wanted, const char* kind) {
+  return wanted.empty() || CompareText(wanted, kind) == 0;
+}
+
+// The id of a schema's object, if it is of the wanted kind ("": of any).
+std::optional<int> IdIn(const Catalog& catalog, const std::string& schema, const std::string& name,
+                        const std::string& kind) {
+  const auto found = [&](const char* kind_of_object, int id) {
+    return KindMatches(kind, kind_of_object) ? std::optional(id) : std::nullopt;
+  };
+  if (const TableDef* table = catalog.FindTable(schema, name)) return found("U", table->id);
+  if (const ViewDef* view = catalog.FindView(schema, name)) return found("V", view->id);
+  const ConstraintRef constraint = catalog.FindConstraint(schema, name);
+  if (!constraint.table) return std::nullopt;
+  switch (constraint.kind) {
+    case ConstraintRef::Kind::Default:
+      return found("D", constraint.table->Column(constraint.id).default_id);
+    case ConstraintRef::Kind::Index: {
+      const IndexDef* index = constraint.table->FindIndex(name);
+      return found(index->primary ? "PK" : "UQ", index->object_id);
+    }
+    case ConstraintRef::Kind::ForeignKey:
+      return found("F", constraint.id);
+    case ConstraintRef::Kind::Check:
+      return found("C", constraint.id);
+  }
+  return std::nullopt;
+}
+
+// The schema and name of an object by its id.
+std::optional<ObjectName> FindObject(Session& session, const std::vector<Value>& args) {
+  const auto* id = args.empty() ? nullptr : std::get_if<std::int64_t>(&args[0]);
+  if (!id) return std::nullopt;
+  for (const auto& [key, table] : session.Link().Definitions().tables) {
+    if (key == *id) return ObjectName{"", table.schema, table.name};
+    for (const IndexDef& index : table.indexes) {
+      if (index.object_id == *id && index.IsConstraint())
+        return ObjectName{"", table.schema, index.name};
+    }
+    for (const ForeignKeyDef& foreign : table.foreign_keys) {
+      if (foreign.id == *id) return ObjectName{"", table.schema, foreign.name};
+    }
+  }
+  for (const auto& [key, view] : session.Link().Definitions().views) {
+    if (key == *id) return ObjectName{"", view.schema, view.name};
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+ObjectName ParsedName(const std::string& text) {
+  try {
+    Parser parser(text);
+    return parser.ParseNameText();
+  } catch (const SqlError&) {
+    return {"", "", text};  // a name with blanks, given without brackets
+  }
+}
+
+Result ObjectIdOf(Session& session, const std::string& name, const std::string& kind) {
+  const Result none{Value(), IntType()};
+  const ObjectName parts = ParsedName(name);
+  if (!parts.database.empty() && !session.Folder().Find(parts.database)) return none;
+  DatabaseLink& link = session.LinkTo(parts.database);
+  for (const std::string& schema : link.SearchPath(parts)) {
+    const auto id = IdIn(link.Definitions(), schema, parts.name, kind);
+    if (id) return {std::int64_t{*id}, IntType()};
+  }
+  return none;
+}
+
+Result ObjectNameOf(Session& session, const std::vector<Value>& args) {
+  const auto object = FindObject(session, args);
+  return {object ? Value(object->name) : Value(), NVarChar(128)};
+}
+
+Result ObjectSchemaNameOf(Session& session, const std::vector<Value>& args) {
+  const auto object = FindObject(session, args);
+  return {object ? Value(object->schema) : Value(), NVarChar(128)};
+}
+
+Result SchemaNameOf(Session& session, const std::vector<Value>& args) {
+  if (args.empty()) return {session.Link().User().default_schema, NVarChar(128)};
+  const auto* id = std::get_if<std::int64_t>(&args[0]);
+  for (const SchemaDef& schema : session.Link().Definitions().schemas) {
+    if (id && schema.id == *id) return {schema.name, NVarChar(128)};
+  }
+  return {Value(), NVarChar(128)};
+}
+
+Result SchemaIdOf(Session& session, const std::vector<Value>& args) {
+  const std::string name = args.empty() ? session.Link().User().default_schema : Text(args, 0);
+  const SchemaDef* schema = session.Link().Definitions().FindSchema(name);
+  return {schema ? Value(std::int64_t{schema->id}) : Value(), IntType()};
+}
+
+Result ColumnNameOf(Session& session, const std::vector<Value>& args) {
+  const TableDef* table = TableById(session, args);
+  const auto* id = args.size() < 2 ? nullptr : std::get_if<std::int64_t>(&args[1]);
+  if (table && id) {
+    for (const ColumnDef& column : table->columns) {
+      if (column.id == *id) return {column.name, NVarChar(128)};
+    }
+  }
+  return {Value(), NVarChar(128)};
+}
+
+Result ColumnPropertyOf(Session& session, const std::vector<Value>& args) {
+  const TableDef* table = TableById(session, args);
+  const ColumnDef* column = table ? table->FindColumn(Text(args, 1)) : nullptr;
+  const std::string property = LowerText(Text(args, 2));
+  const auto number = [](std::int64_t value) { return Result{value, IntType()}; };
+  if (!column) return {Value(), IntType()};
+  if (property == "isidentity") return number(column->identity);
+  if (property == "allowsnull") return number(column->nullable);
+  if (property == "iscomputed") return number(column->IsComputed());
+  if (property == "isrowguidcol") return number(column->row_guid);
+  if (property == "issparse") return number(column->sparse);
+  if (property == "ishidden") return number(column->hidden);
+  if (property == "generatedalwaystype") return number(static_cast<int>(column->generated));
+  if (property == "columnid") return number(column->id);
+  if (property == "precision") return number(column->type.precision);
+  if (property == "scale") return number(column->type.scale);
+  return {Value(), IntType()};
+}
+
+Result ObjectPropertyOf(Session& session, const std::vector<Value>& args) {
+  const TableDef* table = TableById(session, args);
+  const std::string property = LowerText(Text(args, 1));
+  if (!table) return {Value(), IntType()};
+  const auto number = [](std::int64_t value) { return Result{value, IntType()}; };
+  if (property == "isusertable" || property == "istable") return number(1);
+  if (property == "tablehasidentity") return number(table->IdentityColumn() != nullptr);
+  if (property == "tablehasprimarykey") return number(table->PrimaryKey() != nullptr);
+  return number(0);
+}
+
+}  // namespace sandbox

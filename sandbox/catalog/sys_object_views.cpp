@@ -1,0 +1,177 @@
+#include "sandbox/catalog/sys_view_parts.h"
+
+namespace sandbox {
+namespace sys {
+namespace {
+
+void AddPartsOf(const TableDef& table, const Object& part_of_table, std::vector<Object>& objects) {
+  const auto add = [&](const std::string& name, int id, const char* kind,
+                       const char* description) -> Object& {
+    Object& object = objects.emplace_back(part_of_table);
+    object.name = name;
+    object.id = id;
+    object.kind = kind;
+    object.description = description;
+    return object;
+  };
+  for (const IndexDef& index : table.indexes) {
+    if (!index.IsConstraint()) continue;
+    add(index.name, index.object_id, index.primary ? "PK" : "UQ",
+        index.primary ? "PRIMARY_KEY_CONSTRAINT" : "UNIQUE_CONSTRAINT")
+        .index = &index;
+  }
+  for (const ForeignKeyDef& key : table.foreign_keys)
+    add(key.name, key.id, "F ", "FOREIGN_KEY_CONSTRAINT").foreign_key = &key;
+  for (const CheckDef& check : table.checks)
+    add(check.name, check.id, "C ", "CHECK_CONSTRAINT").check = &check;
+  for (const ColumnDef& column : table.columns) {
+    if (column.default_id != 0)
+      add(column.default_name, column.default_id, "D ", "DEFAULT_CONSTRAINT").column = &column;
+  }
+}
+
+bool IsTemporal(const TableDef& table) {
+  return std::any_of(table.columns.begin(), table.columns.end(),
+                     [](const ColumnDef& column) { return column.generated != Generated::No; });
+}
+
+// What the oldest catalog's status says of an object's kind, in its lowest four bits.
+std::int64_t OldStatus(std::string_view kind) {
+  return kind == "U " ? 3 : kind == "V " ? 2 : kind == "D " ? 6 : 11;
+}
+
+ViewColumns<Object> OldColumns() {
+  return {{"name", kName, [](const Object& o) { return Value(o.name); }},
+          {"id", kInt, [](const Object& o) { return Int(o.id); }},
+          {"xtype", kKind, [](const Object& o) { return Word(o.kind); }},
+          {"uid", kSmall, [](const Object& o) { return Int(o.schema); }},
+          {"parent_obj", kInt, [](const Object& o) { return Int(o.parent); }},
+          {"crdate", kTime, [](const Object& o) { return Time(o.created); }},
+          {"type", kKind, [](const Object& o) { return Word(o.kind); }},
+          {"sysstat", kSmall, [](const Object& o) { return Int(OldStatus(o.kind)); }},
+          {"category", kInt, [](const Object&) { return Int(0); }}};
+}
+
+struct Schema {
+  SchemaDef schema;
+  int owner;
+};
+
+std::vector<Schema> Schemas(Session&, DatabaseLink& link) {
+  std::vector<Schema> schemas;
+  for (const SchemaDef& schema : link.Definitions().schemas) {
+    const UserDef* owner = link.Definitions().FindUser(schema.owner);
+    schemas.push_back({schema, owner ? owner->id : 1});
+  }
+  return schemas;
+}
+
+auto ObjectsOf(const char* kind) {
+  return [kind](Session&, DatabaseLink& link) { return Objects(link, kind); };
+}
+
+struct Property {
+  int table;
+  PropertyDef def;
+};
+
+std::vector<Property> Properties(Session&, DatabaseLink& link) {
+  std::vector<Property> properties;
+  for (const TableDef* table : link.Definitions().Sorted()) {
+    for (const PropertyDef& each : table->properties) properties.push_back({table->id, each});
+  }
+  return properties;
+}
+
+// There are no triggers here.
+struct Nothing {};
+std::vector<Nothing> None(Session&, DatabaseLink&) {
+  return {};
+}
+
+ViewColumn<Nothing> Empty(const char* name, const TypeInfo& type) {
+  return {name, type, [](const Nothing&) { return Value(); }};
+}
+
+}  // namespace
+
+std::vector<Object> Objects(DatabaseLink& link, std::string_view kind) {
+  std::vector<Object> objects;
+  const Catalog& catalog = link.Definitions();
+  for (const auto& [id, table] : catalog.tables) {
+    if (table.IsTemporary()) continue;
+    Object object{table.name,
+                  catalog.SchemaId(table.schema),
+                  id,
+                  0,
+                  "U ",
+                  "USER_TABLE",
+                  table.created,
+                  &catalog,
+                  &table};
+    objects.push_back(object);
+    object.parent = id;
+    AddPartsOf(table, object, objects);
+  }
+  for (const auto& [id, view] : catalog.views) {
+    objects.push_back(
+        {view.name, catalog.SchemaId(view.schema), id, 0, "V ", "VIEW", view.created, &catalog});
+  }
+  if (!kind.empty()) std::erase_if(objects, [&](const Object& o) { return kind != o.kind; });
+  return objects;
+}
+
+ViewColumns<Object> ObjectColumns() {
+  return {{"name", kName, [](const Object& o) { return Value(o.name); }},
+          {"object_id", kInt, [](const Object& o) { return Int(o.id); }},
+          {"principal_id", kInt, [](const Object&) { return Value(); }},
+          {"schema_id", kInt, [](const Object& o) { return Int(o.schema); }},
+          {"parent_object_id", kInt, [](const Object& o) { return Int(o.parent); }},
+          {"type", kKind, [](const Object& o) { return Word(o.kind); }},
+          {"type_desc", kName, [](const Object& o) { return Word(o.description); }},
+          {"create_date", kTime, [](const Object& o) { return Time(o.created); }},
+          {"modify_date", kTime, [](const Object& o) { return Time(o.created); }},
+          Never<Object>("is_ms_shipped"),
+          Never<Object>("is_published"),
+          Never<Object>("is_schema_published")};
+}
+
+}  // namespace sys
+
+std::vector<SystemView> SysObjectViews() {
+  using namespace sys;
+  const ViewColumns<Object> of_tables{
+      {"temporal_type", kTiny, [](const Object& o) { return Int(IsTemporal(*o.table) ? 2 : 0); }},
+      {"history_table_id", kInt, [](const Object&) { return Value(); }},
+      Never<Object>("is_memory_optimized"),
+      Never<Object>("is_external"),
+      Never<Object>("is_filetable")};
+  return {
+      MakeView("objects", ObjectColumns(), ObjectsOf("")),
+      MakeView("tables", ObjectColumns() + of_tables, ObjectsOf("U ")),
+      MakeView("views", ObjectColumns(), ObjectsOf("V ")),
+      MakeView("sysobjects", OldColumns(), ObjectsOf("")),
+      MakeView<Schema>("schemas",
+                       {{"name", kName, [](const Schema& s) { return Value(s.schema.name); }},
+                        {"schema_id", kInt, [](const Schema& s) { return Int(s.schema.id); }},
+                        {"principal_id", kInt, [](const Schema& s) { return Int(s.owner); }}},
+                       Schemas),
+      MakeView<Nothing>(
+          "triggers",
+          {Empty("name", kName), Empty("object_id", kInt), Empty("parent_class", kTiny),
+           Empty("parent_id", kInt), Empty("type", kKind), Empty("is_disabled", kBit),
+           Empty("is_instead_of_trigger", kBit)},
+          None),
+      MakeView<Property>(
+          "extended_properties",
+          {{"class", kTiny, [](const Property&) { return Int(1); }},
+           {"class_desc", kName, [](const Property&) { return Word("OBJECT_OR_COLUMN"); }},
+           {"major_id", kInt, [](const Property& p) { return Int(p.table); }},
+           {"minor_id", kInt, [](const Property& p) { return Int(p.def.column_id); }},
+           {"name", kName, [](const Property& p) { return Value(p.def.name); }},
+           {"value", kVariant, [](const Property& p) { return Value(p.def.value); }}},
+          Properties),
+  };
+}
+
+}  // namespace sandbox

@@ -1,0 +1,96 @@
+#include "sandbox/catalog/sys_view_parts.h"
+
+namespace sandbox {
+namespace sys {
+namespace {
+
+using Database = std::shared_ptr<DatabaseState>;
+
+std::vector<Database> Databases(Session& session, DatabaseLink&) {
+  return session.Folder().All();
+}
+
+const ViewColumn<Database> kDatabaseName{"name", kName,
+                                         [](const Database& d) { return Value(d->name); }};
+const ViewColumn<Database> kDatabaseCollation{
+    "collation_name", kName, [](const Database&) { return Word("SQL_Latin1_General_CP1_CI_AS"); }};
+
+Value DatabaseId(const Database& database) {
+  return Int(database->id);
+}
+Value Created(const Database& database) {
+  return Time(database->created);
+}
+Value Level(const Database&) {
+  return Int(150);
+}
+Value Zero(const Database&) {
+  return Int(0);
+}
+Value Online(const Database&) {
+  return Word("ONLINE");
+}
+
+std::vector<UserDef> Users(Session&, DatabaseLink& link) {
+  return link.Definitions().users;
+}
+
+struct Running {
+  int session;
+  bool is_sending;
+};
+
+std::vector<Running> RunningRequests(Session& session, DatabaseLink&) {
+  std::vector<Running> running;
+  session.ServerRequests().ForEach([&](int spid, bool is_sending) {
+    running.push_back({spid, is_sending});
+  });
+  return running;
+}
+
+}  // namespace
+}  // namespace sys
+
+std::vector<SystemView> SysServerViews() {
+  using namespace sys;
+  return {
+      MakeView<Database>("databases",
+                         {kDatabaseName,
+                          {"database_id", kInt, DatabaseId},
+                          {"create_date", kTime, Created},
+                          {"compatibility_level", kTiny, Level},
+                          kDatabaseCollation,
+                          {"state", kTiny, Zero},
+                          {"state_desc", kName, Online},
+                          Never<Database>("is_read_only")},
+                         Databases),
+      MakeView<Database>("sysdatabases",
+                         {kDatabaseName,
+                          {"dbid", kSmall, DatabaseId},
+                          {"crdate", kTime, Created},
+                          {"cmptlevel", kTiny, Level},
+                          kDatabaseCollation,
+                          {"status", kInt, Zero},
+                          {"status_desc", kName, Online},
+                          Never<Database>("is_read_only")},
+                         Databases),
+      MakeView<UserDef>("database_principals",
+                        {{"name", kName, [](const UserDef& u) { return Value(u.name); }},
+                         {"principal_id", kInt, [](const UserDef& u) { return Int(u.id); }},
+                         {"type", kKind, [](const UserDef&) { return Word("S "); }},
+                         {"type_desc", kName, [](const UserDef&) { return Word("SQL_USER"); }},
+                         {"default_schema_name", kName,
+                          [](const UserDef& u) { return Value(u.default_schema); }}},
+                        Users),
+      MakeView<Running>(
+          "dm_exec_requests",
+          {{"session_id", kSmall, [](const Running& r) { return Int(r.session); }},
+           {"status", kName,
+            [](const Running& r) { return Word(r.is_sending ? "suspended" : "running"); }},
+           {"wait_type", kName,
+            [](const Running& r) { return r.is_sending ? Word("ASYNC_NETWORK_IO") : Value(); }}},
+          RunningRequests),
+  };
+}
+
+}  // namespace sandbox

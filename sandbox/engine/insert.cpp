@@ -1,0 +1,107 @@
+#include <algorithm>
+
+#include "sandbox/engine/definitions.h"
+#include "sandbox/engine/insert_plan.h"
+#include "sandbox/engine/insert_values.h"
+#include "sandbox/engine/sql_session.h"
+
+namespace sandbox {
+namespace {
+
+// Keeps the rows of an executed procedure to insert them.
+class CollectingSink final : public ResultSink {
+ public:
+  explicit CollectingSink(ResultSink& outer) : outer_(outer) {}
+  void Columns(const std::vector<ColumnInfo>& columns) override {
+    types.clear();
+    for (const ColumnInfo& column : columns) types.push_back(column.type);
+  }
+  void Row(std::span<const Value> values) override {
+    rows.emplace_back(values.begin(), values.end());
+  }
+  void Done(std::optional<std::int64_t>) override {}
+  void Message(const ServerMessage& message) override { outer_.Message(message); }
+  void DatabaseChanged(std::string_view database) override { outer_.DatabaseChanged(database); }
+  void TransactionChanged(std::uint64_t id, bool committed) override {
+    outer_.TransactionChanged(id, committed);
+  }
+  void ReturnStatus(std::int32_t) override {}
+
+  std::vector<TypeInfo> types;
+  std::vector<std::vector<Value>> rows;
+
+ private:
+  ResultSink& outer_;
+};
+
+std::size_t TakenColumns(const TableDef& table) {
+  return static_cast<std::size_t>(
+      std::count_if(table.columns.begin(), table.columns.end(),
+                    [](const ColumnDef& column) { return !column.IsComputed(); }));
+}
+
+void CheckWidth(const InsertStatement& insert, const RowWriter& writer) {
+  if (insert.width == writer.Width()) return;
+  if (insert.columns.empty()) Raise(213);
+  Raise(insert.width < writer.Width() ? ErrorNumber<0>(109) : ErrorNumber<0>(110));
+}
+
+}  // namespace
+
+Flow SqlSession::Run(const InsertStatement& insert) {
+  DatabaseLink& link = LinkTo(insert.table.database);
+  std::optional<CollectingSink> collected;
+  if (insert.execute) {
+    collected.emplace(*sink_);
+    ResultSink* outer = std::exchange(sink_, &*collected);
+    try {
+      RunStatement(*insert.execute);
+    } catch (...) {
+      sink_ = outer;
+      throw;
+    }
+    sink_ = outer;
+  }
+  link.BeginWrite();
+  const TableDef& table = TargetTable(link, insert.table, 208);
+  const bool explicit_identity = table.IdentityColumn() && identity_insert_ &&
+                                 *identity_insert_ == std::pair(&link.State(), table.id);
+  const auto identity =
+      explicit_identity ? RowWriter::Identity::Explicit : RowWriter::Identity::Generated;
+  if (explicit_identity && insert.columns.empty() && !insert.default_values)
+    Raise(8101, table.name);
+  if (!explicit_identity && insert.columns.empty() && insert.width == TakenColumns(table) &&
+      table.IdentityColumn() && insert.rows > 0) {
+    Raise(8101, table.name);
+  }
+  RowWriter writer(*this, link, table, insert.columns, identity);
+  if (!insert.query && !insert.execute && !insert.default_values) CheckWidth(insert, writer);
+  // One row that nothing looks at afterwards fails whole by itself.
+  const bool simple = insert.rows == 1 && !writer.Plan().verifies;
+  std::optional<StatementScope> scope;
+  if (!simple) scope.emplace(link);
+  auto rows = static_cast<std::int64_t>(insert.rows);
+  if (insert.default_values) {
+    writer.WriteDefaults();
+  } else if (insert.query) {
+    Binder binder(*this);
+    rows = writer.WriteQuery(binder.BindQuery(*insert.query), binder);
+  } else if (collected) {
+    rows = static_cast<std::int64_t>(collected->rows.size());
+    for (const auto& row : collected->rows) {
+      if (row.size() != writer.Width()) Raise(213);
+      std::vector<const Value*> cells;
+      for (const Value& value : row) cells.push_back(&value);
+      writer.Write(cells, collected->types);
+    }
+  } else {
+    InsertValues values(*this, insert, writer);
+    writer.WriteRows(values, insert.rows);
+  }
+  writer.Finish();
+  if (scope) scope->Keep();
+  Done(rows);
+  return Flow::Next;
+}
+
+}  // namespace sandbox

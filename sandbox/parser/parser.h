@@ -1,0 +1,181 @@
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sandbox/parser/ast.h"
+#include "sandbox/parser/lexer.h"
+
+namespace sandbox {
+
+/// Reads T-SQL text into statements. Raises the server's syntax errors (102, 105, 156, ...), with
+/// the line in the message. The text must outlive the parser, and the rows of an INSERT that it
+/// returns; nothing else of what it returns looks at it.
+class Parser {
+ public:
+  explicit Parser(std::string_view text);
+
+  /// The whole text as one batch.
+  Block ParseBatch();
+  /// The whole text as one condition or value, as a default or check is kept.
+  ExprPtr ParseExpressionText();
+  /// "@a int, @b varchar(10) = null output", as sp_executesql declares its parameters.
+  std::vector<DeclareItem> ParseParameterList();
+  /// "INSERT BULK t (a int, ...) with (...)": the table and its columns.
+  InsertBulkStatement ParseInsertBulk();
+  /// A name by itself: "dbo.[my table]".
+  ObjectName ParseNameText();
+
+ private:
+  // tokens (parser.cpp)
+  const Token& Peek() const { return token_; }
+  const Token& PeekSecond();
+  Token Take();
+  void Advance();
+  bool Accept(std::string_view keyword);
+  bool AcceptSymbol(std::string_view symbol);
+  void Expect(std::string_view keyword);
+  void ExpectSymbol(std::string_view symbol);
+  [[noreturn]] void Fail() const;
+  std::string TakeName();
+  ObjectName TakeObjectName();
+  std::string TakeAlias();
+  bool AtAlias() const;
+  ColumnList TakeColumnList();
+  std::vector<std::string> TakeNameList();
+  std::int64_t TakeInteger();
+
+  // statements (parser_statements.cpp)
+  StatementPtr ParseStatement();
+  Block ParseUntilEnd(std::string_view second_word);
+  Statement ParseKeyword();
+  Statement ParseBegin();
+  Statement ParseDeclare();
+  Statement ParseSet();
+  Statement ParseIf();
+  Statement ParseWhile();
+  Statement ParseExecute(bool without_keyword);
+  Statement ParseTransaction(TransactionStatement::Kind kind);
+  Statement ParseRaise(bool is_throw);
+  Statement ParseJump(JumpStatement::Kind kind);
+  Statement ParseWait();
+  Statement ParseUse();
+  Statement ParseReseed();
+
+  // rows (parser_rows.cpp)
+  Statement ParseInsert();
+  Statement ParseUpdate();
+  Statement ParseDelete();
+  void ParseValuesRows(InsertStatement& insert);
+  InsertCell ParseCell();
+  bool TakeCellLiteral(InsertCell& cell);
+
+  // definitions (parser_definitions.cpp)
+  Statement ParseCreate();
+  Statement ParseCreateTable();
+  Statement ParseCreateIndex();
+  Statement ParseCreateView(std::size_t start);
+  bool AtConstraint() const;
+  ConstraintSyntax ParseConstraint(std::string_view column);
+  KeySyntax ParseKey(bool primary, std::string_view column);
+  ForeignKeySyntax ParseReferences(std::string_view column);
+  void SkipIndexOptions();
+
+  // columns (parser_columns.cpp)
+  void ParseTableElement(std::vector<ColumnSyntax>& columns,
+                         std::vector<ConstraintSyntax>& constraints);
+  void ParseColumn(std::vector<ColumnSyntax>& columns, std::vector<ConstraintSyntax>& constraints);
+  void ParseColumnOptions(ColumnSyntax& column, std::vector<ConstraintSyntax>& constraints);
+  void ParseIdentity(ColumnDef& column);
+  void ParseComputed(ColumnSyntax& column);
+  bool ParseColumnTrait(ColumnDef& column);
+  /// A name that is no type of the server's goes to `alias`; without one it raises 2715.
+  TypeInfo ParseType(int position, std::string_view column, int default_length = 1,
+                     ObjectName* alias = nullptr);
+
+  // drops and changes (parser_changes.cpp)
+  Statement ParseDrop();
+  Statement ParseDropIndex(bool if_exists);
+  Statement ParseAlter();
+  void ParseAlterAdd(AlterTableStatement& alter);
+  void ParseAlterDrop(AlterTableStatement& alter);
+  std::vector<std::string> ParseConstraintNames();
+
+  // schemas, logins and users (parser_principals.cpp)
+  bool AtPrincipal() const;
+  Statement ParsePrincipal(PrincipalStatement::Action action);
+  void ParsePrincipalOptions(PrincipalStatement& statement);
+
+  // types, indexes and what is read over (parser_modules.cpp)
+  Statement ParseCreateType();
+  Statement ParseAlterIndex();
+  bool AtModule() const;
+  Statement SkipBatch();
+  Statement SkipStatistics();
+
+  // queries (parser_query.cpp)
+  QueryPtr ParseQuery();
+  void ParseQueryTerms(Query& query);
+  Select ParseSelect();
+  SelectItem ParseSelectItem();
+  std::vector<FromItem> ParseFrom();
+  FromItem ParseFromPrimary();
+  void ParseJoins(std::vector<FromItem>& items);
+  void SkipTableHints();
+  std::vector<OrderItem> ParseOrderList();
+  std::vector<CommonTable> ParseWith();
+  std::vector<std::vector<ExprPtr>> ParseRowValues();
+
+  // expressions (parser_expression.cpp)
+  ExprPtr ParseExpr() { return ParseOr(); }
+  ExprPtr ParseOr();
+  ExprPtr ParseAnd();
+  ExprPtr ParseNot();
+  ExprPtr ParsePredicate();
+  ExprPtr ParseAfterOperand(ExprPtr left, bool negated);
+  ExprPtr ParseComparison(ExprPtr left);
+  ExprPtr ParseSum();
+  ExprPtr ParseProduct();
+  ExprPtr ParseUnary();
+  ExprPtr ParsePrimary();
+  ExprPtr ParseCollated();
+  ExprPtr ParseParenthesised();
+  ExprPtr ParseWord();
+  ExprPtr ParseFunction(std::string name, int line);
+  ExprPtr ParseCase();
+  ExprPtr ParseCast(const std::string& function);
+  ExprPtr ParseConvert(const std::string& function);
+  ExprPtr ParseOver(ExprPtr function);
+  ExprPtr NewExpr(ExprKind kind) const;
+  std::vector<ExprPtr> ParseList();
+
+  // Text nested without end must not take the stack with it.
+  struct DepthGuard {
+    explicit DepthGuard(Parser& parser);
+    ~DepthGuard() { --depth; }
+    int& depth;
+  };
+
+  std::string_view text_;
+  Lexer lexer_;
+  Token token_;
+  std::optional<Token> second_;  // the one behind it, if it was looked at
+  Lexer::Place before_token_, before_second_;
+  int depth_ = 0;
+};
+
+bool IsLiteralToken(const Token& token);
+bool IsNumberToken(const Token& token);
+/// The literal's value and type. Raises 1007 for a number of more than 38 digits, 232 for a float
+/// out of range.
+Literal ParseLiteral(const LiteralText& literal);
+/// The bytes that a literal "0x..." stands for; an odd digit is the first byte's.
+void AppendHexBytes(std::string_view literal, std::string& bytes);
+
+/// True for a word that can't be an alias or a name without quotes.
+bool IsReserved(const Token& token);
+
+}  // namespace sandbox

@@ -1,0 +1,142 @@
+#include "sandbox/parser/parser.h"
+
+namespace sandbox {
+
+Statement Parser::ParseDrop() {
+  Expect("drop");
+  const auto if_exists = [&] {
+    if (!Accept("if")) return false;
+    Expect("exists");
+    return true;
+  };
+  if (Accept("database")) {
+    DropDatabaseStatement drop;
+    drop.if_exists = if_exists();
+    do {
+      drop.names.push_back(TakeName());
+    } while (AcceptSymbol(","));
+    return {1, std::move(drop)};
+  }
+  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Drop);
+  if (Accept("index")) return ParseDropIndex(if_exists());
+  if (Accept("type")) {
+    DropTypeStatement drop;
+    drop.if_exists = if_exists();
+    drop.name = TakeObjectName();
+    return {1, std::move(drop)};
+  }
+  if (AtModule()) {
+    Take();
+    if_exists();
+    do {
+      TakeObjectName();
+    } while (AcceptSymbol(","));
+    return {1, NothingStatement()};
+  }
+  DropTableStatement drop;
+  drop.view = token_.Is("view");
+  if (!drop.view && !token_.Is("table")) Fail();
+  Take();
+  drop.if_exists = if_exists();
+  do {
+    drop.tables.push_back(TakeObjectName());
+  } while (AcceptSymbol(","));
+  return {1, std::move(drop)};
+}
+
+Statement Parser::ParseDropIndex(bool if_exists) {
+  DropIndexStatement drop;
+  drop.if_exists = if_exists;
+  const ObjectName name = TakeObjectName();
+  drop.name = name.name;
+  if (Accept("on")) {
+    drop.table = TakeObjectName();
+  } else {  // "drop index t.i"
+    drop.table.name = name.schema;
+    drop.table.schema = name.database;
+    if (name.schema.empty()) Fail();
+  }
+  return {1, std::move(drop)};
+}
+
+Statement Parser::ParseAlter() {
+  Expect("alter");
+  if (Accept("database")) {  // options of files and recovery change nothing here
+    while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();
+    return {1, NothingStatement()};
+  }
+  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Alter);
+  if (token_.Is("index")) return ParseAlterIndex();
+  if (AtModule()) return SkipBatch();
+  Expect("table");
+  AlterTableStatement alter;
+  alter.table = TakeObjectName();
+  if (Accept("with")) {
+    alter.checks_rows = !token_.Is("nocheck");
+    if (!Accept("nocheck")) Expect("check");
+  }
+  if (Accept("add")) {
+    ParseAlterAdd(alter);
+  } else if (Accept("drop")) {
+    ParseAlterDrop(alter);
+  } else if (Accept("alter")) {
+    Expect("column");
+    alter.action = AlterTableStatement::Action::AlterColumn;
+    ColumnSyntax column;
+    column.column.name = TakeName();
+    column.column.type = ParseType(1, column.column.name, 1, &column.alias_type);
+    ParseColumnOptions(column, alter.constraints);
+    alter.columns.push_back(std::move(column));
+  } else if (token_.Is("check") || token_.Is("nocheck")) {
+    alter.action = token_.Is("check") ? AlterTableStatement::Action::Check
+                                      : AlterTableStatement::Action::NoCheck;
+    Take();
+    alter.names = ParseConstraintNames();
+  } else if (Accept("enable") || Accept("disable")) {  // there are no triggers
+    Expect("trigger");
+    TakeName();
+    alter.action = AlterTableStatement::Action::Nothing;
+  } else {
+    Fail();
+  }
+  return {1, std::move(alter)};
+}
+
+// "constraint all", "constraint a, b"
+std::vector<std::string> Parser::ParseConstraintNames() {
+  Expect("constraint");
+  if (Accept("all")) return {};
+  std::vector<std::string> names;
+  do {
+    names.push_back(TakeName());
+  } while (AcceptSymbol(","));
+  return names;
+}
+
+void Parser::ParseAlterAdd(AlterTableStatement& alter) {
+  do {
+    if (token_.Is("default")) {
+      alter.constraints.push_back(ParseConstraint(""));
+    } else {
+      ParseTableElement(alter.columns, alter.constraints);
+    }
+  } while (AcceptSymbol(","));
+}
+
+void Parser::ParseAlterDrop(AlterTableStatement& alter) {
+  alter.action = AlterTableStatement::Action::DropConstraint;
+  if (Accept("column")) {
+    alter.action = AlterTableStatement::Action::DropColumn;
+  } else {
+    Accept("constraint");
+  }
+  if (Accept("if")) {
+    Expect("exists");
+    alter.if_exists = true;
+  }
+  do {
+    alter.names.push_back(TakeName());
+  } while (AcceptSymbol(","));
+}
+
+}  // namespace sandbox

@@ -1,0 +1,54 @@
+#include "sandbox/parser/parser.h"
+
+namespace sandbox {
+
+bool Parser::AtPrincipal() const {
+  return token_.Is("schema") || token_.Is("login") || token_.Is("user");
+}
+
+Statement Parser::ParsePrincipal(PrincipalStatement::Action action) {
+  using Kind = PrincipalStatement::Kind;
+  PrincipalStatement statement;
+  statement.action = action;
+  statement.kind = token_.Is("schema")  ? Kind::Schema
+                   : token_.Is("login") ? Kind::Login
+                                        : Kind::User;
+  Advance();
+  if (action == PrincipalStatement::Action::Drop && Accept("if")) {
+    Expect("exists");
+    statement.if_exists = true;
+  }
+  // "create schema authorization x" names the schema after its owner.
+  if (!token_.Is("authorization")) statement.name = TakeName();
+  ParsePrincipalOptions(statement);
+  return {1, std::move(statement)};
+}
+
+void Parser::ParsePrincipalOptions(PrincipalStatement& statement) {
+  if (Accept("authorization")) {
+    statement.owner = TakeName();
+    if (statement.name.empty()) statement.name = statement.owner;
+  }
+  if (Accept("without")) {
+    Expect("login");
+    statement.login = "";
+  } else if (Accept("for") || Accept("from")) {
+    Expect("login");
+    statement.login = TakeName();
+  }
+  if (!Accept("with")) return;
+  do {
+    const bool password = token_.Is("password"), schema = token_.Is("default_schema");
+    TakeName();
+    ExpectSymbol("=");
+    if (password) {
+      statement.password = TakeAlias();
+    } else if (schema) {
+      statement.default_schema = TakeName();
+    } else {  // policies and languages
+      Take();
+    }
+  } while (AcceptSymbol(","));
+}
+
+}  // namespace sandbox

@@ -1,0 +1,255 @@
+#include "sandbox/parser/parser.h"
+#include "sandbox/values/errors.h"
+
+namespace sandbox {
+
+QueryPtr Parser::ParseQuery() {
+  const DepthGuard guard(*this);
+  auto query = std::make_unique<Query>();
+  query->line = token_.line;
+  if (token_.Is("with")) query->with = ParseWith();
+  ParseQueryTerms(*query);
+  if (token_.Is("order")) query->order = ParseOrderList();
+  if (Accept("offset")) {
+    query->offset = ParseExpr();
+    if (!Accept("rows")) Expect("row");
+    if (Accept("fetch")) {
+      if (!Accept("next")) Expect("first");
+      query->fetch = ParseExpr();
+      if (!Accept("rows")) Expect("row");
+      Expect("only");
+    }
+  }
+  if (Accept("option")) {  // hints to an optimizer that isn't here
+    ExpectSymbol("(");
+    for (int depth = 1; depth > 0;) {
+      if (token_.kind == TokenKind::End) Fail();
+      const Token token = Take();
+      depth += token.IsSymbol("(") ? 1 : token.IsSymbol(")") ? -1 : 0;
+    }
+  }
+  return query;
+}
+
+std::vector<CommonTable> Parser::ParseWith() {
+  Expect("with");
+  std::vector<CommonTable> tables;
+  do {
+    CommonTable table;
+    table.name = TakeName();
+    if (token_.IsSymbol("(")) table.columns = TakeNameList();
+    Expect("as");
+    ExpectSymbol("(");
+    table.query = ParseQuery();
+    ExpectSymbol(")");
+    tables.push_back(std::move(table));
+  } while (AcceptSymbol(","));
+  return tables;
+}
+
+void Parser::ParseQueryTerms(Query& query) {
+  const auto term = [&] {
+    if (AcceptSymbol("(")) {
+      QueryPtr inner = ParseQuery();
+      ExpectSymbol(")");
+      Select wrapped;
+      SelectItem star;
+      star.expr = NewExpr(ExprKind::Star);
+      wrapped.items.push_back(std::move(star));
+      FromItem derived;
+      derived.query = std::move(inner);
+      derived.alias = "query";
+      wrapped.from.push_back(std::move(derived));
+      query.selects.push_back(std::move(wrapped));
+      return;
+    }
+    query.selects.push_back(ParseSelect());
+  };
+  term();
+  while (true) {
+    if (Accept("union")) {
+      query.operators.push_back(Accept("all") ? SetOperator::UnionAll : SetOperator::Union);
+    } else if (Accept("except")) {
+      query.operators.push_back(SetOperator::Except);
+    } else if (Accept("intersect")) {
+      query.operators.push_back(SetOperator::Intersect);
+    } else {
+      return;
+    }
+    term();
+  }
+}
+
+std::vector<std::vector<ExprPtr>> Parser::ParseRowValues() {
+  Expect("values");
+  std::vector<std::vector<ExprPtr>> rows;
+  do {
+    ExpectSymbol("(");
+    rows.push_back(ParseList());
+    ExpectSymbol(")");
+    if (rows.back().size() != rows.front().size()) Raise(10709);
+  } while (AcceptSymbol(","));
+  return rows;
+}
+
+Select Parser::ParseSelect() {
+  Select select;
+  if (token_.Is("values")) {
+    select.values = ParseRowValues();
+    return select;
+  }
+  Expect("select");
+  select.distinct = Accept("distinct");
+  if (!select.distinct) Accept("all");
+  if (Accept("top")) {
+    if (AcceptSymbol("(")) {
+      select.top = ParseExpr();
+      ExpectSymbol(")");
+    } else {
+      if (!IsNumberToken(token_) && token_.kind != TokenKind::Variable) Fail();
+      select.top = ParsePrimary();
+    }
+    select.top_percent = Accept("percent");
+    select.with_ties = token_.Is("with") && PeekSecond().Is("ties");
+    if (select.with_ties) {
+      Advance();
+      Advance();
+    }
+  }
+  do {
+    select.items.push_back(ParseSelectItem());
+  } while (AcceptSymbol(","));
+  if (Accept("into")) select.into = TakeObjectName();
+  if (Accept("from")) select.from = ParseFrom();
+  if (Accept("where")) select.where = ParseExpr();
+  if (Accept("group")) {
+    Expect("by");
+    select.group_by = ParseList();
+  }
+  if (Accept("having")) select.having = ParseExpr();
+  return select;
+}
+
+SelectItem Parser::ParseSelectItem() {
+  SelectItem item;
+  if (token_.kind == TokenKind::Variable && PeekSecond().IsSymbol("=")) {
+    item.variable = std::string(Take().text);
+    Take();
+    item.expr = ParseExpr();
+    return item;
+  }
+  if (AtAlias() && PeekSecond().IsSymbol("=")) {  // alias = value
+    item.alias = TakeAlias();
+    Take();
+    item.expr = ParseExpr();
+    return item;
+  }
+  item.expr = ParseExpr();
+  if (Accept("as")) {
+    item.alias = TakeAlias();
+  } else if (AtAlias()) {
+    item.alias = TakeAlias();
+  }
+  return item;
+}
+
+std::vector<FromItem> Parser::ParseFrom() {
+  std::vector<FromItem> items;
+  do {
+    FromItem item = ParseFromPrimary();
+    item.join = JoinKind::Cross;
+    items.push_back(std::move(item));
+    ParseJoins(items);
+  } while (AcceptSymbol(","));
+  return items;
+}
+
+void Parser::ParseJoins(std::vector<FromItem>& items) {
+  const DepthGuard guard(*this);
+  while (true) {
+    JoinKind kind = JoinKind::Inner;
+    if (Accept("cross")) {
+      kind = JoinKind::Cross;
+      Expect("join");
+    } else if (token_.Is("left") || token_.Is("right") || token_.Is("full")) {
+      kind = token_.Is("left")    ? JoinKind::Left
+             : token_.Is("right") ? JoinKind::Right
+                                  : JoinKind::Full;
+      Take();
+      Accept("outer");
+      Expect("join");
+    } else if (Accept("inner")) {
+      Expect("join");
+    } else if (!Accept("join")) {
+      return;
+    }
+    FromItem item = ParseFromPrimary();
+    item.join = kind;
+    // "a join b join c on ... on ...": what follows before ON belongs to the right side.
+    std::vector<FromItem> nested;
+    if (kind != JoinKind::Cross && !token_.Is("on")) {
+      nested.push_back(std::move(item));
+      nested.front().join = JoinKind::Cross;
+      ParseJoins(nested);
+      item = FromItem();
+      item.join = kind;
+      item.group = std::move(nested);
+    }
+    if (kind != JoinKind::Cross) {
+      Expect("on");
+      item.on = ParseExpr();
+    }
+    items.push_back(std::move(item));
+  }
+}
+
+FromItem Parser::ParseFromPrimary() {
+  const DepthGuard guard(*this);
+  FromItem item;
+  item.line = token_.line;
+  if (AcceptSymbol("(")) {
+    if (token_.Is("select") || token_.Is("with") || token_.Is("values")) {
+      item.query = ParseQuery();
+      ExpectSymbol(")");
+    } else {
+      item.group = ParseFrom();
+      ExpectSymbol(")");
+      return item;
+    }
+  } else {
+    item.name = TakeObjectName();
+  }
+  if (Accept("as") || AtAlias()) item.alias = TakeAlias();
+  if (item.query && item.alias.empty()) Fail();
+  if (token_.IsSymbol("(") && item.query) item.column_aliases = TakeNameList();
+  SkipTableHints();
+  return item;
+}
+
+void Parser::SkipTableHints() {
+  const bool hints = token_.Is("with") && PeekSecond().IsSymbol("(");
+  if (!hints && !(token_.IsSymbol("(") && PeekSecond().Is("nolock"))) return;
+  if (hints) Take();
+  ExpectSymbol("(");
+  for (int depth = 1; depth > 0;) {
+    if (token_.kind == TokenKind::End) Fail();
+    const Token token = Take();
+    depth += token.IsSymbol("(") ? 1 : token.IsSymbol(")") ? -1 : 0;
+  }
+}
+
+std::vector<OrderItem> Parser::ParseOrderList() {
+  Expect("order");
+  Expect("by");
+  std::vector<OrderItem> items;
+  do {
+    OrderItem item;
+    item.expr = ParseExpr();
+    item.descending = Accept("desc");
+    if (!item.descending) Accept("asc");
+    items.push_back(std::move(item));
+  } while (AcceptSymbol(","));
+  return items;
+}
+
+}  // namespace sandbox

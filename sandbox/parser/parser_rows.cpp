@@ -1,0 +1,140 @@
+#include "sandbox/parser/parser.h"
+#include "sandbox/values/errors.h"
+
+namespace sandbox {
+namespace {
+
+constexpr std::size_t kMaxRowValues = 1000;
+constexpr std::size_t kMaxDigits = 38;
+
+}  // namespace
+
+// A literal alone, which is nearly all there is in a load: it stays as it is written, and no
+// expression is made of it. False with nothing taken where there is more to the cell.
+bool Parser::TakeCellLiteral(InsertCell& cell) {
+  if (second_) return false;
+  const Lexer::Place start = before_token_;
+  const bool negative = token_.IsSymbol("-");
+  if (negative) Advance();
+  const bool number = IsNumberToken(token_);
+  if (negative ? number : IsLiteralToken(token_)) {
+    const LiteralText literal(token_, negative);
+    Advance();
+    if (token_.IsSymbol(",") || token_.IsSymbol(")")) {
+      const bool may_not_fit =
+          number && (literal.kind == TokenKind::Float || literal.text.size() > kMaxDigits);
+      if (may_not_fit) ParseLiteral(literal);  // a number too long is an error of the text
+      cell.value = literal;
+      return true;
+    }
+  }
+  lexer_.Return(start);
+  Advance();
+  return false;
+}
+
+InsertCell Parser::ParseCell() {
+  InsertCell cell;
+  if (TakeCellLiteral(cell)) return cell;
+  const bool ends = PeekSecond().IsSymbol(",") || PeekSecond().IsSymbol(")");
+  if (ends && Accept("default")) return cell;
+  cell.value = ParseExpr();
+  return cell;
+}
+
+void Parser::ParseValuesRows(InsertStatement& insert) {
+  Expect("values");
+  do {
+    ExpectSymbol("(");
+    const std::size_t before = insert.cells.size();
+    do {
+      insert.cells.push_back(ParseCell());
+    } while (AcceptSymbol(","));
+    ExpectSymbol(")");
+    const std::size_t width = insert.cells.size() - before;
+    if (insert.rows == 0) {
+      insert.width = width;
+    } else if (width != insert.width) {
+      Raise(10709);
+    }
+    if (++insert.rows > kMaxRowValues) Raise(10738);
+  } while (AcceptSymbol(","));
+}
+
+Statement Parser::ParseInsert() {
+  Expect("insert");
+  Accept("into");
+  InsertStatement insert;
+  insert.table = TakeObjectName();
+  SkipTableHints();
+  if (token_.IsSymbol("(") && !PeekSecond().Is("select")) insert.columns = TakeNameList();
+  if (Accept("default")) {
+    Expect("values");
+    insert.default_values = true;
+    insert.rows = 1;
+  } else if (token_.Is("values")) {
+    ParseValuesRows(insert);
+  } else if (token_.Is("exec") || token_.Is("execute")) {
+    insert.execute = ParseStatement();
+  } else if (token_.Is("select") || token_.Is("with") || token_.IsSymbol("(")) {
+    insert.query = ParseQuery();
+  } else {
+    Fail();
+  }
+  return {1, std::move(insert)};
+}
+
+Statement Parser::ParseUpdate() {
+  if (PeekSecond().Is("statistics")) return SkipStatistics();
+  Expect("update");
+  UpdateStatement update;
+  if (Accept("top")) {
+    ExpectSymbol("(");
+    update.top = ParseExpr();
+    ExpectSymbol(")");
+  }
+  update.table = TakeObjectName();
+  SkipTableHints();
+  Expect("set");
+  do {
+    Assignment assignment;
+    if (token_.kind == TokenKind::Variable) {
+      assignment.variable = std::string(Take().text);
+      ExpectSymbol("=");
+      if (token_.IsName() && PeekSecond().IsSymbol("=")) {
+        assignment.column = TakeName();
+        Take();
+      }
+    } else {
+      assignment.column = TakeObjectName().name;
+      ExpectSymbol("=");
+    }
+    if (Accept("default")) {
+      assignment.value = nullptr;
+    } else {
+      assignment.value = ParseSum();
+    }
+    update.assignments.push_back(std::move(assignment));
+  } while (AcceptSymbol(","));
+  if (Accept("from")) update.from = ParseFrom();
+  if (Accept("where")) update.where = ParseExpr();
+  return {1, std::move(update)};
+}
+
+Statement Parser::ParseDelete() {
+  Expect("delete");
+  DeleteStatement remove;
+  if (Accept("top")) {
+    ExpectSymbol("(");
+    remove.top = ParseExpr();
+    ExpectSymbol(")");
+  }
+  Accept("from");
+  remove.table = TakeObjectName();
+  SkipTableHints();
+  if (Accept("from")) remove.from = ParseFrom();
+  if (Accept("where")) remove.where = ParseExpr();
+  return {1, std::move(remove)};
+}
+
+}  // namespace sandbox

@@ -1,0 +1,320 @@
+#include <array>
+
+#include "sandbox/parser/parser.h"
+#include "sandbox/text/text_order.h"
+#include "sandbox/values/errors.h"
+
+namespace sandbox {
+StatementPtr Parser::ParseStatement() {
+  const DepthGuard guard(*this);
+  const int line = token_.line;
+  auto statement = std::make_unique<Statement>(ParseKeyword());
+  statement->line = line;
+  while (AcceptSymbol(";")) {
+  }
+  return statement;
+}
+
+Statement Parser::ParseKeyword() {
+  using Handler = Statement (*)(Parser&);
+  struct Entry {
+    std::string_view word;
+    Handler parse;
+  };
+  using Jump = JumpStatement::Kind;
+  using Transaction = TransactionStatement::Kind;
+  static constexpr std::array kEntries{
+      Entry{"select",
+            [](Parser& p) {
+              return Statement{1, SelectStatement{p.ParseQuery()}};
+            }},
+      Entry{"with",
+            [](Parser& p) {
+              return Statement{1, SelectStatement{p.ParseQuery()}};
+            }},
+      Entry{"insert", [](Parser& p) { return p.ParseInsert(); }},
+      Entry{"update", [](Parser& p) { return p.ParseUpdate(); }},
+      Entry{"delete", [](Parser& p) { return p.ParseDelete(); }},
+      Entry{"create", [](Parser& p) { return p.ParseCreate(); }},
+      Entry{"drop", [](Parser& p) { return p.ParseDrop(); }},
+      Entry{"alter", [](Parser& p) { return p.ParseAlter(); }},
+      Entry{"begin", [](Parser& p) { return p.ParseBegin(); }},
+      Entry{"declare", [](Parser& p) { return p.ParseDeclare(); }},
+      Entry{"set", [](Parser& p) { return p.ParseSet(); }},
+      Entry{"if", [](Parser& p) { return p.ParseIf(); }},
+      Entry{"while", [](Parser& p) { return p.ParseWhile(); }},
+      Entry{"exec", [](Parser& p) { return p.ParseExecute(false); }},
+      Entry{"execute", [](Parser& p) { return p.ParseExecute(false); }},
+      Entry{"commit", [](Parser& p) { return p.ParseTransaction(Transaction::Commit); }},
+      Entry{"rollback", [](Parser& p) { return p.ParseTransaction(Transaction::Rollback); }},
+      Entry{"save", [](Parser& p) { return p.ParseTransaction(Transaction::Save); }},
+      Entry{"raiserror", [](Parser& p) { return p.ParseRaise(false); }},
+      Entry{"throw", [](Parser& p) { return p.ParseRaise(true); }},
+      Entry{"break", [](Parser& p) { return p.ParseJump(Jump::Break); }},
+      Entry{"continue", [](Parser& p) { return p.ParseJump(Jump::Continue); }},
+      Entry{"return", [](Parser& p) { return p.ParseJump(Jump::Return); }},
+      Entry{"waitfor", [](Parser& p) { return p.ParseWait(); }},
+      Entry{"use", [](Parser& p) { return p.ParseUse(); }},
+      Entry{"print",
+            [](Parser& p) {
+              p.Take();
+              return Statement{1, PrintStatement{p.ParseExpr()}};
+            }},
+      Entry{"truncate",
+            [](Parser& p) {
+              p.Take();
+              p.Expect("table");
+              return Statement{1, TruncateStatement{p.TakeObjectName()}};
+            }},
+  };
+  if (token_.IsSymbol("(")) return {1, SelectStatement{ParseQuery()}};
+  for (const Entry& entry : kEntries) {
+    if (token_.Is(entry.word)) return entry.parse(*this);
+  }
+  if (Accept("checkpoint")) return {1, NothingStatement()};
+  if (token_.Is("dbcc") && PeekSecond().Is("checkident")) return ParseReseed();
+  // Rights, which every login has, and upkeep of files, which nobody has to do here.
+  for (const char* word : {"grant", "revoke", "deny", "dbcc", "backup", "dump"}) {
+    if (!token_.Is(word)) continue;
+    while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();
+    return {1, NothingStatement()};
+  }
+  Fail();
+}
+
+// "checkident ('t', reseed, 5)"; without a number there is nothing to do.
+Statement Parser::ParseReseed() {
+  Take();
+  Take();
+  ExpectSymbol("(");
+  const bool is_text = token_.kind == TokenKind::String || token_.kind == TokenKind::NString;
+  const std::string text = is_text ? Unquote(Take().text, '\'') : std::string();
+  ReseedStatement reseed{is_text ? Parser(text).ParseNameText() : TakeObjectName()};
+  const bool has_number =
+      AcceptSymbol(",") && (Accept("reseed") || Accept("noreseed")) && AcceptSymbol(",");
+  if (has_number) {
+    const bool is_negative = AcceptSymbol("-");
+    reseed.last = TakeInteger() * (is_negative ? -1 : 1);
+  }
+  ExpectSymbol(")");
+  if (!has_number) return {1, NothingStatement()};
+  return {1, std::move(reseed)};
+}
+
+// Statements up to "end", or up to "end try" and its kin.
+Block Parser::ParseUntilEnd(std::string_view second_word) {
+  Block block;
+  while (AcceptSymbol(";")) {
+  }
+  while (!token_.Is("end")) {
+    if (token_.kind == TokenKind::End) Fail();
+    block.push_back(ParseStatement());
+  }
+  Take();
+  if (!second_word.empty()) Expect(second_word);
+  return block;
+}
+
+Statement Parser::ParseBegin() {
+  if (PeekSecond().Is("tran") || PeekSecond().Is("transaction")) {
+    return ParseTransaction(TransactionStatement::Kind::Begin);
+  }
+  Expect("begin");
+  if (!Accept("try")) return {1, BlockStatement{ParseUntilEnd("")}};
+  TryStatement guarded;
+  guarded.body = ParseUntilEnd("try");
+  AcceptSymbol(";");
+  Expect("begin");
+  Expect("catch");
+  guarded.handler = ParseUntilEnd("catch");
+  return {1, std::move(guarded)};
+}
+
+Statement Parser::ParseTransaction(TransactionStatement::Kind kind) {
+  Take();
+  const bool word = Accept("tran") || Accept("transaction");
+  if (!word) Accept("work");
+  TransactionStatement transaction{kind, ""};
+  const bool named =
+      word && ((token_.IsName() && !IsReserved(token_)) || token_.kind == TokenKind::Variable);
+  if (named) {
+    // "commit tran" may be followed by the next statement without a semicolon: throw is no name.
+    if (!token_.Is("throw")) transaction.name = std::string(Take().text);
+  }
+  if (kind == TransactionStatement::Kind::Save && transaction.name.empty()) Fail();
+  return {1, std::move(transaction)};
+}
+
+Statement Parser::ParseDeclare() {
+  Expect("declare");
+  DeclareStatement declare;
+  do {
+    if (token_.kind != TokenKind::Variable) Fail();
+    DeclareItem item;
+    item.name = LowerText(Take().text);
+    Accept("as");
+    item.type =
+        ParseType(static_cast<int>(declare.items.size()) + 1, item.name, 1, &item.alias_type);
+    if (AcceptSymbol("=")) item.value = ParseExpr();
+    declare.items.push_back(std::move(item));
+  } while (AcceptSymbol(","));
+  return {1, std::move(declare)};
+}
+
+Statement Parser::ParseSet() {
+  Expect("set");
+  if (token_.kind == TokenKind::Variable) {
+    SetVariableStatement set;
+    set.name = LowerText(Take().text);
+    const Token symbol = Take();
+    if (symbol.IsSymbol("=")) {
+      set.value = ParseExpr();
+      return {1, std::move(set)};
+    }
+    if (symbol.kind != TokenKind::Symbol || symbol.text.size() != 2 || symbol.text[1] != '=')
+      Fail();
+    ExprPtr sum = NewExpr(ExprKind::Binary);
+    sum->text.assign(1, symbol.text[0]);
+    ExprPtr variable = NewExpr(ExprKind::Variable);
+    variable->text = set.name;
+    sum->args.push_back(std::move(variable));
+    sum->args.push_back(ParseExpr());
+    set.value = std::move(sum);
+    return {1, std::move(set)};
+  }
+  SetOptionStatement option;
+  if (Accept("identity_insert")) {
+    option.words.push_back("identity_insert");
+    option.table = TakeObjectName();
+    option.words.push_back(LowerText(token_.text));
+    if (!token_.Is("on") && !token_.Is("off")) Fail();
+    Take();
+    return {1, std::move(option)};
+  }
+  if (!token_.IsName()) Fail();
+  do {
+    if (!option.words.empty() && token_.Is("on")) break;
+    option.words.push_back(LowerText(Take().text));
+  } while (AcceptSymbol(","));
+  if (option.words.front() == "transaction") {  // isolation level ...
+    Expect("isolation");
+    Expect("level");
+    for (int i = 0; i < 2 && token_.IsName() && !IsReserved(token_); ++i) Take();
+    return {1, std::move(option)};
+  }
+  while (token_.IsName() && !token_.Is("on") && !token_.Is("off") && !IsReserved(token_) &&
+         (token_.Is("io") || token_.Is("time") || token_.Is("xml") || token_.Is("profile"))) {
+    option.words.push_back(LowerText(Take().text));
+  }
+  if (token_.Is("on") || token_.Is("off") || (token_.IsName() && !IsReserved(token_))) {
+    option.words.push_back(LowerText(Take().text));
+  } else {
+    option.value = ParseUnary();
+  }
+  return {1, std::move(option)};
+}
+
+Statement Parser::ParseIf() {
+  Expect("if");
+  IfStatement branch;
+  branch.condition = ParseExpr();
+  branch.then = ParseStatement();
+  if (Accept("else")) branch.otherwise = ParseStatement();
+  return {1, std::move(branch)};
+}
+
+Statement Parser::ParseWhile() {
+  Expect("while");
+  WhileStatement loop;
+  loop.condition = ParseExpr();
+  loop.body = ParseStatement();
+  return {1, std::move(loop)};
+}
+
+Statement Parser::ParseExecute(bool without_keyword) {
+  if (!without_keyword) Take();
+  ExecuteStatement execute;
+  if (token_.kind == TokenKind::Variable && PeekSecond().IsSymbol("=")) {
+    execute.status_variable = LowerText(Take().text);
+    Take();
+  }
+  if (!without_keyword && AcceptSymbol("(")) {
+    execute.text = ParseExpr();
+    ExpectSymbol(")");
+    return {1, std::move(execute)};
+  }
+  execute.procedure = TakeObjectName();
+  const auto at_argument = [&] {
+    return token_.kind == TokenKind::Variable || IsLiteralToken(token_) || token_.IsSymbol("-") ||
+           token_.kind == TokenKind::Quoted || token_.Is("default") ||
+           (token_.kind == TokenKind::Word && !IsReserved(token_) && !token_.Is("throw"));
+  };
+  if (!at_argument()) return {1, std::move(execute)};
+  do {
+    ExecuteArgument argument;
+    if (token_.kind == TokenKind::Variable && PeekSecond().IsSymbol("=")) {
+      argument.name = std::string(Take().text);
+      Take();
+    }
+    if (token_.IsName() && !IsLiteralToken(token_)) {  // a bare word is its text
+      argument.value = NewExpr(ExprKind::Literal);
+      if (token_.Is("default")) {
+        argument.value = nullptr;
+        Take();
+      } else {
+        const Token word = Take();
+        argument.value->literal = {std::string(word.text), {SqlType::NVarChar, 4000, 0, 0}, false};
+      }
+    } else {
+      const bool variable = token_.kind == TokenKind::Variable;
+      const std::string name = LowerText(token_.text);
+      argument.value = ParseUnary();
+      if (variable && (Accept("output") || Accept("out"))) argument.output_variable = name;
+    }
+    execute.arguments.push_back(std::move(argument));
+  } while (AcceptSymbol(","));
+  return {1, std::move(execute)};
+}
+
+Statement Parser::ParseRaise(bool is_throw) {
+  Take();
+  RaiseStatement raise;
+  raise.is_throw = is_throw;
+  if (is_throw) {
+    if (token_.kind == TokenKind::Integer || token_.kind == TokenKind::Variable) {
+      raise.args = ParseList();
+    }
+    return {1, std::move(raise)};
+  }
+  ExpectSymbol("(");
+  raise.args = ParseList();
+  ExpectSymbol(")");
+  if (Accept("with")) {
+    do {
+      TakeName();
+    } while (AcceptSymbol(","));
+  }
+  return {1, std::move(raise)};
+}
+
+Statement Parser::ParseJump(JumpStatement::Kind kind) {
+  Take();
+  JumpStatement jump{kind, nullptr};
+  const bool value = IsLiteralToken(token_) || token_.kind == TokenKind::Variable ||
+                     token_.IsSymbol("(") || token_.IsSymbol("-");
+  if (kind == JumpStatement::Kind::Return && value) jump.value = ParseExpr();
+  return {1, std::move(jump)};
+}
+
+Statement Parser::ParseWait() {
+  Take();
+  Expect("delay");
+  return {1, WaitStatement{ParsePrimary()}};
+}
+
+Statement Parser::ParseUse() {
+  Take();
+  return {1, UseStatement{TakeName()}};
+}
+
+}  // namespace sandbox

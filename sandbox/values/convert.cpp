@@ -1,0 +1,131 @@
+#include "sandbox/values/convert.h"
+
+#include <cmath>
+
+#include "sandbox/values/convert_parts.h"
+#include "sandbox/values/datetime_text.h"
+#include "sandbox/values/errors.h"
+#include "sandbox/values/ticks.h"
+
+namespace sandbox {
+namespace {
+
+using namespace conversion;
+
+Value ToDateTime(const Value& value, const TypeInfo& from, const TypeInfo& to) {
+  DateTimeValue time;
+  if (const auto* text = std::get_if<std::string>(&value)) {
+    const ParsedDateTime parsed = ParseDateTime(Trim(*text));
+    if (parsed.problem == DateProblem::Syntax) Raise(241);
+    const bool old = to.type == SqlType::DateTime || to.type == SqlType::SmallDateTime;
+    if (parsed.problem == DateProblem::Range) {
+      if (!old) Raise(241);
+      Raise(242, TypeName(from), TypeName(to));
+    }
+    time = parsed.value;
+    if (to.type != SqlType::DateTimeOffset && time.offset_minutes != 0 && old) Raise(241);
+  } else if (const auto* moment = std::get_if<DateTimeValue>(&value)) {
+    time = *moment;
+    if (from.type == SqlType::Time && to.type != SqlType::Time) {
+      time.days = static_cast<std::int32_t>(kDaysTo1900);
+    }
+  } else {
+    const bool whole = to.type == SqlType::DateTime || to.type == SqlType::SmallDateTime;
+    if (!whole || value.index() > 4) Raise(206, TypeName(from), TypeName(to));
+    const double days = std::get<double>(ToApproximate(value, from, FloatType()));
+    if (std::fabs(days) > 4e6) Raise(8115, "expression", TypeName(to));
+    const double day = std::floor(days);
+    time.days = static_cast<std::int32_t>(day + static_cast<double>(kDaysTo1900));
+    time.ticks = static_cast<std::int64_t>((days - day) * static_cast<double>(kTicksPerDay));
+  }
+  const auto fitted = FitDateTime(time, to);
+  if (!fitted) Raise(242, TypeName(from), TypeName(to));
+  return *fitted;
+}
+
+Value ConvertAny(const Value& value, const TypeInfo& from, const TypeInfo& to, int style,
+                 bool storing) {
+  if (std::holds_alternative<std::monostate>(value)) return value;
+  if (to.type == SqlType::Variant) return value;
+  if (from.type == SqlType::Variant)
+    return ConvertAny(value, VariantBase(value), to, style, storing);
+  if (to.type == SqlType::Bit) return ToBit(value, from);
+  if (IsInteger(to.type)) return ToInteger(value, from, to);
+  if (IsExact(to.type)) return ToExact(value, from, to);
+  if (IsApproximate(to.type)) return ToApproximate(value, from, to);
+  if (IsTemporal(to.type)) return ToDateTime(value, from, to);
+  if (to.type == SqlType::UniqueIdentifier) return ToGuid(value, from);
+  if (IsBinary(to.type)) return FitBytes(ToBytes(value, from, to, style), from, to, storing);
+  std::string text = ToText(value, from, to, style);
+  if (!IsText(from.type)) CheckNumberFits(value, from, to, text);
+  return FitText(std::move(text), to, storing);
+}
+
+}  // namespace
+
+Value Convert(const Value& value, const TypeInfo& from, const TypeInfo& to, int style) {
+  return ConvertAny(value, from, to, style, false);
+}
+
+Value ConvertToStore(const Value& value, const TypeInfo& from, const TypeInfo& to) {
+  return ConvertAny(value, from, to, 0, true);
+}
+
+void CheckConvertible(const TypeInfo& from, const TypeInfo& to, bool is_explicit) {
+  if (from.type == to.type || from.type == SqlType::Variant || to.type == SqlType::Variant) return;
+  const bool text = IsText(from.type), text_to = IsText(to.type);
+  const ErrorNumber<2> clash = is_explicit ? ErrorNumber<2>(529) : ErrorNumber<2>(206);
+  const auto refuse = [&](ErrorNumber<2> number) { Raise(number, TypeName(from), TypeName(to)); };
+  const bool temporal = IsTemporal(from.type), temporal_to = IsTemporal(to.type);
+  if (temporal && IsNumber(to.type)) {
+    const bool old = from.type == SqlType::DateTime || from.type == SqlType::SmallDateTime;
+    if (!old) refuse(clash);
+    if (!is_explicit) refuse(257);
+  }
+  if (temporal_to && IsNumber(from.type)) {
+    const bool old = to.type == SqlType::DateTime || to.type == SqlType::SmallDateTime;
+    if (!old) refuse(clash);
+  }
+  if (from.type == SqlType::UniqueIdentifier && !text_to && !IsBinary(to.type)) refuse(206);
+  if (to.type == SqlType::UniqueIdentifier && !text && !IsBinary(from.type)) refuse(206);
+  if (text && IsBinary(to.type) && !is_explicit) refuse(257);
+  if (IsLong(from) && Facts(from.type).length != 0 && IsNumber(to.type)) refuse(clash);
+  if (Facts(to.type).length == 2147483647 && to.type == SqlType::Text && IsNumber(from.type)) {
+    refuse(clash);
+  }
+  if (IsBinary(from.type) && IsApproximate(to.type)) refuse(clash);
+}
+
+std::string ValueText(const Value& value, const TypeInfo& type) {
+  if (std::holds_alternative<std::monostate>(value)) return "NULL";
+  if (type.type == SqlType::Variant) return ValueText(value, VariantBase(value));
+  if (const auto* binary = std::get_if<BinaryValue>(&value)) {
+    return "0x" + fmt::format("{}", HexText(binary->bytes));
+  }
+  return ToText(value, type, {SqlType::NVarChar, -1, 0, 0}, 0);
+}
+
+TypeInfo VariantBase(const Value& value) {
+  switch (value.index()) {
+    case 1:
+      return BitType();
+    case 2: {
+      const std::int64_t number = std::get<std::int64_t>(value);
+      return number >= INT32_MIN && number <= INT32_MAX ? IntType() : BigIntType();
+    }
+    case 3:
+      return FloatType();
+    case 4:
+      return DecimalType(38, std::get<DecimalValue>(value).scale);
+    case 6:
+      return VarBinary(std::get<BinaryValue>(value).bytes.size());
+    case 7:
+      return {SqlType::DateTime2, 0, 27, 7};
+    case 8:
+      return {SqlType::UniqueIdentifier, 0, 0, 0};
+    default:
+      return NVarChar(4000);
+  }
+}
+
+}  // namespace sandbox
