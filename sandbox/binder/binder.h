@@ -13,6 +13,8 @@
 
 namespace sandbox {
 
+class SqliteStatement;
+
 struct Variable {
   TypeInfo type;
   Value value;
@@ -100,8 +102,8 @@ class Binder {
   static std::string Collated(const std::string& sql, const TypeInfo& type);
   static Bound Constant(Value value, const TypeInfo& type);
 
-  /// The values of the parameters ?1, ?2, ... in what was bound.
-  const std::vector<std::pair<Value, TypeInfo>>& Parameters() const { return parameters_; }
+  /// Binds the values of the parameters ?1, ?2, ... in what was bound.
+  void SetParameters(SqliteStatement& statement) const;
 
  private:
   struct Grouping;
@@ -133,6 +135,8 @@ class Binder {
   Bound BindAny(const Expr& expr, const Scope& scope);
   Bound BindColumn(const Expr& expr, const Scope& scope);
   Bound BindVariable(const Expr& expr);
+  Bound BindCast(const Expr& expr, const Scope& scope);
+  Bound BindCollate(const Expr& expr, const Scope& scope);
   Bound BindUnary(const Expr& expr, const Scope& scope);
   Bound BindBinary(const Expr& expr, const Scope& scope);
   Bound BindArithmetic(char op, Bound left, Bound right);

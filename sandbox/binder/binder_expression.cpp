@@ -3,6 +3,7 @@
 #include "sandbox/binder/binder.h"
 #include "sandbox/storage/collations.h"
 #include "sandbox/storage/encoding.h"
+#include "sandbox/storage/sqlite.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
 #include "sandbox/values/errors.h"
@@ -112,33 +113,38 @@ Bound Binder::BindAny(const Expr& expr, const Scope& scope) {
       return BindCase(expr, scope);
     case ExprKind::Function:
       return BindFunction(expr, scope);
-    case ExprKind::Cast: {
-      int style = 0;
-      if (expr.args.size() > 1) {
-        const Bound number = Coerce(BindValue(*expr.args[1], scope), IntType());
-        if (number.constant && number.constant->index() == 2) {
-          style = static_cast<int>(std::get<std::int64_t>(*number.constant));
-        }
-      }
-      Bound value = BindValue(*expr.args[0], scope);
-      TypeInfo type = expr.type;
-      if (IsText(type.type) && IsText(value.type.type)) type.order = value.type.order;
-      Bound bound = Coerce(std::move(value), type, true, style, expr.text.substr(0, 4) == "try_");
-      bound.name.clear();
-      bound.identity = false;
-      return bound;
-    }
-    case ExprKind::Collate: {
-      Bound bound = BindValue(*expr.args[0], scope);
-      const auto order = OrderOfCollation(expr.text);
-      if (!order) Raise(448, expr.text);
-      bound.type.order = *order;
-      return bound;
-    }
+    case ExprKind::Cast:
+      return BindCast(expr, scope);
+    case ExprKind::Collate:
+      return BindCollate(expr, scope);
     case ExprKind::Window:
       return BindWindow(expr, scope);
   }
   Raise(102, expr.text);
+}
+
+Bound Binder::BindCast(const Expr& expr, const Scope& scope) {
+  int style = 0;
+  if (expr.args.size() > 1) {
+    const Bound number = Coerce(BindValue(*expr.args[1], scope), IntType());
+    const auto* held = number.constant ? std::get_if<std::int64_t>(&*number.constant) : nullptr;
+    if (held) style = static_cast<int>(*held);
+  }
+  Bound value = BindValue(*expr.args[0], scope);
+  TypeInfo type = expr.type;
+  if (IsText(type.type) && IsText(value.type.type)) type.order = value.type.order;
+  Bound bound = Coerce(std::move(value), type, true, style, expr.text.starts_with("try_"));
+  bound.name.clear();
+  bound.identity = false;
+  return bound;
+}
+
+Bound Binder::BindCollate(const Expr& expr, const Scope& scope) {
+  Bound bound = BindValue(*expr.args[0], scope);
+  const auto order = OrderOfCollation(expr.text);
+  if (!order) Raise(448, expr.text);
+  bound.type.order = *order;
+  return bound;
 }
 
 Bound Binder::BindColumn(const Expr& expr, const Scope& scope) {
@@ -169,6 +175,13 @@ Bound Binder::BindColumn(const Expr& expr, const Scope& scope) {
   }
   if (expr.parts.size() > 1) Raise(4104, Joined(expr.parts));
   Raise(207, name);
+}
+
+void Binder::SetParameters(SqliteStatement& statement) const {
+  int index = 0;
+  for (const auto& [value, type] : parameters_) {
+    sandbox::BindValue(statement.get(), ++index, value, type);
+  }
 }
 
 std::string Binder::AddParameter(const std::string& name, Value value, const TypeInfo& type) {

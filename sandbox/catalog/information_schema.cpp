@@ -1,88 +1,176 @@
-#include "sandbox/catalog/session.h"
-#include "sandbox/catalog/system_views.h"
-#include "sandbox/values/type_rules.h"
+#include "sandbox/catalog/sys_view_parts.h"
 
 namespace sandbox {
 namespace {
 
-const TypeInfo kName = NVarChar(128);
+using sys::kInt;
+using sys::kName;
+using sys::kSmall;
+using sys::kText;
+using sys::kTiny;
+using sys::TextOrNull;
+using sys::ViewColumns;
+using sys::Word;
+
 const TypeInfo kWord = VarChar(30);
-const TypeInfo kInt = IntType();
-const TypeInfo kSmall = SmallIntType();
-const TypeInfo kText = NVarChar(4000);
 
-Value Word(const char* text) {
-  return std::string(text);
+/// What a row of any of the views shows.
+struct Entry {
+  std::string database, schema, name{};  // of a table, view, constraint or schema
+  const char* kind = "";
+  const TableDef* table = nullptr;
+  const ColumnDef* column = nullptr;
+  std::int64_t position = 0;  // of the column, from 1
+  const ForeignKeyDef* key = nullptr;
+  const TableDef* parent = nullptr;
+  std::string text{};  // of a check or view; of a schema its owner
+};
+
+using Columns = ViewColumns<Entry>;
+using Entries = std::vector<Entry>;
+
+// ---- what columns show
+
+Value Database(const Entry& e) {
+  return e.database;
 }
-Value YesNo(bool yes) {
-  return std::string(yes ? "YES" : "NO");
+Value Schema(const Entry& e) {
+  return e.schema;
 }
-Value Int(std::int64_t number) {
-  return number;
+Value Name(const Entry& e) {
+  return e.name;
+}
+Value TableName(const Entry& e) {
+  return e.table->name;
+}
+Value ColumnName(const Entry& e) {
+  return e.column->name;
+}
+Value Position(const Entry& e) {
+  return e.position;
+}
+Value Kind(const Entry& e) {
+  return Word(e.kind);
+}
+Value TextOf(const Entry& e) {
+  return e.text;
+}
+Value No(const Entry&) {
+  return Word("NO");
 }
 
-std::vector<Value> ColumnRow(const std::string& database, const TableDef& table,
-                             const ColumnInfo& column, std::int64_t position,
-                             const std::string& default_text, const std::string& collation) {
-  const TypeInfo& type = column.type;
-  const bool sized = IsText(type.type) || IsBinary(type.type);
-  const bool number = IsNumber(type.type) && type.type != SqlType::Bit;
-  const bool text = IsText(type.type) && type.type != SqlType::Xml;
-  const int longest = type.type == SqlType::NText ? 1073741823 : 2147483647;
-  const int characters = type.length >= 0               ? type.length
-                         : Facts(type.type).length != 0 ? longest
-                                                        : -1;
-  const int bytes = characters < 0                                 ? -1
-                    : Facts(type.type).length != 0 && IsLong(type) ? Facts(type.type).length
-                                                                   : MaxLength(type);
-  Value fraction;
-  if (IsTemporal(type.type) && type.type != SqlType::Date) {
-    fraction = Int(type.type == SqlType::SmallDateTime ? 0 : type.scale);
+bool HasLength(SqlType type) {
+  return (IsText(type) || IsBinary(type)) && type != SqlType::Timestamp;
+}
+bool HasDigits(SqlType type) {
+  return IsNumber(type) && type != SqlType::Bit;
+}
+
+Value Characters(const Entry& e) {
+  const TypeInfo& type = e.column->type;
+  if (!HasLength(type.type)) return {};
+  if (type.length >= 0) return std::int64_t{type.length};
+  if (Facts(type.type).length == 0) return std::int64_t{-1};
+  return std::int64_t{type.type == SqlType::NText ? 1073741823 : 2147483647};
+}
+
+Value Bytes(const Entry& e) {
+  const TypeInfo& type = e.column->type;
+  if (!HasLength(type.type)) return {};
+  const int fixed = Facts(type.type).length;
+  if (type.length < 0 && fixed == 0) return std::int64_t{-1};
+  return std::int64_t{fixed != 0 && IsLong(type) ? fixed : MaxLength(type)};
+}
+
+Value Precision(const Entry& e) {
+  const TypeInfo& type = e.column->type;
+  return HasDigits(type.type) ? Value(std::int64_t{type.precision}) : Value();
+}
+Value Radix(const Entry& e) {
+  const SqlType type = e.column->type.type;
+  return HasDigits(type) ? Value(std::int64_t{IsApproximate(type) ? 2 : 10}) : Value();
+}
+Value Scale(const Entry& e) {
+  const TypeInfo& type = e.column->type;
+  const bool exact = HasDigits(type.type) && !IsApproximate(type.type);
+  return exact ? Value(std::int64_t{type.scale}) : Value();
+}
+Value Fraction(const Entry& e) {
+  const TypeInfo& type = e.column->type;
+  if (!IsTemporal(type.type)) return {};
+  const bool whole = type.type == SqlType::SmallDateTime || type.type == SqlType::Date;
+  return std::int64_t{whole ? 0 : type.scale};
+}
+Value CharacterSet(const Entry& e) {
+  const SqlType type = e.column->type.type;
+  if (!IsText(type) || type == SqlType::Xml) return {};
+  return Word(IsUnicode(type) ? "UNICODE" : "iso_1");
+}
+
+Value Rule(ForeignKeyRule rule) {
+  static constexpr const char* kRules[] = {"NO ACTION", "CASCADE", "SET NULL", "SET DEFAULT"};
+  return Word(kRules[static_cast<int>(rule)]);
+}
+
+Value ParentConstraint(const Entry& e) {
+  for (const IndexDef& index : e.parent->indexes) {
+    if (index.unique && index.columns.size() == e.key->parent_columns.size() &&
+        index.columns.front().column_id == e.key->parent_columns.front()) {
+      return index.name;
+    }
   }
-  if (type.type == SqlType::Date) fraction = Int(0);
-  return {database,
-          table.schema,
-          table.name,
-          column.name,
-          position,
-          default_text.empty() ? Value() : Value(default_text),
-          YesNo(column.nullable),
-          Word(TypeName(type)),
-          sized && type.type != SqlType::Timestamp ? Int(characters) : Value(),
-          sized && type.type != SqlType::Timestamp ? Int(bytes) : Value(),
-          number ? Int(type.precision) : Value(),
-          number ? (IsApproximate(type.type) ? Int(2) : Int(10)) : Value(),
-          number && !IsApproximate(type.type) ? Int(type.scale) : Value(),
-          fraction,
-          text ? (IsUnicode(type.type) ? Word("UNICODE") : Word("iso_1")) : Value(),
-          collation.empty() ? Value() : Value(collation)};
+  return {};
 }
 
-void Tables(Session&, DatabaseLink& link, SystemView::Rows& rows) {
-  for (const TableDef* table : link.Definitions().Sorted()) {
-    rows.push_back({link.Name(), table->schema, table->name, Word("BASE TABLE")});
-  }
+// ---- what there is
+
+Entry OfTable(DatabaseLink& link, const TableDef& table, const std::string& name) {
+  Entry entry{.database = link.Name(), .schema = table.schema, .name = name};
+  entry.table = &table;
+  return entry;
+}
+
+Entries AllViews(Session&, DatabaseLink& link) {
+  Entries all;
   for (const auto& [id, view] : link.Definitions().views) {
-    rows.push_back({link.Name(), view.schema, view.name, Word("VIEW")});
+    all.push_back({.database = link.Name(),
+                   .schema = view.schema,
+                   .name = view.name,
+                   .kind = "VIEW",
+                   .text = view.text});
   }
+  return all;
 }
 
-void Columns(Session&, DatabaseLink& link, SystemView::Rows& rows) {
+Entries AllTables(Session& session, DatabaseLink& link) {
+  Entries all;
+  for (const TableDef* table : link.Definitions().Sorted()) {
+    all.push_back(OfTable(link, *table, table->name));
+    all.back().kind = "BASE TABLE";
+  }
+  for (Entry& view : AllViews(session, link)) all.push_back(std::move(view));
+  return all;
+}
+
+Entries AllColumns(Session&, DatabaseLink& link) {
+  Entries all;
   for (const TableDef* table : link.Definitions().Sorted()) {
     std::int64_t position = 0;
     for (const ColumnDef& column : table->columns) {
-      rows.push_back(ColumnRow(link.Name(), *table,
-                               {column.name, column.type, column.nullable, false}, ++position,
-                               column.default_text, CollationName(column.type, column.collation)));
+      all.push_back(OfTable(link, *table, table->name));
+      all.back().column = &column;
+      all.back().position = ++position;
     }
   }
+  return all;
 }
 
-void TableConstraints(Session&, DatabaseLink& link, SystemView::Rows& rows) {
+Entries AllConstraints(Session&, DatabaseLink& link) {
+  Entries all;
   for (const TableDef* table : link.Definitions().Sorted()) {
-    const auto add = [&](const std::string& name, const char* type) {
-      rows.push_back({link.Name(), table->schema, name, link.Name(), table->schema, table->name,
-                      Word(type), Word("NO"), Word("NO")});
+    const auto add = [&](const std::string& name, const char* kind) {
+      all.push_back(OfTable(link, *table, name));
+      all.back().kind = kind;
     };
     for (const IndexDef& index : table->indexes) {
       if (index.IsConstraint()) add(index.name, index.primary ? "PRIMARY KEY" : "UNIQUE");
@@ -90,13 +178,16 @@ void TableConstraints(Session&, DatabaseLink& link, SystemView::Rows& rows) {
     for (const ForeignKeyDef& key : table->foreign_keys) add(key.name, "FOREIGN KEY");
     for (const CheckDef& check : table->checks) add(check.name, "CHECK");
   }
+  return all;
 }
 
-void KeyColumns(Session&, DatabaseLink& link, SystemView::Rows& rows) {
+Entries AllKeyColumns(Session&, DatabaseLink& link) {
+  Entries all;
   for (const TableDef* table : link.Definitions().Sorted()) {
     const auto add = [&](const std::string& name, int column, std::size_t i) {
-      rows.push_back({link.Name(), table->schema, name, link.Name(), table->schema, table->name,
-                      table->Column(column).name, Int(static_cast<std::int64_t>(i) + 1)});
+      all.push_back(OfTable(link, *table, name));
+      all.back().column = &table->Column(column);
+      all.back().position = static_cast<std::int64_t>(i) + 1;
     };
     for (const IndexDef& index : table->indexes) {
       for (std::size_t i = 0; index.IsConstraint() && i < index.columns.size(); ++i) {
@@ -107,140 +198,127 @@ void KeyColumns(Session&, DatabaseLink& link, SystemView::Rows& rows) {
       for (std::size_t i = 0; i < key.columns.size(); ++i) add(key.name, key.columns[i], i);
     }
   }
+  return all;
 }
 
-Value Rule(ForeignKeyRule rule) {
-  static constexpr const char* kRules[] = {"NO ACTION", "CASCADE", "SET NULL", "SET DEFAULT"};
-  return Word(kRules[static_cast<int>(rule)]);
-}
-
-void Referential(Session&, DatabaseLink& link, SystemView::Rows& rows) {
+Entries AllForeignKeys(Session&, DatabaseLink& link) {
+  Entries all;
   const Catalog& catalog = link.Definitions();
   for (const TableDef* table : catalog.Sorted()) {
     for (const ForeignKeyDef& key : table->foreign_keys) {
-      Value unique;
-      const TableDef& parent = catalog.tables.at(key.parent_table);
-      for (const IndexDef& index : parent.indexes) {
-        if (index.unique && index.columns.size() == key.parent_columns.size() &&
-            index.columns.front().column_id == key.parent_columns.front() && unique.index() == 0) {
-          unique = index.name;
-        }
-      }
-      rows.push_back({link.Name(), table->schema, key.name, link.Name(), parent.schema, unique,
-                      Word("SIMPLE"), Rule(key.on_update), Rule(key.on_delete)});
+      all.push_back(OfTable(link, *table, key.name));
+      all.back().key = &key;
+      all.back().parent = &catalog.tables.at(key.parent_table);
     }
   }
+  return all;
 }
 
-void Checks(Session&, DatabaseLink& link, SystemView::Rows& rows) {
+Entries AllChecks(Session&, DatabaseLink& link) {
+  Entries all;
   for (const TableDef* table : link.Definitions().Sorted()) {
-    for (const CheckDef& check : table->checks)
-      rows.push_back({link.Name(), table->schema, check.name, check.text});
+    for (const CheckDef& check : table->checks) {
+      all.push_back(OfTable(link, *table, check.name));
+      all.back().text = check.text;
+    }
   }
+  return all;
 }
 
-void Schemata(Session&, DatabaseLink& link, SystemView::Rows& rows) {
+Entries AllSchemas(Session&, DatabaseLink& link) {
+  Entries all;
   for (const SchemaDef& schema : link.Definitions().schemas) {
-    rows.push_back({link.Name(), schema.name, schema.owner, Word("iso_1")});
+    all.push_back({.database = link.Name(), .schema = schema.name, .text = schema.owner});
   }
+  return all;
 }
 
-void Views(Session&, DatabaseLink& link, SystemView::Rows& rows) {
-  for (const auto& [id, view] : link.Definitions().views) {
-    rows.push_back({link.Name(), view.schema, view.name, view.text, Word("NONE"), Word("NO")});
-  }
+// ---- the views
+
+const Columns kTableName{{"TABLE_CATALOG", kName, Database},
+                         {"TABLE_SCHEMA", kName, Schema},
+                         {"TABLE_NAME", kName, Name}};
+
+const Columns kTables = kTableName + Columns{{"TABLE_TYPE", kWord, Kind}};
+
+const Columns kColumns =
+    kTableName +
+    Columns{
+        {"COLUMN_NAME", kName, ColumnName},
+        {"ORDINAL_POSITION", kInt, Position},
+        {"COLUMN_DEFAULT", kText,
+         [](const Entry& e) { return TextOrNull(e.column->default_text); }},
+        {"IS_NULLABLE", kWord,
+         [](const Entry& e) { return Word(e.column->nullable ? "YES" : "NO"); }},
+        {"DATA_TYPE", kName, [](const Entry& e) { return Word(TypeName(e.column->type)); }},
+        {"CHARACTER_MAXIMUM_LENGTH", kInt, Characters},
+        {"CHARACTER_OCTET_LENGTH", kInt, Bytes},
+        {"NUMERIC_PRECISION", kTiny, Precision},
+        {"NUMERIC_PRECISION_RADIX", kSmall, Radix},
+        {"NUMERIC_SCALE", kInt, Scale},
+        {"DATETIME_PRECISION", kSmall, Fraction},
+        {"CHARACTER_SET_NAME", kName, CharacterSet},
+        {"COLLATION_NAME", kName,
+         [](const Entry& e) {
+           return TextOrNull(CollationName(e.column->type, e.column->collation));
+         }},
+    };
+
+const Columns kConstraintName{{"CONSTRAINT_CATALOG", kName, Database},
+                              {"CONSTRAINT_SCHEMA", kName, Schema},
+                              {"CONSTRAINT_NAME", kName, Name}};
+
+const Columns kConstraintTable{{"TABLE_CATALOG", kName, Database},
+                               {"TABLE_SCHEMA", kName, Schema},
+                               {"TABLE_NAME", kName, TableName}};
+
+const Columns kTableConstraints = kConstraintName + kConstraintTable +
+                                  Columns{{"CONSTRAINT_TYPE", kWord, Kind},
+                                          {"IS_DEFERRABLE", kWord, No},
+                                          {"INITIALLY_DEFERRED", kWord, No}};
+
+const Columns kKeyColumns =
+    kConstraintName + kConstraintTable +
+    Columns{{"COLUMN_NAME", kName, ColumnName}, {"ORDINAL_POSITION", kInt, Position}};
+
+const Columns kReferentialConstraints =
+    kConstraintName +
+    Columns{
+        {"UNIQUE_CONSTRAINT_CATALOG", kName, Database},
+        {"UNIQUE_CONSTRAINT_SCHEMA", kName, [](const Entry& e) { return Value(e.parent->schema); }},
+        {"UNIQUE_CONSTRAINT_NAME", kName, ParentConstraint},
+        {"MATCH_OPTION", kWord, [](const Entry&) { return Word("SIMPLE"); }},
+        {"UPDATE_RULE", kWord, [](const Entry& e) { return Rule(e.key->on_update); }},
+        {"DELETE_RULE", kWord, [](const Entry& e) { return Rule(e.key->on_delete); }}};
+
+const Columns kSchemata{
+    {"CATALOG_NAME", kName, Database},
+    {"SCHEMA_NAME", kName, Schema},
+    {"SCHEMA_OWNER", kName, TextOf},
+    {"DEFAULT_CHARACTER_SET_NAME", kName, [](const Entry&) { return Word("iso_1"); }}};
+
+const Columns kViews =
+    kTableName + Columns{{"VIEW_DEFINITION", kText, TextOf},
+                         {"CHECK_OPTION", kWord, [](const Entry&) { return Word("NONE"); }},
+                         {"IS_UPDATABLE", kWord, No}};
+
+SystemView View(const char* name, const Columns& columns,
+                Entries (*entries)(Session&, DatabaseLink&)) {
+  return sys::MakeView("INFORMATION_SCHEMA", name, columns, entries);
 }
 
 }  // namespace
 
 std::vector<SystemView> InformationSchemaViews() {
-  constexpr const char* kSchema = "INFORMATION_SCHEMA";
-  return {
-      {kSchema,
-       "TABLES",
-       {{"TABLE_CATALOG", kName},
-        {"TABLE_SCHEMA", kName},
-        {"TABLE_NAME", kName},
-        {"TABLE_TYPE", kWord}},
-       Tables},
-      {kSchema,
-       "COLUMNS",
-       {{"TABLE_CATALOG", kName},
-        {"TABLE_SCHEMA", kName},
-        {"TABLE_NAME", kName},
-        {"COLUMN_NAME", kName},
-        {"ORDINAL_POSITION", kInt},
-        {"COLUMN_DEFAULT", kText},
-        {"IS_NULLABLE", kWord},
-        {"DATA_TYPE", kName},
-        {"CHARACTER_MAXIMUM_LENGTH", kInt},
-        {"CHARACTER_OCTET_LENGTH", kInt},
-        {"NUMERIC_PRECISION", TinyIntType()},
-        {"NUMERIC_PRECISION_RADIX", kSmall},
-        {"NUMERIC_SCALE", kInt},
-        {"DATETIME_PRECISION", kSmall},
-        {"CHARACTER_SET_NAME", kName},
-        {"COLLATION_NAME", kName}},
-       Columns},
-      {kSchema,
-       "TABLE_CONSTRAINTS",
-       {{"CONSTRAINT_CATALOG", kName},
-        {"CONSTRAINT_SCHEMA", kName},
-        {"CONSTRAINT_NAME", kName},
-        {"TABLE_CATALOG", kName},
-        {"TABLE_SCHEMA", kName},
-        {"TABLE_NAME", kName},
-        {"CONSTRAINT_TYPE", kWord},
-        {"IS_DEFERRABLE", kWord},
-        {"INITIALLY_DEFERRED", kWord}},
-       TableConstraints},
-      {kSchema,
-       "KEY_COLUMN_USAGE",
-       {{"CONSTRAINT_CATALOG", kName},
-        {"CONSTRAINT_SCHEMA", kName},
-        {"CONSTRAINT_NAME", kName},
-        {"TABLE_CATALOG", kName},
-        {"TABLE_SCHEMA", kName},
-        {"TABLE_NAME", kName},
-        {"COLUMN_NAME", kName},
-        {"ORDINAL_POSITION", kInt}},
-       KeyColumns},
-      {kSchema,
-       "REFERENTIAL_CONSTRAINTS",
-       {{"CONSTRAINT_CATALOG", kName},
-        {"CONSTRAINT_SCHEMA", kName},
-        {"CONSTRAINT_NAME", kName},
-        {"UNIQUE_CONSTRAINT_CATALOG", kName},
-        {"UNIQUE_CONSTRAINT_SCHEMA", kName},
-        {"UNIQUE_CONSTRAINT_NAME", kName},
-        {"MATCH_OPTION", kWord},
-        {"UPDATE_RULE", kWord},
-        {"DELETE_RULE", kWord}},
-       Referential},
-      {kSchema,
-       "CHECK_CONSTRAINTS",
-       {{"CONSTRAINT_CATALOG", kName},
-        {"CONSTRAINT_SCHEMA", kName},
-        {"CONSTRAINT_NAME", kName},
-        {"CHECK_CLAUSE", kText}},
-       Checks},
-      {kSchema,
-       "SCHEMATA",
-       {{"CATALOG_NAME", kName},
-        {"SCHEMA_NAME", kName},
-        {"SCHEMA_OWNER", kName},
-        {"DEFAULT_CHARACTER_SET_NAME", kName}},
-       Schemata},
-      {kSchema,
-       "VIEWS",
-       {{"TABLE_CATALOG", kName},
-        {"TABLE_SCHEMA", kName},
-        {"TABLE_NAME", kName},
-        {"VIEW_DEFINITION", kText},
-        {"CHECK_OPTION", kWord},
-        {"IS_UPDATABLE", kWord}},
-       Views},
-  };
+  return {View("TABLES", kTables, AllTables),
+          View("COLUMNS", kColumns, AllColumns),
+          View("TABLE_CONSTRAINTS", kTableConstraints, AllConstraints),
+          View("KEY_COLUMN_USAGE", kKeyColumns, AllKeyColumns),
+          View("REFERENTIAL_CONSTRAINTS", kReferentialConstraints, AllForeignKeys),
+          View("CHECK_CONSTRAINTS", kConstraintName + Columns{{"CHECK_CLAUSE", kText, TextOf}},
+               AllChecks),
+          View("SCHEMATA", kSchemata, AllSchemas),
+          View("VIEWS", kViews, AllViews)};
 }
 
 }  // namespace sandbox

@@ -8,8 +8,6 @@
 namespace sandbox {
 namespace {
 
-using Result = std::pair<Value, TypeInfo>;
-
 const TableDef* TableById(Session& session, const std::vector<Value>& args) {
   const auto* id = args.empty() ? nullptr : std::get_if<std::int64_t>(&args[0]);
   if (!id) return nullptr;
@@ -83,60 +81,59 @@ ObjectName ParsedName(const std::string& text) {
   }
 }
 
-Result ObjectIdOf(Session& session, const std::string& name, const std::string& kind) {
-  const Result none{Value(), IntType()};
-  const ObjectName parts = ParsedName(name);
-  if (!parts.database.empty() && !session.Folder().Find(parts.database)) return none;
+Value ObjectIdOf(Session& session, const std::vector<Value>& args) {
+  const ObjectName parts = ParsedName(Text(args, 0));
+  if (!parts.database.empty() && !session.Folder().Find(parts.database)) return {};
   DatabaseLink& link = session.LinkTo(parts.database);
   for (const std::string& schema : link.SearchPath(parts)) {
-    const auto id = IdIn(link.Definitions(), schema, parts.name, kind);
-    if (id) return {std::int64_t{*id}, IntType()};
+    const auto id = IdIn(link.Definitions(), schema, parts.name, Text(args, 1));
+    if (id) return std::int64_t{*id};
   }
-  return none;
+  return {};
 }
 
-Result ObjectNameOf(Session& session, const std::vector<Value>& args) {
+Value ObjectNameOf(Session& session, const std::vector<Value>& args) {
   const auto object = FindObject(session, args);
-  return {object ? Value(object->name) : Value(), NVarChar(128)};
+  return object ? Value(object->name) : Value();
 }
 
-Result ObjectSchemaNameOf(Session& session, const std::vector<Value>& args) {
+Value ObjectSchemaNameOf(Session& session, const std::vector<Value>& args) {
   const auto object = FindObject(session, args);
-  return {object ? Value(object->schema) : Value(), NVarChar(128)};
+  return object ? Value(object->schema) : Value();
 }
 
-Result SchemaNameOf(Session& session, const std::vector<Value>& args) {
-  if (args.empty()) return {session.Link().User().default_schema, NVarChar(128)};
+Value SchemaNameOf(Session& session, const std::vector<Value>& args) {
+  if (args.empty()) return session.Link().User().default_schema;
   const auto* id = std::get_if<std::int64_t>(&args[0]);
   for (const SchemaDef& schema : session.Link().Definitions().schemas) {
-    if (id && schema.id == *id) return {schema.name, NVarChar(128)};
+    if (id && schema.id == *id) return schema.name;
   }
-  return {Value(), NVarChar(128)};
+  return {};
 }
 
-Result SchemaIdOf(Session& session, const std::vector<Value>& args) {
+Value SchemaIdOf(Session& session, const std::vector<Value>& args) {
   const std::string name = args.empty() ? session.Link().User().default_schema : Text(args, 0);
   const SchemaDef* schema = session.Link().Definitions().FindSchema(name);
-  return {schema ? Value(std::int64_t{schema->id}) : Value(), IntType()};
+  return schema ? Value(std::int64_t{schema->id}) : Value();
 }
 
-Result ColumnNameOf(Session& session, const std::vector<Value>& args) {
+Value ColumnNameOf(Session& session, const std::vector<Value>& args) {
   const TableDef* table = TableById(session, args);
   const auto* id = args.size() < 2 ? nullptr : std::get_if<std::int64_t>(&args[1]);
   if (table && id) {
     for (const ColumnDef& column : table->columns) {
-      if (column.id == *id) return {column.name, NVarChar(128)};
+      if (column.id == *id) return column.name;
     }
   }
-  return {Value(), NVarChar(128)};
+  return {};
 }
 
-Result ColumnPropertyOf(Session& session, const std::vector<Value>& args) {
+Value ColumnPropertyOf(Session& session, const std::vector<Value>& args) {
   const TableDef* table = TableById(session, args);
   const ColumnDef* column = table ? table->FindColumn(Text(args, 1)) : nullptr;
   const std::string property = LowerText(Text(args, 2));
-  const auto number = [](std::int64_t value) { return Result{value, IntType()}; };
-  if (!column) return {Value(), IntType()};
+  const auto number = [](std::int64_t value) { return Value(value); };
+  if (!column) return {};
   if (property == "isidentity") return number(column->identity);
   if (property == "allowsnull") return number(column->nullable);
   if (property == "iscomputed") return number(column->IsComputed());
@@ -147,14 +144,14 @@ Result ColumnPropertyOf(Session& session, const std::vector<Value>& args) {
   if (property == "columnid") return number(column->id);
   if (property == "precision") return number(column->type.precision);
   if (property == "scale") return number(column->type.scale);
-  return {Value(), IntType()};
+  return {};
 }
 
-Result ObjectPropertyOf(Session& session, const std::vector<Value>& args) {
+Value ObjectPropertyOf(Session& session, const std::vector<Value>& args) {
   const TableDef* table = TableById(session, args);
   const std::string property = LowerText(Text(args, 1));
-  if (!table) return {Value(), IntType()};
-  const auto number = [](std::int64_t value) { return Result{value, IntType()}; };
+  if (!table) return {};
+  const auto number = [](std::int64_t value) { return Value(value); };
   if (property == "isusertable" || property == "istable") return number(1);
   if (property == "tablehasidentity") return number(table->IdentityColumn() != nullptr);
   if (property == "tablehasprimarykey") return number(table->PrimaryKey() != nullptr);

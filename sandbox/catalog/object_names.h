@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "sandbox/parser/ast.h"
@@ -14,14 +13,13 @@ class Session;
 ObjectName ParsedName(const std::string& text);
 
 /// The functions of the same names; NULL for what there is not.
-std::pair<Value, TypeInfo> ObjectIdOf(Session& session, const std::string& name,
-                                      const std::string& kind);
-std::pair<Value, TypeInfo> ObjectNameOf(Session& session, const std::vector<Value>& args);
-std::pair<Value, TypeInfo> ObjectSchemaNameOf(Session& session, const std::vector<Value>& args);
-std::pair<Value, TypeInfo> SchemaNameOf(Session& session, const std::vector<Value>& args);
-std::pair<Value, TypeInfo> SchemaIdOf(Session& session, const std::vector<Value>& args);
-std::pair<Value, TypeInfo> ColumnNameOf(Session& session, const std::vector<Value>& args);
-std::pair<Value, TypeInfo> ColumnPropertyOf(Session& session, const std::vector<Value>& args);
-std::pair<Value, TypeInfo> ObjectPropertyOf(Session& session, const std::vector<Value>& args);
+Value ObjectIdOf(Session& session, const std::vector<Value>& args);
+Value ObjectNameOf(Session& session, const std::vector<Value>& args);
+Value ObjectSchemaNameOf(Session& session, const std::vector<Value>& args);
+Value SchemaNameOf(Session& session, const std::vector<Value>& args);
+Value SchemaIdOf(Session& session, const std::vector<Value>& args);
+Value ColumnNameOf(Session& session, const std::vector<Value>& args);
+Value ColumnPropertyOf(Session& session, const std::vector<Value>& args);
+Value ObjectPropertyOf(Session& session, const std::vector<Value>& args);
 
 }  // namespace sandbox

@@ -11,7 +11,7 @@
 #include "sandbox/values/ticks.h"
 #include "sandbox/values/type_rules.h"
 
-// What the views of sys are made of.
+// What the views of sys and INFORMATION_SCHEMA are made of.
 namespace sandbox::sys {
 
 const TypeInfo kName = NVarChar(128);
@@ -60,10 +60,11 @@ ViewColumns<Item> operator+(ViewColumns<Item> columns, const ViewColumns<Item>& 
   return columns;
 }
 
-/// A view of sys whose rows show what `items(session, link)` returns.
+/// A view whose rows show what `items(session, link)` returns.
 template <class Item, class Items>
-SystemView MakeView(const char* name, const ViewColumns<Item>& columns, Items items) {
-  SystemView view{"sys", name, {}, {}};
+SystemView MakeView(const char* schema, const char* name, const ViewColumns<Item>& columns,
+                    Items items) {
+  SystemView view{schema, name, {}, {}};
   for (const ViewColumn<Item>& column : columns) view.columns.push_back({column.name, column.type});
   view.fill = [columns, items](Session& session, DatabaseLink& link, SystemView::Rows& rows) {
     for (const Item& item : items(session, link)) {
@@ -72,6 +73,12 @@ SystemView MakeView(const char* name, const ViewColumns<Item>& columns, Items it
     }
   };
   return view;
+}
+
+/// The same of the schema sys.
+template <class Item, class Items>
+SystemView MakeView(const char* name, const ViewColumns<Item>& columns, Items items) {
+  return MakeView("sys", name, columns, items);
 }
 
 /// One object of any kind, as sys.objects lists it. What it is besides that is one of the pointers.

@@ -139,9 +139,7 @@ class BulkLoad final : public BulkTarget {
 }  // namespace
 
 std::unique_ptr<BulkTarget> SqlSession::BeginBulk(std::string_view statement, ResultSink& sink) {
-  sink_ = &sink;
-  current_line_ = 1;
-  std::unique_ptr<BulkTarget> target;
+  const BatchFrame frame(state_, {}, sink);
   try {
     Parser parser(statement);
     const InsertBulkStatement bulk = parser.ParseInsertBulk();
@@ -167,7 +165,7 @@ std::unique_ptr<BulkTarget> SqlSession::BeginBulk(std::string_view statement, Re
         columns.push_back({column.name, column.type, column.nullable, column.identity});
       }
     }
-    target = std::make_unique<BulkLoad>(*this, link, table, names, std::move(columns), bulk);
+    return std::make_unique<BulkLoad>(*this, link, table, names, std::move(columns), bulk);
   } catch (const SqlError& error) {
     EndImplicit();
     Report(error, 1, false);
@@ -175,8 +173,7 @@ std::unique_ptr<BulkTarget> SqlSession::BeginBulk(std::string_view statement, Re
     EndImplicit();
     Message(15034, 17, 1, error.what());
   }
-  sink_ = nullptr;
-  return target;
+  return nullptr;
 }
 
 }  // namespace sandbox

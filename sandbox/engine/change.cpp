@@ -1,7 +1,7 @@
 #include "sandbox/engine/constraints.h"
 #include "sandbox/engine/definitions.h"
 #include "sandbox/engine/row_changes.h"
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 #include "sandbox/parser/parser.h"
 #include "sandbox/storage/encoding.h"
 #include "sandbox/text/text_order.h"
@@ -69,104 +69,110 @@ std::string Tail(Session& session, Binder& binder, const Target& target, const E
   return text;
 }
 
+// What a SET clause gives a new value: a column (or null), a variable (or ""), or both.
+struct Assigned {
+  const ColumnDef* column;
+  TypeInfo type;  // of the value
+  std::string variable;
+};
+
+// The column that may be changed; null when only a variable is.
+const ColumnDef* AssignedColumn(const TableDef& table, const std::string& name,
+                                const std::vector<Assigned>& others) {
+  if (name.empty()) return nullptr;
+  const ColumnDef* column = table.FindColumn(name);
+  if (!column) Raise(207, name);
+  if (column->identity) Raise(8102, column->name);
+  if (column->type.type == SqlType::Timestamp) Raise(272);
+  if (column->IsComputed()) Raise(271, column->name);
+  if (column->generated != Generated::No) Raise(13537, table.FullName());
+  for (const Assigned& other : others) {
+    if (other.column == column) Raise(264, column->name);
+  }
+  return column;
+}
+
+Value DefaultOf(Session& session, const ColumnDef& column) {
+  if (column.default_text.empty()) return {};
+  Parser parser(column.default_text);
+  return session.Evaluate(*parser.ParseExpressionText(), &column.type);
+}
+
+// The row that the statement is at; sets the variables on the way.
+RowChange ReadChange(SqlSession& session, DatabaseLink& link, const TableDef& table,
+                     const std::vector<Assigned>& assigned, const SqliteStatement& statement) {
+  RowChange change;
+  change.row = statement.Integer(0);
+  for (std::size_t i = 0; i < assigned.size(); ++i) {
+    const auto& [column, type, variable] = assigned[i];
+    Value value;
+    ReadColumn(statement.get(), static_cast<int>(i) + 1, type, value);
+    if (!variable.empty()) session.Assign(variable, value, type);
+    if (!column) continue;
+    const bool is_null = std::holds_alternative<std::monostate>(value);
+    change.values[column->id] = is_null ? Value() : StoreValue(link, table, *column, value, type);
+  }
+  return change;
+}
+
 }  // namespace
 
-Flow SqlSession::Run(const UpdateStatement& update) {
-  Binder binder(*this);
-  Target target = BindTarget(*this, binder, update.table, update.from);
+Flow ChangeRunner::Run(const UpdateStatement& update) {
+  Binder binder(session_);
+  Target target = BindTarget(session_, binder, update.table, update.from);
   const TableDef table = *target.table;
-  struct Assigned {
-    const ColumnDef* column;
-    TypeInfo type;
-    std::string variable;
-  };
   std::vector<Assigned> assigned;
   std::string items = target.row;
   for (const Assignment& assignment : update.assignments) {
-    const ColumnDef* column = nullptr;
-    if (!assignment.column.empty()) {
-      column = table.FindColumn(assignment.column);
-      if (!column) Raise(207, assignment.column);
-      if (column->identity) Raise(8102, column->name);
-      if (column->type.type == SqlType::Timestamp) Raise(272);
-      if (column->IsComputed()) Raise(271, column->name);
-      if (column->generated != Generated::No) Raise(13537, table.FullName());
-      for (const Assigned& other : assigned) {
-        if (other.column == column) Raise(264, column->name);
-      }
-    }
-    Bound bound;
-    if (assignment.value) {
-      bound = binder.BindValue(*assignment.value, target.scope);
-    } else {
-      Value value;
-      if (!column->default_text.empty()) {
-        Parser parser(column->default_text);
-        value = Evaluate(*parser.ParseExpressionText(), &column->type);
-      }
-      bound = Binder::Constant(std::move(value), column->type);
-    }
+    const ColumnDef* column = AssignedColumn(table, assignment.column, assigned);
+    const Bound bound = assignment.value
+                            ? binder.BindValue(*assignment.value, target.scope)
+                            : Binder::Constant(DefaultOf(session_, *column), column->type);
     if (column && !bound.is_null) CheckConvertible(bound.type, column->type, false);
     items += ", " + bound.sql;
     assigned.push_back({column, bound.is_null && column ? column->type : bound.type,
                         LowerText(assignment.variable)});
   }
-  const std::string sql = "SELECT " + items + Tail(*this, binder, target, update.where, update.top);
+  const std::string sql =
+      "SELECT " + items + Tail(session_, binder, target, update.where, update.top);
   StatementScope scope(*target.link);
-  SqliteStatement& statement = link_->Cached(sql);
+  SqliteStatement& statement = Link().Cached(sql);
   std::vector<RowChange> changes;
   {
     ResetGuard guard(statement);
-    int index = 0;
-    for (const auto& [value, type] : binder.Parameters())
-      BindValue(statement.get(), ++index, value, type);
-    while (link_->Step(statement)) {
-      RowChange& change = changes.emplace_back();
-      change.row = statement.Integer(0);
-      for (std::size_t i = 0; i < assigned.size(); ++i) {
-        Value value;
-        ReadColumn(statement.get(), static_cast<int>(i) + 1, assigned[i].type, value);
-        if (!assigned[i].variable.empty()) Assign(assigned[i].variable, value, assigned[i].type);
-        if (!assigned[i].column) continue;
-        change.values[assigned[i].column->id] =
-            value.index() == 0
-                ? Value()
-                : StoreValue(*target.link, table, *assigned[i].column, value, assigned[i].type);
-      }
+    binder.SetParameters(statement);
+    while (Link().Step(statement)) {
+      changes.push_back(ReadChange(session_, *target.link, table, assigned, statement));
     }
   }
   if (!changes.empty() && !changes.front().values.empty()) {
-    RowChanger(*this, *target.link, "UPDATE").Update(table, changes);
+    RowChanger(session_, *target.link, "UPDATE").Update(table, changes);
   }
   scope.Keep();
-  Done(static_cast<std::int64_t>(changes.size()));
-  return Flow::Next;
+  return Done(static_cast<std::int64_t>(changes.size()));
 }
 
-Flow SqlSession::Run(const DeleteStatement& remove) {
-  Binder binder(*this);
-  Target target = BindTarget(*this, binder, remove.table, remove.from);
+Flow ChangeRunner::Run(const DeleteStatement& remove) {
+  Binder binder(session_);
+  Target target = BindTarget(session_, binder, remove.table, remove.from);
   const TableDef table = *target.table;
   const std::string sql =
-      "SELECT " + target.row + Tail(*this, binder, target, remove.where, remove.top);
+      "SELECT " + target.row + Tail(session_, binder, target, remove.where, remove.top);
   StatementScope scope(*target.link);
-  SqliteStatement& statement = link_->Cached(sql);
+  SqliteStatement& statement = Link().Cached(sql);
   std::vector<std::int64_t> rows;
   {
     ResetGuard guard(statement);
-    int index = 0;
-    for (const auto& [value, type] : binder.Parameters())
-      BindValue(statement.get(), ++index, value, type);
-    while (link_->Step(statement)) rows.push_back(statement.Integer(0));
+    binder.SetParameters(statement);
+    while (Link().Step(statement)) rows.push_back(statement.Integer(0));
   }
-  RowChanger(*this, *target.link, "DELETE").Delete(table, rows);
+  RowChanger(session_, *target.link, "DELETE").Delete(table, rows);
   scope.Keep();
-  Done(static_cast<std::int64_t>(rows.size()));
-  return Flow::Next;
+  return Done(static_cast<std::int64_t>(rows.size()));
 }
 
-Flow SqlSession::Run(const TruncateStatement& truncate) {
-  DatabaseLink& link = LinkTo(truncate.table.database);
+Flow ChangeRunner::Run(const TruncateStatement& truncate) {
+  DatabaseLink& link = session_.LinkTo(truncate.table.database);
   link.BeginWrite();
   const TableDef& table = TargetTable(link, truncate.table, 4701);
   for (const auto& [id, other] : link.Definitions().tables) {
@@ -176,18 +182,16 @@ Flow SqlSession::Run(const TruncateStatement& truncate) {
   }
   link.Run(link.Cached("DELETE FROM " + table.StoredName()));
   link.ResetIdentity(table);
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
-Flow SqlSession::Run(const ReseedStatement& reseed) {
-  DatabaseLink& link = LinkTo(reseed.table.database);
+Flow ChangeRunner::Run(const ReseedStatement& reseed) {
+  DatabaseLink& link = session_.LinkTo(reseed.table.database);
   link.BeginWrite();
   const TableDef& table = TargetTable(link, reseed.table, 2501);
   if (!table.IdentityColumn()) Raise(7997, table.name);
   link.SetIdentity(table, reseed.last);
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
 }  // namespace sandbox

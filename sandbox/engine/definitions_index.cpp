@@ -2,7 +2,7 @@
 
 #include "sandbox/engine/constraints.h"
 #include "sandbox/engine/definitions.h"
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 #include "sandbox/engine/stored_columns.h"
 #include "sandbox/storage/encoding.h"
 #include "sandbox/text/text_order.h"
@@ -90,8 +90,8 @@ void MakeStoredIndex(Session& session, DatabaseLink& link, const TableDef& table
   }
 }
 
-Flow SqlSession::Run(const CreateIndexStatement& create) {
-  DatabaseLink& link = LinkTo(create.table.database);
+Flow DefinitionRunner::Run(const CreateIndexStatement& create) {
+  DatabaseLink& link = session_.LinkTo(create.table.database);
   link.BeginWrite();
   TableDef table = TargetTable(link, create.table, 1088);
   StatementScope scope(link);
@@ -106,19 +106,18 @@ Flow SqlSession::Run(const CreateIndexStatement& create) {
   }
   ++index.id;
   AddIndexColumns(table, create, index);
-  CheckKeyLength(*this, table, index);
+  CheckKeyLength(session_, table, index);
   if (create.filter) index.filter = ConditionText(*create.filter);
   table.indexes.push_back(index);
   link.Store(table);
-  MakeStoredIndex(*this, link, table, index);
+  MakeStoredIndex(session_, link, table, index);
   VerifyKeyLengths(link, table, INT64_MIN, INT64_MAX);
   scope.Keep();
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
-Flow SqlSession::Run(const AlterIndexStatement& alter) {
-  DatabaseLink& link = LinkTo(alter.table.database);
+Flow DefinitionRunner::Run(const AlterIndexStatement& alter) {
+  DatabaseLink& link = session_.LinkTo(alter.table.database);
   link.BeginWrite();
   TableDef table = TargetTable(link, alter.table, 1088);
   if (!alter.name.empty() && !table.FindIndex(alter.name)) Raise(2727, alter.name);
@@ -127,22 +126,20 @@ Flow SqlSession::Run(const AlterIndexStatement& alter) {
     if (!alter.name.empty() && !SameName(index.name, alter.name)) continue;
     link.Connection().Execute("DROP INDEX IF EXISTS " + table.StoredIndexName(index));
     index.disabled = alter.disables;
-    MakeStoredIndex(*this, link, table, index);
+    MakeStoredIndex(session_, link, table, index);
   }
   link.Store(table);
   scope.Keep();
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
-Flow SqlSession::Run(const DropIndexStatement& drop) {
-  DatabaseLink& link = LinkTo(drop.table.database);
+Flow DefinitionRunner::Run(const DropIndexStatement& drop) {
+  DatabaseLink& link = session_.LinkTo(drop.table.database);
   link.BeginWrite();
   const TableDef* found = link.FindTable(drop.table);
   const IndexDef* index = found ? found->FindIndex(drop.name) : nullptr;
   if (!index && drop.if_exists) {
-    Done(std::nullopt);
-    return Flow::Next;
+    return Done();
   }
   if (!index) Raise(3701, "drop", "index", drop.table.name + "." + drop.name);
   if (index->IsConstraint()) {
@@ -156,8 +153,7 @@ Flow SqlSession::Run(const DropIndexStatement& drop) {
   link.Store(table);
   link.Connection().Execute(sql);
   scope.Keep();
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
 }  // namespace sandbox

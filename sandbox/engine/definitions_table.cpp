@@ -2,7 +2,7 @@
 
 #include "sandbox/engine/constraints.h"
 #include "sandbox/engine/definitions.h"
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 #include "sandbox/engine/stored_columns.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/ticks.h"
@@ -66,8 +66,8 @@ void AddTable(Session& session, DatabaseLink& link, TableDef table) {
   link.Store(std::move(table));
 }
 
-Flow SqlSession::Run(const CreateTableStatement& create) {
-  DatabaseLink& link = LinkTo(create.table.database);
+Flow DefinitionRunner::Run(const CreateTableStatement& create) {
+  DatabaseLink& link = session_.LinkTo(create.table.database);
   link.BeginWrite();
   StatementScope scope(link);
   TableDef table;
@@ -75,7 +75,7 @@ Flow SqlSession::Run(const CreateTableStatement& create) {
   table.name = create.table.name;
   table.id = link.NewObjectId();
   for (const ColumnSyntax& column : create.columns) AppendColumn(link, table, column);
-  for (const ColumnSyntax& column : create.columns) TypeComputedColumn(*this, table, column);
+  for (const ColumnSyntax& column : create.columns) TypeComputedColumn(session_, table, column);
   CheckTableLimits(table);
   // A primary key makes its columns NOT NULL unless they were said to take NULL.
   for (const ConstraintSyntax& constraint : create.constraints) {
@@ -89,7 +89,7 @@ Flow SqlSession::Run(const CreateTableStatement& create) {
       }
     }
   }
-  ConstraintAdder adder(*this, link, table, false);
+  ConstraintAdder adder(session_, link, table, false);
   // Keys first: a foreign key may refer to its own table.
   for (const ConstraintSyntax& constraint : create.constraints) {
     if (std::holds_alternative<KeySyntax>(constraint.what)) adder.Add(constraint);
@@ -97,22 +97,21 @@ Flow SqlSession::Run(const CreateTableStatement& create) {
   for (const ConstraintSyntax& constraint : create.constraints) {
     if (!std::holds_alternative<KeySyntax>(constraint.what)) adder.Add(constraint);
   }
-  AddTable(*this, link, table);
+  AddTable(session_, link, table);
   adder.Finish();
   scope.Keep();
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
-Flow SqlSession::Run(const AlterTableStatement& alter) {
+Flow DefinitionRunner::Run(const AlterTableStatement& alter) {
   using Action = AlterTableStatement::Action;
-  DatabaseLink& link = LinkTo(alter.table.database);
+  DatabaseLink& link = session_.LinkTo(alter.table.database);
   link.BeginWrite();
   TableDef table = TargetTable(link, alter.table, 4902);
   StatementScope scope(link);
   switch (alter.action) {
     case Action::Add:
-      AddToTable(*this, link, table, alter);
+      AddToTable(session_, link, table, alter);
       break;
     case Action::DropConstraint:
       for (const std::string& name : alter.names)
@@ -124,25 +123,24 @@ Flow SqlSession::Run(const AlterTableStatement& alter) {
       link.Store(table);
       break;
     case Action::AlterColumn:
-      AlterColumn(*this, link, table, alter.columns.front());
+      AlterColumn(session_, link, table, alter.columns.front());
       CheckTableLimits(table);
       link.Store(table);
       break;
     case Action::Check:
     case Action::NoCheck:
-      SwitchConstraints(*this, link, table, alter);
+      SwitchConstraints(session_, link, table, alter);
       break;
     case Action::Nothing:
       break;
   }
   scope.Keep();
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
-Flow SqlSession::Run(const DropTableStatement& drop) {
+Flow DefinitionRunner::Run(const DropTableStatement& drop) {
   for (const ObjectName& name : drop.tables) {
-    DatabaseLink& link = LinkTo(name.database);
+    DatabaseLink& link = session_.LinkTo(name.database);
     link.BeginWrite();
     const Catalog& catalog = link.Definitions();
     if (drop.view) {
@@ -167,54 +165,51 @@ Flow SqlSession::Run(const DropTableStatement& drop) {
     link.Forget(id);
     link.Connection().Execute(sql);
     scope.Keep();
-    if (identity_insert_ && *identity_insert_ == std::pair(&link.State(), id))
-      identity_insert_.reset();
+    if (state_.identity_insert && *state_.identity_insert == std::pair(&link.State(), id))
+      state_.identity_insert.reset();
   }
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
-Flow SqlSession::Run(const CreateViewStatement& create) {
-  DatabaseLink& link = LinkTo(create.name.database);
+Flow DefinitionRunner::Run(const CreateViewStatement& create) {
+  DatabaseLink& link = session_.LinkTo(create.name.database);
   link.BeginWrite();
   const std::string schema = SchemaOfNew(link, create.name);
-  Binder binder(*this);
+  Binder binder(session_);
   const BoundQuery query = binder.BindQuery(*create.query);
   for (std::size_t i = 0; i < query.columns.size(); ++i) {
     if (i >= create.columns.size() && query.columns[i].name.empty())
       Raise(8155, i + 1, create.name.name);
   }
   link.Store(ViewDef{link.NewObjectId(), schema, create.name.name, NowTicks(), create.text});
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
-Flow SqlSession::Run(const CreateDatabaseStatement& create) {
-  if (InTransaction())
+Flow DefinitionRunner::Run(const CreateDatabaseStatement& create) {
+  if (session_.InTransaction())
     Raise(15034, "CREATE DATABASE statement not allowed within multi-statement transaction.");
-  CommitImplicit();
+  session_.CommitImplicit();
   if (create.name.find('/') != std::string::npos || create.name.find('\0') != std::string::npos) {
     Raise(5105, create.name);
   }
-  if (!folder_.Create(create.name)) Raise(1801, create.name);
-  Done(std::nullopt);
-  return Flow::Next;
+  if (!session_.Folder().Create(create.name)) Raise(1801, create.name);
+  return Done();
 }
 
-Flow SqlSession::Run(const DropDatabaseStatement& drop) {
-  CommitImplicit();
+Flow DefinitionRunner::Run(const DropDatabaseStatement& drop) {
+  session_.CommitImplicit();
   for (const std::string& name : drop.names) {
-    const auto state = folder_.Find(name);
+    const auto state = session_.Folder().Find(name);
     if (!state && drop.if_exists) continue;
     if (!state) Raise(3701, "drop", "database", name);
     if (state->id <= 4) Raise(3708, name);
     if (state->users > 0) Raise(3702, name);
-    links_.erase(state->id);
-    if (identity_insert_ && identity_insert_->first == state.get()) identity_insert_.reset();
-    folder_.Drop(*state);
+    state_.links.erase(state->id);
+    if (state_.identity_insert && state_.identity_insert->first == state.get())
+      state_.identity_insert.reset();
+    session_.Folder().Drop(*state);
   }
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
 }  // namespace sandbox

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 #include "sandbox/text/text_order.h"
 
 namespace sandbox {
@@ -33,54 +33,55 @@ std::string FirstObjectIn(const Catalog& catalog, std::string_view schema) {
 
 }  // namespace
 
-void SqlSession::ChangeSchema(const PrincipalStatement& statement) {
-  link_->BeginWrite();
-  std::vector<SchemaDef> schemas = link_->Definitions().schemas;
+void DefinitionRunner::ChangeSchema(const PrincipalStatement& statement) {
+  Link().BeginWrite();
+  std::vector<SchemaDef> schemas = Link().Definitions().schemas;
   const auto found = Named(schemas, statement.name);
   if (statement.action == Action::Create) {
     if (found != schemas.end()) Raise(2714, statement.name);
-    const std::string owner = statement.owner.empty() ? link_->User().name : statement.owner;
+    const std::string owner = statement.owner.empty() ? Link().User().name : statement.owner;
     schemas.push_back({schemas.back().id + 1, statement.name, owner});
   } else if (statement.action == Action::Drop) {
     if (found == schemas.end() && statement.if_exists) return;
     if (found == schemas.end()) Raise(15151, "drop", "schema", statement.name);
     if (IsOwn(schemas, found)) Raise(15150, "drop", "schema", statement.name);
-    const std::string object = FirstObjectIn(link_->Definitions(), statement.name);
+    const std::string object = FirstObjectIn(Link().Definitions(), statement.name);
     if (!object.empty()) Raise(3729, statement.name, object);
     schemas.erase(found);
   }
-  link_->SetSchemas(std::move(schemas));
+  Link().SetSchemas(std::move(schemas));
 }
 
-void SqlSession::ChangeLogin(const PrincipalStatement& statement) {
+void DefinitionRunner::ChangeLogin(const PrincipalStatement& statement) {
   switch (statement.action) {
     case Action::Create:
       if (!statement.password) Raise(102, statement.name);
-      if (SameName(statement.name, login_) ||
-          !folder_.AddLogin(statement.name, *statement.password)) {
+      if (SameName(statement.name, session_.Login()) ||
+          !session_.Folder().AddLogin(statement.name, *statement.password)) {
         Raise(15025, statement.name);
       }
       return;
     case Action::Alter:
-      if (!folder_.HasLogin(statement.name)) Raise(15151, "alter", "login", statement.name);
-      if (statement.password) folder_.SetPassword(statement.name, *statement.password);
+      if (!session_.Folder().HasLogin(statement.name))
+        Raise(15151, "alter", "login", statement.name);
+      if (statement.password) session_.Folder().SetPassword(statement.name, *statement.password);
       return;
     case Action::Drop:
-      if (!folder_.DropLogin(statement.name) && !statement.if_exists)
+      if (!session_.Folder().DropLogin(statement.name) && !statement.if_exists)
         Raise(15151, "drop", "login", statement.name);
   }
 }
 
-void SqlSession::ChangeUser(const PrincipalStatement& statement) {
-  link_->BeginWrite();
-  std::vector<UserDef> users = link_->Definitions().users;
+void DefinitionRunner::ChangeUser(const PrincipalStatement& statement) {
+  Link().BeginWrite();
+  std::vector<UserDef> users = Link().Definitions().users;
   const auto found = Named(users, statement.name);
   if (statement.action == Action::Create) {
     if (found != users.end()) Raise(15023, statement.name);
     UserDef user{users.back().id + 1, statement.name, statement.login.value_or(statement.name),
                  statement.default_schema.value_or(kDefaultSchema)};
-    const bool known =
-        user.login.empty() || SameName(user.login, login_) || folder_.HasLogin(user.login);
+    const bool known = user.login.empty() || SameName(user.login, session_.Login()) ||
+                       session_.Folder().HasLogin(user.login);
     if (!known) Raise(15007, user.login);
     users.push_back(std::move(user));
   } else {
@@ -95,10 +96,10 @@ void SqlSession::ChangeUser(const PrincipalStatement& statement) {
       if (statement.default_schema) found->default_schema = *statement.default_schema;
     }
   }
-  link_->SetUsers(std::move(users));
+  Link().SetUsers(std::move(users));
 }
 
-Flow SqlSession::Run(const PrincipalStatement& statement) {
+Flow DefinitionRunner::Run(const PrincipalStatement& statement) {
   switch (statement.kind) {
     case PrincipalStatement::Kind::Schema:
       ChangeSchema(statement);
@@ -110,8 +111,7 @@ Flow SqlSession::Run(const PrincipalStatement& statement) {
       ChangeUser(statement);
       break;
   }
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
 }  // namespace sandbox

@@ -1,5 +1,7 @@
+#include <algorithm>
+
 #include "sandbox/catalog/procedures/procedure.h"
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 #include "sandbox/parser/parser.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
@@ -16,73 +18,73 @@ std::string TextOf(const Parameter& parameter) {
   return held ? *held : "";
 }
 
+// The argument that names a parameter, else the one in its place; the last one named wins.
+Parameter* FindArgument(std::span<Parameter> arguments, std::size_t place, std::string_view name) {
+  Parameter* found = nullptr;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    Parameter& argument = arguments[i];
+    if (argument.name.empty() ? i == place : SameName(argument.name, name)) found = &argument;
+  }
+  return found;
+}
+
 }  // namespace
 
-// arguments: the statement, its parameters' declaration, their values
-void SqlSession::ExecuteSql(std::span<Parameter> arguments) {
+// sp_executesql: the statement, its parameters' declaration, their values.
+void ProcedureRunner::ExecuteSql(std::span<Parameter> arguments) {
   if (arguments.empty()) Raise(201, "sp_executesql", "@statement");
-  Variables variables;
-  std::vector<DeclareItem> items;
   const std::string declared = arguments.size() > 1 ? TextOf(arguments[1]) : "";
   Parser parser(declared);
-  items = parser.ParseParameterList();
   std::vector<Parameter> parameters;
-  for (std::size_t i = 0; i < items.size(); ++i) {
+  std::vector<Parameter*> given;  // what each parameter gets its value from; null: nothing
+  for (const DeclareItem& item : parser.ParseParameterList()) {
     Parameter& parameter = parameters.emplace_back();
-    parameter.name = items[i].name;
-    parameter.type = items[i].type;
-    Parameter* given = nullptr;
-    for (std::size_t a = 2; a < arguments.size(); ++a) {
-      const bool named = !arguments[a].name.empty();
-      if (named ? SameName(arguments[a].name, items[i].name) : a - 2 == i) given = &arguments[a];
-    }
-    if (!given) continue;
-    parameter.value = Convert(given->value, given->type, parameter.type);
-    parameter.output = given->output;
+    parameter.name = item.name;
+    parameter.type = item.type;
+    given.push_back(FindArgument(arguments.subspan(std::min<std::size_t>(arguments.size(), 2)),
+                                 given.size(), item.name));
+    if (!given.back()) continue;
+    parameter.value = Convert(given.back()->value, given.back()->type, parameter.type);
+    parameter.output = given.back()->output;
   }
-  ExecuteWithParameters(TextOf(arguments[0]), parameters, *sink_);
-  for (const Parameter& parameter : parameters) {
-    for (std::size_t a = 2; a < arguments.size(); ++a) {
-      const bool same = arguments[a].name.empty()
-                            ? a - 2 == static_cast<std::size_t>(&parameter - parameters.data())
-                            : SameName(arguments[a].name, parameter.name);
-      if (!same || !arguments[a].output) continue;
-      arguments[a].value = parameter.value;
-      arguments[a].type = parameter.type;
-    }
+  Variables variables = VariablesOf(parameters);
+  session_.RunText(TextOf(arguments[0]), std::move(variables), *state_.batch.sink, parameters);
+  for (std::size_t i = 0; i < parameters.size(); ++i) {
+    if (!parameters[i].output) continue;
+    given[i]->value = parameters[i].value;
+    given[i]->type = parameters[i].type;
   }
 }
 
-int SqlSession::CallProcedure(const ObjectName& name, std::span<Parameter> given) {
+int ProcedureRunner::Call(const ObjectName& name, std::span<Parameter> given) {
   if (SameName(name.name, "sp_executesql")) {
     ExecuteSql(given);
     return 0;
   }
   const Procedure* procedure = FindProcedure(name.name);
-  if (!procedure || !traits_.Knows(procedure->name)) Raise(2812, name.Text());
-  Arguments arguments(procedure->parameters.size());
+  if (!procedure || !session_.Traits().Knows(procedure->name)) Raise(2812, name.Text());
+  const std::vector<const char*>& names = procedure->parameters;
+  Arguments arguments(names.size());
   for (std::size_t i = 0; i < given.size(); ++i) {
-    if (given[i].name.empty()) {
-      if (i >= procedure->parameters.size()) Raise(8144, procedure->name);
-      arguments.Set(i, &given[i]);
-      continue;
+    std::size_t place = i;
+    if (!given[i].name.empty()) {
+      const auto found = std::ranges::find_if(
+          names, [&](const char* each) { return SameName(each, given[i].name); });
+      if (found == names.end()) Raise(8145, given[i].name, procedure->name);
+      place = static_cast<std::size_t>(found - names.begin());
     }
-    bool found = false;
-    for (std::size_t p = 0; p < procedure->parameters.size(); ++p) {
-      if (!SameName(procedure->parameters[p], given[i].name)) continue;
-      arguments.Set(p, &given[i]);
-      found = true;
-    }
-    if (!found) Raise(8145, given[i].name, procedure->name);
+    if (place >= names.size()) Raise(8144, procedure->name);
+    arguments.Set(place, &given[i]);
   }
-  CommitImplicit();
-  return procedure->run(*this, arguments);
+  session_.CommitImplicit();
+  return procedure->run(session_, arguments);
 }
 
-Flow SqlSession::Run(const ExecuteStatement& execute) {
+Flow ProcedureRunner::Run(const ExecuteStatement& execute) {
   if (execute.text) {
-    const Value text = Evaluate(*execute.text, &kLongText);
-    if (const auto* batch = std::get_if<std::string>(&text)) RunText(*batch, {}, *sink_, {});
+    const Value text = session_.Evaluate(*execute.text, &kLongText);
+    if (const auto* batch = std::get_if<std::string>(&text))
+      session_.RunText(*batch, {}, *state_.batch.sink, {});
     return Flow::Next;
   }
   std::vector<Parameter> parameters;
@@ -91,44 +93,20 @@ Flow SqlSession::Run(const ExecuteStatement& execute) {
     parameter.name = argument.name;
     parameter.output = !argument.output_variable.empty();
     if (!argument.value) continue;
-    Binder binder(*this);
+    Binder binder(session_);
     parameter.type = binder.BindValue(*argument.value, Scope()).type;
-    parameter.value = Evaluate(*argument.value);
+    parameter.value = session_.Evaluate(*argument.value);
   }
-  const int status = CallProcedure(execute.procedure, parameters);
+  const int status = Call(execute.procedure, parameters);
   for (std::size_t i = 0; i < parameters.size(); ++i) {
     const std::string& variable = execute.arguments[i].output_variable;
-    if (!variable.empty()) Assign(variable, parameters[i].value, parameters[i].type);
+    if (!variable.empty()) session_.Assign(variable, parameters[i].value, parameters[i].type);
   }
   if (!execute.status_variable.empty()) {
-    Assign(execute.status_variable, std::int64_t{status}, IntType());
+    session_.Assign(execute.status_variable, std::int64_t{status}, IntType());
   }
-  sink_->ReturnStatus(status);
-  Done(std::nullopt);
-  return Flow::Next;
-}
-
-void SqlSession::Call(std::string_view procedure, std::span<Parameter> parameters,
-                      ResultSink& sink) {
-  const Requests::Guard at_work = AtWork();
-  sink_ = &sink;
-  current_line_ = 1;
-  ++nesting_;
-  try {
-    Parser parser(procedure);
-    const int status = CallProcedure(parser.ParseNameText(), parameters);
-    sink.ReturnStatus(status);
-  } catch (const SqlError& error) {
-    Report(error, 1, false);
-    sink.ReturnStatus(-6);
-  } catch (const Cancelled&) {
-    for (auto& [id, link] : links_) link->raised.reset();
-  } catch (const std::exception& error) {
-    Message(15034, 17, 1, error.what());
-  }
-  --nesting_;
-  if (nesting_ == 0) EndImplicit();
-  sink_ = nullptr;
+  state_.batch.sink->ReturnStatus(status);
+  return Done();
 }
 
 }  // namespace sandbox

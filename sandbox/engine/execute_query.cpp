@@ -1,20 +1,20 @@
 #include "sandbox/engine/definitions.h"
 #include "sandbox/engine/insert_plan.h"
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 #include "sandbox/storage/encoding.h"
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
 
-Flow SqlSession::Run(const SelectStatement& statement) {
+Flow QueryRunner::Run(const SelectStatement& statement) {
   const Query& query = *statement.query;
   const Select& first = query.selects.front();
   if (!first.into.name.empty()) {
     SelectInto(first, query);
     return Flow::Next;
   }
-  link_->Definitions();
-  Binder binder(*this);
+  Link().Definitions();
+  Binder binder(session_);
   const BoundQuery bound = binder.BindQuery(query);
   if (!bound.variables.empty()) {
     AssignVariables(bound, binder);
@@ -24,57 +24,53 @@ Flow SqlSession::Run(const SelectStatement& statement) {
   return Flow::Next;
 }
 
-void SqlSession::StreamQuery(const BoundQuery& query, const Binder& binder) {
-  CommitImplicit();  // a slow reader must not hold up the writers
-  SqliteStatement& statement = link_->Cached(query.sql);
+void QueryRunner::StreamQuery(const BoundQuery& query, const Binder& binder) {
+  session_.CommitImplicit();  // a slow reader must not hold up the writers
+  SqliteStatement& statement = Link().Cached(query.sql);
   ResetGuard guard(statement);
-  int index = 0;
-  for (const auto& [value, type] : binder.Parameters())
-    BindValue(statement.get(), ++index, value, type);
-  sink_->Columns(query.columns);
+  binder.SetParameters(statement);
+  state_.batch.sink->Columns(query.columns);
   std::int64_t rows = 0;
-  if (!options_.format_only) {
+  if (!state_.options.format_only) {
     std::vector<Value> values(query.columns.size());
-    while (link_->Step(statement)) {
-      if (cancel) throw Cancelled();
+    while (Link().Step(statement)) {
+      session_.ThrowIfCancelled();
       for (std::size_t i = 0; i < values.size(); ++i) {
         ReadColumn(statement.get(), static_cast<int>(i), query.columns[i].type, values[i]);
       }
-      sink_->Row(values);
-      if (++rows == options_.row_limit) break;
+      state_.batch.sink->Row(values);
+      if (++rows == state_.options.row_limit) break;
     }
   }
   Done(rows);
 }
 
-void SqlSession::AssignVariables(const BoundQuery& query, const Binder& binder) {
+void QueryRunner::AssignVariables(const BoundQuery& query, const Binder& binder) {
   if (query.variables.size() != query.columns.size()) {
     Raise(15034,
           "A SELECT statement that assigns a value to a variable must not be combined with "
           "data-retrieval operations.");
   }
-  SqliteStatement& statement = link_->Cached(query.sql);
+  SqliteStatement& statement = Link().Cached(query.sql);
   ResetGuard guard(statement);
-  int index = 0;
-  for (const auto& [value, type] : binder.Parameters())
-    BindValue(statement.get(), ++index, value, type);
+  binder.SetParameters(statement);
   std::int64_t rows = 0;
   Value value;
-  for (; link_->Step(statement); ++rows) {
+  for (; Link().Step(statement); ++rows) {
     for (std::size_t i = 0; i < query.columns.size(); ++i) {
       ReadColumn(statement.get(), static_cast<int>(i), query.columns[i].type, value);
-      Assign(query.variables[i], value, query.columns[i].type);
+      session_.Assign(query.variables[i], value, query.columns[i].type);
     }
   }
-  row_count_ = rows;
+  state_.row_count = rows;
 }
 
-void SqlSession::SelectInto(const Select& select, const Query& query) {
-  DatabaseLink& link = LinkTo(select.into.database);
+void QueryRunner::SelectInto(const Select& select, const Query& query) {
+  DatabaseLink& link = session_.LinkTo(select.into.database);
   link.BeginWrite();
   TableDef table;
   table.schema = SchemaOfNew(link, select.into);
-  Binder binder(*this);
+  Binder binder(session_);
   const BoundQuery bound = binder.BindQuery(query);
   StatementScope scope(link);
   table.name = select.into.name;
@@ -92,9 +88,9 @@ void SqlSession::SelectInto(const Select& select, const Query& query) {
     added.nullable = column.nullable;
     added.identity = column.identity;
   }
-  AddTable(*this, link, table);
+  AddTable(session_, link, table);
   const TableDef& stored = *link.Definitions().FindTable(table.schema, table.name);
-  RowWriter writer(*this, link, stored, {}, RowWriter::Identity::Explicit);
+  RowWriter writer(session_, link, stored, {}, RowWriter::Identity::Explicit);
   const std::int64_t rows = writer.WriteQuery(bound, binder);
   writer.Finish();
   scope.Keep();

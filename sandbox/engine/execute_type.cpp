@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 
 namespace sandbox {
 namespace {
@@ -9,8 +9,8 @@ constexpr int kFirstAliasType = 257;
 
 }  // namespace
 
-Flow SqlSession::Run(const CreateTypeStatement& create) {
-  DatabaseLink& link = LinkTo(create.name.database);
+Flow DefinitionRunner::Run(const CreateTypeStatement& create) {
+  DatabaseLink& link = session_.LinkTo(create.name.database);
   link.BeginWrite();
   const std::string schema = link.SchemaForNew(create.name);
   std::vector<AliasTypeDef> types = link.Definitions().types;
@@ -18,12 +18,11 @@ Flow SqlSession::Run(const CreateTypeStatement& create) {
   const int id = types.empty() ? kFirstAliasType : types.back().id + 1;
   types.push_back({id, schema, create.name.name, create.type, create.nullable});
   link.SetTypes(std::move(types));
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
-Flow SqlSession::Run(const DropTypeStatement& drop) {
-  DatabaseLink& link = LinkTo(drop.name.database);
+Flow DefinitionRunner::Run(const DropTypeStatement& drop) {
+  DatabaseLink& link = session_.LinkTo(drop.name.database);
   link.BeginWrite();
   const AliasTypeDef* type = link.FindType(drop.name);
   if (!type && !drop.if_exists) Raise(218, drop.name.Text());
@@ -38,8 +37,7 @@ Flow SqlSession::Run(const DropTypeStatement& drop) {
     std::erase_if(types, [&](const AliasTypeDef& other) { return other.id == id; });
     link.SetTypes(std::move(types));
   }
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
 }  // namespace sandbox

@@ -3,7 +3,7 @@
 #include "sandbox/engine/definitions.h"
 #include "sandbox/engine/insert_plan.h"
 #include "sandbox/engine/insert_values.h"
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 
 namespace sandbox {
 namespace {
@@ -48,24 +48,18 @@ void CheckWidth(const InsertStatement& insert, const RowWriter& writer) {
 
 }  // namespace
 
-Flow SqlSession::Run(const InsertStatement& insert) {
-  DatabaseLink& link = LinkTo(insert.table.database);
+Flow ChangeRunner::Run(const InsertStatement& insert) {
+  DatabaseLink& link = session_.LinkTo(insert.table.database);
   std::optional<CollectingSink> collected;
   if (insert.execute) {
-    collected.emplace(*sink_);
-    ResultSink* outer = std::exchange(sink_, &*collected);
-    try {
-      RunStatement(*insert.execute);
-    } catch (...) {
-      sink_ = outer;
-      throw;
-    }
-    sink_ = outer;
+    collected.emplace(*state_.batch.sink);
+    const Restorer<ResultSink*> sink(state_.batch.sink, &*collected);
+    session_.RunStatement(*insert.execute);
   }
   link.BeginWrite();
   const TableDef& table = TargetTable(link, insert.table, 208);
-  const bool explicit_identity = table.IdentityColumn() && identity_insert_ &&
-                                 *identity_insert_ == std::pair(&link.State(), table.id);
+  const bool explicit_identity = table.IdentityColumn() && state_.identity_insert &&
+                                 *state_.identity_insert == std::pair(&link.State(), table.id);
   const auto identity =
       explicit_identity ? RowWriter::Identity::Explicit : RowWriter::Identity::Generated;
   if (explicit_identity && insert.columns.empty() && !insert.default_values)
@@ -74,7 +68,7 @@ Flow SqlSession::Run(const InsertStatement& insert) {
       table.IdentityColumn() && insert.rows > 0) {
     Raise(8101, table.name);
   }
-  RowWriter writer(*this, link, table, insert.columns, identity);
+  RowWriter writer(session_, link, table, insert.columns, identity);
   if (!insert.query && !insert.execute && !insert.default_values) CheckWidth(insert, writer);
   // One row that nothing looks at afterwards fails whole by itself.
   const bool simple = insert.rows == 1 && !writer.Plan().verifies;
@@ -84,7 +78,7 @@ Flow SqlSession::Run(const InsertStatement& insert) {
   if (insert.default_values) {
     writer.WriteDefaults();
   } else if (insert.query) {
-    Binder binder(*this);
+    Binder binder(session_);
     rows = writer.WriteQuery(binder.BindQuery(*insert.query), binder);
   } else if (collected) {
     rows = static_cast<std::int64_t>(collected->rows.size());
@@ -95,13 +89,12 @@ Flow SqlSession::Run(const InsertStatement& insert) {
       writer.Write(cells, collected->types);
     }
   } else {
-    InsertValues values(*this, insert, writer);
+    InsertValues values(session_, insert, writer);
     writer.WriteRows(values, insert.rows);
   }
   writer.Finish();
   if (scope) scope->Keep();
-  Done(rows);
-  return Flow::Next;
+  return Done(rows);
 }
 
 }  // namespace sandbox

@@ -290,9 +290,7 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
   }
   DatabaseLink& source = session_.Link();  // names are bound to the session's own database
   SqliteStatement statement = source.Connection().Prepare(query.sql);
-  int index = 0;
-  for (const auto& [value, type] : binder.Parameters())
-    BindValue(statement.get(), ++index, value, type);
+  binder.SetParameters(statement);
   std::vector<Value> row(types.size());
   std::vector<const Value*> cells;
   for (const Value& value : row) cells.push_back(&value);

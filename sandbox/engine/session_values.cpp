@@ -1,7 +1,6 @@
 #include <array>
 
 #include "sandbox/catalog/object_names.h"
-#include "sandbox/catalog/system_views.h"
 #include "sandbox/engine/sql_session.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/type_rules.h"
@@ -12,29 +11,23 @@ namespace {
 constexpr const char* kVersion =
     "Microsoft SQL Server 2019 (RTM) - 15.0.2000.5 (X64) \n\tPractice server of Dorvane";
 
-using Result = std::pair<Value, TypeInfo>;
-
-Result Text(std::string text) {
-  return {std::move(text), NVarChar(128)};
-}
-Result Integer(std::int64_t number) {
-  return {number, IntType()};
-}
-Result Null(const TypeInfo& type) {
-  return {Value(), type};
+Value Number(std::int64_t number) {
+  return number;
 }
 
-struct ServerProperty {
+struct Property {
   const char* name;
   const char* value;
 };
 constexpr std::array kServerProperties{
-    ServerProperty{"productversion", "15.0.2000.5"},
-    ServerProperty{"productlevel", "RTM"},
-    ServerProperty{"edition", "Developer Edition (64-bit)"},
-    ServerProperty{"servername", "SANDBOX"},
-    ServerProperty{"machinename", "SANDBOX"},
-    ServerProperty{"collation", "SQL_Latin1_General_CP1_CI_AS"},
+    Property{"productversion", "15.0.2000.5"},
+    Property{"productlevel", "RTM"},
+    Property{"engineedition", "3"},
+    Property{"isintegratedsecurityonly", "0"},
+    Property{"edition", "Developer Edition (64-bit)"},
+    Property{"servername", "SANDBOX"},
+    Property{"machinename", "SANDBOX"},
+    Property{"collation", "SQL_Latin1_General_CP1_CI_AS"},
 };
 
 bool IsNumber(const Value& value, std::int64_t number) {
@@ -48,198 +41,172 @@ std::string TextArgument(const std::vector<Value>& args, std::size_t i) {
   return text ? *text : "";
 }
 
+// ---- what the values are made of
+
+using Args = const std::vector<Value>&;
+
+Value OrNull(const std::optional<std::int64_t>& number) {
+  return number ? Value(DecimalValue{*number, 0}) : Value();
+}
+
+Value UserName(SqlSession& s, Args) {
+  return s.Link().User().name;
+}
+Value LoginName(SqlSession& s, Args) {
+  return s.Login();
+}
+Value ScopeIdentity(SqlSession& s, Args) {
+  return OrNull(s.State().scope_identity);
+}
+Value Yes(SqlSession&, Args) {
+  return std::int64_t{1};
+}
+
+Value IdentCurrent(SqlSession& s, Args args) {
+  const TableDef* table = s.Link().FindTable(ParsedName(TextArgument(args, 0)));
+  if (!table || !table->IdentityColumn()) return {};
+  return OrNull(s.Link().LastIdentity(*table).value_or(table->IdentityColumn()->seed));
+}
+
+Value DatabaseName(SqlSession& s, Args args) {
+  if (args.empty()) return s.Database();
+  for (const auto& database : s.Folder().All()) {
+    if (IsNumber(args[0], database->id)) return database->name;
+  }
+  return {};
+}
+
+Value DatabaseId(SqlSession& s, Args args) {
+  if (args.empty()) return std::int64_t{s.Link().State().id};
+  const auto database = s.Folder().Find(TextArgument(args, 0));
+  return database ? Value(std::int64_t{database->id}) : Value();
+}
+
+Value NameOfType(SqlSession&, Args args) {
+  for (int i = 0; !args.empty() && i <= static_cast<int>(SqlType::Variant); ++i) {
+    const TypeFacts& facts = Facts(static_cast<SqlType>(i));
+    if (IsNumber(args[0], facts.system_type_id)) return std::string(facts.name);
+  }
+  return {};
+}
+
+Value CollationProperty(SqlSession&, Args args) {
+  const bool known = SameName(TextArgument(args, 1), "codepage") && !TextArgument(args, 0).empty();
+  return known ? Value(std::int64_t{1252}) : Value();
+}
+
+Value DatabaseProperty(SqlSession&, Args args) {
+  const bool collation = SameName(TextArgument(args, 1), "collation");
+  return std::string(collation ? "SQL_Latin1_General_CP1_CI_AS" : "ONLINE");
+}
+
+Value ServerProperty(SqlSession&, Args args) {
+  for (const Property& property : kServerProperties) {
+    if (SameName(property.name, TextArgument(args, 0))) return std::string(property.value);
+  }
+  return {};
+}
+
+template <auto member>
+Value OfCaught(SqlSession& s, Args) {
+  const std::optional<ServerMessage>& caught = s.State().caught;
+  if (!caught) return {};
+  if constexpr (std::is_same_v<decltype(member), std::string ServerMessage::*>) {
+    return *caught.*member;
+  } else {
+    return std::int64_t{*caught.*member};
+  }
+}
+
+template <Value (*function)(Session&, Args)>
+Value Of(SqlSession& s, Args args) {
+  return function(s, args);
+}
+
+template <std::int64_t number>
+Value Always(SqlSession&, Args) {
+  return number;
+}
+
+// ---- the values
+
+struct Entry {
+  std::string_view name;
+  TypeInfo type;
+  Value (*value)(SqlSession& session, Args args);
+};
+
+const TypeInfo kName = NVarChar(128);
+const TypeInfo kInt = IntType();
+const TypeInfo kSmall = SmallIntType();
+const TypeInfo kTiny = TinyIntType();
+const TypeInfo kIdentity = DecimalType(38, 0);
+
+const Entry kEntries[] = {
+    {"@@version", NVarChar(300), [](SqlSession&, Args) { return Value(std::string(kVersion)); }},
+    {"@@rowcount", kInt, [](SqlSession& s, Args) { return Value(s.State().row_count); }},
+    {"rowcount_big", BigIntType(), [](SqlSession& s, Args) { return Value(s.State().row_count); }},
+    {"@@error", kInt, [](SqlSession& s, Args) { return Number(s.State().last_error); }},
+    {"@@trancount", kInt, [](SqlSession& s, Args) { return Number(s.State().transaction_count); }},
+    {"@@spid", kSmall, [](SqlSession& s, Args) { return Number(s.Spid()); }},
+    {"@@servername", kName, [](SqlSession&, Args) { return Value(std::string("SANDBOX")); }},
+    {"@@servicename", kName, [](SqlSession&, Args) { return Value(std::string("MSSQLSERVER")); }},
+    {"@@language", kName, [](SqlSession&, Args) { return Value(std::string("us_english")); }},
+    {"@@microsoftversion", kInt, Always<0x0F0007D0>},
+    {"@@options", kInt, Always<5496>},
+    {"@@max_precision", kTiny, Always<38>},
+    {"@@textsize", kInt, [](SqlSession& s, Args) { return Number(s.State().options.text_size); }},
+    {"@@datefirst", kTiny, Always<7>},
+    {"@@lock_timeout", kInt, Always<-1>},
+    {"@@nestlevel", kInt, [](SqlSession& s, Args) { return Number(s.State().nesting - 1); }},
+    {"@@fetch_status", kInt, Always<-1>},
+    {"xact_state", kSmall, [](SqlSession& s, Args) { return Number(s.InTransaction()); }},
+    {"@@identity", kIdentity, ScopeIdentity},
+    {"scope_identity", kIdentity, ScopeIdentity},
+    {"ident_current", kIdentity, IdentCurrent},
+    {"db_name", kName, DatabaseName},
+    {"db_id", kSmall, DatabaseId},
+    {"user_name", kName, UserName},
+    {"user", kName, UserName},
+    {"current_user", kName, UserName},
+    {"session_user", kName, UserName},
+    {"user_id", kInt, [](SqlSession& s, Args) { return Number(s.Link().User().id); }},
+    {"schema_name", kName, Of<SchemaNameOf>},
+    {"schema_id", kInt, Of<SchemaIdOf>},
+    {"suser_sname", kName, LoginName},
+    {"suser_name", kName, LoginName},
+    {"system_user", kName, LoginName},
+    {"original_login", kName, LoginName},
+    {"host_name", kName, [](SqlSession&, Args) { return Value(std::string("localhost")); }},
+    {"app_name", kName, [](SqlSession&, Args) { return Value(std::string()); }},
+    {"has_perms_by_name", kInt, Yes},
+    {"is_srvrolemember", kInt, Yes},
+    {"is_member", kInt, Yes},
+    {"has_dbaccess", kInt, Yes},
+    {"object_id", kInt, Of<ObjectIdOf>},
+    {"object_name", kName, Of<ObjectNameOf>},
+    {"object_schema_name", kName, Of<ObjectSchemaNameOf>},
+    {"col_name", kName, Of<ColumnNameOf>},
+    {"type_name", kName, NameOfType},
+    {"columnproperty", kInt, Of<ColumnPropertyOf>},
+    {"objectproperty", kInt, Of<ObjectPropertyOf>},
+    {"collationproperty", kInt, CollationProperty},
+    {"databasepropertyex", kName, DatabaseProperty},
+    {"serverproperty", kName, ServerProperty},
+    {"error_number", kInt, OfCaught<&ServerMessage::number>},
+    {"error_severity", kInt, OfCaught<&ServerMessage::severity>},
+    {"error_state", kInt, OfCaught<&ServerMessage::state>},
+    {"error_line", kInt, OfCaught<&ServerMessage::line>},
+    {"error_procedure", kName, [](SqlSession&, Args) { return Value(); }},
+    {"error_message", NVarChar(4000), OfCaught<&ServerMessage::text>},
+};
+
 }  // namespace
 
-const Variable* SqlSession::FindVariable(std::string_view name) const {
-  const auto found = variables_.find(name);
-  return found == variables_.end() ? nullptr : &found->second;
-}
-
-Relation SqlSession::FindRelation(const ObjectName& name) {
-  DatabaseLink& link = LinkTo(name.database);
-  const auto view = FindSystemView(name);
-  if (view && traits_.Knows(name.schema + "." + name.name))
-    return FillSystemView(*view, *this, link);
-  const bool other = &link != link_;
-  Relation relation;
-  for (const std::string& schema : link.SearchPath(name)) {
-    relation.table = link.Definitions().FindTable(schema, name.name);
-    relation.view = link.Definitions().FindView(schema, name.name);
-    if (relation.table || relation.view) break;
-  }
-  if (!relation.table && !relation.view) Raise(208, name.Text());
-  if (!relation.table) return relation;
-  std::string schema = "main";
-  if (other) {
-    schema = fmt::format("db{}", link.State().id);
-    const bool attached = sqlite3_db_filename(link_->Connection().get(), schema.c_str()) != nullptr;
-    if (!attached) {
-      link_->Connection().Execute("ATTACH '" + link.State().file.string() + "' AS " + schema);
-    }
-  }
-  relation.stored = schema + "." + relation.table->StoredName();
-  return relation;
-}
-
-std::optional<Result> SqlSession::SessionValue(std::string_view name,
-                                               const std::vector<Value>& arguments) {
-  struct Entry {
-    std::string_view name;
-    Result (*value)(SqlSession&, const std::vector<Value>&);
-  };
-  using Args = const std::vector<Value>&;
-  static constexpr std::array kEntries{
-      Entry{"@@version",
-            [](SqlSession&, Args) {
-              return Result{std::string(kVersion), NVarChar(300)};
-            }},
-      Entry{"@@rowcount", [](SqlSession& s, Args) { return Integer(s.row_count_); }},
-      Entry{"rowcount_big",
-            [](SqlSession& s, Args) {
-              return Result{s.row_count_, BigIntType()};
-            }},
-      Entry{"@@error", [](SqlSession& s, Args) { return Integer(s.last_error_); }},
-      Entry{"@@trancount", [](SqlSession& s, Args) { return Integer(s.transaction_count_); }},
-      Entry{"@@spid",
-            [](SqlSession& s, Args) {
-              return Result{std::int64_t{s.spid_}, SmallIntType()};
-            }},
-      Entry{"@@servername", [](SqlSession&, Args) { return Text("SANDBOX"); }},
-      Entry{"@@servicename", [](SqlSession&, Args) { return Text("MSSQLSERVER"); }},
-      Entry{"@@language", [](SqlSession&, Args) { return Text("us_english"); }},
-      Entry{"@@microsoftversion", [](SqlSession&, Args) { return Integer(0x0F0007D0); }},
-      Entry{"@@options", [](SqlSession&, Args) { return Integer(5496); }},
-      Entry{"@@max_precision",
-            [](SqlSession&, Args) {
-              return Result{std::int64_t{38}, TinyIntType()};
-            }},
-      Entry{"@@textsize", [](SqlSession& s, Args) { return Integer(s.options_.text_size); }},
-      Entry{"@@datefirst",
-            [](SqlSession&, Args) {
-              return Result{std::int64_t{7}, TinyIntType()};
-            }},
-      Entry{"@@lock_timeout", [](SqlSession&, Args) { return Integer(-1); }},
-      Entry{"@@nestlevel", [](SqlSession& s, Args) { return Integer(s.nesting_ - 1); }},
-      Entry{"@@fetch_status", [](SqlSession&, Args) { return Integer(-1); }},
-      Entry{"xact_state",
-            [](SqlSession& s, Args) {
-              return Result{std::int64_t{s.transaction_count_ > 0}, SmallIntType()};
-            }},
-      Entry{"@@identity",
-            [](SqlSession& s, Args) {
-              return Result{
-                  s.scope_identity_ ? Value(DecimalValue{*s.scope_identity_, 0}) : Value(),
-                  DecimalType(38, 0)};
-            }},
-      Entry{"scope_identity",
-            [](SqlSession& s, Args) {
-              return Result{
-                  s.scope_identity_ ? Value(DecimalValue{*s.scope_identity_, 0}) : Value(),
-                  DecimalType(38, 0)};
-            }},
-      Entry{"ident_current",
-            [](SqlSession& s, Args args) {
-              const TableDef* table = s.link_->FindTable(ParsedName(TextArgument(args, 0)));
-              if (!table || !table->IdentityColumn()) return Null(DecimalType(38, 0));
-              const std::int64_t last =
-                  s.link_->LastIdentity(*table).value_or(table->IdentityColumn()->seed);
-              return Result{DecimalValue{last, 0}, DecimalType(38, 0)};
-            }},
-      Entry{"db_name",
-            [](SqlSession& s, Args args) {
-              if (args.empty()) return Text(s.Database());
-              for (const auto& database : s.folder_.All()) {
-                if (IsNumber(args[0], database->id)) return Text(database->name);
-              }
-              return Null(NVarChar(128));
-            }},
-      Entry{"db_id",
-            [](SqlSession& s, Args args) {
-              if (args.empty()) return Result{std::int64_t{s.link_->State().id}, SmallIntType()};
-              const auto database = s.folder_.Find(TextArgument(args, 0));
-              return database ? Result{std::int64_t{database->id}, SmallIntType()}
-                              : Null(SmallIntType());
-            }},
-      Entry{"user_name", [](SqlSession& s, Args) { return Text(s.link_->User().name); }},
-      Entry{"user", [](SqlSession& s, Args) { return Text(s.link_->User().name); }},
-      Entry{"current_user", [](SqlSession& s, Args) { return Text(s.link_->User().name); }},
-      Entry{"session_user", [](SqlSession& s, Args) { return Text(s.link_->User().name); }},
-      Entry{"schema_name", [](SqlSession& s, Args args) { return SchemaNameOf(s, args); }},
-      Entry{"schema_id", [](SqlSession& s, Args args) { return SchemaIdOf(s, args); }},
-      Entry{"user_id", [](SqlSession& s, Args) { return Integer(s.link_->User().id); }},
-      Entry{"suser_sname", [](SqlSession& s, Args) { return Text(s.login_); }},
-      Entry{"suser_name", [](SqlSession& s, Args) { return Text(s.login_); }},
-      Entry{"system_user", [](SqlSession& s, Args) { return Text(s.login_); }},
-      Entry{"original_login", [](SqlSession& s, Args) { return Text(s.login_); }},
-      Entry{"host_name", [](SqlSession&, Args) { return Text("localhost"); }},
-      Entry{"app_name", [](SqlSession&, Args) { return Text(""); }},
-      Entry{"has_perms_by_name", [](SqlSession&, Args) { return Integer(1); }},
-      Entry{"is_srvrolemember", [](SqlSession&, Args) { return Integer(1); }},
-      Entry{"is_member", [](SqlSession&, Args) { return Integer(1); }},
-      Entry{"has_dbaccess", [](SqlSession&, Args) { return Integer(1); }},
-      Entry{"object_id",
-            [](SqlSession& s, Args args) {
-              return ObjectIdOf(s, TextArgument(args, 0), TextArgument(args, 1));
-            }},
-      Entry{"object_name", [](SqlSession& s, Args args) { return ObjectNameOf(s, args); }},
-      Entry{"object_schema_name",
-            [](SqlSession& s, Args args) { return ObjectSchemaNameOf(s, args); }},
-      Entry{"col_name", [](SqlSession& s, Args args) { return ColumnNameOf(s, args); }},
-      Entry{"type_name",
-            [](SqlSession&, Args args) {
-              for (int i = 0; !args.empty() && i <= static_cast<int>(SqlType::Variant); ++i) {
-                const TypeFacts& facts = Facts(static_cast<SqlType>(i));
-                if (IsNumber(args[0], facts.system_type_id)) return Text(facts.name);
-              }
-              return Null(NVarChar(128));
-            }},
-      Entry{"columnproperty", [](SqlSession& s, Args args) { return ColumnPropertyOf(s, args); }},
-      Entry{"objectproperty", [](SqlSession& s, Args args) { return ObjectPropertyOf(s, args); }},
-      Entry{"collationproperty",
-            [](SqlSession&, Args args) {
-              return SameName(TextArgument(args, 1), "codepage") && !TextArgument(args, 0).empty()
-                         ? Integer(1252)
-                         : Null(IntType());
-            }},
-      Entry{"databasepropertyex",
-            [](SqlSession&, Args args) {
-              return SameName(TextArgument(args, 1), "collation")
-                         ? Text("SQL_Latin1_General_CP1_CI_AS")
-                         : Text("ONLINE");
-            }},
-      Entry{"serverproperty",
-            [](SqlSession&, Args args) {
-              for (const ServerProperty& property : kServerProperties) {
-                if (SameName(property.name, TextArgument(args, 0))) return Text(property.value);
-              }
-              if (SameName(TextArgument(args, 0), "engineedition")) return Integer(3);
-              if (SameName(TextArgument(args, 0), "isintegratedsecurityonly")) return Integer(0);
-              return Null(NVarChar(128));
-            }},
-      Entry{"error_number",
-            [](SqlSession& s, Args) {
-              return s.caught_ ? Integer(s.caught_->number) : Null(IntType());
-            }},
-      Entry{"error_severity",
-            [](SqlSession& s, Args) {
-              return s.caught_ ? Integer(s.caught_->severity) : Null(IntType());
-            }},
-      Entry{"error_state",
-            [](SqlSession& s, Args) {
-              return s.caught_ ? Integer(s.caught_->state) : Null(IntType());
-            }},
-      Entry{"error_line",
-            [](SqlSession& s, Args) {
-              return s.caught_ ? Integer(s.caught_->line) : Null(IntType());
-            }},
-      Entry{"error_procedure", [](SqlSession&, Args) { return Null(NVarChar(128)); }},
-      Entry{"error_message",
-            [](SqlSession& s, Args) {
-              return s.caught_ ? Result{s.caught_->text, NVarChar(4000)} : Null(NVarChar(4000));
-            }},
-  };
+std::optional<std::pair<Value, TypeInfo>> SqlSession::SessionValue(std::string_view name,
+                                                                   Args arguments) {
   for (const Entry& entry : kEntries) {
-    if (entry.name == name) return entry.value(*this, arguments);
+    if (entry.name == name) return std::pair(entry.value(*this, arguments), entry.type);
   }
   return std::nullopt;
 }

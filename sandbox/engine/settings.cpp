@@ -1,7 +1,7 @@
 #include <array>
 
 #include "sandbox/engine/definitions.h"
-#include "sandbox/engine/sql_session.h"
+#include "sandbox/engine/statement_runners.h"
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
@@ -51,43 +51,44 @@ bool IsOn(const SetOptionStatement& statement) {
 
 }  // namespace
 
-void SqlSession::SetIdentityInsert(const SetOptionStatement& statement) {
-  DatabaseLink& link = LinkTo(statement.table.database);
+void FlowRunner::SetIdentityInsert(const SetOptionStatement& statement) {
+  DatabaseLink& link = session_.LinkTo(statement.table.database);
   const TableDef& table = TargetTable(link, statement.table, 1088);
   if (!table.IdentityColumn()) Raise(8106, table.name);
   const std::pair<DatabaseState*, int> target(&link.State(), table.id);
   if (!IsOn(statement)) {
-    if (identity_insert_ == target) identity_insert_.reset();
+    if (state_.identity_insert == target) state_.identity_insert.reset();
     return;
   }
-  if (identity_insert_ && *identity_insert_ != target) {
-    const auto& tables = LinkTo(identity_insert_->first->name).Definitions().tables;
-    const auto held = tables.find(identity_insert_->second);
+  if (state_.identity_insert && *state_.identity_insert != target) {
+    const auto& tables = session_.LinkTo(state_.identity_insert->first->name).Definitions().tables;
+    const auto held = tables.find(state_.identity_insert->second);
     if (held != tables.end()) {
-      Raise(8107, fmt::format("{}.{}", identity_insert_->first->name, held->second.FullName()),
+      Raise(8107,
+            fmt::format("{}.{}", state_.identity_insert->first->name, held->second.FullName()),
             table.name);
     }
   }
-  identity_insert_ = target;
+  state_.identity_insert = target;
 }
 
-Flow SqlSession::Run(const SetOptionStatement& statement) {
+Flow FlowRunner::Run(const SetOptionStatement& statement) {
   const auto number = [&]() -> std::int64_t {
     if (!statement.value) return 0;
     const TypeInfo type = BigIntType();
-    const Value value = Evaluate(*statement.value, &type);
+    const Value value = session_.Evaluate(*statement.value, &type);
     const auto* held = std::get_if<std::int64_t>(&value);
     return held ? *held : 0;
   };
   for (const std::string& word : statement.words) {
     if (word == "identity_insert") SetIdentityInsert(statement);
-    if (word == "nocount") options_.no_count = IsOn(statement);
-    if (word == "xact_abort") options_.xact_abort = IsOn(statement);
-    if (word == "fmtonly") options_.format_only = IsOn(statement);
-    if (word == "noexec") options_.no_execute = IsOn(statement);
-    if (word == "implicit_transactions") options_.implicit_transactions = IsOn(statement);
-    if (word == "rowcount") options_.row_limit = number();
-    if (word == "textsize") options_.text_size = static_cast<int>(number());
+    if (word == "nocount") state_.options.no_count = IsOn(statement);
+    if (word == "xact_abort") state_.options.xact_abort = IsOn(statement);
+    if (word == "fmtonly") state_.options.format_only = IsOn(statement);
+    if (word == "noexec") state_.options.no_execute = IsOn(statement);
+    if (word == "implicit_transactions") state_.options.implicit_transactions = IsOn(statement);
+    if (word == "rowcount") state_.options.row_limit = number();
+    if (word == "textsize") state_.options.text_size = static_cast<int>(number());
   }
   static constexpr std::array<std::string_view, 5> kOwn{"nocount", "xact_abort", "fmtonly",
                                                         "noexec", "implicit_transactions"};
@@ -96,8 +97,7 @@ Flow SqlSession::Run(const SetOptionStatement& statement) {
                          kAcceptedOptions.end() ||
                      std::find(kOwn.begin(), kOwn.end(), first) != kOwn.end();
   if (!known) Raise(195, first);
-  Done(std::nullopt);
-  return Flow::Next;
+  return Done();
 }
 
 }  // namespace sandbox

@@ -1,8 +1,11 @@
 #include "sandbox/engine/sql_session.h"
 
+#include "sandbox/catalog/system_views.h"
+#include "sandbox/engine/statement_runners.h"
 #include "sandbox/parser/parser.h"
+#include "sandbox/storage/encoding.h"
 #include "sandbox/text/text_order.h"
-#include "sandbox/values/type_rules.h"
+#include "sandbox/values/convert.h"
 
 namespace sandbox {
 namespace {
@@ -33,11 +36,14 @@ class EngineImpl final : public Engine {
   std::atomic<int> last_spid_{50};
 };
 
+template <typename... Kinds>
+bool IsOneOf(const Statement& statement) {
+  return (std::holds_alternative<Kinds>(statement.what) || ...);
+}
+
 bool ChangesRows(const Statement& statement) {
-  return std::holds_alternative<InsertStatement>(statement.what) ||
-         std::holds_alternative<UpdateStatement>(statement.what) ||
-         std::holds_alternative<DeleteStatement>(statement.what) ||
-         std::holds_alternative<CreateIndexStatement>(statement.what);
+  return IsOneOf<InsertStatement, UpdateStatement, DeleteStatement, CreateIndexStatement>(
+      statement);
 }
 
 }  // namespace
@@ -51,6 +57,8 @@ std::unique_ptr<Engine> OpenEngine(const std::filesystem::path& folder, bool dur
   }
 }
 
+// ---- the session and its databases
+
 SqlSession::SqlSession(ServerFolder& folder, Requests& requests, const ServerTraits& traits,
                        std::string login, int spid)
     : folder_(folder), requests_(requests), traits_(traits), login_(std::move(login)), spid_(spid) {
@@ -58,19 +66,19 @@ SqlSession::SqlSession(ServerFolder& folder, Requests& requests, const ServerTra
 }
 
 SqlSession::~SqlSession() {
-  for (auto& [id, link] : links_) {
+  for (auto& [id, link] : state_.links) {
     link->Rollback();
     try {
       link->DropTemporaryTables();
     } catch (const std::exception&) {
       // The server drops what stays when it starts again.
     }
-    if (link.get() == link_) --link->State().users;
+    if (link.get() == state_.link) --link->State().users;
   }
 }
 
 DatabaseLink& SqlSession::OpenLink(const std::shared_ptr<DatabaseState>& state) {
-  auto& link = links_[state->id];
+  auto& link = state_.links[state->id];
   if (link) return *link;
   link = std::make_unique<DatabaseLink>(folder_, state, login_, spid_, cancel);
   link->session_value = [this](std::string_view name, const std::vector<Value>& args) {
@@ -84,46 +92,158 @@ bool SqlSession::UseDatabase(std::string_view name) {
   if (!state) return false;
   DatabaseLink& link = OpenLink(state);
   ++state->users;
-  if (link_) --link_->State().users;
-  link_ = &link;
+  if (state_.link) --state_.link->State().users;
+  state_.link = &link;
   return true;
 }
 
 DatabaseLink& SqlSession::LinkTo(std::string_view database) {
-  if (database.empty() || SameName(database, Database())) return *link_;
+  if (database.empty() || SameName(database, Database())) return Link();
   const auto state = folder_.Find(database);
   if (!state) Raise(911, database);
   return OpenLink(state);
 }
 
+Relation SqlSession::FindRelation(const ObjectName& name) {
+  DatabaseLink& link = LinkTo(name.database);
+  const auto view = FindSystemView(name);
+  if (view && traits_.Knows(name.schema + "." + name.name))
+    return FillSystemView(*view, *this, link);
+  Relation relation;
+  for (const std::string& schema : link.SearchPath(name)) {
+    relation.table = link.Definitions().FindTable(schema, name.name);
+    relation.view = link.Definitions().FindView(schema, name.name);
+    if (relation.table || relation.view) break;
+  }
+  if (!relation.table && !relation.view) Raise(208, name.Text());
+  if (!relation.table) return relation;
+  std::string schema = "main";
+  if (&link != &Link()) {
+    schema = fmt::format("db{}", link.State().id);
+    SqliteConnection& own = Link().Connection();
+    const bool attached = sqlite3_db_filename(own.get(), schema.c_str()) != nullptr;
+    if (!attached) own.Execute("ATTACH '" + link.State().file.string() + "' AS " + schema);
+  }
+  relation.stored = schema + "." + relation.table->StoredName();
+  return relation;
+}
+
+// ---- variables and expressions
+
+const Variable* SqlSession::FindVariable(std::string_view name) const {
+  const Variables& variables = state_.batch.variables;
+  const auto found = variables.find(name);
+  return found == variables.end() ? nullptr : &found->second;
+}
+
+void SqlSession::Assign(std::string_view name, Value value, const TypeInfo& from) {
+  Variables& variables = state_.batch.variables;
+  const auto found = variables.find(name);
+  if (found == variables.end()) Raise(137, name);
+  found->second.value = Convert(value, from, found->second.type);
+}
+
+Value SqlSession::Evaluate(const Expr& expr, const TypeInfo* type) {
+  if (expr.kind == ExprKind::Literal) {
+    if (!type || expr.literal.is_null) return expr.literal.value;
+    return Convert(expr.literal.value, expr.literal.type, *type);
+  }
+  Binder binder(*this);
+  Scope none;
+  Bound bound = binder.BindValue(expr, none);
+  if (type) bound = Binder::Coerce(std::move(bound), *type);
+  if (bound.constant) return *bound.constant;
+  SqliteStatement& statement = Link().Cached("SELECT " + bound.sql);
+  ResetGuard guard(statement);
+  binder.SetParameters(statement);
+  Value value;
+  if (Link().Step(statement)) ReadColumn(statement.get(), 0, bound.type, value);
+  return value;
+}
+
+// ---- answers
+
+void SqlSession::Message(int number, int severity, int state, std::string text) {
+  state_.batch.sink->Message({number, state, severity, std::move(text), "", state_.batch.line});
+}
+
+void SqlSession::Done(std::optional<std::int64_t> rows) {
+  if (rows) state_.row_count = *rows;
+  state_.batch.sink->Done(state_.options.no_count ? std::nullopt : rows);
+}
+
+void SqlSession::SendRows(const std::vector<ColumnInfo>& columns,
+                          const std::vector<std::vector<Value>>& rows) {
+  state_.batch.sink->Columns(columns);
+  for (const auto& row : rows) state_.batch.sink->Row(row);
+  Done(static_cast<std::int64_t>(rows.size()));
+}
+
+void SqlSession::Report(const SqlError& error, int line, bool changes_rows) {
+  for (ServerMessage message : error.messages) {
+    if (message.line == 0) message.line = line;
+    if (message.severity > 10) state_.last_error = message.number;
+    state_.batch.sink->Message(message);
+  }
+  if (error.rolls_back || state_.options.xact_abort) RollbackAll(true);
+  if (changes_rows && !error.ends_batch) {
+    Message(3621, 0, 0, "The statement has been terminated.");
+  }
+  state_.row_count = 0;
+  state_.batch.sink->Done(std::nullopt);
+}
+
+// ---- transactions
+
+void SqlSession::BeginTransaction() {
+  static std::atomic<std::uint64_t> last_id{0};
+  CommitImplicit();
+  state_.transaction_count = 1;
+  state_.transaction_id = ++last_id;
+  state_.batch.sink->TransactionChanged(state_.transaction_id, false);
+}
+
 void SqlSession::CommitImplicit() {
-  if (transaction_count_ > 0) return;
-  for (auto& [id, link] : links_) link->Commit();
+  if (InTransaction()) return;
+  for (auto& [id, link] : state_.links) link->Commit();
 }
 
 void SqlSession::EndImplicit() noexcept {
   try {
     CommitImplicit();
   } catch (...) {
-    for (auto& [id, link] : links_) link->Rollback();
+    for (auto& [id, link] : state_.links) link->Rollback();
     Message(3314, 21, 3, "What the batch changed could not be kept: the storage refused it.");
   }
 }
 
-void SqlSession::Message(int number, int severity, int state, std::string text) {
-  sink_->Message({number, state, severity, std::move(text), "", current_line_});
+void SqlSession::RollbackAll(bool tell) {
+  if (!InTransaction()) return;
+  for (auto& [id, link] : state_.links) link->Rollback();
+  state_.transaction_count = 0;
+  state_.transaction_id = 0;
+  if (tell) state_.batch.sink->TransactionChanged(0, false);
 }
 
-void SqlSession::Done(std::optional<std::int64_t> rows) {
-  if (rows) row_count_ = *rows;
-  sink_->Done(options_.no_count ? std::nullopt : rows);
+void SqlSession::ThrowIfCancelled() const {
+  if (cancel) throw Cancelled();
 }
 
-void SqlSession::SendRows(const std::vector<ColumnInfo>& columns,
-                          const std::vector<std::vector<Value>>& rows) {
-  sink_->Columns(columns);
-  for (const auto& row : rows) sink_->Row(row);
-  Done(static_cast<std::int64_t>(rows.size()));
+void SqlSession::EndCancelled() {
+  for (auto& [id, link] : state_.links) {
+    link->raised.reset();
+    if (!InTransaction()) link->Rollback();
+  }
+}
+
+// ---- batches
+
+Variables VariablesOf(std::span<const Parameter> parameters) {
+  Variables variables;
+  for (const Parameter& parameter : parameters) {
+    variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
+  }
+  return variables;
 }
 
 void SqlSession::Execute(std::string_view batch, ResultSink& sink) {
@@ -133,56 +253,80 @@ void SqlSession::Execute(std::string_view batch, ResultSink& sink) {
 
 void SqlSession::ExecuteWithParameters(std::string_view batch, std::span<Parameter> parameters,
                                        ResultSink& sink) {
-  Variables variables;
-  for (const Parameter& parameter : parameters) {
-    variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
-  }
   const Requests::Guard at_work = AtWork();
-  RunText(batch, std::move(variables), sink, parameters);
+  RunText(batch, VariablesOf(parameters), sink, parameters);
 }
 
 void SqlSession::RunText(std::string_view batch, Variables variables, ResultSink& sink,
                          std::span<Parameter> outputs) {
-  ResultSink* outer_sink = std::exchange(sink_, &sink);
-  std::swap(variables_, variables);
-  const bool outermost = nesting_++ == 0;
-  const int outer_line = std::exchange(current_line_, 1);
-  bool ended = false;
-  try {
-    if (nesting_ > kMaxNesting) Raise(191);
-    Parser parser(batch);
-    const Block block = parser.ParseBatch();
-    RunBlock(block);
-  } catch (const SqlError& error) {
-    if (!outermost && try_depth_ > 0) {
-      --nesting_;
-      std::swap(variables_, variables);
-      sink_ = outer_sink;
-      throw;
+  const BatchFrame frame(state_, std::move(variables), sink);
+  const bool ended = !RunParsed(batch, frame.IsOutermost());
+  if (frame.IsOutermost()) EndImplicit();
+  for (Parameter& parameter : outputs) {
+    if (parameter.output) {
+      parameter.value = state_.batch.variables[LowerText(parameter.name)].value;
     }
+  }
+  if (ended && !frame.IsOutermost()) throw BatchEnded();
+}
+
+/// False when the batches around this one end with it.
+bool SqlSession::RunParsed(std::string_view batch, bool is_outermost) {
+  try {
+    if (state_.nesting > kMaxNesting) Raise(191);
+    Parser parser(batch);
+    RunBlock(parser.ParseBatch());
+  } catch (const SqlError& error) {
+    if (!is_outermost && state_.try_depth > 0) throw;
     Report(error, 1, false);
   } catch (const BatchEnded&) {
-    ended = true;
+    return false;
   } catch (const Cancelled&) {
-    for (auto& [id, link] : links_) link->raised.reset();
-    ended = true;
-    if (transaction_count_ == 0) {
-      for (auto& [id, link] : links_) link->Rollback();
-    }
+    EndCancelled();
+    return false;
   } catch (const std::exception& error) {
     Message(15034, 17, 1, error.what());
     RollbackAll(false);
   }
-  if (outermost) EndImplicit();
-  for (Parameter& parameter : outputs) {
-    if (parameter.output) parameter.value = variables_[LowerText(parameter.name)].value;
-  }
-  --nesting_;
-  current_line_ = outer_line;
-  std::swap(variables_, variables);
-  sink_ = outer_sink;
-  if (ended && !outermost) throw BatchEnded();
+  return true;
 }
+
+void SqlSession::Call(std::string_view procedure, std::span<Parameter> parameters,
+                      ResultSink& sink) {
+  const Requests::Guard at_work = AtWork();
+  const BatchFrame frame(state_, {}, sink);
+  try {
+    Parser parser(procedure);
+    sink.ReturnStatus(ProcedureRunner(*this).Call(parser.ParseNameText(), parameters));
+  } catch (const SqlError& error) {
+    Report(error, 1, false);
+    sink.ReturnStatus(-6);
+  } catch (const Cancelled&) {
+    EndCancelled();
+  } catch (const std::exception& error) {
+    Message(15034, 17, 1, error.what());
+  }
+  EndImplicit();
+}
+
+std::vector<ColumnInfo> SqlSession::Describe(std::string_view batch,
+                                             std::span<const Parameter> parameters) {
+  const Restorer<Variables> variables(state_.batch.variables, VariablesOf(parameters));
+  try {
+    Parser parser(batch);
+    for (const StatementPtr& statement : parser.ParseBatch()) {
+      const auto* select = std::get_if<SelectStatement>(&statement->what);
+      if (!select || !select->query->selects.front().into.name.empty()) continue;
+      return Binder(*this).BindQuery(*select->query).columns;
+    }
+  } catch (const SqlError&) {
+    // Running it will say what is wrong.
+  } catch (const std::exception&) {
+  }
+  return {};
+}
+
+// ---- statements
 
 Flow SqlSession::RunBlock(const Block& block) {
   for (const StatementPtr& statement : block) {
@@ -193,13 +337,13 @@ Flow SqlSession::RunBlock(const Block& block) {
 }
 
 Flow SqlSession::RunStatement(const Statement& statement) {
-  if (cancel) throw Cancelled();
-  current_line_ = statement.line;
-  if (try_depth_ > 0) return Dispatch(statement);
+  ThrowIfCancelled();
+  state_.batch.line = statement.line;
+  if (state_.try_depth > 0) return Dispatch(statement);
   try {
     return Dispatch(statement);
   } catch (const SqlError& error) {
-    const bool ends = error.ends_batch || options_.xact_abort;
+    const bool ends = error.ends_batch || state_.options.xact_abort;
     Report(error, statement.line, ChangesRows(statement));
     if (ends) throw BatchEnded();
     return Flow::Next;
@@ -207,69 +351,18 @@ Flow SqlSession::RunStatement(const Statement& statement) {
 }
 
 Flow SqlSession::Dispatch(const Statement& statement) {
-  const bool only_shown =
-      options_.no_execute && !std::holds_alternative<SetOptionStatement>(statement.what);
-  if (only_shown || (options_.format_only && ChangesRows(statement))) {
+  const SessionOptions& options = state_.options;
+  const bool only_shown = options.no_execute && !IsOneOf<SetOptionStatement>(statement);
+  if (only_shown || (options.format_only && ChangesRows(statement))) {
     Done(std::nullopt);
     return Flow::Next;
   }
-  const bool opens =
-      ChangesRows(statement) || std::holds_alternative<SelectStatement>(statement.what);
-  if (options_.implicit_transactions && transaction_count_ == 0 && opens) BeginTransaction();
-  const Flow flow = std::visit([this](const auto& what) { return Run(what); }, statement.what);
-  const bool keeps_error = std::holds_alternative<IfStatement>(statement.what) ||
-                           std::holds_alternative<RaiseStatement>(statement.what) ||
-                           std::holds_alternative<BlockStatement>(statement.what);
-  if (!keeps_error) last_error_ = 0;
+  const bool opens = ChangesRows(statement) || IsOneOf<SelectStatement>(statement);
+  if (options.implicit_transactions && !InTransaction() && opens) BeginTransaction();
+  StatementRunners runners(*this);
+  const Flow flow = std::visit([&](const auto& what) { return runners.Run(what); }, statement.what);
+  if (!IsOneOf<IfStatement, RaiseStatement, BlockStatement>(statement)) state_.last_error = 0;
   return flow;
-}
-
-void SqlSession::Report(SqlError error, int line, bool changes_rows) {
-  for (ServerMessage& message : error.messages) {
-    if (message.line == 0) message.line = line;
-    sink_->Message(message);
-    if (message.severity > 10) last_error_ = message.number;
-  }
-  if (error.rolls_back || options_.xact_abort) RollbackAll(true);
-  if (changes_rows && !error.ends_batch) {
-    Message(3621, 0, 0, "The statement has been terminated.");
-  }
-  row_count_ = 0;
-  sink_->Done(std::nullopt);
-}
-
-void SqlSession::RollbackAll(bool tell) {
-  if (transaction_count_ == 0) return;
-  for (auto& [id, link] : links_) link->Rollback();
-  transaction_count_ = 0;
-  transaction_id_ = 0;
-  if (tell) sink_->TransactionChanged(0, false);
-}
-
-std::vector<ColumnInfo> SqlSession::Describe(std::string_view batch,
-                                             std::span<const Parameter> parameters) {
-  Variables variables;
-  for (const Parameter& parameter : parameters) {
-    variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
-  }
-  std::swap(variables_, variables);
-  std::vector<ColumnInfo> columns;
-  try {
-    Parser parser(batch);
-    for (const StatementPtr& statement : parser.ParseBatch()) {
-      const auto* select = std::get_if<SelectStatement>(&statement->what);
-      if (!select || !select->query->selects.front().into.name.empty()) continue;
-      Binder binder(*this);
-      columns = binder.BindQuery(*select->query).columns;
-      break;
-    }
-  } catch (const SqlError&) {
-    columns.clear();  // running it will say what is wrong
-  } catch (const std::exception&) {
-    columns.clear();
-  }
-  variables_ = std::move(variables);
-  return columns;
 }
 
 }  // namespace sandbox

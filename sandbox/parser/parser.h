@@ -52,6 +52,7 @@ class Parser {
   StatementPtr ParseStatement();
   Block ParseUntilEnd(std::string_view second_word);
   Statement ParseKeyword();
+  Statement ParseIdle();
   Statement ParseBegin();
   Statement ParseDeclare();
   Statement ParseSet();

@@ -71,9 +71,13 @@ Statement Parser::ParseKeyword() {
   for (const Entry& entry : kEntries) {
     if (token_.Is(entry.word)) return entry.parse(*this);
   }
+  return ParseIdle();
+}
+
+// Rights, which every login has, and upkeep of files, which nobody has to do here.
+Statement Parser::ParseIdle() {
   if (Accept("checkpoint")) return {1, NothingStatement()};
   if (token_.Is("dbcc") && PeekSecond().Is("checkident")) return ParseReseed();
-  // Rights, which every login has, and upkeep of files, which nobody has to do here.
   for (const char* word : {"grant", "revoke", "deny", "dbcc", "backup", "dump"}) {
     if (!token_.Is(word)) continue;
     while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();

@@ -274,11 +274,8 @@ void DecodeVariantFrom(const Source& source, Value& value) {
   }
 }
 
-void Decode(const Source& source, const TypeInfo& type, Value& value) {
-  if (source.Kind() == SQLITE_NULL) {
-    value = std::monostate();
-    return;
-  }
+// A value that is not NULL.
+void DecodeHeld(const Source& source, const TypeInfo& type, Value& value) {
   switch (type.type) {
     case SqlType::Bit:
       value = source.Integer() != 0;
@@ -334,6 +331,14 @@ void Decode(const Source& source, const TypeInfo& type, Value& value) {
       return;
     case SqlType::Variant:
       return DecodeVariantFrom(source, value);
+  }
+}
+
+void Decode(const Source& source, const TypeInfo& type, Value& value) {
+  if (source.Kind() == SQLITE_NULL) {
+    value = std::monostate();
+  } else {
+    DecodeHeld(source, type, value);
   }
 }
 

@@ -188,64 +188,83 @@ int Procedures(Session& session, const Arguments& args) {
   return 0;
 }
 
+// ---- sp_datatype_info
+
+struct TypeRow {
+  SqlType type;
+  OdbcFacts facts;
+};
+
+bool IsDecimal(SqlType type) {
+  return type == SqlType::Decimal || type == SqlType::Numeric;
+}
+Value NameOf(const TypeRow& row) {
+  return std::string(TypeName(row.type));
+}
+Value Prefix(const TypeRow& row) {
+  if (IsNumber(row.type)) return {};
+  return std::string(IsBinary(row.type) ? "0x" : IsUnicode(row.type) ? "N'" : "'");
+}
+Value Suffix(const TypeRow& row) {
+  return IsNumber(row.type) || IsBinary(row.type) ? Value() : Value(std::string("'"));
+}
+Value CreateParameters(const TypeRow& row) {
+  if (IsDecimal(row.type)) return std::string("precision,scale");
+  const bool sized = IsText(row.type) || IsBinary(row.type);
+  return sized && Facts(row.type).length == 0 ? Value(std::string("length")) : Value();
+}
+Value IsUnsigned(const TypeRow& row) {
+  const bool is_unsigned = row.type == SqlType::Bit || row.type == SqlType::TinyInt;
+  return IsNumber(row.type) ? Number(is_unsigned) : Value();
+}
+Value Zero(const TypeRow&) {
+  return Number(0);
+}
+
+struct TypeColumn {
+  ColumnInfo column;
+  Value (*value)(const TypeRow& row);
+};
+const TypeColumn kTypeColumns[] = {
+    {NameColumn("TYPE_NAME"), NameOf},
+    {SmallColumn("DATA_TYPE"), [](const TypeRow& row) { return row.facts.data_type; }},
+    {IntColumn("PRECISION"), [](const TypeRow& row) { return row.facts.precision; }},
+    {TextColumn("LITERAL_PREFIX", 32), Prefix},
+    {TextColumn("LITERAL_SUFFIX", 32), Suffix},
+    {TextColumn("CREATE_PARAMS", 32), CreateParameters},
+    {SmallColumn("NULLABLE"),
+     [](const TypeRow& row) { return Number(row.type != SqlType::Timestamp); }},
+    {SmallColumn("CASE_SENSITIVE"), Zero},
+    {SmallColumn("SEARCHABLE"),
+     [](const TypeRow& row) { return Number(IsText(row.type) ? 3 : 2); }},
+    {SmallColumn("UNSIGNED_ATTRIBUTE"), IsUnsigned},
+    {SmallColumn("MONEY"), [](const TypeRow& row) { return Number(IsMoney(row.type)); }},
+    {SmallColumn("AUTO_INCREMENT"),
+     [](const TypeRow& row) { return IsNumber(row.type) ? Number(0) : Value(); }},
+    {NameColumn("LOCAL_TYPE_NAME"), NameOf},
+    {SmallColumn("MINIMUM_SCALE"), [](const TypeRow& row) { return row.facts.scale; }},
+    {SmallColumn("MAXIMUM_SCALE"),
+     [](const TypeRow& row) { return IsDecimal(row.type) ? Number(38) : row.facts.scale; }},
+    {SmallColumn("SQL_DATA_TYPE"), [](const TypeRow& row) { return row.facts.sql_data_type; }},
+    {SmallColumn("SQL_DATETIME_SUB"), [](const TypeRow& row) { return row.facts.datetime_sub; }},
+    {IntColumn("NUM_PREC_RADIX"), [](const TypeRow& row) { return row.facts.radix; }},
+    {SmallColumn("INTERVAL_PRECISION"), [](const TypeRow&) { return Value(); }},
+    {SmallColumn("USERTYPE"), Zero},
+};
+
 int DatatypeInfo(Session& session, const Arguments& args) {
   const auto wanted = args.Integer(0, 0);
   const bool version3 = args.Integer(1, 2) >= 3;
   ResultRows result;
-  result.columns = {NameColumn("TYPE_NAME"),
-                    SmallColumn("DATA_TYPE"),
-                    IntColumn("PRECISION"),
-                    TextColumn("LITERAL_PREFIX", 32),
-                    TextColumn("LITERAL_SUFFIX", 32),
-                    TextColumn("CREATE_PARAMS", 32),
-                    SmallColumn("NULLABLE"),
-                    SmallColumn("CASE_SENSITIVE"),
-                    SmallColumn("SEARCHABLE"),
-                    SmallColumn("UNSIGNED_ATTRIBUTE"),
-                    SmallColumn("MONEY"),
-                    SmallColumn("AUTO_INCREMENT"),
-                    NameColumn("LOCAL_TYPE_NAME"),
-                    SmallColumn("MINIMUM_SCALE"),
-                    SmallColumn("MAXIMUM_SCALE"),
-                    SmallColumn("SQL_DATA_TYPE"),
-                    SmallColumn("SQL_DATETIME_SUB"),
-                    IntColumn("NUM_PREC_RADIX"),
-                    SmallColumn("INTERVAL_PRECISION"),
-                    SmallColumn("USERTYPE")};
+  for (const TypeColumn& column : kTypeColumns) result.columns.push_back(column.column);
   for (int i = 0; i <= static_cast<int>(SqlType::Variant); ++i) {
     const auto type = static_cast<SqlType>(i);
-    const int length = IsUnicode(type) ? 4000 : 8000;
-    const TypeInfo measures{
-        type, length,
-        type == SqlType::Decimal || type == SqlType::Numeric ? 38 : Facts(type).precision, 0};
-    const OdbcFacts facts = FactsForOdbc(measures, version3, true);
-    if (wanted != 0 && std::get<std::int64_t>(facts.data_type) != wanted) continue;
-    const bool text = IsText(type), number = IsNumber(type), binary = IsBinary(type);
-    const char* prefix = binary ? "0x" : IsUnicode(type) ? "N'" : "'";
-    const bool exact = type == SqlType::Decimal || type == SqlType::Numeric;
-    result.rows.push_back(
-        {std::string(TypeName(type)),
-         facts.data_type,
-         facts.precision,
-         number ? Value() : Value(std::string(prefix)),
-         number || binary ? Value() : Value(std::string("'")),
-         exact                                         ? Value(std::string("precision,scale"))
-         : (text || binary) && Facts(type).length == 0 ? Value(std::string("length"))
-                                                       : Value(),
-         Number(type != SqlType::Timestamp),
-         Number(0),
-         Number(text ? 3 : 2),
-         number ? Number(type == SqlType::Bit || type == SqlType::TinyInt) : Value(),
-         Number(IsMoney(type)),
-         number ? Number(0) : Value(),
-         std::string(TypeName(type)),
-         facts.scale,
-         exact ? Number(38) : facts.scale,
-         facts.sql_data_type,
-         facts.datetime_sub,
-         facts.radix,
-         Value(),
-         Number(0)});
+    const TypeInfo measures{type, IsUnicode(type) ? 4000 : 8000,
+                            IsDecimal(type) ? 38 : Facts(type).precision, 0};
+    const TypeRow row{type, FactsForOdbc(measures, version3, true)};
+    if (wanted != 0 && std::get<std::int64_t>(row.facts.data_type) != wanted) continue;
+    auto& values = result.rows.emplace_back();
+    for (const TypeColumn& column : kTypeColumns) values.push_back(column.value(row));
   }
   SortRows(result, {1, 0});
   session.SendRows(result.columns, result.rows);
