@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "app/standard_error.h"
 #include "app/unattended_run.h"
@@ -19,6 +20,8 @@ constexpr char kHelp[] =
     "  Dorvane                 opens the wizard\n"
     "  Dorvane SETTINGS.dcs    converts what the settings file describes, without a window,\n"
     "                          and appends to the log that it names\n"
+    "  Dorvane --verify SETTINGS.dcs\n"
+    "                          compares what it describes with what is on the destination\n"
     "  Dorvane --help          prints this text\n"
     "  Dorvane --version       prints the version\n"
     "\n"
@@ -66,6 +69,11 @@ int main(int argc, char** argv) {
   const std::string path = SettingsPath(argc, argv);
   if (path == "--help" || path == "-h") return Print(kHelp);
   if (path == "--version") return Print("Dorvane " DORVANE_VERSION "\n");
+  constexpr std::string_view kVerify = "--verify ";
+  if (path.starts_with(kVerify)) {
+    return static_cast<int>(
+        dorvane::RunUnattendedComparison(path.substr(kVerify.size()), dorvane::MakeEndpoint));
+  }
   if (!path.empty()) {
     return static_cast<int>(dorvane::RunUnattendedConversion(path, dorvane::MakeEndpoint));
   }

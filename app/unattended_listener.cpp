@@ -76,19 +76,24 @@ void UnattendedListener::ErrorOccured(std::string_view message, std::int32_t /*m
 void UnattendedListener::ConversionStarted(std::int16_t no_of_tables, bool /*relations_included*/) {
   progress_.StartConversion(no_of_tables);
   started_ = std::chrono::steady_clock::now();
-  Log("############### Dorvane (New Conversion) #############");
-  Log("Conversion started at: " + GeneralDateAndTime());
+  Log(fmt::format("############### Dorvane (New {}) #############", task_));
+  Log(fmt::format("{} started at: {}", task_, GeneralDateAndTime()));
 }
 
 void UnattendedListener::ConversionEnded() {
   if (IsStopping()) return;
   ended_ = true;
+  // A comparison converts nothing.
+  if (tables_ > 0) TellSummary();
+  Log(fmt::format("{} ended at: {}", task_, GeneralDateAndTime()));
+  Log(fmt::format("######################### End OF {} #############################", task_));
+}
+
+void UnattendedListener::TellSummary() {
   const std::string summary =
       SummaryText(tables_, rows_, std::chrono::steady_clock::now() - started_);
   Inform(summary);
   progress_.End(summary);
-  Log("Conversion ended at: " + GeneralDateAndTime());
-  Log("######################### End OF Conversion #############################");
 }
 
 void UnattendedListener::TableConversionSuccessed(std::string_view /*table_name*/) {

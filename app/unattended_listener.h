@@ -16,6 +16,9 @@ namespace dorvane {
 /// Turns the events of an unattended run into lines of its log and keeps whether anything failed.
 class UnattendedListener : public IConversionListener, public IRunHost {
  public:
+  /// `task` is what the run is called, "Conversion" unless it is another; it must outlive this.
+  explicit UnattendedListener(std::string_view task) : task_(task) {}
+
   /// Lines before this go to standard error. Throws RunTimeError.
   void OpenLog(const std::string& path, files::TextForm form);
   /// Stores what was written.
@@ -48,9 +51,11 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   bool IsStopping() const override;
 
  private:
+  void TellSummary();
   /// Gives the log up and says why on standard error.
   void GiveUpLog(const RunTimeError& error);
 
+  const std::string_view task_;
   std::optional<files::LineAppender> log_;
   ProgressLine progress_;
   bool log_broken_ = false;

@@ -12,6 +12,7 @@
 #include "job/conversion_settings.h"
 #include "platform/files/lock.h"
 #include "platform/files/text_file.h"
+#include "platform/text/ascii.h"
 #include "platform/text/utf8.h"
 
 namespace dorvane {
@@ -20,6 +21,14 @@ namespace {
 
 /// Failures of client libraries and of the standard library have no number of their own here.
 constexpr std::int32_t kUnnumbered = 5;
+
+/// What an unattended run does with the endpoints that its settings describe.
+struct Task {
+  std::string_view name;  // "Conversion"
+  void (IDatabase::*run)(IDatabase& dest, const NameList& src_tables);
+};
+constexpr Task kConversion{"Conversion", &IDatabase::TransferToDest};
+constexpr Task kComparison{"Comparison", &IDatabase::CompareWithDest};
 
 std::string UnknownFailure(std::int32_t number, std::string_view description) {
   return fmt::format("conversion failed! unkown error {} - {}", number, description);
@@ -40,12 +49,10 @@ std::optional<std::string> FailureOf(Step step) {
   }
 }
 
-}  // namespace
-
-RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
-                                  const HostedEndpointFactory& make_endpoint) {
+RunStatus Run(const Task& task, const std::filesystem::path& settings_file,
+              const HostedEndpointFactory& make_endpoint) {
   const StopSignals signals;
-  UnattendedListener listener;
+  UnattendedListener listener(task.name);
   ConversionSettings settings;
   const auto unusable = FailureOf([&] {
     files::LineReader file(settings_file);
@@ -69,7 +76,7 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
       throw RunTimeError(run_time::kPermissionDenied, "Dorvane",
                          "another run of these settings is still at work");
     }
-    settings.src->TransferToDest(*settings.dest, settings.tables);
+    ((*settings.src).*task.run)(*settings.dest, settings.tables);
     if (const int signal = StopSignals::Received()) {
       throw RunTimeError(kUnnumbered, "Dorvane", fmt::format("stopped by signal {}", signal));
     }
@@ -82,9 +89,22 @@ RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
   if (const int signal = StopSignals::Received()) return StoppedBy(signal);
   if (listener.Succeeded()) return RunStatus::kConverted;
   if (isatty(STDERR_FILENO) == 1) {
-    WriteStandardError(fmt::format("The conversion failed; see {}\n", settings.log_path));
+    WriteStandardError(
+        fmt::format("The {} failed; see {}\n", text::ToLower(task.name), settings.log_path));
   }
   return RunStatus::kFailed;
+}
+
+}  // namespace
+
+RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
+                                  const HostedEndpointFactory& make_endpoint) {
+  return Run(kConversion, settings_file, make_endpoint);
+}
+
+RunStatus RunUnattendedComparison(const std::filesystem::path& settings_file,
+                                  const HostedEndpointFactory& make_endpoint) {
+  return Run(kComparison, settings_file, make_endpoint);
 }
 
 }  // namespace dorvane

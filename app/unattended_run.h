@@ -22,5 +22,9 @@ inline RunStatus StoppedBy(int signal) {
 /// go to the log, because it is not open yet or cannot be written, goes to standard error.
 RunStatus RunUnattendedConversion(const std::filesystem::path& settings_file,
                                   const HostedEndpointFactory& make_endpoint);
+/// The same for a comparison of what the settings file describes with what is on the destination,
+/// which changes nothing.
+RunStatus RunUnattendedComparison(const std::filesystem::path& settings_file,
+                                  const HostedEndpointFactory& make_endpoint);
 
 }  // namespace dorvane

@@ -15,17 +15,6 @@ namespace dorvane {
 
 namespace {
 
-/// The facts of the fields' columns, in the order of the fields.
-std::vector<ColumnFacts> FactsOf(const std::vector<ado::FieldInfo>& fields,
-                                 const TableDefinition& table) {
-  std::vector<ColumnFacts> facts;
-  for (const ado::FieldInfo& field : fields) {
-    const ColumnDefinition* column = table.Find(field.name);
-    facts.push_back(column != nullptr ? column->facts : ColumnFacts());
-  }
-  return facts;
-}
-
 std::int32_t Announced(std::int64_t rows) {
   constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
   return static_cast<std::int32_t>(std::min(rows, kMost));
@@ -53,6 +42,9 @@ void Conversion::Run(const NameList& src_tables) {
   }
   if (!host_.IsStopping()) FinishPostponedTables();
   if (options_.convert_relationships) ForEachTable(tables, &Conversion::RelateListed);
+  if (options_.copy_table_content && options_.verification != Verification::None) {
+    CompareEach(tables);
+  }
   source_->Close();
   destination_->Close();
 }
@@ -263,16 +255,17 @@ void Conversion::FinishPostponedTables() {
 
 std::int64_t Conversion::CountRows(std::string_view source_name) {
   try {
-    return CountRows("count(*)", source_name);
+    return CountRows(*source_, "count(*)", source_name);
   } catch (const RunTimeError&) {
     if (WideCount().empty()) throw;
-    return CountRows(WideCount(), source_name);
+    return CountRows(*source_, WideCount(), source_name);
   }
 }
 
-std::int64_t Conversion::CountRows(std::string_view function, std::string_view source_name) {
+std::int64_t Conversion::CountRows(ado::Connection& connection, std::string_view function,
+                                   std::string_view table) {
   const std::string text =
-      source_->Execute(fmt::format("select {} as Rows_No from {}", function, source_name))
+      connection.Execute(fmt::format("select {} as Rows_No from {}", function, table))
           .Field("Rows_No")
           .Text();
   std::int64_t count = 0;

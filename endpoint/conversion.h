@@ -51,6 +51,9 @@ class Conversion {
   /// Converts the tables and closes both connections. Ends early, with the row block in hand
   /// finished, when the host is stopping.
   void Run(const NameList& src_tables);
+  /// Compares the tables with those on the destination and closes both connections; see
+  /// IDatabase::CompareWithDest.
+  void Compare(const NameList& src_tables);
 
  protected:
   explicit Conversion(Context context);
@@ -134,6 +137,8 @@ class Conversion {
   virtual std::string SourceName(const ado::TableName& name) const = 0;
   /// A table of the source as it is named on the destination.
   virtual ado::TableName DestTable(const ado::TableName& name) const = 0;
+  /// A table or column quoted for the destination, where it has that name.
+  virtual std::string DestQuoted(const ado::TableName& name) const = 0;
   /// True when the destination takes names that differ in letter case for one.
   virtual bool FoldsTableNames() = 0;
   virtual void ReportTableFailure(const std::string& name, const RunTimeError& error) = 0;
@@ -176,8 +181,9 @@ class Conversion {
   using ConnectionPair = std::pair<std::unique_ptr<ado::Connection>,   // to the source
                                    std::unique_ptr<ado::Connection>>;  // to the destination
   void ConvertSideBySide(const NameList& tables);
-  /// Pairs beside the conversion's own, as many as are wanted and the servers allow.
-  std::vector<ConnectionPair> OpenPairs(std::size_t wanted);
+  /// Pairs beside the conversion's own for so many tables, one at least: as many as the options
+  /// want and the servers allow.
+  std::vector<ConnectionPair> OpenPairs(std::size_t tables);
   /// The order that the tables of a merge must keep; none when the destination does not tell.
   std::optional<TableQueue> MergingOrder(const NameList& tables);
   /// Runs a step of the forks for each table. The first lane works over the conversion's own pair.
@@ -186,8 +192,17 @@ class Conversion {
   ConnectionPair JoinFork(Conversion& fork);
   bool TryKeepConnected();
 
+  // verification.cpp
+  void CompareEach(const NameList& tables);
+  void CompareListed(const std::string& name);
+  void CompareCounts(const TableDefinition& table);
+  void CompareValues(const TableDefinition& table);
+  void ReportEqual(const TableDefinition& table, std::string_view what, std::int64_t additional);
+  void ReportDifference(const TableDefinition& table, std::string_view difference);
+
   std::int64_t CountRows(std::string_view source_name);
-  std::int64_t CountRows(std::string_view function, std::string_view source_name);
+  static std::int64_t CountRows(ado::Connection& connection, std::string_view function,
+                                std::string_view table);
   void ReportShortfall(const TableDefinition& table, std::int64_t announced, std::int64_t read);
   void ReportRows(const TableDefinition& table, std::int64_t announced, const RowAccount& account);
   void ReportChanges(const TableDefinition& table, const std::vector<ValueChanges>& changes);

@@ -27,6 +27,9 @@ inline constexpr std::int16_t kOverwrite = 2;
 /// that lose nothing of a value.
 enum class TypeMapping { Classic, Exact };
 
+/// What is compared when the tables are there: nothing, the number of rows, or every value.
+enum class Verification { None, Counts, Values };
+
 /// The most tables that are converted side by side.
 inline constexpr int kMostTablesAtOnce = 8;
 
@@ -36,6 +39,7 @@ struct ConversionOptions {
   std::int16_t convert_mode = convert_mode::kMerge;
   bool replace_space_with_underscore = false;
   bool convert_relationships = false;
+  Verification verification = Verification::None;
   TypeMapping types = TypeMapping::Classic;
   int tables_at_once = 1;  // up to kMostTablesAtOnce, each over a pair of connections of its own
 };
@@ -85,6 +89,10 @@ class IDatabase {
   /// The tables of DbName in the catalog's order, or none when no connection could be opened.
   /// Throws RunTimeError when the catalog cannot be read.
   virtual std::optional<NameList> GetTablesFromDatabase() = 0;
+  /// Compares the listed tables with those of the database DbName of `dest` that they would be
+  /// converted to: by the options, but values unless counts are asked for. Changes nothing. Tells
+  /// its outcome by events.
+  virtual void CompareWithDest(IDatabase& dest, const NameList& src_tables) = 0;
   /// Converts the listed tables into the database DbName of `dest`. Tells its outcome by events.
   virtual void TransferToDest(IDatabase& dest, const NameList& src_tables) = 0;
 

@@ -61,7 +61,16 @@ std::unique_ptr<ado::Connection> DatabaseBase::OpenConnection(bool with_db_name)
   }
 }
 
+void DatabaseBase::CompareWithDest(IDatabase& dest, const NameList& src_tables) {
+  RunConversion(dest, src_tables, &Conversion::Compare);
+}
+
 void DatabaseBase::TransferToDest(IDatabase& dest, const NameList& src_tables) {
+  RunConversion(dest, src_tables, &Conversion::Run);
+}
+
+void DatabaseBase::RunConversion(IDatabase& dest, const NameList& src_tables,
+                                 void (Conversion::*run)(const NameList& src_tables)) {
   Events().ConversionStarted(TableCount(src_tables), options_.convert_relationships);
   auto source = OpenConnection(true);
   if (!source) return;
@@ -69,13 +78,14 @@ void DatabaseBase::TransferToDest(IDatabase& dest, const NameList& src_tables) {
   if (!destination) return;
   TellExposure(host_, "source", *this, *source);
   TellExposure(host_, "destination", dest, *destination);
-  MakeConversion({.source = std::move(source),
-                  .destination = std::move(destination),
-                  .source_database = DbName(),
-                  .options = options_,
-                  .events = Events(),
-                  .host = host_})
-      ->Run(src_tables);
+  const std::unique_ptr<Conversion> conversion =
+      MakeConversion({.source = std::move(source),
+                      .destination = std::move(destination),
+                      .source_database = DbName(),
+                      .options = options_,
+                      .events = Events(),
+                      .host = host_});
+  (conversion.get()->*run)(src_tables);
   Events().ConversionEnded();
 }
 

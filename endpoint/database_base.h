@@ -21,6 +21,7 @@ class DatabaseBase : public IDatabase {
   void SetListener(IConversionListener* listener) override { listener_ = listener; }
 
   std::unique_ptr<ado::Connection> OpenConnection(bool with_db_name) override;
+  void CompareWithDest(IDatabase& dest, const NameList& src_tables) override;
   void TransferToDest(IDatabase& dest, const NameList& src_tables) override;
 
  protected:
@@ -36,6 +37,9 @@ class DatabaseBase : public IDatabase {
       const RunTimeError& error, const ado::Connection& connection) const = 0;
   /// The conversion of this kind of source.
   virtual std::unique_ptr<Conversion> MakeConversion(Conversion::Context context) = 0;
+  /// Opens both connections and runs that part of a conversion.
+  void RunConversion(IDatabase& dest, const NameList& src_tables,
+                     void (Conversion::*run)(const NameList& src_tables));
 
   IRunHost& host_;
   ado::ProviderLookup providers_;

@@ -24,6 +24,18 @@ void RowAccount::AddRefused(std::int64_t count, std::int64_t position, const Err
   refused += count;
 }
 
+void ConvertRows(const ado::RowBlock& source, IRowDestination& destination,
+                 ado::RowBlock& converted) {
+  converted.Clear(source.Columns());
+  for (std::size_t row = 0; row < source.Rows(); ++row) {
+    const std::span<const ado::Value> values = source.Row(row);
+    const std::span<ado::Value> storable = converted.AppendRow();
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      storable[i] = destination.ConvertValue(values[i], i, converted.Storage());
+    }
+  }
+}
+
 struct RowCopier::Rows {
   explicit Rows(const ado::BlockLimits& limits) : source(limits) {}
   ado::RowBlock source;
@@ -70,20 +82,9 @@ std::future<RowCopier::Fetched> RowCopier::FetchAhead(const BlockSource& source,
     } catch (...) {
       fetched.failure = std::current_exception();
     }
-    ConvertValues(rows);
+    ConvertRows(rows.source, destination_, rows.converted);
     return fetched;
   });
-}
-
-void RowCopier::ConvertValues(Rows& rows) {
-  rows.converted.Clear(rows.source.Columns());
-  for (std::size_t row = 0; row < rows.source.Rows(); ++row) {
-    const std::span<const ado::Value> values = rows.source.Row(row);
-    const std::span<ado::Value> converted = rows.converted.AppendRow();
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      converted[i] = destination_.ConvertValue(values[i], i, rows.converted.Storage());
-    }
-  }
 }
 
 bool RowCopier::Store(const Rows& rows) {

@@ -81,6 +81,10 @@ class IRowDestination {
 /// longer for commits. Four are in memory at a time.
 inline constexpr ado::BlockLimits kTravellingBlock{.rows = 10'000, .bytes = 2 << 20};
 
+/// Fills `converted` with what the destination is to store for the rows of `source`.
+void ConvertRows(const ado::RowBlock& source, IRowDestination& destination,
+                 ado::RowBlock& converted);
+
 /// How rows travel: one by one, the reference, or in blocks with the same outcome; as Statements
 /// blocks do without what a server has beside statements.
 enum class CopyStrategy { Blocks, Statements, RowByRow };
@@ -115,7 +119,6 @@ class RowCopier {
   struct Fetched;
 
   std::future<Fetched> FetchAhead(const BlockSource& source, Rows& rows);
-  void ConvertValues(Rows& rows);
   bool Store(const Rows& rows);
   std::size_t StoreSome(const Rows& rows, std::size_t position);
   void StoreOne(const Rows& rows, std::size_t position);

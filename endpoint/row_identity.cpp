@@ -23,7 +23,8 @@ bool IsExact(DataType type) {
   }
 }
 
-/// The primary key, else a key that tells rows apart; null when there is neither.
+}  // namespace
+
 const ado::Index* RowKey(const std::vector<ado::Index>& indexes) {
   const auto primary = std::ranges::find(indexes, true, &ado::Index::primary_key);
   if (primary != indexes.end()) return &*primary;
@@ -33,8 +34,6 @@ const ado::Index* RowKey(const std::vector<ado::Index>& indexes) {
   const auto unique = std::ranges::find_if(indexes, is_whole);
   return unique != indexes.end() ? &*unique : nullptr;
 }
-
-}  // namespace
 
 std::vector<std::size_t> IdentifyingFields(const std::vector<ado::Index>& indexes,
                                            const std::vector<ado::FieldInfo>& fields) {

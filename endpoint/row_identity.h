@@ -13,6 +13,9 @@ namespace dorvane {
 std::vector<std::size_t> IdentifyingFields(const std::vector<ado::Index>& indexes,
                                            const std::vector<ado::FieldInfo>& fields);
 
+/// The primary key, else a key that tells rows apart; null when there is neither.
+const ado::Index* RowKey(const std::vector<ado::Index>& indexes);
+
 /// True for the types of text that a server may fold.
 bool IsFoldedType(ado::DataType type);
 /// True for text of a fixed length, whose trailing blanks mean nothing.

@@ -16,9 +16,7 @@ namespace dorvane {
 void Conversion::ConvertSideBySide(const NameList& tables) {
   const std::optional<TableQueue> order = IsMerging() ? MergingOrder(tables) : TableQueue(tables);
   if (!order) return ConvertOneByOne(tables);
-  const int wanted = std::min(options_.tables_at_once, kMostTablesAtOnce);
-  std::vector<ConnectionPair> pairs =
-      OpenPairs(std::min(static_cast<std::size_t>(wanted), tables.size()) - 1);
+  std::vector<ConnectionPair> pairs = OpenPairs(tables.size());
   Lanes lanes(pairs.size() + 1, events_, host_);
   if (IsOverwriting()) {
     OnLanes(lanes, pairs, TableQueue(tables), &Conversion::PlanListed);
@@ -30,7 +28,10 @@ void Conversion::ConvertSideBySide(const NameList& tables) {
   });
 }
 
-std::vector<Conversion::ConnectionPair> Conversion::OpenPairs(std::size_t wanted) {
+std::vector<Conversion::ConnectionPair> Conversion::OpenPairs(std::size_t tables) {
+  const auto at_once =
+      static_cast<std::size_t>(std::clamp(options_.tables_at_once, 1, kMostTablesAtOnce));
+  const std::size_t wanted = std::min(at_once, tables) - 1;
   std::vector<ConnectionPair> pairs;
   try {
     while (pairs.size() < wanted) {

@@ -27,4 +27,14 @@ const ColumnDefinition* TableDefinition::Identity() const {
   return found != columns.end() ? &*found : nullptr;
 }
 
+std::vector<ColumnFacts> FactsOf(const std::vector<ado::FieldInfo>& fields,
+                                 const TableDefinition& table) {
+  std::vector<ColumnFacts> facts;
+  for (const ado::FieldInfo& field : fields) {
+    const ColumnDefinition* column = table.Find(field.name);
+    facts.push_back(column != nullptr ? column->facts : ColumnFacts());
+  }
+  return facts;
+}
+
 }  // namespace dorvane

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/ado/table_name.h"
+#include "platform/ado/types.h"
 
 namespace dorvane {
 
@@ -58,5 +59,9 @@ struct TableDefinition {
   /// Null when the table has no identity column.
   const ColumnDefinition* Identity() const;
 };
+
+/// The facts of the fields' columns, in the order of the fields.
+std::vector<ColumnFacts> FactsOf(const std::vector<ado::FieldInfo>& fields,
+                                 const TableDefinition& table);
 
 }  // namespace dorvane

@@ -21,44 +21,43 @@ using ado::Encryption;
 // Library calls count these in milliseconds of an int.
 constexpr int kLongestLimit = 2'147'483;
 
-struct EncryptionName {
-  Encryption value;
-  std::string_view name;
-};
-constexpr std::array kEncryptions{EncryptionName{Encryption::Offered, "offered"},
-                                  EncryptionName{Encryption::Required, "required"},
-                                  EncryptionName{Encryption::Verified, "verified"}};
-
 [[noreturn]] void Refuse(std::int32_t number, const std::string& why) {
   throw RunTimeError(number, "Dorvane", why);
 }
 
-/// The values of one type of option: how they are read from text and written to it.
-struct EncryptionValue {
-  static Encryption Read(std::string_view text) {
-    const auto found = std::ranges::find_if(kEncryptions, [text](const EncryptionName& each) {
-      return text::EqualsIgnoringCase(each.name, text);
-    });
-    if (found == kEncryptions.end()) {
-      Refuse(run_time::kTypeMismatch, "not offered, required or verified");
-    }
-    return found->value;
-  }
-  static std::string Write(Encryption value) {
-    return std::string(std::ranges::find(kEncryptions, value, &EncryptionName::value)->name);
-  }
+/// A value of an option and what it is called.
+template <typename Value>
+struct Name {
+  Value value;
+  std::string_view name;
 };
+constexpr std::array kEncryptions{Name<Encryption>{Encryption::Offered, "offered"},
+                                  Name{Encryption::Required, "required"},
+                                  Name{Encryption::Verified, "verified"}};
+constexpr std::array kTypes{Name{TypeMapping::Classic, "classic"},
+                            Name{TypeMapping::Exact, "exact"}};
+constexpr std::array kVerifications{Name{Verification::None, "none"},
+                                    Name{Verification::Counts, "counts"},
+                                    Name{Verification::Values, "values"}};
 
-struct TypesValue {
-  static TypeMapping Read(std::string_view text) {
-    if (text::EqualsIgnoringCase(text, "exact")) return TypeMapping::Exact;
-    if (!text::EqualsIgnoringCase(text, "classic")) {
-      Refuse(run_time::kTypeMismatch, "not classic or exact");
+/// The values of one type of option: how they are read from text and written to it.
+template <const auto& names>
+struct NamedValue {
+  using Value = decltype(names.front().value);
+
+  static Value Read(std::string_view text) {
+    for (const Name<Value>& each : names) {
+      if (text::EqualsIgnoringCase(each.name, text)) return each.value;
     }
-    return TypeMapping::Classic;
+    std::string list;
+    for (const Name<Value>& each : names) {
+      const bool is_last = &each == &names.back();
+      list += fmt::format("{}{}", list.empty() ? "" : (is_last ? " or " : ", "), each.name);
+    }
+    Refuse(run_time::kTypeMismatch, "not " + list);
   }
-  static std::string Write(TypeMapping value) {
-    return value == TypeMapping::Exact ? "exact" : "classic";
+  static std::string Write(Value value) {
+    return std::string(std::ranges::find(names, value, &Name<Value>::value)->name);
   }
 };
 
@@ -146,15 +145,16 @@ constexpr Option ConversionOption(std::string_view name) {
 
 // In the order in which they are written.
 constexpr std::array kOptions{
-    ConnectionOption<EncryptionValue, &ConnectionSettings::encryption, kSource>(
+    ConnectionOption<NamedValue<kEncryptions>, &ConnectionSettings::encryption, kSource>(
         "Encryption source"),
-    ConnectionOption<EncryptionValue, &ConnectionSettings::encryption, kDestination>(
+    ConnectionOption<NamedValue<kEncryptions>, &ConnectionSettings::encryption, kDestination>(
         "Encryption destination"),
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kSource>("CA file source"),
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
-    ConversionOption<TypesValue, &ConversionOptions::types>("Types"),
+    ConversionOption<NamedValue<kTypes>, &ConversionOptions::types>("Types"),
     ConversionOption<TablesValue, &ConversionOptions::tables_at_once>("Tables at once"),
+    ConversionOption<NamedValue<kVerifications>, &ConversionOptions::verification>("Verify"),
 };
 
 }  // namespace

@@ -166,6 +166,10 @@ std::string MsSqlToMySql::SourceName(const ado::TableName& name) const {
   return MsSqlTable(name);
 }
 
+std::string MsSqlToMySql::DestQuoted(const ado::TableName& name) const {
+  return MySqlTable(name);
+}
+
 void MsSqlToMySql::RelateTable(const std::string& name) {
   Events().TableRelationsConversionStarted(name);
   AddRelationships(SourceCatalog().TableByName(name));

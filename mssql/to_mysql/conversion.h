@@ -30,6 +30,7 @@ class MsSqlToMySql : public Conversion {
   std::string_view WideCount() const override { return "count_big(*)"; }
   std::string SourceName(const ado::TableName& name) const override;
   ado::TableName DestTable(const ado::TableName& name) const override;
+  std::string DestQuoted(const ado::TableName& name) const override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   std::unique_ptr<Conversion> Fork(Context context) const override;
   void Join(Conversion& fork) override;

@@ -95,6 +95,10 @@ ado::TableName MySqlToMsSql::DestTable(const ado::TableName& name) const {
   return DestName(name.name);
 }
 
+std::string MySqlToMsSql::DestQuoted(const ado::TableName& name) const {
+  return MsSqlTable(name);
+}
+
 void MySqlToMsSql::RelateTable(const std::string& name) {
   ado::Table& tab_src = SourceCatalog().TableByName(name);
   Events().TableRelationsConversionStarted(tab_src.Name().Text());

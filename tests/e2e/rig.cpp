@@ -88,6 +88,7 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   ConversionOptions options = src.Options();
   options.types = job.types;
   options.tables_at_once = job.tables_at_once;
+  options.verification = job.verification;
   src.SetOptions(options);
   SaveConversionSettings(settings, src, dest, job.tables, log.string());
 }
@@ -98,15 +99,16 @@ std::string ReadLog(const std::filesystem::path& log) {
   return lines;
 }
 
-ProgramRun::ProgramRun(const Job& job,
-                       std::vector<std::pair<std::string, std::string>> environment) {
+ProgramRun::ProgramRun(const Job& job, std::vector<std::pair<std::string, std::string>> environment,
+                       const std::vector<std::string>& options) {
   WriteSettings(job, folder_ / "run.dcs", folder_ / "log.txt");
   // No display, and none of the user's own settings: neither may matter.
   environment.insert(environment.end(), {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
-  process_ = std::make_unique<Process>(
-      std::vector<std::string>{"/usr/bin/time", "--output=" + (folder_ / "peak").string(),
-                               "--format=%M", DORVANE_PROGRAM, (folder_ / "run.dcs").string()},
-      folder_ / "output", environment);
+  std::vector<std::string> command = {"/usr/bin/time", "--output=" + (folder_ / "peak").string(),
+                                      "--format=%M", DORVANE_PROGRAM};
+  command.insert(command.end(), options.begin(), options.end());
+  command.push_back(folder_ / "run.dcs");
+  process_ = std::make_unique<Process>(command, folder_ / "output", environment);
 }
 
 int ProgramRun::Wait(std::chrono::seconds limit) {

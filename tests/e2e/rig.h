@@ -28,6 +28,7 @@ struct Job {
   int idle_limit = 600;  // seconds
   TypeMapping types = TypeMapping::Classic;
   int tables_at_once = 1;
+  Verification verification = Verification::None;
 };
 
 /// Two private servers, shared by all tests of the program, and runs of the real program.
@@ -67,7 +68,8 @@ std::string ReadLog(const std::filesystem::path& log);
 class ProgramRun {
  public:
   explicit ProgramRun(const Job& job,
-                      std::vector<std::pair<std::string, std::string>> environment = {});
+                      std::vector<std::pair<std::string, std::string>> environment = {},
+                      const std::vector<std::string>& options = {});  // in front of the file
 
   Process& Program() { return *process_; }
   /// The exit status; fails the test when the program hangs.

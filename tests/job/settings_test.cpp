@@ -116,7 +116,7 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   const std::string options =
       "Encryption source=required\r\nEncryption destination=verified\r\n"
       "CA file destination=/etc/ca s\xFC.pem\r\nIdle limit=0\r\nTypes=exact\r\n"
-      "Tables at once=4\r\n";
+      "Tables at once=4\r\nVerify=values\r\n";
   const ConversionSettings settings = Read(kSales + options);
   const ado::ConnectionSettings src = settings.src->Settings();
   const ado::ConnectionSettings dest = settings.dest->Settings();
@@ -128,6 +128,7 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   EXPECT_EQ(dest.idle_limit, 0);
   EXPECT_EQ(settings.src->Options().types, TypeMapping::Exact);
   EXPECT_EQ(settings.src->Options().tables_at_once, 4);
+  EXPECT_EQ(settings.src->Options().verification, Verification::Values);
   EXPECT_EQ(src.password, "pw-1");
   EXPECT_EQ(Write(*settings.src, *settings.dest, settings.tables, settings.log_path),
             kSales + options);

@@ -24,6 +24,9 @@ class PlainEndpoint : public IDatabase {
   std::optional<NameList> GetDatabases() override { return {}; }
   bool CreateDatabase(const std::string& /*name*/) override { return false; }
   std::optional<NameList> GetTablesFromDatabase() override { return {}; }
+  void CompareWithDest(IDatabase& dest, const NameList& tables) override {
+    TransferToDest(dest, tables);
+  }
   void TransferToDest(IDatabase& dest, const NameList& tables) override {
     if (transfer_) transfer_(dest, tables, *listener_);
   }
