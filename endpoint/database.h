@@ -27,6 +27,10 @@ inline constexpr std::int16_t kOverwrite = 2;
 /// that lose nothing of a value.
 enum class TypeMapping { Classic, Exact };
 
+/// What becomes of the name of a table outside the default schema of SQL Server's login on MySQL,
+/// which has no schemas: `Schema_Table`, `Table`, or `Table` in a database `Schema`.
+enum class SchemaPolicy { Prefix, Drop, Database };
+
 /// How a database is converted; read from the source endpoint only.
 struct ConversionOptions {
   bool copy_table_content = false;
@@ -34,6 +38,8 @@ struct ConversionOptions {
   bool replace_space_with_underscore = false;
   bool convert_relationships = false;
   TypeMapping types = TypeMapping::Classic;
+  SchemaPolicy schemas = SchemaPolicy::Prefix;  // from SQL Server only
+  std::string destination_schema = {};          // to SQL Server only; empty: the login's default
 };
 
 /// One database server as the converter sees it. Operations report their failures themselves

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <optional>
 #include <utility>
 
 #include "platform/run_time_error.h"
@@ -61,6 +62,29 @@ struct TypesValue {
   }
 };
 
+struct SchemaPolicyName {
+  SchemaPolicy value;
+  std::string_view name;
+};
+constexpr std::array kSchemaPolicies{SchemaPolicyName{SchemaPolicy::Prefix, "prefix"},
+                                     SchemaPolicyName{SchemaPolicy::Drop, "drop"},
+                                     SchemaPolicyName{SchemaPolicy::Database, "database"}};
+
+struct SchemasValue {
+  static SchemaPolicy Read(std::string_view text) {
+    const auto found = std::ranges::find_if(kSchemaPolicies, [text](const auto& each) {
+      return text::EqualsIgnoringCase(each.name, text);
+    });
+    if (found == kSchemaPolicies.end()) {
+      Refuse(run_time::kTypeMismatch, "not prefix, drop or database");
+    }
+    return found->value;
+  }
+  static std::string Write(SchemaPolicy value) {
+    return std::string(std::ranges::find(kSchemaPolicies, value, &SchemaPolicyName::value)->name);
+  }
+};
+
 struct TextValue {
   static std::string Read(std::string_view text) { return std::string(text); }
   static std::string Write(const std::string& value) { return value; }
@@ -88,6 +112,7 @@ struct Option {
   std::string_view name;
   void (*read)(std::string_view text, IDatabase& src, IDatabase& dest);
   std::string (*write)(const IDatabase& src, const IDatabase& dest);
+  std::optional<ServerKind> source = std::nullopt;  // that gives the option a meaning; none: both
 };
 
 /// An option that is a connection setting of one side, or of both alike.
@@ -113,7 +138,8 @@ constexpr Option ConnectionOption(std::string_view name) {
 
 /// An option of the conversion, which the source endpoint holds.
 template <typename Value, auto member>
-constexpr Option ConversionOption(std::string_view name) {
+constexpr Option ConversionOption(std::string_view name,
+                                  std::optional<ServerKind> source = std::nullopt) {
   return {name,
           [](std::string_view text, IDatabase& src, IDatabase& /*dest*/) {
             ConversionOptions options = src.Options();
@@ -124,7 +150,8 @@ constexpr Option ConversionOption(std::string_view name) {
             const ConversionOptions options = src.Options();
             const bool is_default = options.*member == ConversionOptions().*member;
             return is_default ? std::string() : Value::Write(options.*member);
-          }};
+          },
+          source};
 }
 
 // In the order in which they are written.
@@ -137,6 +164,9 @@ constexpr std::array kOptions{
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
     ConversionOption<TypesValue, &ConversionOptions::types>("Types"),
+    ConversionOption<SchemasValue, &ConversionOptions::schemas>("Schemas", ServerKind::MsSql),
+    ConversionOption<TextValue, &ConversionOptions::destination_schema>("Destination schema",
+                                                                        ServerKind::MySql),
 };
 
 }  // namespace
@@ -150,6 +180,12 @@ void ReadOption(std::string_view line, IDatabase& src, IDatabase& dest) {
   const auto option = std::ranges::find_if(
       kOptions, [name](const Option& each) { return text::EqualsIgnoringCase(each.name, name); });
   if (option == kOptions.end()) Refuse(run_time::kInvalidArgument, "There is no such option");
+  if (option->source && *option->source != src.Kind()) {
+    Refuse(run_time::kInvalidArgument,
+           fmt::format("{}: for conversions {} only", option->name,
+                       *option->source == ServerKind::MsSql ? "from SQL Server to MySQL"
+                                                            : "from MySQL to SQL Server"));
+  }
   try {
     option->read(text::Trim(line.substr(equals + 1), text::kWhiteSpace), src, dest);
   } catch (const RunTimeError& error) {
@@ -160,6 +196,7 @@ void ReadOption(std::string_view line, IDatabase& src, IDatabase& dest) {
 std::vector<std::string> OptionLines(const IDatabase& src, const IDatabase& dest) {
   std::vector<std::string> lines;
   for (const Option& option : kOptions) {
+    if (option.source && *option.source != src.Kind()) continue;
     const std::string value = option.write(src, dest);
     if (!value.empty()) lines.push_back(fmt::format("{}={}", option.name, value));
   }

@@ -73,7 +73,7 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   PlainEndpoint src(job.source);
   PlainEndpoint dest(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql);
   Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : Rig::Get().MsSql().Port(),
-          "sa", job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
+          job.ms_sql_user, job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
   Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : Rig::Get().MySql().Port(),
           "root", job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
   for (IDatabase* endpoint : {static_cast<IDatabase*>(&src), static_cast<IDatabase*>(&dest)}) {
@@ -83,6 +83,8 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   }
   ConversionOptions options = src.Options();
   options.types = job.types;
+  options.schemas = job.schemas;
+  options.destination_schema = job.dest_schema;
   src.SetOptions(options);
   src.SetCopyTableContent(true);
   src.SetConvertMode(job.mode);
