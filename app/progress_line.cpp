@@ -4,6 +4,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include "app/standard_error.h"
 #include "job/progress_text.h"
 #include "platform/text/utf8.h"
@@ -31,22 +33,40 @@ void ProgressLine::StartTable(std::string_view name, std::int64_t rows) {
   rows_ = rows;
   done_ = 0;
   ++table_;
+  if (is_side_by_side_) return;
   started_ = last_drawn_ = Clock::now();
   if (on_terminal_) Draw(started_);
 }
 
 void ProgressLine::CountRow() {
   ++done_;
-  if (!on_terminal_ || done_ % 64 != 0) return;  // the clock is not free
+  if (!on_terminal_ || is_side_by_side_ || done_ % 64 != 0) return;  // the clock is not free
   const auto now = Clock::now();
   if (now - last_drawn_ >= kRedrawEvery) Draw(now);
 }
 
+void ProgressLine::ShowTablesInHand(const TablesInHand& tables) {
+  const auto now = Clock::now();
+  if (!std::exchange(is_side_by_side_, true) || tables.rows == 0) started_ = now;
+  if (!on_terminal_ || tables.announced == 0 || now - last_drawn_ < kRedrawEvery) return;
+  last_drawn_ = now;
+  DrawLine(fmt::format("{} tables at once, {} of {} done: {}", tables.names.size(), tables.ended,
+                       tables_, ProgressText(tables.rows, tables.announced, now - started_)));
+}
+
+void ProgressLine::End(std::string_view summary) {
+  Clear();
+  if (on_terminal_) WriteStandardError(fmt::format("{}\n", summary));
+}
+
 void ProgressLine::Draw(Clock::time_point now) {
   last_drawn_ = now;
+  DrawLine(fmt::format("{} ({} of {}): {}", name_, table_, tables_,
+                       ProgressText(done_, rows_, now - started_)));
+}
+
+void ProgressLine::DrawLine(std::string_view line) {
   drawn_ = true;
-  const std::string line = fmt::format("{} ({} of {}): {}", name_, table_, tables_,
-                                       ProgressText(done_, rows_, now - started_));
   WriteStandardError("\r\x1b[K" + std::string(text::FirstCharacters(line, TerminalWidth())));
 }
 

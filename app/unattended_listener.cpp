@@ -8,6 +8,7 @@
 
 #include "app/standard_error.h"
 #include "app/stop_signals.h"
+#include "job/progress_text.h"
 #include "platform/text/code_page.h"
 #include "platform/text/utf8.h"
 
@@ -74,6 +75,7 @@ void UnattendedListener::ErrorOccured(std::string_view message, std::int32_t /*m
 
 void UnattendedListener::ConversionStarted(std::int16_t no_of_tables, bool /*relations_included*/) {
   progress_.StartConversion(no_of_tables);
+  started_ = std::chrono::steady_clock::now();
   Log("############### Dorvane (New Conversion) #############");
   Log("Conversion started at: " + GeneralDateAndTime());
 }
@@ -81,11 +83,16 @@ void UnattendedListener::ConversionStarted(std::int16_t no_of_tables, bool /*rel
 void UnattendedListener::ConversionEnded() {
   if (IsStopping()) return;
   ended_ = true;
+  const std::string summary =
+      SummaryText(tables_, rows_, std::chrono::steady_clock::now() - started_);
+  Inform(summary);
+  progress_.End(summary);
   Log("Conversion ended at: " + GeneralDateAndTime());
   Log("######################### End OF Conversion #############################");
 }
 
 void UnattendedListener::TableConversionSuccessed(std::string_view /*table_name*/) {
+  ++tables_;
   Log(table_failed_ ? "Done, with errors." : "Done!");
 }
 
@@ -99,6 +106,7 @@ void UnattendedListener::TableContentTransferStarted(std::string_view table_name
 }
 
 void UnattendedListener::TableRecordConverted() {
+  ++rows_;
   progress_.CountRow();
 }
 

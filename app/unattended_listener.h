@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -39,6 +41,7 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   void ConnectionFailed(const ConnectionFailure& failure) override;
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
   void Inform(std::string_view message) override;
+  void ShowTablesInHand(const TablesInHand& tables) override { progress_.ShowTablesInHand(tables); }
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}
@@ -54,6 +57,9 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   bool failed_ = false;
   bool table_failed_ = false;  // something of the table in hand was reported
   bool ended_ = false;
+  std::chrono::steady_clock::time_point started_;
+  std::int64_t tables_ = 0;  // converted
+  std::int64_t rows_ = 0;    // handled
 };
 
 }  // namespace dorvane

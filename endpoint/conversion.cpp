@@ -46,39 +46,59 @@ Conversion::Conversion(Context context)
 void Conversion::Run(const NameList& src_tables) {
   const NameList tables = WithoutCollisions(src_tables);
   PrepareSchemas(tables);
-  if (IsOverwriting()) PlanOverwriting(tables);
-  ForEachTable(tables, [this](const std::string& name) {
-    events_.TableConversionStarted(name);
-    ConvertTable(name);
-  });
-  if (!host_.IsStopping()) FinishPostponedTables();
-  if (options_.convert_relationships) {
-    ForEachTable(tables, [this](const std::string& name) {
-      KeepConnected();
-      RelateTable(name);
-    });
+  for (const std::string& name : tables) plans_->try_emplace(name);
+  if (options_.tables_at_once > 1 && tables.size() > 1) {
+    ConvertSideBySide(tables);
+  } else {
+    ConvertOneByOne(tables);
   }
+  if (!host_.IsStopping()) FinishPostponedTables();
+  if (options_.convert_relationships) ForEachTable(tables, &Conversion::RelateListed);
   source_->Close();
   destination_->Close();
 }
 
-template <typename Step>
+void Conversion::ConvertOneByOne(const NameList& tables) {
+  if (IsOverwriting()) {
+    ForEachTable(tables, &Conversion::PlanListed);
+    PrepareOverwriting(tables);
+  }
+  ForEachTable(tables, &Conversion::ConvertListed);
+}
+
 void Conversion::ForEachTable(const NameList& tables, Step step) {
   for (const std::string& name : tables) {
     if (host_.IsStopping()) return;
-    try {
-      step(name);
-    } catch (const RunTimeError& error) {
-      failed_.insert(SourceTable(name));
-      ReportTableFailure(name, error);
-    }
+    TryStep(step, name);
   }
 }
 
+void Conversion::TryStep(Step step, const std::string& name) {
+  try {
+    (this->*step)(name);
+  } catch (const RunTimeError& error) {
+    failed_.insert(SourceTable(name));
+    ReportTableFailure(name, error);
+  }
+}
+
+void Conversion::PlanListed(const std::string& name) {
+  Plan(name);
+}
+
+void Conversion::ConvertListed(const std::string& name) {
+  events_.TableConversionStarted(name);
+  ConvertTable(name);
+}
+
+void Conversion::RelateListed(const std::string& name) {
+  KeepConnected();
+  RelateTable(name);
+}
+
 Conversion::PlannedTable& Conversion::Plan(const std::string& name) {
-  const auto [entry, is_new] = planned_.try_emplace(name);
-  PlannedTable& planned = entry->second;
-  if (!is_new) return planned;
+  PlannedTable& planned = plans_->at(name);
+  if (planned.IsThere()) return planned;
   try {
     KeepConnected();
     ado::Table& tab_src = catalog_.TableByName(name);
@@ -157,11 +177,11 @@ void Conversion::PrepareSchemas(const NameList& tables) {
   }
 }
 
-void Conversion::PlanOverwriting(const NameList& tables) {
+void Conversion::PrepareOverwriting(const NameList& tables) {
+  if (host_.IsStopping()) return;
   std::vector<const TableDefinition*> definitions;
   for (const std::string& name : tables) {
-    if (host_.IsStopping()) return;
-    const PlannedTable& planned = Plan(name);
+    const PlannedTable& planned = plans_->at(name);
     if (planned.definition) definitions.push_back(&*planned.definition);
   }
   PrepareOverwriting(definitions);

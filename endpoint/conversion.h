@@ -8,20 +8,32 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "endpoint/database.h"
 #include "endpoint/failure.h"
+#include "endpoint/references.h"
 #include "endpoint/row_copier.h"
 #include "endpoint/table_definition.h"
 #include "platform/ado/catalog.h"
 
 namespace dorvane {
 
+class EventRecord;
+class Lanes;
+class TableQueue;
+
 /// One conversion, from opened connections to closed ones: it prepares the destination, converts
 /// each listed table (definition, keys, rows) and then, on request, the relationships. It lives
 /// exactly as long as the run and holds all of its state. Each direction derives its own and fills
 /// in the steps; every failure becomes one of the events.
+///
+/// Where tables are converted side by side, each lane has a fork of the conversion: the same
+/// direction over a pair of connections of its own, which knows what the conversion knows and
+/// converts one table at a time in the lane's thread. What concerns several tables (names that
+/// collide, what is dropped, rows that wait for others, relationships) stays with the conversion,
+/// which does nothing else while its forks are at work.
 class Conversion {
  public:
   struct Context {
@@ -90,6 +102,8 @@ class Conversion {
   /// In overwrite mode, ahead of the first table: `tables` are all that can be made, in their
   /// order. Reports its failures.
   virtual void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) = 0;
+  /// The foreign keys of the destination's tables, of those at least that refer to one of these.
+  virtual std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) = 0;
   /// In overwrite mode, right before the table is created.
   virtual void PrepareTable(const TableDefinition& table) = 0;
   virtual std::string CreateTableStatement(const TableDefinition& table) const = 0;
@@ -115,6 +129,10 @@ class Conversion {
   /// After the last table: stores the rows that were postponed, and adds those that were refused
   /// for good to the account of their destination table.
   virtual void StorePostponedRows(std::map<std::string, RowAccount>& /*accounts*/) {}
+  /// Another conversion of the direction, to which the direction adds what it knows already.
+  virtual std::unique_ptr<Conversion> Fork(Context context) const = 0;
+  /// Takes over what a fork has learnt about tables that the conversion goes on with.
+  virtual void Join(Conversion& fork) = 0;
   /// The foreign keys of a table. Throws only for a table that is not in the source's catalog.
   virtual void RelateTable(const std::string& name) = 0;
 
@@ -134,17 +152,26 @@ class Conversion {
   struct PlannedTable {
     std::optional<TableDefinition> definition;
     std::exception_ptr failure;
+    bool IsThere() const { return definition || failure; }
   };
+  using Plans = std::map<std::string, PlannedTable>;
   PlannedTable& Plan(const std::string& name);
-  /// Runs a step for each table and reports its failure; returns when the host is stopping.
-  template <typename Step>
+  /// A step for one listed table. Throws RunTimeError.
+  using Step = void (Conversion::*)(const std::string& name);
+  /// Returns early when the host is stopping.
   void ForEachTable(const NameList& tables, Step step);
+  /// Reports the step's failure.
+  void TryStep(Step step, const std::string& name);
+  void PlanListed(const std::string& name);
+  void ConvertListed(const std::string& name);
+  void RelateListed(const std::string& name);
   /// The listed tables but for those whose destination name another one takes; reports these.
   NameList WithoutCollisions(const NameList& src_tables);
   /// Makes what the tables will stand in. Reports its failures.
   void PrepareSchemas(const NameList& tables);
-  /// Defines all tables before anything is dropped.
-  void PlanOverwriting(const NameList& tables);
+  void ConvertOneByOne(const NameList& tables);
+  /// All definitions were made, as far as they can be, before anything is dropped.
+  void PrepareOverwriting(const NameList& tables);
   void ConvertTable(const std::string& name);
   bool CreateTable(TableDefinition& table);
   void TellNotes(const TableDefinition& table);
@@ -154,6 +181,21 @@ class Conversion {
   void Postpone(const TableDefinition& table, std::int64_t announced, const RowAccount& account);
   /// The tables some of whose rows were postponed end here.
   void FinishPostponedTables();
+
+  // side_by_side.cpp
+  using ConnectionPair = std::pair<std::unique_ptr<ado::Connection>,   // to the source
+                                   std::unique_ptr<ado::Connection>>;  // to the destination
+  void ConvertSideBySide(const NameList& tables);
+  /// Pairs beside the conversion's own, as many as are wanted and the servers allow.
+  std::vector<ConnectionPair> OpenPairs(std::size_t wanted);
+  /// The order that the tables of a merge must keep; none when the destination does not tell.
+  std::optional<TableQueue> MergingOrder(const NameList& tables);
+  /// Runs a step of the forks for each table. The first lane works over the conversion's own pair.
+  void OnLanes(Lanes& lanes, std::vector<ConnectionPair>& pairs, TableQueue tables, Step step);
+  std::unique_ptr<Conversion> ForkOver(ConnectionPair pair, EventRecord& record) const;
+  ConnectionPair JoinFork(Conversion& fork);
+  bool TryKeepConnected();
+
   std::int64_t CountRows(std::string_view source_name);
   std::int64_t CountRows(std::string_view function, std::string_view source_name);
   void ReportShortfall(const TableDefinition& table, std::int64_t announced, std::int64_t read);
@@ -168,7 +210,9 @@ class Conversion {
   IConversionListener& events_;
   IRunHost& host_;
   const CopyPlan copy_;
-  std::map<std::string, PlannedTable> planned_;
+  // Shared with the forks. It has an entry for every listed table before they begin, and each of
+  // them touches the entries of its own tables only.
+  std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();
   std::set<ado::TableName> failed_;  // tables that were not made
   // The tables of the run by their names on the destination, in lower case.
   std::map<std::string, std::vector<ado::TableName>> tables_of_dest_;

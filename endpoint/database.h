@@ -30,6 +30,8 @@ enum class TypeMapping { Classic, Exact };
 /// What becomes of the name of a table outside the default schema of SQL Server's login on MySQL,
 /// which has no schemas: `Schema_Table`, `Table`, or `Table` in a database `Schema`.
 enum class SchemaPolicy { Prefix, Drop, Database };
+/// The most tables that are converted side by side.
+inline constexpr int kMostTablesAtOnce = 8;
 
 /// How a database is converted; read from the source endpoint only.
 struct ConversionOptions {
@@ -40,6 +42,7 @@ struct ConversionOptions {
   TypeMapping types = TypeMapping::Classic;
   SchemaPolicy schemas = SchemaPolicy::Prefix;  // from SQL Server only
   std::string destination_schema = {};          // to SQL Server only; empty: the login's default
+  int tables_at_once = 1;  // up to kMostTablesAtOnce, each over a pair of connections of its own
 };
 
 /// One database server as the converter sees it. Operations report their failures themselves

@@ -15,7 +15,8 @@ inline constexpr std::int32_t kInformation = 64;
 }  // namespace message_style
 
 /// The nine events through which a conversion reports. Delivered synchronously on the thread that
-/// called the endpoint; table names are those of the table list.
+/// called the endpoint; table names are those of the table list. Where several tables are converted
+/// at once, the events of each come together when it has ended.
 class IConversionListener {
  public:
   virtual ~IConversionListener() = default;

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace dorvane {
 
@@ -11,6 +13,15 @@ struct ConnectionFailure {
   std::string message;   // for a person at the window
   std::string log_line;  // for the log of an unattended run
   std::string title;     // "MS SQL Server", "MySQL Server"
+};
+
+/// A run that converts several tables at once, at one moment. The rows are those of all tables that
+/// have begun so far, so that rows a second and the time left are smooth and the whole run's.
+struct TablesInHand {
+  std::vector<std::string> names = {};  // in no order of theirs
+  std::size_t ended = 0;                // tables
+  std::int64_t rows = 0;                // handled
+  std::int64_t announced = 0;           // by the tables that have begun
 };
 
 /// What an endpoint asks of the run it works for, beside the nine events. The interactive run shows
@@ -30,6 +41,9 @@ class IRunHost {
   /// counts the run as failed.
   virtual void UnclassifiedFailure(std::string_view message, std::int32_t style,
                                    std::string_view title) = 0;
+  /// Some times a second while several tables are converted at once. The events of such a table
+  /// come together when it has ended, so that this alone tells how far they are.
+  virtual void ShowTablesInHand(const TablesInHand& /*tables*/) {}
   /// Called often during slow work: lets the window system process what is pending. Cheap.
   virtual void Yield() = 0;
   /// True when the user wants the run to end: the row or block in hand is finished, connections are

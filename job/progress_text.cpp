@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <string_view>
 
 namespace dorvane {
 
@@ -24,6 +25,17 @@ std::string TimeText(double seconds) {
   return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
 }
 
+std::string Counted(std::int64_t count, std::string_view what) {
+  return fmt::format("{} {}{}", Grouped(count), what, count == 1 ? "" : "s");
+}
+
+/// Behind other words; empty where a rate means nothing.
+std::string RateText(std::int64_t rows, double seconds) {
+  if (rows == 0 || seconds < kMinimumSeconds) return {};
+  return fmt::format(", {} rows/s",
+                     Grouped(static_cast<std::int64_t>(static_cast<double>(rows) / seconds)));
+}
+
 }  // namespace
 
 std::string ProgressText(std::int64_t done, std::int64_t rows,
@@ -31,13 +43,17 @@ std::string ProgressText(std::int64_t done, std::int64_t rows,
   const bool total_known = rows > 0 && done <= rows;
   std::string text = total_known ? fmt::format("{} of {} rows", Grouped(done), Grouped(rows))
                                  : fmt::format("{} rows", Grouped(done));
-  if (done == 0 || elapsed.count() < kMinimumSeconds) return text;
-  const double rate = static_cast<double>(done) / elapsed.count();
-  text += fmt::format(", {} rows/s", Grouped(static_cast<std::int64_t>(rate)));
-  if (total_known && done < rows) {
-    text += fmt::format(", {} left", TimeText(static_cast<double>(rows - done) / rate));
-  }
-  return text;
+  const std::string rate = RateText(done, elapsed.count());
+  if (rate.empty() || !total_known || done == rows) return text + rate;
+  const double seconds_a_row = elapsed.count() / static_cast<double>(done);
+  return text + fmt::format("{}, {} left", rate,
+                            TimeText(static_cast<double>(rows - done) * seconds_a_row));
+}
+
+std::string SummaryText(std::int64_t tables, std::int64_t rows,
+                        std::chrono::duration<double> elapsed) {
+  return fmt::format("{}, {} in {}{}", Counted(tables, "table"), Counted(rows, "row"),
+                     TimeText(elapsed.count()), RateText(rows, elapsed.count()));
 }
 
 }  // namespace dorvane

@@ -11,4 +11,8 @@ namespace dorvane {
 std::string ProgressText(std::int64_t done, std::int64_t rows,
                          std::chrono::duration<double> elapsed);
 
+/// "12 tables, 34,567 rows in 0:20, 1,728 rows/s": what a conversion that has ended was.
+std::string SummaryText(std::int64_t tables, std::int64_t rows,
+                        std::chrono::duration<double> elapsed);
+
 }  // namespace dorvane

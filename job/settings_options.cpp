@@ -90,17 +90,33 @@ struct TextValue {
   static std::string Write(const std::string& value) { return value; }
 };
 
+/// The whole number that the text is; none when it is more than `most`.
+std::optional<int> ReadNumber(std::string_view text, int most, const char* what) {
+  if (text.empty() || !std::ranges::all_of(text, text::IsDigit)) {
+    Refuse(run_time::kTypeMismatch, fmt::format("no whole number of {}", what));
+  }
+  int number = 0;
+  const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (parsed.ec != std::errc() || number > most) return std::nullopt;
+  return number;
+}
+
 struct SecondsValue {
   static int Read(std::string_view text) {
-    if (text.empty() || !std::ranges::all_of(text, text::IsDigit)) {
-      Refuse(run_time::kTypeMismatch, "no whole number of seconds");
+    const std::optional<int> seconds = ReadNumber(text, kLongestLimit, "seconds");
+    if (!seconds) Refuse(run_time::kOverflow, fmt::format("more than {} seconds", kLongestLimit));
+    return *seconds;
+  }
+  static std::string Write(int value) { return fmt::to_string(value); }
+};
+
+struct TablesValue {
+  static int Read(std::string_view text) {
+    const std::optional<int> tables = ReadNumber(text, kMostTablesAtOnce, "tables");
+    if (!tables || *tables < 1) {
+      Refuse(run_time::kOverflow, fmt::format("not between 1 and {}", kMostTablesAtOnce));
     }
-    int seconds = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), seconds);
-    if (parsed.ec != std::errc() || seconds > kLongestLimit) {
-      Refuse(run_time::kOverflow, fmt::format("more than {} seconds", kLongestLimit));
-    }
-    return seconds;
+    return *tables;
   }
   static std::string Write(int value) { return fmt::to_string(value); }
 };
@@ -167,6 +183,7 @@ constexpr std::array kOptions{
     ConversionOption<SchemasValue, &ConversionOptions::schemas>("Schemas", ServerKind::MsSql),
     ConversionOption<TextValue, &ConversionOptions::destination_schema>("Destination schema",
                                                                         ServerKind::MySql),
+    ConversionOption<TablesValue, &ConversionOptions::tables_at_once>("Tables at once"),
 };
 
 }  // namespace

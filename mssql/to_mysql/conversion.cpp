@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <utility>
 
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
@@ -210,6 +211,14 @@ void MsSqlToMySql::ReportTableFailure(const std::string& name, const RunTimeErro
                "Unexpected error");
   }
   Events().TableConversionFailed(name);
+}
+
+std::unique_ptr<Conversion> MsSqlToMySql::Fork(Context context) const {
+  return std::make_unique<MsSqlToMySql>(std::move(context));
+}
+
+void MsSqlToMySql::Join(Conversion& fork) {
+  unchecked_tables_.merge(static_cast<MsSqlToMySql&>(fork).unchecked_tables_);
 }
 
 }  // namespace dorvane::to_mysql

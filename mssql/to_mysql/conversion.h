@@ -31,6 +31,8 @@ class MsSqlToMySql : public Conversion {
   ado::TableName DestTable(const ado::TableName& name) const override;
   void MakeSchema(const std::string& name) override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
+  std::unique_ptr<Conversion> Fork(Context context) const override;
+  void Join(Conversion& fork) override;
   /// Empty when the table has no identity column. Throws RunTimeError.
   std::string FindIdentityColumn(ado::Table& tab_src);
   /// True when there is a table of that name; false too for a question that fails.
@@ -82,6 +84,7 @@ class MsSqlToMySql : public Conversion {
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) override;
 
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);

@@ -20,15 +20,18 @@ constexpr std::int64_t kBytesOfGuid = 16;
 
 /// What a column takes up in a key.
 struct KeyPart {
-  bool is_long = false;     // TEXT or BLOB, which take no more than their length in the statement
+  bool is_long = false;     // takes no more than its length in the statement, as TEXT and BLOB do
   std::int64_t unit = 1;    // bytes that a unit of its length takes
   std::int64_t length = 0;  // of the whole column, in such units
 };
 
 KeyPart PartOf(const ado::Column& column, const ColumnDefinition& definition) {
-  const bool is_long = IsLongType(definition.type);
+  const std::string_view type = definition.type;
+  const bool is_varchar = definition.facts.is_exact && type.starts_with("VARCHAR(");
+  const bool is_varbinary = definition.facts.is_exact && type.starts_with("VARBINARY(");
+  const bool is_long = IsLongType(type) || is_varchar || is_varbinary;
   if (column.type == ado::DataType::Guid) return {is_long, 1, kBytesOfGuid};
-  const bool is_text = definition.type == "Text" || definition.type == "LONGTEXT";
+  const bool is_text = type == "Text" || type == "LONGTEXT" || is_varchar;
   if (is_long && !is_text) return {is_long, 1, column.defined_size};
   if (column.defined_size == 0) return {is_long, 1, kBytesOfFixedType};
   return {is_long, kBytesOfCharacter, column.defined_size};

@@ -30,6 +30,7 @@ struct KeyCure {
 };
 constexpr std::array kKeyCures{
     KeyCure{1170, &KeyForm::has_lengths},  // a key on TEXT or BLOB without a length
+    KeyCure{kColumnsTooLong, &KeyForm::has_lengths},
     KeyCure{kSecondPrimaryKey, &KeyForm::replaces_identity},
 };
 
@@ -152,7 +153,8 @@ MsSqlToMySql::KeyResult MsSqlToMySql::AddKey(ado::Table& tab_src, const TableDef
     } catch (const DestinationFailure& failure) {
       const std::int32_t native_error = failure.NativeError();
       const bool can_replace = native_error != kSecondPrimaryKey || table.Identity() != nullptr;
-      if (can_replace && CureKey(form, native_error)) continue;
+      const bool can_shorten = native_error != kColumnsTooLong || IsExact();
+      if (can_replace && can_shorten && CureKey(form, native_error)) continue;
       ReportKey(index, table, failure.Number(), failure.Description());
       return KeyResult::None;
     }

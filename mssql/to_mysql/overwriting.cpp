@@ -19,22 +19,20 @@ constexpr std::string_view kReferenceQuery =
     "referenced_table_name from information_schema.referential_constraints where "
     "unique_constraint_schema in ({}) order by table_name, constraint_name";
 
-/// Those to tables in the tables' databases.
-std::vector<Reference> ReadReferences(ado::Connection& destination,
-                                      const std::set<ado::TableName>& tables) {
+}  // namespace
+
+std::vector<Reference> MsSqlToMySql::DestReferences(const std::set<ado::TableName>& tables) {
   std::set<std::string> databases = {SchemaText({})};
   for (const ado::TableName& table : tables) databases.insert(SchemaText(table));
   const std::string query = fmt::format(fmt::runtime(kReferenceQuery), fmt::join(databases, ", "));
   std::vector<Reference> references;
-  ado::Recordset rows = OnDestination(destination, [&] { return destination.Execute(query); });
+  ado::Recordset rows = OnDestination(Destination(), [&] { return Destination().Execute(query); });
   const auto text = [&](std::size_t i) { return rows.Field(i).Text(); };
   for (; !rows.AtEnd(); rows.MoveNext()) {
     references.push_back({text(0), {text(1), text(2)}, {text(3), text(4)}});
   }
   return references;
 }
-
-}  // namespace
 
 // A table cannot be dropped while a key of another one refers to it.
 void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
@@ -47,7 +45,7 @@ void MsSqlToMySql::PrepareOverwriting(const std::vector<const TableDefinition*>&
   for (const TableDefinition* table : tables) names.insert(table->dest_name);
   std::vector<Reference> references;
   try {
-    references = ReferencesToDrop(ReadReferences(Destination(), names), names, FoldsTableNames());
+    references = ReferencesToDrop(DestReferences(names), names, FoldsTableNames());
   } catch (const RunTimeError& error) {
     report(error);
   }

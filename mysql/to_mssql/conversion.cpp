@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
@@ -162,6 +163,17 @@ void MySqlToMsSql::ReportTableFailure(const std::string& name, const RunTimeErro
                kSourceTitle);
   }
   Events().TableConversionFailed(name);
+}
+
+std::unique_ptr<Conversion> MySqlToMsSql::Fork(Context context) const {
+  auto fork = std::make_unique<MySqlToMsSql>(std::move(context));
+  fork->kept_ = kept_;
+  fork->waiting_ = WaitingRows(Options().tables_at_once);
+  return fork;
+}
+
+void MySqlToMsSql::Join(Conversion& fork) {
+  waiting_.Join(static_cast<MySqlToMsSql&>(fork).waiting_);
 }
 
 }  // namespace dorvane::to_mssql

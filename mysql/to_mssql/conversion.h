@@ -48,10 +48,13 @@ class MySqlToMsSql : public Conversion {
   ado::TableName DestTable(const ado::TableName& name) const override;
   void MakeSchema(const std::string& name) override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
+  std::unique_ptr<Conversion> Fork(Context context) const override;
+  void Join(Conversion& fork) override;
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
   ado::TableName NameToDrop(const ado::TableName& table) const;
+  std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) override;
   /// Without them the tables can be dropped in any order. Leaves the keys of tables that a key from
   /// elsewhere keeps.
   void DropReferencesAmong(const std::vector<const TableDefinition*>& tables);

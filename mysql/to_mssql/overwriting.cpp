@@ -8,11 +8,9 @@
 
 namespace dorvane::to_mssql {
 
-namespace {
-
-std::vector<Reference> ReadReferences(ado::Connection& destination) {
+std::vector<Reference> MySqlToMsSql::DestReferences(const std::set<ado::TableName>& /*tables*/) {
   std::vector<Reference> references;
-  ado::Recordset rows = destination.Execute(
+  ado::Recordset rows = Destination().Execute(
       "select f.name, case when s.name = isnull(schema_name(), 'dbo') then '' else s.name end, "
       "object_name(f.parent_object_id), case when r.name = isnull(schema_name(), 'dbo') then '' "
       "else r.name end, o.name from sys.foreign_keys f join sys.schemas s on s.schema_id = "
@@ -24,8 +22,6 @@ std::vector<Reference> ReadReferences(ado::Connection& destination) {
   }
   return references;
 }
-
-}  // namespace
 
 // A bare name of a table that is not there would mean a table of dbo.
 ado::TableName MySqlToMsSql::NameToDrop(const ado::TableName& table) const {
@@ -51,7 +47,7 @@ void MySqlToMsSql::DropReferencesAmong(const std::vector<const TableDefinition*>
   for (const TableDefinition* table : tables) names.insert(table->dest_name);
   try {
     for (const Reference& reference :
-         ReferencesToDrop(ReadReferences(Destination()), names, FoldsTableNames())) {
+         ReferencesToDrop(DestReferences(names), names, FoldsTableNames())) {
       Destination().Execute(fmt::format("alter table {} drop constraint {}",
                                         MsSqlTable(reference.table), MsSqlName(reference.name)));
     }

@@ -6,9 +6,6 @@ namespace dorvane::to_mssql {
 
 namespace {
 
-// Of statements: memory must not grow with the tables.
-constexpr std::size_t kMostBytes = 64 << 20;
-
 bool IsStored(ado::Connection& destination, WaitingRows::Row& row) {
   try {
     ExecuteOn(destination, row.statement);
@@ -24,10 +21,15 @@ bool IsStored(ado::Connection& destination, WaitingRows::Row& row) {
 }  // namespace
 
 bool WaitingRows::Add(Row row) {
-  if (bytes_ + row.statement.size() > kMostBytes) return false;
+  if (bytes_ + row.statement.size() > most_bytes_) return false;
   bytes_ += row.statement.size();
   rows_.push_back(std::move(row));
   return true;
+}
+
+void WaitingRows::Join(WaitingRows& other) {
+  rows_.splice(rows_.end(), other.rows_);
+  bytes_ += std::exchange(other.bytes_, 0);
 }
 
 void WaitingRows::Store(ado::Connection& destination, std::map<std::string, RowAccount>& accounts) {

@@ -47,6 +47,12 @@ void Connection::Reopen() {
   Open(ConnectionSettings(settings_));
 }
 
+std::unique_ptr<Connection> Connection::OpenAnother() const {
+  auto another = std::make_unique<Connection>(provider_);
+  another->Open(settings_);
+  return another;
+}
+
 bool Connection::IsAlive() {
   return State() == ObjectState::Open &&
          std::ranges::all_of(sessions_, [](const auto& session) { return session->IsAlive(); });

@@ -34,6 +34,8 @@ class Connection {
   void Open(ConnectionSettings settings);
   /// Logs on as Open did, after everything was closed. Throws RunTimeError, and is closed then.
   void Reopen();
+  /// Another connection, logged on as this one. Throws RunTimeError.
+  std::unique_ptr<Connection> OpenAnother() const;
   /// True when the server answers on every session. Not while rows are streaming.
   bool IsAlive();
   /// Closes the recordsets that are open and logs off; closing twice is harmless.

@@ -1,5 +1,7 @@
 #include "sandbox/catalog/database_link.h"
 
+#include <mutex>
+
 #include "sandbox/storage/catalog_store.h"
 
 namespace sandbox {
@@ -34,7 +36,10 @@ DatabaseLink::DatabaseLink(const ServerFolder& folder, std::shared_ptr<DatabaseS
 DatabaseLink::~DatabaseLink() = default;
 
 const Catalog& DatabaseLink::Definitions() {
-  const std::uint64_t current = state_->definition_version;
+  const std::uint64_t current = [this] {
+    const std::lock_guard lock(state_->definition_mutex);
+    return state_->definition_version;
+  }();
   if (keeps_definitions_ || definitions_changed_ || current == catalog_version_) return catalog_;
   ForgetStatements();
   catalog_ = LoadCatalog(connection_);
@@ -131,6 +136,8 @@ void DatabaseLink::Commit() {
   if (!Writing()) return;
   SaveCounters();
   auto commit = connection_.Prepare("COMMIT");
+  std::unique_lock lock(state_->definition_mutex, std::defer_lock);
+  if (definitions_changed_) lock.lock();
   Run(commit);
   if (!definitions_changed_) return;
   definitions_changed_ = false;

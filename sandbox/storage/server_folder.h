@@ -24,8 +24,10 @@ class DatabaseState {
   const std::filesystem::path file;
   const int id;
   const std::int64_t created;  // ticks of 100 ns since 0001-01-01
-  /// Changes with every committed definition, so that sessions read the catalog anew.
-  std::atomic<std::uint64_t> definition_version{1};
+  /// Changes with every committed definition, so that sessions read the catalog anew. The lock
+  /// keeps a session from reading the version between a commit and its change.
+  std::uint64_t definition_version = 1;
+  std::mutex definition_mutex;
   /// Sessions that have the database selected; it can't be dropped meanwhile.
   std::atomic<int> users{0};
 

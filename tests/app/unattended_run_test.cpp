@@ -61,6 +61,7 @@ TEST_F(UnattendedRun, WritesTheEventsAsLinesAndAppends) {
                                   "Conversion started at: [^\r]+\r\n"
                                   "Converting table 'a' \\.\\.\\.\\.\\. \r\n"
                                   "Done!\r\n"
+                                  "Note - 1 table, 1 row in 0:00\r\n"
                                   "Conversion ended at: [^\r]+\r\n"
                                   "######################### End OF Conversion "
                                   "#############################\r\n"));

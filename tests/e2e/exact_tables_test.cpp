@@ -86,5 +86,21 @@ TEST(ExactTables, AutoIncrementStandsWhereItStoodAfterRowsAreGone) {
   EXPECT_EQ(rig.MsSqlValue("select Id from Empty", name), "700");
 }
 
+TEST(ExactTables, WideRowsAndKeysAreCutAsFarAsMySqlNeeds) {
+  Rig& rig = Rig::Get();
+  const std::string name = rig.NewDatabases();
+  rig.MsSql().Script(
+      "create table Wide (Id int not null primary key, A nvarchar(4000) null, B varchar(8000) "
+      "null, "
+      "C varbinary(8000) null, D nvarchar(4000) null, K nvarchar(800) null)\n"
+      "create index IX on Wide (K)\n"
+      "insert into Wide values (1, N'a', 'b', 0x0C, replicate(N'\u4E16', 4000), N'k')\ngo\n",
+      name);
+  const std::string log = Convert(ServerKind::MsSql, name, name, {"Wide"});
+  EXPECT_THAT(log, HasSubstr("column B became Text, since the row was too wide"));
+  EXPECT_EQ(rig.MySqlValue("select length(D), hex(C), K from Wide", name), "12000\t0C\tk");
+  EXPECT_THAT(rig.MySqlValue("show create table Wide", name), HasSubstr("KEY `IX` (`K`"));
+}
+
 }  // namespace
 }  // namespace dorvane::test

@@ -150,7 +150,7 @@ const Specimen kDefaults = {
      "the default of column g was left off: uuid()"},
     true};
 
-class OddShop : public testing::TestWithParam<CopyStrategy> {
+class OddShop : public testing::TestWithParam<Way> {
  protected:
   OddShop() : database_(Rig::Get().NewDatabases()) {
     for (const Specimen& each : kShop) Add(each);
@@ -166,7 +166,7 @@ class OddShop : public testing::TestWithParam<CopyStrategy> {
     dest_.SetPortNo(Rig::Get().MsSql().Port());
     dest_.SetUserId("sa");
     dest_.SetPassword("secret");
-    source_.plan.strategy = GetParam();
+    source_.Take(GetParam());
     source_.SetCopyTableContent(true);
     source_.SetConvertRelationships(true);
   }
@@ -332,10 +332,10 @@ TEST_P(OddShop, RulesAreNoFailureAndARefusedRowIsOne) {
   EXPECT_THAT(bad.Log(), testing::HasSubstr("\nDone, with errors.\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(, OddShop, testing::Values(CopyStrategy::Blocks, CopyStrategy::RowByRow),
-                         [](const auto& each) {
-                           return each.param == CopyStrategy::Blocks ? "InBlocks" : "RowByRow";
-                         });
+INSTANTIATE_TEST_SUITE_P(Ways, OddShop,
+                         testing::Values(Way{"InBlocks"}, Way{"RowByRow", CopyStrategy::RowByRow},
+                                         Way{"FourTablesAtOnce", CopyStrategy::Blocks, 4}),
+                         [](const auto& each) { return std::string(each.param.name); });
 
 }  // namespace
 }  // namespace dorvane::test

@@ -207,7 +207,7 @@ Lines Differences(const Rows& source, const Rows& dest, const std::vector<ado::C
   return found;
 }
 
-class OddShop : public testing::TestWithParam<CopyStrategy> {
+class OddShop : public testing::TestWithParam<Way> {
  protected:
   OddShop() {
     Rig& rig = Rig::Get();
@@ -236,7 +236,7 @@ class OddShop : public testing::TestWithParam<CopyStrategy> {
     src.SetCopyTableContent(true);
     src.SetConvertRelationships(true);
     src.SetConvertMode(mode);
-    src.plan.strategy = GetParam();
+    src.Take(GetParam());
     NameList tables;
     for (const Specimen& each : shop_) tables.push_back(each.name);
     src.TransferToDest(dest, tables);
@@ -351,11 +351,10 @@ TEST_P(OddShop, ATableThatAnUnlistedOneRefersToIsReportedAndLeftAlone) {
             "6");
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, OddShop,
-                         testing::Values(CopyStrategy::Blocks, CopyStrategy::RowByRow),
-                         [](const auto& param) {
-                           return param.param == CopyStrategy::Blocks ? "Blocks" : "RowByRow";
-                         });
+INSTANTIATE_TEST_SUITE_P(Ways, OddShop,
+                         testing::Values(Way{"InBlocks"}, Way{"RowByRow", CopyStrategy::RowByRow},
+                                         Way{"FourTablesAtOnce", CopyStrategy::Blocks, 4}),
+                         [](const auto& each) { return std::string(each.param.name); });
 
 }  // namespace
 }  // namespace dorvane::test

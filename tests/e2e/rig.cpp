@@ -81,15 +81,16 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
     settings_of.idle_limit = job.idle_limit;
     endpoint->SetSettings(std::move(settings_of));
   }
-  ConversionOptions options = src.Options();
-  options.types = job.types;
-  options.schemas = job.schemas;
-  options.destination_schema = job.dest_schema;
-  src.SetOptions(options);
   src.SetCopyTableContent(true);
   src.SetConvertMode(job.mode);
   src.SetConvertRelationships(job.relationships);
   src.SetReplaceSpaceWithUnderscore(job.underscores);
+  ConversionOptions options = src.Options();
+  options.types = job.types;
+  options.tables_at_once = job.tables_at_once;
+  options.schemas = job.schemas;
+  options.destination_schema = job.dest_schema;
+  src.SetOptions(options);
   SaveConversionSettings(settings, src, dest, job.tables, log.string());
 }
 

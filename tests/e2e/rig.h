@@ -30,6 +30,7 @@ struct Job {
   SchemaPolicy schemas = SchemaPolicy::Prefix;
   std::string dest_schema = {};
   std::string ms_sql_user = "sa";
+  int tables_at_once = 1;
 };
 
 /// Two private servers, shared by all tests of the program, and runs of the real program.

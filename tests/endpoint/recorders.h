@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -66,6 +67,7 @@ class HostRecorder : public IRunHost {
   std::vector<std::string> notes;
   int yields = 0;
   int polls_until_stop = -1;  // below zero: never
+  std::function<void(const TablesInHand& tables)> on_progress = {};
 
   void ConnectionFailed(const ConnectionFailure& failure) override {
     connection_failures.push_back(failure);
@@ -77,6 +79,9 @@ class HostRecorder : public IRunHost {
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override {
     unclassified.push_back(fmt::format("{} [{}] {}", style, title, message));
+  }
+  void ShowTablesInHand(const TablesInHand& tables) override {
+    if (on_progress) on_progress(tables);
   }
   void Yield() override { ++yields; }
   bool IsStopping() const override { return polls_until_stop >= 0 && polls_++ >= polls_until_stop; }

@@ -21,5 +21,11 @@ TEST(ProgressText, ATableThatGrewShowsNoTotal) {
   EXPECT_EQ(ProgressText(7, 0, duration<double>(0)), "7 rows");
 }
 
+TEST(SummaryText, TellsNoRateOfAMoment) {
+  EXPECT_EQ(SummaryText(12, 34567, duration<double>(20)),
+            "12 tables, 34,567 rows in 0:20, 1,728 rows/s");
+  EXPECT_EQ(SummaryText(1, 1, duration<double>(0.1)), "1 table, 1 row in 0:00");
+}
+
 }  // namespace
 }  // namespace dorvane

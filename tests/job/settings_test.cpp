@@ -102,7 +102,9 @@ TEST(ConversionSettings, BadLinesFailByKind) {
       {full + "Idle limit=-1", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=-1)"},
       {full + "Idle limit=2147484", run_time::kOverflow,
        "(line 20 of file.dcs: Idle limit=2147484)"},
-      {full + "Idle limit=99999999999", run_time::kOverflow, "Idle limit=99999999999)"}};
+      {full + "Idle limit=99999999999", run_time::kOverflow, "Idle limit=99999999999)"},
+      {full + "Tables at once=0", run_time::kOverflow, "Tables at once=0)"},
+      {full + "Tables at once=9", run_time::kOverflow, "Tables at once=9)"}};
   for (const auto& [bytes, number, place] : cases) {
     try {
       Read(bytes);
@@ -118,7 +120,8 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   const std::string options =
       "Encryption source=required\r\nEncryption destination=verified\r\n"
       "CA file destination=/etc/ca s\xFC.pem\r\nIdle limit=0\r\nTypes=exact\r\n"
-      "Schemas=database\r\n";
+      "Schemas=database\r\n"
+      "Tables at once=4\r\n";
   const ConversionSettings settings = Read(kSales + options);
   const ado::ConnectionSettings src = settings.src->Settings();
   const ado::ConnectionSettings dest = settings.dest->Settings();
@@ -130,6 +133,7 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   EXPECT_EQ(dest.idle_limit, 0);
   EXPECT_EQ(settings.src->Options().types, TypeMapping::Exact);
   EXPECT_EQ(settings.src->Options().schemas, SchemaPolicy::Database);
+  EXPECT_EQ(settings.src->Options().tables_at_once, 4);
   EXPECT_EQ(src.password, "pw-1");
   EXPECT_EQ(Write(*settings.src, *settings.dest, settings.tables, settings.log_path),
             kSales + options);

@@ -118,5 +118,33 @@ TEST_F(SysViewsTest, AFilterDecidesWhichRowsAnIndexHas) {
   EXPECT_EQ(Run("create clustered index bad on sales.parent (a) include (b)").Numbers(), "1902");
 }
 
+TEST_F(SysViewsTest, TextsAreKeptWithTablesAndColumns) {
+  const std::string of_table =
+      "sp_addextendedproperty 'MS_Description', N'it''s', 'user', dbo, "
+      "'table', 'child'";
+  Must(of_table);
+  Must(
+      "exec sp_addextendedproperty 'MS_Description', 'p', 'schema', 'sales', 'table', 'parent', "
+      "'column', 'b'");
+  Must(
+      "exec sp_updateextendedproperty 'MS_Description', 'q', 'schema', 'sales', 'table', 'parent',"
+      " 'column', 'b'");
+  EXPECT_EQ(Run(of_table).Numbers(), "15233");
+  EXPECT_EQ(Run("sp_addextendedproperty 'n', 'v', 'schema', 'dbo', 'table', 'nowhere'").Numbers(),
+            "15135");
+  EXPECT_EQ(Query("select object_name(p.major_id), c.name, p.name, convert(nvarchar(9), p.value) "
+                  "from sys.extended_properties p left join sys.columns c on c.object_id = "
+                  "p.major_id and c.column_id = p.minor_id order by 1"),
+            "child|NULL|MS_Description|it's;parent|b|MS_Description|q");
+}
+
+TEST_F(SysViewsTest, CheckIdentSetsTheLastValue) {
+  Must("dbcc checkident ('child')");
+  Must("dbcc checkident ('[dbo].[child]', reseed, 100)");
+  Must("insert child (price) values (3)");
+  EXPECT_EQ(Query("select max(id) from child"), "102");
+  EXPECT_EQ(Run("dbcc checkident ('sales.parent', reseed, 1)").Numbers(), "7997");
+}
+
 }  // namespace
 }  // namespace sandbox::testing

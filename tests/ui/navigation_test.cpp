@@ -126,6 +126,9 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   const WizardSession& session = driver_.Window().Session();
   EXPECT_EQ(session.tables, (NameList{"Customers", "Orders"}));
   EXPECT_EQ(driver_.Names("lstSelectedTables"), session.tables);
+  EXPECT_EQ(driver_.LabelText("lblPlan"),
+            "2 tables from localhost/master to localhost/copy; existing tables are kept and added "
+            "to; definitions only, without rows; with relationships; every value exactly");
   EXPECT_EQ(session.src->DbName(), "master");
   EXPECT_FALSE(session.src->CopyTableContent());
   EXPECT_FALSE(session.src->ReplaceSpaceWithUnderscore());

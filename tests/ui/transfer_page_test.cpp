@@ -122,7 +122,7 @@ TEST_F(TransferPages, RowsAreShownInOrderWithTheOtherEvents) {
   EXPECT_EQ(values, (std::vector<int>{50'000, 50'000, 0}));
 }
 
-TEST_F(TransferPages, ATransferThatNeverConnectsKeepsItsState) {
+TEST_F(TransferPages, ATransferThatNeverConnectsGivesThePageBack) {
   script_.transfer = [this](IConversionListener& listener, const NameList&) {
     listener.ConversionStarted(2, false);
     script_.host->ConnectionFailed({"no server", "log", "MySQL Server"});
@@ -131,11 +131,53 @@ TEST_F(TransferPages, ATransferThatNeverConnectsKeepsItsState) {
   driver_.Click("cmdTransferTables");
   EXPECT_EQ(driver_.TakeBoxes(), (Boxes{{"MySQL Server", "no server"}}));
   EXPECT_FALSE(driver_.IsEnabled("cmdSchedule"));
-  EXPECT_FALSE(driver_.IsEnabled("cmdNav4"));
-  EXPECT_TRUE(driver_.IsEnabled("cmdNav1"));
-  EXPECT_EQ(driver_.LabelText("lblStatus"), "Initializing the conversion.......");
-  driver_.Click("cmdNav1");
-  EXPECT_TRUE(driver_.closed);
+  EXPECT_FALSE(driver_.IsEnabled("cmdStop"));
+  for (const char* button : {"cmdNav1", "cmdNav2", "cmdNav4", "cmdTransferTables"}) {
+    EXPECT_TRUE(driver_.IsEnabled(button)) << button;
+  }
+  EXPECT_EQ(driver_.LabelText("lblStatus"), "- - - - -");
+  EXPECT_EQ(driver_.Names("lstSelectedTables").size(), 2u);
+  script_.transfer = [](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(2, false);
+    for (const std::string& table : tables) listener.TableConversionSuccessed(table);
+    listener.ConversionEnded();
+  };
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(driver_.Names("lstConvertedTables").size(), 2u) << "the second attempt";
+  EXPECT_FALSE(driver_.Get("cmdTransferRest").isVisible()) << "nothing is left";
+}
+
+TEST_F(TransferPages, StopEndsTheRunAndTheRestCanFollow) {
+  std::vector<NameList> runs;
+  script_.transfer = [&](IConversionListener& listener, const NameList& tables) {
+    runs.push_back(tables);
+    listener.ConversionStarted(2, false);
+    listener.TableConversionStarted(tables[0]);
+    listener.TableConversionSuccessed(tables[0]);
+    for (int i = 0; runs.size() == 1 && i < 2'000 && !script_.host->IsStopping(); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    listener.ConversionEnded();
+  };
+  GoToTransfer();
+  EXPECT_FALSE(driver_.IsEnabled("cmdStop"));
+  QTimer::singleShot(100, &driver_.Window(), [&] {
+    driver_.Click("cmdStop");
+    EXPECT_EQ(driver_.LabelText("lblStatus"), "Stopping.......");
+  });
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(driver_.LabelText("lblStatus"), "Stopped.");
+  EXPECT_TRUE(driver_.TakeBoxes().empty());
+  EXPECT_FALSE(driver_.closed);
+  EXPECT_TRUE(driver_.IsEnabled("cmdNav4"));
+  EXPECT_EQ(driver_.Names("lstSelectedTables"), NameList{"Orders"});
+  driver_.Click("cmdTransferRest");
+  EXPECT_EQ(runs.back(), NameList{"Orders"});
+  EXPECT_EQ(driver_.Names("lstConvertedTables"), (NameList{"Customers", "Orders"}));
+  EXPECT_EQ(driver_.TakeBoxes().size(), 1u);
+  EXPECT_FALSE(driver_.Get("cmdTransferRest").isVisible());
+  driver_.Click("cmdSchedule");
+  EXPECT_EQ(driver_.scheduled, (NameList{"Customers", "Orders"})) << "the whole conversion";
 }
 
 TEST_F(TransferPages, AnEscapedFailureIsTold) {

@@ -60,6 +60,32 @@ TEST_F(Progress, RowsLineTellsRateAndTimeLeftWhileRowsAreCopied) {
   EXPECT_EQ(progress_.RowsText(), "");
 }
 
+TEST_F(Progress, OfTablesAtOnceTheRowsAreThoseOfAllThatBegan) {
+  progress_.ConversionStarted(3, false);
+  progress_.ShowTablesInHand({.names = {"a", "b"}});
+  EXPECT_EQ(progress_.RowsText(), "");
+  now_ += seconds(5);
+  progress_.ShowTablesInHand({.names = {"a", "b"}, .announced = 10'000'000'000});
+  now_ += seconds(1);
+  progress_.ShowTablesInHand(
+      {.names = {"b", "c"}, .ended = 1, .rows = 5'000'000'000, .announced = 10'000'000'000});
+  EXPECT_EQ(progress_.Status(), "Converting tables 'b', 'c' .....");
+  EXPECT_EQ(progress_.Records(), (Bar{500, 1000}));
+  const std::string rows = "5,000,000,000 of 10,000,000,000 rows, 5,000,000,000 rows/s, 0:01 left";
+  EXPECT_EQ(progress_.RowsText(), rows);
+  // What one of them was is told when it is over, and shows nothing new but that.
+  progress_.TableConversionStarted("a");
+  progress_.TableContentTransferStarted(30);
+  progress_.RecordsConverted(30);
+  progress_.TableConverted();
+  EXPECT_EQ(progress_.Status(), "Converting tables 'b', 'c' .....");
+  EXPECT_EQ(progress_.RowsText(), rows);
+  EXPECT_EQ(progress_.Tables(), (Bar{1, 3}));
+  now_ += seconds(4);
+  progress_.ConversionEnded();
+  EXPECT_EQ(progress_.RowsText(), "1 table, 30 rows in 0:10, 3 rows/s");
+}
+
 TEST_F(Progress, SummaryCountsAndTellsTheElapsedTime) {
   progress_.ConversionStarted(2, false);
   now_ += minutes(1) + seconds(5);

@@ -139,9 +139,15 @@ void frmWizard::FocusNextAfterConnecting(const ConnectionPage& page) {
   if (page.IsConnected() && !page.isAncestorOf(focusWidget())) NavButton(kNext).setFocus();
 }
 
-void frmWizard::Transfer() {
-  run_.Transfer(*session_.src, *session_.dest, session_.tables);
-  if (leaving_.isActive()) close();
+void frmWizard::Transfer(const NameList& tables) {
+  // A copy: the page's list grows shorter meanwhile.
+  const bool has_ended = run_.Transfer(*session_.src, *session_.dest, NameList(tables));
+  if (leaving_.isActive()) {
+    close();
+  } else if (!has_ended) {
+    SetNavigationButtons(mnCurStep_);
+    transfer_page_->ConversionGivenBack();
+  }
 }
 
 void frmWizard::Cancel() {

@@ -100,7 +100,7 @@ class frmWizard : public QWidget {
   GradientButton& NavButton(Nav button) { return *nav_buttons_[static_cast<std::size_t>(button)]; }
 
   void ChooseDirection(ServerKind source);
-  void Transfer();
+  void Transfer(const NameList& tables);
   void Cancel();
   /// Ends the program when the servers have answered. Asked once more, or after some seconds, it
   /// does not wait for them any longer.

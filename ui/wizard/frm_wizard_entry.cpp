@@ -1,6 +1,7 @@
 // What happens when a page is entered: checks, presets, and what the pages before it have settled.
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/frm_wizard.h"
+#include "ui/wizard/transfer_plan.h"
 
 namespace dorvane {
 namespace {
@@ -91,10 +92,11 @@ bool frmWizard::EnterTransfer() {
     return Refuse("Please select at least one table to convert", message_style::kInformation);
   }
   session_.tables = tables_page_->Selected();
-  transfer_page_->SetWaiting(session_.tables);
   blnFinishAllowed_ = true;
   session_.src->SetDbName(Page(SourcePage(session_.Direction())).ChosenDatabase());
   tables_page_->ApplyOptions(*session_.src);
+  transfer_page_->SetPlan(PlanText(*session_.src, *session_.dest, session_.tables.size()),
+                          session_.tables);
   return true;
 }
 

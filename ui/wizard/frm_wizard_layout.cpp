@@ -142,7 +142,11 @@ QWidget& frmWizard::BuildPages() {
   for (int index = 1; index < pages_->count(); ++index) pages_->widget(index)->setEnabled(false);
 
   connect(direction_page_, &DirectionPage::Chosen, this, &frmWizard::ChooseDirection);
-  connect(transfer_page_, &TransferPage::TransferRequested, this, &frmWizard::Transfer);
+  connect(transfer_page_, &TransferPage::TransferRequested, this,
+          [this] { Transfer(session_.tables); });
+  connect(transfer_page_, &TransferPage::RestRequested, this,
+          [this] { Transfer(transfer_page_->Waiting()); });
+  connect(transfer_page_, &TransferPage::StopRequested, this, [this] { run_.Stop(false); });
   connect(transfer_page_, &TransferPage::ScheduleRequested, this, [this] {
     services_.show_schedule(*session_.src, *session_.dest, session_.tables, this);
   });

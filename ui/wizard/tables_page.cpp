@@ -130,6 +130,7 @@ void TablesPage::AddOptions() {
       add("chkReplaceSpaceWithUnderscore", "Convert names spaces to &underscore");
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
   chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
+  AddTablesAtOnce(card, layout);
   AddSchemas(card);
 }
 
@@ -148,6 +149,20 @@ void TablesPage::AddSchemas(Card& card) {
   row.addWidget(cboSchemas_);
   row.addStretch();
   schemas_->hide();
+}
+
+void TablesPage::AddTablesAtOnce(Card& card, QBoxLayout& layout) {
+  auto& row = MakeLayout<QHBoxLayout>(layout);
+  row.setSpacing(theme::kGap);
+  auto& label = MakeChild<QLabel>(card, "Tables at &once");
+  spnTablesAtOnce_ = &MakeNamed<QSpinBox>("spnTablesAtOnce", card);
+  spnTablesAtOnce_->setRange(1, kMostTablesAtOnce);
+  spnTablesAtOnce_->setAccessibleName("Tables at once");
+  spnTablesAtOnce_->setToolTip("Each of them takes connections of its own to both servers.");
+  label.setBuddy(spnTablesAtOnce_);
+  row.addWidget(&label);
+  row.addWidget(spnTablesAtOnce_);
+  row.addStretch();
 }
 
 void TablesPage::ClearLists() {
@@ -170,6 +185,7 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   options.types = chkExactTypes_->isChecked() ? TypeMapping::Exact : TypeMapping::Classic;
   options.schemas = schemas_->isHidden() ? SchemaPolicy::Prefix
                                          : static_cast<SchemaPolicy>(cboSchemas_->currentIndex());
+  options.tables_at_once = spnTablesAtOnce_->value();
   src.SetOptions(options);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QSpinBox>
 
 #include "endpoint/database.h"
 #include "ui/controls/name_list_view.h"
@@ -46,6 +47,7 @@ class TablesPage : public WizardPage {
   void AddLists();
   void AddOptions();
   void AddSchemas(Card& card);
+  void AddTablesAtOnce(Card& card, QBoxLayout& layout);
   /// Carries out one of the moving operations on what the two lists show.
   void Move(void (*operation)(TableLists& lists));
 
@@ -57,6 +59,7 @@ class TablesPage : public WizardPage {
   QCheckBox* chkExactTypes_;
   QWidget* schemas_;  // label and box, shown where there are several schemas
   QComboBox* cboSchemas_;
+  QSpinBox* spnTablesAtOnce_;
 };
 
 }  // namespace dorvane

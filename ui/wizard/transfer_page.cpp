@@ -32,6 +32,8 @@ void SetBar(QProgressBar& bar, const TransferProgress::Bar& state) {
 }  // namespace
 
 TransferPage::TransferPage(QWidget* parent) : WizardPage(page::kTransfer, parent) {
+  lblPlan_ = &MakeNamed<WrappedLabel>("lblPlan", static_cast<QWidget&>(*this));
+  Content().addWidget(lblPlan_);
   AddButtons();
   AddProgress();
   AddLists();
@@ -62,7 +64,18 @@ void TransferPage::AddProgress() {
   grid.setVerticalSpacing(8);
   lblStatus_ = &MakeNamed<WrappedLabel>("lblStatus", card);
   lblStatus_->setFont(theme::CaptionFont(font()));
-  grid.addWidget(lblStatus_, 0, 0, 1, 2);
+  // Never shown together.
+  cmdStop_ = &theme::AddButton("cmdStop", card, "Stop", 'P');
+  cmdTransferRest_ =
+      &theme::AddButton("cmdTransferRest", card, "Transfer the failed and remaining tables", 'M');
+  cmdStop_->SetEnabled(false);
+  cmdTransferRest_->hide();
+  connect(cmdStop_, &QAbstractButton::clicked, this, &TransferPage::StopRequested);
+  connect(cmdTransferRest_, &QAbstractButton::clicked, this, &TransferPage::RestRequested);
+  auto& top = MakeLayout<QHBoxLayout>(grid, 0, 0, 1, 2);
+  top.addWidget(lblStatus_, 1);
+  top.addWidget(cmdStop_, 0, Qt::AlignTop);
+  top.addWidget(cmdTransferRest_, 0, Qt::AlignTop);
   pbTablesProgress_ = &AddBar("pbTablesProgress", "Overall Progress", card, grid, 1);
   pbRecordsProgress_ = &AddBar("pbRecordsProgress", "Table Progress", card, grid, 2);
   lblRowsProgress_ = &MakeNamed<WrappedLabel>("lblRowsProgress", card);
@@ -96,7 +109,8 @@ void TransferPage::AddLists() {
   lstNotes_->hide();
 }
 
-void TransferPage::SetWaiting(NameList tables) {
+void TransferPage::SetPlan(const std::string& plan, NameList tables) {
+  lblPlan_->setText(QString::fromStdString(plan));
   lstSelectedTables_->SetNames(std::move(tables), -1);
 }
 
@@ -126,10 +140,23 @@ void TransferPage::Show(const TransferProgress& progress) {
 void TransferPage::ConversionStarted() {
   cmdSchedule_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(false);
+  cmdTransferRest_->hide();
+  cmdStop_->show();
+  cmdStop_->SetEnabled(true);
 }
 
 void TransferPage::ConversionEnded() {
   cmdSchedule_->SetEnabled(true);
+  cmdStop_->SetEnabled(false);
+  if (Waiting().empty()) return;
+  cmdStop_->hide();
+  cmdTransferRest_->show();
+}
+
+void TransferPage::ConversionGivenBack() {
+  cmdStop_->SetEnabled(false);
+  cmdTransferTables_->SetEnabled(true);
+  cmdTransferTables_->setFocus();
 }
 
 }  // namespace dorvane

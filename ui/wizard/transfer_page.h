@@ -20,8 +20,10 @@ class TransferPage : public WizardPage {
   explicit TransferPage(QWidget* parent);
 
   GradientButton& TransferButton() { return *cmdTransferTables_; }
-  /// Fills the list of tables that wait.
-  void SetWaiting(NameList tables);
+  /// Shows what will be done and fills the list of tables that wait.
+  void SetPlan(const std::string& plan, NameList tables);
+  /// The tables that are not converted.
+  const NameList& Waiting() const { return lstSelectedTables_->Names(); }
   /// Moves a table from the waiting to the converted ones.
   void MarkConverted(const std::string& table, bool with_errors);
   /// Adds a line to the notes, which show with the first one.
@@ -29,10 +31,16 @@ class TransferPage : public WizardPage {
   WizardRun::TableCounts Counts() const;
   void Show(const TransferProgress& progress);
   void ConversionStarted();
+  /// Offers to transfer the tables that are left.
   void ConversionEnded();
+  /// Nothing could be converted: it can be tried again.
+  void ConversionGivenBack();
 
  signals:
   void TransferRequested();
+  /// The tables that are left are to be transferred.
+  void RestRequested();
+  void StopRequested();
   void ScheduleRequested();
   void TasksRequested();
 
@@ -41,6 +49,7 @@ class TransferPage : public WizardPage {
   void AddLists();
   void AddButtons();
 
+  WrappedLabel* lblPlan_;
   WrappedLabel* lblStatus_;
   QProgressBar* pbTablesProgress_;
   QProgressBar* pbRecordsProgress_;
@@ -51,6 +60,8 @@ class TransferPage : public WizardPage {
   NameListView* lstNotes_;
   GradientButton* cmdTransferTables_;
   GradientButton* cmdSchedule_;
+  GradientButton* cmdStop_;
+  GradientButton* cmdTransferRest_;
 };
 
 }  // namespace dorvane

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "job/progress_text.h"
 
@@ -25,17 +26,21 @@ void TransferProgress::ConversionStarted(std::int16_t tables, bool relations_inc
   records_.value = 0;
   started_ = now_();
   stopping_ = nullptr;
-  copies_rows_ = false;
+  copies_rows_ = is_side_by_side_ = false;
+  all_tables_ = all_rows_ = 0;
+  summary_.clear();
   status_ = "Initializing the conversion.......";
 }
 
 void TransferProgress::TableConversionStarted(std::string_view table) {
+  if (is_side_by_side_) return;
   records_.value = 0;
   copies_rows_ = false;
   status_ = fmt::format("Converting table '{}' .....", table);
 }
 
 void TransferProgress::TableContentTransferStarted(std::int32_t records) {
+  if (is_side_by_side_) return;
   records_ = records > 0 ? Bar{0, records} : Bar{1, 1};
   rows_expected_ = records;
   rows_done_ = 0;
@@ -44,10 +49,32 @@ void TransferProgress::TableContentTransferStarted(std::int32_t records) {
 }
 
 void TransferProgress::RecordsConverted(std::int64_t count) {
+  all_rows_ += count;
+  if (is_side_by_side_) return;
   rows_done_ += count;
   last_row_ = now_();
   const std::int64_t value = records_.value + count;
   records_.value = static_cast<std::int32_t>(std::min<std::int64_t>(value, records_.maximum));
+}
+
+void TransferProgress::ShowTablesInHand(const TablesInHand& tables) {
+  if (!std::exchange(is_side_by_side_, true) || tables.rows == 0) rows_started_ = now_();
+  std::string names;
+  for (const std::string& name : tables.names) {
+    names += fmt::format("{}'{}'", names.empty() ? "" : ", ", name);
+  }
+  status_ = fmt::format("Converting tables {} .....", names);
+  rows_done_ = tables.rows;
+  rows_expected_ = tables.announced;
+  copies_rows_ = tables.announced > 0;
+  constexpr std::int32_t kFull = 1000;
+  const auto share = static_cast<double>(rows_done_) / static_cast<double>(rows_expected_);
+  records_ = {copies_rows_ ? static_cast<std::int32_t>(share * kFull) : 0, kFull};
+}
+
+void TransferProgress::TableConverted() {
+  ++all_tables_;
+  TableEnded();
 }
 
 void TransferProgress::TableEnded() {
@@ -65,6 +92,7 @@ void TransferProgress::ConversionEnded() {
   ended_ = now_();
   stopping_ = nullptr;
   copies_rows_ = false;
+  summary_ = SummaryText(all_tables_, all_rows_, ended_ - started_);
   status_ = "Done...";
 }
 
@@ -77,13 +105,23 @@ void TransferProgress::Stopping(bool leaving) {
   stopping_ = leaving ? kLeaving : kFinishing;
 }
 
+void TransferProgress::Stopped() {
+  status_ = "Stopped.";
+}
+
+void TransferProgress::GivenBack() {
+  status_ = kNotStarted;
+  stopping_ = nullptr;
+  copies_rows_ = false;
+}
+
 bool TransferProgress::IsSilent() const {
   return copies_rows_ && now_() - last_row_ >= kSilence;
 }
 
 std::string TransferProgress::RowsText() const {
   if (stopping_) return stopping_;
-  if (!copies_rows_) return {};
+  if (!copies_rows_) return summary_;
   if (IsSilent()) {
     const auto silence = std::chrono::duration_cast<std::chrono::seconds>(now_() - last_row_);
     return fmt::format("{}, nothing has arrived for {}",

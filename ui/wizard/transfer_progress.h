@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "endpoint/run_host.h"
+
 namespace dorvane {
 
 /// What the transfer page shows of a running conversion, moved on by its events.
@@ -26,14 +28,23 @@ class TransferProgress {
   void TableContentTransferStarted(std::int32_t records);
   /// `count` rows more. Rows beyond the announced number leave the bar full.
   void RecordsConverted(std::int64_t count);
+  void TableConverted();
   /// A table has ended, either way.
   void TableEnded();
+  /// Tables that are converted at once: the status names them, and the rows shown are those of all
+  /// tables that have begun. From now on the tables' own events move the bar of tables only, since
+  /// they come when a table is over.
+  void ShowTablesInHand(const TablesInHand& tables);
   void TableRelationsConversionStarted(std::string_view table);
   void ConversionEnded();
   /// The user has seen the summary.
   void SummaryShown();
   /// The block in hand is finished first; `leaving`: then the program ends.
   void Stopping(bool leaving);
+  /// After ConversionEnded: the user has stopped it.
+  void Stopped();
+  /// Nothing was converted.
+  void GivenBack();
   /// Rows are being copied, but none has arrived for some seconds.
   bool IsSilent() const;
 
@@ -41,14 +52,17 @@ class TransferProgress {
   const Bar& Tables() const { return tables_; }
   const Bar& Records() const { return records_; }
   /// Rows done of rows in all, rows per second and time left, or since when nothing arrives; what
-  /// follows while the run is being stopped; empty while no rows are copied.
+  /// follows while the run is being stopped; empty while no rows are copied. At the end tables,
+  /// rows and time of the conversion.
   std::string RowsText() const;
   /// The four lines shown at the end.
   std::string Summary(std::size_t converted, std::size_t failed) const;
 
  private:
+  static constexpr const char* kNotStarted = "- - - - -";
+
   std::function<Clock::time_point()> now_;
-  std::string status_ = "- - - - -";
+  std::string status_ = kNotStarted;
   Bar tables_;
   Bar records_;
   Clock::time_point started_;
@@ -59,6 +73,10 @@ class TransferProgress {
   std::int64_t rows_expected_ = 0;
   bool copies_rows_ = false;
   const char* stopping_ = nullptr;  // what is told then
+  bool is_side_by_side_ = false;
+  std::int64_t all_tables_ = 0;  // that were converted
+  std::int64_t all_rows_ = 0;    // that were handled
+  std::string summary_;
 };
 
 /// "hh:mm:ss", hours modulo 24.

@@ -20,8 +20,9 @@ WizardRun::WizardRun() {
   });
 }
 
-void WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables) {
+bool WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables) {
   transferring_ = true;
+  stopping_ = has_ended_ = false;
   row_timer_.start();
   try {
     RunInWorker([&] { src.TransferToDest(dest, tables); });
@@ -31,6 +32,11 @@ void WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables
   row_timer_.stop();
   FlushRowCount();
   transferring_ = false;
+  if (!has_ended_ && !leaving_) {
+    progress_.GivenBack();
+    emit ProgressChanged();
+  }
+  return has_ended_;
 }
 
 void WizardRun::Stop(bool leave) {
@@ -99,7 +105,7 @@ void WizardRun::TableRecordConverted() {
 
 void WizardRun::TableConversionSuccessed(std::string_view table_name) {
   RunInGuiThread([&] {
-    progress_.TableEnded();
+    progress_.TableConverted();
     emit ProgressChanged();
     emit TableConverted(std::string(table_name), table_failed_);
   });
@@ -122,7 +128,9 @@ void WizardRun::TableRelationsConversionStarted(std::string_view table_name) {
 void WizardRun::ConversionEnded() {
   RunInGuiThread([&] {
     if (leaving_) return;
+    has_ended_ = true;
     progress_.ConversionEnded();
+    if (stopping_) return TellStopped();
     emit ProgressChanged();
     const TableCounts counts = table_counts_ ? table_counts_() : TableCounts();
     dorvane::ShowMessage(progress_.Summary(counts.converted, counts.waiting),
@@ -131,6 +139,12 @@ void WizardRun::ConversionEnded() {
     progress_.SummaryShown();
     emit ProgressChanged();
   });
+}
+
+void WizardRun::TellStopped() {
+  progress_.Stopped();
+  emit ProgressChanged();
+  emit Ended();
 }
 
 void WizardRun::ConnectionFailed(const ConnectionFailure& failure) {
@@ -143,6 +157,14 @@ void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::s
 
 void WizardRun::Inform(std::string_view message) {
   RunInGuiThread([&] { emit Noted(std::string(message)); });
+}
+
+void WizardRun::ShowTablesInHand(const TablesInHand& tables) {
+  RunInGuiThread([&] {
+    if (stopping_) return;
+    progress_.ShowTablesInHand(tables);
+    emit ProgressChanged();
+  });
 }
 
 void WizardRun::UnclassifiedFailure(std::string_view message, std::int32_t style,

@@ -23,8 +23,9 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
 
   const TransferProgress& Progress() const { return progress_; }
 
-  /// Runs the conversion and returns when it has ended; the window stays alive meanwhile.
-  void Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
+  /// Runs the conversion and returns when it has ended; the window stays alive meanwhile. False
+  /// when it could not connect or broke off: everything is as before then.
+  bool Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
   bool IsTransferring() const { return transferring_; }
   /// Asks a running conversion to end soon. Who leaves sees no summary.
   void Stop(bool leave);
@@ -53,6 +54,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   void ConnectionFailed(const ConnectionFailure& failure) override;
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
   void Inform(std::string_view message) override;
+  void ShowTablesInHand(const TablesInHand& tables) override;
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}
@@ -74,6 +76,8 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Shows the message, in the thread of this object.
   void RedirectErrorMessage(std::string_view message, std::string_view source, std::int32_t style);
   void FlushRowCount();
+  /// Who has stopped the run needs no box that says so.
+  void TellStopped();
 
   TransferProgress progress_;
   std::function<TableCounts()> table_counts_;
@@ -82,6 +86,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   std::atomic<bool> stopping_ = false;
   bool transferring_ = false;
   bool leaving_ = false;
+  bool has_ended_ = false;
   bool table_failed_ = false;  // something of the table in hand was reported
 };
 

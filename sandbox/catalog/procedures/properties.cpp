@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "sandbox/values/errors.h"
 #include "sandbox/catalog/procedures/procedure.h"
 #include "sandbox/catalog/session.h"
 #include "sandbox/text/text_order.h"
+#include "sandbox/values/errors.h"
 
 namespace sandbox {
 namespace {
