@@ -34,6 +34,7 @@ Conversion::Conversion(Context context)
 
 void Conversion::Run(const NameList& src_tables) {
   const NameList tables = WithoutCollisions(src_tables);
+  PrepareSchemas(tables);
   for (const std::string& name : tables) plans_->try_emplace(name);
   if (options_.tables_at_once > 1 && tables.size() > 1) {
     ConvertSideBySide(tables);
@@ -104,24 +105,68 @@ Conversion::PlannedTable& Conversion::Plan(const std::string& name) {
 }
 
 NameList Conversion::WithoutCollisions(const NameList& src_tables) {
+  std::map<std::string, std::vector<std::size_t>> positions;  // in the list, by folded name
+  for (std::size_t i = 0; i < src_tables.size(); ++i) {
+    const std::string folded = text::ToLower(DestTableOf(src_tables[i]).Text());
+    positions[folded].push_back(i);
+    tables_of_dest_[folded].push_back(SourceTable(src_tables[i]));
+  }
   NameList accepted;
-  std::map<std::string, const std::string*> first_of;
-  for (const std::string& name : src_tables) {
+  for (std::size_t i = 0; i < src_tables.size(); ++i) {
+    const std::string& name = src_tables[i];
     const ado::TableName dest = DestTableOf(name);
-    const auto [entry, is_new] = first_of.try_emplace(text::ToLower(dest.Text()), &name);
-    const std::string& first = *entry->second;
-    if (is_new || (DestTableOf(first) != dest && !FoldsTableNames())) {
+    // Which of two schemas is meant, only a person knows.
+    const auto takes_name = [&](std::size_t other) {
+      const bool is_first = other < i || (other > i && options_.schemas == SchemaPolicy::Drop);
+      return is_first && (DestTableOf(src_tables[other]) == dest || FoldsTableNames());
+    };
+    const std::vector<std::size_t>& rivals = positions[text::ToLower(dest.Text())];
+    const auto rival = std::ranges::find_if(rivals, takes_name);
+    if (rival == rivals.end()) {
       accepted.push_back(name);
       continue;
     }
     events_.TableConversionStarted(name);
     RaiseError(fmt::format("Tables {} and {} have one name on the destination. Table {} was not "
                            "converted",
-                           first, name, name),
+                           src_tables[*rival], name, name),
                "Table Conversion");
     events_.TableConversionFailed(name);
   }
   return accepted;
+}
+
+const ado::TableName* Conversion::Namesake(const ado::TableName& source) const {
+  const ado::TableName dest = DestTable(source);
+  const auto tables = tables_of_dest_.find(text::ToLower(dest.Text()));
+  if (tables == tables_of_dest_.end()) return nullptr;
+  const auto other = std::ranges::find_if(tables->second, [&](const ado::TableName& table) {
+    return table != source && DestTable(table) == dest;
+  });
+  return other != tables->second.end() ? &*other : nullptr;
+}
+
+bool Conversion::HasSchemas() const {
+  return std::ranges::any_of(tables_of_dest_, [](const auto& entry) {
+    return std::ranges::any_of(entry.second,
+                               [](const ado::TableName& table) { return !table.IsBare(); });
+  });
+}
+
+void Conversion::PrepareSchemas(const NameList& tables) {
+  std::set<std::string> schemas;
+  for (const std::string& name : tables) schemas.insert(DestTableOf(name).schema);
+  schemas.erase("");
+  for (const std::string& schema : schemas) {
+    try {
+      MakeSchema(schema);
+    } catch (const RunTimeError& error) {
+      const ErrorSummary summary = SummaryOf(error);
+      RaiseError(fmt::format("Can not create {} for its tables - Error no. {} - {}", schema,
+                             summary.number, summary.description),
+                 "Table Conversion");
+    }
+  }
 }
 
 void Conversion::PrepareOverwriting(const NameList& tables) {

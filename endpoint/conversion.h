@@ -87,6 +87,11 @@ class Conversion {
   ado::TableName SourceTable(const std::string& listed);
   /// What a listed table is on the destination.
   ado::TableName DestTableOf(const std::string& listed) { return DestTable(SourceTable(listed)); }
+  /// True when a table of this run stands in another schema than the login's.
+  bool HasSchemas() const;
+  /// The other table of this run that has the table's name on the destination; null when there is
+  /// none.
+  const ado::TableName* Namesake(const ado::TableName& source) const;
 
  private:
   // The steps of a direction. They throw RunTimeError, and DestinationFailure for what the
@@ -94,6 +99,9 @@ class Conversion {
 
   /// The definition of a table, complete enough to make the table again before it is dropped.
   virtual TableDefinition DefineTable(ado::Table& tab_src) = 0;
+  /// Makes the schema, or the database, that tables of the destination stand in, unless it is
+  /// there.
+  virtual void MakeSchema(const std::string& name) = 0;
   /// In overwrite mode, ahead of the first table: `tables` are all that can be made, in their
   /// order. Reports its failures.
   virtual void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) = 0;
@@ -162,8 +170,10 @@ class Conversion {
   void PlanListed(const std::string& name);
   void ConvertListed(const std::string& name);
   void RelateListed(const std::string& name);
-  /// The listed tables but for those whose destination name an earlier one takes; reports these.
+  /// The listed tables but for those whose destination name another one takes; reports these.
   NameList WithoutCollisions(const NameList& src_tables);
+  /// Makes what the tables will stand in. Reports its failures.
+  void PrepareSchemas(const NameList& tables);
   void ConvertOneByOne(const NameList& tables);
   /// All definitions were made, as far as they can be, before anything is dropped.
   void PrepareOverwriting(const NameList& tables);
@@ -219,6 +229,8 @@ class Conversion {
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();
   std::set<ado::TableName> failed_;  // tables that were not made
+  // The tables of the run by their names on the destination, in lower case.
+  std::map<std::string, std::vector<ado::TableName>> tables_of_dest_;
 
   /// A table that waits for rows of other tables.
   struct PostponedTable {

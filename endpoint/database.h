@@ -30,6 +30,9 @@ enum class TypeMapping { Classic, Exact };
 /// What is compared when the tables are there: nothing, the number of rows, or every value.
 enum class Verification { None, Counts, Values };
 
+/// What becomes of the name of a table outside the default schema of SQL Server's login on MySQL,
+/// which has no schemas: `Schema_Table`, `Table`, or `Table` in a database `Schema`.
+enum class SchemaPolicy { Prefix, Drop, Database };
 /// The most tables that are converted side by side.
 inline constexpr int kMostTablesAtOnce = 8;
 
@@ -41,6 +44,8 @@ struct ConversionOptions {
   bool convert_relationships = false;
   Verification verification = Verification::None;
   TypeMapping types = TypeMapping::Classic;
+  SchemaPolicy schemas = SchemaPolicy::Prefix;  // from SQL Server only
+  std::string destination_schema = {};          // to SQL Server only; empty: the login's default
   int tables_at_once = 1;  // up to kMostTablesAtOnce, each over a pair of connections of its own
 };
 

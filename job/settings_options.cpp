@@ -36,6 +36,9 @@ constexpr std::array kEncryptions{Name<Encryption>{Encryption::Offered, "offered
                                   Name{Encryption::Verified, "verified"}};
 constexpr std::array kTypes{Name{TypeMapping::Classic, "classic"},
                             Name{TypeMapping::Exact, "exact"}};
+constexpr std::array kSchemas{Name{SchemaPolicy::Prefix, "prefix"},
+                              Name{SchemaPolicy::Drop, "drop"},
+                              Name{SchemaPolicy::Database, "database"}};
 constexpr std::array kVerifications{Name{Verification::None, "none"},
                                     Name{Verification::Counts, "counts"},
                                     Name{Verification::Values, "values"}};
@@ -104,6 +107,7 @@ struct Option {
   std::string_view name;
   void (*read)(std::string_view text, IDatabase& src, IDatabase& dest);
   std::string (*write)(const IDatabase& src, const IDatabase& dest);
+  std::optional<ServerKind> source = std::nullopt;  // that gives the option a meaning; none: both
 };
 
 /// An option that is a connection setting of one side, or of both alike.
@@ -129,7 +133,8 @@ constexpr Option ConnectionOption(std::string_view name) {
 
 /// An option of the conversion, which the source endpoint holds.
 template <typename Value, auto member>
-constexpr Option ConversionOption(std::string_view name) {
+constexpr Option ConversionOption(std::string_view name,
+                                  std::optional<ServerKind> source = std::nullopt) {
   return {name,
           [](std::string_view text, IDatabase& src, IDatabase& /*dest*/) {
             ConversionOptions options = src.Options();
@@ -140,7 +145,8 @@ constexpr Option ConversionOption(std::string_view name) {
             const ConversionOptions options = src.Options();
             const bool is_default = options.*member == ConversionOptions().*member;
             return is_default ? std::string() : Value::Write(options.*member);
-          }};
+          },
+          source};
 }
 
 // In the order in which they are written.
@@ -153,6 +159,10 @@ constexpr std::array kOptions{
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
     ConversionOption<NamedValue<kTypes>, &ConversionOptions::types>("Types"),
+    ConversionOption<NamedValue<kSchemas>, &ConversionOptions::schemas>("Schemas",
+                                                                        ServerKind::MsSql),
+    ConversionOption<TextValue, &ConversionOptions::destination_schema>("Destination schema",
+                                                                        ServerKind::MySql),
     ConversionOption<TablesValue, &ConversionOptions::tables_at_once>("Tables at once"),
     ConversionOption<NamedValue<kVerifications>, &ConversionOptions::verification>("Verify"),
 };
@@ -168,6 +178,12 @@ void ReadOption(std::string_view line, IDatabase& src, IDatabase& dest) {
   const auto option = std::ranges::find_if(
       kOptions, [name](const Option& each) { return text::EqualsIgnoringCase(each.name, name); });
   if (option == kOptions.end()) Refuse(run_time::kInvalidArgument, "There is no such option");
+  if (option->source && *option->source != src.Kind()) {
+    Refuse(run_time::kInvalidArgument,
+           fmt::format("{}: for conversions {} only", option->name,
+                       *option->source == ServerKind::MsSql ? "from SQL Server to MySQL"
+                                                            : "from MySQL to SQL Server"));
+  }
   try {
     option->read(text::Trim(line.substr(equals + 1), text::kWhiteSpace), src, dest);
   } catch (const RunTimeError& error) {
@@ -178,6 +194,7 @@ void ReadOption(std::string_view line, IDatabase& src, IDatabase& dest) {
 std::vector<std::string> OptionLines(const IDatabase& src, const IDatabase& dest) {
   std::vector<std::string> lines;
   for (const Option& option : kOptions) {
+    if (option.source && *option.source != src.Kind()) continue;
     const std::string value = option.write(src, dest);
     if (!value.empty()) lines.push_back(fmt::format("{}={}", option.name, value));
   }

@@ -31,7 +31,7 @@ std::optional<std::int64_t> NumberOf(const std::string& text) {
 /// The destination's identity goes on where the source's stands.
 void SetNextNumber(ado::Table& tab_src, TableDefinition& table) {
   for (const ado::Column& column : tab_src.Columns()) {
-    if (!column.identity) continue;
+    if (!column.identity || column.identity->increment.empty()) continue;
     const ado::Identity& identity = *column.identity;
     if (identity.increment != "1") {
       table.notes.push_back(
@@ -88,15 +88,41 @@ bool MsSqlToMySql::IsOnDestination(const ado::TableName& dest_name) {
 }
 
 ado::TableName MsSqlToMySql::DestTable(const ado::TableName& name) const {
-  return DestName(name.IsBare() ? name.name : name.schema + "_" + name.name);
+  if (name.IsBare()) return DestName(name.name);
+  switch (Options().schemas) {
+    case SchemaPolicy::Drop:
+      return DestName(name.name);
+    case SchemaPolicy::Database:
+      return {DestName(name.schema), DestName(name.name)};
+    case SchemaPolicy::Prefix:
+      break;
+  }
+  return DestName(name.schema + "_" + name.name);
+}
+
+void MsSqlToMySql::MakeSchema(const std::string& name) {
+  if (AnswersOne(Destination(),
+                 fmt::format("select count(*) from information_schema.schemata where "
+                             "schema_name = '{}'",
+                             Quote(name)))) {
+    return;
+  }
+  // As the database beside it.
+  ado::Recordset text = OnDestination(Destination(), [this] {
+    return Destination().Execute("select @@character_set_database, @@collation_database");
+  });
+  const std::string statement =
+      fmt::format("Create Database {} character set {} collate {}", MySqlName(name),
+                  text.Field(0).Text(), text.Field(1).Text());
+  text.Close();
+  ExecuteOn(Destination(), statement);
 }
 
 std::string MsSqlToMySql::FindIdentityColumn(ado::Table& tab_src) {
-  if (tab_src.TellsIdentity()) {
-    const auto tells = [](const ado::Column& column) { return column.identity.has_value(); };
-    const auto found = std::ranges::find_if(tab_src.Columns(), tells);
-    return found != tab_src.Columns().end() ? found->name : std::string();
-  }
+  const auto tells = [](const ado::Column& column) { return column.identity.has_value(); };
+  const auto found = std::ranges::find_if(tab_src.Columns(), tells);
+  if (found != tab_src.Columns().end()) return found->name;
+  if (tab_src.TellsIdentity()) return {};
   constexpr std::string_view kNoIdentity = "No identity column defined.";
   const std::string table = MsSqlTable(tab_src.Name());
   try {

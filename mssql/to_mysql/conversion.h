@@ -31,6 +31,7 @@ class MsSqlToMySql : public Conversion {
   std::string SourceName(const ado::TableName& name) const override;
   ado::TableName DestTable(const ado::TableName& name) const override;
   std::string DestQuoted(const ado::TableName& name) const override;
+  void MakeSchema(const std::string& name) override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   std::unique_ptr<Conversion> Fork(Context context) const override;
   void Join(Conversion& fork) override;
@@ -95,10 +96,12 @@ class MsSqlToMySql : public Conversion {
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
   /// False when the failure ends the table's relationships.
-  bool AddRelationship(const ado::TableName& table, const ado::Key& key);
+  bool AddRelationship(const ado::TableName& table, ado::Key key);
   enum class NameForm { Bare, Quoted };
   std::string RelationshipStatement(const ado::TableName& table, const ado::Key& key,
-                                    NameForm form) const;
+                                    NameForm form);
+  /// The table that a key refers to, as its statement names it.
+  ado::TableName ReferencedTable(const ado::TableName& table, const ado::Key& key);
   bool ReportRelationship(const ado::TableName& table, const ado::Key& key,
                           const DestinationFailure& failure);
   /// True when the destination's table has a foreign key of that name.

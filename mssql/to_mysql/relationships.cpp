@@ -74,7 +74,7 @@ bool IsHarmlessBare(std::string_view name) {
 }
 
 bool AreHarmlessBare(const ado::Key& key) {
-  return IsHarmlessBare(key.related_table.name) &&
+  return IsHarmlessBare(key.related_table.schema) && IsHarmlessBare(key.related_table.name) &&
          std::ranges::all_of(key.columns, [](const ado::KeyColumn& column) {
            return IsHarmlessBare(column.name) && IsHarmlessBare(column.related_column);
          });
@@ -112,6 +112,13 @@ void MsSqlToMySql::AddRelationships(ado::Table& tab_src) {
         continue;
       }
       key.related_table = SourceCatalog().Listed(key.related_table);
+      if (const ado::TableName* other = Namesake(key.related_table)) {
+        RaiseError(fmt::format("Could not create relationship between table {} and table {}. "
+                               "Table {} has its name on the destination",
+                               tab_src.Name().Text(), key.related_table.Text(), other->Text()),
+                   kTitle, message_style::kInformation);
+        continue;
+      }
       if (!AddRelationship(tab_src.Name(), key)) return;
     }
   } catch (const RunTimeError& error) {
@@ -120,8 +127,17 @@ void MsSqlToMySql::AddRelationships(ado::Table& tab_src) {
   }
 }
 
+ado::TableName MsSqlToMySql::ReferencedTable(const ado::TableName& table, const ado::Key& key) {
+  ado::TableName related = DestTable(key.related_table);
+  if (!related.IsBare() || DestTable(table).IsBare()) return related;
+  // To MySQL a bare name means the database of the table that refers to it.
+  ado::Recordset selected = Destination().Execute("select database()");
+  related.schema = selected.Field(0).Text();
+  return related;
+}
+
 std::string MsSqlToMySql::RelationshipStatement(const ado::TableName& table, const ado::Key& key,
-                                                NameForm form) const {
+                                                NameForm form) {
   const bool is_quoted = form == NameForm::Quoted;
   std::string columns;
   std::string related_columns;
@@ -132,7 +148,7 @@ std::string MsSqlToMySql::RelationshipStatement(const ado::TableName& table, con
     AppendName(columns, written(column.name));
     AppendName(related_columns, written(column.related_column));
   }
-  const ado::TableName related = DestTable(key.related_table);
+  const ado::TableName related = ReferencedTable(table, key);
   const auto rule_word = [is_quoted](ado::RuleType rule) {
     // The quoted form is what a refusal is answered by: it has a word for every rule.
     const std::string_view word = RuleWord(rule);
@@ -146,7 +162,10 @@ std::string MsSqlToMySql::RelationshipStatement(const ado::TableName& table, con
       rule_word(key.update_rule));
 }
 
-bool MsSqlToMySql::AddRelationship(const ado::TableName& table, const ado::Key& key) {
+bool MsSqlToMySql::AddRelationship(const ado::TableName& table, ado::Key key) {
+  // Names of relationships are one schema's own on SQL Server, one database's on MySQL.
+  const std::string other_name =
+      (table.IsBare() ? DestTable(table).name : table.schema) + "_" + key.name;
   NameForm form = AreHarmlessBare(key) ? NameForm::Bare : NameForm::Quoted;
   for (;;) {
     try {
@@ -162,6 +181,18 @@ bool MsSqlToMySql::AddRelationship(const ado::TableName& table, const ado::Key& 
       }
       return true;
     } catch (const DestinationFailure& failure) {
+      const ado::Error* entry = failure.Primary();
+      const bool is_taken = entry != nullptr && RefusalOf(*entry) == Refusal::ExistsAlready &&
+                            key.name != other_name && Options().schemas != SchemaPolicy::Database;
+      if (is_taken && HasSchemas() &&
+          !(MayBeOld(table) && HasRelationship(DestTable(table), key.name))) {
+        Host().Inform(
+            fmt::format("Table {}: relationship {} is called {}, since MySQL has one of "
+                        "its name",
+                        table.Text(), key.name, other_name));
+        key.name = other_name;
+        continue;
+      }
       if (failure.NativeError() != kSyntax || form == NameForm::Quoted) {
         return ReportRelationship(table, key, failure);
       }

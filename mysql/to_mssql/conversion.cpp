@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "endpoint/literal_text.h"
 #include "endpoint/names.h"
 #include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/exact_types.h"
 #include "mysql/to_mssql/questions.h"
+#include "platform/text/ascii.h"
 
 namespace dorvane::to_mssql {
 
@@ -21,7 +23,38 @@ constexpr std::string_view kSourceTitle = "MySQL Server";
 constexpr std::int32_t kTableIsReferenced = 3726;
 constexpr std::int32_t kObjectExists = 2714;
 
+constexpr const char* kUsualSchema = "dbo";
+
+/// The usual one for a server that does not tell.
+std::string DefaultSchemaOf(ado::Connection& destination) {
+  try {
+    ado::Recordset name = destination.Execute("select schema_name()");
+    if (!name.AtEnd() && !name.Field(0).IsNull()) return name.Field(0).Text();
+  } catch (const RunTimeError&) {
+    // The run's own statements tell what is wrong.
+  }
+  return kUsualSchema;
+}
+
 }  // namespace
+
+MySqlToMsSql::MySqlToMsSql(Context context)
+    : Conversion(std::move(context)),
+      default_schema_(NamesSchema() ? DefaultSchemaOf(Destination()) : kUsualSchema) {}
+
+bool MySqlToMsSql::NamesSchema() const {
+  return IsOverwriting() || !Options().destination_schema.empty();
+}
+
+void MySqlToMsSql::MakeSchema(const std::string& name) {
+  ado::Recordset count = OnDestination(Destination(), [&] {
+    return Destination().Execute("select count(*) from sys.schemas where name = N'" +
+                                 SqlText(name) + "'");
+  });
+  const bool is_there = !count.AtEnd() && count.Field(0).Text() != "0";
+  count.Close();
+  if (!is_there) ExecuteOn(Destination(), "create schema " + MsSqlName(name));
+}
 
 void MySqlToMsSql::PrepareTable(const TableDefinition&) {}
 
@@ -92,7 +125,10 @@ std::string MySqlToMsSql::SourceName(const ado::TableName& name) const {
 }
 
 ado::TableName MySqlToMsSql::DestTable(const ado::TableName& name) const {
-  return DestName(name.name);
+  const std::string& schema = Options().destination_schema;
+  // The catalog knows tables of the default schema by their bare names.
+  const bool is_default = schema.empty() || text::EqualsIgnoringCase(schema, default_schema_);
+  return {is_default ? std::string() : schema, DestName(name.name)};
 }
 
 std::string MySqlToMsSql::DestQuoted(const ado::TableName& name) const {

@@ -20,10 +20,12 @@ namespace dorvane::to_mssql {
 /// Converts MySQL tables into SQL Server tables.
 class MySqlToMsSql : public Conversion {
  public:
-  explicit MySqlToMsSql(Context context) : Conversion(std::move(context)) {}
+  explicit MySqlToMsSql(Context context);
 
  private:
   // conversion.cpp
+  /// True when the run must know what the destination's bare names mean.
+  bool NamesSchema() const;
   TableDefinition DefineTable(ado::Table& tab_src) override;
   /// The columns in the exact mapping. What their types depend on is asked of the rows where the
   /// table will be created.
@@ -51,12 +53,14 @@ class MySqlToMsSql : public Conversion {
   std::string SourceName(const ado::TableName& name) const override;
   ado::TableName DestTable(const ado::TableName& name) const override;
   std::string DestQuoted(const ado::TableName& name) const override;
+  void MakeSchema(const std::string& name) override;
   void ReportTableFailure(const std::string& name, const RunTimeError& error) override;
   std::unique_ptr<Conversion> Fork(Context context) const override;
   void Join(Conversion& fork) override;
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
+  ado::TableName NameToDrop(const ado::TableName& table) const;
   std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) override;
   /// Without them the tables can be dropped in any order. Leaves the keys of tables that a key from
   /// elsewhere keeps.
@@ -97,6 +101,7 @@ class MySqlToMsSql : public Conversion {
 
   static constexpr std::int32_t kNoSuchTable = 3701;
 
+  const std::string default_schema_;  // of the login on the destination
   Util util_;
   WaitingRows waiting_;
   std::set<std::string> kept_;  // tables of the source whose old ones could not be dropped

@@ -23,12 +23,18 @@ std::vector<Reference> MySqlToMsSql::DestReferences(const std::set<ado::TableNam
   return references;
 }
 
+// A bare name of a table that is not there would mean a table of dbo.
+ado::TableName MySqlToMsSql::NameToDrop(const ado::TableName& table) const {
+  if (!table.IsBare() || default_schema_ == "dbo") return table;
+  return {default_schema_, table.name};
+}
+
 void MySqlToMsSql::PrepareOverwriting(const std::vector<const TableDefinition*>& tables) {
   DropReferencesAmong(tables);
   // All tables are dropped before the first one is created.
   for (const TableDefinition* table : tables) {
     try {
-      ExecuteOn(Destination(), "drop table  " + MsSqlTable(table->dest_name));
+      ExecuteOn(Destination(), "drop table  " + MsSqlTable(NameToDrop(table->dest_name)));
     } catch (const DestinationFailure& failure) {
       if (failure.NativeError() != kNoSuchTable) kept_.insert(table->name.Text());
       ReportTableFailure(table->name.Text(), failure);

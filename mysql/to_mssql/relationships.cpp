@@ -48,7 +48,11 @@ void MySqlToMsSql::AddRelationship(const ado::TableName& table, const ForeignKey
   const std::string table_reference = MsSqlTable(dest_table);
   const std::string name = DestNames(key.name);
   const std::string columns = DestNames(key.columns);
-  const std::string referenced = DestNames(key.referenced);
+  // A name of two parts stays what it is.
+  const bool is_bare = key.referenced.find("`.`") == std::string::npos;
+  const std::string schema =
+      is_bare && !dest_table.IsBare() ? MsSqlName(dest_table.schema) + "." : "";
+  const std::string referenced = schema + DestNames(key.referenced);
   const auto execute = [&](const std::string& delete_rule, const std::string& update_rule) {
     ExecuteOn(Destination(),
               fmt::format("Alter Table {} add CONSTRAINT {} Foreign Key ({}) "

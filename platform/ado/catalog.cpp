@@ -42,10 +42,16 @@ const std::vector<Key>& Table::Keys() {
 
 void Catalog::Read() {
   infos_ = Tables();
+  listed_.clear();
+  for (std::size_t i = 0; i < infos_.size(); ++i) listed_.try_emplace(infos_[i].name.Text(), i);
   details_ = connection_.AllTables();
 }
 
 const TableInfo* Catalog::Find(std::string_view listed) const {
+  // So that a database of thousands of tables is not searched for each of them.
+  if (const auto exact = listed_.find(listed); exact != listed_.end()) {
+    return &infos_[exact->second];
+  }
   return FindItemOrNull(infos_, listed, [](const TableInfo& info) { return info.name.Text(); });
 }
 

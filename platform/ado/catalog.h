@@ -68,7 +68,8 @@ class Catalog {
   const TableInfo* Find(std::string_view listed) const;
 
   Connection& connection_;
-  std::vector<TableInfo> infos_;               // as last read
+  std::vector<TableInfo> infos_;                            // as last read
+  std::map<std::string, std::size_t, std::less<>> listed_;  // positions by exact text
   std::map<TableName, TableDetails> details_;  // likewise, of tables that are not in use yet
   std::map<std::string, Table, std::less<>> tables_;
 };

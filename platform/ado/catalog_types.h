@@ -15,7 +15,8 @@ struct TableInfo {
   std::string type;  // "TABLE", "VIEW", "SYSTEM TABLE", ...
 };
 
-/// How an identity column counts: decimal numbers, which may be longer than any integer type.
+/// How an identity column counts: decimal numbers, which may be longer than any integer type; empty
+/// where the catalog tells only that it does.
 struct Identity {
   std::string seed;
   std::string increment;

@@ -73,7 +73,7 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   PlainEndpoint src(job.source);
   PlainEndpoint dest(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql);
   Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : Rig::Get().MsSql().Port(),
-          "sa", job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
+          job.ms_sql_user, job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
   Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : Rig::Get().MySql().Port(),
           "root", job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
   for (IDatabase* endpoint : {static_cast<IDatabase*>(&src), static_cast<IDatabase*>(&dest)}) {
@@ -89,6 +89,8 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   options.types = job.types;
   options.tables_at_once = job.tables_at_once;
   options.verification = job.verification;
+  options.schemas = job.schemas;
+  options.destination_schema = job.dest_schema;
   src.SetOptions(options);
   SaveConversionSettings(settings, src, dest, job.tables, log.string());
 }

@@ -27,6 +27,9 @@ struct Job {
   std::string my_sql_password = "secret";
   int idle_limit = 600;  // seconds
   TypeMapping types = TypeMapping::Classic;
+  SchemaPolicy schemas = SchemaPolicy::Prefix;
+  std::string dest_schema = {};
+  std::string ms_sql_user = "sa";
   int tables_at_once = 1;
   Verification verification = Verification::None;
 };

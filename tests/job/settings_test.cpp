@@ -95,6 +95,10 @@ TEST(ConversionSettings, BadLinesFailByKind) {
        "source=on)"},
       {full + "Idle limit=", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=)"},
       {full + "Types=modern", run_time::kTypeMismatch, "(line 20 of file.dcs: Types=modern)"},
+      {full + "Schemas=both", run_time::kTypeMismatch, "(line 20 of file.dcs: Schemas=both)"},
+      {full + "Destination schema=x", run_time::kInvalidArgument,
+       "Destination schema: for conversions from MySQL to SQL Server only (line 20 of file.dcs: "
+       "Destination schema=x)"},
       {full + "Idle limit=-1", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=-1)"},
       {full + "Idle limit=2147484", run_time::kOverflow,
        "(line 20 of file.dcs: Idle limit=2147484)"},
@@ -116,7 +120,7 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   const std::string options =
       "Encryption source=required\r\nEncryption destination=verified\r\n"
       "CA file destination=/etc/ca s\xFC.pem\r\nIdle limit=0\r\nTypes=exact\r\n"
-      "Tables at once=4\r\nVerify=values\r\n";
+      "Schemas=database\r\nTables at once=4\r\nVerify=values\r\n";
   const ConversionSettings settings = Read(kSales + options);
   const ado::ConnectionSettings src = settings.src->Settings();
   const ado::ConnectionSettings dest = settings.dest->Settings();
@@ -127,6 +131,7 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   EXPECT_EQ(src.idle_limit, 0);
   EXPECT_EQ(dest.idle_limit, 0);
   EXPECT_EQ(settings.src->Options().types, TypeMapping::Exact);
+  EXPECT_EQ(settings.src->Options().schemas, SchemaPolicy::Database);
   EXPECT_EQ(settings.src->Options().tables_at_once, 4);
   EXPECT_EQ(settings.src->Options().verification, Verification::Values);
   EXPECT_EQ(src.password, "pw-1");

@@ -354,6 +354,42 @@ TEST_F(MsSqlTransfer, RefusedDefinitionsAreCured) {
   }
 }
 
+TEST_F(MsSqlTransfer, AFilterIsToldAndItsUniqueKeyRefusesNoRow) {
+  AddTable("t", {MakeColumn("a", DataType::Integer), MakeColumn("b", DataType::Integer)});
+  source.indexes["t"] = {
+      {"ux_null", false, true, {"a", "b"}, true, "([b] IS NOT NULL AND [a] IS NOT NULL)"},
+      {"ux_part", false, true, {"a"}, false, "([a] IS NOT NULL AND [b]>(0))"},
+      {"ix_part", false, false, {"b"}, false, "([a]=(1))"}};
+  Transfer({"t"});
+  EXPECT_THAT(dest.Sent("Create unique"),
+              ElementsAre("Create unique index `ux_null` on `t`(`a`,`b`)"));
+  EXPECT_THAT(dest.Sent("Create index"), ElementsAre("Create index `ux_part` on `t`(`a`)",
+                                                     "Create index `ix_part` on `t`(`b`)"));
+  EXPECT_THAT(host.notes,
+              ElementsAre("Table t: index ux_null is ascending in all its columns",
+                          "Table t: unique key ux_part became a plain index, since MySQL has no "
+                          "filter ([a] IS NOT NULL AND [b]>(0))",
+                          "Table t: index ix_part covers every row, since MySQL has no filter "
+                          "([a]=(1))"));
+}
+
+TEST_F(MsSqlTransfer, RelationshipsThatAreOffAreLeftOut) {
+  AddTable("t", {MakeColumn("a", DataType::Integer)});
+  ado::Key off{
+      .name = "off", .type = ado::KeyType::Foreign, .related_table = "t", .columns = {{"a", "a"}}};
+  off.is_disabled = true;
+  ado::Key unchecked = off;
+  unchecked.name = "unchecked";
+  unchecked.is_disabled = unchecked.is_trusted = false;
+  source.keys["t"] = {off, unchecked};
+  src.SetConvertRelationships(true);
+  Transfer({"t"});
+  EXPECT_EQ(dest.Sent("ALTER TABLE").size(), 1U);
+  EXPECT_THAT(host.notes, ElementsAre("Table t: relationship off was left out: it is disabled",
+                                      "Table t: relationship unchecked was not checked against "
+                                      "every row on the source"));
+}
+
 TEST_F(MsSqlTransfer, ARefusedKeyIsNamedAndTheNextOneGoesOn) {
   src.SetReplaceSpaceWithUnderscore(true);
   AddTable("my t", {MakeColumn("c", DataType::Integer)});

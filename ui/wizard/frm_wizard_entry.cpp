@@ -61,7 +61,7 @@ bool frmWizard::LoadTableLists(const ConnectionPage& source) {
     return Refuse(DescribeUnexpectedFailure().c_str(), message_style::kError);
   }
   if (!tables) return false;  // the endpoint has said why
-  tables_page_->SetAvailable(std::move(*tables));
+  tables_page_->SetAvailable(std::move(*tables), session_.src->Kind() == ServerKind::MsSql);
   tables_loaded_ = true;
   return true;
 }

@@ -131,6 +131,24 @@ void TablesPage::AddOptions() {
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
   chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
   AddTablesAtOnce(card, layout);
+  AddSchemas(card);
+}
+
+void TablesPage::AddSchemas(Card& card) {
+  schemas_ = &MakeChild<QWidget>(card);
+  card.layout()->addWidget(schemas_);
+  auto& row = MakeChild<QHBoxLayout>(*schemas_);
+  row.setContentsMargins(0, 0, 0, 0);
+  auto& label = MakeChild<QLabel>(*schemas_, "Tables of other &schemas:");
+  cboSchemas_ = &MakeNamed<QComboBox>("cboSchemas", *schemas_);
+  // In the order of SchemaPolicy.
+  cboSchemas_->addItems(
+      {"Schema_Table", "Table, without the schema", "Table, in a database Schema"});
+  label.setBuddy(cboSchemas_);
+  row.addWidget(&label);
+  row.addWidget(cboSchemas_);
+  row.addStretch();
+  schemas_->hide();
 }
 
 void TablesPage::AddTablesAtOnce(Card& card, QBoxLayout& layout) {
@@ -152,7 +170,9 @@ void TablesPage::ClearLists() {
   lstDestTables_->SetNames({}, -1);
 }
 
-void TablesPage::SetAvailable(NameList names) {
+void TablesPage::SetAvailable(NameList names, bool has_schemas) {
+  const auto has_two_parts = [](const std::string& name) { return name.find('.') < name.size(); };
+  schemas_->setVisible(has_schemas && std::ranges::any_of(names, has_two_parts));
   const int first = names.empty() ? -1 : 0;
   lstSrcTables_->SetNames(std::move(names), first);
 }
@@ -163,6 +183,8 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   src.SetConvertRelationships(chkConvertRelationShips_->isChecked());
   ConversionOptions options = src.Options();
   options.types = chkExactTypes_->isChecked() ? TypeMapping::Exact : TypeMapping::Classic;
+  options.schemas = schemas_->isHidden() ? SchemaPolicy::Prefix
+                                         : static_cast<SchemaPolicy>(cboSchemas_->currentIndex());
   options.tables_at_once = spnTablesAtOnce_->value();
   src.SetOptions(options);
 }

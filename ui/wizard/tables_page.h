@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QSpinBox>
 
 #include "endpoint/database.h"
@@ -35,8 +36,9 @@ class TablesPage : public WizardPage {
   explicit TablesPage(QWidget* parent);
 
   void ClearLists();
-  /// Fills the available list; the first entry becomes current.
-  void SetAvailable(NameList names);
+  /// Fills the available list; the first entry becomes current. `has_schemas`: the names may be of
+  /// several schemas.
+  void SetAvailable(NameList names, bool has_schemas);
   const NameList& Selected() const { return lstDestTables_->Names(); }
   /// Writes the options into the source endpoint.
   void ApplyOptions(IDatabase& src) const;
@@ -44,6 +46,7 @@ class TablesPage : public WizardPage {
  private:
   void AddLists();
   void AddOptions();
+  void AddSchemas(Card& card);
   void AddTablesAtOnce(Card& card, QBoxLayout& layout);
   /// Carries out one of the moving operations on what the two lists show.
   void Move(void (*operation)(TableLists& lists));
@@ -54,6 +57,8 @@ class TablesPage : public WizardPage {
   QCheckBox* chkReplaceSpaceWithUnderscore_;
   QCheckBox* chkConvertRelationShips_;
   QCheckBox* chkExactTypes_;
+  QWidget* schemas_;  // label and box, shown where there are several schemas
+  QComboBox* cboSchemas_;
   QSpinBox* spnTablesAtOnce_;
 };
 

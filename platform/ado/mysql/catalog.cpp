@@ -198,7 +198,8 @@ std::vector<Key> ReadKeys(const ServerLink& link, const std::string& database,
   // A unique key and a foreign key may bear the same name.
   const std::string sql = fmt::format(
       "select t.constraint_name, t.constraint_type, k.column_name, k.referenced_table_name, "
-      "k.referenced_column_name, r.delete_rule, r.update_rule "
+      "k.referenced_column_name, r.delete_rule, r.update_rule, "
+      "if(k.referenced_table_schema = database(), '', k.referenced_table_schema) "
       "from information_schema.table_constraints t "
       "join information_schema.key_column_usage k on k.constraint_name = t.constraint_name "
       "and (t.constraint_type = 'FOREIGN KEY') = (k.referenced_table_name is not null) and {} "
@@ -213,7 +214,7 @@ std::vector<Key> ReadKeys(const ServerLink& link, const std::string& database,
   for (auto& row : Query(link.client.get(), sql)) {
     Key key{.name = row.at(0).value_or(""),
             .type = KeyTypeOf(row.at(1).value_or("")),
-            .related_table = row.at(3).value_or(""),
+            .related_table = {row.at(7).value_or(""), row.at(3).value_or("")},
             .delete_rule = RuleOf(row.at(5)),
             .update_rule = RuleOf(row.at(6)),
             .columns = {}};

@@ -55,12 +55,16 @@ Rows PrimaryKeyRows(const std::shared_ptr<Logon>& logon, const TableName& table)
 }
 
 Column ToColumn(const CatalogRow& row) {
-  return DescribeColumn({.name = row.Text("COLUMN_NAME"),
-                         .type_name = row.Text("TYPE_NAME"),
-                         .type_code = static_cast<SQLSMALLINT>(row.Number("DATA_TYPE")),
-                         .size = {row.Number("COLUMN_SIZE"), row.OptionalNumber("DECIMAL_DIGITS")},
-                         .is_nullable = row.Number("NULLABLE") != SQL_NO_NULLS,
-                         .default_expression = row.OptionalText("COLUMN_DEF")});
+  Column column =
+      DescribeColumn({.name = row.Text("COLUMN_NAME"),
+                      .type_name = row.Text("TYPE_NAME"),
+                      .type_code = static_cast<SQLSMALLINT>(row.Number("DATA_TYPE")),
+                      .size = {row.Number("COLUMN_SIZE"), row.OptionalNumber("DECIMAL_DIGITS")},
+                      .is_nullable = row.Number("NULLABLE") != SQL_NO_NULLS,
+                      .default_expression = row.OptionalText("COLUMN_DEF")});
+  // "int identity", "numeric() identity"
+  if (row.Text("TYPE_NAME").ends_with(" identity")) column.identity = Identity();
+  return column;
 }
 
 /// Rows with the same name in a row belong together: one index or key, its columns in key order.
