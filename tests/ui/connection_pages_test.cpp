@@ -296,12 +296,14 @@ TEST_F(ConnectionPages, SwitchingTheDirectionEmptiesPages1And2Only) {
 TEST_F(ConnectionPages, ASlowServerLeavesTheOverlayMovingAndTakesNoClicks) {
   driver_.Next();
   std::atomic<bool> answered = false;
+  std::atomic<int> ticks = 0;
   script_.databases = [&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    for (int i = 0; i < 2'000 && ticks < 6; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     answered = true;
     return NameList{"late"};
   };
-  int ticks = 0;
   bool waited = false;
   QTimer timer;
   QObject::connect(&timer, &QTimer::timeout, [&] {

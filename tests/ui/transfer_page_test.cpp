@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QCheckBox>
+#include <QClipboard>
+#include <QFileDialog>
 #include <QProgressBar>
 #include <limits>
 #include <semaphore>
@@ -25,6 +28,13 @@ class TransferPages : public testing::Test {
     driver_.Next();
     ASSERT_EQ(driver_.Window().CurrentPage(), page::kTransfer);
   }
+  /// What the messages pane shows, copied from it, without the times.
+  QStringList Messages() {
+    driver_.Click("cmdCopyMessages");
+    QStringList lines = QApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
+    for (QString& line : lines) line = line.section('\t', 1);
+    return lines;
+  }
   QProgressBar& Bar(const char* name) { return driver_.Get<QProgressBar>(name); }
 
   Script script_;
@@ -43,14 +53,19 @@ TEST_F(TransferPages, TablesWithErrorsAndNotesAreShownAsSuch) {
     listener.ConversionEnded();
   };
   GoToTransfer();
-  EXPECT_FALSE(driver_.Get<QWidget>("lstNotes").isVisible());
+  EXPECT_FALSE(driver_.Get<QWidget>("tblMessages").isVisible());
   driver_.Click("cmdTransferTables");
   EXPECT_EQ(driver_.TakeBoxes().size(), 2u) << "the error and the summary";
   EXPECT_EQ(driver_.Names("lstConvertedTables"), (NameList{"Customers (with errors)", "Orders"}));
   EXPECT_TRUE(driver_.Names("lstSelectedTables").empty());
-  EXPECT_TRUE(driver_.Get<QWidget>("lstNotes").isVisible());
-  EXPECT_EQ(driver_.Names("lstNotes"),
-            NameList{"Table Orders: 2 of 3 rows were there already and were left out"});
+  EXPECT_TRUE(driver_.Get<QWidget>("tblMessages").isVisible());
+  const QStringList messages = Messages();
+  ASSERT_EQ(messages.size(), 3) << "with the summary";
+  EXPECT_EQ(messages[0], "Customers\tError\t1 of 3 rows were not copied");
+  EXPECT_EQ(messages[1],
+            "Orders\tNote\tTable Orders: 2 of 3 rows were there already and were left out");
+  driver_.Type("txtMessageFilter", "NOTE");
+  EXPECT_EQ(Messages().size(), 1);
 }
 
 TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
@@ -104,6 +119,7 @@ TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
 
 TEST_F(TransferPages, RowsAreShownInOrderWithTheOtherEvents) {
   std::vector<int> values;
+  const char* const words[] = {"look", "see"};
   script_.transfer = [&](IConversionListener& listener, const NameList& tables) {
     listener.ConversionStarted(2, false);
     for (const std::string& table : tables) {
@@ -111,10 +127,10 @@ TEST_F(TransferPages, RowsAreShownInOrderWithTheOtherEvents) {
       listener.TableContentTransferStarted(table, 50'000);
       for (int i = 0; i < 50'007; ++i) listener.TableRecordConverted();
       // Every row before this event is on the bar when the event is seen.
-      listener.ErrorOccured("look", 0, "");
+      listener.ErrorOccured(words[&table - tables.data()], 0, "");
     }
     listener.TableConversionStarted("x");
-    listener.ErrorOccured("look", 0, "");
+    listener.ErrorOccured("watch", 0, "");
   };
   GoToTransfer();
   driver_.on_box = [&](QWidget&) { values.push_back(Bar("pbRecordsProgress").value()); };
@@ -314,6 +330,47 @@ TEST_F(TransferPages, TheBarMovesWhileRowsPourIn) {
   QObject::connect(&Bar("pbRecordsProgress"), &QProgressBar::valueChanged, [&] { ++shown; });
   driver_.Click("cmdTransferTables");
   EXPECT_GE(shown, 3);
+}
+
+TEST_F(TransferPages, ThousandsOfFailuresAreFewBoxesAndOneList) {
+  constexpr int kTables = 2'000;
+  script_.transfer = [](IConversionListener& listener, const NameList&) {
+    listener.ConversionStarted(kTables, false);
+    for (int i = 0; i < kTables; ++i) {
+      const std::string name = "table " + std::to_string(i);
+      listener.TableConversionStarted(name);
+      const std::string reason = i < kTables / 2 ? "the connection was lost"
+                                 : i % 2         ? "name too long: "
+                                                 : "no such type: ";
+      listener.ErrorOccured(reason + name, message_style::kError, "MySQL Server");
+      listener.TableConversionFailed(name);
+    }
+    listener.ConversionEnded();
+  };
+  GoToTransfer();
+  int offers = 0;
+  driver_.on_box = [&](QWidget& box) {
+    auto* offer = box.findChild<QCheckBox*>("chkOffer");
+    if (!offer->isVisible()) return;
+    ++offers;
+    EXPECT_EQ(offer->text(), "Show the rest in the list only");
+    offer->click();
+  };
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(offers, 1);
+  EXPECT_EQ(driver_.TakeBoxes().size(), 3u) << "the first two failures and the summary";
+  EXPECT_EQ(Messages().size(), kTables + 1);
+
+  const QString path = QString::fromStdString((driver_.Folder() / "messages.txt").string());
+  QTimer::singleShot(0, &driver_.Window(), [&] {
+    auto* chooser = driver_.Window().findChild<QFileDialog*>("cdMessages");
+    chooser->selectFile(path);
+    QMetaObject::invokeMethod(chooser, "accept");
+  });
+  driver_.Click("cmdSaveMessages");
+  QFile saved(path);
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  EXPECT_EQ(saved.readAll().count('\n'), kTables + 1);
 }
 
 TEST_F(TransferPages, TenThousandTablesAreMovedAndConverted) {

@@ -1,5 +1,6 @@
 #include "ui/dialogs/frm_msg_box.h"
 
+#include <QCheckBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
@@ -30,6 +31,7 @@ constexpr int kMessageTop = 44;
 constexpr int kMessageRightMargin = 22;
 constexpr int kMinMessageHeight = 44;
 constexpr int kMaxMessageHeight = 260;
+constexpr int kOfferGap = 8;
 constexpr int kButtonWidth = 92;
 constexpr int kButtonHeight = 28;
 constexpr int kButtonBottom = 18;  // from the window's lower edge
@@ -138,6 +140,21 @@ void frmMsgBox::AddTitle() {
 
 void frmMsgBox::AddMessage() {
   lblMessage_ = &MakeNamed<MessageText>("lblMessage", static_cast<QWidget&>(*this));
+  chkOffer_ = &MakeNamed<QCheckBox>("chkOffer", *this);
+  QPalette palette = chkOffer_->palette();
+  palette.setColor(QPalette::WindowText, QColor(16, 20, 32));
+  chkOffer_->setPalette(palette);
+  chkOffer_->hide();
+}
+
+void frmMsgBox::SetOffer(const QString& caption) {
+  chkOffer_->setText(caption);
+  chkOffer_->setChecked(false);
+  chkOffer_->setVisible(!caption.isEmpty());
+}
+
+bool frmMsgBox::IsOfferTaken() const {
+  return chkOffer_->isChecked();
 }
 
 void frmMsgBox::AddButtons() {
@@ -147,7 +164,8 @@ void frmMsgBox::AddButtons() {
   connect(cmdOK_, &QAbstractButton::clicked, this, [this] { End(kAnswerYes); });
   connect(cmdNo_, &QAbstractButton::clicked, this, [this] { End(kAnswerNo); });
   setTabOrder(cmdOK_, cmdNo_);
-  setTabOrder(cmdNo_, lblMessage_);
+  setTabOrder(cmdNo_, chkOffer_);
+  setTabOrder(chkOffer_, lblMessage_);
 }
 
 void frmMsgBox::End(int answer) {
@@ -194,7 +212,13 @@ void frmMsgBox::FitToMessage() {
                                                          : Qt::ScrollBarAlwaysOff);
   lblMessage_->setGeometry(kMessageLeft, kMessageTop, width, shown);
   lblMessage_->verticalScrollBar()->setValue(0);
-  const int height = kMessageTop + shown + 18 + kButtonHeight + kButtonBottom;
+  int offered = 0;
+  if (!chkOffer_->isHidden()) {
+    chkOffer_->setGeometry(QRect(QPoint(kMessageLeft, kMessageTop + shown + kOfferGap),
+                                 QSize(width, chkOffer_->sizeHint().height())));
+    offered = kOfferGap + chkOffer_->height();
+  }
+  const int height = kMessageTop + shown + offered + 18 + kButtonHeight + kButtonBottom;
   setFixedSize(kBoxWidth, height);
 }
 

@@ -8,6 +8,7 @@
 #include "ui/dialogs/message_icon.h"
 #include "ui/dialogs/message_text.h"
 
+class QCheckBox;
 class QLabel;
 
 namespace dorvane {
@@ -30,6 +31,10 @@ class frmMsgBox : public QDialog {
   int Run(MessageBoxKind kind, const QString& text, std::int32_t style, const QString& title,
           int default_answer);
 
+  /// The caption of a check box below the message, not ticked; empty for none.
+  void SetOffer(const QString& caption);
+  bool IsOfferTaken() const;
+
   /// The window that the next box stands over; null leaves the place to the desktop.
   void StandOver(QWidget* owner) { owner_ = owner; }
 
@@ -51,6 +56,7 @@ class frmMsgBox : public QDialog {
 
   QLabel* lblTitle_;
   MessageText* lblMessage_;
+  QCheckBox* chkOffer_;
   GradientButton* cmdOK_;
   GradientButton* cmdNo_;
   QPointer<QWidget> owner_;

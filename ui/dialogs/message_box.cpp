@@ -33,18 +33,26 @@ struct Message {
   std::string_view text;
   std::int32_t style;
   std::string_view title;
-  int default_answer;
+  int default_answer = kAnswerYes;
+  std::string_view offer = {};
 };
 
-int Run(frmMsgBox& box, const Message& message) {
+struct Answer {
+  int button;
+  bool is_offer_taken;
+};
+
+Answer Run(frmMsgBox& box, const Message& message) {
   QWidget* const dialog = QApplication::activeModalWidget();
   QWidget* const main = Owner() ? Owner().data() : QApplication::activeWindow();
   box.StandOver(dialog ? dialog : main);
-  return box.Run(message.kind, ToQString(message.text), message.style, ToQString(message.title),
-                 message.default_answer);
+  box.SetOffer(ToQString(message.offer));
+  const int button = box.Run(message.kind, ToQString(message.text), message.style,
+                             ToQString(message.title), message.default_answer);
+  return {button, box.IsOfferTaken()};
 }
 
-int RunBox(const Message& message) {
+Answer RunBox(const Message& message) {
   auto& box = LoadedBox();
   if (!box) box = std::make_unique<frmMsgBox>();
   if (box->isVisible()) {
@@ -52,7 +60,7 @@ int RunBox(const Message& message) {
     frmMsgBox another;
     return Run(another, message);
   }
-  const int answer = Run(*box, message);
+  const Answer answer = Run(*box, message);
   if (box->IsUnloaded()) box.reset();
   return answer;
 }
@@ -64,12 +72,17 @@ void ShowMessagesOver(QWidget& window) {
 }
 
 void ShowMessage(std::string_view text, std::int32_t style, std::string_view title) {
-  RunBox({MessageBoxKind::kOk, text, style, title, kAnswerYes});
+  RunBox({MessageBoxKind::kOk, text, style, title});
+}
+
+bool ShowMessageOffering(std::string_view text, std::int32_t style, std::string_view title,
+                         std::string_view offer) {
+  return RunBox({MessageBoxKind::kOk, text, style, title, kAnswerYes, offer}).is_offer_taken;
 }
 
 int AskYesNo(std::string_view text, std::int32_t style, std::string_view title,
              int default_answer) {
-  return RunBox({MessageBoxKind::kYesNo, text, style, title, default_answer});
+  return RunBox({MessageBoxKind::kYesNo, text, style, title, default_answer}).button;
 }
 
 ErrorSummary CurrentFailure() {

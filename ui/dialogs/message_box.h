@@ -23,6 +23,10 @@ void ShowMessagesOver(QWidget& window);
 /// in the user-interface thread.
 void ShowMessage(std::string_view text, std::int32_t style, std::string_view title);
 
+/// The same with a check box of that caption; true when it was ticked.
+bool ShowMessageOffering(std::string_view text, std::int32_t style, std::string_view title,
+                         std::string_view offer);
+
 /// The same with Yes and No; returns kAnswerYes or kAnswerNo. Enter gives `default_answer`.
 int AskYesNo(std::string_view text, std::int32_t style, std::string_view title,
              int default_answer = kAnswerYes);

@@ -32,7 +32,7 @@ void frmWizard::ConnectRun() {
   connect(&run_, &WizardRun::ProgressChanged, this,
           [this] { transfer_page_->Show(run_.Progress()); });
   connect(&run_, &WizardRun::TableConverted, transfer_page_, &TransferPage::MarkConverted);
-  connect(&run_, &WizardRun::Noted, transfer_page_, &TransferPage::AddNote);
+  connect(&run_, &WizardRun::Told, transfer_page_, &TransferPage::AddMessage);
   connect(&run_, &WizardRun::Started, this, [this] {
     NavButton(kCancel).setFocus();
     transfer_page_->ConversionStarted();

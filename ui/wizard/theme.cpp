@@ -73,12 +73,16 @@ QPalette PagePalette() {
   return palette;
 }
 
-void StyleDropDown(QComboBox& list) {
-  // The open list is a window of its own and takes no colours from the page.
+QPalette FieldPalette() {
   QPalette palette = PagePalette();
   palette.setColor(QPalette::Window, QColor(kFieldBackground));
   palette.setColor(QPalette::WindowText, QColor(kTextColor));
-  list.view()->setPalette(palette);
+  return palette;
+}
+
+void StyleDropDown(QComboBox& list) {
+  // The open list is a window of its own and takes no colours from the page.
+  list.view()->setPalette(FieldPalette());
   list.view()->setTextElideMode(Qt::ElideMiddle);
 }
 

@@ -35,6 +35,8 @@ inline constexpr int kGap = 10;
 
 /// White words and light fields on the blue background of a page.
 QPalette PagePalette();
+/// Dark words on the light ground of a field, for what stands on it whole.
+QPalette FieldPalette();
 /// Gives a drop-down list the light ground of a field when it is open, and long entries dots in
 /// their middle.
 void StyleDropDown(QComboBox& list);

@@ -2,7 +2,7 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <tuple>
+#include <QLabel>
 #include <utility>
 
 #include "ui/controls/make_child.h"
@@ -90,23 +90,26 @@ void TransferPage::AddLists() {
   grid.setContentsMargins(0, 0, 0, 0);
   grid.setHorizontalSpacing(14);
   grid.setVerticalSpacing(5);
-  const auto add = [&](const char* name, const char* caption, int row, int column, int columns) {
+  const auto add = [&](const char* name, const char* caption, int column) {
     auto& label = MakeChild<QLabel>(area, caption);
     auto& list = MakeNamed<NameListView>(name, area);
     // Names come and go one by one here: the visible ones are laid out first, the rest when there
     // is time.
     list.setLayoutMode(QListView::Batched);
+    // Takes the room there is; its contents do not make the window higher.
+    list.setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     label.setBuddy(&list);
     list.setAccessibleName(QString(caption).remove('&').trimmed());
-    grid.addWidget(&label, row, column, 1, columns);
-    grid.addWidget(&list, row + 1, column, 1, columns);
-    return std::pair(&label, &list);
+    grid.addWidget(&label, 0, column);
+    grid.addWidget(&list, 1, column);
+    return &list;
   };
-  lstSelectedTables_ = add("lstSelectedTables", "Tables in &que", 0, 0, 1).second;
-  lstConvertedTables_ = add("lstConvertedTables", "Con&verted tables ", 0, 1, 1).second;
-  std::tie(lblNotes_, lstNotes_) = add("lstNotes", "N&otes", 2, 0, 2);
-  lblNotes_->hide();
-  lstNotes_->hide();
+  lstSelectedTables_ = add("lstSelectedTables", "Tables in &que", 0);
+  lstConvertedTables_ = add("lstConvertedTables", "Con&verted tables ", 1);
+  for (const int row : {1, 2}) grid.setRowStretch(row, 1);
+  messages_ = &MakeNamed<MessagesPane>("messages", area);
+  grid.addWidget(messages_, 2, 0, 1, 2);
+  messages_->hide();
 }
 
 void TransferPage::SetPlan(const std::string& plan, NameList tables) {
@@ -119,10 +122,10 @@ void TransferPage::MarkConverted(const std::string& table, bool with_errors) {
   lstSelectedTables_->RemoveFirst(table);
 }
 
-void TransferPage::AddNote(const std::string& note) {
-  lblNotes_->show();
-  lstNotes_->show();
-  lstNotes_->Append(note);
+void TransferPage::AddMessage(Severity severity, const std::string& table,
+                              const std::string& message) {
+  messages_->show();
+  messages_->Add(severity, QString::fromStdString(table), QString::fromStdString(message));
 }
 
 WizardRun::TableCounts TransferPage::Counts() const {

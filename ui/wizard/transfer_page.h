@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QLabel>
 #include <QProgressBar>
 
 #include "ui/controls/gradient_button.h"
 #include "ui/controls/name_list_view.h"
 #include "ui/controls/wrapped_label.h"
+#include "ui/wizard/messages_pane.h"
 #include "ui/wizard/transfer_progress.h"
 #include "ui/wizard/wizard_page.h"
 #include "ui/wizard/wizard_run.h"
@@ -26,8 +26,8 @@ class TransferPage : public WizardPage {
   const NameList& Waiting() const { return lstSelectedTables_->Names(); }
   /// Moves a table from the waiting to the converted ones.
   void MarkConverted(const std::string& table, bool with_errors);
-  /// Adds a line to the notes, which show with the first one.
-  void AddNote(const std::string& note);
+  /// Adds to the messages, which show with the first one.
+  void AddMessage(Severity severity, const std::string& table, const std::string& message);
   WizardRun::TableCounts Counts() const;
   void Show(const TransferProgress& progress);
   void ConversionStarted();
@@ -56,8 +56,7 @@ class TransferPage : public WizardPage {
   WrappedLabel* lblRowsProgress_;
   NameListView* lstSelectedTables_;
   NameListView* lstConvertedTables_;
-  QLabel* lblNotes_;
-  NameListView* lstNotes_;
+  MessagesPane* messages_;
   GradientButton* cmdTransferTables_;
   GradientButton* cmdSchedule_;
   GradientButton* cmdStop_;

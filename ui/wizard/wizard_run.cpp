@@ -23,6 +23,8 @@ WizardRun::WizardRun() {
 bool WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables) {
   transferring_ = true;
   stopping_ = has_ended_ = false;
+  boxes_.Clear();
+  table_.clear();
   row_timer_.start();
   try {
     RunInWorker([&] { src.TransferToDest(dest, tables); });
@@ -67,8 +69,18 @@ void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view 
                                      std::int32_t style) {
   RunInGuiThread([&] {
     table_failed_ = true;
-    dorvane::ShowMessage(message, style, source);
+    if (!transferring_) return dorvane::ShowMessage(message, style, source);
+    emit Told(Severity::kError, table_, std::string(message));
+    ShowFailure(message, source, style);
   });
+}
+
+void WizardRun::ShowFailure(std::string_view message, std::string_view source, std::int32_t style) {
+  if (!boxes_.Wants(message, table_)) return;
+  if (!boxes_.Offers()) return dorvane::ShowMessage(message, style, source);
+  if (ShowMessageOffering(message, style, source, "Show the rest in the list only")) {
+    boxes_.ShowRestInListOnly();
+  }
 }
 
 void WizardRun::ErrorOccured(std::string_view message, std::int32_t message_style,
@@ -87,6 +99,7 @@ void WizardRun::ConversionStarted(std::int16_t no_of_tables, bool relations_incl
 void WizardRun::TableConversionStarted(std::string_view table_name) {
   RunInGuiThread([&] {
     table_failed_ = false;
+    table_ = table_name;
     progress_.TableConversionStarted(table_name);
     emit ProgressChanged();
   });
@@ -120,6 +133,7 @@ void WizardRun::TableConversionFailed(std::string_view) {
 
 void WizardRun::TableRelationsConversionStarted(std::string_view table_name) {
   RunInGuiThread([&] {
+    table_ = table_name;
     progress_.TableRelationsConversionStarted(table_name);
     emit ProgressChanged();
   });
@@ -133,8 +147,9 @@ void WizardRun::ConversionEnded() {
     if (stopping_) return TellStopped();
     emit ProgressChanged();
     const TableCounts counts = table_counts_ ? table_counts_() : TableCounts();
-    dorvane::ShowMessage(progress_.Summary(counts.converted, counts.waiting),
-                         message_style::kInformation, "");
+    const std::string summary = progress_.Summary(counts.converted, counts.waiting);
+    emit Told(Severity::kInformation, "", summary);
+    dorvane::ShowMessage(summary, message_style::kInformation, "");
     emit Ended();
     progress_.SummaryShown();
     emit ProgressChanged();
@@ -156,7 +171,7 @@ void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::s
 }
 
 void WizardRun::Inform(std::string_view message) {
-  RunInGuiThread([&] { emit Noted(std::string(message)); });
+  RunInGuiThread([&] { emit Told(Severity::kNote, table_, std::string(message)); });
 }
 
 void WizardRun::ShowTablesInHand(const TablesInHand& tables) {

@@ -7,6 +7,8 @@
 #include <string>
 
 #include "endpoint/database.h"
+#include "ui/wizard/failure_boxes.h"
+#include "ui/wizard/messages_pane.h"
 #include "ui/wizard/transfer_progress.h"
 
 namespace dorvane {
@@ -65,8 +67,8 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   void ProgressChanged();
   /// `with_errors`: something of the table was reported meanwhile.
   void TableConverted(const std::string& table, bool with_errors);
-  /// What the destination differs in by the rules of the conversion.
-  void Noted(const std::string& message);
+  /// Everything that a transfer tells: failures, notes and its summary. `table` is the one in hand.
+  void Told(dorvane::Severity severity, const std::string& table, const std::string& message);
   /// After the user has seen the summary.
   void Ended();
 
@@ -79,7 +81,12 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Who has stopped the run needs no box that says so.
   void TellStopped();
 
+  /// Shows a failure in a box, unless the boxes have had enough.
+  void ShowFailure(std::string_view message, std::string_view source, std::int32_t style);
+
   TransferProgress progress_;
+  FailureBoxes boxes_;
+  std::string table_;  // in hand
   std::function<TableCounts()> table_counts_;
   QTimer row_timer_;
   std::atomic<std::int64_t> new_rows_ = 0;
