@@ -1,10 +1,10 @@
-# Every target of the project links dorvane_options: warnings are errors, includes start at
-# the root.
+# Every target of the project links dorvane_options: warnings, which the presets make errors, and
+# includes that start at the root.
 get_filename_component(root ${CMAKE_CURRENT_LIST_DIR} DIRECTORY)
 add_library(dorvane_options INTERFACE)
 target_include_directories(dorvane_options INTERFACE ${root})
 target_compile_options(dorvane_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
 if(CMAKE_BUILD_TYPE STREQUAL "Debug")
   target_compile_definitions(dorvane_options INTERFACE _GLIBCXX_ASSERTIONS)
 endif()

@@ -64,6 +64,7 @@ void TransferProgress::ShowTablesInHand(const TablesInHand& tables) {
     names += fmt::format("{}'{}'", names.empty() ? "" : ", ", name);
   }
   status_ = fmt::format("Converting tables {} .....", names);
+  if (tables.rows != rows_done_ || !copies_rows_) last_row_ = now_();
   rows_done_ = tables.rows;
   rows_expected_ = tables.announced;
   copies_rows_ = tables.announced > 0;
