@@ -14,12 +14,15 @@ std::vector<std::string> Result::Names() const {
   return names;
 }
 
+std::string RowText(const std::vector<std::string>& row) {
+  std::string text;
+  for (std::size_t i = 0; i < row.size(); ++i) text += (i ? "|" : "") + row[i];
+  return text;
+}
+
 std::string Result::Text() const {
   std::string text;
-  for (const auto& row : rows) {
-    if (!text.empty()) text += ';';
-    for (std::size_t i = 0; i < row.size(); ++i) text += (i ? "|" : "") + row[i];
-  }
+  for (const auto& row : rows) text += (text.empty() ? "" : ";") + RowText(row);
   return text;
 }
 

@@ -13,6 +13,9 @@
 
 namespace sandbox::testing {
 
+/// "a|b"
+std::string RowText(const std::vector<std::string>& row);
+
 /// One result of a batch, its values as text: NULL is "NULL", bytes are "0x...".
 struct Result {
   std::vector<ColumnInfo> columns;

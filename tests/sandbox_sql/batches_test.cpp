@@ -26,52 +26,6 @@ TEST_F(BatchesTest, VariablesAndFlow) {
             "8134|Divide by zero error encountered.");
 }
 
-TEST_F(BatchesTest, WhichErrorsEndTheBatch) {
-  EXPECT_EQ(
-      Run("insert t values (1, 'a') insert t values (1, 'b') insert t values (2, 'c')").Numbers(),
-      "2627 3621");
-  EXPECT_EQ(Query("select count(*) from t"), "2");
-  EXPECT_EQ(Run("insert t values ('x', 'a') insert t values (3, 'c')").Numbers(), "245");
-  EXPECT_EQ(Run("select * from nosuch insert t values (4, 'c')").Numbers(), "208");
-  EXPECT_EQ(Query("select count(*) from t"), "2");
-  EXPECT_EQ(Run("insert t values (2, 'x') select @@error").Rows(), "2627");
-}
-
-TEST_F(BatchesTest, Transactions) {
-  Must("begin tran insert t values (1, 'a')");
-  EXPECT_EQ(Query("select @@trancount"), "1");
-  Must("save tran s insert t values (2, 'b') rollback tran s insert t values (3, 'c') commit");
-  EXPECT_EQ(Query("select id from t"), "1;3");
-  EXPECT_EQ(
-      Run("begin tran insert t values (4, 'd') insert t values (1, 'twice') commit").Numbers(),
-      "2627 3621");
-  EXPECT_EQ(Query("select count(*), @@trancount from t"), "3|0");
-  EXPECT_EQ(Run("begin tran insert t values (5, 'e') insert t values ('no', 'f')").Numbers(),
-            "245");
-  EXPECT_EQ(Query("select count(*), @@trancount from t"), "3|0")
-      << "a failed conversion takes the transaction along";
-  EXPECT_EQ(
-      Run("set xact_abort on begin tran insert t values (6, 'f') insert t values (6, 'g') commit")
-          .Numbers(),
-      "2627 3621");
-  EXPECT_EQ(Query("select count(*), @@trancount from t"), "3|0");
-  Must("set xact_abort off begin tran create table made (id int) drop table t rollback");
-  EXPECT_EQ(Query("select count(*) from t"), "3");
-  EXPECT_EQ(Run("select * from made").Numbers(), "208");
-  EXPECT_EQ(Run("commit").Numbers(), "3902");
-  EXPECT_EQ(Run("rollback").Numbers(), "3903");
-}
-
-TEST_F(BatchesTest, ImplicitTransactionsAndBatchesThatOnlyShow) {
-  Must(
-      "set implicit_transactions on insert t values (1, 'a') rollback set implicit_transactions "
-      "off");
-  Must(
-      "set fmtonly on insert t values (2, 'b') set fmtonly off set noexec on insert t values (3, "
-      "'c') set noexec off");
-  EXPECT_EQ(Query("select count(*), @@trancount from t"), "0|0");
-}
-
 TEST_F(BatchesTest, CountsAndOptions) {
   EXPECT_THAT(
       Run("insert t values (1, 'a'), (2, 'b') update t set v = 'c' delete t where id = 1").counts,

@@ -58,67 +58,6 @@ TEST_F(LimitsTest, OfTablesAndKeys) {
   EXPECT_EQ(Run("create index c_ on k (c)").Numbers(), "1945 1946 3621");
 }
 
-TEST_F(LimitsTest, DisabledConstraintsAndIndexes) {
-  Must(
-      "create table p (id int primary key); create table c (f int constraint fk references p (id) "
-      "on delete cascade, v int constraint ck check (v > 0), w int); create unique index ux on c "
-      "(w); insert p values (1)");
-  struct Case {
-    const char* batch;
-    const char* numbers;
-  };
-  const auto state = [&] {
-    return Query(
-        "select f.is_disabled, f.is_not_trusted, k.is_disabled, k.is_not_trusted, i.is_disabled "
-        "from sys.foreign_keys f, sys.check_constraints k, sys.indexes i where i.name = 'ux'");
-  };
-  for (const auto& [batch, numbers] : std::vector<Case>{
-           {"insert c values (9, 1, 1)", "547 3621"},
-           {"alter table c nocheck constraint fk", ""},
-           {"insert c values (9, 1, 1)", ""},
-           {"insert c values (9, 0, 2)", "547 3621"},
-           {"alter table c nocheck constraint all", ""},
-           {"insert c values (9, 0, 2)", ""},
-           {"alter table c with check check constraint all", "547"},
-           {"alter table c check constraint ck, nosuch", "4917 4916"},
-       }) {
-    EXPECT_EQ(Run(batch).Numbers(), numbers) << batch;
-  }
-  EXPECT_EQ(state(), "1|1|1|1|0");
-  Must("alter table c check constraint all");
-  EXPECT_EQ(state(), "0|1|0|1|0");
-  EXPECT_EQ(Run("insert c values (9, 1, 3)").Numbers(), "547 3621");
-  Must("update c set f = 1, v = 1; alter table c with check check constraint all");
-  Must("alter index ux on c disable; update c set w = 1");
-  Reopen();
-  EXPECT_EQ(state(), "0|0|0|0|1");
-  EXPECT_EQ(Run("alter index all on c rebuild").Numbers(), "1505");
-  Must("delete c; insert c values (1, 1, 1); alter index ux on c rebuild");
-  EXPECT_EQ(Run("insert c values (1, 1, 1)").Numbers(), "2601 3621");
-  Must("alter table c nocheck constraint fk; delete p");
-  EXPECT_EQ(Query("select count(*) from c"), "1") << "a disabled key does not cascade";
-  EXPECT_EQ(Run("alter index nosuch on c disable").Numbers(), "2727");
-}
-
-TEST_F(LimitsTest, ForeignKeysOfOtherTypes) {
-  Must(
-      "create table p (a int unique, b decimal(9,2) unique, c char(5) unique, d varchar(9) unique, "
-      "e nvarchar(9) unique)");
-  struct Case {
-    const char* column;
-    const char* numbers;
-  };
-  for (const auto& [column, numbers] :
-       std::vector<Case>{{"x bigint references p (a)", "1778 1750"},
-                         {"x decimal(9,3) references p (b)", "1753 1750"},
-                         {"x char(6) references p (c)", "1753 1750"},
-                         {"x varchar(5) references p (c)", "1778 1750"},
-                         {"x varchar(9) references p (e)", "1778 1750"},
-                         {"x numeric(9,2) references p (b)", ""}}) {
-    EXPECT_EQ(Run(fmt::format("create table c ({})", column)).Numbers(), numbers) << column;
-  }
-}
-
 // Two sessions make the same table: the second one waits, and finds it there.
 TEST_F(LimitsTest, TheSameTableFromTwoSessions) {
   const auto other = NewSession();

@@ -143,19 +143,6 @@ TEST_F(LiteralRowsTest, RowsAgreeOnATypeAsTheirExpressionsDo) {
   }
 }
 
-TEST_F(LiteralRowsTest, KnownRowsKeepTheirValues) {
-  Must(
-      "create table k (i bigint, d decimal(20,4), f float, s nvarchar(20), b varbinary(8), m "
-      "datetime)");
-  Must(
-      "insert k values (-9223372036854775807, -0.05, .1, N'a''b', 0xF, '2024-02-29 12:00:00.003'), "
-      "(12, 1234567890123456.7, -1e-3, '', 0x, '2024-01-01'), (null, 3, 4, null, 0x00ff, null)");
-  EXPECT_EQ(Query("select i, d, f, s, b, convert(varchar(30), m, 121) from k"),
-            "-9223372036854775807|-0.0500|0.1|a'b|0x0F|2024-02-29 12:00:00.003;"
-            "12|1234567890123456.7000|-0.001||0x|2024-01-01 00:00:00.000;"
-            "NULL|3.0000|4|NULL|0x00FF|NULL");
-}
-
 // Rows that make a list long enough to be written in blocks: "(1,'r1'),(2,'r2'),...".
 std::string ManyRows(int count, int odd_one = 0, const std::string& odd = "") {
   std::string rows;
@@ -201,41 +188,6 @@ TEST_F(LiteralRowsTest, LongListsFailWholeWithTheFirstRowsError) {
   EXPECT_EQ(Query("select count(*), min(id), max(id), sum(extra) from t"), "1000|1|1000|4000");
   EXPECT_EQ(Query("select count(*) from t where name = 'r' + convert(varchar(9), id)"), "1000");
   EXPECT_EQ(Run(head + ManyRows(1001)).Numbers(), "10738");
-}
-
-TEST_F(LiteralRowsTest, BlocksTakeDefaultsIdentitiesAndForeignKeys) {
-  Must("create table p (id int primary key); insert p values (1)");
-  Must(
-      "create table t (id int identity primary key, p int constraint fk references p (id), d int "
-      "default 3, check (d < 9))");
-  std::string rows, with_ids, orphans;
-  for (int i = 1; i <= 40; ++i) {
-    const std::string comma = i > 1 ? "," : "";
-    rows += comma + (i % 2 == 0 ? "(1,default)" : "(1,null)");
-    with_ids += comma + "(" + std::to_string(1000 - i) + ",1)";
-    orphans += comma + (i == 1 ? "(2,1)" : "(1,1)");
-  }
-  Must("insert t (p, d) values " + rows);
-  EXPECT_EQ(Query("select count(*), max(id), count(d), sum(d) from t"), "40|40|20|60");
-  Must("set identity_insert t on; insert t (id, p) values " + with_ids +
-       "; set identity_insert t off; insert t (p) values (1)");
-  EXPECT_EQ(Query("select max(id), count(*) from t"), "1000|81");
-  EXPECT_EQ(Run("insert t (p, d) values " + orphans).Numbers(), "547 3621")
-      << "every row of a block is looked at";
-}
-
-TEST_F(LiteralRowsTest, ANumberThatCannotBeIsAnErrorOfTheText) {
-  Must("create table t (v float null)");
-  for (const auto& [literal, number] : std::vector<std::pair<const char*, const char*>>{
-           {"100000000000000000000000000000000000000", "1007"},
-           {"-1e309", "232"},
-           {"1 2", "102"}}) {
-    const Answer answer = Run(std::string("insert t values (1) insert t values (") + literal + ")");
-    EXPECT_EQ(answer.Numbers(), number) << literal;
-    EXPECT_EQ(Query("select count(*) from t"), "0") << "nothing of the batch runs";
-  }
-  Must("insert t values (1 - 2), (-(3)), (- 4), (+5), (2 * -3)");
-  EXPECT_EQ(Query("select v from t"), "-1;-3;-4;5;-6");
 }
 
 }  // namespace

@@ -1,0 +1,83 @@
+#include "tests/sandbox_sql/script.h"
+
+#include <algorithm>
+#include <fstream>
+#include <stdexcept>
+
+namespace sandbox::testing {
+namespace {
+
+constexpr std::string_view kResult = "----";
+
+class Reader {
+ public:
+  explicit Reader(const std::filesystem::path& path) : path_(path), file_(path) {
+    if (!file_) throw std::runtime_error("cannot read " + path.string());
+  }
+
+  std::vector<Script> Read() {
+    while (NextLine()) {
+      if (line_.starts_with("test ")) {
+        scripts_.push_back({path_.stem().string() + "_" + line_.substr(5), path_, setup_});
+      } else if (line_ != "setup" && !line_.empty() && !line_.starts_with('#')) {
+        (scripts_.empty() ? setup_ : scripts_.back().records).push_back(ReadRecord());
+      }
+    }
+    if (scripts_.empty()) throw std::runtime_error("no tests in " + path_.string());
+    return std::move(scripts_);
+  }
+
+ private:
+  bool NextLine() {
+    ++number_;
+    return static_cast<bool>(std::getline(file_, line_));
+  }
+
+  Record ReadRecord() {
+    Record record;
+    record.line = number_;
+    do {
+      if (!record.results.empty() || line_ == kResult) {
+        record.results.push_back(line_);
+      } else if (line_.starts_with("error ")) {
+        ReadError(record);
+      } else {
+        record.batch += (record.batch.empty() ? "" : "\n") + line_;
+      }
+    } while (NextLine() && !line_.empty());
+    return record;
+  }
+
+  void ReadError(Record& record) const {
+    const std::size_t colon = line_.find(": ");
+    record.numbers = line_.substr(6, colon == std::string::npos ? colon : colon - 6);
+    if (colon != std::string::npos) record.text = line_.substr(colon + 2);
+  }
+
+  std::filesystem::path path_;
+  std::ifstream file_;
+  std::string line_;
+  int number_ = 0;
+  std::vector<Record> setup_;
+  std::vector<Script> scripts_;
+};
+
+}  // namespace
+
+std::vector<Script> ReadScripts(const std::filesystem::path& folder) {
+  std::vector<Script> all;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() != ".slt") continue;
+    std::ranges::move(Reader(entry.path()).Read(), std::back_inserter(all));
+  }
+  return all;
+}
+
+std::string ShownRow(const std::string& text) {
+  if (text.empty()) return "(empty)";
+  std::string shown;
+  for (const char c : text) shown += c == '\n' ? std::string("\\n") : std::string(1, c);
+  return shown;
+}
+
+}  // namespace sandbox::testing
