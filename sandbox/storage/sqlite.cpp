@@ -63,11 +63,6 @@ SqliteStatement& SqliteStatement::Bind(int index, std::string_view text) {
   return *this;
 }
 
-SqliteStatement& SqliteStatement::BindNull(int index) {
-  sqlite3_bind_null(handle_.get(), index);
-  return *this;
-}
-
 std::string SqliteStatement::Text(int column) const {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_.get(), column));
   const int bytes = sqlite3_column_bytes(handle_.get(), column);

@@ -33,7 +33,6 @@ class SqliteStatement {
 
   SqliteStatement& Bind(int index, std::int64_t value);
   SqliteStatement& Bind(int index, std::string_view text);
-  SqliteStatement& BindNull(int index);
   std::int64_t Integer(int column) const { return sqlite3_column_int64(handle_.get(), column); }
   std::string Text(int column) const;
 

@@ -117,7 +117,7 @@ void ResultWriter::Message(const ServerMessage& message) {
   if (Dropped()) return;
   WritePending(kDoneMore);
   WriteMessage(out_, version_, message);
-  if (message.severity >= kFirstErrorSeverity) error_open_ = any_error_ = true;
+  if (message.severity >= kFirstErrorSeverity) error_open_ = true;
   Flush();
 }
 

@@ -33,7 +33,6 @@ class ResultWriter : public ResultSink {
   /// Ends a procedure: its status, its output parameters, and that it is over.
   void EndProcedure(std::span<const Parameter> parameters);
 
-  bool AnyError() const { return any_error_; }
   /// The reply's last token; nothing may follow.
   void Finish();
   void FinishCancelled();
@@ -62,7 +61,6 @@ class ResultWriter : public ResultSink {
   std::optional<PendingDone> pending_;
   bool result_open_ = false;
   bool error_open_ = false;
-  bool any_error_ = false;
   std::int32_t return_status_ = 0;
 };
 
