@@ -82,7 +82,7 @@ TEST_F(SchemasTest, AFolderOfAnEarlierVersionIsCompleted) {
   sqlite3* connection = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &connection), SQLITE_OK);
   std::string without = "pragma user_version = 0;";
-  for (const char* table : {"cat_schema", "cat_user", "cat_type"})
+  for (const char* table : {"cat_schema", "cat_user", "cat_type", "cat_property"})
     without += std::string("drop table ") + table + ";";
   for (const char* column :
        {"cat_table drop column schema", "cat_view drop column schema",
