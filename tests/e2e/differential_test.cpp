@@ -118,7 +118,7 @@ class Differential {
     Dest dest = Connected<Dest>(host_, name);
     Execute(src, true, each.source);
     src.plan.strategy = CopyStrategy::RowByRow;
-    const Outcome rows = Convert(src, dest, each);
+    Outcome rows = Convert(src, dest, each);
     ExpectWhatTheCaseSays(each, rows);
     const CopyPlan plans[] = {{CopyStrategy::Statements, kShortBlock},
                               {CopyStrategy::Statements, kTravellingBlock},
