@@ -166,6 +166,8 @@ TEST_F(Keyboard, EnterAloneLeadsThroughTheWizard) {
   driver_.Get("lstDestTables").setFocus();
   expect({{"cmdNav3", 6}, {"cmdTransferTables", 6}});
   EXPECT_EQ(driver_.TakeBoxes().size(), 1u);
+  // The box is seen before it is gone.
+  ASSERT_TRUE(QTest::qWaitFor([this] { return driver_.HasFocus("cmdNav4"); }));
   driver_.Window().activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&driver_.Window()));
   expect({{"cmdNav4", 6}});
