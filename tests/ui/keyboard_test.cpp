@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QLabel>
 #include <set>
 
@@ -168,8 +169,9 @@ TEST_F(Keyboard, EnterAloneLeadsThroughTheWizard) {
   EXPECT_EQ(driver_.TakeBoxes().size(), 1u);
   // The box is seen before it is gone.
   ASSERT_TRUE(QTest::qWaitFor([this] { return driver_.HasFocus("cmdNav4"); }));
-  driver_.Window().activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&driver_.Window()));
+  // A platform without a window manager may have activated the window while the box blocked it.
+  QApplication::setActiveWindow(&driver_.Window());
+  ASSERT_TRUE(QTest::qWaitFor([this] { return driver_.Window().isActiveWindow(); }));
   expect({{"cmdNav4", 6}});
   EXPECT_TRUE(driver_.closed);
 }
