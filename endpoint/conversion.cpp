@@ -36,7 +36,7 @@ void Conversion::Run(const NameList& src_tables) {
   const NameList tables = WithoutCollisions(src_tables);
   PrepareSchemas(tables);
   for (const std::string& name : tables) plans_->try_emplace(name);
-  if (options_.tables_at_once > 1 && tables.size() > 1) {
+  if (IsSideBySide(tables)) {
     ConvertSideBySide(tables);
   } else {
     ConvertOneByOne(tables);

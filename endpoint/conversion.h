@@ -190,6 +190,9 @@ class Conversion {
   // side_by_side.cpp
   using ConnectionPair = std::pair<std::unique_ptr<ado::Connection>,   // to the source
                                    std::unique_ptr<ado::Connection>>;  // to the destination
+  bool IsSideBySide(const NameList& tables) const {
+    return options_.tables_at_once > 1 && tables.size() > 1;
+  }
   void ConvertSideBySide(const NameList& tables);
   /// Pairs beside the conversion's own for so many tables, one at least: as many as the options
   /// want and the servers allow.

@@ -33,6 +33,7 @@ enum class Verification { None, Counts, Values };
 /// What becomes of the name of a table outside the default schema of SQL Server's login on MySQL,
 /// which has no schemas: `Schema_Table`, `Table`, or `Table` in a database `Schema`.
 enum class SchemaPolicy { Prefix, Drop, Database };
+
 /// The most tables that are converted side by side.
 inline constexpr int kMostTablesAtOnce = 8;
 

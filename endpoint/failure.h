@@ -55,6 +55,18 @@ bool IsRowRefusal(std::int32_t number);
 /// Executes a statement without rows on the destination. Throws DestinationFailure.
 void ExecuteOn(ado::Connection& destination, std::string_view sql);
 
+/// Calls `take` with the first two values of each row, as text. False when the query failed.
+template <typename Take>
+bool TryEachRow(ado::Connection& connection, std::string_view query, Take take) {
+  try {
+    ado::Recordset rows = connection.Execute(query);
+    for (; !rows.AtEnd(); rows.MoveNext()) take(rows.Field(0).Text(), rows.Field(1).Text());
+    return true;
+  } catch (const RunTimeError&) {
+    return false;
+  }
+}
+
 /// Executes a statement whose refusal changes nothing any more (tidying up after a failure).
 void TryExecute(ado::Connection& destination, std::string_view sql) noexcept;
 

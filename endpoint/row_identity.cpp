@@ -23,8 +23,7 @@ bool IsExact(DataType type) {
   }
 }
 
-}  // namespace
-
+/// The primary key, else a key that tells rows apart; null when there is neither.
 const ado::Index* RowKey(const std::vector<ado::Index>& indexes) {
   const auto primary = std::ranges::find(indexes, true, &ado::Index::primary_key);
   if (primary != indexes.end()) return &*primary;
@@ -35,17 +34,29 @@ const ado::Index* RowKey(const std::vector<ado::Index>& indexes) {
   return unique != indexes.end() ? &*unique : nullptr;
 }
 
-std::vector<std::size_t> IdentifyingFields(const std::vector<ado::Index>& indexes,
-                                           const std::vector<ado::FieldInfo>& fields) {
+}  // namespace
+
+std::vector<std::size_t> KeyFields(const std::vector<ado::Index>& indexes,
+                                   const std::vector<ado::FieldInfo>& fields) {
   const ado::Index* key = RowKey(indexes);
   if (key == nullptr) return {};
+  std::vector<std::size_t> positions;
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (std::ranges::find(key->columns, fields[i].name) != key->columns.end()) {
+      positions.push_back(i);
+    }
+  }
+  return positions;
+}
+
+std::vector<std::size_t> IdentifyingFields(const std::vector<ado::Index>& indexes,
+                                           const std::vector<ado::FieldInfo>& fields) {
   const auto tells_rows_apart = [](const ado::Index& index) {
     return index.unique || index.primary_key;
   };
   bool may_mislead = std::ranges::count_if(indexes, tells_rows_apart) > 1;
   std::vector<std::size_t> positions;
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    if (std::ranges::find(key->columns, fields[i].name) == key->columns.end()) continue;
+  for (const std::size_t i : KeyFields(indexes, fields)) {
     may_mislead |= IsFoldedType(fields[i].type);
     if (IsExact(fields[i].type)) positions.push_back(i);
   }

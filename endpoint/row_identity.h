@@ -13,8 +13,10 @@ namespace dorvane {
 std::vector<std::size_t> IdentifyingFields(const std::vector<ado::Index>& indexes,
                                            const std::vector<ado::FieldInfo>& fields);
 
-/// The primary key, else a key that tells rows apart; null when there is neither.
-const ado::Index* RowKey(const std::vector<ado::Index>& indexes);
+/// The fields, by position, of the primary key, else of a key that tells rows apart; empty where
+/// there is neither.
+std::vector<std::size_t> KeyFields(const std::vector<ado::Index>& indexes,
+                                   const std::vector<ado::FieldInfo>& fields);
 
 /// True for the types of text that a server may fold.
 bool IsFoldedType(ado::DataType type);

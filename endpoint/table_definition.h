@@ -26,7 +26,7 @@ struct ColumnDefinition {
   std::string default_clause = {};  // behind " Default ": the default's literal, or an expression
   std::string check = {};       // a condition on the column's values, in the destination's words
   std::string comment = {};     // for a person to read, as the source has it
-  std::string next_value = {};  // that an identity column gives at the source, in decimal digits
+  std::string next_value = {};  // that an identity column gives next, where the source tells it
   bool is_identity = false;
   bool is_invisible = false;  // "select *" leaves it out
   ColumnFacts facts = {};
@@ -48,7 +48,6 @@ struct TableDefinition {
   ado::TableName dest_name;  // unquoted, like it
   std::vector<ColumnDefinition> columns;
   std::string constraints = {};         // behind the columns, with a comma in front
-  std::string auto_increment = {};      // the identity's next number, where the source tells it
   std::vector<std::string> notes = {};  // what was done about refusals, for a person to read
   std::string comment = {};             // for a person to read, as the source has it
   std::vector<CheckDefinition> checks = {};

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -10,8 +9,6 @@
 #include "endpoint/lanes.h"
 #include "endpoint/row_identity.h"
 #include "endpoint/table_comparison.h"
-#include "platform/ado/items.h"
-#include "platform/text/ascii.h"
 
 namespace dorvane {
 
@@ -65,20 +62,6 @@ std::string TextOf(const ComparisonResult& result, bool may_have_more,
   return text;
 }
 
-/// The positions of the columns that tell a table's rows apart; none where it has no such key.
-std::vector<std::size_t> KeyPositions(const std::vector<ado::Index>& indexes,
-                                      const std::vector<ado::FieldInfo>& fields) {
-  const ado::Index* key = RowKey(indexes);
-  if (key == nullptr) return {};
-  std::vector<std::size_t> positions;
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    if (std::ranges::find(key->columns, fields[i].name) != key->columns.end()) {
-      positions.push_back(i);
-    }
-  }
-  return positions;
-}
-
 /// Reads a statement's rows anew each time it is called.
 TableReader ReaderOf(ado::Connection& connection, std::string statement) {
   return [&connection, statement = std::move(statement)]() -> BlockSource {
@@ -113,8 +96,7 @@ void Conversion::Compare(const NameList& src_tables) {
 }
 
 void Conversion::CompareEach(const NameList& tables) {
-  if (options_.tables_at_once == 1 || tables.size() < 2)
-    return ForEachTable(tables, &Conversion::CompareListed);
+  if (!IsSideBySide(tables)) return ForEachTable(tables, &Conversion::CompareListed);
   std::vector<ConnectionPair> pairs = OpenPairs(tables.size());
   Lanes lanes(pairs.size() + 1, events_, host_);
   OnLanes(lanes, pairs, TableQueue(tables), &Conversion::CompareListed);
@@ -166,7 +148,7 @@ void Conversion::CompareValues(const TableDefinition& table) {
   for (const ado::FieldInfo& field : FieldsOf(*destination_, from_destination)) {
     tables.types.push_back(field.type);
   }
-  tables.key = KeyPositions(catalog_.TableByName(table.name.Text()).Indexes(), fields);
+  tables.key = KeyFields(catalog_.TableByName(table.name.Text()).Indexes(), fields);
   // The rules that convert say what must have arrived.
   const std::unique_ptr<IRowDestination> rules =
       OpenRows(table, false, fields, FactsOf(fields, table));

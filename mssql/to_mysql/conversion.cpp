@@ -42,7 +42,7 @@ void SetNextNumber(ado::Table& tab_src, TableDefinition& table) {
     const auto step = NumberOf(is_used ? identity.increment : "0");
     std::int64_t next = 0;
     if (!start || !step || __builtin_add_overflow(*start, *step, &next)) continue;
-    if (next > 1) table.auto_increment = fmt::to_string(next);
+    if (next > 1) table.Find(column.name)->next_value = fmt::to_string(next);
   }
 }
 
@@ -155,8 +155,9 @@ std::string MsSqlToMySql::CreateTableStatement(const TableDefinition& table) con
     separator = ",";
   }
   statement += table.constraints + ")" + CommentClause(table.comment);
-  if (table.Identity() == nullptr || table.auto_increment.empty()) return statement;
-  return statement + " AUTO_INCREMENT=" + table.auto_increment;
+  const ColumnDefinition* identity = table.Identity();
+  if (identity == nullptr || identity->next_value.empty()) return statement;
+  return statement + " AUTO_INCREMENT=" + identity->next_value;
 }
 
 std::int32_t MsSqlToMySql::TableExistsError() const {

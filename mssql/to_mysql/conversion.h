@@ -49,7 +49,6 @@ class MsSqlToMySql : public Conversion {
   // folding.cpp
   /// Gives the texts of keys that differ in case only a collation that tells them apart.
   void AskForFoldedKeys(ado::Table& tab_src, TableDefinition& table);
-  bool IsFoldedInKey(const ColumnPlace& place);
 
   // data_questions.cpp
   /// Widens the columns whose values would not all fit otherwise.

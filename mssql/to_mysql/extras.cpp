@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
 #include "mssql/to_mysql/check_text.h"
@@ -33,15 +31,9 @@ std::string Shortened(const std::string& comment, std::size_t most, std::string_
 
 void MsSqlToMySql::DescribeExtras(TableDefinition& table) {
   const std::string id = fmt::format("object_id('{}')", SqlText(SourceName(table.name)));
-  const auto each_row = [this](const std::string& query, auto take) {
-    try {
-      ado::Recordset rows = Source().Execute(query);
-      for (; !rows.AtEnd(); rows.MoveNext()) take(rows.Field(0).Text(), rows.Field(1).Text());
-    } catch (const RunTimeError&) {
-      // A server without these views has none of these things either.
-    }
-  };
-  each_row(
+  // A server without these views has none of these things either.
+  TryEachRow(
+      Source(),
       "select coalesce(c.name, ''), convert(nvarchar(3750), p.value) from "
       "sys.extended_properties p left join sys.columns c on c.object_id = p.major_id and "
       "c.column_id = p.minor_id where p.class = 1 and p.name = 'MS_Description' and p.major_id = " +
@@ -54,13 +46,13 @@ void MsSqlToMySql::DescribeExtras(TableDefinition& table) {
           table.comment = Shortened(text, kMostOfTable, "the table", table.notes);
         }
       });
-  each_row(
-      "select name, definition from sys.check_constraints where is_disabled = 0 and "
-      "parent_object_id = " +
-          id + " order by name",
-      [&](const std::string& name, const std::string& condition) {
-        table.checks.push_back({name, condition});
-      });
+  TryEachRow(Source(),
+             "select name, definition from sys.check_constraints where is_disabled = 0 and "
+             "parent_object_id = " +
+                 id + " order by name",
+             [&](const std::string& name, const std::string& condition) {
+               table.checks.push_back({name, condition});
+             });
 }
 
 std::string MsSqlToMySql::CommentClause(const std::string& comment) {

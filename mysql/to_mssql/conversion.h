@@ -34,7 +34,6 @@ class MySqlToMsSql : public Conversion {
   // folding.cpp
   /// Gives the texts of keys that differ in case only a collation that tells them apart.
   void AskForFoldedKeys(ado::Table& tab_src, TableDefinition& table);
-  bool IsFoldedInKey(const ColumnPlace& place);
 
   // extras.cpp
   /// Reads the comments, checks and next identity value of a table.

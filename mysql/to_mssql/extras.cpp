@@ -38,39 +38,31 @@ constexpr std::string_view kChecks[] = {
 
 void MySqlToMsSql::DescribeExtras(TableDefinition& table) {
   const std::string name = HexCode(table.name.name);
-  const auto each_row = [this](const std::string& query, auto take) {
-    try {
-      ado::Recordset rows = Source().Execute(query);
-      for (; !rows.AtEnd(); rows.MoveNext()) take(rows.Field(0).Text(), rows.Field(1).Text());
-      return true;
-    } catch (const RunTimeError&) {
-      // An old server has no checks.
-      return false;
-    }
-  };
-  each_row(fmt::format("select column_name, column_comment from information_schema.columns where "
-                       "table_schema = database() and table_name = {0} and column_comment <> '' "
-                       "union all select '', table_comment from information_schema.tables where "
-                       "table_schema = database() and table_name = {0}",
-                       name),
-           [&](const std::string& column, const std::string& comment) {
-             ColumnDefinition* definition = table.Find(column);
-             (definition != nullptr ? definition->comment : table.comment) = comment;
-           });
+  TryEachRow(Source(),
+             fmt::format("select column_name, column_comment from information_schema.columns where "
+                         "table_schema = database() and table_name = {0} and column_comment <> '' "
+                         "union all select '', table_comment from information_schema.tables where "
+                         "table_schema = database() and table_name = {0}",
+                         name),
+             [&](const std::string& column, const std::string& comment) {
+               ColumnDefinition* definition = table.Find(column);
+               (definition != nullptr ? definition->comment : table.comment) = comment;
+             });
   for (const std::string_view query : kChecks) {
-    if (each_row(fmt::format(fmt::runtime(query), name),
-                 [&](const std::string& check, const std::string& condition) {
-                   table.checks.push_back({check, condition});
-                 })) {
+    // An old server has no checks.
+    if (TryEachRow(Source(), fmt::format(fmt::runtime(query), name),
+                   [&](const std::string& check, const std::string& condition) {
+                     table.checks.push_back({check, condition});
+                   })) {
       break;
     }
   }
   for (ColumnDefinition& column : table.columns) {
     if (!column.is_identity) continue;
-    each_row("show create table " + MySqlTable(table.name),
-             [&](const std::string&, const std::string& definition) {
-               column.next_value = NextValue(definition);
-             });
+    TryEachRow(Source(), "show create table " + MySqlTable(table.name),
+               [&](const std::string&, const std::string& definition) {
+                 column.next_value = NextValue(definition);
+               });
     const std::size_t end = column.attributes.find(" Identity") + 9;
     if (!column.next_value.empty()) {
       column.attributes.insert(end, fmt::format("({},1)", column.next_value));
