@@ -38,8 +38,13 @@ std::vector<std::pair<std::string, std::string>> OptionsOf(const IDatabase& src,
   return options;
 }
 
-bool HasFailures(const ReportedTable& table) {
-  return std::ranges::any_of(table.messages, &ReportedMessage::is_failure);
+bool HasFailures(const std::vector<ReportedMessage>& messages) {
+  return std::ranges::any_of(messages, &ReportedMessage::is_failure);
+}
+
+bool HasFailed(const ReportedTable& table) {
+  return table.state == State::Failed || table.state == State::DoneWithErrors ||
+         HasFailures(table.messages);
 }
 
 bool IsOpen(const ReportedTable& table) {
@@ -48,7 +53,7 @@ bool IsOpen(const ReportedTable& table) {
 
 /// The state of a table whose step has ended without a word of its success or failure.
 State StateBehind(const ReportedTable& table) {
-  if (HasFailures(table)) return State::Failed;
+  if (HasFailures(table.messages)) return State::Failed;
   // In a run that only compares.
   if (table.verification)
     return table.verification->is_failure ? State::DoneWithErrors : State::Done;
@@ -86,13 +91,22 @@ void RunRecorder::Begin(std::string_view task, const IDatabase& src, const IData
     }
   }
   in_hand_ = nullptr;
-  is_comparing_ = has_failed_ = false;
+  is_comparing_ = false;
+}
+
+void RunRecorder::Continue(const NameList& tables) {
+  for (const std::string& name : tables) TakeInHand(name) = {.name = name};
+  // What ended the run before is not what this one comes to.
+  std::erase_if(report_.messages, &ReportedMessage::is_failure);
+  report_.is_complete = false;
+  in_hand_ = nullptr;
 }
 
 RunReport RunRecorder::Report() const {
   RunReport report = report_;
   if (!report.is_complete) report.ended = Now();
-  report.succeeded = report.is_complete && !has_failed_;
+  report.succeeded = report.is_complete && !HasFailures(report.messages) &&
+                     std::ranges::none_of(report.tables, HasFailed);
   return report;
 }
 
@@ -105,7 +119,6 @@ ReportedTable& RunRecorder::TakeInHand(std::string_view name) {
 }
 
 void RunRecorder::Add(bool is_failure, std::string_view source, std::string_view message) {
-  has_failed_ |= is_failure;
   if (in_hand_ == nullptr) {
     report_.messages.push_back({is_failure, Told(source, message)});
     return;
@@ -149,12 +162,12 @@ void RunRecorder::TableConversionStarted(std::string_view table_name) {
 }
 
 void RunRecorder::TableConversionSuccessed(std::string_view table_name) {
-  End(table_name, HasFailures(TakeInHand(table_name)) ? State::DoneWithErrors : State::Done);
+  End(table_name,
+      HasFailures(TakeInHand(table_name).messages) ? State::DoneWithErrors : State::Done);
   events_.TableConversionSuccessed(table_name);
 }
 
 void RunRecorder::TableConversionFailed(std::string_view table_name) {
-  has_failed_ = true;
   End(table_name, State::Failed);
   events_.TableConversionFailed(table_name);
 }

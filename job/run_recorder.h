@@ -25,6 +25,9 @@ class RunRecorder : public IConversionListener, public IRunHost {
   /// what it is called: "Conversion".
   void Begin(std::string_view task, const IDatabase& src, const IDatabase& dest,
              const NameList& tables);
+  /// The run goes on with these tables, which are to be converted once more; what was taken down of
+  /// the others stays.
+  void Continue(const NameList& tables);
   /// A failure that no endpoint tells.
   void AddFailure(std::string_view message) { Add(true, {}, message); }
   /// Of the run so far.
@@ -68,7 +71,6 @@ class RunRecorder : public IConversionListener, public IRunHost {
   std::map<std::string, std::size_t, std::less<>> positions_;  // of the tables in the report
   ReportedTable* in_hand_ = nullptr;
   bool is_comparing_ = false;  // the table in hand
-  bool has_failed_ = false;
 };
 
 }  // namespace dorvane

@@ -159,5 +159,28 @@ TEST_F(RunRecorderTest, ATableWhoseRowsWaitIsDoneWhenTheyAreThere) {
   EXPECT_EQ(Table(0).state, ReportedTable::State::NotBegun);
 }
 
+TEST_F(RunRecorderTest, TheRestOfARunIsReportedWithWhatWasDoneBefore) {
+  Begin({"a", "b"});
+  for (const char* table : {"a", "b"}) {
+    recorder_.TableStepStarted(table);
+    recorder_.TableConversionStarted(table);
+    if (*table == 'b') recorder_.ErrorOccured("no", 16, "x");
+    if (*table == 'a') recorder_.TableConversionSuccessed(table);
+    recorder_.TableStepEnded(table, 2s);
+  }
+  recorder_.AddFailure("stopped");
+  recorder_.ConversionEnded();
+  EXPECT_FALSE(recorder_.Report().succeeded);
+  recorder_.Continue({"b"});
+  EXPECT_FALSE(recorder_.Report().is_complete);
+  recorder_.TableConversionStarted("b");
+  recorder_.TableConversionSuccessed("b");
+  recorder_.ConversionEnded();
+  EXPECT_EQ(Table(0).conversion_time, 2s);
+  EXPECT_EQ(Table(0).state, ReportedTable::State::Done);
+  EXPECT_TRUE(Table(1).messages.empty());
+  EXPECT_TRUE(recorder_.Report().succeeded);
+}
+
 }  // namespace
 }  // namespace dorvane
