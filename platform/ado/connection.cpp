@@ -90,6 +90,10 @@ Recordset Connection::Execute(std::string_view sql, CommandType type) {
       [&] { return Recordset(*this, IdleSession().Execute(StatementText(sql, type))); });
 }
 
+void Connection::ExecuteWith(std::string_view sql, std::span<const Value> parameters) {
+  WhileOpen([&] { IdleSession().ExecuteWith(sql, parameters); });
+}
+
 Recordset Connection::OpenTable(std::string_view table, const std::vector<std::string>& columns) {
   return WhileOpen(
       [&] { return Recordset(*this, WritingSession().OpenWriter(table, columns), columns); });

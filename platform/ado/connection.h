@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -48,6 +49,8 @@ class Connection {
   /// Runs a statement and returns its first result, without fields when it has none. With
   /// CommandType::Table the text is a quoted table reference, else it is sent as it stands.
   Recordset Execute(std::string_view sql, CommandType type = CommandType::Unknown);
+  /// Runs a statement that returns no rows; see Session.
+  void ExecuteWith(std::string_view sql, std::span<const Value> parameters);
   /// An updatable recordset on a table: AddNew, Update, CancelUpdate, InsertRows. `table` is a
   /// quoted reference, `columns` the names that its rows give values for.
   Recordset OpenTable(std::string_view table, const std::vector<std::string>& columns);
