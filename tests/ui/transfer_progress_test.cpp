@@ -131,9 +131,24 @@ TEST(OutcomesOfTables, TimesAddUpAndTablesSideBySideHaveTheirOwn) {
   recorder.TablesInHandSeen({.names = {"c", "d"}});
   recorder.TableStarted("c");
   EXPECT_EQ(recorder.TableEnded("c", TableState::kDone).took, seconds(7));
-  const std::vector<TableOutcome> left_out = recorder.RunEnded();
-  ASSERT_EQ(left_out.size(), 1u);
-  EXPECT_EQ(left_out[0].name, "d");
+  const std::vector<TableOutcome> unended = recorder.RunEnded(false);
+  ASSERT_EQ(unended.size(), 1u);
+  EXPECT_EQ(unended[0].name, "d");
+}
+
+TEST(OutcomesOfTables, WhatWasBegunAndNotEndedHasFailedUnlessItWasStopped) {
+  const auto states_when = [](bool is_stopped) {
+    OutcomeRecorder recorder;
+    recorder.RunStarted({"a", "b", "c"});
+    recorder.TableStarted("a");
+    recorder.TableStarted("b");
+    std::vector<TableState> states;
+    for (const TableOutcome& table : recorder.RunEnded(is_stopped)) states.push_back(table.state);
+    return states;
+  };
+  using enum TableState;
+  EXPECT_EQ(states_when(false), (std::vector{kFailed, kFailed, kLeftOut}));
+  EXPECT_EQ(states_when(true), (std::vector{kFailed, kLeftOut, kLeftOut}));
 }
 
 TEST_F(Progress, SummaryCountsAndTellsTheElapsedTime) {

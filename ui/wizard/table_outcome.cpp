@@ -11,6 +11,7 @@ void OutcomeRecorder::RunStarted(const NameList& tables) {
   open_.clear();
   for (const std::string& name : tables) open_[name].name = name;
   seen_.clear();
+  begun_.clear();
   current_.clear();
 }
 
@@ -27,6 +28,7 @@ void OutcomeRecorder::Pause() {
 void OutcomeRecorder::TableStarted(const std::string& name) {
   Pause();
   current_ = name;
+  begun_.insert(name);
   since_ = now_();
   const auto seen = seen_.find(name);
   if (seen == seen_.end()) return;
@@ -56,14 +58,17 @@ TableOutcome OutcomeRecorder::TableEnded(const std::string& name, TableState sta
   return outcome;
 }
 
-std::vector<TableOutcome> OutcomeRecorder::RunEnded() {
+std::vector<TableOutcome> OutcomeRecorder::RunEnded(bool is_stopped) {
+  if (is_stopped) begun_.erase(current_);
   Pause();
-  std::vector<TableOutcome> left_out;
+  std::vector<TableOutcome> unended;
   for (const std::string& name : tables_) {
     const auto table = open_.find(name);
-    if (table != open_.end()) left_out.push_back(table->second);
+    if (table == open_.end()) continue;
+    table->second.state = begun_.contains(name) ? TableState::kFailed : TableState::kLeftOut;
+    unended.push_back(table->second);
   }
-  return left_out;
+  return unended;
 }
 
 }  // namespace dorvane

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "endpoint/database.h"
@@ -41,8 +42,9 @@ class OutcomeRecorder {
   void RowsAnnounced(std::int64_t rows);
   void RowsConverted(std::int64_t rows);
   TableOutcome TableEnded(const std::string& name, TableState state);
-  /// The tables that have not ended, in the order of the run.
-  std::vector<TableOutcome> RunEnded();
+  /// The tables that have not ended, in the order of the run: those that were begun have failed,
+  /// but for the one that was in hand when the run was stopped.
+  std::vector<TableOutcome> RunEnded(bool is_stopped);
 
  private:
   void Pause();
@@ -51,6 +53,7 @@ class OutcomeRecorder {
   NameList tables_;
   std::unordered_map<std::string, TableOutcome> open_;
   std::unordered_map<std::string, Clock::time_point> seen_;
+  std::unordered_set<std::string> begun_;
   std::string current_;  // in hand; may have ended
   Clock::time_point since_;
 };

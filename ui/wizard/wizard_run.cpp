@@ -167,7 +167,7 @@ void WizardRun::ConversionEnded() {
     if (leaving_) return;
     has_ended_ = true;
     progress_.ConversionEnded();
-    emit TablesEnded(outcomes_.RunEnded());
+    emit TablesEnded(outcomes_.RunEnded(stopping_));
     if (stopping_) return TellStopped();
     emit ProgressChanged();
     const TableCounts counts = table_counts_ ? table_counts_() : TableCounts();
