@@ -29,7 +29,7 @@ frmWizard::frmWizard(WizardServices services)
 frmWizard::~frmWizard() = default;
 
 void frmWizard::ConnectRun() {
-  run_.SetTableCounts([this] { return transfer_page_->Counts(); });
+  run_.SetTableCounts([this] { return Counts(); });
   connect(&run_, &WizardRun::ProgressChanged, this, [this] { ShowProgress(run_.Progress()); });
   connect(&run_, &WizardRun::TablesEnded, transfer_page_, &TransferPage::AddOutcomes);
   connect(&run_, &WizardRun::Told, transfer_page_, &TransferPage::AddMessage);
@@ -80,9 +80,9 @@ void frmWizard::ChooseDirection(ServerKind source) {
   }
   tables_page_->ClearLists();
 
-  session_.src = services_.make_endpoint(source, run_);
+  session_.src = services_.make_endpoint(source, recorder_);
   session_.dest =
-      services_.make_endpoint(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql, run_);
+      services_.make_endpoint(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql, recorder_);
   if (from_ms_sql) {
     session_.src->SetPortNo(1433);
     session_.src->SetServer("localhost");
@@ -91,8 +91,8 @@ void frmWizard::ChooseDirection(ServerKind source) {
     session_.dest->SetServer("localhost");
     session_.dest->SetUserId("root");
   }
-  session_.src->SetListener(&run_);
-  session_.dest->SetListener(&run_);
+  session_.src->SetListener(&recorder_);
+  session_.dest->SetListener(&recorder_);
   for (const std::int16_t page : {page::kMySqlDestination, page::kMsSqlDestination}) {
     Page(page).ShowMerge();
   }
@@ -162,6 +162,16 @@ void frmWizard::Transfer(const NameList& tables) {
     SetNavigationButtons(mnCurStep_);
     transfer_page_->ConversionGivenBack();
   }
+}
+
+WizardRun::TableCounts frmWizard::Counts() const {
+  WizardRun::TableCounts counts = transfer_page_->Counts();
+  for (const ReportedTable& table : recorder_.Report().tables) {
+    if (!table.verification) continue;
+    ++counts.compared;
+    if (!table.verification->is_failure) ++counts.equal;
+  }
+  return counts;
 }
 
 void frmWizard::Cancel() {

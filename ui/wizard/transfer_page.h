@@ -43,6 +43,7 @@ class TransferPage : public WizardPage {
   void RestRequested();
   void StopRequested();
   void ScheduleRequested();
+  void ReportRequested();
   void TasksRequested();
 
  private:
@@ -61,6 +62,7 @@ class TransferPage : public WizardPage {
   MessagesPane* messages_;
   GradientButton* cmdTransferTables_;
   GradientButton* cmdSchedule_;
+  GradientButton* cmdSaveReport_;  // of a run that is over
   GradientButton* cmdStop_;
   GradientButton* cmdTransferRest_;
 };
