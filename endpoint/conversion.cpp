@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <limits>
 #include <utility>
 
@@ -69,12 +70,15 @@ void Conversion::ForEachTable(const NameList& tables, Step step) {
 }
 
 void Conversion::TryStep(Step step, const std::string& name) {
+  host_.TableStepStarted(name);
+  const auto started = std::chrono::steady_clock::now();
   try {
     (this->*step)(name);
   } catch (const RunTimeError& error) {
     failed_.insert(SourceTable(name));
     ReportTableFailure(name, error);
   }
+  host_.TableStepEnded(name, std::chrono::steady_clock::now() - started);
 }
 
 void Conversion::PlanListed(const std::string& name) {

@@ -219,8 +219,8 @@ class Conversion {
   // verification.cpp
   void CompareEach(const NameList& tables);
   void CompareListed(const std::string& name);
-  void CompareCounts(const TableDefinition& table);
-  void CompareValues(const TableDefinition& table);
+  void CompareCounts(const TableDefinition& table, std::int64_t source_rows);
+  void CompareValues(const TableDefinition& table, std::int64_t source_rows);
   void ReportEqual(const TableDefinition& table, std::string_view what, std::int64_t additional);
   void ReportDifference(const TableDefinition& table, std::string_view difference);
 

@@ -47,6 +47,7 @@ struct ConversionOptions {
   TypeMapping types = TypeMapping::Classic;
   SchemaPolicy schemas = SchemaPolicy::Prefix;  // from SQL Server only
   std::string destination_schema = {};          // to SQL Server only; empty: the login's default
+  NameList reports = {};                        // files that an unattended run's report goes to
   int tables_at_once = 1;  // up to kMostTablesAtOnce, each over a pair of connections of its own
 };
 
