@@ -6,6 +6,7 @@
 #include "ui/controls/qt_text.h"
 #include "ui/controls/user_input.h"
 #include "ui/dialogs/message_box.h"
+#include "ui/wizard/preview_dialog.h"
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
@@ -162,6 +163,18 @@ void frmWizard::Transfer(const NameList& tables) {
     SetNavigationButtons(mnCurStep_);
     transfer_page_->ConversionGivenBack();
   }
+}
+
+void frmWizard::ShowPreview() {
+  PreviewDialog dialog(this);
+  connect(&dialog, &PreviewDialog::StopRequested, this, [this] { run_.StopPreview(); });
+  PreviewScript script([&dialog](std::string_view lines) { dialog.Append(lines); });
+  dialog.open();
+  run_.Preview(*session_.src, *session_.dest, session_.tables, script);
+  dialog.End(script.Remarks() == 0 ? "Nothing would be lost."
+                                   : QString("Something would be lost or changed: see the lines "
+                                             "with \"Lost:\" and \"Note:\"."));
+  if (dialog.isVisible()) dialog.exec();
 }
 
 void frmWizard::Cancel() {

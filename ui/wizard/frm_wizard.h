@@ -103,6 +103,7 @@ class frmWizard : public QWidget {
 
   void ChooseDirection(ServerKind source);
   void Transfer(const NameList& tables);
+  void ShowPreview();
   void Cancel();
   /// Ends the program when the servers have answered. Asked once more, or after some seconds, it
   /// does not wait for them any longer.

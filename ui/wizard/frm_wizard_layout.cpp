@@ -144,6 +144,7 @@ QWidget& frmWizard::BuildPages() {
   connect(direction_page_, &DirectionPage::Chosen, this, &frmWizard::ChooseDirection);
   connect(transfer_page_, &TransferPage::TransferRequested, this,
           [this] { Transfer(session_.tables); });
+  connect(transfer_page_, &TransferPage::PreviewRequested, this, &frmWizard::ShowPreview);
   connect(transfer_page_, &TransferPage::RestRequested, this,
           [this] { Transfer(transfer_page_->Waiting()); });
   connect(transfer_page_, &TransferPage::StopRequested, this, [this] { run_.Stop(false); });

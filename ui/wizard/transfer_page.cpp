@@ -42,16 +42,19 @@ TransferPage::TransferPage(QWidget* parent) : WizardPage(page::kTransfer, parent
 
 void TransferPage::AddButtons() {
   cmdTransferTables_ = &theme::AddButton("cmdTransferTables", *this, "Transfer Tables Now", 'T');
+  cmdPreview_ = &theme::AddButton("cmdPreview", *this, "What will happen", 'W');
   cmdSchedule_ = &theme::AddButton("cmdSchedule", *this, "Schedule Conversion", 'S');
   cmdSchedule_->SetEnabled(false);
   auto& cmdTasks = theme::AddButton("cmdTasks", *this, "Scheduled tasks", 'K');
   auto& row = MakeLayout<QHBoxLayout>(Content());
   row.setSpacing(theme::kGap);
   row.addWidget(cmdTransferTables_);
+  row.addWidget(cmdPreview_);
   row.addWidget(cmdSchedule_);
   row.addStretch();
   row.addWidget(&cmdTasks);
   connect(cmdTransferTables_, &QAbstractButton::clicked, this, &TransferPage::TransferRequested);
+  connect(cmdPreview_, &QAbstractButton::clicked, this, &TransferPage::PreviewRequested);
   connect(cmdSchedule_, &QAbstractButton::clicked, this, &TransferPage::ScheduleRequested);
   connect(&cmdTasks, &QAbstractButton::clicked, this, &TransferPage::TasksRequested);
 }
@@ -151,6 +154,7 @@ void TransferPage::Show(const TransferProgress& progress) {
 void TransferPage::ConversionStarted() {
   cmdSchedule_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(false);
+  cmdPreview_->SetEnabled(false);
   cmdTransferRest_->hide();
   lstConvertedTables_->ForgetUnconverted();
   cmdStop_->show();
@@ -168,6 +172,7 @@ void TransferPage::ConversionEnded() {
 void TransferPage::ConversionGivenBack() {
   cmdStop_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(true);
+  cmdPreview_->SetEnabled(true);
   cmdTransferTables_->setFocus();
 }
 

@@ -39,6 +39,7 @@ class TransferPage : public WizardPage {
 
  signals:
   void TransferRequested();
+  void PreviewRequested();
   /// The tables that are left are to be transferred.
   void RestRequested();
   void StopRequested();
@@ -60,6 +61,7 @@ class TransferPage : public WizardPage {
   OutcomesView* lstConvertedTables_;
   MessagesPane* messages_;
   GradientButton* cmdTransferTables_;
+  GradientButton* cmdPreview_;
   GradientButton* cmdSchedule_;
   GradientButton* cmdStop_;
   GradientButton* cmdTransferRest_;

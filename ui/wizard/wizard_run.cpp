@@ -47,6 +47,19 @@ bool WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables
   return has_ended_;
 }
 
+void WizardRun::Preview(IDatabase& src, IDatabase& dest, const NameList& tables,
+                        PreviewScript& script) {
+  stopping_ = false;
+  script_ = &script;
+  try {
+    RunInWorker([&] { script.Rehearse(src, dest, tables); });
+  } catch (const std::exception& error) {
+    script.Fail(error.what(), "Dorvane");
+  }
+  script_ = nullptr;
+  src.SetListener(this);
+}
+
 void WizardRun::Stop(bool leave) {
   stopping_ = true;
   leaving_ = leaving_ || leave;
@@ -89,6 +102,7 @@ void WizardRun::EndTable(std::string_view table, TableState state) {
 
 void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view source,
                                      std::int32_t style) {
+  if (script_ != nullptr) return script_->Fail(message, source);
   RunInGuiThread([&] {
     if (!transferring_) return dorvane::ShowMessage(message, style, source);
     emit Told(Severity::kError, TableOf(message), std::string(message));
@@ -196,6 +210,7 @@ void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::s
 }
 
 void WizardRun::Inform(std::string_view message) {
+  if (script_ != nullptr) return script_->Note(message);
   RunInGuiThread([&] { emit Told(Severity::kNote, TableOf(message), std::string(message)); });
 }
 
