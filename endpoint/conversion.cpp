@@ -31,7 +31,10 @@ Conversion::Conversion(Context context)
       options_(context.options),
       events_(context.events),
       host_(context.host),
-      copy_(context.copy) {}
+      copy_(context.copy),
+      rehearsal_(std::move(context.rehearsal)) {
+  if (IsRehearsing()) destination_->Rehearse(rehearsal_);
+}
 
 void Conversion::Run(const NameList& src_tables) {
   const NameList tables = WithoutCollisions(src_tables);
@@ -194,6 +197,7 @@ void Conversion::ConvertTable(const std::string& name) {
   if (planned.failure) std::rethrow_exception(planned.failure);
   TableDefinition& table = *planned.definition;
   ado::Table& tab_src = catalog_.TableByName(name);
+  if (IsRehearsing()) TellWhatIsThere(table);
   if (IsOverwriting()) PrepareTable(table);
   const bool is_new = CreateTable(table);
   if (is_new) {
@@ -220,6 +224,7 @@ void Conversion::ExecuteOrNote(const TableDefinition& table, const std::string& 
 }
 
 bool Conversion::CreateTable(TableDefinition& table) {
+  if (IsRehearsing() && IsMerging() && IsThere(table)) return false;
   for (;;) {
     try {
       ExecuteOn(*destination_, CreateTableStatement(table));
@@ -254,7 +259,8 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
     events_.TableContentTransferStarted(table.name.Text(), Announced(announced));
 
     const std::vector<ColumnFacts> facts = FactsOf(fields, table);
-    const std::unique_ptr<IRowDestination> rows = OpenRows(table, is_new, fields, facts);
+    std::unique_ptr<IRowDestination> rows = OpenRows(table, is_new, fields, facts);
+    if (IsRehearsing()) rows = Rehearse(std::move(rows), table, is_new, fields);
     RowCopier copier(*rows, events_, host_, copy_);
     bool is_stopped = false;
     try {

@@ -44,6 +44,7 @@ class Conversion {
     IConversionListener& events;  // this and the host must outlive the conversion
     IRunHost& host;
     CopyPlan copy = {};
+    ado::StatementSink rehearsal = nullptr;  // for a rehearsal: see IDatabase::RehearseTransfer
   };
 
   virtual ~Conversion() = default;
@@ -64,6 +65,7 @@ class Conversion {
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
   /// True when the destination's table may be there from before the run.
   bool MayBeOld(const ado::TableName& name) const { return IsMerging() || failed_.contains(name); }
+  bool IsRehearsing() const { return rehearsal_ != nullptr; }
   CopyStrategy Strategy() const { return copy_.strategy; }
   const std::string& SourceDatabase() const { return source_database_; }
   ado::Connection& Source() { return *source_; }
@@ -147,6 +149,7 @@ class Conversion {
   virtual ado::TableName DestTable(const ado::TableName& name) const = 0;
   /// A table or column quoted for the destination, where it has that name.
   virtual std::string DestQuoted(const ado::TableName& name) const = 0;
+  virtual ServerKind DestinationKind() const = 0;
   /// True when the destination takes names that differ in letter case for one.
   virtual bool FoldsTableNames() = 0;
   virtual void ReportTableFailure(const std::string& name, const RunTimeError& error) = 0;
@@ -205,6 +208,14 @@ class Conversion {
   ConnectionPair JoinFork(Conversion& fork);
   bool TryKeepConnected();
 
+  // rehearsal.cpp
+  /// True when the destination has the table now.
+  bool IsThere(const TableDefinition& table);
+  void TellWhatIsThere(const TableDefinition& table);
+  std::unique_ptr<IRowDestination> Rehearse(std::unique_ptr<IRowDestination> rows,
+                                            const TableDefinition& table, bool is_new,
+                                            const std::vector<ado::FieldInfo>& fields);
+
   // verification.cpp
   void CompareEach(const NameList& tables);
   void CompareListed(const std::string& name);
@@ -228,6 +239,7 @@ class Conversion {
   IConversionListener& events_;
   IRunHost& host_;
   const CopyPlan copy_;
+  const ado::StatementSink rehearsal_;
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();

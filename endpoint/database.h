@@ -103,6 +103,12 @@ class IDatabase {
   /// Converts the listed tables into the database DbName of `dest`. Tells its outcome by events.
   virtual void TransferToDest(IDatabase& dest, const NameList& src_tables) = 0;
 
+  /// Does what TransferToDest would do but for what changes the destination: `statements` takes
+  /// the statements that would be sent, in their order, and comments ("-- ...") between them. Tells
+  /// its outcome by events, as a transfer would.
+  virtual void RehearseTransfer(IDatabase& dest, const NameList& src_tables,
+                                const ado::StatementSink& statements) = 0;
+
   virtual ServerKind Kind() const = 0;
   /// Exactly one listener at a time, not owned; null takes it away.
   virtual void SetListener(IConversionListener* listener) = 0;

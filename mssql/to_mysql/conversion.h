@@ -26,6 +26,7 @@ class MsSqlToMySql : public Conversion {
   bool CureTable(TableDefinition& table, std::int32_t native_error) override;
   std::string SelectList(const TableDefinition& table) const override;
   bool FoldsTableNames() override;
+  ServerKind DestinationKind() const override { return ServerKind::MySql; }
   void RelateTable(const std::string& name) override;
   std::string_view WideCount() const override { return "count_big(*)"; }
   std::string SourceName(const ado::TableName& name) const override;

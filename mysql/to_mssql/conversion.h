@@ -48,6 +48,7 @@ class MySqlToMsSql : public Conversion {
   std::int32_t TableExistsError() const override;
   std::string SelectList(const TableDefinition& table) const override;
   bool FoldsTableNames() override;
+  ServerKind DestinationKind() const override { return ServerKind::MsSql; }
   void RelateTable(const std::string& name) override;
   std::string SourceName(const ado::TableName& name) const override;
   ado::TableName DestTable(const ado::TableName& name) const override;

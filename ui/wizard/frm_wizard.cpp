@@ -6,6 +6,7 @@
 #include "ui/controls/qt_text.h"
 #include "ui/controls/user_input.h"
 #include "ui/dialogs/message_box.h"
+#include "ui/wizard/preview_dialog.h"
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
@@ -43,6 +44,7 @@ void frmWizard::ConnectRun() {
     for (const Nav button : {kNext, kBack, kFinish}) NavButton(button).SetEnabled(false);
   });
   connect(&run_, &WizardRun::Ended, this, [this] {
+    report_ = recorder_.Report();
     NavButton(kCancel).SetEnabled(false);
     NavButton(kFinish).SetEnabled(true);
     NavButton(kFinish).setFocus();
@@ -159,6 +161,7 @@ void frmWizard::Transfer(const NameList& tables) {
   if (leaving_.isActive()) {
     close();
   } else if (!has_ended) {
+    report_ = recorder_.Report();
     SetNavigationButtons(mnCurStep_);
     transfer_page_->ConversionGivenBack();
   }
@@ -172,6 +175,19 @@ WizardRun::TableCounts frmWizard::Counts() const {
     if (!table.verification->is_failure) ++counts.equal;
   }
   return counts;
+}
+
+void frmWizard::ShowPreview() {
+  PreviewDialog dialog(this);
+  connect(&dialog, &PreviewDialog::StopRequested, this, [this] { run_.StopPreview(); });
+  PreviewScript script([&dialog](std::string_view lines) { dialog.Append(lines); });
+  dialog.open();
+  run_.Preview(*session_.src, *session_.dest, session_.tables, script);
+  session_.src->SetListener(&recorder_);
+  dialog.End(script.Remarks() == 0 ? "Nothing would be lost."
+                                   : QString("Something would be lost or changed: see the lines "
+                                             "with \"Lost:\" and \"Note:\"."));
+  if (dialog.isVisible()) dialog.exec();
 }
 
 void frmWizard::Cancel() {

@@ -42,6 +42,7 @@ TransferPage::TransferPage(QWidget* parent) : WizardPage(page::kTransfer, parent
 
 void TransferPage::AddButtons() {
   cmdTransferTables_ = &theme::AddButton("cmdTransferTables", *this, "Transfer Tables Now", 'T');
+  cmdPreview_ = &theme::AddButton("cmdPreview", *this, "What will happen", 'W');
   cmdSchedule_ = &theme::AddButton("cmdSchedule", *this, "Schedule Conversion", 'S');
   cmdSchedule_->SetEnabled(false);
   cmdSaveReport_ = &theme::AddButton("cmdSaveReport", *this, "Save report", 'R');
@@ -50,11 +51,13 @@ void TransferPage::AddButtons() {
   auto& row = MakeLayout<QHBoxLayout>(Content());
   row.setSpacing(theme::kGap);
   row.addWidget(cmdTransferTables_);
+  row.addWidget(cmdPreview_);
   row.addWidget(cmdSchedule_);
   row.addWidget(cmdSaveReport_);
   row.addStretch();
   row.addWidget(&cmdTasks);
   connect(cmdTransferTables_, &QAbstractButton::clicked, this, &TransferPage::TransferRequested);
+  connect(cmdPreview_, &QAbstractButton::clicked, this, &TransferPage::PreviewRequested);
   connect(cmdSchedule_, &QAbstractButton::clicked, this, &TransferPage::ScheduleRequested);
   connect(cmdSaveReport_, &QAbstractButton::clicked, this, &TransferPage::ReportRequested);
   connect(&cmdTasks, &QAbstractButton::clicked, this, &TransferPage::TasksRequested);
@@ -156,6 +159,7 @@ void TransferPage::ConversionStarted() {
   cmdSchedule_->SetEnabled(false);
   cmdSaveReport_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(false);
+  cmdPreview_->SetEnabled(false);
   cmdTransferRest_->hide();
   lstConvertedTables_->ForgetUnconverted();
   cmdStop_->show();
@@ -175,6 +179,7 @@ void TransferPage::ConversionGivenBack() {
   cmdStop_->SetEnabled(false);
   cmdSaveReport_->SetEnabled(true);
   cmdTransferTables_->SetEnabled(true);
+  cmdPreview_->SetEnabled(true);
   cmdTransferTables_->setFocus();
 }
 

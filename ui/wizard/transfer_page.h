@@ -39,6 +39,7 @@ class TransferPage : public WizardPage {
 
  signals:
   void TransferRequested();
+  void PreviewRequested();
   /// The tables that are left are to be transferred.
   void RestRequested();
   void StopRequested();
@@ -61,6 +62,7 @@ class TransferPage : public WizardPage {
   OutcomesView* lstConvertedTables_;
   MessagesPane* messages_;
   GradientButton* cmdTransferTables_;
+  GradientButton* cmdPreview_;
   GradientButton* cmdSchedule_;
   GradientButton* cmdSaveReport_;  // of a run that is over
   GradientButton* cmdStop_;

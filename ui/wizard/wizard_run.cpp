@@ -48,6 +48,18 @@ bool WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables
   return has_ended_;
 }
 
+void WizardRun::Preview(IDatabase& src, IDatabase& dest, const NameList& tables,
+                        PreviewScript& script) {
+  stopping_ = false;
+  script_ = &script;
+  try {
+    RunInWorker([&] { script.Rehearse(src, dest, tables); });
+  } catch (const std::exception& error) {
+    script.Fail(error.what(), "Dorvane");
+  }
+  script_ = nullptr;
+}
+
 void WizardRun::Stop(bool leave) {
   stopping_ = true;
   leaving_ = leaving_ || leave;
@@ -94,6 +106,7 @@ void WizardRun::EndTable(std::string_view table, TableState state) {
 
 void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view source,
                                      std::int32_t style) {
+  if (script_ != nullptr) return script_->Fail(message, source);
   RunInGuiThread([&] {
     if (!transferring_) return dorvane::ShowMessage(message, style, source);
     emit Told(Severity::kError, TableOf(message), std::string(message));
@@ -202,6 +215,7 @@ void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::s
 }
 
 void WizardRun::Inform(std::string_view message) {
+  if (script_ != nullptr) return script_->Note(message);
   RunInGuiThread([&] { emit Told(Severity::kNote, TableOf(message), std::string(message)); });
 }
 

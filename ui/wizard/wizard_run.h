@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "endpoint/database.h"
+#include "job/preview_script.h"
 #include "ui/wizard/failure_boxes.h"
 #include "ui/wizard/messages_pane.h"
 #include "ui/wizard/table_outcome.h"
@@ -31,6 +32,9 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Runs the conversion and returns when it has ended; the window stays alive meanwhile. False
   /// when it could not connect or broke off: everything is as before then.
   bool Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
+  /// Rehearses the conversion for the script; returns when that has ended or was stopped.
+  void Preview(IDatabase& src, IDatabase& dest, const NameList& tables, PreviewScript& script);
+  void StopPreview() { stopping_ = true; }
   bool IsTransferring() const { return transferring_; }
   /// Asks a running conversion to end soon. Who leaves sees no summary.
   void Stop(bool leave);
@@ -101,6 +105,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Shows a failure in a box, unless the boxes have had enough.
   void ShowFailure(std::string_view message, std::string_view source, std::int32_t style);
 
+  PreviewScript* script_ = nullptr;  // of the rehearsal that is under way
   TransferProgress progress_;
   FailureBoxes boxes_;
   OutcomeRecorder outcomes_;
