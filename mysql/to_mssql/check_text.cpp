@@ -25,8 +25,8 @@ std::string_view TakeWord(std::string_view& rest) {
   return word;
 }
 
-/// Takes a text off the front; false when it holds what SQL Server reads otherwise. MySQL's catalog
-/// escapes the quotes around it, and once more those in it.
+}  // namespace
+
 bool TakeText(std::string_view& rest, std::string& text) {
   const bool is_escaped = rest.starts_with("\\'");
   const std::string_view quote = is_escaped ? "\\'" : "'";
@@ -54,8 +54,6 @@ bool TakeText(std::string_view& rest, std::string& text) {
   }
   return false;
 }
-
-}  // namespace
 
 std::string CheckText(std::string_view condition) {
   std::string text;

@@ -21,6 +21,8 @@ constexpr Choice kChoices[] = {
     {[](const ConversionOptions& o) { return o.convert_relationships; }, "with relationships"},
     {[](const ConversionOptions& o) { return o.types == TypeMapping::Exact; },
      "every value exactly"},
+    {[](const ConversionOptions& o) { return o.computed_columns == ComputedColumns::Generated; },
+     "computed columns stay computed"},
 };
 
 }  // namespace
