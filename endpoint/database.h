@@ -34,6 +34,10 @@ enum class Verification { None, Counts, Values };
 /// which has no schemas: `Schema_Table`, `Table`, or `Table` in a database `Schema`.
 enum class SchemaPolicy { Prefix, Drop, Database };
 
+/// What becomes of a column that the source computes: one that holds its values, or one that the
+/// destination computes where it can.
+enum class ComputedColumns { Values, Generated };
+
 /// The most tables that are converted side by side.
 inline constexpr int kMostTablesAtOnce = 8;
 
@@ -45,6 +49,7 @@ struct ConversionOptions {
   bool convert_relationships = false;
   Verification verification = Verification::None;
   TypeMapping types = TypeMapping::Classic;
+  ComputedColumns computed_columns = ComputedColumns::Values;
   SchemaPolicy schemas = SchemaPolicy::Prefix;  // from SQL Server only
   std::string destination_schema = {};          // to SQL Server only; empty: the login's default
   NameList reports = {};                        // files that an unattended run's report goes to

@@ -137,7 +137,7 @@ void Conversion::CompareCounts(const TableDefinition& table, std::int64_t source
 
 void Conversion::CompareValues(const TableDefinition& table, std::int64_t source_rows) {
   const std::string from_source =
-      fmt::format("select {} from {}", SelectList(table), SourceName(table.name));
+      fmt::format("select {} from {}", SelectList(table, {}), SourceName(table.name));
   const std::vector<ado::FieldInfo> fields = FieldsOf(*source_, from_source);
   std::string columns;
   for (const ado::FieldInfo& field : fields) {
@@ -153,7 +153,7 @@ void Conversion::CompareValues(const TableDefinition& table, std::int64_t source
   tables.key = KeyFields(catalog_.TableByName(table.name.Text()).Indexes(), fields);
   // The rules that convert say what must have arrived.
   const std::unique_ptr<IRowDestination> rules =
-      OpenRows(table, false, fields, FactsOf(fields, table));
+      OpenRows(table, TableUse::Compared, fields, FactsOf(fields, table));
   tables.source = Converted(ReaderOf(*source_, from_source), *rules);
   tables.destination = ReaderOf(*destination_, from_destination);
   const std::optional<ComparisonResult> result =

@@ -27,8 +27,15 @@ std::string_view TakeWord(std::string_view& rest) {
   return word;
 }
 
-/// Takes a text off the front; false when it holds what SQL Server reads otherwise. MySQL's catalog
-/// escapes the quotes around it, and once more those in it.
+bool IsUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    if (!text::TakeCodePoint(bytes)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
 bool TakeText(std::string_view& rest, std::string& text) {
   const bool is_escaped = rest.starts_with("\\'");
   const std::string_view quote = is_escaped ? "\\'" : "'";
@@ -56,15 +63,6 @@ bool TakeText(std::string_view& rest, std::string& text) {
   }
   return false;
 }
-
-bool IsUtf8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    if (!text::TakeCodePoint(bytes)) return false;
-  }
-  return true;
-}
-
-}  // namespace
 
 std::string FromCatalog(std::string_view condition) {
   std::string bytes;

@@ -130,6 +130,7 @@ void TablesPage::AddOptions() {
       add("chkReplaceSpaceWithUnderscore", "Convert names spaces to &underscore");
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
   chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
+  chkKeepComputed_ = add("chkKeepComputed", "Keep co&mputed columns computed");
   AddRunOptions(card, layout);
   AddSchemas(card);
 }
@@ -193,6 +194,8 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   src.SetConvertRelationships(chkConvertRelationShips_->isChecked());
   ConversionOptions options = src.Options();
   options.types = chkExactTypes_->isChecked() ? TypeMapping::Exact : TypeMapping::Classic;
+  options.computed_columns =
+      chkKeepComputed_->isChecked() ? ComputedColumns::Generated : ComputedColumns::Values;
   options.schemas = schemas_->isHidden() ? SchemaPolicy::Prefix
                                          : static_cast<SchemaPolicy>(cboSchemas_->currentIndex());
   options.tables_at_once = spnTablesAtOnce_->value();

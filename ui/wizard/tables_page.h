@@ -57,6 +57,7 @@ class TablesPage : public WizardPage {
   QCheckBox* chkReplaceSpaceWithUnderscore_;
   QCheckBox* chkConvertRelationShips_;
   QCheckBox* chkExactTypes_;
+  QCheckBox* chkKeepComputed_;
   QWidget* schemas_;  // label and box, shown where there are several schemas
   QComboBox* cboSchemas_;
   QSpinBox* spnTablesAtOnce_;
