@@ -50,18 +50,7 @@ Value NewId(Call) {
   return guid;
 }
 
-Value Checksum(Call call) {
-  std::uint32_t hash = 2166136261u;
-  for (std::size_t i = 0; i < call.values.size(); ++i) {
-    for (const char c : LowerText(ValueText(call.values[i], call.types[i]))) {
-      hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
-    }
-  }
-  return std::int64_t{static_cast<std::int32_t>(hash)};
-}
-
 const std::array kOtherFunctions{
-    ScalarFunction{"checksum", 1, 60, ReturnInt, Checksum, true},
     ScalarFunction{"newid", 0, 0, ReturnGuid, NewId},
     ScalarFunction{"newsequentialid", 0, 0, ReturnGuid, NewId},
 };

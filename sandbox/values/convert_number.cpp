@@ -12,6 +12,7 @@
 
 namespace sandbox {
 namespace conversion {
+
 namespace {
 
 struct IntegerRange {
