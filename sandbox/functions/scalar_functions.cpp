@@ -18,10 +18,6 @@ std::int64_t Integer(Call call, std::size_t i) {
   return std::get<std::int64_t>(Convert(call.values[i], call.types[i], BigIntType()));
 }
 
-double Real(Call call, std::size_t i) {
-  return std::get<double>(Convert(call.values[i], call.types[i], FloatType()));
-}
-
 TypeInfo ReturnInt(Types) {
   return IntType();
 }

@@ -258,9 +258,4 @@ Value ToApproximate(const Value& value, const TypeInfo& from, const TypeInfo& to
 
 }  // namespace conversion
 
-bool FitsInteger(std::int64_t number, SqlType type) {
-  const auto& range = conversion::RangeOf(type);
-  return number >= range.low && number <= range.high;
-}
-
 }  // namespace sandbox
