@@ -111,12 +111,13 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
       {"cmdNav3",
        {"lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL", "lstDestTables",
         "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips",
-        "chkExactTypes", "spnTablesAtOnce", "cmdNav1", "cmdNav2", "cmdNav3"}},
+        "chkExactTypes", "chkKeepComputed", "spnTablesAtOnce", "cboVerification", "cmdNav1",
+        "cmdNav2", "cmdNav3"}},
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",
-           {"cmdTransferTables", "cmdTasks", "lstSelectedTables", "lstConvertedTables", "cmdNav1",
-            "cmdNav2", "cmdNav4"}}});
+           {"cmdTransferTables", "cmdPreview", "cmdTasks", "lstSelectedTables",
+            "lstConvertedTables", "cmdNav1", "cmdNav2", "cmdNav4"}}});
 }
 
 TEST_F(Keyboard, TabGoesThroughThePagesOfTheOtherDirection) {

@@ -12,7 +12,7 @@
 namespace dorvane {
 namespace {
 
-constexpr QSize kWindowSize(840, 580);
+constexpr QSize kWindowSize(900, 640);
 constexpr QSize kLogoSize(120, 56);
 constexpr QSize kHelpSize(28, 28);
 constexpr int kSidebarWidth = 200;  // at least
@@ -144,6 +144,7 @@ QWidget& frmWizard::BuildPages() {
   connect(direction_page_, &DirectionPage::Chosen, this, &frmWizard::ChooseDirection);
   connect(transfer_page_, &TransferPage::TransferRequested, this,
           [this] { Transfer(session_.tables); });
+  connect(transfer_page_, &TransferPage::PreviewRequested, this, &frmWizard::ShowPreview);
   connect(transfer_page_, &TransferPage::RestRequested, this,
           [this] { Transfer(transfer_page_->Waiting()); });
   connect(transfer_page_, &TransferPage::StopRequested, this, [this] { run_.Stop(false); });

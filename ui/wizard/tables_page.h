@@ -47,7 +47,7 @@ class TablesPage : public WizardPage {
   void AddLists();
   void AddOptions();
   void AddSchemas(Card& card);
-  void AddTablesAtOnce(Card& card, QBoxLayout& layout);
+  void AddRunOptions(Card& card, QBoxLayout& layout);
   /// Carries out one of the moving operations on what the two lists show.
   void Move(void (*operation)(TableLists& lists));
 
@@ -57,9 +57,11 @@ class TablesPage : public WizardPage {
   QCheckBox* chkReplaceSpaceWithUnderscore_;
   QCheckBox* chkConvertRelationShips_;
   QCheckBox* chkExactTypes_;
+  QCheckBox* chkKeepComputed_;
   QWidget* schemas_;  // label and box, shown where there are several schemas
   QComboBox* cboSchemas_;
   QSpinBox* spnTablesAtOnce_;
+  QComboBox* cboVerification_;
 };
 
 }  // namespace dorvane

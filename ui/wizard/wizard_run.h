@@ -5,10 +5,14 @@
 #include <atomic>
 #include <functional>
 #include <string>
+#include <unordered_set>
+#include <vector>
 
 #include "endpoint/database.h"
+#include "job/preview_script.h"
 #include "ui/wizard/failure_boxes.h"
 #include "ui/wizard/messages_pane.h"
+#include "ui/wizard/table_outcome.h"
 #include "ui/wizard/transfer_progress.h"
 
 namespace dorvane {
@@ -28,6 +32,9 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Runs the conversion and returns when it has ended; the window stays alive meanwhile. False
   /// when it could not connect or broke off: everything is as before then.
   bool Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
+  /// Rehearses the conversion for the script; returns when that has ended or was stopped.
+  void Preview(IDatabase& src, IDatabase& dest, const NameList& tables, PreviewScript& script);
+  void StopPreview() { stopping_ = true; }
   bool IsTransferring() const { return transferring_; }
   /// Asks a running conversion to end soon. Who leaves sees no summary.
   void Stop(bool leave);
@@ -65,11 +72,14 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
  signals:
   void Started();
   void ProgressChanged();
-  /// `with_errors`: something of the table was reported meanwhile.
-  void TableConverted(const std::string& table, bool with_errors);
-  /// Everything that a transfer tells: failures, notes and its summary. `table` is the one in hand.
+  /// Some tables have ended, one as a rule.
+  void TablesEnded(const std::vector<dorvane::TableOutcome>& tables);
+  /// Everything that a transfer tells: failures, notes and its summary. `table` is the one that it
+  /// is about, empty where it is about none.
   void Told(dorvane::Severity severity, const std::string& table, const std::string& message);
-  /// After the user has seen the summary.
+  /// Right before the user sees the summary.
+  void SummaryReady(const std::string& summary);
+  /// After that.
   void Ended();
 
  private:
@@ -78,15 +88,22 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Shows the message, in the thread of this object.
   void RedirectErrorMessage(std::string_view message, std::string_view source, std::int32_t style);
   void FlushRowCount();
+  /// The table that a message is about.
+  std::string TableOf(std::string_view message) const;
+  void EndTable(std::string_view table, TableState state);
   /// Who has stopped the run needs no box that says so.
   void TellStopped();
 
   /// Shows a failure in a box, unless the boxes have had enough.
   void ShowFailure(std::string_view message, std::string_view source, std::int32_t style);
 
+  PreviewScript* script_ = nullptr;  // of the rehearsal that is under way
   TransferProgress progress_;
   FailureBoxes boxes_;
-  std::string table_;  // in hand
+  OutcomeRecorder outcomes_;
+  std::unordered_set<std::string> tables_;  // of the run
+  std::string table_;                       // in hand
+  std::chrono::steady_clock::time_point clock_shown_;
   std::function<TableCounts()> table_counts_;
   QTimer row_timer_;
   std::atomic<std::int64_t> new_rows_ = 0;
@@ -94,7 +111,6 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   bool transferring_ = false;
   bool leaving_ = false;
   bool has_ended_ = false;
-  bool table_failed_ = false;  // something of the table in hand was reported
 };
 
 }  // namespace dorvane
