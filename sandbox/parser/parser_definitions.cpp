@@ -14,7 +14,7 @@ Statement Parser::ParseCreate() {
     while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();  // files, collation
     return {1, CreateDatabaseStatement{name}};
   }
-  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Create);
+  if (AtPrincipal()) return ParsePrincipal();
   if (token_.Is("table")) return ParseCreateTable();
   if (token_.Is("view")) return ParseCreateView(start);
   if (token_.Is("type")) return ParseCreateType();
