@@ -34,7 +34,9 @@ Conversion::Conversion(Context context)
       host_(context.host),
       copy_(context.copy),
       rehearsal_(std::move(context.rehearsal)) {
-  if (IsRehearsing()) destination_->Rehearse(rehearsal_);
+  if (IsRehearsing()) {
+    destination_->Rehearse([this](std::string_view sql) { RehearseStatement(sql); });
+  }
 }
 
 void Conversion::Run(const NameList& src_tables) {

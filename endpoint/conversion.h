@@ -216,6 +216,8 @@ class Conversion {
   bool TryKeepConnected();
 
   // rehearsal.cpp
+  /// Throws ProviderError, as the server would refuse it, for a statement with a name too long.
+  void RehearseStatement(std::string_view sql);
   /// True when the destination has the table now.
   bool IsThere(const TableDefinition& table);
   void TellWhatIsThere(const TableDefinition& table);
