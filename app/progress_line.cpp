@@ -29,7 +29,16 @@ std::size_t TerminalWidth() {
 ProgressLine::ProgressLine() : on_terminal_(isatty(STDERR_FILENO) == 1) {}
 
 void ProgressLine::StartTable(std::string_view name, std::int64_t rows) {
-  name_ = text::Visible(name);
+  Start(text::Visible(name), rows);
+}
+
+void ProgressLine::StartComparison(std::string_view name, std::int64_t rows) {
+  if (!std::exchange(is_comparing_, true)) table_ = 0;
+  Start("Comparing " + text::Visible(name), rows);
+}
+
+void ProgressLine::Start(std::string name, std::int64_t rows) {
+  name_ = std::move(name);
   rows_ = rows;
   done_ = 0;
   ++table_;
@@ -40,7 +49,16 @@ void ProgressLine::StartTable(std::string_view name, std::int64_t rows) {
 
 void ProgressLine::CountRow() {
   ++done_;
-  if (!on_terminal_ || is_side_by_side_ || done_ % 64 != 0) return;  // the clock is not free
+  if (done_ % 64 == 0) DrawInTime();  // the clock is not free
+}
+
+void ProgressLine::ShowRowsCompared(std::int64_t rows) {
+  done_ = rows;
+  DrawInTime();
+}
+
+void ProgressLine::DrawInTime() {
+  if (!on_terminal_ || is_side_by_side_) return;
   const auto now = Clock::now();
   if (now - last_drawn_ >= kRedrawEvery) Draw(now);
 }

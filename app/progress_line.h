@@ -18,6 +18,9 @@ class ProgressLine {
   ProgressLine();
   void StartConversion(int tables) { tables_ = tables; }
   void StartTable(std::string_view name, std::int64_t rows);
+  void StartComparison(std::string_view name, std::int64_t rows);
+  /// Of the table that is compared, by now.
+  void ShowRowsCompared(std::int64_t rows);
   void CountRow();
   /// From now on single tables and rows are not drawn: they are told when they are over.
   void ShowTablesInHand(const TablesInHand& tables);
@@ -28,15 +31,19 @@ class ProgressLine {
 
  private:
   using Clock = std::chrono::steady_clock;
+  void Start(std::string name, std::int64_t rows);
+  /// Not more often than the line can be read.
+  void DrawInTime();
   void Draw(Clock::time_point now);
   void DrawLine(std::string_view line);
 
   bool on_terminal_;
   bool drawn_ = false;
   int tables_ = 0;
-  int table_ = 0;
+  int table_ = 0;  // of those that are converted, and then of those compared
+  bool is_comparing_ = false;
   bool is_side_by_side_ = false;
-  std::string name_;
+  std::string name_;  // in front of how far it is
   std::int64_t rows_ = 0;
   std::int64_t done_ = 0;
   Clock::time_point started_;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <limits>
 #include <utility>
 
@@ -31,7 +32,10 @@ Conversion::Conversion(Context context)
       options_(context.options),
       events_(context.events),
       host_(context.host),
-      copy_(context.copy) {}
+      copy_(context.copy),
+      rehearsal_(std::move(context.rehearsal)) {
+  if (IsRehearsing()) destination_->Rehearse(rehearsal_);
+}
 
 void Conversion::Run(const NameList& src_tables) {
   const NameList tables = WithoutCollisions(src_tables);
@@ -67,12 +71,15 @@ void Conversion::ForEachTable(const NameList& tables, Step step) {
 }
 
 void Conversion::TryStep(Step step, const std::string& name) {
+  host_.TableStepStarted(name);
+  const auto started = std::chrono::steady_clock::now();
   try {
     (this->*step)(name);
   } catch (const RunTimeError& error) {
     failed_.insert(SourceTable(name));
     ReportTableFailure(name, error);
   }
+  host_.TableStepEnded(name, std::chrono::steady_clock::now() - started);
 }
 
 void Conversion::PlanListed(const std::string& name) {
@@ -191,6 +198,7 @@ void Conversion::ConvertTable(const std::string& name) {
   if (planned.failure) std::rethrow_exception(planned.failure);
   TableDefinition& table = *planned.definition;
   ado::Table& tab_src = catalog_.TableByName(name);
+  if (IsRehearsing()) TellWhatIsThere(table);
   if (IsOverwriting()) PrepareTable(table);
   const bool is_new = CreateTable(table);
   if (is_new) {
@@ -217,6 +225,7 @@ void Conversion::ExecuteOrNote(const TableDefinition& table, const std::string& 
 }
 
 bool Conversion::CreateTable(TableDefinition& table) {
+  if (IsRehearsing() && IsMerging() && IsThere(table)) return false;
   for (;;) {
     try {
       ExecuteOn(*destination_, CreateTableStatement(table));
@@ -231,7 +240,8 @@ bool Conversion::CreateTable(TableDefinition& table) {
 
 bool Conversion::Cure(TableDefinition& table, const DestinationFailure& failure) {
   return CureTable(table, failure.NativeError()) ||
-         HoldRefusedValues(table, DestServer(), failure.Summary().description);
+         HoldRefusedValues(table, DestinationKind() == ServerKind::MySql ? "MySQL" : "SQL Server",
+                           failure.Summary().description);
 }
 
 void Conversion::TellNotes(const TableDefinition& table) {
@@ -257,8 +267,9 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
     events_.TableContentTransferStarted(table.name.Text(), Announced(announced));
 
     const std::vector<ColumnFacts> facts = FactsOf(fields, table);
-    const std::unique_ptr<IRowDestination> rows =
+    std::unique_ptr<IRowDestination> rows =
         OpenRows(table, is_new ? TableUse::New : TableUse::Existing, fields, facts);
+    if (IsRehearsing()) rows = Rehearse(std::move(rows), table, is_new, fields);
     RowCopier copier(*rows, events_, host_, copy_);
     bool is_stopped = false;
     try {

@@ -48,6 +48,7 @@ class Conversion {
     IConversionListener& events;  // this and the host must outlive the conversion
     IRunHost& host;
     CopyPlan copy = {};
+    ado::StatementSink rehearsal = nullptr;  // for a rehearsal: see IDatabase::RehearseTransfer
   };
 
   virtual ~Conversion() = default;
@@ -69,6 +70,7 @@ class Conversion {
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
   /// True when the destination's table may be there from before the run.
   bool MayBeOld(const ado::TableName& name) const { return IsMerging() || failed_.contains(name); }
+  bool IsRehearsing() const { return rehearsal_ != nullptr; }
   CopyStrategy Strategy() const { return copy_.strategy; }
   const std::string& SourceDatabase() const { return source_database_; }
   ado::Connection& Source() { return *source_; }
@@ -115,8 +117,6 @@ class Conversion {
   /// In overwrite mode, right before the table is created.
   virtual void PrepareTable(const TableDefinition& table) = 0;
   virtual std::string CreateTableStatement(const TableDefinition& table) const = 0;
-  /// The destination, as notes call it.
-  virtual std::string_view DestServer() const = 0;
   /// The server's number for a table that is there already.
   virtual std::int32_t TableExistsError() const = 0;
   /// Changes a definition that was refused with this number so that it may be taken, and notes what
@@ -152,6 +152,7 @@ class Conversion {
   virtual ado::TableName DestTable(const ado::TableName& name) const = 0;
   /// A table or column quoted for the destination, where it has that name.
   virtual std::string DestQuoted(const ado::TableName& name) const = 0;
+  virtual ServerKind DestinationKind() const = 0;
   /// True when the destination takes names that differ in letter case for one.
   virtual bool FoldsTableNames() = 0;
   virtual void ReportTableFailure(const std::string& name, const RunTimeError& error) = 0;
@@ -219,11 +220,19 @@ class Conversion {
   /// The columns that are read, as they stand behind "select ".
   std::string SelectList(const TableDefinition& table, const std::set<std::string>& left_out) const;
 
+  // rehearsal.cpp
+  /// True when the destination has the table now.
+  bool IsThere(const TableDefinition& table);
+  void TellWhatIsThere(const TableDefinition& table);
+  std::unique_ptr<IRowDestination> Rehearse(std::unique_ptr<IRowDestination> rows,
+                                            const TableDefinition& table, bool is_new,
+                                            const std::vector<ado::FieldInfo>& fields);
+
   // verification.cpp
   void CompareEach(const NameList& tables);
   void CompareListed(const std::string& name);
-  void CompareCounts(const TableDefinition& table);
-  void CompareValues(const TableDefinition& table);
+  void CompareCounts(const TableDefinition& table, std::int64_t source_rows);
+  void CompareValues(const TableDefinition& table, std::int64_t source_rows);
   void ReportEqual(const TableDefinition& table, std::string_view what, std::int64_t additional);
   void ReportDifference(const TableDefinition& table, std::string_view difference);
 
@@ -242,6 +251,7 @@ class Conversion {
   IConversionListener& events_;
   IRunHost& host_;
   const CopyPlan copy_;
+  const ado::StatementSink rehearsal_;
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();

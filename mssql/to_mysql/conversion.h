@@ -22,10 +22,10 @@ class MsSqlToMySql : public Conversion {
   TableDefinition DefineTable(ado::Table& tab_src) override;
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
-  std::string_view DestServer() const override { return "MySQL"; }
   std::int32_t TableExistsError() const override;
   bool CureTable(TableDefinition& table, std::int32_t native_error) override;
   bool FoldsTableNames() override;
+  ServerKind DestinationKind() const override { return ServerKind::MySql; }
   void RelateTable(const std::string& name) override;
   std::string_view WideCount() const override { return "count_big(*)"; }
   std::string SourceName(const ado::TableName& name) const override;

@@ -49,9 +49,9 @@ class MySqlToMsSql : public Conversion {
 
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
-  std::string_view DestServer() const override { return "SQL Server"; }
   std::int32_t TableExistsError() const override;
   bool FoldsTableNames() override;
+  ServerKind DestinationKind() const override { return ServerKind::MsSql; }
   void RelateTable(const std::string& name) override;
   std::string SourceName(const ado::TableName& name) const override;
   ado::TableName DestTable(const ado::TableName& name) const override;

@@ -89,7 +89,7 @@ Flow ChangeRunner::Run(const InsertStatement& insert) {
       writer.Write(cells, collected->types);
     }
   } else {
-    InsertValues values(session_, insert, writer);
+    InsertValues values(session_, insert);
     writer.WriteRows(values, insert.rows);
   }
   writer.Finish();

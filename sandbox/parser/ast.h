@@ -181,16 +181,12 @@ struct SelectStatement {
   QueryPtr query;
 };
 
-struct InsertCell {
-  std::variant<std::monostate, LiteralText, ExprPtr> value;  // monostate: DEFAULT
-};
-
 struct InsertStatement {
   ObjectName table;
   std::vector<std::string> columns;
   bool default_values = false;
-  std::vector<InsertCell> cells;  // row after row
-  std::size_t width = 0;          // cells in the first row
+  std::vector<ExprPtr> cells;  // row after row; null: DEFAULT
+  std::size_t width = 0;       // cells in the first row
   std::size_t rows = 0;
   QueryPtr query;
   StatementPtr execute;

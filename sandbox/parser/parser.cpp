@@ -145,19 +145,13 @@ Parser::Parser(std::string_view text) : text_(text), lexer_(text) {
 
 const Token& Parser::PeekSecond() {
   if (!second_) {
-    before_second_ = lexer_.Here();
     lexer_.Read(second_.emplace());
   }
   return *second_;
 }
 
 void Parser::Advance() {
-  if (!second_) {
-    before_token_ = lexer_.Here();
-    lexer_.Read(token_);
-    return;
-  }
-  before_token_ = before_second_;
+  if (!second_) return lexer_.Read(token_);
   token_ = *second_;
   second_.reset();
 }

@@ -12,8 +12,8 @@
 namespace sandbox {
 
 /// Reads T-SQL text into statements. Raises the server's syntax errors (102, 105, 156, ...), with
-/// the line in the message. The text must outlive the parser, and the rows of an INSERT that it
-/// returns; nothing else of what it returns looks at it.
+/// the line in the message. The text must outlive the parser; nothing of what it returns
+/// looks at it.
 class Parser {
  public:
   explicit Parser(std::string_view text);
@@ -71,8 +71,6 @@ class Parser {
   Statement ParseUpdate();
   Statement ParseDelete();
   void ParseValuesRows(InsertStatement& insert);
-  InsertCell ParseCell();
-  bool TakeCellLiteral(InsertCell& cell);
 
   // definitions (parser_definitions.cpp)
   Statement ParseCreate();
@@ -164,17 +162,14 @@ class Parser {
   Lexer lexer_;
   Token token_;
   std::optional<Token> second_;  // the one behind it, if it was looked at
-  Lexer::Place before_token_, before_second_;
   int depth_ = 0;
 };
 
 bool IsLiteralToken(const Token& token);
 bool IsNumberToken(const Token& token);
-/// The literal's value and type. Raises 1007 for a number of more than 38 digits, 232 for a float
-/// out of range.
-Literal ParseLiteral(const LiteralText& literal);
-/// The bytes that a literal "0x..." stands for; an odd digit is the first byte's.
-void AppendHexBytes(std::string_view literal, std::string& bytes);
+/// The value and type of a literal, or of its negation. Raises 1007 for a number of more than 38
+/// digits, 232 for a float out of range.
+Literal ParseLiteral(const Token& token, bool negative = false);
 
 /// True for a word that can't be an alias or a name without quotes.
 bool IsReserved(const Token& token);

@@ -210,7 +210,7 @@ ExprPtr Parser::ParseUnary() {
   if (expr->text == "-" && IsNumberToken(token_)) {
     expr->kind = ExprKind::Literal;
     expr->text = "-" + std::string(token_.text);
-    expr->literal = ParseLiteral({Take(), true});
+    expr->literal = ParseLiteral(Take(), true);
     return expr;
   }
   expr->args.push_back(ParseUnary());
@@ -234,7 +234,7 @@ ExprPtr Parser::ParsePrimary() {
     ExprPtr expr = NewExpr(ExprKind::Literal);
     const bool text = token_.kind == TokenKind::String || token_.kind == TokenKind::NString;
     expr->text = text ? "" : std::string(token_.text);
-    expr->literal = ParseLiteral({Take(), false});
+    expr->literal = ParseLiteral(Take());
     return expr;
   }
   if (token_.kind == TokenKind::Variable) {

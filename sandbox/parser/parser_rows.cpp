@@ -5,42 +5,8 @@ namespace sandbox {
 namespace {
 
 constexpr std::size_t kMaxRowValues = 1000;
-constexpr std::size_t kMaxDigits = 38;
 
 }  // namespace
-
-// A literal alone, which is nearly all there is in a load: it stays as it is written, and no
-// expression is made of it. False with nothing taken where there is more to the cell.
-bool Parser::TakeCellLiteral(InsertCell& cell) {
-  if (second_) return false;
-  const Lexer::Place start = before_token_;
-  const bool negative = token_.IsSymbol("-");
-  if (negative) Advance();
-  const bool number = IsNumberToken(token_);
-  if (negative ? number : IsLiteralToken(token_)) {
-    const LiteralText literal(token_, negative);
-    Advance();
-    if (token_.IsSymbol(",") || token_.IsSymbol(")")) {
-      const bool may_not_fit =
-          number && (literal.kind == TokenKind::Float || literal.text.size() > kMaxDigits);
-      if (may_not_fit) ParseLiteral(literal);  // a number too long is an error of the text
-      cell.value = literal;
-      return true;
-    }
-  }
-  lexer_.Return(start);
-  Advance();
-  return false;
-}
-
-InsertCell Parser::ParseCell() {
-  InsertCell cell;
-  if (TakeCellLiteral(cell)) return cell;
-  const bool ends = PeekSecond().IsSymbol(",") || PeekSecond().IsSymbol(")");
-  if (ends && Accept("default")) return cell;
-  cell.value = ParseExpr();
-  return cell;
-}
 
 void Parser::ParseValuesRows(InsertStatement& insert) {
   Expect("values");
@@ -48,7 +14,7 @@ void Parser::ParseValuesRows(InsertStatement& insert) {
     ExpectSymbol("(");
     const std::size_t before = insert.cells.size();
     do {
-      insert.cells.push_back(ParseCell());
+      insert.cells.push_back(Accept("default") ? nullptr : ParseExpr());
     } while (AcceptSymbol(","));
     ExpectSymbol(")");
     const std::size_t width = insert.cells.size() - before;

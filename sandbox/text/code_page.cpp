@@ -21,8 +21,6 @@ int CodePageByte(char32_t code) {
   return found == kHighControls.end() ? -1 : 0x80 + static_cast<int>(found - kHighControls.begin());
 }
 
-}  // namespace
-
 bool FitsCodePage(std::string_view text) {
   if (IsAscii(text)) return true;
   while (!text.empty()) {
@@ -30,6 +28,8 @@ bool FitsCodePage(std::string_view text) {
   }
   return true;
 }
+
+}  // namespace
 
 std::string KeepCodePage(std::string_view text) {
   if (FitsCodePage(text)) return std::string(text);

@@ -111,7 +111,8 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
       {"cmdNav3",
        {"lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL", "lstDestTables",
         "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips",
-        "chkExactTypes", "chkKeepComputed", "spnTablesAtOnce", "cmdNav1", "cmdNav2", "cmdNav3"}},
+        "chkExactTypes", "chkKeepComputed", "spnTablesAtOnce", "cboVerification", "cmdNav1",
+        "cmdNav2", "cmdNav3"}},
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",

@@ -150,6 +150,23 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   EXPECT_EQ(driver_.Text("txtDestNewDbName"), "copy") << "the database that was created";
 }
 
+TEST_F(Navigation, WhatIsComparedAfterwardsIsChosenWithTheTables) {
+  GoToTables();
+  driver_.Click("cmdMLR");
+  auto& choice = driver_.Get<QComboBox>("cboVerification");
+  EXPECT_EQ(choice.currentText(), "nothing");
+  choice.setCurrentText("every value");
+  driver_.Next();
+  const WizardSession& session = driver_.Window().Session();
+  EXPECT_EQ(session.src->Options().verification, Verification::Values);
+  EXPECT_TRUE(driver_.LabelText("lblPlan").endsWith("; every value is compared afterwards"));
+  driver_.Back();
+  driver_.Click("chkConvertDefOnly");
+  EXPECT_FALSE(choice.isEnabled());
+  driver_.Next();
+  EXPECT_EQ(session.src->Options().verification, Verification::None);
+}
+
 TEST_F(Navigation, TablesMoveByButtonsAndDoubleClicks) {
   script_.tables = [] { return NameList{"a", "b", "c", "d", "e"}; };
   GoToTables();

@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QProgressBar>
+#include <QTableView>
 #include <limits>
 #include <semaphore>
 #include <thread>
@@ -46,26 +47,38 @@ TEST_F(TransferPages, TablesWithErrorsAndNotesAreShownAsSuch) {
     listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
     listener.TableConversionStarted(tables[0]);
     listener.ErrorOccured("1 of 3 rows were not copied", message_style::kError, "Insertion Error");
+    listener.TableContentTransferStarted(tables[0], 3);
+    for (int row = 0; row < 3; ++row) listener.TableRecordConverted();
     listener.TableConversionSuccessed(tables[0]);
     listener.TableConversionStarted(tables[1]);
-    script_.host->Inform("Table Orders: 2 of 3 rows were there already and were left out");
     listener.TableConversionSuccessed(tables[1]);
+    script_.host->Inform("Table Orders: 2 of 3 rows were there already and were left out");
+    script_.host->Inform("Table Customers: Verified: 3 rows equal");
     listener.ConversionEnded();
   };
   GoToTransfer();
   EXPECT_FALSE(driver_.Get<QWidget>("tblMessages").isVisible());
   driver_.Click("cmdTransferTables");
   EXPECT_EQ(driver_.TakeBoxes().size(), 2u) << "the error and the summary";
-  EXPECT_EQ(driver_.Names("lstConvertedTables"), (NameList{"Customers (with errors)", "Orders"}));
+  EXPECT_EQ(driver_.Names("lstConvertedTables"), (NameList{"Customers", "Orders"}));
+  EXPECT_EQ(driver_.Column("lstConvertedTables", 1), (NameList{"3 of 3", ""}));
+  EXPECT_EQ(driver_.Column("lstConvertedTables", 3), (NameList{"Done, with errors", "Done"}));
+  EXPECT_EQ(driver_.LabelText("lblOverall"), "1 with errors: Customers");
+  const QModelIndex customers =
+      driver_.Get<QAbstractItemView>("lstConvertedTables").model()->index(0, 0);
+  EXPECT_EQ(customers.data(Qt::ToolTipRole).toString(),
+            "Customers\n1 of 3 rows were not copied\nTable Customers: Verified: 3 rows equal");
   EXPECT_TRUE(driver_.Names("lstSelectedTables").empty());
   EXPECT_TRUE(driver_.Get<QWidget>("tblMessages").isVisible());
   const QStringList messages = Messages();
-  ASSERT_EQ(messages.size(), 3) << "with the summary";
+  ASSERT_EQ(messages.size(), 4) << "with the summary";
   EXPECT_EQ(messages[0], "Customers\tError\t1 of 3 rows were not copied");
   EXPECT_EQ(messages[1],
             "Orders\tNote\tTable Orders: 2 of 3 rows were there already and were left out");
+  EXPECT_EQ(messages[2], "Customers\tNote\tTable Customers: Verified: 3 rows equal")
+      << "it is not the table in hand";
   driver_.Type("txtMessageFilter", "NOTE");
-  EXPECT_EQ(Messages().size(), 1);
+  EXPECT_EQ(Messages().size(), 2);
 }
 
 TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
@@ -88,7 +101,8 @@ TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
   EXPECT_EQ(driver_.tasks_shown, 1);
   std::vector<QString> states;
   driver_.on_box = [&](QWidget&) {
-    states.push_back(driver_.LabelText("lblStatus") + " " +
+    states.push_back(driver_.Window().windowTitle().section(' ', 0, 1) + " " +
+                     driver_.LabelText("lblStatus") + " " +
                      QString::number(Bar("pbTablesProgress").value()));
     for (const char* button :
          {"cmdTransferTables", "cmdSchedule", "cmdNav2", "cmdNav3", "cmdNav4"}) {
@@ -97,7 +111,8 @@ TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
     EXPECT_TRUE(driver_.IsEnabled("cmdNav1"));
   };
   driver_.Click("cmdTransferTables");
-  EXPECT_EQ(states, (std::vector<QString>{"Converting table 'Orders' ..... 1", "Done... 4"}));
+  EXPECT_EQ(states, (std::vector<QString>{"25 % Converting table 'Orders' ..... 1",
+                                          "Convert from Done... 4"}));
   const Boxes boxes = driver_.TakeBoxes();
   ASSERT_EQ(boxes.size(), 2u);
   EXPECT_EQ(boxes[0], (SeenBox{"Table Conversion", "it was refused"}));
@@ -107,7 +122,9 @@ TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
                                "No. of Failed tables: 1\r\nElapsed time: 00:00:0"))
       << boxes[1];
   EXPECT_EQ(Bar("pbTablesProgress").maximum(), 4);
-  EXPECT_EQ(driver_.Names("lstConvertedTables"), NameList{"Customers"});
+  EXPECT_EQ(driver_.Names("lstConvertedTables"), (NameList{"Customers", "Orders"}));
+  EXPECT_EQ(driver_.Column("lstConvertedTables", 3), (NameList{"Done", "Failed"}));
+  EXPECT_EQ(driver_.LabelText("lblOverall"), "1 failed: Orders");
   EXPECT_EQ(driver_.Names("lstSelectedTables"), NameList{"Orders"});
   EXPECT_EQ(driver_.LabelText("lblStatus"), "Conversion Completed.");
   EXPECT_FALSE(driver_.IsEnabled("cmdNav1"));
@@ -187,9 +204,11 @@ TEST_F(TransferPages, StopEndsTheRunAndTheRestCanFollow) {
   EXPECT_FALSE(driver_.closed);
   EXPECT_TRUE(driver_.IsEnabled("cmdNav4"));
   EXPECT_EQ(driver_.Names("lstSelectedTables"), NameList{"Orders"});
+  EXPECT_EQ(driver_.Column("lstConvertedTables", 3), (NameList{"Done", "Left out"}));
   driver_.Click("cmdTransferRest");
   EXPECT_EQ(runs.back(), NameList{"Orders"});
   EXPECT_EQ(driver_.Names("lstConvertedTables"), (NameList{"Customers", "Orders"}));
+  EXPECT_EQ(driver_.Column("lstConvertedTables", 3), (NameList{"Done", "Done"}));
   EXPECT_EQ(driver_.TakeBoxes().size(), 1u);
   EXPECT_FALSE(driver_.Get("cmdTransferRest").isVisible());
   driver_.Click("cmdSchedule");
@@ -389,7 +408,10 @@ TEST_F(TransferPages, TenThousandTablesAreMovedAndConverted) {
   };
   GoToTransfer();
   driver_.Click("cmdTransferTables");
-  EXPECT_EQ(driver_.Names("lstConvertedTables").size(), 500u);
+  EXPECT_EQ(driver_.Names("lstConvertedTables").size(), 10'000u);
+  auto& table = driver_.Get<QTableView>("lstConvertedTables");
+  EXPECT_GE(table.rowAt(table.viewport()->height() - 1), 9'990) << "the newest are in view";
+  EXPECT_TRUE(driver_.LabelText("lblOverall").startsWith("9500 left out: table 500, "));
   EXPECT_EQ(driver_.Names("lstSelectedTables").front(), "table 500");
 }
 

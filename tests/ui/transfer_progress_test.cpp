@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/wizard/table_outcome.h"
+
 namespace dorvane {
 namespace {
 
@@ -84,6 +86,69 @@ TEST_F(Progress, OfTablesAtOnceTheRowsAreThoseOfAllThatBegan) {
   now_ += seconds(4);
   progress_.ConversionEnded();
   EXPECT_EQ(progress_.RowsText(), "1 table, 30 rows in 0:10, 3 rows/s");
+}
+
+TEST_F(Progress, TheTimeLeftFollowsTheShareThatIsDone) {
+  EXPECT_EQ(progress_.TimeText(), "");
+  progress_.ConversionStarted(4, false);
+  progress_.TableConversionStarted("a");
+  progress_.TableConverted();
+  now_ += seconds(1);
+  EXPECT_EQ(progress_.TimeText(), "Elapsed 00:00:01") << "too early to say";
+  now_ += seconds(29);
+  progress_.TableConversionStarted("b");
+  progress_.TableContentTransferStarted(1'000);
+  progress_.RecordsConverted(500);
+  EXPECT_EQ(progress_.Percent(), 37);
+  EXPECT_EQ(progress_.TimeText(), "Elapsed 00:00:30, about 00:00:50 left");
+  now_ += seconds(10);
+  EXPECT_EQ(progress_.TimeText(), "Elapsed 00:00:40") << "nothing arrives";
+  progress_.ConversionEnded();
+  EXPECT_EQ(progress_.TimeText(), "");
+  EXPECT_FALSE(progress_.Percent());
+}
+
+TEST(OutcomesOfTables, TimesAddUpAndTablesSideBySideHaveTheirOwn) {
+  OutcomeRecorder::Clock::time_point now{};
+  OutcomeRecorder recorder([&] { return now; });
+  recorder.RunStarted({"a", "b", "c", "d"});
+  recorder.TableStarted("a");
+  recorder.RowsAnnounced(5);
+  recorder.RowsConverted(5);
+  now += seconds(3);
+  recorder.TableStarted("b");
+  now += seconds(4);
+  EXPECT_EQ(recorder.TableEnded("b", TableState::kFailed).took, seconds(4));
+  now += seconds(100);
+  recorder.TableStarted("a");
+  now += seconds(2);
+  const TableOutcome waited = recorder.TableEnded("a", TableState::kDone);
+  EXPECT_EQ(waited.took, seconds(5)) << "its rows had to wait meanwhile";
+  EXPECT_EQ(waited.announced, 5);
+  EXPECT_EQ(waited.rows, 5);
+  recorder.TablesInHandSeen({.names = {"c", "d"}});
+  now += seconds(7);
+  recorder.TablesInHandSeen({.names = {"c", "d"}});
+  recorder.TableStarted("c");
+  EXPECT_EQ(recorder.TableEnded("c", TableState::kDone).took, seconds(7));
+  const std::vector<TableOutcome> unended = recorder.RunEnded(false);
+  ASSERT_EQ(unended.size(), 1u);
+  EXPECT_EQ(unended[0].name, "d");
+}
+
+TEST(OutcomesOfTables, WhatWasBegunAndNotEndedHasFailedUnlessItWasStopped) {
+  const auto states_when = [](bool is_stopped) {
+    OutcomeRecorder recorder;
+    recorder.RunStarted({"a", "b", "c"});
+    recorder.TableStarted("a");
+    recorder.TableStarted("b");
+    std::vector<TableState> states;
+    for (const TableOutcome& table : recorder.RunEnded(is_stopped)) states.push_back(table.state);
+    return states;
+  };
+  using enum TableState;
+  EXPECT_EQ(states_when(false), (std::vector{kFailed, kFailed, kLeftOut}));
+  EXPECT_EQ(states_when(true), (std::vector{kFailed, kLeftOut, kLeftOut}));
 }
 
 TEST_F(Progress, SummaryCountsAndTellsTheElapsedTime) {

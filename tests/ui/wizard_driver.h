@@ -92,7 +92,16 @@ class WizardDriver {
     QWidget& control = Get(name);
     return control.isEnabledTo(control.parentWidget());
   }
-  const NameList& Names(const char* list) { return Get<NameListView>(list).Names(); }
+  /// The entries of a list, of a table its first column, as they are shown.
+  NameList Names(const char* list) { return Column(list, 0); }
+  NameList Column(const char* list, int column) {
+    const QAbstractItemModel& model = *Get<QAbstractItemView>(list).model();
+    NameList texts;
+    for (int row = 0; row < model.rowCount(); ++row) {
+      texts.push_back(model.index(row, column).data().toString().toStdString());
+    }
+    return texts;
+  }
 
   /// Boxes seen since the last call.
   std::vector<SeenBox> TakeBoxes() { return std::exchange(boxes_, {}); }

@@ -1,5 +1,6 @@
 #include "ui/wizard/frm_wizard.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 
 #include "ui/controls/qt_text.h"
@@ -29,10 +30,13 @@ frmWizard::~frmWizard() = default;
 
 void frmWizard::ConnectRun() {
   run_.SetTableCounts([this] { return transfer_page_->Counts(); });
-  connect(&run_, &WizardRun::ProgressChanged, this,
-          [this] { transfer_page_->Show(run_.Progress()); });
-  connect(&run_, &WizardRun::TableConverted, transfer_page_, &TransferPage::MarkConverted);
+  connect(&run_, &WizardRun::ProgressChanged, this, [this] { ShowProgress(run_.Progress()); });
+  connect(&run_, &WizardRun::TablesEnded, transfer_page_, &TransferPage::AddOutcomes);
   connect(&run_, &WizardRun::Told, transfer_page_, &TransferPage::AddMessage);
+  connect(&run_, &WizardRun::SummaryReady, this, [this](const std::string& summary) {
+    if (QApplication::activeWindow()) return;
+    desktop_.Notify(windowTitle(), QString::fromStdString(summary).remove('\r'));
+  });
   connect(&run_, &WizardRun::Started, this, [this] {
     NavButton(kCancel).setFocus();
     transfer_page_->ConversionStarted();
@@ -44,6 +48,16 @@ void frmWizard::ConnectRun() {
     NavButton(kFinish).setFocus();
     transfer_page_->ConversionEnded();
   });
+}
+
+void frmWizard::ShowProgress(const TransferProgress& progress) {
+  transfer_page_->Show(progress);
+  const std::optional<int> percent = progress.Percent();
+  if (percent == percent_shown_) return;
+  percent_shown_ = percent;
+  desktop_.ShowPercent(percent);
+  const QString caption = ToQString(*WindowCaption(1, session_.Direction()));
+  setWindowTitle(percent ? QString("%1 % - %2").arg(*percent).arg(caption) : caption);
 }
 
 void frmWizard::Load() {

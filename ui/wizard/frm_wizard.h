@@ -14,6 +14,7 @@
 #include "ui/controls/gradient_button.h"
 #include "ui/controls/picture_box.h"
 #include "ui/wizard/connection_page.h"
+#include "ui/wizard/desktop_link.h"
 #include "ui/wizard/direction_page.h"
 #include "ui/wizard/tables_page.h"
 #include "ui/wizard/theme.h"
@@ -82,6 +83,7 @@ class frmWizard : public QWidget {
   QWidget& BuildNavigationBar();
   void AddHelpPicture(PictureBox& bar, QHBoxLayout& layout);
   void ConnectRun();
+  void ShowProgress(const TransferProgress& progress);
 
   /// Gives the focus to the first control of the page in its tab order.
   void FocusFirstControl(QWidget& page);
@@ -112,12 +114,14 @@ class frmWizard : public QWidget {
   WizardRun run_;  // outlives the endpoints that report to it
   WizardSession session_;
   ServerCaller server_caller_;
+  DesktopLink desktop_;
 
   std::int16_t mnCurStep_ = page::kDirection;
   std::int16_t currentScreen_ = 0;
   bool blnFinishAllowed_ = false;
-  bool tables_loaded_ = false;  // of the source database that is chosen
-  QTimer leaving_;              // runs while the servers are waited for
+  bool tables_loaded_ = false;        // of the source database that is chosen
+  std::optional<int> percent_shown_;  // in the window's title
+  QTimer leaving_;                    // runs while the servers are waited for
 
   std::array<QLabel*, kStepCount> step_labels_{};
   std::array<theme::StepMarker*, kStepCount> step_markers_{};

@@ -12,7 +12,7 @@
 namespace dorvane {
 namespace {
 
-constexpr QSize kWindowSize(840, 580);
+constexpr QSize kWindowSize(900, 640);
 constexpr QSize kLogoSize(120, 56);
 constexpr QSize kHelpSize(28, 28);
 constexpr int kSidebarWidth = 200;  // at least

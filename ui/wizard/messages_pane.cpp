@@ -71,18 +71,9 @@ void MessagesPane::BuildTable() {
   tblMessages_ = &MakeNamed<QTableView>("tblMessages", static_cast<QWidget&>(*this));
   tblMessages_->setModel(shown_);
   tblMessages_->setAccessibleName("Messages");
-  tblMessages_->setPalette(theme::FieldPalette());
-  tblMessages_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  tblMessages_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  tblMessages_->setTabKeyNavigation(false);
-  tblMessages_->setShowGrid(false);
+  theme::StyleTable(*tblMessages_);
   tblMessages_->setMinimumHeight(kLeastHeight);
-  tblMessages_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
-  tblMessages_->verticalHeader()->hide();
-  tblMessages_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
   QHeaderView& header = *tblMessages_->horizontalHeader();
-  header.setStretchLastSection(true);
-  header.setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const auto width = [this](const char* text) {
     return fontMetrics().horizontalAdvance(text) + 24;
   };

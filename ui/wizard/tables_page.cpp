@@ -131,7 +131,7 @@ void TablesPage::AddOptions() {
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
   chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
   chkKeepComputed_ = add("chkKeepComputed", "Keep co&mputed columns computed");
-  AddTablesAtOnce(card, layout);
+  AddRunOptions(card, layout);
   AddSchemas(card);
 }
 
@@ -152,7 +152,7 @@ void TablesPage::AddSchemas(Card& card) {
   schemas_->hide();
 }
 
-void TablesPage::AddTablesAtOnce(Card& card, QBoxLayout& layout) {
+void TablesPage::AddRunOptions(Card& card, QBoxLayout& layout) {
   auto& row = MakeLayout<QHBoxLayout>(layout);
   row.setSpacing(theme::kGap);
   auto& label = MakeChild<QLabel>(card, "Tables at &once");
@@ -161,8 +161,18 @@ void TablesPage::AddTablesAtOnce(Card& card, QBoxLayout& layout) {
   spnTablesAtOnce_->setAccessibleName("Tables at once");
   spnTablesAtOnce_->setToolTip("Each of them takes connections of its own to both servers.");
   label.setBuddy(spnTablesAtOnce_);
+  auto& verification_label = MakeChild<QLabel>(card, "Com&pare afterwards");
+  cboVerification_ = &MakeNamed<QComboBox>("cboVerification", card);
+  // In the order of Verification.
+  cboVerification_->addItems({"nothing", "number of rows", "every value"});
+  verification_label.setBuddy(cboVerification_);
+  // Without rows there is nothing to compare.
+  connect(chkConvertDefOnly_, &QCheckBox::toggled, cboVerification_, &QWidget::setDisabled);
   row.addWidget(&label);
   row.addWidget(spnTablesAtOnce_);
+  row.addSpacing(theme::kGap);
+  row.addWidget(&verification_label);
+  row.addWidget(cboVerification_);
   row.addStretch();
 }
 
@@ -189,6 +199,9 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   options.schemas = schemas_->isHidden() ? SchemaPolicy::Prefix
                                          : static_cast<SchemaPolicy>(cboSchemas_->currentIndex());
   options.tables_at_once = spnTablesAtOnce_->value();
+  options.verification = chkConvertDefOnly_->isChecked()
+                             ? Verification::None
+                             : static_cast<Verification>(cboVerification_->currentIndex());
   src.SetOptions(options);
 }
 

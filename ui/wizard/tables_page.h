@@ -47,7 +47,7 @@ class TablesPage : public WizardPage {
   void AddLists();
   void AddOptions();
   void AddSchemas(Card& card);
-  void AddTablesAtOnce(Card& card, QBoxLayout& layout);
+  void AddRunOptions(Card& card, QBoxLayout& layout);
   /// Carries out one of the moving operations on what the two lists show.
   void Move(void (*operation)(TableLists& lists));
 
@@ -61,6 +61,7 @@ class TablesPage : public WizardPage {
   QWidget* schemas_;  // label and box, shown where there are several schemas
   QComboBox* cboSchemas_;
   QSpinBox* spnTablesAtOnce_;
+  QComboBox* cboVerification_;
 };
 
 }  // namespace dorvane

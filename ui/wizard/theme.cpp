@@ -2,8 +2,10 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QPainter>
 #include <QPainterPath>
+#include <QTableView>
 #include <algorithm>
 
 #include "ui/controls/soft_button.h"
@@ -84,6 +86,22 @@ void StyleDropDown(QComboBox& list) {
   // The open list is a window of its own and takes no colours from the page.
   list.view()->setPalette(FieldPalette());
   list.view()->setTextElideMode(Qt::ElideMiddle);
+}
+
+void StyleTable(QTableView& table) {
+  table.setPalette(FieldPalette());
+  table.setEditTriggers(QAbstractItemView::NoEditTriggers);
+  table.setSelectionBehavior(QAbstractItemView::SelectRows);
+  table.setTabKeyNavigation(false);
+  table.setShowGrid(false);
+  table.setWordWrap(false);
+  table.setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+  table.verticalHeader()->hide();
+  table.verticalHeader()->setDefaultSectionSize(table.fontMetrics().height() + 4);
+  QHeaderView& header = *table.horizontalHeader();
+  header.setStretchLastSection(true);
+  header.setHighlightSections(false);
+  header.setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
 }
 
 void SetColor(QWidget& widget, QPalette::ColorRole role, QRgb color) {

@@ -11,6 +11,7 @@
 #include "ui/controls/gradient_button.h"
 
 class QComboBox;
+class QTableView;
 
 namespace dorvane::theme {
 
@@ -40,6 +41,8 @@ QPalette FieldPalette();
 /// Gives a drop-down list the light ground of a field when it is open, and long entries dots in
 /// their middle.
 void StyleDropDown(QComboBox& list);
+/// A table that is read only: light ground, whole rows, no grid; it takes the room there is.
+void StyleTable(QTableView& table);
 /// Sets one colour of a widget for all its states.
 void SetColor(QWidget& widget, QPalette::ColorRole role, QRgb color);
 

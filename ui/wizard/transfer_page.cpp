@@ -80,6 +80,8 @@ void TransferPage::AddProgress() {
   pbRecordsProgress_ = &AddBar("pbRecordsProgress", "Table Progress", card, grid, 2);
   lblRowsProgress_ = &MakeNamed<WrappedLabel>("lblRowsProgress", card);
   grid.addWidget(lblRowsProgress_, 3, 1);
+  lblOverall_ = &MakeNamed<WrappedLabel>("lblOverall", card);
+  grid.addWidget(lblOverall_, 4, 1);
   grid.setColumnStretch(1, 1);
 }
 
@@ -90,22 +92,22 @@ void TransferPage::AddLists() {
   grid.setContentsMargins(0, 0, 0, 0);
   grid.setHorizontalSpacing(14);
   grid.setVerticalSpacing(5);
-  const auto add = [&](const char* name, const char* caption, int column) {
+  lstSelectedTables_ = &MakeNamed<NameListView>("lstSelectedTables", area);
+  // Names go one by one here: the visible ones are laid out first, the rest when there is time.
+  lstSelectedTables_->setLayoutMode(QListView::Batched);
+  lstConvertedTables_ = &MakeNamed<OutcomesView>("lstConvertedTables", area);
+  const auto add = [&](QAbstractItemView& list, const char* caption, int column, int stretch) {
     auto& label = MakeChild<QLabel>(area, caption);
-    auto& list = MakeNamed<NameListView>(name, area);
-    // Names come and go one by one here: the visible ones are laid out first, the rest when there
-    // is time.
-    list.setLayoutMode(QListView::Batched);
     // Takes the room there is; its contents do not make the window higher.
-    list.setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+    list.setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     label.setBuddy(&list);
     list.setAccessibleName(QString(caption).remove('&').trimmed());
     grid.addWidget(&label, 0, column);
     grid.addWidget(&list, 1, column);
-    return &list;
+    grid.setColumnStretch(column, stretch);
   };
-  lstSelectedTables_ = add("lstSelectedTables", "Tables in &que", 0);
-  lstConvertedTables_ = add("lstConvertedTables", "Con&verted tables ", 1);
+  add(*lstSelectedTables_, "Tables in &que", 0, 1);
+  add(*lstConvertedTables_, "Con&verted tables ", 1, 3);
   for (const int row : {1, 2}) grid.setRowStretch(row, 1);
   messages_ = &MakeNamed<MessagesPane>("messages", area);
   grid.addWidget(messages_, 2, 0, 1, 2);
@@ -115,21 +117,25 @@ void TransferPage::AddLists() {
 void TransferPage::SetPlan(const std::string& plan, NameList tables) {
   lblPlan_->setText(QString::fromStdString(plan));
   lstSelectedTables_->SetNames(std::move(tables), -1);
+  lstConvertedTables_->Clear();
 }
 
-void TransferPage::MarkConverted(const std::string& table, bool with_errors) {
-  lstConvertedTables_->Append(with_errors ? table + " (with errors)" : table);
-  lstSelectedTables_->RemoveFirst(table);
+void TransferPage::AddOutcomes(const std::vector<TableOutcome>& tables) {
+  lstConvertedTables_->Add(tables);
+  for (const TableOutcome& table : tables) {
+    if (table.state == TableState::kDone) lstSelectedTables_->RemoveFirst(table.name);
+  }
 }
 
 void TransferPage::AddMessage(Severity severity, const std::string& table,
                               const std::string& message) {
   messages_->show();
+  lstConvertedTables_->Tell(severity, table, message);
   messages_->Add(severity, QString::fromStdString(table), QString::fromStdString(message));
 }
 
 WizardRun::TableCounts TransferPage::Counts() const {
-  return {lstConvertedTables_->Names().size(), lstSelectedTables_->Names().size()};
+  return {lstConvertedTables_->ConvertedCount(), lstSelectedTables_->Names().size()};
 }
 
 void TransferPage::Show(const TransferProgress& progress) {
@@ -138,12 +144,15 @@ void TransferPage::Show(const TransferProgress& progress) {
   SetBar(*pbTablesProgress_, progress.Tables());
   SetBar(*pbRecordsProgress_, progress.Records());
   lblRowsProgress_->setText(QString::fromStdString(progress.RowsText()));
+  lblOverall_->setText(QString::fromStdString(
+      progress.Percent() ? progress.TimeText() : lstConvertedTables_->Failures()));
 }
 
 void TransferPage::ConversionStarted() {
   cmdSchedule_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(false);
   cmdTransferRest_->hide();
+  lstConvertedTables_->ForgetUnconverted();
   cmdStop_->show();
   cmdStop_->SetEnabled(true);
 }

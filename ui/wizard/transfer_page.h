@@ -6,6 +6,7 @@
 #include "ui/controls/name_list_view.h"
 #include "ui/controls/wrapped_label.h"
 #include "ui/wizard/messages_pane.h"
+#include "ui/wizard/outcomes_view.h"
 #include "ui/wizard/transfer_progress.h"
 #include "ui/wizard/wizard_page.h"
 #include "ui/wizard/wizard_run.h"
@@ -24,8 +25,8 @@ class TransferPage : public WizardPage {
   void SetPlan(const std::string& plan, NameList tables);
   /// The tables that are not converted.
   const NameList& Waiting() const { return lstSelectedTables_->Names(); }
-  /// Moves a table from the waiting to the converted ones.
-  void MarkConverted(const std::string& table, bool with_errors);
+  /// Lists tables that have ended. The converted ones no longer wait.
+  void AddOutcomes(const std::vector<TableOutcome>& tables);
   /// Adds to the messages, which show with the first one.
   void AddMessage(Severity severity, const std::string& table, const std::string& message);
   WizardRun::TableCounts Counts() const;
@@ -54,8 +55,9 @@ class TransferPage : public WizardPage {
   QProgressBar* pbTablesProgress_;
   QProgressBar* pbRecordsProgress_;
   WrappedLabel* lblRowsProgress_;
+  WrappedLabel* lblOverall_;  // the time of the run, in the end what failed
   NameListView* lstSelectedTables_;
-  NameListView* lstConvertedTables_;
+  OutcomesView* lstConvertedTables_;
   MessagesPane* messages_;
   GradientButton* cmdTransferTables_;
   GradientButton* cmdSchedule_;

@@ -23,6 +23,10 @@ constexpr Choice kChoices[] = {
      "every value exactly"},
     {[](const ConversionOptions& o) { return o.computed_columns == ComputedColumns::Generated; },
      "computed columns stay computed"},
+    {[](const ConversionOptions& o) { return o.verification == Verification::Counts; },
+     "the numbers of rows are compared afterwards"},
+    {[](const ConversionOptions& o) { return o.verification == Verification::Values; },
+     "every value is compared afterwards"},
 };
 
 }  // namespace

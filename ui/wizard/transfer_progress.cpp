@@ -13,6 +13,9 @@ namespace {
 // A rate from longer ago would say that rows are arriving.
 constexpr std::chrono::seconds kSilence(3);
 
+// Before that a few rows say little of the time that all take.
+constexpr std::chrono::seconds kFirstEstimate(5);
+
 constexpr const char* kFinishing = "The block in hand is finished first.";
 constexpr const char* kLeaving =
     "The program ends within 5 seconds. Close the window once more to end it at once.";
@@ -26,6 +29,7 @@ void TransferProgress::ConversionStarted(std::int16_t tables, bool relations_inc
   records_.value = 0;
   started_ = now_();
   stopping_ = nullptr;
+  is_running_ = true;
   copies_rows_ = is_side_by_side_ = false;
   all_tables_ = all_rows_ = 0;
   summary_.clear();
@@ -92,7 +96,7 @@ void TransferProgress::TableRelationsConversionStarted(std::string_view table) {
 void TransferProgress::ConversionEnded() {
   ended_ = now_();
   stopping_ = nullptr;
-  copies_rows_ = false;
+  is_running_ = copies_rows_ = false;
   summary_ = SummaryText(all_tables_, all_rows_, ended_ - started_);
   status_ = "Done...";
 }
@@ -113,11 +117,39 @@ void TransferProgress::Stopped() {
 void TransferProgress::GivenBack() {
   status_ = kNotStarted;
   stopping_ = nullptr;
-  copies_rows_ = false;
+  is_running_ = copies_rows_ = false;
 }
 
 bool TransferProgress::IsSilent() const {
   return copies_rows_ && now_() - last_row_ >= kSilence;
+}
+
+double TransferProgress::Share() const {
+  const double in_hand =
+      copies_rows_ && !is_side_by_side_ && tables_.value < tables_.maximum
+          ? static_cast<double>(records_.value) / static_cast<double>(records_.maximum)
+          : 0;
+  return (static_cast<double>(tables_.value) + in_hand) /
+         static_cast<double>(std::max(tables_.maximum, 1));
+}
+
+std::optional<int> TransferProgress::Percent() const {
+  if (!is_running_) return std::nullopt;
+  return static_cast<int>(Share() * 100);
+}
+
+std::string TransferProgress::TimeText() const {
+  if (!is_running_) return {};
+  const Clock::duration elapsed = now_() - started_;
+  const auto in_seconds = [](auto time) {
+    return ElapsedText(std::chrono::duration_cast<std::chrono::seconds>(time));
+  };
+  std::string text = "Elapsed " + in_seconds(elapsed);
+  const double share = Share();
+  if (share > 0 && share < 1 && elapsed >= kFirstEstimate && !stopping_ && !IsSilent()) {
+    text += fmt::format(", about {} left", in_seconds(elapsed * ((1 - share) / share)));
+  }
+  return text;
 }
 
 std::string TransferProgress::RowsText() const {

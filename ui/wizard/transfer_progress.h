@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -48,6 +49,12 @@ class TransferProgress {
   /// Rows are being copied, but none has arrived for some seconds.
   bool IsSilent() const;
 
+  /// The share of the run that is done, 0 to 100; none before it begins and when it is over.
+  std::optional<int> Percent() const;
+  /// "Elapsed 00:01:05, about 00:02:10 left" while it runs, the time left as soon as something can
+  /// be said of it; empty otherwise.
+  std::string TimeText() const;
+
   const std::string& Status() const { return status_; }
   const Bar& Tables() const { return tables_; }
   const Bar& Records() const { return records_; }
@@ -61,6 +68,8 @@ class TransferProgress {
  private:
   static constexpr const char* kNotStarted = "- - - - -";
 
+  double Share() const;
+
   std::function<Clock::time_point()> now_;
   std::string status_ = kNotStarted;
   Bar tables_;
@@ -71,6 +80,7 @@ class TransferProgress {
   Clock::time_point last_row_;
   std::int64_t rows_done_ = 0;
   std::int64_t rows_expected_ = 0;
+  bool is_running_ = false;
   bool copies_rows_ = false;
   const char* stopping_ = nullptr;  // what is told then
   bool is_side_by_side_ = false;

@@ -9,6 +9,7 @@ namespace dorvane {
 namespace {
 
 constexpr std::chrono::milliseconds kRowInterval(30);
+constexpr std::chrono::milliseconds kClockInterval(500);
 
 }  // namespace
 
@@ -16,7 +17,10 @@ WizardRun::WizardRun() {
   row_timer_.setInterval(kRowInterval);
   connect(&row_timer_, &QTimer::timeout, this, [this] {
     FlushRowCount();
-    if (progress_.IsSilent()) emit ProgressChanged();
+    const auto now = std::chrono::steady_clock::now();
+    if (now - clock_shown_ < kClockInterval) return;
+    clock_shown_ = now;
+    emit ProgressChanged();
   });
 }
 
@@ -25,6 +29,8 @@ bool WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables
   stopping_ = has_ended_ = false;
   boxes_.Clear();
   table_.clear();
+  tables_ = {tables.begin(), tables.end()};
+  outcomes_.RunStarted(tables);
   row_timer_.start();
   try {
     RunInWorker([&] { src.TransferToDest(dest, tables); });
@@ -62,15 +68,30 @@ void WizardRun::FlushRowCount() {
   const std::int64_t rows = new_rows_.exchange(0);
   if (rows == 0) return;
   progress_.RecordsConverted(rows);
+  outcomes_.RowsConverted(rows);
   emit ProgressChanged();
+}
+
+std::string WizardRun::TableOf(std::string_view message) const {
+  constexpr std::string_view kBegin = "Table ";
+  if (!message.starts_with(kBegin)) return table_;
+  // "Table Orders: ...", where the name itself may hold a colon.
+  for (auto end = message.find(": "); end != message.npos; end = message.find(": ", end + 1)) {
+    std::string name(message.substr(kBegin.size(), end - kBegin.size()));
+    if (tables_.contains(name)) return name;
+  }
+  return table_;
+}
+
+void WizardRun::EndTable(std::string_view table, TableState state) {
+  emit TablesEnded({outcomes_.TableEnded(std::string(table), state)});
 }
 
 void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view source,
                                      std::int32_t style) {
   RunInGuiThread([&] {
-    table_failed_ = true;
     if (!transferring_) return dorvane::ShowMessage(message, style, source);
-    emit Told(Severity::kError, table_, std::string(message));
+    emit Told(Severity::kError, TableOf(message), std::string(message));
     ShowFailure(message, source, style);
   });
 }
@@ -98,8 +119,8 @@ void WizardRun::ConversionStarted(std::int16_t no_of_tables, bool relations_incl
 
 void WizardRun::TableConversionStarted(std::string_view table_name) {
   RunInGuiThread([&] {
-    table_failed_ = false;
     table_ = table_name;
+    outcomes_.TableStarted(table_);
     progress_.TableConversionStarted(table_name);
     emit ProgressChanged();
   });
@@ -108,6 +129,7 @@ void WizardRun::TableConversionStarted(std::string_view table_name) {
 void WizardRun::TableContentTransferStarted(std::string_view, std::int32_t no_of_records) {
   RunInGuiThread([&] {
     progress_.TableContentTransferStarted(no_of_records);
+    outcomes_.RowsAnnounced(no_of_records);
     emit ProgressChanged();
   });
 }
@@ -120,14 +142,15 @@ void WizardRun::TableConversionSuccessed(std::string_view table_name) {
   RunInGuiThread([&] {
     progress_.TableConverted();
     emit ProgressChanged();
-    emit TableConverted(std::string(table_name), table_failed_);
+    EndTable(table_name, TableState::kDone);
   });
 }
 
-void WizardRun::TableConversionFailed(std::string_view) {
+void WizardRun::TableConversionFailed(std::string_view table_name) {
   RunInGuiThread([&] {
     progress_.TableEnded();
     emit ProgressChanged();
+    EndTable(table_name, TableState::kFailed);
   });
 }
 
@@ -144,11 +167,13 @@ void WizardRun::ConversionEnded() {
     if (leaving_) return;
     has_ended_ = true;
     progress_.ConversionEnded();
+    emit TablesEnded(outcomes_.RunEnded(stopping_));
     if (stopping_) return TellStopped();
     emit ProgressChanged();
     const TableCounts counts = table_counts_ ? table_counts_() : TableCounts();
     const std::string summary = progress_.Summary(counts.converted, counts.waiting);
     emit Told(Severity::kInformation, "", summary);
+    emit SummaryReady(summary);
     dorvane::ShowMessage(summary, message_style::kInformation, "");
     emit Ended();
     progress_.SummaryShown();
@@ -171,13 +196,14 @@ void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::s
 }
 
 void WizardRun::Inform(std::string_view message) {
-  RunInGuiThread([&] { emit Told(Severity::kNote, table_, std::string(message)); });
+  RunInGuiThread([&] { emit Told(Severity::kNote, TableOf(message), std::string(message)); });
 }
 
 void WizardRun::ShowTablesInHand(const TablesInHand& tables) {
   RunInGuiThread([&] {
     if (stopping_) return;
     progress_.ShowTablesInHand(tables);
+    outcomes_.TablesInHandSeen(tables);
     emit ProgressChanged();
   });
 }

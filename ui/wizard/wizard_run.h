@@ -5,10 +5,13 @@
 #include <atomic>
 #include <functional>
 #include <string>
+#include <unordered_set>
+#include <vector>
 
 #include "endpoint/database.h"
 #include "ui/wizard/failure_boxes.h"
 #include "ui/wizard/messages_pane.h"
+#include "ui/wizard/table_outcome.h"
 #include "ui/wizard/transfer_progress.h"
 
 namespace dorvane {
@@ -65,11 +68,14 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
  signals:
   void Started();
   void ProgressChanged();
-  /// `with_errors`: something of the table was reported meanwhile.
-  void TableConverted(const std::string& table, bool with_errors);
-  /// Everything that a transfer tells: failures, notes and its summary. `table` is the one in hand.
+  /// Some tables have ended, one as a rule.
+  void TablesEnded(const std::vector<dorvane::TableOutcome>& tables);
+  /// Everything that a transfer tells: failures, notes and its summary. `table` is the one that it
+  /// is about, empty where it is about none.
   void Told(dorvane::Severity severity, const std::string& table, const std::string& message);
-  /// After the user has seen the summary.
+  /// Right before the user sees the summary.
+  void SummaryReady(const std::string& summary);
+  /// After that.
   void Ended();
 
  private:
@@ -78,6 +84,9 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Shows the message, in the thread of this object.
   void RedirectErrorMessage(std::string_view message, std::string_view source, std::int32_t style);
   void FlushRowCount();
+  /// The table that a message is about.
+  std::string TableOf(std::string_view message) const;
+  void EndTable(std::string_view table, TableState state);
   /// Who has stopped the run needs no box that says so.
   void TellStopped();
 
@@ -86,7 +95,10 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
 
   TransferProgress progress_;
   FailureBoxes boxes_;
-  std::string table_;  // in hand
+  OutcomeRecorder outcomes_;
+  std::unordered_set<std::string> tables_;  // of the run
+  std::string table_;                       // in hand
+  std::chrono::steady_clock::time_point clock_shown_;
   std::function<TableCounts()> table_counts_;
   QTimer row_timer_;
   std::atomic<std::int64_t> new_rows_ = 0;
@@ -94,7 +106,6 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   bool transferring_ = false;
   bool leaving_ = false;
   bool has_ended_ = false;
-  bool table_failed_ = false;  // something of the table in hand was reported
 };
 
 }  // namespace dorvane
