@@ -242,7 +242,8 @@ bool Conversion::CreateTable(TableDefinition& table) {
 
 bool Conversion::Cure(TableDefinition& table, const DestinationFailure& failure) {
   return CureTable(table, failure.NativeError()) ||
-         HoldRefusedValues(table, DestServer(), failure.Summary().description);
+         HoldRefusedValues(table, DestinationKind() == ServerKind::MySql ? "MySQL" : "SQL Server",
+                           failure.Summary().description);
 }
 
 void Conversion::TellNotes(const TableDefinition& table) {

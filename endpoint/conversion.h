@@ -117,8 +117,6 @@ class Conversion {
   /// In overwrite mode, right before the table is created.
   virtual void PrepareTable(const TableDefinition& table) = 0;
   virtual std::string CreateTableStatement(const TableDefinition& table) const = 0;
-  /// The destination, as notes call it.
-  virtual std::string_view DestServer() const = 0;
   /// The server's number for a table that is there already.
   virtual std::int32_t TableExistsError() const = 0;
   /// Changes a definition that was refused with this number so that it may be taken, and notes what

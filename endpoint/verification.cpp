@@ -99,6 +99,7 @@ void Conversion::Compare(const NameList& src_tables) {
 void Conversion::CompareEach(const NameList& tables) {
   host_.ComparisonStarted();
   if (!IsSideBySide(tables)) return ForEachTable(tables, &Conversion::CompareListed);
+  SourceTable(tables.front());  // the catalog is read once, not by each lane
   std::vector<ConnectionPair> pairs = OpenPairs(tables.size());
   Lanes lanes(pairs.size() + 1, events_, host_);
   OnLanes(lanes, pairs, TableQueue(tables), &Conversion::CompareListed);

@@ -22,7 +22,6 @@ class MsSqlToMySql : public Conversion {
   TableDefinition DefineTable(ado::Table& tab_src) override;
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
-  std::string_view DestServer() const override { return "MySQL"; }
   std::int32_t TableExistsError() const override;
   bool CureTable(TableDefinition& table, std::int32_t native_error) override;
   bool FoldsTableNames() override;

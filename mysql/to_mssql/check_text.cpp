@@ -36,6 +36,16 @@ bool IsUtf8(std::string_view bytes) {
 
 }  // namespace
 
+std::string FromCatalog(std::string_view condition) {
+  std::string bytes;
+  for (std::string_view rest = condition; !rest.empty();) {
+    const std::optional<char32_t> character = text::TakeCodePoint(rest);
+    if (!character || *character > 0xFF) return std::string(condition);
+    bytes += static_cast<char>(*character);
+  }
+  return IsUtf8(bytes) ? bytes : std::string(condition);
+}
+
 bool TakeText(std::string_view& rest, std::string& text) {
   const bool is_escaped = rest.starts_with("\\'");
   const std::string_view quote = is_escaped ? "\\'" : "'";
@@ -62,16 +72,6 @@ bool TakeText(std::string_view& rest, std::string& text) {
     }
   }
   return false;
-}
-
-std::string FromCatalog(std::string_view condition) {
-  std::string bytes;
-  for (std::string_view rest = condition; !rest.empty();) {
-    const std::optional<char32_t> character = text::TakeCodePoint(rest);
-    if (!character || *character > 0xFF) return std::string(condition);
-    bytes += static_cast<char>(*character);
-  }
-  return IsUtf8(bytes) ? bytes : std::string(condition);
 }
 
 std::string CheckText(std::string_view condition) {

@@ -109,7 +109,8 @@ bool IsText(std::string_view rest) {
   return rest.starts_with('\'') || rest.starts_with("\\'");
 }
 
-std::optional<std::vector<ExpressionToken>> TokensOf(std::string_view rest) {
+std::optional<std::vector<ExpressionToken>> TokensOf(const std::string& expression) {
+  std::string_view rest = expression;
   std::vector<ExpressionToken> tokens;
   while (!rest.empty()) {
     const char first = rest.front();
@@ -163,7 +164,7 @@ std::optional<std::string> ExpressionText(
     value.text = dest_name(found->name);
     return value;
   };
-  const auto tokens = TokensOf(column.kind.computed);
+  const auto tokens = TokensOf(FromCatalog(column.kind.computed));
   if (!tokens) return std::nullopt;
   const std::optional<Operand> value = TranslateExpression(*tokens, {.column = operand,
                                                                      .functions = kFunctions,

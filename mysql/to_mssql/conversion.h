@@ -49,7 +49,6 @@ class MySqlToMsSql : public Conversion {
 
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
-  std::string_view DestServer() const override { return "SQL Server"; }
   std::int32_t TableExistsError() const override;
   bool FoldsTableNames() override;
   ServerKind DestinationKind() const override { return ServerKind::MsSql; }

@@ -126,7 +126,7 @@ TEST(ComputedColumns, StayComputedOnSqlServerWhereBothMeanTheSame) {
       "create table Line(id int auto_increment primary key, price decimal(10,2), qty int unsigned, "
       "`first` varchar(30), `last` varchar(30), big int, day_of date,"
       "`line total` decimal(20,2) as (price * qty) stored,"
-      "who varchar(70) as (concat(`first`, ' ''', `last`)) virtual,"
+      "who varchar(70) as (concat(`first`, ' » ''', `last`)) virtual,"
       "size varchar(5) as (if(qty > 10, 'big', 'small')) virtual,"
       "square bigint as (big * big) stored,"
       "born int as (year(day_of)) virtual,"
