@@ -164,14 +164,20 @@ TEST_F(PreviewTest, FindsNamesThatAreTooLong) {
                       database_);
   Job job = TheJob(ServerKind::MsSql);
   job.tables = {name, "T", "K"};
-  const std::vector<std::string> remarks = RemarksOf(Preview(job, 1));
+  std::vector<std::string> remarks = RemarksOf(Preview(job, 1));
   ProgramRun run(job);
   EXPECT_EQ(run.Wait(), 1);
+  const auto is_of_table = [](const std::string& line) {
+    return line.find("'nnn") != std::string::npos;
+  };
+  EXPECT_EQ(std::erase_if(remarks, is_of_table), 1U) << "MariaDB has words of its own for it";
   std::vector<std::string> told;
   for (const std::string& line : LinesOf(run.Log())) {
-    if (line.find("is too long") != std::string::npos) told.push_back("-- Lost: " + line);
+    if (line.find("is too long") != std::string::npos && !is_of_table(line)) {
+      told.push_back("-- Lost: " + line);
+    }
   }
-  EXPECT_EQ(told.size(), 3U) << run.Log();
+  EXPECT_EQ(told.size(), 2U) << run.Log();
   EXPECT_THAT(remarks, testing::ElementsAreArray(told));
 }
 
