@@ -79,27 +79,32 @@ RunReport::Time Now() {
 
 void RunRecorder::Begin(std::string_view task, const IDatabase& src, const IDatabase& dest,
                         const NameList& tables) {
-  report_ = {.task = std::string(task),
-             .source = NameOf(src),
-             .destination = NameOf(dest),
-             .options = OptionsOf(src, dest),
-             .started = Now()};
-  positions_.clear();
-  for (const std::string& name : tables) {
-    if (positions_.emplace(name, report_.tables.size()).second) {
-      report_.tables.push_back({.name = name});
-    }
-  }
+  Take({.task = std::string(task),
+        .source = NameOf(src),
+        .destination = NameOf(dest),
+        .options = OptionsOf(src, dest),
+        .started = Now()});
+  for (const std::string& name : tables) TakeInHand(name);
   in_hand_ = nullptr;
-  is_comparing_ = false;
 }
 
-void RunRecorder::Continue(const NameList& tables) {
+void RunRecorder::Continue(const RunReport& earlier, const NameList& tables) {
+  Take(earlier);
   for (const std::string& name : tables) TakeInHand(name) = {.name = name};
   // What ended the run before is not what this one comes to.
   std::erase_if(report_.messages, &ReportedMessage::is_failure);
   report_.is_complete = false;
   in_hand_ = nullptr;
+}
+
+void RunRecorder::Take(RunReport report) {
+  report_ = std::move(report);
+  positions_.clear();
+  for (std::size_t i = 0; i < report_.tables.size(); ++i) {
+    positions_.emplace(report_.tables[i].name, i);
+  }
+  in_hand_ = nullptr;
+  is_comparing_ = false;
 }
 
 RunReport RunRecorder::Report() const {

@@ -25,9 +25,9 @@ class RunRecorder : public IConversionListener, public IRunHost {
   /// what it is called: "Conversion".
   void Begin(std::string_view task, const IDatabase& src, const IDatabase& dest,
              const NameList& tables);
-  /// The run goes on with these tables, which are to be converted once more; what was taken down of
-  /// the others stays.
-  void Continue(const NameList& tables);
+  /// A run goes on with these tables, which are converted once more; what its report says of the
+  /// others stays.
+  void Continue(const RunReport& earlier, const NameList& tables);
   /// A failure that no endpoint tells.
   void AddFailure(std::string_view message) { Add(true, {}, message); }
   /// Of the run so far.
@@ -60,6 +60,8 @@ class RunRecorder : public IConversionListener, public IRunHost {
   bool IsStopping() const override { return host_.IsStopping(); }
 
  private:
+  /// Takes the report's tables for those that follow.
+  void Take(RunReport report);
   /// The table, which is the one in hand from now on. Its name is one of the list.
   ReportedTable& TakeInHand(std::string_view name);
   /// A message of the table in hand, or of the run. `source` may be empty.

@@ -171,7 +171,7 @@ TEST_F(RunRecorderTest, TheRestOfARunIsReportedWithWhatWasDoneBefore) {
   recorder_.AddFailure("stopped");
   recorder_.ConversionEnded();
   EXPECT_FALSE(recorder_.Report().succeeded);
-  recorder_.Continue({"b"});
+  recorder_.Continue(recorder_.Report(), {"b"});
   EXPECT_FALSE(recorder_.Report().is_complete);
   recorder_.TableConversionStarted("b");
   recorder_.TableConversionSuccessed("b");

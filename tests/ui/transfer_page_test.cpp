@@ -140,41 +140,6 @@ TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
   EXPECT_EQ(driver_.scheduled, (NameList{"Customers", "Orders"}));
 }
 
-TEST_F(TransferPages, WhatWillHappenIsShownBeforehand) {
-  script_.transfer = [this](IConversionListener& listener, const NameList& tables) {
-    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
-    listener.TableConversionStarted(tables[0]);
-    script_.host->Inform("Table Customers: 3 fractions of a second were cut");
-    listener.TableContentTransferStarted(tables[0], 3);
-    listener.ErrorOccured("it is too long", message_style::kError, "Insertion Error");
-    listener.ConversionEnded();
-  };
-  GoToTransfer();
-  QString shown;
-  QTimer look;
-  QObject::connect(&look, &QTimer::timeout, [&] {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-      if (window->objectName() != "frmPreview" || !window->isVisible()) continue;
-      if (!window->findChild<QLabel*>("lblOutcome")->text().startsWith("Something")) continue;
-      shown = window->findChild<QPlainTextEdit*>("txtScript")->toPlainText();
-      window->findChild<QAbstractButton*>("cmdClosePreview")->click();
-    }
-  });
-  look.start(20);
-  driver_.Click("cmdPreview");
-  EXPECT_TRUE(driver_.TakeBoxes().empty());
-  EXPECT_THAT(shown.toStdString(),
-              testing::HasSubstr("-- Table Customers\n"
-                                 "-- Note: Table Customers: 3 fractions of a second were cut\n"
-                                 "-- 3 rows are copied\n"
-                                 "-- Lost: Insertion Error - it is too long\n"
-                                 "\n-- 2 remarks, see above."));
-  EXPECT_FALSE(driver_.Get<QWidget>("tblMessages").isVisible());
-  EXPECT_TRUE(driver_.IsEnabled("cmdTransferTables"));
-  driver_.Click("cmdTransferTables");
-  EXPECT_EQ(driver_.TakeBoxes().size(), 2u) << "the listener is the run's again";
-}
-
 TEST_F(TransferPages, AComparisonIsShownSummedUpAndReported) {
   script_.transfer = [this](IConversionListener& listener, const NameList& tables) {
     IRunHost& host = *script_.host;
@@ -230,6 +195,41 @@ TEST_F(TransferPages, AComparisonIsShownSummedUpAndReported) {
   EXPECT_TRUE(report.contains("\"complete\": true")) << report.toStdString();
   EXPECT_TRUE(report.contains("\"text\": \"1 row is missing\""));
   EXPECT_TRUE(report.contains("\"text\": \"Verified: 100 rows equal\""));
+}
+
+TEST_F(TransferPages, WhatWillHappenIsShownBeforehand) {
+  script_.transfer = [this](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
+    listener.TableConversionStarted(tables[0]);
+    script_.host->Inform("Table Customers: 3 fractions of a second were cut");
+    listener.TableContentTransferStarted(tables[0], 3);
+    listener.ErrorOccured("it is too long", message_style::kError, "Insertion Error");
+    listener.ConversionEnded();
+  };
+  GoToTransfer();
+  QString shown;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      if (window->objectName() != "frmPreview" || !window->isVisible()) continue;
+      if (!window->findChild<QLabel*>("lblOutcome")->text().startsWith("Something")) continue;
+      shown = window->findChild<QPlainTextEdit*>("txtScript")->toPlainText();
+      window->findChild<QAbstractButton*>("cmdClosePreview")->click();
+    }
+  });
+  look.start(20);
+  driver_.Click("cmdPreview");
+  EXPECT_TRUE(driver_.TakeBoxes().empty());
+  EXPECT_THAT(shown.toStdString(),
+              testing::HasSubstr("-- Table Customers\n"
+                                 "-- Note: Table Customers: 3 fractions of a second were cut\n"
+                                 "-- 3 rows are copied\n"
+                                 "-- Lost: Insertion Error - it is too long\n"
+                                 "\n-- 2 remarks, see above."));
+  EXPECT_FALSE(driver_.Get<QWidget>("tblMessages").isVisible());
+  EXPECT_TRUE(driver_.IsEnabled("cmdTransferTables"));
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(driver_.TakeBoxes().size(), 2u) << "the listener is the run's again";
 }
 
 TEST_F(TransferPages, RowsAreShownInOrderWithTheOtherEvents) {

@@ -44,6 +44,7 @@ void frmWizard::ConnectRun() {
     for (const Nav button : {kNext, kBack, kFinish}) NavButton(button).SetEnabled(false);
   });
   connect(&run_, &WizardRun::Ended, this, [this] {
+    report_ = recorder_.Report();
     NavButton(kCancel).SetEnabled(false);
     NavButton(kFinish).SetEnabled(true);
     NavButton(kFinish).setFocus();
@@ -160,9 +161,20 @@ void frmWizard::Transfer(const NameList& tables) {
   if (leaving_.isActive()) {
     close();
   } else if (!has_ended) {
+    report_ = recorder_.Report();
     SetNavigationButtons(mnCurStep_);
     transfer_page_->ConversionGivenBack();
   }
+}
+
+WizardRun::TableCounts frmWizard::Counts() const {
+  WizardRun::TableCounts counts = transfer_page_->Counts();
+  for (const ReportedTable& table : recorder_.Report().tables) {
+    if (!table.verification) continue;
+    ++counts.compared;
+    if (!table.verification->is_failure) ++counts.equal;
+  }
+  return counts;
 }
 
 void frmWizard::ShowPreview() {
@@ -176,16 +188,6 @@ void frmWizard::ShowPreview() {
                                    : QString("Something would be lost or changed: see the lines "
                                              "with \"Lost:\" and \"Note:\"."));
   if (dialog.isVisible()) dialog.exec();
-}
-
-WizardRun::TableCounts frmWizard::Counts() const {
-  WizardRun::TableCounts counts = transfer_page_->Counts();
-  for (const ReportedTable& table : recorder_.Report().tables) {
-    if (!table.verification) continue;
-    ++counts.compared;
-    if (!table.verification->is_failure) ++counts.equal;
-  }
-  return counts;
 }
 
 void frmWizard::Cancel() {

@@ -104,9 +104,9 @@ class frmWizard : public QWidget {
 
   void ChooseDirection(ServerKind source);
   void Transfer(const NameList& tables);
-  void ShowPreview();
   /// The numbers of a run's summary.
   WizardRun::TableCounts Counts() const;
+  void ShowPreview();
   void Cancel();
   /// Ends the program when the servers have answered. Asked once more, or after some seconds, it
   /// does not wait for them any longer.
@@ -117,6 +117,7 @@ class frmWizard : public QWidget {
   WizardServices services_;
   WizardRun run_;
   RunRecorder recorder_{run_, run_};  // outlives the endpoints that report to it
+  RunReport report_;                  // of the last run
   WizardSession session_;
   ServerCaller server_caller_;
   DesktopLink desktop_;
