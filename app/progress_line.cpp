@@ -28,17 +28,13 @@ std::size_t TerminalWidth() {
 
 ProgressLine::ProgressLine() : on_terminal_(isatty(STDERR_FILENO) == 1) {}
 
+void ProgressLine::StartComparisons() {
+  is_comparing_ = true;
+  table_ = 0;
+}
+
 void ProgressLine::StartTable(std::string_view name, std::int64_t rows) {
-  Start(text::Visible(name), rows);
-}
-
-void ProgressLine::StartComparison(std::string_view name, std::int64_t rows) {
-  if (!std::exchange(is_comparing_, true)) table_ = 0;
-  Start("Comparing " + text::Visible(name), rows);
-}
-
-void ProgressLine::Start(std::string name, std::int64_t rows) {
-  name_ = std::move(name);
+  name_ = text::Visible(name);
   rows_ = rows;
   done_ = 0;
   ++table_;
@@ -85,7 +81,8 @@ void ProgressLine::Draw(Clock::time_point now) {
 
 void ProgressLine::DrawLine(std::string_view line) {
   drawn_ = true;
-  WriteStandardError("\r\x1b[K" + std::string(text::FirstCharacters(line, TerminalWidth())));
+  const std::string text = fmt::format("{}{}", is_comparing_ ? "Comparing " : "", line);
+  WriteStandardError("\r\x1b[K" + std::string(text::FirstCharacters(text, TerminalWidth())));
 }
 
 void ProgressLine::Clear() {

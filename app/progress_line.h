@@ -17,8 +17,9 @@ class ProgressLine {
  public:
   ProgressLine();
   void StartConversion(int tables) { tables_ = tables; }
+  /// From now on tables are compared.
+  void StartComparisons();
   void StartTable(std::string_view name, std::int64_t rows);
-  void StartComparison(std::string_view name, std::int64_t rows);
   /// Of the table that is compared, by now.
   void ShowRowsCompared(std::int64_t rows);
   void CountRow();
@@ -31,7 +32,6 @@ class ProgressLine {
 
  private:
   using Clock = std::chrono::steady_clock;
-  void Start(std::string name, std::int64_t rows);
   /// Not more often than the line can be read.
   void DrawInTime();
   void Draw(Clock::time_point now);
@@ -43,7 +43,7 @@ class ProgressLine {
   int table_ = 0;  // of those that are converted, and then of those compared
   bool is_comparing_ = false;
   bool is_side_by_side_ = false;
-  std::string name_;  // in front of how far it is
+  std::string name_;
   std::int64_t rows_ = 0;
   std::int64_t done_ = 0;
   Clock::time_point started_;

@@ -51,6 +51,8 @@ class IRunHost {
   /// The step has ended, well or not. The time was taken where the table was worked on.
   virtual void TableStepEnded(std::string_view /*table_name*/,
                               std::chrono::duration<double> /*took*/) {}
+  /// The tables are there, and are compared from now on.
+  virtual void ComparisonStarted() {}
   /// The step is a comparison of so many rows of the source with those of the destination.
   virtual void TableComparisonStarted(std::string_view /*table_name*/,
                                       std::int64_t /*no_of_records*/) {}

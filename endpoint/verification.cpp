@@ -97,6 +97,7 @@ void Conversion::Compare(const NameList& src_tables) {
 }
 
 void Conversion::CompareEach(const NameList& tables) {
+  host_.ComparisonStarted();
   if (!IsSideBySide(tables)) return ForEachTable(tables, &Conversion::CompareListed);
   std::vector<ConnectionPair> pairs = OpenPairs(tables.size());
   Lanes lanes(pairs.size() + 1, events_, host_);

@@ -53,6 +53,7 @@ class RunRecorder : public IConversionListener, public IRunHost {
   void ShowTablesInHand(const TablesInHand& tables) override { host_.ShowTablesInHand(tables); }
   void TableStepStarted(std::string_view table_name) override;
   void TableStepEnded(std::string_view table_name, std::chrono::duration<double> took) override;
+  void ComparisonStarted() override { host_.ComparisonStarted(); }
   void TableComparisonStarted(std::string_view table_name, std::int64_t no_of_records) override;
   void ShowRowsCompared(std::int64_t rows) override { host_.ShowRowsCompared(rows); }
   void Yield() override { host_.Yield(); }

@@ -30,7 +30,7 @@ frmWizard::frmWizard(WizardServices services)
 frmWizard::~frmWizard() = default;
 
 void frmWizard::ConnectRun() {
-  run_.SetTableCounts([this] { return transfer_page_->Counts(); });
+  run_.SetTableCounts([this] { return Counts(); });
   connect(&run_, &WizardRun::ProgressChanged, this, [this] { ShowProgress(run_.Progress()); });
   connect(&run_, &WizardRun::TablesEnded, transfer_page_, &TransferPage::AddOutcomes);
   connect(&run_, &WizardRun::Told, transfer_page_, &TransferPage::AddMessage);
@@ -81,9 +81,9 @@ void frmWizard::ChooseDirection(ServerKind source) {
   }
   tables_page_->ClearLists();
 
-  session_.src = services_.make_endpoint(source, run_);
+  session_.src = services_.make_endpoint(source, recorder_);
   session_.dest =
-      services_.make_endpoint(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql, run_);
+      services_.make_endpoint(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql, recorder_);
   if (from_ms_sql) {
     session_.src->SetPortNo(1433);
     session_.src->SetServer("localhost");
@@ -92,8 +92,8 @@ void frmWizard::ChooseDirection(ServerKind source) {
     session_.dest->SetServer("localhost");
     session_.dest->SetUserId("root");
   }
-  session_.src->SetListener(&run_);
-  session_.dest->SetListener(&run_);
+  session_.src->SetListener(&recorder_);
+  session_.dest->SetListener(&recorder_);
   for (const std::int16_t page : {page::kMySqlDestination, page::kMsSqlDestination}) {
     Page(page).ShowMerge();
   }
@@ -171,10 +171,21 @@ void frmWizard::ShowPreview() {
   PreviewScript script([&dialog](std::string_view lines) { dialog.Append(lines); });
   dialog.open();
   run_.Preview(*session_.src, *session_.dest, session_.tables, script);
+  session_.src->SetListener(&recorder_);
   dialog.End(script.Remarks() == 0 ? "Nothing would be lost."
                                    : QString("Something would be lost or changed: see the lines "
                                              "with \"Lost:\" and \"Note:\"."));
   if (dialog.isVisible()) dialog.exec();
+}
+
+WizardRun::TableCounts frmWizard::Counts() const {
+  WizardRun::TableCounts counts = transfer_page_->Counts();
+  for (const ReportedTable& table : recorder_.Report().tables) {
+    if (!table.verification) continue;
+    ++counts.compared;
+    if (!table.verification->is_failure) ++counts.equal;
+  }
+  return counts;
 }
 
 void frmWizard::Cancel() {

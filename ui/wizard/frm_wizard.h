@@ -11,6 +11,7 @@
 #include <map>
 
 #include "job/endpoints.h"
+#include "job/run_recorder.h"
 #include "ui/controls/gradient_button.h"
 #include "ui/controls/picture_box.h"
 #include "ui/wizard/connection_page.h"
@@ -104,6 +105,8 @@ class frmWizard : public QWidget {
   void ChooseDirection(ServerKind source);
   void Transfer(const NameList& tables);
   void ShowPreview();
+  /// The numbers of a run's summary.
+  WizardRun::TableCounts Counts() const;
   void Cancel();
   /// Ends the program when the servers have answered. Asked once more, or after some seconds, it
   /// does not wait for them any longer.
@@ -112,7 +115,8 @@ class frmWizard : public QWidget {
   void ShowHelp();
 
   WizardServices services_;
-  WizardRun run_;  // outlives the endpoints that report to it
+  WizardRun run_;
+  RunRecorder recorder_{run_, run_};  // outlives the endpoints that report to it
   WizardSession session_;
   ServerCaller server_caller_;
   DesktopLink desktop_;

@@ -45,17 +45,21 @@ void TransferPage::AddButtons() {
   cmdPreview_ = &theme::AddButton("cmdPreview", *this, "What will happen", 'W');
   cmdSchedule_ = &theme::AddButton("cmdSchedule", *this, "Schedule Conversion", 'S');
   cmdSchedule_->SetEnabled(false);
+  cmdSaveReport_ = &theme::AddButton("cmdSaveReport", *this, "Save report", 'R');
+  cmdSaveReport_->SetEnabled(false);
   auto& cmdTasks = theme::AddButton("cmdTasks", *this, "Scheduled tasks", 'K');
   auto& row = MakeLayout<QHBoxLayout>(Content());
   row.setSpacing(theme::kGap);
   row.addWidget(cmdTransferTables_);
   row.addWidget(cmdPreview_);
   row.addWidget(cmdSchedule_);
+  row.addWidget(cmdSaveReport_);
   row.addStretch();
   row.addWidget(&cmdTasks);
   connect(cmdTransferTables_, &QAbstractButton::clicked, this, &TransferPage::TransferRequested);
   connect(cmdPreview_, &QAbstractButton::clicked, this, &TransferPage::PreviewRequested);
   connect(cmdSchedule_, &QAbstractButton::clicked, this, &TransferPage::ScheduleRequested);
+  connect(cmdSaveReport_, &QAbstractButton::clicked, this, &TransferPage::ReportRequested);
   connect(&cmdTasks, &QAbstractButton::clicked, this, &TransferPage::TasksRequested);
 }
 
@@ -153,6 +157,7 @@ void TransferPage::Show(const TransferProgress& progress) {
 
 void TransferPage::ConversionStarted() {
   cmdSchedule_->SetEnabled(false);
+  cmdSaveReport_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(false);
   cmdPreview_->SetEnabled(false);
   cmdTransferRest_->hide();
@@ -163,6 +168,7 @@ void TransferPage::ConversionStarted() {
 
 void TransferPage::ConversionEnded() {
   cmdSchedule_->SetEnabled(true);
+  cmdSaveReport_->SetEnabled(true);
   cmdStop_->SetEnabled(false);
   if (Waiting().empty()) return;
   cmdStop_->hide();
@@ -171,6 +177,7 @@ void TransferPage::ConversionEnded() {
 
 void TransferPage::ConversionGivenBack() {
   cmdStop_->SetEnabled(false);
+  cmdSaveReport_->SetEnabled(true);
   cmdTransferTables_->SetEnabled(true);
   cmdPreview_->SetEnabled(true);
   cmdTransferTables_->setFocus();

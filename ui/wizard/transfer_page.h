@@ -44,6 +44,7 @@ class TransferPage : public WizardPage {
   void RestRequested();
   void StopRequested();
   void ScheduleRequested();
+  void ReportRequested();
   void TasksRequested();
 
  private:
@@ -63,6 +64,7 @@ class TransferPage : public WizardPage {
   GradientButton* cmdTransferTables_;
   GradientButton* cmdPreview_;
   GradientButton* cmdSchedule_;
+  GradientButton* cmdSaveReport_;  // of a run that is over
   GradientButton* cmdStop_;
   GradientButton* cmdTransferRest_;
 };
