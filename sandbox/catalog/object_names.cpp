@@ -3,7 +3,6 @@
 #include "sandbox/catalog/session.h"
 #include "sandbox/parser/parser.h"
 #include "sandbox/text/text_order.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
 

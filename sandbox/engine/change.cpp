@@ -6,7 +6,6 @@
 #include "sandbox/storage/encoding.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
 

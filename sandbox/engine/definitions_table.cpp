@@ -6,7 +6,6 @@
 #include "sandbox/engine/stored_columns.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/ticks.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
 

@@ -3,8 +3,6 @@
 
 #include "sandbox/engine/statement_runners.h"
 #include "sandbox/functions/functions.h"
-#include "sandbox/storage/encoding.h"
-#include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
 #include "sandbox/values/type_rules.h"
 

@@ -4,7 +4,6 @@
 #include "sandbox/engine/statement_runners.h"
 #include "sandbox/parser/parser.h"
 #include "sandbox/text/text_order.h"
-#include "sandbox/values/convert.h"
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {

@@ -1,5 +1,3 @@
-#include <array>
-
 #include "sandbox/catalog/object_names.h"
 #include "sandbox/engine/sql_session.h"
 #include "sandbox/text/text_order.h"

@@ -1,7 +1,6 @@
 #include "sandbox/functions/functions.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <utility>

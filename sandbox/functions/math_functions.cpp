@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <random>
 
 #include "sandbox/functions/scalar_functions.h"
 #include "sandbox/values/convert.h"

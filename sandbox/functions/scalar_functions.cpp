@@ -3,7 +3,6 @@
 #include <array>
 #include <random>
 
-#include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
 #include "sandbox/values/type_rules.h"
 

@@ -1,6 +1,4 @@
 #include "sandbox/parser/parser.h"
-#include "sandbox/values/errors.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
 
