@@ -223,6 +223,21 @@ TEST_F(Navigation, AnUnreachableSourceLocksNobodyOnTheTablePage) {
   EXPECT_EQ(driver_.Names("lstSrcTables"), NameList{"Customers"});
 }
 
+TEST_F(Navigation, WhoCancelsFindsTheValuesAgain) {
+  WriteConfig(driver_.Folder(),
+              {"mssql", "false", "1433", "old", "sa", "", "3307", "dest", "me", ""});
+  driver_.Window().Load();
+  driver_.Next();
+  driver_.Type("txtSrcHost", "new");
+  driver_.Type("txtSrcPassword", "Ab1");
+  driver_.Click("cmdNav1");
+  const std::string config = ReadConfig(driver_.Folder());
+  EXPECT_TRUE(config.starts_with("mssql\r\nfalse\r\n1433\r\nnew\r\nsa\r\n")) << config;
+  EXPECT_EQ(config.find("Ab1"), std::string::npos);
+  EXPECT_TRUE(config.find("\r\n3307\r\ndest\r\nme\r\n") != std::string::npos)
+      << "of the page that was not reached: " << config;
+}
+
 TEST_F(Navigation, AnEmptyNewNameIsRefusedOnTheWayToTheTables) {
   driver_.Next();
   driver_.Click("cmdSrcConnect");
