@@ -8,6 +8,7 @@
 #include <limits>
 #include <utility>
 
+#include "endpoint/generated_columns.h"
 #include "endpoint/keep_open.h"
 #include "platform/ado/items.h"
 #include "platform/text/ascii.h"
@@ -33,7 +34,9 @@ Conversion::Conversion(Context context)
       host_(context.host),
       copy_(context.copy),
       rehearsal_(std::move(context.rehearsal)) {
-  if (IsRehearsing()) destination_->Rehearse(rehearsal_);
+  if (IsRehearsing()) {
+    destination_->Rehearse([this](std::string_view sql) { RehearseStatement(sql); });
+  }
 }
 
 void Conversion::Run(const NameList& src_tables) {
@@ -232,9 +235,15 @@ bool Conversion::CreateTable(TableDefinition& table) {
     } catch (const DestinationFailure& failure) {
       const std::int32_t native_error = failure.NativeError();
       if (IsMerging() && native_error == TableExistsError()) return false;
-      if (!CureTable(table, native_error)) throw;
+      if (!Cure(table, failure)) throw;
     }
   }
+}
+
+bool Conversion::Cure(TableDefinition& table, const DestinationFailure& failure) {
+  return CureTable(table, failure.NativeError()) ||
+         HoldRefusedValues(table, DestinationKind() == ServerKind::MySql ? "MySQL" : "SQL Server",
+                           failure.Summary().description);
 }
 
 void Conversion::TellNotes(const TableDefinition& table) {
@@ -252,14 +261,16 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
     ReportCopyProblem(table, fmt::format("{} - {}", summary.number, summary.description));
   };
   try {
+    const std::set<std::string> left_out = ColumnsLeftOut(table, is_new);
     ado::Recordset source =
-        source_->Execute("select " + SelectList(table) + " from " + source_name);
+        source_->Execute("select " + SelectList(table, left_out) + " from " + source_name);
     const std::vector<ado::FieldInfo>& fields = source.FieldInfos();
     const std::int64_t announced = CountRows(source_name);
     events_.TableContentTransferStarted(table.name.Text(), Announced(announced));
 
     const std::vector<ColumnFacts> facts = FactsOf(fields, table);
-    std::unique_ptr<IRowDestination> rows = OpenRows(table, is_new, fields, facts);
+    std::unique_ptr<IRowDestination> rows =
+        OpenRows(table, is_new ? TableUse::New : TableUse::Existing, fields, facts);
     if (IsRehearsing()) rows = Rehearse(std::move(rows), table, is_new, fields);
     RowCopier copier(*rows, events_, host_, copy_);
     bool is_stopped = false;

@@ -34,6 +34,10 @@ enum class Verification { None, Counts, Values };
 /// which has no schemas: `Schema_Table`, `Table`, or `Table` in a database `Schema`.
 enum class SchemaPolicy { Prefix, Drop, Database };
 
+/// What becomes of a column that the source computes: one that holds its values, or one that the
+/// destination computes where it can.
+enum class ComputedColumns { Values, Generated };
+
 /// The most tables that are converted side by side.
 inline constexpr int kMostTablesAtOnce = 8;
 
@@ -45,10 +49,24 @@ struct ConversionOptions {
   bool convert_relationships = false;
   Verification verification = Verification::None;
   TypeMapping types = TypeMapping::Classic;
+  ComputedColumns computed_columns = ComputedColumns::Values;
   SchemaPolicy schemas = SchemaPolicy::Prefix;  // from SQL Server only
   std::string destination_schema = {};          // to SQL Server only; empty: the login's default
   NameList reports = {};                        // files that an unattended run's report goes to
   int tables_at_once = 1;  // up to kMostTablesAtOnce, each over a pair of connections of its own
+};
+
+/// How large a table is, as the server's catalog estimates it.
+struct TableSize {
+  std::string name;  // as GetTablesFromDatabase lists it
+  std::int64_t rows = 0;
+  std::int64_t bytes = 0;  // with its indexes
+};
+
+struct ServerInfo {
+  std::string product;  // "Microsoft SQL Server", "MySQL", "MariaDB"
+  std::string version;
+  std::optional<bool> is_encrypted = {};  // the connection; none where the server does not tell
 };
 
 /// One database server as the converter sees it. Operations report their failures themselves
@@ -96,6 +114,11 @@ class IDatabase {
   /// The tables of DbName in the catalog's order, or none when no connection could be opened.
   /// Throws RunTimeError when the catalog cannot be read.
   virtual std::optional<NameList> GetTablesFromDatabase() = 0;
+  /// The sizes of the tables of DbName, by one question; none where the server does not tell them.
+  /// Reports no failure.
+  virtual std::vector<TableSize> GetTableSizes() { return {}; }
+  /// What the server is; none where it does not tell. Reports no failure.
+  virtual std::optional<ServerInfo> GetServerInfo() { return {}; }
   /// Compares the listed tables with those of the database DbName of `dest` that they would be
   /// converted to: by the options, but values unless counts are asked for. Changes nothing. Tells
   /// its outcome by events.

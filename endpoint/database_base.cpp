@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <utility>
 
@@ -29,6 +30,13 @@ void TellExposure(IRunHost& host, std::string_view side, const IDatabase& endpoi
   if (!connection.IsExposed()) return;
   host.Inform(
       fmt::format("The connection to the {} server {} is not encrypted", side, endpoint.Server()));
+}
+
+std::int64_t NumberOf(ado::Field& field) {
+  const std::string text = field.IsNull() ? "" : field.Text();
+  std::int64_t number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
 }
 
 std::int16_t TableCount(const NameList& tables) {
@@ -58,6 +66,34 @@ std::unique_ptr<ado::Connection> DatabaseBase::OpenConnection(bool with_db_name)
       host_.ConnectionFailed(*failure);
     }
     return nullptr;
+  }
+}
+
+std::vector<TableSize> DatabaseBase::GetTableSizes() {
+  try {
+    ado::Connection connection(providers_(Kind()));
+    connection.Open(settings_);
+    std::vector<TableSize> sizes;
+    for (ado::Recordset rows = connection.Execute(SizesQuestion()); !rows.AtEnd();
+         rows.MoveNext()) {
+      const ado::TableName name(rows.Field(0).Text(), rows.Field(1).Text());
+      sizes.push_back({name.Text(), NumberOf(rows.Field(2)), NumberOf(rows.Field(3))});
+    }
+    return sizes;
+  } catch (const RunTimeError&) {
+    return {};
+  }
+}
+
+std::optional<ServerInfo> DatabaseBase::GetServerInfo() {
+  try {
+    ado::Connection connection(providers_(Kind()));
+    ado::ConnectionSettings settings = settings_;
+    settings.database.clear();
+    connection.Open(std::move(settings));
+    return AskServerInfo(connection);
+  } catch (const RunTimeError&) {
+    return std::nullopt;
   }
 }
 

@@ -21,6 +21,8 @@ class DatabaseBase : public IDatabase {
   void SetListener(IConversionListener* listener) override { listener_ = listener; }
 
   std::unique_ptr<ado::Connection> OpenConnection(bool with_db_name) override;
+  std::vector<TableSize> GetTableSizes() override;
+  std::optional<ServerInfo> GetServerInfo() override;
   void CompareWithDest(IDatabase& dest, const NameList& src_tables) override;
   void TransferToDest(IDatabase& dest, const NameList& src_tables) override;
   void RehearseTransfer(IDatabase& dest, const NameList& src_tables,
@@ -34,6 +36,10 @@ class DatabaseBase : public IDatabase {
   IConversionListener& Events();
 
  private:
+  /// Schema (empty: the default one, or none), name, rows and bytes of each table of the database.
+  virtual std::string_view SizesQuestion() const = 0;
+  /// Throws RunTimeError.
+  virtual ServerInfo AskServerInfo(ado::Connection& connection) const = 0;
   /// None when there is nothing to report.
   virtual std::optional<ConnectionFailure> DescribeConnectionFailure(
       const RunTimeError& error, const ado::Connection& connection) const = 0;

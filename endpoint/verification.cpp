@@ -99,6 +99,7 @@ void Conversion::Compare(const NameList& src_tables) {
 void Conversion::CompareEach(const NameList& tables) {
   host_.ComparisonStarted();
   if (!IsSideBySide(tables)) return ForEachTable(tables, &Conversion::CompareListed);
+  SourceTable(tables.front());  // the catalog is read once, not by each lane
   std::vector<ConnectionPair> pairs = OpenPairs(tables.size());
   Lanes lanes(pairs.size() + 1, events_, host_);
   OnLanes(lanes, pairs, TableQueue(tables), &Conversion::CompareListed);
@@ -138,7 +139,7 @@ void Conversion::CompareCounts(const TableDefinition& table, std::int64_t source
 
 void Conversion::CompareValues(const TableDefinition& table, std::int64_t source_rows) {
   const std::string from_source =
-      fmt::format("select {} from {}", SelectList(table), SourceName(table.name));
+      fmt::format("select {} from {}", SelectList(table, {}), SourceName(table.name));
   const std::vector<ado::FieldInfo> fields = FieldsOf(*source_, from_source);
   std::string columns;
   for (const ado::FieldInfo& field : fields) {
@@ -154,7 +155,7 @@ void Conversion::CompareValues(const TableDefinition& table, std::int64_t source
   tables.key = KeyFields(catalog_.TableByName(table.name.Text()).Indexes(), fields);
   // The rules that convert say what must have arrived.
   const std::unique_ptr<IRowDestination> rules =
-      OpenRows(table, false, fields, FactsOf(fields, table));
+      OpenRows(table, TableUse::Compared, fields, FactsOf(fields, table));
   tables.source = Converted(ReaderOf(*source_, from_source), *rules);
   tables.destination = ReaderOf(*destination_, from_destination);
   const std::optional<ComparisonResult> result =

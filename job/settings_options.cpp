@@ -37,6 +37,8 @@ constexpr std::array kEncryptions{Name<Encryption>{Encryption::Offered, "offered
                                   Name{Encryption::Verified, "verified"}};
 constexpr std::array kTypes{Name{TypeMapping::Classic, "classic"},
                             Name{TypeMapping::Exact, "exact"}};
+constexpr std::array kComputed{Name{ComputedColumns::Values, "values"},
+                               Name{ComputedColumns::Generated, "generated"}};
 constexpr std::array kSchemas{Name{SchemaPolicy::Prefix, "prefix"},
                               Name{SchemaPolicy::Drop, "drop"},
                               Name{SchemaPolicy::Database, "database"}};
@@ -173,6 +175,8 @@ constexpr std::array kOptions{
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
     ConversionOption<NamedValue<kTypes>, &ConversionOptions::types>("Types"),
+    ConversionOption<NamedValue<kComputed>, &ConversionOptions::computed_columns>(
+        "Computed columns"),
     ConversionOption<NamedValue<kSchemas>, &ConversionOptions::schemas>("Schemas",
                                                                         ServerKind::MsSql),
     ConversionOption<TextValue, &ConversionOptions::destination_schema>("Destination schema",

@@ -124,6 +124,36 @@ std::optional<NameList> MsSqlDatabase::GetTablesFromDatabase() {
   return names;
 }
 
+std::string_view MsSqlDatabase::SizesQuestion() const {
+  return "select case when t.schema_id = schema_id() then '' else schema_name(t.schema_id) end, "
+         "t.name, "
+         "(select sum(p.rows) from sys.partitions p"
+         " where p.object_id = t.object_id and p.index_id in (0, 1)), "
+         "(select sum(a.total_pages) * 8192 from sys.partitions p"
+         " join sys.allocation_units a on a.container_id = p.partition_id"
+         " where p.object_id = t.object_id) "
+         "from sys.tables t";
+}
+
+ServerInfo MsSqlDatabase::AskServerInfo(ado::Connection& connection) const {
+  const auto ask = [&](std::string_view question) {
+    return connection.Execute(question).Field(0).Text();
+  };
+  ServerInfo info{
+      .product = "Microsoft SQL Server",
+      .version = ask("select convert(nvarchar(128), serverproperty('productversion'))")};
+  try {
+    info.is_encrypted =
+        ask("select encrypt_option from sys.dm_exec_connections where session_id = @@spid") ==
+        "TRUE";
+  } catch (const RunTimeError&) {
+    // Not every login may ask.
+    if (connection.IsExposed()) info.is_encrypted = false;
+    if (Settings().encryption != ado::Encryption::Offered) info.is_encrypted = true;
+  }
+  return info;
+}
+
 std::unique_ptr<Conversion> MsSqlDatabase::MakeConversion(Conversion::Context context) {
   return std::make_unique<to_mysql::MsSqlToMySql>(std::move(context));
 }

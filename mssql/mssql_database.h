@@ -20,6 +20,8 @@ class MsSqlDatabase : public DatabaseBase {
   std::optional<NameList> GetTablesFromDatabase() override;
 
  protected:
+  std::string_view SizesQuestion() const override;
+  ServerInfo AskServerInfo(ado::Connection& connection) const override;
   std::unique_ptr<Conversion> MakeConversion(Conversion::Context context) override;
 
  private:

@@ -108,6 +108,20 @@ std::optional<NameList> MySqlDatabase::GetTablesFromDatabase() {
   return names;
 }
 
+std::string_view MySqlDatabase::SizesQuestion() const {
+  return "select '', table_name, table_rows, data_length + index_length "
+         "from information_schema.tables "
+         "where table_schema = database() and table_type = 'BASE TABLE'";
+}
+
+ServerInfo MySqlDatabase::AskServerInfo(ado::Connection& connection) const {
+  const std::string version = connection.Execute("select version()").Field(0).Text();
+  ado::Recordset cipher = connection.Execute("show session status like 'Ssl_cipher'");
+  return {.product = version.find("MariaDB") != version.npos ? "MariaDB" : "MySQL",
+          .version = version.substr(0, version.find('-')),
+          .is_encrypted = !cipher.AtEnd() && !cipher.Field(1).Text().empty()};
+}
+
 std::unique_ptr<Conversion> MySqlDatabase::MakeConversion(Conversion::Context context) {
   return std::make_unique<to_mssql::MySqlToMsSql>(std::move(context));
 }

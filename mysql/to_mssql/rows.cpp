@@ -262,9 +262,10 @@ std::vector<ValueChanges> RowsToMsSql::Changes() const {
   return changes;
 }
 
-std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& table, bool is_new,
+std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& table, TableUse use,
                                                         const std::vector<ado::FieldInfo>& fields,
                                                         const std::vector<ColumnFacts>& facts) {
+  const bool is_new = use == TableUse::New;
   RowsToMsSql::Target target{.table = table.dest_name,
                              .columns = {},
                              .has_identity_column = table.Identity() != nullptr &&

@@ -14,6 +14,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 std::string PlanKey(const TableDef& table, const std::vector<std::string>& columns,
@@ -150,7 +151,7 @@ Value RowWriter::DefaultOf(const InsertPlan::Slot& slot) {
 void RowWriter::Store(const Place& place, const ColumnDef& column, const Value& value,
                       const TypeInfo& from) {
   Value& stored = stored_[static_cast<std::size_t>(place.index - 1)];
-  if (value.index() == 0) {
+  if (IsNull(value)) {
     if (!column.nullable) {
       Raise(515, column.name, fmt::format("{}.{}", link_.Name(), table_.FullName()), "INSERT");
     }

@@ -7,13 +7,14 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 Literal Evaluate(Session& session, const Expr& expr) {
   Binder binder(session);
   const TypeInfo type = binder.BindValue(expr, Scope()).type;
   Value value = session.Evaluate(expr);
-  const bool null = value.index() == 0;
+  const bool null = IsNull(value);
   return {std::move(value), type, null};
 }
 

@@ -8,6 +8,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kMaxDigits = 38;

@@ -22,8 +22,6 @@ class Parser {
   Block ParseBatch();
   /// The whole text as one condition or value, as a default or check is kept.
   ExprPtr ParseExpressionText();
-  /// "@a int, @b varchar(10) = null output", as sp_executesql declares its parameters.
-  std::vector<DeclareItem> ParseParameterList();
   /// "INSERT BULK t (a int, ...) with (...)": the table and its columns.
   InsertBulkStatement ParseInsertBulk();
   /// A name by itself: "dbo.[my table]".
@@ -50,7 +48,7 @@ class Parser {
 
   // statements (parser_statements.cpp)
   StatementPtr ParseStatement();
-  Block ParseUntilEnd(std::string_view second_word);
+  Block ParseUntilEnd();
   Statement ParseKeyword();
   Statement ParseIdle();
   Statement ParseBegin();
@@ -60,7 +58,7 @@ class Parser {
   Statement ParseWhile();
   Statement ParseExecute(bool without_keyword);
   Statement ParseTransaction(TransactionStatement::Kind kind);
-  Statement ParseRaise(bool is_throw);
+  Statement ParseRaise();
   Statement ParseJump(JumpStatement::Kind kind);
   Statement ParseWait();
   Statement ParseUse();
@@ -97,7 +95,6 @@ class Parser {
 
   // drops and changes (parser_changes.cpp)
   Statement ParseDrop();
-  Statement ParseDropIndex(bool if_exists);
   Statement ParseAlter();
   void ParseAlterAdd(AlterTableStatement& alter);
   void ParseAlterDrop(AlterTableStatement& alter);
@@ -105,7 +102,7 @@ class Parser {
 
   // schemas, logins and users (parser_principals.cpp)
   bool AtPrincipal() const;
-  Statement ParsePrincipal(PrincipalStatement::Action action);
+  Statement ParsePrincipal();
   void ParsePrincipalOptions(PrincipalStatement& statement);
 
   // types, indexes and what is read over (parser_modules.cpp)
@@ -125,8 +122,6 @@ class Parser {
   void ParseJoins(std::vector<FromItem>& items);
   void SkipTableHints();
   std::vector<OrderItem> ParseOrderList();
-  std::vector<CommonTable> ParseWith();
-  std::vector<std::vector<ExprPtr>> ParseRowValues();
 
   // expressions (parser_expression.cpp)
   ExprPtr ParseExpr() { return ParseOr(); }
@@ -145,9 +140,8 @@ class Parser {
   ExprPtr ParseWord();
   ExprPtr ParseFunction(std::string name, int line);
   ExprPtr ParseCase();
-  ExprPtr ParseCast(const std::string& function);
-  ExprPtr ParseConvert(const std::string& function);
-  ExprPtr ParseOver(ExprPtr function);
+  ExprPtr ParseCast();
+  ExprPtr ParseConvert();
   ExprPtr NewExpr(ExprKind kind) const;
   std::vector<ExprPtr> ParseList();
 

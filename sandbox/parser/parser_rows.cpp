@@ -2,6 +2,7 @@
 #include "sandbox/values/errors.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::size_t kMaxRowValues = 1000;
@@ -40,9 +41,7 @@ Statement Parser::ParseInsert() {
     insert.rows = 1;
   } else if (token_.Is("values")) {
     ParseValuesRows(insert);
-  } else if (token_.Is("exec") || token_.Is("execute")) {
-    insert.execute = ParseStatement();
-  } else if (token_.Is("select") || token_.Is("with") || token_.IsSymbol("(")) {
+  } else if (token_.Is("select") || token_.IsSymbol("(")) {
     insert.query = ParseQuery();
   } else {
     Fail();
@@ -54,32 +53,14 @@ Statement Parser::ParseUpdate() {
   if (PeekSecond().Is("statistics")) return SkipStatistics();
   Expect("update");
   UpdateStatement update;
-  if (Accept("top")) {
-    ExpectSymbol("(");
-    update.top = ParseExpr();
-    ExpectSymbol(")");
-  }
   update.table = TakeObjectName();
   SkipTableHints();
   Expect("set");
   do {
     Assignment assignment;
-    if (token_.kind == TokenKind::Variable) {
-      assignment.variable = std::string(Take().text);
-      ExpectSymbol("=");
-      if (token_.IsName() && PeekSecond().IsSymbol("=")) {
-        assignment.column = TakeName();
-        Take();
-      }
-    } else {
-      assignment.column = TakeObjectName().name;
-      ExpectSymbol("=");
-    }
-    if (Accept("default")) {
-      assignment.value = nullptr;
-    } else {
-      assignment.value = ParseSum();
-    }
+    assignment.column = TakeObjectName().name;
+    ExpectSymbol("=");
+    if (!Accept("default")) assignment.value = ParseSum();
     update.assignments.push_back(std::move(assignment));
   } while (AcceptSymbol(","));
   if (Accept("from")) update.from = ParseFrom();
@@ -90,11 +71,6 @@ Statement Parser::ParseUpdate() {
 Statement Parser::ParseDelete() {
   Expect("delete");
   DeleteStatement remove;
-  if (Accept("top")) {
-    ExpectSymbol("(");
-    remove.top = ParseExpr();
-    ExpectSymbol(")");
-  }
   Accept("from");
   remove.table = TakeObjectName();
   SkipTableHints();

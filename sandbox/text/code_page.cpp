@@ -7,6 +7,7 @@
 #include "sandbox/text/utf8.h"
 
 namespace sandbox {
+
 namespace {
 
 // The characters of bytes 0x80 to 0x9F; the five unassigned bytes stand for themselves.

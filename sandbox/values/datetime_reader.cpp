@@ -7,6 +7,7 @@
 #include "sandbox/values/ticks.h"
 
 namespace sandbox {
+
 namespace {
 
 // One run of digits, one word or one mark of a date's text.

@@ -156,6 +156,31 @@ TEST_F(PreviewTest, TheScriptForSqlServerMakesWhatTheRunMakes) {
   }
 }
 
+TEST_F(PreviewTest, FindsNamesThatAreTooLong) {
+  const std::string name(70, 'n');
+  rig_.MsSql().Script("create table " + name + " (A int)\ngo\ncreate table T (A int, B" + name +
+                          " int)\ngo\ncreate table K (A int)\ngo\ncreate index I" + name +
+                          " on K(A)\ngo\n",
+                      database_);
+  Job job = TheJob(ServerKind::MsSql);
+  job.tables = {name, "T", "K"};
+  std::vector<std::string> remarks = RemarksOf(Preview(job, 1));
+  ProgramRun run(job);
+  EXPECT_EQ(run.Wait(), 1);
+  const auto is_of_table = [](const std::string& line) {
+    return line.find("'nnn") != std::string::npos;
+  };
+  EXPECT_EQ(std::erase_if(remarks, is_of_table), 1U) << "MariaDB has words of its own for it";
+  std::vector<std::string> told;
+  for (const std::string& line : LinesOf(run.Log())) {
+    if (line.find("is too long") != std::string::npos && !is_of_table(line)) {
+      told.push_back("-- Lost: " + line);
+    }
+  }
+  EXPECT_EQ(told.size(), 2U) << run.Log();
+  EXPECT_THAT(remarks, testing::ElementsAreArray(told));
+}
+
 TEST_F(PreviewTest, TellsOfTablesThatAreThere) {
   MakeShop(ServerKind::MsSql);
   rig_.MySqlValue("create table Loose (A int, B varchar(10)); insert into Loose values (1, 'old')",

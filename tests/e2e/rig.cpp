@@ -90,6 +90,7 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   options.tables_at_once = job.tables_at_once;
   options.verification = job.verification;
   options.reports = job.reports;
+  options.computed_columns = job.computed_columns;
   options.schemas = job.schemas;
   options.destination_schema = job.dest_schema;
   src.SetOptions(options);

@@ -33,6 +33,7 @@ struct Job {
   int tables_at_once = 1;
   Verification verification = Verification::None;
   NameList reports = {};
+  ComputedColumns computed_columns = ComputedColumns::Values;
 };
 
 /// Two private servers, shared by all tests of the program, and runs of the real program.

@@ -122,7 +122,7 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   const std::string options =
       "Encryption source=required\r\nEncryption destination=verified\r\n"
       "CA file destination=/etc/ca s\xFC.pem\r\nIdle limit=0\r\nTypes=exact\r\n"
-      "Schemas=database\r\nTables at once=4\r\nVerify=values\r\n"
+      "Computed columns=generated\r\nSchemas=database\r\nTables at once=4\r\nVerify=values\r\n"
       "Report=/var/r.html\r\nReport=r.json\r\n";
   const ConversionSettings settings = Read(kSales + options);
   const ado::ConnectionSettings src = settings.src->Settings();
@@ -134,6 +134,7 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   EXPECT_EQ(src.idle_limit, 0);
   EXPECT_EQ(dest.idle_limit, 0);
   EXPECT_EQ(settings.src->Options().types, TypeMapping::Exact);
+  EXPECT_EQ(settings.src->Options().computed_columns, ComputedColumns::Generated);
   EXPECT_EQ(settings.src->Options().schemas, SchemaPolicy::Database);
   EXPECT_EQ(settings.src->Options().tables_at_once, 4);
   EXPECT_EQ(settings.src->Options().verification, Verification::Values);

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
+#include <QCompleter>
+#include <QSettings>
+#include <QToolButton>
 #include <thread>
 
 #include "tests/ui/print_qt.h"
@@ -50,6 +54,58 @@ TEST_F(ConnectionPages, SourceConnectFillsTheListAndDisconnectEmptiesIt) {
   EXPECT_TRUE(driver_.IsEnabled("cmdSrcConnect"));
   EXPECT_FALSE(driver_.IsEnabled("cmdSrcDisconnect"));
   EXPECT_TRUE(driver_.HasFocus("cmdSrcConnect"));
+}
+
+TEST_F(ConnectionPages, EarlierConnectionsAreOfferedWithoutTheirPasswords) {
+  script_.info = ServerInfo{"Microsoft SQL Server", "15.0.2000.5", true};
+  driver_.Next();
+  driver_.Type("txtSrcHost", "archive");
+  driver_.Type("txtSrcPortnumber", "1444");
+  driver_.Type("txtSrcUsername", "reader");
+  driver_.Type("txtSrcPassword", "very secret");
+  driver_.Click("cmdSrcConnect");
+  EXPECT_EQ(driver_.LabelText("lblServerInfo1"),
+            "Microsoft SQL Server 15.0.2000.5, encrypted, 2 databases");
+  driver_.Click("cmdSrcDisconnect");
+  EXPECT_EQ(driver_.LabelText("lblServerInfo1"), "");
+  driver_.Type("txtSrcHost", "other");
+  driver_.Type("txtSrcPortnumber", "1");
+  driver_.Click("cmdSrcConnect");
+
+  WizardDriver next(script_);
+  next.Next();
+  auto& host = next.Get<QLineEdit>("txtSrcHost");
+  QTest::keyClick(&host, Qt::Key_Down);
+  QAbstractItemView& offered = *host.completer()->popup();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return offered.isVisible(); }));
+  EXPECT_EQ(offered.model()->index(0, 0).data().toString(), "other, port 1, reader");
+  EXPECT_EQ(offered.model()->index(1, 0).data().toString(), "archive, port 1444, reader");
+  QTest::keyClick(&offered, Qt::Key_Down);
+  QTest::keyClick(&offered, Qt::Key_Down);
+  EXPECT_EQ(offered.currentIndex().row(), 1);
+  QTest::keyClick(&offered, Qt::Key_Return);
+  EXPECT_FALSE(offered.isVisible());
+  EXPECT_EQ(next.Text("txtSrcHost"), "archive");
+  EXPECT_FALSE(next.Get<QLineEdit>("txtSrcHost").isReadOnly());
+  EXPECT_EQ(next.Text("txtSrcPortnumber"), "1444");
+  EXPECT_EQ(next.Text("txtSrcUsername"), "reader");
+  const QSettings kept("Dorvane", "Dorvane");
+  for (const QString& key : kept.allKeys()) {
+    EXPECT_FALSE(kept.value(key).toStringList().join(' ').contains("very secret"))
+        << key.toStdString();
+  }
+}
+
+TEST_F(ConnectionPages, TheEyeShowsThePassword) {
+  driver_.Next();
+  auto& password = driver_.Get<QLineEdit>("txtSrcPassword");
+  driver_.Type("txtSrcPassword", "secret");
+  EXPECT_NE(password.displayText(), "secret");
+  auto* eye = password.findChild<QToolButton*>();
+  QTest::mouseClick(eye, Qt::LeftButton);
+  EXPECT_EQ(password.displayText(), "secret");
+  QTest::mouseClick(eye, Qt::LeftButton);
+  EXPECT_NE(password.displayText(), "secret");
 }
 
 TEST_F(ConnectionPages, AConnectedPageKeepsWhatItWasConnectedWith) {

@@ -109,9 +109,10 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
        {"cmbDestExistingDatabase", "opnOverwite", "cmdDestDisconnect", "cmdNav1", "cmdNav2",
         "cmdNav3", "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword"}},
       {"cmdNav3",
-       {"lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL", "lstDestTables",
-        "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore", "chkConvertRelationShips",
-        "chkExactTypes", "spnTablesAtOnce", "cboVerification", "cmdNav1", "cmdNav2", "cmdNav3"}},
+       {"txtTableFilter", "cboSortTables", "lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL",
+        "lstDestTables", "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore",
+        "chkConvertRelationShips", "chkExactTypes", "chkKeepComputed", "spnTablesAtOnce",
+        "cboVerification", "cmdNav1", "cmdNav2", "cmdNav3"}},
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",

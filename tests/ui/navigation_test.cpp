@@ -121,6 +121,7 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   driver_.Click("chkConvertDefOnly");
   driver_.Click("chkConvertRelationShips");
   driver_.Click("chkExactTypes");
+  driver_.Click("chkKeepComputed");
   driver_.Next();
   EXPECT_EQ(driver_.Window().CurrentPage(), 6);
   const WizardSession& session = driver_.Window().Session();
@@ -128,12 +129,14 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   EXPECT_EQ(driver_.Names("lstSelectedTables"), session.tables);
   EXPECT_EQ(driver_.LabelText("lblPlan"),
             "2 tables from localhost/master to localhost/copy; existing tables are kept and added "
-            "to; definitions only, without rows; with relationships; every value exactly");
+            "to; definitions only, without rows; with relationships; every value exactly; "
+            "computed columns stay computed");
   EXPECT_EQ(session.src->DbName(), "master");
   EXPECT_FALSE(session.src->CopyTableContent());
   EXPECT_FALSE(session.src->ReplaceSpaceWithUnderscore());
   EXPECT_TRUE(session.src->ConvertRelationships());
   EXPECT_EQ(session.src->Options().types, TypeMapping::Exact);
+  EXPECT_EQ(session.src->Options().computed_columns, ComputedColumns::Generated);
   EXPECT_TRUE(driver_.IsEnabled("cmdNav4"));
   EXPECT_FALSE(driver_.IsEnabled("cmdNav3"));
   EXPECT_FALSE(driver_.IsEnabled("cmdSchedule"));
@@ -218,6 +221,21 @@ TEST_F(Navigation, AnUnreachableSourceLocksNobodyOnTheTablePage) {
   driver_.Next();
   driver_.Next();
   EXPECT_EQ(driver_.Names("lstSrcTables"), NameList{"Customers"});
+}
+
+TEST_F(Navigation, WhoCancelsFindsTheValuesAgain) {
+  WriteConfig(driver_.Folder(),
+              {"mssql", "false", "1433", "old", "sa", "", "3307", "dest", "me", ""});
+  driver_.Window().Load();
+  driver_.Next();
+  driver_.Type("txtSrcHost", "new");
+  driver_.Type("txtSrcPassword", "Ab1");
+  driver_.Click("cmdNav1");
+  const std::string config = ReadConfig(driver_.Folder());
+  EXPECT_TRUE(config.starts_with("mssql\r\nfalse\r\n1433\r\nnew\r\nsa\r\n")) << config;
+  EXPECT_EQ(config.find("Ab1"), std::string::npos);
+  EXPECT_TRUE(config.find("\r\n3307\r\ndest\r\nme\r\n") != std::string::npos)
+      << "of the page that was not reached: " << config;
 }
 
 TEST_F(Navigation, AnEmptyNewNameIsRefusedOnTheWayToTheTables) {

@@ -13,6 +13,9 @@ struct Script {
   IRunHost* host = nullptr;  // of the run that made the endpoints
   std::function<std::optional<NameList>()> databases = [] { return NameList{"master", "Sales"}; };
   std::function<std::optional<NameList>()> tables = [] { return NameList{"Customers", "Orders"}; };
+  /// Asked in a thread of their own.
+  std::function<std::vector<TableSize>()> sizes = [] { return std::vector<TableSize>(); };
+  std::optional<ServerInfo> info;
   std::function<bool(const std::string& name)> create = [](const std::string&) { return true; };
   std::function<void(IConversionListener& listener, const NameList& tables)> transfer;
 
@@ -30,6 +33,8 @@ class ScriptedEndpoint : public PlainEndpoint {
         script_(script) {}
 
   std::optional<NameList> GetDatabases() override { return script_.databases(); }
+  std::vector<TableSize> GetTableSizes() override { return script_.sizes(); }
+  std::optional<ServerInfo> GetServerInfo() override { return script_.info; }
   bool CreateDatabase(const std::string& name) override {
     script_.created.push_back(name);
     return script_.create(name);

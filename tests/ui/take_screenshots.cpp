@@ -63,6 +63,16 @@ NameList Tables() {
   return names;
 }
 
+std::vector<TableSize> Sizes() {
+  std::vector<TableSize> sizes;
+  std::int64_t rows = 27;
+  for (const std::string& name : Tables()) {
+    sizes.push_back({name, rows, rows * 86 + 16'384});
+    rows = rows * 7 % 400'000;
+  }
+  return sizes;
+}
+
 /// A transfer that stops in the middle of a table's rows until it has been looked at.
 class HeldTransfer {
  public:
@@ -117,6 +127,7 @@ void TakeWizard(Camera& camera, const Direction& direction, QString prefix,
                 const std::function<void(WizardDriver&, Script&)>& prepare) {
   Script script;
   script.tables = Tables;
+  script.sizes = Sizes;
   WizardDriver driver(script);
   prepare(driver, script);
   const auto take = [&](const char* name) { camera.Take(driver.Window(), prefix + name); };
@@ -138,6 +149,7 @@ void TakeWizard(Camera& camera, const Direction& direction, QString prefix,
   driver.Click(direction.destination_connect);
   take("destination-connected");
   driver.Next();
+  QTest::qWait(100);  // the sizes are there
   for (int count = 0; count < 3; ++count) driver.Click("cmdSLR");
   take("tables");
   driver.Next();

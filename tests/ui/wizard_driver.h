@@ -36,7 +36,8 @@ class WizardDriver {
  public:
   explicit WizardDriver(Script& script)
       : WizardDriver([&script](ServerKind kind, IRunHost& host) {
-          script.host = &host;
+          // Others than the run itself ask in silence.
+          if (dynamic_cast<WizardRun*>(&host)) script.host = &host;
           return std::make_unique<ScriptedEndpoint>(kind, script);
         }) {}
 

@@ -2,7 +2,9 @@
 
 #include <QAbstractListModel>
 #include <QHelpEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <QToolTip>
 #include <algorithm>
 
@@ -13,6 +15,38 @@ namespace dorvane {
 namespace {
 
 constexpr int kEntryMargin = 4;  // left and right of an entry's text
+constexpr int kDetailRole = Qt::UserRole;
+
+/// How wide the detail of an entry is, with the gap before it; 0 where it would leave too little
+/// to its name.
+int DetailWidth(const QString& detail, const QFontMetrics& metrics, int entry_width) {
+  if (detail.isEmpty()) return 0;
+  const int width = metrics.horizontalAdvance(detail) + 3 * kEntryMargin;
+  return width <= entry_width * 2 / 3 ? width : 0;
+}
+
+class DetailDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    const QString detail = index.data(kDetailRole).toString();
+    const int width = DetailWidth(detail, option.fontMetrics, option.rect.width());
+    if (width == 0) return QStyledItemDelegate::paint(painter, option, index);
+    QStyleOptionViewItem entry = option;
+    initStyleOption(&entry, index);
+    const int room = option.rect.width() - width - 2 * kEntryMargin;
+    entry.text = option.fontMetrics.elidedText(entry.text, Qt::ElideMiddle, room);
+    QStyle& style = *option.widget->style();
+    style.drawControl(QStyle::CE_ItemViewItem, &entry, painter, option.widget);
+    const bool is_selected = (option.state & QStyle::State_Selected) != 0;
+    style.drawItemText(painter, option.rect.adjusted(0, 0, -kEntryMargin, 0),
+                       Qt::AlignRight | Qt::AlignVCenter, option.palette,
+                       (option.state & QStyle::State_Enabled) != 0, detail,
+                       is_selected ? QPalette::HighlightedText : QPalette::PlaceholderText);
+  }
+};
 
 }  // namespace
 
@@ -25,8 +59,20 @@ class NameListModel : public QAbstractListModel {
   }
 
   QVariant data(const QModelIndex& index, int role) const override {
-    if (role != Qt::DisplayRole || !index.isValid()) return {};
-    return QString::fromStdString(names_[static_cast<std::size_t>(index.row())]);
+    if (!index.isValid()) return {};
+    const std::string& name = names_[static_cast<std::size_t>(index.row())];
+    const QString text = QString::fromStdString(name);
+    if (role == Qt::DisplayRole) return text;
+    const auto detail = details_.find(name);
+    if (role == Qt::AccessibleTextRole) {
+      return detail == details_.end() ? text : text + ", " + detail->second;
+    }
+    return role == kDetailRole && detail != details_.end() ? detail->second : QVariant();
+  }
+
+  void SetDetails(std::unordered_map<std::string, QString> details) {
+    details_ = std::move(details);
+    if (!names_.empty()) emit dataChanged(index(0), index(rowCount() - 1));
   }
 
   const std::vector<std::string>& Names() const { return names_; }
@@ -54,11 +100,13 @@ class NameListModel : public QAbstractListModel {
 
  private:
   std::vector<std::string> names_;
+  std::unordered_map<std::string, QString> details_;
 };
 
 NameListView::NameListView(QWidget* parent)
     : QListView(parent), model_(&MakeChild<NameListModel>(static_cast<QObject&>(*this))) {
   setModel(model_);
+  setItemDelegate(&MakeChild<DetailDelegate>(static_cast<QObject&>(*this)));
   setUniformItemSizes(true);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
   setSelectionMode(QAbstractItemView::SingleSelection);
@@ -80,6 +128,10 @@ int NameListView::Current() const {
   // The view itself gives an entry the focus without selecting it.
   const QModelIndex index = currentIndex();
   return selectionModel()->isSelected(index) ? index.row() : -1;
+}
+
+void NameListView::SetDetails(std::unordered_map<std::string, QString> details) {
+  model_->SetDetails(std::move(details));
 }
 
 void NameListView::SetNames(std::vector<std::string> names, int current) {
@@ -109,7 +161,9 @@ bool NameListView::viewportEvent(QEvent* event) {
   const auto* help = static_cast<QHelpEvent*>(event);
   const QModelIndex index = indexAt(help->pos());
   const QString name = index.data().toString();
-  const int room = visualRect(index).width() - 2 * kEntryMargin;
+  const int width = visualRect(index).width();
+  const QString detail = index.data(kDetailRole).toString();
+  const int room = width - 2 * kEntryMargin - DetailWidth(detail, fontMetrics(), width);
   const bool is_cut = fontMetrics().horizontalAdvance(name) > room;
   QToolTip::showText(help->globalPos(), is_cut ? name : QString(), viewport());
   return true;

@@ -3,6 +3,7 @@
 #include <QListView>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace dorvane {
@@ -18,6 +19,8 @@ class NameListView : public QListView {
   explicit NameListView(QWidget* parent = nullptr);
 
   const std::vector<std::string>& Names() const;
+  /// What stands at the right of an entry, by its name.
+  void SetDetails(std::unordered_map<std::string, QString> details);
   /// Replaces all names; `current` is the position of the current one, -1 for none.
   void SetNames(std::vector<std::string> names, int current);
   /// The position of the selected entry, or -1.

@@ -1,7 +1,10 @@
 #include "ui/wizard/connection_page.h"
 
+#include <fmt/format.h>
+
 #include "platform/text/number_text.h"
 #include "ui/dialogs/message_box.h"
+#include "ui/wizard/connection_history.h"
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
@@ -41,6 +44,7 @@ void ConnectionPage::Reset() {
 
 void ConnectionPage::SetConnected(bool connected) {
   connect_->SetEnabled(!connected);
+  server_info_->clear();
   // A disabled button would hand the focus on to Cancel.
   if (disconnect_->hasFocus()) connect_->setFocus();
   disconnect_->SetEnabled(connected);
@@ -120,12 +124,29 @@ void ConnectionPage::OnConnect() {
                 "");
     return;
   }
-  if (connected) SetConnected(true);
+  if (!connected) return;
+  SetConnected(true);
+  ShowServerInfo();
+  RememberConnection(traits_.server, {host_->text(), port_->text(),
+                                      UsesWindowsLogin() ? QString() : user_->text()});
+}
+
+void ConnectionPage::ShowServerInfo() {
+  if (!info_) return;
+  std::string text = info_->product + " " + info_->version;
+  if (info_->is_encrypted) text += *info_->is_encrypted ? ", encrypted" : ", not encrypted";
+  const int databases = databases_->count();
+  if (databases > 0)
+    text += fmt::format(", {} {}", databases, databases == 1 ? "database" : "databases");
+  server_info_->setText(QString::fromStdString(text));
 }
 
 bool ConnectionPage::ListDatabases() {
   std::optional<NameList> names;
-  server_caller_.Run([&] { names = Endpoint().GetDatabases(); });
+  server_caller_.Run([&] {
+    names = Endpoint().GetDatabases();
+    info_ = names ? Endpoint().GetServerInfo() : std::nullopt;
+  });
   if (!names) return false;
   databases_->clear();
   for (const std::string& name : *names) {
@@ -140,7 +161,10 @@ bool ConnectionPage::ListDatabases() {
 
 bool ConnectionPage::CreateDatabase(const std::string& name) {
   bool created = false;
-  server_caller_.Run([&] { created = Endpoint().CreateDatabase(name); });
+  server_caller_.Run([&] {
+    created = Endpoint().CreateDatabase(name);
+    info_ = created ? Endpoint().GetServerInfo() : std::nullopt;
+  });
   if (!created) return false;
   // The field now says what was created; the table page takes the database's name from it.
   new_name_->setText(QString::fromStdString(name));

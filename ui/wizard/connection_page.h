@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "ui/controls/gradient_button.h"
+#include "ui/controls/wrapped_label.h"
 #include "ui/wizard/connection_rules.h"
 #include "ui/wizard/encryption_fields.h"
 #include "ui/wizard/wizard_page.h"
@@ -70,9 +71,12 @@ class ConnectionPage : public WizardPage {
   void OnConnect();
   void OnDisconnect();
   bool ListDatabases();
+  /// Says what the server is, where it has told.
+  void ShowServerInfo();
   bool CreateDatabase(const std::string& name);
 
   const ConnectionPageTraits& traits_;
+  std::optional<ServerInfo> info_;
   WizardSession& session_;
   ServerCaller& server_caller_;
 
@@ -85,6 +89,7 @@ class ConnectionPage : public WizardPage {
   QComboBox* databases_ = nullptr;
   GradientButton* connect_ = nullptr;
   GradientButton* disconnect_ = nullptr;
+  WrappedLabel* server_info_ = nullptr;
   // Destination pages only.
   QRadioButton* existing_database_ = nullptr;
   QRadioButton* new_database_ = nullptr;

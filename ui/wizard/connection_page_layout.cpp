@@ -4,6 +4,7 @@
 
 #include "ui/controls/make_child.h"
 #include "ui/controls/option_group.h"
+#include "ui/wizard/connection_history.h"
 #include "ui/wizard/connection_page.h"
 #include "ui/wizard/theme.h"
 
@@ -84,6 +85,12 @@ void ConnectionPage::AddServerCard() {
   user_ = &AddField(grid, 1, 0, names.user, "&Username", kUserLimit);
   password_ = &AddField(grid, 1, 2, names.password, "&Password", kUserLimit);
   password_->setEchoMode(QLineEdit::Password);
+  AddPasswordEye(*password_);
+  OfferEarlierConnections(*host_, traits_.server, [this](const EarlierConnection& earlier) {
+    host_->setText(earlier.host);
+    port_->setText(earlier.port);
+    if (!earlier.user.isEmpty()) user_->setText(earlier.user);
+  });
   grid.setColumnStretch(1, 3);
   grid.setColumnStretch(3, 2);
   int row = 2;
@@ -163,7 +170,9 @@ void ConnectionPage::AddButtons() {
   disconnect_->SetEnabled(false);
   auto& row = MakeLayout<QHBoxLayout>(Content());
   row.setSpacing(theme::kGap);
-  row.addStretch();
+  server_info_ = &MakeChild<WrappedLabel>(static_cast<QWidget&>(*this));
+  server_info_->setObjectName("lblServerInfo" + QString::number(traits_.page));
+  row.addWidget(server_info_, 1);
   row.addWidget(connect_);
   row.addWidget(disconnect_);
   for (GradientButton* button : {connect_, disconnect_}) theme::Widen(*button, 120);

@@ -17,7 +17,7 @@ constexpr std::chrono::seconds kLongestLeave(5);
 }  // namespace
 
 frmWizard::frmWizard(WizardServices services)
-    : services_(std::move(services)), server_caller_(*this) {
+    : services_(std::move(services)), server_caller_(*this), sizes_(services_.make_endpoint) {
   setObjectName("frmWizard");
   BuildWindow();
   ConnectRun();
@@ -34,6 +34,10 @@ void frmWizard::ConnectRun() {
   connect(&run_, &WizardRun::ProgressChanged, this, [this] { ShowProgress(run_.Progress()); });
   connect(&run_, &WizardRun::TablesEnded, transfer_page_, &TransferPage::AddOutcomes);
   connect(&run_, &WizardRun::Told, transfer_page_, &TransferPage::AddMessage);
+  connect(&sizes_, &SizesQuestion::Answered, tables_page_, &TablesPage::SetSizes);
+  connect(&sizes_, &SizesQuestion::Idle, this, [this] {
+    if (leaving_.isActive()) close();
+  });
   connect(&run_, &WizardRun::SummaryReady, this, [this](const std::string& summary) {
     if (QApplication::activeWindow()) return;
     desktop_.Notify(windowTitle(), QString::fromStdString(summary).remove('\r'));
@@ -197,7 +201,18 @@ void frmWizard::Cancel() {
   if (answer == kAnswerYes) close();
 }
 
+void frmWizard::KeepValues() {
+  if (mnCurStep_ == page::kDirection) return;  // there are none
+  for (const std::int16_t index :
+       {SourcePage(session_.Direction()), DestinationPage(session_.Direction())}) {
+    Page(index).Preset();  // a page that was not reached keeps what the last run had
+    Page(index).ApplyToEndpoint();
+  }
+  SaveLastSettings(services_.settings_folder, *session_.src, *session_.dest);
+}
+
 void frmWizard::Finish() {
+  values_kept_ = true;  // or why not is told
   try {
     SaveLastSettings(services_.settings_folder, *session_.src, *session_.dest);
   } catch (...) {
@@ -223,7 +238,18 @@ void frmWizard::closeEvent(QCloseEvent* event) {
     event->ignore();
     return Leave();
   }
+  if (sizes_.IsBusy()) {
+    // Nobody needs the answer any more, but its thread must not outlive the program.
+    event->ignore();
+    hide();
+    return Leave();
+  }
   leaving_.stop();
+  try {
+    if (!values_kept_) KeepValues();
+  } catch (...) {
+    // Whoever leaves half-way has typed what may be no port, and has nothing to lose.
+  }
   event->accept();
   emit Closed();
 }

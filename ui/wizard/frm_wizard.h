@@ -17,6 +17,7 @@
 #include "ui/wizard/connection_page.h"
 #include "ui/wizard/desktop_link.h"
 #include "ui/wizard/direction_page.h"
+#include "ui/wizard/sizes_question.h"
 #include "ui/wizard/tables_page.h"
 #include "ui/wizard/theme.h"
 #include "ui/wizard/transfer_page.h"
@@ -112,6 +113,8 @@ class frmWizard : public QWidget {
   /// does not wait for them any longer.
   void Leave();
   void Finish();
+  /// Keeps the typed values for the next run. Throws RunTimeError.
+  void KeepValues();
   void ShowHelp();
 
   WizardServices services_;
@@ -120,11 +123,13 @@ class frmWizard : public QWidget {
   RunReport report_;                  // of the last run
   WizardSession session_;
   ServerCaller server_caller_;
+  SizesQuestion sizes_;
   DesktopLink desktop_;
 
   std::int16_t mnCurStep_ = page::kDirection;
   std::int16_t currentScreen_ = 0;
   bool blnFinishAllowed_ = false;
+  bool values_kept_ = false;
   bool tables_loaded_ = false;        // of the source database that is chosen
   std::optional<int> percent_shown_;  // in the window's title
   QTimer leaving_;                    // runs while the servers are waited for

@@ -63,6 +63,7 @@ bool frmWizard::LoadTableLists(const ConnectionPage& source) {
   if (!tables) return false;  // the endpoint has said why
   tables_page_->SetAvailable(std::move(*tables), session_.src->Kind() == ServerKind::MsSql);
   tables_loaded_ = true;
+  sizes_.Ask(*session_.src);
   return true;
 }
 

@@ -1,12 +1,14 @@
 #include "ui/wizard/tables_page.h"
 
-#include <QGridLayout>
-#include <QLabel>
+#include <QLocale>
+#include <QShortcut>
 #include <algorithm>
 #include <iterator>
+#include <unordered_set>
 #include <utility>
 
 #include "ui/controls/make_child.h"
+#include "ui/wizard/table_filter.h"
 #include "ui/wizard/theme.h"
 #include "ui/wizard/wizard_steps.h"
 
@@ -36,16 +38,25 @@ void Show(NameListView& view, TableList list) {
   view.SetNames(std::move(list.names), list.current);
 }
 
-NameListView& AddList(const char* name, const char* caption, QWidget& parent, QGridLayout& grid,
+/// A list below a label, whose text is set with the list's count.
+NameListView& AddList(const char* name, const char* spoken, QLabel& label, QGridLayout& grid,
                       int column) {
-  auto& label = MakeChild<QLabel>(parent, caption);
-  auto& list = MakeNamed<NameListView>(name, parent);
+  auto& list = MakeNamed<NameListView>(name, *grid.parentWidget());
   label.setBuddy(&list);
-  list.setAccessibleName(QString(caption).remove('&').remove(':'));
-  grid.addWidget(&label, 0, column);
-  grid.addWidget(&list, 1, column);
+  list.setAccessibleName(spoken);
+  grid.addWidget(&label, 1, column);
+  grid.addWidget(&list, 2, column);
   return list;
 }
+
+QString SizeText(const TableSize& size) {
+  const QLocale english(QLocale::English);
+  return QString("%1 rows, %2")
+      .arg(english.toString(static_cast<qlonglong>(size.rows)),
+           english.formattedDataSize(size.bytes, 1, QLocale::DataSizeTraditionalFormat));
+}
+
+enum SortKey { kByName, kByRows, kBySize };
 
 }  // namespace
 
@@ -79,9 +90,56 @@ void TablesPage::AddLists() {
   grid.setVerticalSpacing(5);
   grid.setColumnStretch(0, 1);
   grid.setColumnStretch(2, 1);
-  lstSrcTables_ = &AddList("lstSrcTables", "&Available tables:", area, grid, 0);
+  AddFilter(area, grid);
+  lblAvailable_ = &MakeNamed<QLabel>("lblAvailable", area);
+  lblSelected_ = &MakeNamed<QLabel>("lblSelected", area);
+  lstSrcTables_ = &AddList("lstSrcTables", "Available tables", *lblAvailable_, grid, 0);
+  AddMoveButtons(area, grid);
+  lstDestTables_ = &AddList("lstDestTables", "Selected tables", *lblSelected_, grid, 2);
+  ShowCounts();
+  connect(lstSrcTables_, &QListView::doubleClicked, this, [this] { Move(MoveToSelected); });
+  connect(lstDestTables_, &QListView::doubleClicked, this, [this] { Move(MoveBack); });
+}
 
-  auto& buttons = MakeLayout<QVBoxLayout>(grid, 1, 1);
+void TablesPage::AddFilter(QWidget& area, QGridLayout& grid) {
+  auto& row = MakeLayout<QHBoxLayout>(grid, 0, 0, 1, 3);
+  row.setSpacing(theme::kGap);
+  auto& label = MakeChild<QLabel>(area, "F&ilter");
+  txtTableFilter_ = &MakeNamed<QLineEdit>("txtTableFilter", area);
+  txtTableFilter_->setPlaceholderText("Part of a name, or a pattern: ord*, *_20??");
+  txtTableFilter_->setToolTip(
+      "Shows the available tables with this in their names. * stands for any letters, ? for one; "
+      "a comma separates patterns.");
+  txtTableFilter_->setAccessibleName("Filter of the available tables");
+  txtTableFilter_->setClearButtonEnabled(true);
+  label.setBuddy(txtTableFilter_);
+  cmdSelectPattern_ = &theme::AddButton("cmdSelectPattern", area, "Select by pattern", 'P');
+  cmdSelectPattern_->setToolTip("Select every table that the filter shows");
+  cmdSelectPattern_->SetEnabled(false);
+  auto& sort_label = MakeChild<QLabel>(area, "Sort b&y");
+  cboSortTables_ = &MakeNamed<QComboBox>("cboSortTables", area);
+  cboSortTables_->addItems({"Name", "Rows", "Size"});  // by SortKey
+  cboSortTables_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  cboSortTables_->setMinimumContentsLength(6);
+  cboSortTables_->setToolTip("Sorts the available tables. The largest come first.");
+  cboSortTables_->setAccessibleName("Sort by");
+  theme::StyleDropDown(*cboSortTables_);
+  sort_label.setBuddy(cboSortTables_);
+  row.addWidget(&label);
+  row.addWidget(txtTableFilter_, 1);
+  row.addWidget(cmdSelectPattern_);
+  row.addWidget(&sort_label);
+  row.addWidget(cboSortTables_);
+  connect(txtTableFilter_, &QLineEdit::textChanged, this, [this] { ShowAvailable({}); });
+  connect(cmdSelectPattern_, &QAbstractButton::clicked, this, [this] { Move(MoveAllToSelected); });
+  connect(cboSortTables_, &QComboBox::activated, this, &TablesPage::Sort);
+  auto& down = MakeChild<QShortcut>(*txtTableFilter_, QKeySequence(Qt::Key_Down));
+  down.setContext(Qt::WidgetShortcut);
+  connect(&down, &QShortcut::activated, this, [this] { lstSrcTables_->setFocus(); });
+}
+
+void TablesPage::AddMoveButtons(QWidget& area, QGridLayout& grid) {
+  auto& buttons = MakeLayout<QVBoxLayout>(grid, 2, 1);
   buttons.setSpacing(8);
   struct MoveButton {
     const char* name;
@@ -92,7 +150,7 @@ void TablesPage::AddLists() {
   // "<<" moves the selected entry only, as "<" does.
   constexpr MoveButton kMoveButtons[] = {
       {"cmdSLR", ">", "Select the table", MoveToSelected},
-      {"cmdMLR", ">>", "Select all tables", MoveAllToSelected},
+      {"cmdMLR", ">>", "Select all tables that are shown", MoveAllToSelected},
       {"cmdSRL", "<", "Take the table back (<)", MoveBack},
       {"cmdMRL", "<<", "Take the table back (<<)", MoveBack},
   };
@@ -101,15 +159,12 @@ void TablesPage::AddLists() {
     GradientButton& button = theme::AddButton(entry.name, area, entry.caption, '\0');
     theme::Widen(button, kMoveButtonWidth);
     button.setAccessibleName(entry.spoken);
+    button.setToolTip(entry.spoken);
     buttons.addWidget(&button);
     connect(&button, &QAbstractButton::clicked, this,
             [this, operation = entry.operation] { Move(operation); });
   }
   buttons.addStretch();
-
-  lstDestTables_ = &AddList("lstDestTables", "Selected &tables:", area, grid, 2);
-  connect(lstSrcTables_, &QListView::doubleClicked, this, [this] { Move(MoveToSelected); });
-  connect(lstDestTables_, &QListView::doubleClicked, this, [this] { Move(MoveBack); });
 }
 
 void TablesPage::AddOptions() {
@@ -130,6 +185,7 @@ void TablesPage::AddOptions() {
       add("chkReplaceSpaceWithUnderscore", "Convert names spaces to &underscore");
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
   chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
+  chkKeepComputed_ = add("chkKeepComputed", "Keep co&mputed columns computed");
   AddRunOptions(card, layout);
   AddSchemas(card);
 }
@@ -156,6 +212,7 @@ void TablesPage::AddRunOptions(Card& card, QBoxLayout& layout) {
   row.setSpacing(theme::kGap);
   auto& label = MakeChild<QLabel>(card, "Tables at &once");
   spnTablesAtOnce_ = &MakeNamed<QSpinBox>("spnTablesAtOnce", card);
+  spnTablesAtOnce_->setPalette(theme::FieldPalette());  // of the arrows
   spnTablesAtOnce_->setRange(1, kMostTablesAtOnce);
   spnTablesAtOnce_->setAccessibleName("Tables at once");
   spnTablesAtOnce_->setToolTip("Each of them takes connections of its own to both servers.");
@@ -176,15 +233,69 @@ void TablesPage::AddRunOptions(Card& card, QBoxLayout& layout) {
 }
 
 void TablesPage::ClearLists() {
-  lstSrcTables_->SetNames({}, -1);
+  available_.clear();
   lstDestTables_->SetNames({}, -1);
+  txtTableFilter_->clear();
+  cboSortTables_->setCurrentIndex(kByName);
+  SetSizes({});
+  ShowAvailable({});
 }
 
 void TablesPage::SetAvailable(NameList names, bool has_schemas) {
   const auto has_two_parts = [](const std::string& name) { return name.find('.') < name.size(); };
   schemas_->setVisible(has_schemas && std::ranges::any_of(names, has_two_parts));
-  const int first = names.empty() ? -1 : 0;
-  lstSrcTables_->SetNames(std::move(names), first);
+  available_ = std::move(names);
+  positions_.clear();
+  for (const std::string& name : available_) positions_.emplace(name, positions_.size());
+  ShowAvailable({});
+}
+
+void TablesPage::SetSizes(const std::vector<TableSize>& sizes) {
+  sizes_.clear();
+  std::unordered_map<std::string, QString> details;
+  for (const TableSize& size : sizes) {
+    sizes_[size.name] = size;
+    details[size.name] = SizeText(size);
+  }
+  lstDestTables_->SetDetails(details);
+  lstSrcTables_->SetDetails(std::move(details));
+  if (cboSortTables_->currentIndex() != kByName) Sort();
+}
+
+void TablesPage::Sort() {
+  const int key = cboSortTables_->currentIndex();
+  const auto rank = [&](const std::string& name) {
+    const auto size = sizes_.find(name);
+    const TableSize known = size != sizes_.end() ? size->second : TableSize{name, -1, -1};
+    const std::int64_t largest_first = key == kByName   ? 0
+                                       : key == kByRows ? -known.rows
+                                                        : -known.bytes;
+    return std::pair(largest_first, positions_[name]);
+  };
+  const int current = lstSrcTables_->Current();
+  const std::string name =
+      current < 0 ? "" : lstSrcTables_->Names()[static_cast<std::size_t>(current)];
+  std::ranges::sort(available_, {}, rank);
+  ShowAvailable(name);
+}
+
+void TablesPage::ShowAvailable(const std::string& current) {
+  const TableFilter filter(txtTableFilter_->text());
+  NameList shown = filter.Of(available_);
+  const auto found = std::ranges::find(shown, current);
+  const auto place = found == shown.end() ? 0 : static_cast<int>(found - shown.begin());
+  lstSrcTables_->SetNames(shown, shown.empty() ? -1 : place);
+  cmdSelectPattern_->SetEnabled(!filter.IsEmpty() && !shown.empty());
+  ShowCounts();
+}
+
+void TablesPage::ShowCounts() {
+  const std::size_t shown = lstSrcTables_->Names().size();
+  const QString all = QString::number(available_.size());
+  lblAvailable_->setText(shown == available_.size()
+                             ? QString("&Available tables (%1):").arg(all)
+                             : QString("&Available tables (%1 of %2):").arg(shown).arg(all));
+  lblSelected_->setText(QString("Selected &tables (%1):").arg(lstDestTables_->Names().size()));
 }
 
 void TablesPage::ApplyOptions(IDatabase& src) const {
@@ -193,6 +304,8 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   src.SetConvertRelationships(chkConvertRelationShips_->isChecked());
   ConversionOptions options = src.Options();
   options.types = chkExactTypes_->isChecked() ? TypeMapping::Exact : TypeMapping::Classic;
+  options.computed_columns =
+      chkKeepComputed_->isChecked() ? ComputedColumns::Generated : ComputedColumns::Values;
   options.schemas = schemas_->isHidden() ? SchemaPolicy::Prefix
                                          : static_cast<SchemaPolicy>(cboSchemas_->currentIndex());
   options.tables_at_once = spnTablesAtOnce_->value();
@@ -203,10 +316,23 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
 }
 
 void TablesPage::Move(void (*operation)(TableLists& lists)) {
+  const NameList& shown = lstSrcTables_->Names();
+  const std::unordered_set<std::string> before(shown.begin(), shown.end());
   TableLists lists{Shown(*lstSrcTables_), Shown(*lstDestTables_)};
   operation(lists);
-  Show(*lstSrcTables_, std::move(lists.available));
+  const NameList& names = lists.available.names;
+  const std::unordered_set<std::string> after(names.begin(), names.end());
+  std::erase_if(available_, [&](const std::string& name) {
+    return before.contains(name) && !after.contains(name);
+  });
+  std::ranges::copy_if(names, std::back_inserter(available_),
+                       [&](const std::string& name) { return !before.contains(name); });
+  // The filter may hide what was moved back.
+  TableList visible{TableFilter(txtTableFilter_->text()).Of(names), lists.available.current};
+  visible.current = std::min(visible.current, LastPosition(visible));
+  Show(*lstSrcTables_, std::move(visible));
   Show(*lstDestTables_, std::move(lists.selected));
+  ShowCounts();
 }
 
 }  // namespace dorvane

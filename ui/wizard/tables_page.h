@@ -2,9 +2,14 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
 #include <QSpinBox>
+#include <unordered_map>
 
 #include "endpoint/database.h"
+#include "ui/controls/gradient_button.h"
 #include "ui/controls/name_list_view.h"
 #include "ui/wizard/wizard_page.h"
 
@@ -39,24 +44,41 @@ class TablesPage : public WizardPage {
   /// Fills the available list; the first entry becomes current. `has_schemas`: the names may be of
   /// several schemas.
   void SetAvailable(NameList names, bool has_schemas);
+  /// Shows the sizes beside the tables' names.
+  void SetSizes(const std::vector<TableSize>& sizes);
   const NameList& Selected() const { return lstDestTables_->Names(); }
   /// Writes the options into the source endpoint.
   void ApplyOptions(IDatabase& src) const;
 
  private:
+  void AddFilter(QWidget& area, QGridLayout& grid);
   void AddLists();
+  void AddMoveButtons(QWidget& area, QGridLayout& grid);
   void AddOptions();
   void AddSchemas(Card& card);
   void AddRunOptions(Card& card, QBoxLayout& layout);
   /// Carries out one of the moving operations on what the two lists show.
   void Move(void (*operation)(TableLists& lists));
+  /// Shows the available tables that the filter lets through; `current` is the selected one.
+  void ShowAvailable(const std::string& current);
+  void ShowCounts();
+  void Sort();
 
+  NameList available_;  // those that the filter hides among them
+  std::unordered_map<std::string, std::size_t> positions_;  // in the server's list
+  std::unordered_map<std::string, TableSize> sizes_;
+  QLineEdit* txtTableFilter_;
+  GradientButton* cmdSelectPattern_;
+  QComboBox* cboSortTables_;
+  QLabel* lblAvailable_;
+  QLabel* lblSelected_;
   NameListView* lstSrcTables_;
   NameListView* lstDestTables_;
   QCheckBox* chkConvertDefOnly_;
   QCheckBox* chkReplaceSpaceWithUnderscore_;
   QCheckBox* chkConvertRelationShips_;
   QCheckBox* chkExactTypes_;
+  QCheckBox* chkKeepComputed_;
   QWidget* schemas_;  // label and box, shown where there are several schemas
   QComboBox* cboSchemas_;
   QSpinBox* spnTablesAtOnce_;

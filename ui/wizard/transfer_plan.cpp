@@ -25,6 +25,8 @@ constexpr Choice kChoices[] = {
      "the numbers of rows are compared afterwards"},
     {[](const ConversionOptions& o) { return o.verification == Verification::Values; },
      "every value is compared afterwards"},
+    {[](const ConversionOptions& o) { return o.computed_columns == ComputedColumns::Generated; },
+     "computed columns stay computed"},
 };
 
 }  // namespace

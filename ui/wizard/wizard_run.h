@@ -32,7 +32,8 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Runs the conversion and returns when it has ended; the window stays alive meanwhile. False
   /// when it could not connect or broke off: everything is as before then.
   bool Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
-  /// Rehearses the conversion for the script; returns when that has ended or was stopped.
+  /// Rehearses the conversion for the script; returns when that has ended or was stopped. The
+  /// source has no listener then.
   void Preview(IDatabase& src, IDatabase& dest, const NameList& tables, PreviewScript& script);
   void StopPreview() { stopping_ = true; }
   bool IsTransferring() const { return transferring_; }
