@@ -19,6 +19,7 @@
 #include "ui/help/help_window.h"
 #include "ui/schedule/frm_schedule.h"
 #include "ui/schedule/task_settings_dialog.h"
+#include "ui/wizard/preview_dialog.h"
 
 namespace dorvane::test {
 namespace {
@@ -200,6 +201,19 @@ void TakeSchedule(Camera& camera) {
   camera.Take(*dialog.findChild<TaskSettingsDialog*>(), "schedule-settings");
 }
 
+void TakePreview(Camera& camera) {
+  PreviewDialog dialog(nullptr);
+  dialog.Append(
+      "-- What a run would do: 1 table from MS SQL Server sqlhost/Company to MySQL dbhost/company. "
+      "Nothing was changed.\n\n-- Table Couriers\n-- Couriers is there with 3 rows\n"
+      "-- Note: Table Couriers: the 3 rows of Couriers on the destination are dropped\n"
+      "Drop Table If Exists `Couriers`;\nCreate Table `Couriers`(`CourierId` INT NOT NULL);\n"
+      "-- 4 rows are copied");
+  dialog.End("Something would be lost or changed: see the lines with \"Lost:\" and \"Note:\".");
+  dialog.show();
+  camera.Take(dialog, "preview");
+}
+
 void TakeBox(Camera& camera, const QString& name, MessageBoxKind kind, const QString& text,
              std::int32_t style, const std::filesystem::path& skin) {
   frmMsgBox box;
@@ -244,6 +258,7 @@ int main(int argc, char** argv) {
   TakeBox(camera, "box-warning", MessageBoxKind::kOk, "Please click connect to database button",
           message_style::kPlain, skins / "Blue");
   TakeSchedule(camera);
+  TakePreview(camera);
   HelpWindow help(argv[3]);
   help.show();
   help.ShowContext(3);
