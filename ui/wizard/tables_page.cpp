@@ -217,7 +217,7 @@ void TablesPage::AddRunOptions(Card& card, QBoxLayout& layout) {
   spnTablesAtOnce_->setAccessibleName("Tables at once");
   spnTablesAtOnce_->setToolTip("Each of them takes connections of its own to both servers.");
   label.setBuddy(spnTablesAtOnce_);
-  auto& verification_label = MakeChild<QLabel>(card, "Com&pare afterwards");
+  auto& verification_label = MakeChild<QLabel>(card, "&Compare afterwards");
   cboVerification_ = &MakeNamed<QComboBox>("cboVerification", card);
   // In the order of Verification.
   cboVerification_->addItems({"nothing", "number of rows", "every value"});
