@@ -167,6 +167,7 @@ OutcomesView::OutcomesView(QWidget* parent)
   setTextElideMode(Qt::ElideMiddle);
   QHeaderView& header = *horizontalHeader();
   header.setStretchLastSection(false);
+  header.setResizeContentsPrecision(0);  // by what shows: of thousands each would be asked
   header.setSectionResizeMode(kName, QHeaderView::Stretch);
   header.setMinimumSectionSize(fontMetrics().horizontalAdvance("a_tab"));
   for (const int column : {kRows, kSeconds, kState}) header.resizeSection(column, 0);
