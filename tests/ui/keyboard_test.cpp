@@ -116,8 +116,8 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",
-           {"cmdTransferTables", "cmdTasks", "lstSelectedTables", "lstConvertedTables", "cmdNav1",
-            "cmdNav2", "cmdNav4"}}});
+           {"cmdTransferTables", "cmdSaveSettings", "cmdTasks", "lstSelectedTables",
+            "lstConvertedTables", "cmdNav1", "cmdNav2", "cmdNav4"}}});
 }
 
 TEST_F(Keyboard, TabGoesThroughThePagesOfTheOtherDirection) {

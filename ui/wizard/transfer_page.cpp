@@ -44,15 +44,19 @@ void TransferPage::AddButtons() {
   cmdTransferTables_ = &theme::AddButton("cmdTransferTables", *this, "Transfer Tables Now", 'T');
   cmdSchedule_ = &theme::AddButton("cmdSchedule", *this, "Schedule Conversion", 'S');
   cmdSchedule_->SetEnabled(false);
+  cmdSaveSettings_ = &theme::AddButton("cmdSaveSettings", *this, "Save as settings file", 'i');
+  cmdSaveSettings_->setToolTip("Dorvane runs such a file without a window, and opens it again");
   auto& cmdTasks = theme::AddButton("cmdTasks", *this, "Scheduled tasks", 'K');
   auto& row = MakeLayout<QHBoxLayout>(Content());
   row.setSpacing(theme::kGap);
   row.addWidget(cmdTransferTables_);
   row.addWidget(cmdSchedule_);
+  row.addWidget(cmdSaveSettings_);
   row.addStretch();
   row.addWidget(&cmdTasks);
   connect(cmdTransferTables_, &QAbstractButton::clicked, this, &TransferPage::TransferRequested);
   connect(cmdSchedule_, &QAbstractButton::clicked, this, &TransferPage::ScheduleRequested);
+  connect(cmdSaveSettings_, &QAbstractButton::clicked, this, &TransferPage::SaveRequested);
   connect(&cmdTasks, &QAbstractButton::clicked, this, &TransferPage::TasksRequested);
 }
 
@@ -150,6 +154,7 @@ void TransferPage::Show(const TransferProgress& progress) {
 
 void TransferPage::ConversionStarted() {
   cmdSchedule_->SetEnabled(false);
+  cmdSaveSettings_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(false);
   cmdTransferRest_->hide();
   lstConvertedTables_->ForgetUnconverted();
@@ -159,6 +164,7 @@ void TransferPage::ConversionStarted() {
 
 void TransferPage::ConversionEnded() {
   cmdSchedule_->SetEnabled(true);
+  cmdSaveSettings_->SetEnabled(true);
   cmdStop_->SetEnabled(false);
   if (Waiting().empty()) return;
   cmdStop_->hide();
@@ -166,6 +172,7 @@ void TransferPage::ConversionEnded() {
 }
 
 void TransferPage::ConversionGivenBack() {
+  cmdSaveSettings_->SetEnabled(true);
   cmdStop_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(true);
   cmdTransferTables_->setFocus();

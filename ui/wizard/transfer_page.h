@@ -43,6 +43,8 @@ class TransferPage : public WizardPage {
   void RestRequested();
   void StopRequested();
   void ScheduleRequested();
+  /// The conversion is to be written into a settings file.
+  void SaveRequested();
   void TasksRequested();
 
  private:
@@ -61,6 +63,7 @@ class TransferPage : public WizardPage {
   MessagesPane* messages_;
   GradientButton* cmdTransferTables_;
   GradientButton* cmdSchedule_;
+  GradientButton* cmdSaveSettings_;
   GradientButton* cmdStop_;
   GradientButton* cmdTransferRest_;
 };
