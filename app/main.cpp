@@ -4,9 +4,11 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "app/preview.h"
 #include "app/standard_error.h"
 #include "app/unattended_run.h"
 #include "job/endpoints.h"
@@ -24,11 +26,23 @@ constexpr char kHelp[] =
     "                          and appends to the log that it names\n"
     "  Dorvane --verify SETTINGS.dcs\n"
     "                          compares what it describes with what is on the destination\n"
+    "  Dorvane --preview SETTINGS.dcs\n"
+    "                          prints what it would do as a script of the destination's\n"
+    "                          statements, with what would be lost as comments; changes nothing\n"
     "  Dorvane --help          prints this text\n"
     "  Dorvane --version       prints the version\n"
     "\n"
     "Exit status of a conversion: 0 everything was converted, 1 something failed (see the log),\n"
     "2 the settings could not be used, 128 and the signal's number: stopped by it.\n";
+
+/// What can be done with a settings file beside converting what it describes.
+struct Mode {
+  std::string_view option;
+  dorvane::RunStatus (*run)(const std::filesystem::path& settings_file,
+                            const dorvane::HostedEndpointFactory& make_endpoint);
+};
+constexpr Mode kModes[] = {{"--verify ", dorvane::RunUnattendedComparison},
+                           {"--preview ", dorvane::RunPreview}};
 
 /// The whole command line is one path, so that blanks in it need no quotes; quotes are taken off.
 std::string SettingsPath(int argc, char** argv) {
@@ -71,10 +85,9 @@ int main(int argc, char** argv) {
   const std::string path = SettingsPath(argc, argv);
   if (path == "--help" || path == "-h") return Print(kHelp);
   if (path == "--version") return Print("Dorvane " DORVANE_VERSION "\n");
-  constexpr std::string_view kVerify = "--verify ";
-  if (path.starts_with(kVerify)) {
-    return static_cast<int>(
-        dorvane::RunUnattendedComparison(path.substr(kVerify.size()), dorvane::MakeEndpoint));
+  for (const Mode& mode : kModes) {
+    if (!path.starts_with(mode.option)) continue;
+    return static_cast<int>(mode.run(path.substr(mode.option.size()), dorvane::MakeEndpoint));
   }
   constexpr std::string_view kWizard = "--wizard";
   const bool opens_wizard = path == kWizard || path.starts_with(std::string(kWizard) + " ");

@@ -28,6 +28,11 @@ std::size_t TerminalWidth() {
 
 ProgressLine::ProgressLine() : on_terminal_(isatty(STDERR_FILENO) == 1) {}
 
+void ProgressLine::StartComparisons() {
+  is_comparing_ = true;
+  table_ = 0;
+}
+
 void ProgressLine::StartTable(std::string_view name, std::int64_t rows) {
   name_ = text::Visible(name);
   rows_ = rows;
@@ -40,7 +45,16 @@ void ProgressLine::StartTable(std::string_view name, std::int64_t rows) {
 
 void ProgressLine::CountRow() {
   ++done_;
-  if (!on_terminal_ || is_side_by_side_ || done_ % 64 != 0) return;  // the clock is not free
+  if (done_ % 64 == 0) DrawInTime();  // the clock is not free
+}
+
+void ProgressLine::ShowRowsCompared(std::int64_t rows) {
+  done_ = rows;
+  DrawInTime();
+}
+
+void ProgressLine::DrawInTime() {
+  if (!on_terminal_ || is_side_by_side_) return;
   const auto now = Clock::now();
   if (now - last_drawn_ >= kRedrawEvery) Draw(now);
 }
@@ -67,7 +81,8 @@ void ProgressLine::Draw(Clock::time_point now) {
 
 void ProgressLine::DrawLine(std::string_view line) {
   drawn_ = true;
-  WriteStandardError("\r\x1b[K" + std::string(text::FirstCharacters(line, TerminalWidth())));
+  const std::string text = fmt::format("{}{}", is_comparing_ ? "Comparing " : "", line);
+  WriteStandardError("\r\x1b[K" + std::string(text::FirstCharacters(text, TerminalWidth())));
 }
 
 void ProgressLine::Clear() {

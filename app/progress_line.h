@@ -17,7 +17,11 @@ class ProgressLine {
  public:
   ProgressLine();
   void StartConversion(int tables) { tables_ = tables; }
+  /// From now on tables are compared.
+  void StartComparisons();
   void StartTable(std::string_view name, std::int64_t rows);
+  /// Of the table that is compared, by now.
+  void ShowRowsCompared(std::int64_t rows);
   void CountRow();
   /// From now on single tables and rows are not drawn: they are told when they are over.
   void ShowTablesInHand(const TablesInHand& tables);
@@ -28,13 +32,16 @@ class ProgressLine {
 
  private:
   using Clock = std::chrono::steady_clock;
+  /// Not more often than the line can be read.
+  void DrawInTime();
   void Draw(Clock::time_point now);
   void DrawLine(std::string_view line);
 
   bool on_terminal_;
   bool drawn_ = false;
   int tables_ = 0;
-  int table_ = 0;
+  int table_ = 0;  // of those that are converted, and then of those compared
+  bool is_comparing_ = false;
   bool is_side_by_side_ = false;
   std::string name_;
   std::int64_t rows_ = 0;

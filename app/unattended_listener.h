@@ -45,6 +45,11 @@ class UnattendedListener : public IConversionListener, public IRunHost {
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
   void Inform(std::string_view message) override;
   void ShowTablesInHand(const TablesInHand& tables) override { progress_.ShowTablesInHand(tables); }
+  void ComparisonStarted() override { progress_.StartComparisons(); }
+  void TableComparisonStarted(std::string_view table_name, std::int64_t no_of_records) override {
+    progress_.StartTable(table_name, no_of_records);
+  }
+  void ShowRowsCompared(std::int64_t rows) override { progress_.ShowRowsCompared(rows); }
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}

@@ -10,6 +10,7 @@
 #include "app/trace.h"
 #include "app/unattended_listener.h"
 #include "job/conversion_settings.h"
+#include "job/run_recorder.h"
 #include "platform/files/lock.h"
 #include "platform/files/text_file.h"
 #include "platform/text/ascii.h"
@@ -49,16 +50,57 @@ std::optional<std::string> FailureOf(Step step) {
   }
 }
 
+/// Two runs of the same settings would copy every row twice and drop each other's tables. Throws
+/// RunTimeError.
+files::Lock LockOf(const std::filesystem::path& settings_file) {
+  auto lock = files::Lock::Try(settings_file);
+  if (!lock) {
+    throw RunTimeError(run_time::kPermissionDenied, "Dorvane",
+                       "another run of these settings is still at work");
+  }
+  return std::move(*lock);
+}
+
+void RunTask(const Task& task, const ConversionSettings& settings) {
+  ((*settings.src).*task.run)(*settings.dest, settings.tables);
+  if (const int signal = StopSignals::Received()) {
+    throw RunTimeError(kUnnumbered, "Dorvane", fmt::format("stopped by signal {}", signal));
+  }
+}
+
+void SaveReports(const NameList& paths, const RunReport& report, UnattendedListener& listener) {
+  for (const std::string& path : paths) {
+    try {
+      SaveReport(path, report);
+    } catch (const RunTimeError& error) {
+      listener.MarkFailed();
+      listener.Log(fmt::format("The report {} cannot be written: {}", path, error.Description()));
+    }
+  }
+}
+
+void RunReported(const Task& task, const ConversionSettings& settings, RunRecorder& recorder,
+                 UnattendedListener& listener) {
+  recorder.Begin(task.name, *settings.src, *settings.dest, settings.tables);
+  if (const auto failure = FailureOf([&] { RunTask(task, settings); })) {
+    recorder.AddFailure(*failure);
+    listener.MarkFailed();
+    listener.Log(*failure);
+  }
+  SaveReports(settings.src->Options().reports, recorder.Report(), listener);
+}
+
 RunStatus Run(const Task& task, const std::filesystem::path& settings_file,
               const HostedEndpointFactory& make_endpoint) {
   const StopSignals signals;
   UnattendedListener listener(task.name);
+  RunRecorder recorder(listener, listener);
   ConversionSettings settings;
   const auto unusable = FailureOf([&] {
     files::LineReader file(settings_file);
     settings = ReadConversionSettings(file, [&](ServerKind kind) {
-      auto endpoint = make_endpoint(kind, listener);
-      endpoint->SetListener(&listener);
+      auto endpoint = make_endpoint(kind, recorder);
+      endpoint->SetListener(&recorder);
       return endpoint;
     });
     listener.OpenLog(settings.log_path, settings.form);
@@ -70,16 +112,8 @@ RunStatus Run(const Task& task, const std::filesystem::path& settings_file,
   }
 
   const auto failure = FailureOf([&] {
-    // Two runs of the same settings would copy every row twice and drop each other's tables.
-    const auto lock = files::Lock::Try(settings_file);
-    if (!lock) {
-      throw RunTimeError(run_time::kPermissionDenied, "Dorvane",
-                         "another run of these settings is still at work");
-    }
-    ((*settings.src).*task.run)(*settings.dest, settings.tables);
-    if (const int signal = StopSignals::Received()) {
-      throw RunTimeError(kUnnumbered, "Dorvane", fmt::format("stopped by signal {}", signal));
-    }
+    const files::Lock lock = LockOf(settings_file);
+    RunReported(task, settings, recorder, listener);
   });
   if (failure) {
     listener.MarkFailed();

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <limits>
 #include <utility>
 
+#include "endpoint/generated_columns.h"
 #include "endpoint/keep_open.h"
 #include "platform/ado/items.h"
 #include "platform/text/ascii.h"
@@ -30,7 +32,12 @@ Conversion::Conversion(Context context)
       options_(context.options),
       events_(context.events),
       host_(context.host),
-      copy_(context.copy) {}
+      copy_(context.copy),
+      rehearsal_(std::move(context.rehearsal)) {
+  if (IsRehearsing()) {
+    destination_->Rehearse([this](std::string_view sql) { RehearseStatement(sql); });
+  }
+}
 
 void Conversion::Run(const NameList& src_tables) {
   const NameList tables = WithoutCollisions(src_tables);
@@ -66,12 +73,15 @@ void Conversion::ForEachTable(const NameList& tables, Step step) {
 }
 
 void Conversion::TryStep(Step step, const std::string& name) {
+  host_.TableStepStarted(name);
+  const auto started = std::chrono::steady_clock::now();
   try {
     (this->*step)(name);
   } catch (const RunTimeError& error) {
     failed_.insert(SourceTable(name));
     ReportTableFailure(name, error);
   }
+  host_.TableStepEnded(name, std::chrono::steady_clock::now() - started);
 }
 
 void Conversion::PlanListed(const std::string& name) {
@@ -190,6 +200,7 @@ void Conversion::ConvertTable(const std::string& name) {
   if (planned.failure) std::rethrow_exception(planned.failure);
   TableDefinition& table = *planned.definition;
   ado::Table& tab_src = catalog_.TableByName(name);
+  if (IsRehearsing()) TellWhatIsThere(table);
   if (IsOverwriting()) PrepareTable(table);
   const bool is_new = CreateTable(table);
   if (is_new) {
@@ -216,6 +227,7 @@ void Conversion::ExecuteOrNote(const TableDefinition& table, const std::string& 
 }
 
 bool Conversion::CreateTable(TableDefinition& table) {
+  if (IsRehearsing() && IsMerging() && IsThere(table)) return false;
   for (;;) {
     try {
       ExecuteOn(*destination_, CreateTableStatement(table));
@@ -223,9 +235,15 @@ bool Conversion::CreateTable(TableDefinition& table) {
     } catch (const DestinationFailure& failure) {
       const std::int32_t native_error = failure.NativeError();
       if (IsMerging() && native_error == TableExistsError()) return false;
-      if (!CureTable(table, native_error)) throw;
+      if (!Cure(table, failure)) throw;
     }
   }
+}
+
+bool Conversion::Cure(TableDefinition& table, const DestinationFailure& failure) {
+  return CureTable(table, failure.NativeError()) ||
+         HoldRefusedValues(table, DestinationKind() == ServerKind::MySql ? "MySQL" : "SQL Server",
+                           failure.Summary().description);
 }
 
 void Conversion::TellNotes(const TableDefinition& table) {
@@ -243,14 +261,17 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
     ReportCopyProblem(table, fmt::format("{} - {}", summary.number, summary.description));
   };
   try {
+    const std::set<std::string> left_out = ColumnsLeftOut(table, is_new);
     ado::Recordset source =
-        source_->Execute("select " + SelectList(table) + " from " + source_name);
+        source_->Execute("select " + SelectList(table, left_out) + " from " + source_name);
     const std::vector<ado::FieldInfo>& fields = source.FieldInfos();
     const std::int64_t announced = CountRows(source_name);
     events_.TableContentTransferStarted(table.name.Text(), Announced(announced));
 
     const std::vector<ColumnFacts> facts = FactsOf(fields, table);
-    const std::unique_ptr<IRowDestination> rows = OpenRows(table, is_new, fields, facts);
+    std::unique_ptr<IRowDestination> rows =
+        OpenRows(table, is_new ? TableUse::New : TableUse::Existing, fields, facts);
+    if (IsRehearsing()) rows = Rehearse(std::move(rows), table, is_new, fields);
     RowCopier copier(*rows, events_, host_, copy_);
     bool is_stopped = false;
     try {

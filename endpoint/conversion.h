@@ -20,6 +20,10 @@
 
 namespace dorvane {
 
+/// What rows of a destination table are opened for: to fill one that this run made, to add to one
+/// that was there, or to be compared only.
+enum class TableUse { New, Existing, Compared };
+
 class EventRecord;
 class Lanes;
 class TableQueue;
@@ -44,6 +48,7 @@ class Conversion {
     IConversionListener& events;  // this and the host must outlive the conversion
     IRunHost& host;
     CopyPlan copy = {};
+    ado::StatementSink rehearsal = nullptr;  // for a rehearsal: see IDatabase::RehearseTransfer
   };
 
   virtual ~Conversion() = default;
@@ -60,10 +65,12 @@ class Conversion {
 
   const ConversionOptions& Options() const { return options_; }
   bool IsMerging() const { return options_.convert_mode == convert_mode::kMerge; }
+  bool KeepsComputed() const { return options_.computed_columns == ComputedColumns::Generated; }
   bool IsExact() const { return options_.types == TypeMapping::Exact; }
   bool IsOverwriting() const { return options_.convert_mode == convert_mode::kOverwrite; }
   /// True when the destination's table may be there from before the run.
   bool MayBeOld(const ado::TableName& name) const { return IsMerging() || failed_.contains(name); }
+  bool IsRehearsing() const { return rehearsal_ != nullptr; }
   CopyStrategy Strategy() const { return copy_.strategy; }
   const std::string& SourceDatabase() const { return source_database_; }
   ado::Connection& Source() { return *source_; }
@@ -120,10 +127,8 @@ class Conversion {
   /// What a merge needs of a table that was there: the key by which rows are told apart. Reports
   /// its failures.
   virtual void CheckExistingTable(ado::Table& tab_src, const TableDefinition& table) = 0;
-  /// The columns that are read, as they stand behind "select ".
-  virtual std::string SelectList(const TableDefinition& table) const = 0;
   /// The table that rows are copied into. `facts` are those of `fields`, one each; both outlive it.
-  virtual std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
+  virtual std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, TableUse use,
                                                     const std::vector<ado::FieldInfo>& fields,
                                                     const std::vector<ColumnFacts>& facts) = 0;
   /// What a new table of the exact mapping gets when its rows are there, the next identity value
@@ -141,12 +146,13 @@ class Conversion {
 
   /// What counts the rows where count(*) overflows; empty for a source where it does not.
   virtual std::string_view WideCount() const { return {}; }
-  /// A table's name quoted for the source.
+  /// A table's name, or a column's, quoted for the source.
   virtual std::string SourceName(const ado::TableName& name) const = 0;
   /// A table of the source as it is named on the destination.
   virtual ado::TableName DestTable(const ado::TableName& name) const = 0;
   /// A table or column quoted for the destination, where it has that name.
   virtual std::string DestQuoted(const ado::TableName& name) const = 0;
+  virtual ServerKind DestinationKind() const = 0;
   /// True when the destination takes names that differ in letter case for one.
   virtual bool FoldsTableNames() = 0;
   virtual void ReportTableFailure(const std::string& name, const RunTimeError& error) = 0;
@@ -179,6 +185,8 @@ class Conversion {
   void PrepareOverwriting(const NameList& tables);
   void ConvertTable(const std::string& name);
   bool CreateTable(TableDefinition& table);
+  /// Changes a definition that was refused so that it may be taken.
+  bool Cure(TableDefinition& table, const DestinationFailure& failure);
   void TellNotes(const TableDefinition& table);
   /// How the copy of a table's rows ended, as far as the run is concerned.
   enum class Copied { AsFarAsPossible, WithRowsPostponed, Stopped };
@@ -205,11 +213,28 @@ class Conversion {
   ConnectionPair JoinFork(Conversion& fork);
   bool TryKeepConnected();
 
+  // rehearsal.cpp
+  /// Throws ProviderError, as the server would refuse it, for a statement with a name too long.
+  void RehearseStatement(std::string_view sql);
+  /// True when the destination has the table now.
+  bool IsThere(const TableDefinition& table);
+  void TellWhatIsThere(const TableDefinition& table);
+  std::unique_ptr<IRowDestination> Rehearse(std::unique_ptr<IRowDestination> rows,
+                                            const TableDefinition& table, bool is_new,
+                                            const std::vector<ado::FieldInfo>& fields);
+
+  // generated_columns.cpp
+  /// The columns that get no values, since the destination computes them or gives them itself.
+  /// Tells of those that an existing table has.
+  std::set<std::string> ColumnsLeftOut(const TableDefinition& table, bool is_new);
+  /// The columns that are read, as they stand behind "select ".
+  std::string SelectList(const TableDefinition& table, const std::set<std::string>& left_out) const;
+
   // verification.cpp
   void CompareEach(const NameList& tables);
   void CompareListed(const std::string& name);
-  void CompareCounts(const TableDefinition& table);
-  void CompareValues(const TableDefinition& table);
+  void CompareCounts(const TableDefinition& table, std::int64_t source_rows);
+  void CompareValues(const TableDefinition& table, std::int64_t source_rows);
   void ReportEqual(const TableDefinition& table, std::string_view what, std::int64_t additional);
   void ReportDifference(const TableDefinition& table, std::string_view difference);
 
@@ -228,6 +253,7 @@ class Conversion {
   IConversionListener& events_;
   IRunHost& host_;
   const CopyPlan copy_;
+  const ado::StatementSink rehearsal_;
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();

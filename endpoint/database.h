@@ -34,6 +34,10 @@ enum class Verification { None, Counts, Values };
 /// which has no schemas: `Schema_Table`, `Table`, or `Table` in a database `Schema`.
 enum class SchemaPolicy { Prefix, Drop, Database };
 
+/// What becomes of a column that the source computes: one that holds its values, or one that the
+/// destination computes where it can.
+enum class ComputedColumns { Values, Generated };
+
 /// The most tables that are converted side by side.
 inline constexpr int kMostTablesAtOnce = 8;
 
@@ -45,8 +49,10 @@ struct ConversionOptions {
   bool convert_relationships = false;
   Verification verification = Verification::None;
   TypeMapping types = TypeMapping::Classic;
+  ComputedColumns computed_columns = ComputedColumns::Values;
   SchemaPolicy schemas = SchemaPolicy::Prefix;  // from SQL Server only
   std::string destination_schema = {};          // to SQL Server only; empty: the login's default
+  NameList reports = {};                        // files that an unattended run's report goes to
   int tables_at_once = 1;  // up to kMostTablesAtOnce, each over a pair of connections of its own
 };
 
@@ -119,6 +125,12 @@ class IDatabase {
   virtual void CompareWithDest(IDatabase& dest, const NameList& src_tables) = 0;
   /// Converts the listed tables into the database DbName of `dest`. Tells its outcome by events.
   virtual void TransferToDest(IDatabase& dest, const NameList& src_tables) = 0;
+
+  /// Does what TransferToDest would do but for what changes the destination: `statements` takes
+  /// the statements that would be sent, in their order, and comments ("-- ...") between them. Tells
+  /// its outcome by events, as a transfer would.
+  virtual void RehearseTransfer(IDatabase& dest, const NameList& src_tables,
+                                const ado::StatementSink& statements) = 0;
 
   virtual ServerKind Kind() const = 0;
   /// Exactly one listener at a time, not owned; null takes it away.

@@ -98,16 +98,25 @@ std::optional<ServerInfo> DatabaseBase::GetServerInfo() {
 }
 
 void DatabaseBase::CompareWithDest(IDatabase& dest, const NameList& src_tables) {
-  RunConversion(dest, src_tables, &Conversion::Compare);
+  RunConversion(dest, src_tables, &Conversion::Compare, options_, nullptr);
 }
 
 void DatabaseBase::TransferToDest(IDatabase& dest, const NameList& src_tables) {
-  RunConversion(dest, src_tables, &Conversion::Run);
+  RunConversion(dest, src_tables, &Conversion::Run, options_, nullptr);
 }
 
-void DatabaseBase::RunConversion(IDatabase& dest, const NameList& src_tables,
-                                 void (Conversion::*run)(const NameList& src_tables)) {
-  Events().ConversionStarted(TableCount(src_tables), options_.convert_relationships);
+void DatabaseBase::RehearseTransfer(IDatabase& dest, const NameList& src_tables,
+                                    const ado::StatementSink& statements) {
+  ConversionOptions options = options_;
+  options.verification = Verification::None;  // there is nothing to compare
+  options.tables_at_once = 1;                 // the statements of a table stand together
+  RunConversion(dest, src_tables, &Conversion::Run, options, statements);
+}
+
+void DatabaseBase::RunConversion(IDatabase& dest, const NameList& src_tables, Part part,
+                                 const ConversionOptions& options,
+                                 const ado::StatementSink& rehearsal) {
+  Events().ConversionStarted(TableCount(src_tables), options.convert_relationships);
   auto source = OpenConnection(true);
   if (!source) return;
   auto destination = dest.OpenConnection(true);
@@ -118,10 +127,11 @@ void DatabaseBase::RunConversion(IDatabase& dest, const NameList& src_tables,
       MakeConversion({.source = std::move(source),
                       .destination = std::move(destination),
                       .source_database = DbName(),
-                      .options = options_,
+                      .options = options,
                       .events = Events(),
-                      .host = host_});
-  (conversion.get()->*run)(src_tables);
+                      .host = host_,
+                      .rehearsal = rehearsal});
+  (conversion.get()->*part)(src_tables);
   Events().ConversionEnded();
 }
 

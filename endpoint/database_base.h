@@ -25,6 +25,8 @@ class DatabaseBase : public IDatabase {
   std::optional<ServerInfo> GetServerInfo() override;
   void CompareWithDest(IDatabase& dest, const NameList& src_tables) override;
   void TransferToDest(IDatabase& dest, const NameList& src_tables) override;
+  void RehearseTransfer(IDatabase& dest, const NameList& src_tables,
+                        const ado::StatementSink& statements) override;
 
  protected:
   /// `host` must outlive the endpoint.
@@ -43,9 +45,11 @@ class DatabaseBase : public IDatabase {
       const RunTimeError& error, const ado::Connection& connection) const = 0;
   /// The conversion of this kind of source.
   virtual std::unique_ptr<Conversion> MakeConversion(Conversion::Context context) = 0;
-  /// Opens both connections and runs that part of a conversion.
-  void RunConversion(IDatabase& dest, const NameList& src_tables,
-                     void (Conversion::*run)(const NameList& src_tables));
+  /// A part of a conversion.
+  using Part = void (Conversion::*)(const NameList& src_tables);
+  /// Opens both connections and runs that part; as a rehearsal when there is a sink.
+  void RunConversion(IDatabase& dest, const NameList& src_tables, Part part,
+                     const ConversionOptions& options, const ado::StatementSink& rehearsal);
 
   IRunHost& host_;
   ado::ProviderLookup providers_;

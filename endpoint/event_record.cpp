@@ -95,4 +95,25 @@ void EventRecord::UnclassifiedFailure(std::string_view message, std::int32_t sty
   });
 }
 
+void EventRecord::TableStepStarted(std::string_view table_name) {
+  report_.Add([name = std::string(table_name)](auto&, auto& host) { host.TableStepStarted(name); });
+}
+
+void EventRecord::TableStepEnded(std::string_view table_name, std::chrono::duration<double> took) {
+  report_.Add(
+      [=, name = std::string(table_name)](auto&, auto& host) { host.TableStepEnded(name, took); });
+}
+
+void EventRecord::TableComparisonStarted(std::string_view table_name, std::int64_t no_of_records) {
+  announced_ += no_of_records;
+  compared_ = 0;
+  report_.Add([=, name = std::string(table_name)](auto&, auto& host) {
+    host.TableComparisonStarted(name, no_of_records);
+  });
+}
+
+void EventRecord::ShowRowsCompared(std::int64_t rows) {
+  rows_ += rows - std::exchange(compared_, rows);
+}
+
 }  // namespace dorvane

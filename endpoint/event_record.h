@@ -59,6 +59,10 @@ class EventRecord : public IConversionListener, public IRunHost {
   void Inform(std::string_view message) override;
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
+  void TableStepStarted(std::string_view table_name) override;
+  void TableStepEnded(std::string_view table_name, std::chrono::duration<double> took) override;
+  void TableComparisonStarted(std::string_view table_name, std::int64_t no_of_records) override;
+  void ShowRowsCompared(std::int64_t rows) override;
   void Yield() override {}
   bool IsStopping() const override { return is_stopping_; }
 
@@ -67,6 +71,7 @@ class EventRecord : public IConversionListener, public IRunHost {
   Report report_;
   std::atomic<std::int64_t> rows_ = 0;
   std::atomic<std::int64_t> announced_ = 0;
+  std::int64_t compared_ = 0;  // rows of the table in hand
 };
 
 }  // namespace dorvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -44,6 +45,19 @@ class IRunHost {
   /// Some times a second while several tables are converted at once. The events of such a table
   /// come together when it has ended, so that this alone tells how far they are.
   virtual void ShowTablesInHand(const TablesInHand& /*tables*/) {}
+  /// The run begins one thing for a table: its definition, its conversion, its relationships or its
+  /// comparison. What is told until it has ended is about that table.
+  virtual void TableStepStarted(std::string_view /*table_name*/) {}
+  /// The step has ended, well or not. The time was taken where the table was worked on.
+  virtual void TableStepEnded(std::string_view /*table_name*/,
+                              std::chrono::duration<double> /*took*/) {}
+  /// The tables are there, and are compared from now on.
+  virtual void ComparisonStarted() {}
+  /// The step is a comparison of so many rows of the source with those of the destination.
+  virtual void TableComparisonStarted(std::string_view /*table_name*/,
+                                      std::int64_t /*no_of_records*/) {}
+  /// How many rows of the table in hand are compared by now. Told often.
+  virtual void ShowRowsCompared(std::int64_t /*rows*/) {}
   /// Called often during slow work: lets the window system process what is pending. Cheap.
   virtual void Yield() = 0;
   /// True when the user wants the run to end: the row or block in hand is finished, connections are

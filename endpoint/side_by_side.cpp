@@ -81,6 +81,7 @@ std::unique_ptr<Conversion> Conversion::ForkOver(ConnectionPair pair, EventRecor
                     .host = record,
                     .copy = copy_});
   fork->plans_ = plans_;
+  fork->catalog_.LearnFrom(catalog_);
   return fork;
 }
 

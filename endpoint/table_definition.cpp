@@ -7,6 +7,7 @@
 namespace dorvane {
 
 std::string ColumnDefinition::Text() const {
+  if (!generation.empty()) return generation;
   std::string text = type + (facts.nullable ? " NULL" : " NOT NULL") + attributes;
   if (!default_clause.empty()) text += " Default " + default_clause;
   if (!check.empty()) text += " Check (" + check + ")";

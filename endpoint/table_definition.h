@@ -21,9 +21,12 @@ struct ColumnFacts {
 /// A column as the destination gets it, in the pieces that a refusal may change.
 struct ColumnDefinition {
   std::string name = {};        // the source's
+  std::string read_as = {};     // what is read in its place, in the source's words; empty: itself
   std::string type = {};        // "VARCHAR(50)"; empty for a type that the destination lacks
   std::string attributes = {};  // with a blank in front: " Identity", " primary key auto_increment"
   std::string default_clause = {};  // behind " Default ": the default's literal, or an expression
+  /// What follows the name of a column that the destination computes; empty for one that is filled.
+  std::string generation = {};
   std::string check = {};       // a condition on the column's values, in the destination's words
   std::string comment = {};     // for a person to read, as the source has it
   std::string next_value = {};  // that an identity column gives next, where the source tells it

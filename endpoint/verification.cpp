@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -96,7 +97,9 @@ void Conversion::Compare(const NameList& src_tables) {
 }
 
 void Conversion::CompareEach(const NameList& tables) {
+  host_.ComparisonStarted();
   if (!IsSideBySide(tables)) return ForEachTable(tables, &Conversion::CompareListed);
+  SourceTable(tables.front());  // the catalog is read once, not by each lane
   std::vector<ConnectionPair> pairs = OpenPairs(tables.size());
   Lanes lanes(pairs.size() + 1, events_, host_);
   OnLanes(lanes, pairs, TableQueue(tables), &Conversion::CompareListed);
@@ -109,10 +112,12 @@ void Conversion::CompareListed(const std::string& name) {
   if (planned.failure) std::rethrow_exception(planned.failure);
   const TableDefinition& table = *planned.definition;
   try {
+    const std::int64_t source_rows = CountRows(SourceName(table.name));
+    host_.TableComparisonStarted(name, source_rows);
     if (options_.verification == Verification::Counts) {
-      CompareCounts(table);
+      CompareCounts(table, source_rows);
     } else {
-      CompareValues(table);
+      CompareValues(table, source_rows);
     }
   } catch (const RunTimeError& error) {
     const ErrorSummary summary = SummaryOf(error);
@@ -121,21 +126,20 @@ void Conversion::CompareListed(const std::string& name) {
   }
 }
 
-void Conversion::CompareCounts(const TableDefinition& table) {
-  const std::int64_t source = CountRows(SourceName(table.name));
+void Conversion::CompareCounts(const TableDefinition& table, std::int64_t source_rows) {
   const std::int64_t destination =
       CountRows(*destination_, "count(*)", DestQuoted(table.dest_name));
-  const std::int64_t additional = destination - source;
+  const std::int64_t additional = destination - source_rows;
   if (additional == 0 || (additional > 0 && IsMerging())) {
-    return ReportEqual(table, fmt::format("{} rows on both sides", source), additional);
+    return ReportEqual(table, fmt::format("{} rows on both sides", source_rows), additional);
   }
-  ReportDifference(table,
-                   fmt::format("the source has {} rows, the destination {}", source, destination));
+  ReportDifference(
+      table, fmt::format("the source has {} rows, the destination {}", source_rows, destination));
 }
 
-void Conversion::CompareValues(const TableDefinition& table) {
+void Conversion::CompareValues(const TableDefinition& table, std::int64_t source_rows) {
   const std::string from_source =
-      fmt::format("select {} from {}", SelectList(table), SourceName(table.name));
+      fmt::format("select {} from {}", SelectList(table, {}), SourceName(table.name));
   const std::vector<ado::FieldInfo> fields = FieldsOf(*source_, from_source);
   std::string columns;
   for (const ado::FieldInfo& field : fields) {
@@ -151,11 +155,12 @@ void Conversion::CompareValues(const TableDefinition& table) {
   tables.key = KeyFields(catalog_.TableByName(table.name.Text()).Indexes(), fields);
   // The rules that convert say what must have arrived.
   const std::unique_ptr<IRowDestination> rules =
-      OpenRows(table, false, fields, FactsOf(fields, table));
+      OpenRows(table, TableUse::Compared, fields, FactsOf(fields, table));
   tables.source = Converted(ReaderOf(*source_, from_source), *rules);
   tables.destination = ReaderOf(*destination_, from_destination);
   const std::optional<ComparisonResult> result =
-      CompareTables(tables, [this](std::int64_t /*rows*/) {
+      CompareTables(tables, [this, source_rows](std::int64_t rows) {
+        host_.ShowRowsCompared(std::min(rows, source_rows));  // some are read more than once
         host_.Yield();
         return !host_.IsStopping();
       });

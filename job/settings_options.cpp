@@ -8,6 +8,7 @@
 #include <optional>
 #include <utility>
 
+#include "job/run_report.h"
 #include "platform/run_time_error.h"
 #include "platform/text/ascii.h"
 
@@ -36,6 +37,8 @@ constexpr std::array kEncryptions{Name<Encryption>{Encryption::Offered, "offered
                                   Name{Encryption::Verified, "verified"}};
 constexpr std::array kTypes{Name{TypeMapping::Classic, "classic"},
                             Name{TypeMapping::Exact, "exact"}};
+constexpr std::array kComputed{Name{ComputedColumns::Values, "values"},
+                               Name{ComputedColumns::Generated, "generated"}};
 constexpr std::array kSchemas{Name{SchemaPolicy::Prefix, "prefix"},
                               Name{SchemaPolicy::Drop, "drop"},
                               Name{SchemaPolicy::Database, "database"}};
@@ -102,11 +105,13 @@ struct TablesValue {
 
 enum Sides : unsigned { kSource = 1, kDestination = 2, kBoth = kSource | kDestination };
 
-/// One option. `write` gives nothing for the default.
+using Values = std::vector<std::string>;
+
+/// One option. `write` gives the values of its lines: none for the default.
 struct Option {
   std::string_view name;
   void (*read)(std::string_view text, IDatabase& src, IDatabase& dest);
-  std::string (*write)(const IDatabase& src, const IDatabase& dest);
+  Values (*write)(const IDatabase& src, const IDatabase& dest);
   std::optional<ServerKind> source = std::nullopt;  // that gives the option a meaning; none: both
 };
 
@@ -127,7 +132,7 @@ constexpr Option ConnectionOption(std::string_view name) {
           [](const IDatabase& src, const IDatabase& dest) {
             const ConnectionSettings& settings = (sides & kSource ? src : dest).Settings();
             const bool is_default = settings.*member == ConnectionSettings().*member;
-            return is_default ? std::string() : Value::Write(settings.*member);
+            return is_default ? Values() : Values{Value::Write(settings.*member)};
           }};
 }
 
@@ -144,10 +149,21 @@ constexpr Option ConversionOption(std::string_view name,
           [](const IDatabase& src, const IDatabase& /*dest*/) {
             const ConversionOptions options = src.Options();
             const bool is_default = options.*member == ConversionOptions().*member;
-            return is_default ? std::string() : Value::Write(options.*member);
+            return is_default ? Values() : Values{Value::Write(options.*member)};
           },
           source};
 }
+
+/// Each line adds a file.
+constexpr Option kReports{
+    kReportOption,
+    [](std::string_view text, IDatabase& src, IDatabase& /*dest*/) {
+      if (!IsReportName(text)) Refuse(run_time::kTypeMismatch, "no name of a .html or .json file");
+      ConversionOptions options = src.Options();
+      options.reports.emplace_back(text);
+      src.SetOptions(std::move(options));
+    },
+    [](const IDatabase& src, const IDatabase& /*dest*/) { return src.Options().reports; }};
 
 // In the order in which they are written.
 constexpr std::array kOptions{
@@ -159,12 +175,15 @@ constexpr std::array kOptions{
     ConnectionOption<TextValue, &ConnectionSettings::ca_file, kDestination>("CA file destination"),
     ConnectionOption<SecondsValue, &ConnectionSettings::idle_limit, kBoth>("Idle limit"),
     ConversionOption<NamedValue<kTypes>, &ConversionOptions::types>("Types"),
+    ConversionOption<NamedValue<kComputed>, &ConversionOptions::computed_columns>(
+        "Computed columns"),
     ConversionOption<NamedValue<kSchemas>, &ConversionOptions::schemas>("Schemas",
                                                                         ServerKind::MsSql),
     ConversionOption<TextValue, &ConversionOptions::destination_schema>("Destination schema",
                                                                         ServerKind::MySql),
     ConversionOption<TablesValue, &ConversionOptions::tables_at_once>("Tables at once"),
     ConversionOption<NamedValue<kVerifications>, &ConversionOptions::verification>("Verify"),
+    kReports,
 };
 
 }  // namespace
@@ -195,8 +214,9 @@ std::vector<std::string> OptionLines(const IDatabase& src, const IDatabase& dest
   std::vector<std::string> lines;
   for (const Option& option : kOptions) {
     if (option.source && *option.source != src.Kind()) continue;
-    const std::string value = option.write(src, dest);
-    if (!value.empty()) lines.push_back(fmt::format("{}={}", option.name, value));
+    for (const std::string& value : option.write(src, dest)) {
+      lines.push_back(fmt::format("{}={}", option.name, value));
+    }
   }
   return lines;
 }

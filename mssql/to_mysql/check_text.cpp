@@ -19,7 +19,16 @@ std::size_t ClosedBy(std::string_view text, char quote) {
   return text.size();
 }
 
-std::string Unbracketed(std::string_view piece) {
+/// A pattern may have sets of characters in brackets, and a backslash is no backslash to MySQL.
+bool IsReadOtherwise(std::string_view text) {
+  return text.find_first_of("[\\") != std::string_view::npos;
+}
+
+}  // namespace
+
+std::string TakeBracketed(std::string_view& rest) {
+  const std::string_view piece = rest.substr(0, ClosedBy(rest, ']'));
+  rest.remove_prefix(piece.size());
   std::string name;
   for (std::size_t i = 1; i + 1 < piece.size(); ++i) {
     name += piece[i];
@@ -28,32 +37,30 @@ std::string Unbracketed(std::string_view piece) {
   return name;
 }
 
-/// A pattern may have sets of characters in brackets, and a backslash is no backslash to MySQL.
-bool IsReadOtherwise(std::string_view text) {
-  return text.find_first_of("[\\") != std::string_view::npos;
+std::optional<std::string> TakeText(std::string_view& rest) {
+  const std::string_view piece = rest.substr(0, ClosedBy(rest, '\''));
+  rest.remove_prefix(piece.size());
+  if (IsReadOtherwise(piece)) return std::nullopt;
+  return std::string(piece);
 }
-
-}  // namespace
 
 std::string CheckText(std::string_view condition,
                       const std::function<std::string(std::string_view name)>& dest_name) {
   std::string text;
   while (!condition.empty()) {
     const char first = condition.front();
-    std::size_t size = 1;
     if (first == '[') {
-      size = ClosedBy(condition, ']');
-      text += dest_name(Unbracketed(condition.substr(0, size)));
+      text += dest_name(TakeBracketed(condition));
     } else if (first == '\'') {
-      size = ClosedBy(condition, '\'');
-      if (IsReadOtherwise(condition.substr(0, size))) return {};
-      text += condition.substr(0, size);
+      const std::optional<std::string> piece = TakeText(condition);
+      if (!piece) return {};
+      text += *piece;
     } else if (kReadOtherwise.find(first) != std::string_view::npos) {
       return {};
     } else {
       text += first;
+      condition.remove_prefix(1);
     }
-    condition.remove_prefix(size);
   }
   return text;
 }

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "endpoint/names.h"
 #include "mssql/to_mysql/defaults.h"
 #include "mssql/to_mysql/exact_types.h"
 #include "mssql/to_mysql/literals.h"
@@ -52,6 +53,7 @@ std::string SizedText(std::string_view word, std::int64_t size) {
 
 /// Empty for a type that MySQL has no text for.
 std::string TypeOf(const ado::Column& col) {
+  if (IsObject(col)) return "LONGTEXT";
   switch (col.type) {
     case DataType::Char:
     case DataType::WChar:
@@ -80,7 +82,7 @@ std::string TypeOf(const ado::Column& col) {
 void SetDefault(ColumnDefinition& definition, const ado::Column& col,
                 std::string (*literal_of)(const ado::Column& col, const std::string& value)) {
   if (!col.default_value && col.other_default.empty()) return;
-  if (col.default_value) {
+  if (col.default_value && !IsObject(col)) {
     try {
       definition.facts.default_text = literal_of(col, *col.default_value);
     } catch (const RunTimeError&) {
@@ -100,6 +102,17 @@ ColumnDefinition Described(const ado::Column& col, const std::string& identity_c
   ColumnDefinition definition{.name = col.name};
   definition.facts.nullable = (col.attributes & ado::kColumnNullable) != 0;
   definition.is_invisible = col.kind.is_hidden;
+  if (col.kind.is_masked) {
+    definition.notes.push_back(fmt::format(
+        "column {} is masked on the source, where a login without UNMASK sees no values",
+        col.name));
+  }
+  if (IsObject(col)) {
+    const std::string& type = col.kind.base_type;
+    definition.read_as = MsSqlName(col.name) + ".ToString()";
+    definition.notes.push_back(fmt::format("column {} holds the text of its {} values", col.name,
+                                           type.empty() ? col.server_type : type));
+  }
   definition.is_identity = !identity_column.empty() && identity_column == col.name;
   if (definition.is_identity) definition.attributes = " primary key auto_increment";
   return definition;

@@ -77,6 +77,7 @@ TableDefinition MsSqlToMySql::DefineTable(ado::Table& tab_src) {
   if (!IsExact() && is_made) AskTheData(tab_src, table);
   if (is_made) AskForFoldedKeys(tab_src, table);
   if (IsExact()) DescribeExtras(table);
+  if (KeepsComputed()) KeepComputed(tab_src, table);
   return table;
 }
 
@@ -173,15 +174,6 @@ bool MsSqlToMySql::CureTable(TableDefinition& table, std::int32_t native_error) 
   };
   return CureDefinition(
       table, {native_error, words, indexes, PrimaryKeyClause(indexes), has_fine_decimals});
-}
-
-std::string MsSqlToMySql::SelectList(const TableDefinition& table) const {
-  if (std::ranges::none_of(table.columns, &ColumnDefinition::is_invisible)) return "*";
-  std::string list;
-  for (const ColumnDefinition& column : table.columns) {
-    list += (list.empty() ? "" : ", ") + MsSqlName(column.name);
-  }
-  return list;
 }
 
 bool MsSqlToMySql::FoldsTableNames() {

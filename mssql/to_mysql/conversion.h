@@ -24,8 +24,8 @@ class MsSqlToMySql : public Conversion {
   std::string CreateTableStatement(const TableDefinition& table) const override;
   std::int32_t TableExistsError() const override;
   bool CureTable(TableDefinition& table, std::int32_t native_error) override;
-  std::string SelectList(const TableDefinition& table) const override;
   bool FoldsTableNames() override;
+  ServerKind DestinationKind() const override { return ServerKind::MySql; }
   void RelateTable(const std::string& name) override;
   std::string_view WideCount() const override { return "count_big(*)"; }
   std::string SourceName(const ado::TableName& name) const override;
@@ -39,6 +39,10 @@ class MsSqlToMySql : public Conversion {
   std::string FindIdentityColumn(ado::Table& tab_src);
   /// True when there is a table of that name; false too for a question that fails.
   bool IsOnDestination(const ado::TableName& dest_name);
+
+  // computed_columns.cpp
+  /// Has the destination compute the columns that the source computes, where it can.
+  void KeepComputed(ado::Table& tab_src, TableDefinition& table);
 
   // extras.cpp
   /// Reads the comments, checks and next identity value of a table.
@@ -83,7 +87,7 @@ class MsSqlToMySql : public Conversion {
                  std::string_view description);
 
   // rows.cpp
-  std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
+  std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, TableUse use,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstdio>
 
+#include "endpoint/generated_columns.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mysql {
@@ -59,14 +60,6 @@ bool ExpressionsOff(TableDefinition& table, const TableRefusal&) {
   return is_changed;
 }
 
-/// A name of the source between quotes, as it is or with underscores.
-bool IsNamed(std::string_view words, const std::string& name) {
-  std::string quoted = "'" + name + "'";
-  if (words.find(quoted) != std::string_view::npos) return true;
-  std::ranges::replace(quoted, ' ', '_');
-  return words.find(quoted) != std::string_view::npos;
-}
-
 /// The server names the column whose default it cannot take.
 bool NamedDefaultOff(TableDefinition& table, const TableRefusal& refusal) {
   for (ColumnDefinition& column : table.columns) {
@@ -98,7 +91,8 @@ bool WidestAsLong(TableDefinition& table, const TableRefusal& refusal) {
       return std::ranges::find(index.columns, column.name) != index.columns.end();
     });
     const RowType* type = RowTypeOf(column.type);
-    const int width = type != nullptr ? FirstMeasure(column.type, type->word) : 0;
+    const bool is_sized = type != nullptr && column.generation.empty();
+    const int width = is_sized ? FirstMeasure(column.type, type->word) : 0;
     return std::pair(width > 0 && !is_in_key, width);
   };
   const auto widest = std::ranges::max_element(table.columns, {}, rank);

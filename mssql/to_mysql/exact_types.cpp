@@ -34,20 +34,8 @@ constexpr auto kPlainTypes = std::to_array<TypeText>({
     {DataType::Variant, "LONGTEXT", "became LONGTEXT with the text of its values"},
 });
 
-// Types that share another one's code.
-struct NamedType {
-  std::string_view server_type;
-  std::string_view text;
-  std::string_view change;
-};
 constexpr std::string_view kWithOffset = "datetimeoffset";
-constexpr std::string_view kAsBytes = "became LONGBLOB with the bytes of its values";
-constexpr auto kNamedTypes = std::to_array<NamedType>({
-    {kWithOffset, "VARCHAR(34)", ""},
-    {"hierarchyid", "LONGBLOB", kAsBytes},
-    {"geometry", "LONGBLOB", kAsBytes},
-    {"geography", "LONGBLOB", kAsBytes},
-});
+constexpr std::string_view kObject = "geography";  // stands for every type that is one
 
 constexpr std::int64_t kMostFixedSize = 255;  // of CHAR and BINARY
 constexpr std::int64_t kMostDeclared = 8000;  // a larger size is that of (max)
@@ -75,8 +63,8 @@ ExactType MomentType(std::string_view word, std::string_view fine_text, int digi
 }  // namespace
 
 ExactType ExactTypeOf(const ado::Column& col, bool is_fine) {
-  const auto* named = std::ranges::find(kNamedTypes, col.server_type, &NamedType::server_type);
-  if (named != kNamedTypes.end()) return {std::string(named->text), 0, named->change};
+  if (HasOffset(col)) return {"VARCHAR(34)"};
+  if (IsObject(col)) return {"LONGTEXT"};
   switch (col.type) {
     case DataType::Char:
     case DataType::WChar:
@@ -108,6 +96,10 @@ ExactType ExactTypeOf(const ado::Column& col, bool is_fine) {
 bool MayBeFine(const ado::Column& col) {
   const bool has_time = col.type == DataType::DBTimeStamp || col.type == DataType::DBTime;
   return has_time && col.numeric_scale > kMostFraction;
+}
+
+bool IsObject(const ado::FieldInfo& field) {
+  return field.server_type == kObject;
 }
 
 bool HasOffset(const ado::FieldInfo& field) {

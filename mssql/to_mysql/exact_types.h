@@ -20,6 +20,10 @@ ExactType ExactTypeOf(const ado::Column& col, bool is_fine);
 /// True for a date and time, or a time, whose type has seven digits behind the second.
 bool MayBeFine(const ado::Column& col);
 
+/// An object of the server's: a place in a hierarchy, a shape. Only its text means anything
+/// elsewhere.
+bool IsObject(const ado::FieldInfo& field);
+
 /// A moment with its offset from UTC.
 bool HasOffset(const ado::FieldInfo& field);
 

@@ -41,10 +41,12 @@ RowsToMySql::RowsToMySql(ado::Connection& destination, Target target,
       fields_(fields),
       facts_(std::move(facts)),
       checks_off_(target_.is_ahead_of_parents ? std::make_unique<ForeignKeyChecksOff>(destination)
-                                              : nullptr),
-      table_(OnDestination(destination, [&] {
-        return destination.OpenTable(MySqlTable(target_.table), target_.columns);
-      })) {
+                                              : nullptr) {
+  if (!target_.is_compared) {
+    table_ = OnDestination(destination, [&] {
+      return destination.OpenTable(MySqlTable(target_.table), target_.columns);
+    });
+  }
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     if (HasTime(fields_[i])) time_columns_.push_back(i);
   }
@@ -100,7 +102,7 @@ BlockResult RowsToMySql::StoreBlock(const ado::RowBlock& converted, std::size_t 
   try {
     destination_.BeginTrans();
     in_transaction = true;
-    table_.InsertRows(converted, first, count);
+    table_->InsertRows(converted, first, count);
     destination_.CommitTrans();
     return BlockResult::Stored;
   } catch (const RunTimeError& error) {
@@ -132,7 +134,7 @@ RowOutcome RowsToMySql::StoreRow(const ado::RowBlock& converted, std::size_t row
         if (replaced > 0) continue;
       }
       const ErrorSummary reason{entry->native_error, entry->description};
-      table_.CancelUpdate();
+      table_->CancelUpdate();
       if (fault == RowFault::Duplicate && IsThere(converted.Row(row))) {
         return {RowResult::Duplicate};
       }
@@ -142,9 +144,9 @@ RowOutcome RowsToMySql::StoreRow(const ado::RowBlock& converted, std::size_t row
 }
 
 void RowsToMySql::Assign(std::span<const ado::Value> row) {
-  table_.AddNew();
+  table_->AddNew();
   for (std::size_t i = 0; i < row.size(); ++i) {
-    ado::Field& field = table_.Field(i);
+    ado::Field& field = table_->Field(i);
     if (IsChunkCopied(fields_[i].type)) {
       const auto* binary = std::get_if<ado::Binary>(&row[i]);
       if (binary != nullptr) AppendChunks(field, binary->bytes);
@@ -167,7 +169,7 @@ void RowsToMySql::AppendChunks(ado::Field& field, std::string_view bytes) {
 }
 
 void RowsToMySql::Update() {
-  OnDestination(destination_, [this] { table_.Update(); });
+  OnDestination(destination_, [this] { table_->Update(); });
 }
 
 bool RowsToMySql::IsThere(std::span<const ado::Value> row) {
@@ -193,7 +195,7 @@ std::int64_t RowsToMySql::ReplaceCharacters(std::span<const ado::Value> row) {
     if (character_set.empty()) continue;
     const std::string stored = AsStored(*text, character_set);
     if (stored == *text) continue;
-    table_.Field(i).SetText(stored);
+    table_->Field(i).SetText(stored);
     ++replaced;
   }
   return replaced;
@@ -241,15 +243,17 @@ std::vector<ValueChanges> RowsToMySql::Changes() const {
           {cut_fractions_, "fractions of a second were cut"}};
 }
 
-std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& table, bool is_new,
+std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& table, TableUse use,
                                                         const std::vector<ado::FieldInfo>& fields,
                                                         const std::vector<ColumnFacts>& facts) {
-  RowsToMySql::Target target{
-      .table = table.dest_name,
-      .columns = {},
-      .is_new = is_new,
-      .is_ahead_of_parents = !is_new && IsMerging() && Options().convert_relationships,
-      .new_takes_blocks = &new_takes_blocks_};
+  const bool is_new = use == TableUse::New;
+  RowsToMySql::Target target{.table = table.dest_name,
+                             .columns = {},
+                             .is_new = is_new,
+                             .is_compared = use == TableUse::Compared,
+                             .is_ahead_of_parents = use == TableUse::Existing && IsMerging() &&
+                                                    Options().convert_relationships,
+                             .new_takes_blocks = &new_takes_blocks_};
   if (target.is_ahead_of_parents) unchecked_tables_.insert(table.dest_name);
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   if (!is_new) {

@@ -35,6 +35,7 @@ class RowsToMySql : public IRowDestination {
     ado::TableName table;                    // unquoted
     std::vector<std::string> columns;        // unquoted, in the order of the fields
     bool is_new = false;                     // made by this run
+    bool is_compared = false;                // takes no rows
     bool is_ahead_of_parents = false;        // its rows may refer to tables that are copied later
     std::vector<std::size_t> identity = {};  // see IdentifyingFields
     // What one new table says of blocks holds for all; outlives this.
@@ -77,7 +78,7 @@ class RowsToMySql : public IRowDestination {
   std::vector<ColumnFacts> facts_;
   std::vector<std::size_t> time_columns_;
   std::unique_ptr<ForeignKeyChecksOff> checks_off_;
-  ado::Recordset table_;
+  std::optional<ado::Recordset> table_;  // open for rows unless they are only compared
   std::map<std::string, std::string> character_sets_;  // by column; empty until they are needed
   std::int64_t replaced_texts_ = 0;
   std::int64_t cut_fractions_ = 0;

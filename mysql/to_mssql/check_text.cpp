@@ -1,8 +1,10 @@
 #include "mysql/to_mssql/check_text.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "platform/text/ascii.h"
+#include "platform/text/utf8.h"
 
 namespace dorvane::to_mssql {
 
@@ -25,8 +27,25 @@ std::string_view TakeWord(std::string_view& rest) {
   return word;
 }
 
-/// Takes a text off the front; false when it holds what SQL Server reads otherwise. MySQL's catalog
-/// escapes the quotes around it, and once more those in it.
+bool IsUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    if (!text::TakeCodePoint(bytes)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string FromCatalog(std::string_view condition) {
+  std::string bytes;
+  for (std::string_view rest = condition; !rest.empty();) {
+    const std::optional<char32_t> character = text::TakeCodePoint(rest);
+    if (!character || *character > 0xFF) return std::string(condition);
+    bytes += static_cast<char>(*character);
+  }
+  return IsUtf8(bytes) ? bytes : std::string(condition);
+}
+
 bool TakeText(std::string_view& rest, std::string& text) {
   const bool is_escaped = rest.starts_with("\\'");
   const std::string_view quote = is_escaped ? "\\'" : "'";
@@ -54,8 +73,6 @@ bool TakeText(std::string_view& rest, std::string& text) {
   }
   return false;
 }
-
-}  // namespace
 
 std::string CheckText(std::string_view condition) {
   std::string text;

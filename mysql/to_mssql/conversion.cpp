@@ -71,6 +71,7 @@ TableDefinition MySqlToMsSql::DefineTable(ado::Table& tab_src) {
   }
   AskTheRows(tab_src.Columns(), table);
   AskForFoldedKeys(tab_src, table);
+  if (KeepsComputed()) KeepComputed(tab_src, table);
   return table;
 }
 
@@ -105,15 +106,6 @@ std::string MySqlToMsSql::CreateTableStatement(const TableDefinition& table) con
 
 std::int32_t MySqlToMsSql::TableExistsError() const {
   return kObjectExists;
-}
-
-std::string MySqlToMsSql::SelectList(const TableDefinition& table) const {
-  if (std::ranges::none_of(table.columns, &ColumnDefinition::is_invisible)) return "*";
-  std::string list;
-  for (const ColumnDefinition& column : table.columns) {
-    list += (list.empty() ? "" : ", ") + MySqlName(column.name);
-  }
-  return list;
 }
 
 bool MySqlToMsSql::FoldsTableNames() {

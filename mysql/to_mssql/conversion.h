@@ -35,6 +35,10 @@ class MySqlToMsSql : public Conversion {
   /// Gives the texts of keys that differ in case only a collation that tells them apart.
   void AskForFoldedKeys(ado::Table& tab_src, TableDefinition& table);
 
+  // computed_columns.cpp
+  /// Has the destination compute the columns that the source computes, where it can.
+  void KeepComputed(ado::Table& tab_src, TableDefinition& table);
+
   // extras.cpp
   /// Reads the comments, checks and next identity value of a table.
   void DescribeExtras(TableDefinition& table);
@@ -46,8 +50,8 @@ class MySqlToMsSql : public Conversion {
   void PrepareTable(const TableDefinition& table) override;
   std::string CreateTableStatement(const TableDefinition& table) const override;
   std::int32_t TableExistsError() const override;
-  std::string SelectList(const TableDefinition& table) const override;
   bool FoldsTableNames() override;
+  ServerKind DestinationKind() const override { return ServerKind::MsSql; }
   void RelateTable(const std::string& name) override;
   std::string SourceName(const ado::TableName& name) const override;
   ado::TableName DestTable(const ado::TableName& name) const override;
@@ -84,7 +88,7 @@ class MySqlToMsSql : public Conversion {
   void ReportKey(const TableDefinition& table, const std::string& key, const RunTimeError& error);
 
   // rows.cpp
-  std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, bool is_new,
+  std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, TableUse use,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
   bool HasIdentity(const ado::TableName& dest_table);

@@ -52,7 +52,7 @@ void MySqlToMsSql::DescribeExtras(TableDefinition& table) {
     // An old server has no checks.
     if (TryEachRow(Source(), fmt::format(fmt::runtime(query), name),
                    [&](const std::string& check, const std::string& condition) {
-                     table.checks.push_back({check, condition});
+                     table.checks.push_back({check, FromCatalog(condition)});
                    })) {
       break;
     }

@@ -14,20 +14,30 @@ namespace {
 constexpr std::size_t kMostValuesPerInsert = 1000;
 // A batch is sent when it is that long; one row may be longer.
 constexpr std::size_t kBatchBytes = 512 * 1024;
+// A longer one does not become a literal: with the copies that a driver makes of a statement it
+// would be in memory twelve times.
+constexpr std::size_t kLongestLiteral = 128 * 1024;
+
+bool IsLong(const ado::Value& value) {
+  return ado::BytesOf(value).size() > kLongestLiteral;
+}
 
 }  // namespace
 
 InsertBatch::InsertBatch(ado::Connection& destination, const ado::TableName& table,
                          const std::vector<std::string>& columns,
-                         const std::vector<ColumnFacts>& facts, bool gives_identity)
-    : destination_(destination), facts_(facts), types_(columns.size(), ado::DataType::Empty) {
+                         const std::vector<ColumnFacts>& facts, Manner manner)
+    : destination_(destination),
+      facts_(facts),
+      sends_pieces_(manner.sends_pieces),
+      types_(columns.size(), ado::DataType::Empty) {
   const std::string name = MsSqlTable(table);
   head_ = "INSERT INTO " + name + " (";
   for (std::size_t i = 0; i < columns.size(); ++i) {
     head_ += (i == 0 ? "" : ", ") + MsSqlName(columns[i]);
   }
   head_ += ") ";
-  if (!gives_identity) return;
+  if (!manner.gives_identity) return;
   identity_on_ = "set identity_insert " + name + " On;";
   identity_off_ = "set identity_insert " + name + " Off;";
 }
@@ -41,6 +51,37 @@ std::string InsertBatch::StatementOf(std::span<const ado::Value> row) const {
   return statement + ')';
 }
 
+bool InsertBatch::GoesInPieces(std::span<const ado::Value> row) const {
+  return sends_pieces_ && std::ranges::any_of(row, IsLong);
+}
+
+std::string InsertBatch::InsertOf(std::span<const ado::Value> row,
+                                  std::vector<ado::Value>& long_values) const {
+  std::string statement = head_ + " VALUES";
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    statement += i == 0 ? '(' : ',';
+    if (IsLong(row[i])) {
+      statement += '?';
+      long_values.push_back(row[i]);
+    } else {
+      AppendDataValue(statement, row[i], facts_[i]);
+    }
+  }
+  return statement + ')';
+}
+
+void InsertBatch::ExecuteRow(std::span<const ado::Value> row) {
+  if (!GoesInPieces(row)) {
+    destination_.Execute(StatementOf(row));
+    return;
+  }
+  // A statement with parameters has its own switches: those of the session go before it.
+  if (!identity_on_.empty()) destination_.Execute(identity_on_);
+  std::vector<ado::Value> long_values;
+  const std::string statement = InsertOf(row, long_values);
+  destination_.ExecuteWith(statement, long_values);
+}
+
 void InsertBatch::Begin(std::string_view first) {
   text_ = first;
   text_ += identity_on_;
@@ -48,6 +89,11 @@ void InsertBatch::Begin(std::string_view first) {
 }
 
 void InsertBatch::Add(std::span<const ado::Value> row) {
+  if (GoesInPieces(row)) {
+    Send();
+    ExecuteRow(row);
+    return;
+  }
   tuple_.clear();
   row_shapes_.clear();
   for (std::size_t i = 0; i < row.size(); ++i) {

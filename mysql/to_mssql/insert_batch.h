@@ -15,11 +15,15 @@ namespace dorvane::to_mssql {
 /// statements to a batch. What throws throws RunTimeError.
 class InsertBatch {
  public:
+  struct Manner {
+    bool gives_identity = false;  // the rows have values for the identity column
+    bool sends_pieces = true;     // of long values, instead of their literals
+  };
+
   /// Names without brackets. `facts` are the columns' and, like the connection, must outlive this.
-  /// With `gives_identity` the rows have values for the identity column.
   InsertBatch(ado::Connection& destination, const ado::TableName& table,
               const std::vector<std::string>& columns, const std::vector<ColumnFacts>& facts,
-              bool gives_identity);
+              Manner manner);
 
   /// Of the destination's columns, Empty where it is not known: such numbers do not share a
   /// statement.
@@ -27,6 +31,8 @@ class InsertBatch {
 
   /// One row as a statement; After() belongs behind it, however it ends.
   std::string StatementOf(std::span<const ado::Value> row) const;
+  /// Sends that statement, long values beside it in pieces.
+  void ExecuteRow(std::span<const ado::Value> row);
   /// Empty without an identity column.
   const std::string& After() const { return identity_off_; }
 
@@ -38,11 +44,15 @@ class InsertBatch {
   void Finish();
 
  private:
+  bool GoesInPieces(std::span<const ado::Value> row) const;
   bool JoinsLastInsert();
+  /// With "?" for long values, which are appended to `long_values`.
+  std::string InsertOf(std::span<const ado::Value> row, std::vector<ado::Value>& long_values) const;
   void Send();
 
   ado::Connection& destination_;
   const std::vector<ColumnFacts>& facts_;
+  const bool sends_pieces_;
   std::vector<ado::DataType> types_;
   std::string head_;  // "INSERT INTO ... (...) "
   std::string identity_on_;

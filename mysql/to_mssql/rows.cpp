@@ -44,7 +44,9 @@ RowsToMsSql::RowsToMsSql(ado::Connection& destination, Target target,
       target_(std::move(target)),
       fields_(fields),
       facts_(std::move(facts)),
-      inserts_(destination, target_.table, target_.columns, facts_, target_.has_identity_column) {
+      inserts_(
+          destination, target_.table, target_.columns, facts_,
+          {.gives_identity = target_.has_identity_column, .sends_pieces = target_.sends_pieces}) {
   LearnTypes();
 }
 
@@ -184,7 +186,7 @@ void RowsToMsSql::LoadRows(const ado::RowBlock& converted, std::size_t first, st
 
 RowOutcome RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row) {
   ++handled_;
-  RowOutcome outcome = ExecuteRow(inserts_.StatementOf(converted.Row(row)));
+  RowOutcome outcome = ExecuteRow(converted.Row(row));
   if (outcome.result == RowResult::Duplicate && !IsThere(converted.Row(row))) {
     outcome.result = RowResult::Refused;
   }
@@ -192,9 +194,9 @@ RowOutcome RowsToMsSql::StoreRow(const ado::RowBlock& converted, std::size_t row
   return outcome;
 }
 
-RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
+RowOutcome RowsToMsSql::ExecuteRow(std::span<const ado::Value> row) {
   try {
-    ExecuteOn(destination_, statement);
+    OnDestination(destination_, [&] { inserts_.ExecuteRow(row); });
     return {};
   } catch (const DestinationFailure& failure) {
     const ado::Error* entry = failure.Primary();
@@ -207,16 +209,16 @@ RowOutcome RowsToMsSql::ExecuteRow(const std::string& statement) {
     if (fault == RowFault::Duplicate) {
       return {RowResult::Duplicate, {entry->native_error, entry->description}};
     }
-    return RefusalOf(*entry, statement);
+    return RefusalOf(*entry, row);
   }
 }
 
-RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, const std::string& statement) {
+RowOutcome RowsToMsSql::RefusalOf(const ado::Error& error, std::span<const ado::Value> row) {
   ErrorSummary reason{error.native_error, error.description};
   if (target_.waiting != nullptr && MayComeRight(error) &&
       target_.waiting->Add({.table = target_.table.Text(),
                             .position = handled_,
-                            .statement = statement,
+                            .statement = inserts_.StatementOf(row),
                             .after = inserts_.After(),
                             .reason = reason})) {
     return {RowResult::Postponed};
@@ -260,15 +262,17 @@ std::vector<ValueChanges> RowsToMsSql::Changes() const {
   return changes;
 }
 
-std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& table, bool is_new,
+std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& table, TableUse use,
                                                         const std::vector<ado::FieldInfo>& fields,
                                                         const std::vector<ColumnFacts>& facts) {
+  const bool is_new = use == TableUse::New;
   RowsToMsSql::Target target{.table = table.dest_name,
                              .columns = {},
                              .has_identity_column = table.Identity() != nullptr &&
                                                     (is_new || HasIdentity(table.dest_name)),
                              .is_new = is_new,
                              .is_loaded = Strategy() == CopyStrategy::Blocks,
+                             .sends_pieces = Strategy() != CopyStrategy::RowByRow,
                              .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
   if (!is_new) {

@@ -27,6 +27,7 @@ class RowsToMsSql : public IRowDestination {
     bool has_identity_column = false;        // its values come with the rows
     bool is_new = false;                     // just created: no rows, no triggers, no foreign keys
     bool is_loaded = true;                   // by the server's bulk protocol where that is possible
+    bool sends_pieces = true;                // of long values, instead of their literals
     WaitingRows* waiting = nullptr;          // for rows of a table that is not new; outlives this
     std::vector<std::size_t> identity = {};  // see IdentifyingFields
   };
@@ -50,10 +51,10 @@ class RowsToMsSql : public IRowDestination {
   bool OpenLoad();
   BlockResult LoadBlock(const ado::RowBlock& converted, std::size_t first, std::size_t count);
   void LoadRows(const ado::RowBlock& converted, std::size_t first, std::size_t count);
-  RowOutcome ExecuteRow(const std::string& statement);
+  RowOutcome ExecuteRow(std::span<const ado::Value> row);
   /// For a duplicate: true when the row itself was there before.
   bool IsThere(std::span<const ado::Value> row);
-  RowOutcome RefusalOf(const ado::Error& error, const std::string& statement);
+  RowOutcome RefusalOf(const ado::Error& error, std::span<const ado::Value> row);
   void LearnTypes();
   bool HasTriggers();
   bool RefersToItself();

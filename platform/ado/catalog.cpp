@@ -14,11 +14,13 @@ void Respell(std::string& name, const std::vector<Column>& columns) {
 }  // namespace
 
 const std::vector<Column>& Table::Columns() {
+  if (details_ != nullptr) return details_->columns;
   if (!columns_) columns_ = connection_->Columns(info_.name);
   return *columns_;
 }
 
 const std::vector<Index>& Table::Indexes() {
+  if (details_ != nullptr) return details_->indexes;
   if (!indexes_) {
     std::vector<Index> indexes = connection_->Indexes(info_.name);
     for (Index& index : indexes) {
@@ -30,6 +32,7 @@ const std::vector<Index>& Table::Indexes() {
 }
 
 const std::vector<Key>& Table::Keys() {
+  if (details_ != nullptr) return details_->keys;
   if (!keys_) {
     std::vector<Key> keys = connection_->Keys(info_.name);
     for (Key& key : keys) {
@@ -40,19 +43,30 @@ const std::vector<Key>& Table::Keys() {
   return *keys_;
 }
 
+const std::vector<std::string>& Table::LeftOut() const {
+  static const std::vector<std::string> kNothing;
+  return details_ != nullptr ? details_->left_out : kNothing;
+}
+
 void Catalog::Read() {
-  infos_ = Tables();
-  listed_.clear();
-  for (std::size_t i = 0; i < infos_.size(); ++i) listed_.try_emplace(infos_[i].name.Text(), i);
-  details_ = connection_.AllTables();
+  auto content = std::make_shared<Content>();
+  content->infos = Tables();
+  for (std::size_t i = 0; i < content->infos.size(); ++i) {
+    content->listed.try_emplace(content->infos[i].name.Text(), i);
+  }
+  for (auto& [name, details] : connection_.AllTables()) {
+    content->details[name] = std::make_shared<const TableDetails>(std::move(details));
+  }
+  content_ = std::move(content);
 }
 
 const TableInfo* Catalog::Find(std::string_view listed) const {
   // So that a database of thousands of tables is not searched for each of them.
-  if (const auto exact = listed_.find(listed); exact != listed_.end()) {
-    return &infos_[exact->second];
+  if (const auto exact = content_->listed.find(listed); exact != content_->listed.end()) {
+    return &content_->infos[exact->second];
   }
-  return FindItemOrNull(infos_, listed, [](const TableInfo& info) { return info.name.Text(); });
+  return FindItemOrNull(content_->infos, listed,
+                        [](const TableInfo& info) { return info.name.Text(); });
 }
 
 Table& Catalog::TableByName(std::string_view listed) {
@@ -64,15 +78,15 @@ Table& Catalog::TableByName(std::string_view listed) {
     found = Find(listed);
   }
   if (found == nullptr) ThrowItemNotFound("ADOX.Tables");
-  const std::string text = found->name.Text();
-  if (const auto known = tables_.find(text); known != tables_.end()) return known->second;
-  auto details = details_.extract(found->name);
-  if (details.empty()) return tables_.try_emplace(text, connection_, *found).first->second;
-  return tables_.try_emplace(text, connection_, *found, std::move(details.mapped())).first->second;
+  const auto details = content_->details.find(found->name);
+  const bool is_told = details != content_->details.end();
+  return tables_
+      .try_emplace(found->name.Text(), connection_, *found, is_told ? details->second : nullptr)
+      .first->second;
 }
 
 TableName Catalog::Listed(const TableName& name) {
-  if (infos_.empty()) Read();
+  if (content_->infos.empty()) Read();
   const TableInfo* found = Find(name.Text());
   return found != nullptr ? found->name : name;
 }

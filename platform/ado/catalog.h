@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,16 +16,9 @@ namespace dorvane::ado {
 /// they came with the catalog.
 class Table {
  public:
-  Table(Connection& connection, TableInfo info)
-      : connection_(&connection), info_(std::move(info)) {}
-  Table(Connection& connection, TableInfo info, TableDetails details)
-      : connection_(&connection),
-        info_(std::move(info)),
-        is_told_whole_(true),
-        columns_(std::move(details.columns)),
-        indexes_(std::move(details.indexes)),
-        keys_(std::move(details.keys)),
-        left_out_(std::move(details.left_out)) {}
+  /// `details` is null where the catalog tells of its tables one by one.
+  Table(Connection& connection, TableInfo info, std::shared_ptr<const TableDetails> details)
+      : connection_(&connection), info_(std::move(info)), details_(std::move(details)) {}
 
   const TableName& Name() const { return info_.name; }
   const std::string& Type() const { return info_.type; }
@@ -33,18 +27,17 @@ class Table {
   const std::vector<Index>& Indexes();
   const std::vector<Key>& Keys();
   /// True when the columns tell which one is the identity.
-  bool TellsIdentity() const { return is_told_whole_; }
+  bool TellsIdentity() const { return details_ != nullptr; }
   /// See TableDetails.
-  const std::vector<std::string>& LeftOut() const { return left_out_; }
+  const std::vector<std::string>& LeftOut() const;
 
  private:
   Connection* connection_;
   TableInfo info_;
-  bool is_told_whole_ = false;
+  std::shared_ptr<const TableDetails> details_;
   std::optional<std::vector<Column>> columns_;
   std::optional<std::vector<Index>> indexes_;
   std::optional<std::vector<Key>> keys_;
-  std::vector<std::string> left_out_;
 };
 
 /// The catalog of a connection's database, which must outlive it. Reads go through the connection
@@ -53,6 +46,8 @@ class Catalog {
  public:
   explicit Catalog(Connection& connection) : connection_(connection) {}
 
+  /// Takes over what a catalog of the same database has read, which both then have once.
+  void LearnFrom(const Catalog& other) { content_ = other.content_; }
   /// All entries, in the server's order.
   std::vector<TableInfo> Tables() { return connection_.Tables(); }
   /// The table that a list shows so: the exact spelling first, else the only one that differs in
@@ -64,13 +59,18 @@ class Catalog {
   TableName Listed(const TableName& name);
 
  private:
+  /// What the server told.
+  struct Content {
+    std::vector<TableInfo> infos;
+    std::map<std::string, std::size_t, std::less<>> listed;  // positions by exact text
+    std::map<TableName, std::shared_ptr<const TableDetails>> details;
+  };
+
   void Read();
   const TableInfo* Find(std::string_view listed) const;
 
   Connection& connection_;
-  std::vector<TableInfo> infos_;                            // as last read
-  std::map<std::string, std::size_t, std::less<>> listed_;  // positions by exact text
-  std::map<TableName, TableDetails> details_;  // likewise, of tables that are not in use yet
+  std::shared_ptr<const Content> content_ = std::make_shared<Content>();  // as last read
   std::map<std::string, Table, std::less<>> tables_;
 };
 

@@ -23,12 +23,14 @@ struct Identity {
   std::string last;  // the number given last; empty before the first one
 };
 
-/// What SQL Server's own catalog tells of a column beside what every catalog does.
+/// What a server's own catalog tells of a column beside what every catalog does; most of it SQL
+/// Server's only.
 struct ColumnKind {
   std::string base_type;   // the server's name of the type, an alias resolved; empty: not told
   std::string alias_type;  // "schema.name" of the user's name for that type
   std::string collation;   // empty for what is no text
-  std::string computed;  // the definition, "([a]+[b])"; empty for a column that is stored as given
+  std::string computed;   // the definition, "([a]+[b])"; empty for a column that is stored as given
+  bool is_given = false;  // its values are the server's own: computed, a period's, a row version
   bool is_persisted = false;  // a computed column that is stored
   bool is_sparse = false;
   bool is_row_guid = false;

@@ -50,6 +50,7 @@ void Connection::Reopen() {
 std::unique_ptr<Connection> Connection::OpenAnother() const {
   auto another = std::make_unique<Connection>(provider_);
   another->Open(settings_);
+  another->rehearsal_ = rehearsal_;
   return another;
 }
 
@@ -86,13 +87,30 @@ Session& Connection::WritingSession() {
 }
 
 Recordset Connection::Execute(std::string_view sql, CommandType type) {
-  return WhileOpen(
-      [&] { return Recordset(*this, IdleSession().Execute(StatementText(sql, type))); });
+  return WhileOpen([&] {
+    const std::string text = StatementText(sql, type);
+    if (rehearsal_ == nullptr || OnlyReads(text)) {
+      return Recordset(*this, IdleSession().Execute(text));
+    }
+    rehearsal_(text);
+    return Recordset(*this, NothingToRead());
+  });
+}
+
+void Connection::ExecuteWith(std::string_view sql, std::span<const Value> parameters) {
+  WhileOpen([&] {
+    if (rehearsal_ != nullptr) return rehearsal_(sql);
+    IdleSession().ExecuteWith(sql, parameters);
+  });
 }
 
 Recordset Connection::OpenTable(std::string_view table, const std::vector<std::string>& columns) {
-  return WhileOpen(
-      [&] { return Recordset(*this, WritingSession().OpenWriter(table, columns), columns); });
+  return WhileOpen([&] {
+    return Recordset(
+        *this,
+        rehearsal_ != nullptr ? NothingToWrite() : WritingSession().OpenWriter(table, columns),
+        columns);
+  });
 }
 
 void Connection::BeginTrans() {

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,6 +11,7 @@
 #include "platform/ado/errors.h"
 #include "platform/ado/provider.h"
 #include "platform/ado/recordset.h"
+#include "platform/ado/rehearsal.h"
 
 namespace dorvane::ado {
 
@@ -38,6 +40,10 @@ class Connection {
   std::unique_ptr<Connection> OpenAnother() const;
   /// True when the server answers on every session. Not while rows are streaming.
   bool IsAlive();
+  /// From now on nothing is sent that changes anything: such a statement goes to `statements` and
+  /// is taken for done, rows of a table are taken and forgotten. Questions are asked as ever.
+  void Rehearse(StatementSink statements) { rehearsal_ = std::move(statements); }
+  bool IsRehearsing() const { return rehearsal_ != nullptr; }
   /// Closes the recordsets that are open and logs off; closing twice is harmless.
   void Close();
   ObjectState State() const;
@@ -48,6 +54,8 @@ class Connection {
   /// Runs a statement and returns its first result, without fields when it has none. With
   /// CommandType::Table the text is a quoted table reference, else it is sent as it stands.
   Recordset Execute(std::string_view sql, CommandType type = CommandType::Unknown);
+  /// Runs a statement that returns no rows; see Session.
+  void ExecuteWith(std::string_view sql, std::span<const Value> parameters);
   /// An updatable recordset on a table: AddNew, Update, CancelUpdate, InsertRows. `table` is a
   /// quoted reference, `columns` the names that its rows give values for.
   Recordset OpenTable(std::string_view table, const std::vector<std::string>& columns);
@@ -93,6 +101,7 @@ class Connection {
   Session* writing_session_ = nullptr;
   bool in_transaction_ = false;
   std::vector<Dependent*> dependents_;
+  StatementSink rehearsal_;  // none: this is no rehearsal
   ado::Errors errors_;
 };
 

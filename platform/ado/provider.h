@@ -53,6 +53,12 @@ class Session {
   /// Runs a statement or batch. A batch that returns no rows has been carried out whole when this
   /// returns; the first failure in it is thrown.
   virtual std::unique_ptr<ResultReader> Execute(std::string_view sql) = 0;
+  /// Runs a statement that returns no rows, with one text or bytes for each "?" of it: those go out
+  /// in pieces, so that a long value is not in memory once more as a literal. For a server whose
+  /// TableWriter takes no long values.
+  virtual void ExecuteWith(std::string_view sql, std::span<const Value> /*parameters*/) {
+    Execute(sql);  // and the server says what it misses
+  }
   /// True while a reader of this session has rows left on the wire.
   virtual bool IsStreaming() const = 0;
   /// False when the connection is lost. Asks the server only where the socket leaves a doubt. Not

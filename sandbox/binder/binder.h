@@ -96,8 +96,7 @@ class Binder {
   std::string AddTable(const Relation& relation, const std::string& alias, Scope& scope);
 
   /// `bound` as a value of type `to` (an implicit conversion is checked).
-  static Bound Coerce(Bound bound, const TypeInfo& to, bool is_explicit = false, int style = 0,
-                      bool forgiving = false);
+  static Bound Coerce(Bound bound, const TypeInfo& to, bool is_explicit = false, int style = 0);
   /// A value of `type` ready to be compared, sorted or grouped.
   static std::string Collated(const std::string& sql, const TypeInfo& type);
   static Bound Constant(Value value, const TypeInfo& type);
@@ -106,13 +105,9 @@ class Binder {
   void SetParameters(SqliteStatement& statement) const;
 
  private:
-  struct Grouping;
-  struct SelectResult;
-
   // queries
   BoundQuery BindSelect(const Select& select, const Query* ordered, const Scope* outer);
   std::string BindItems(const Select& select, Scope& scope, BoundQuery& query);
-  BoundQuery BindValues(const Select& select, const Scope* outer);
   BoundQuery BindCompound(const Query& query, const Scope* outer);
   /// A term of ORDER BY.
   struct OrderTerm {
@@ -122,8 +117,7 @@ class Binder {
     bool descending = false;
   };
   std::vector<OrderTerm> BindOrder(const Query& query, const BoundQuery& bound, Scope& scope);
-  std::string TopCount(const Select& select, const std::string& rows, const Scope& scope);
-  std::string Offset(const Query& query, const Scope& scope);
+  std::string TopCount(const Expr& top, const Scope& scope);
   BoundQuery CoerceQuery(BoundQuery query, const std::vector<TypeInfo>& types) const;
   std::string BindJoin(const FromItem& item, Scope& scope, bool first);
   std::string BindSource(const FromItem& item, Scope& scope);
@@ -143,15 +137,13 @@ class Binder {
   Bound BindIn(const Expr& expr, const Scope& scope);
   Bound BindBetween(const Expr& expr, const Scope& scope);
   Bound BindLike(const Expr& expr, const Scope& scope);
-  Bound BindQuantified(const Expr& expr, const Scope& scope);
   Bound BindSubquery(const Expr& expr, const Scope& scope);
   Bound BindCase(const Expr& expr, const Scope& scope);
   Bound BindFunction(const Expr& expr, const Scope& scope);
   Bound BindSessionFunction(const Expr& expr, const Scope& scope);
   Bound BindAggregate(const Expr& expr, const Scope& scope);
-  Bound BindWindow(const Expr& expr, const Scope& scope);
   Bound BindScalar(std::size_t position, const Expr& expr, const Scope& scope);
-  Bound BindChoice(const Expr& expr, const Scope& scope);
+  Bound BindFirstValue(const Expr& expr, const Scope& scope);  // isnull, coalesce
   Bound Compare(const std::string& op, Bound left, Bound right) const;
   std::string NewAlias();
   std::string AddParameter(const std::string& name, Value value, const TypeInfo& type);
@@ -159,7 +151,6 @@ class Binder {
   BindContext& context_;
   std::vector<std::pair<Value, TypeInfo>> parameters_;
   std::map<std::string, int> parameter_numbers_;
-  std::vector<const CommonTable*> common_tables_;
   int last_alias_ = 0;
   int depth_ = 0;
   int aggregate_depth_ = 0;

@@ -10,6 +10,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 Bound Predicate(std::string sql) {
@@ -31,7 +32,7 @@ Bound Binder::Constant(Value value, const TypeInfo& type) {
   Bound bound;
   bound.sql = SqliteLiteral(value, type);
   bound.type = type;
-  bound.nullable = bound.is_null = value.index() == 0;
+  bound.nullable = bound.is_null = IsNull(value);
   bound.constant = std::move(value);
   return bound;
 }
@@ -40,13 +41,13 @@ std::string Binder::Collated(const std::string& sql, const TypeInfo& type) {
   return IsText(type.type) ? sql + " COLLATE " + StoredCollation(type.order) : sql;
 }
 
-Bound Binder::Coerce(Bound bound, const TypeInfo& to, bool is_explicit, int style, bool forgiving) {
+Bound Binder::Coerce(Bound bound, const TypeInfo& to, bool is_explicit, int style) {
   if (bound.is_null) {
     bound.type = to;
     return bound;
   }
   CheckConvertible(bound.type, to, is_explicit);
-  if (bound.constant && !forgiving) {
+  if (bound.constant) {
     Bound converted = Constant(Convert(*bound.constant, bound.type, to, style), to);
     converted.name = bound.name;
     return converted;
@@ -59,9 +60,8 @@ Bound Binder::Coerce(Bound bound, const TypeInfo& to, bool is_explicit, int styl
       to.type != SqlType::NChar &&
       (to.length < 0 || (bound.type.length >= 0 && to.length >= bound.type.length));
   if (!same_measures && !wider_text) {
-    bound.sql = fmt::format("tsql_convert({}, {}, {}, {}, {})", PackType(bound.type), PackType(to),
-                            style, forgiving ? 1 : 0, bound.sql);
-    bound.nullable |= forgiving;
+    bound.sql = fmt::format("tsql_convert({}, {}, {}, {})", PackType(bound.type), PackType(to),
+                            style, bound.sql);
   }
   bound.type = to;
   bound.constant.reset();
@@ -105,8 +105,6 @@ Bound Binder::BindAny(const Expr& expr, const Scope& scope) {
       return BindLike(expr, scope);
     case ExprKind::Exists:
       return Predicate("EXISTS(" + BindQuery(*expr.query, &scope).sql + ")");
-    case ExprKind::Quantified:
-      return BindQuantified(expr, scope);
     case ExprKind::Subquery:
       return BindSubquery(expr, scope);
     case ExprKind::Case:
@@ -117,8 +115,6 @@ Bound Binder::BindAny(const Expr& expr, const Scope& scope) {
       return BindCast(expr, scope);
     case ExprKind::Collate:
       return BindCollate(expr, scope);
-    case ExprKind::Window:
-      return BindWindow(expr, scope);
   }
   Raise(102, expr.text);
 }
@@ -133,7 +129,7 @@ Bound Binder::BindCast(const Expr& expr, const Scope& scope) {
   Bound value = BindValue(*expr.args[0], scope);
   TypeInfo type = expr.type;
   if (IsText(type.type) && IsText(value.type.type)) type.order = value.type.order;
-  Bound bound = Coerce(std::move(value), type, true, style, expr.text.starts_with("try_"));
+  Bound bound = Coerce(std::move(value), type, true, style);
   bound.name.clear();
   bound.identity = false;
   return bound;
@@ -355,21 +351,6 @@ Bound Binder::BindLike(const Expr& expr, const Scope& scope) {
   }
   return Predicate(fmt::format("({}{}({}))", expr.negated ? "NOT " : "",
                                order == TextOrder::Default ? "tsql_like" : "tsql_like_case", args));
-}
-
-Bound Binder::BindQuantified(const Expr& expr, const Scope& scope) {
-  // "x op any (q)": a row of q for which it holds; "x op all (q)": no row for which it does not.
-  BoundQuery query = BindQuery(*expr.query, &scope);
-  if (query.columns.size() != 1) Raise(116);
-  Bound item;
-  item.sql = "q.c1";
-  item.type = query.columns[0].type;
-  const Bound holds = Compare(expr.text, BindValue(*expr.args[0], scope), std::move(item));
-  if (!expr.negated) {
-    return Predicate(fmt::format("EXISTS(SELECT 1 FROM ({}) AS q WHERE {})", query.sql, holds.sql));
-  }
-  return Predicate(
-      fmt::format("(NOT EXISTS(SELECT 1 FROM ({}) AS q WHERE NOT {}))", query.sql, holds.sql));
 }
 
 Bound Binder::BindSubquery(const Expr& expr, const Scope& scope) {

@@ -8,16 +8,15 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::array<std::string_view, 6> kAggregates{"count", "count_big", "sum",
                                                       "avg",   "min",       "max"};
-constexpr std::array<std::string_view, 4> kRankings{"row_number", "rank", "dense_rank", "ntile"};
 // Functions whose first argument is the name of a part of a date.
-constexpr std::array<std::string_view, 5> kDateFunctions{"dateadd", "datediff", "datediff_big",
-                                                         "datepart", "datename"};
+constexpr std::array<std::string_view, 2> kDateFunctions{"dateadd", "datepart"};
 
-template <class Range>
+template <typename Range>
 bool Contains(const Range& range, std::string_view name) {
   return std::find(range.begin(), range.end(), name) != range.end();
 }
@@ -30,10 +29,7 @@ bool IsAggregate(std::string_view name) {
 
 Bound Binder::BindFunction(const Expr& expr, const Scope& scope) {
   if (IsAggregate(expr.text)) return BindAggregate(expr, scope);
-  if (expr.text == "isnull" || expr.text == "coalesce" || expr.text == "nullif" ||
-      expr.text == "iif") {
-    return BindChoice(expr, scope);
-  }
+  if (expr.text == "isnull" || expr.text == "coalesce") return BindFirstValue(expr, scope);
   if (const auto position = FindFunction(expr.text)) return BindScalar(*position, expr, scope);
   return BindSessionFunction(expr, scope);
 }
@@ -95,38 +91,17 @@ Bound Binder::BindScalar(std::size_t position, const Expr& expr, const Scope& sc
   return bound;
 }
 
-Bound Binder::BindChoice(const Expr& expr, const Scope& scope) {
-  const auto count = [&](std::size_t expected) {
-    if (expr.args.size() != expected) Raise(174, expr.text, expected);
-  };
+Bound Binder::BindFirstValue(const Expr& expr, const Scope& scope) {
+  const bool takes_more = expr.text == "coalesce";
+  if (expr.args.size() < 2 || (expr.args.size() > 2 && !takes_more)) Raise(174, expr.text, 2);
   Bound bound;
-  if (expr.text == "iif") {
-    count(3);
-    const std::string condition = BindCondition(*expr.args[0], scope);
-    Bound yes = BindValue(*expr.args[1], scope), no = BindValue(*expr.args[2], scope);
-    bound.type = yes.is_null ? no.type : no.is_null ? yes.type : CommonType(yes.type, no.type);
-    bound.sql =
-        fmt::format("(CASE WHEN {} THEN {} ELSE {} END)", condition,
-                    Coerce(std::move(yes), bound.type).sql, Coerce(std::move(no), bound.type).sql);
-    return bound;
-  }
-  if (expr.text == "nullif") {
-    count(2);
-    Bound value = BindValue(*expr.args[0], scope);
-    const Bound same = Compare("=", value, BindValue(*expr.args[1], scope));
-    bound.type = value.type;
-    bound.sql = fmt::format("(CASE WHEN {} THEN NULL ELSE {} END)", same.sql, value.sql);
-    return bound;
-  }
-  if (expr.text == "isnull") count(2);
-  if (expr.args.size() < 2) Raise(174, expr.text, 2);
   std::vector<Bound> values;
   std::optional<TypeInfo> type;
   bound.nullable = true;
   for (const ExprPtr& arg : expr.args) {
     values.push_back(BindValue(*arg, scope));
     bound.nullable &= values.back().nullable;
-    const bool decided = expr.text == "isnull" && type;
+    const bool decided = type && !takes_more;
     if (values.back().is_null || decided) continue;
     type = type ? CommonType(*type, values.back().type) : values.back().type;
   }
@@ -183,39 +158,6 @@ Bound Binder::BindAggregate(const Expr& expr, const Scope& scope) {
     Raise(195, expr.text + " distinct");
   }
   bound.sql = fmt::format("tsql_{}({}, {})", expr.text, PackType(value.type), value.sql);
-  return bound;
-}
-
-Bound Binder::BindWindow(const Expr& expr, const Scope& scope) {
-  const bool ranking = Contains(kRankings, expr.text);
-  if (!ranking && !IsAggregate(expr.text)) Raise(195, expr.text);
-  Bound bound;
-  if (ranking) {
-    bound.type = BigIntType();
-    bound.sql = expr.text + "(";
-    for (const ExprPtr& arg : expr.args)
-      bound.sql += Coerce(BindValue(*arg, scope), BigIntType()).sql;
-    bound.sql += ")";
-  } else {
-    const bool saw = saw_aggregate_;
-    bound = BindAggregate(expr, scope);
-    saw_aggregate_ = saw;
-    // Our own aggregates have no inverse, which a moving frame would need.
-    if (bound.sql.substr(0, 5) == "tsql_") Raise(195, expr.text + " over");
-  }
-  bound.sql += " OVER (";
-  for (std::size_t i = 0; i < expr.partition.size(); ++i) {
-    const Bound term = BindValue(*expr.partition[i], scope);
-    bound.sql += (i ? ", " : "PARTITION BY ") + Collated(term.sql, term.type);
-  }
-  for (std::size_t i = 0; i < expr.order.size(); ++i) {
-    const OrderItem& item = expr.order[i];
-    const Bound term = item.expr->kind == ExprKind::Subquery ? Constant(std::int64_t{0}, IntType())
-                                                             : BindValue(*item.expr, scope);
-    bound.sql += (i ? ", " : " ORDER BY ") + Collated(term.sql, term.type) +
-                 (item.descending ? " DESC" : "");
-  }
-  bound.sql += ")";
   return bound;
 }
 

@@ -8,6 +8,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kMaxQueryDepth = 32;
@@ -17,7 +18,7 @@ std::string ResultColumn(std::size_t i) {
   return fmt::format("c{}", i + 1);
 }
 
-template <class Terms>
+template <typename Terms>
 std::string OrderText(const Terms& terms) {
   std::string text;
   for (const auto& term : terms) {
@@ -25,24 +26,6 @@ std::string OrderText(const Terms& terms) {
             (term.descending ? " DESC" : "");
   }
   return text;
-}
-
-// The rows whose rank is no more than `count`: those that tie with the last one have its rank.
-// `rows` makes the query with more items.
-template <class Rows, class Terms>
-std::string WithTies(const Rows& rows, std::size_t width, Terms terms, const std::string& count) {
-  std::string more_items, columns;
-  for (std::size_t i = 0; i < terms.size(); ++i) {
-    const std::string name =
-        terms[i].column ? ResultColumn(*terms[i].column) : fmt::format("k{}", i);
-    if (!terms[i].column) more_items += ", " + terms[i].sql + " AS " + name;
-    terms[i].sql = name;
-  }
-  for (std::size_t i = 0; i < width; ++i) columns += (i ? ", " : "") + ResultColumn(i);
-  return fmt::format(
-      "SELECT {} FROM (SELECT *, rank() OVER ({}) AS place FROM ({})) WHERE place <= {} ORDER BY "
-      "place",
-      columns, OrderText(terms).substr(1), rows(more_items), count);
 }
 
 }  // namespace
@@ -53,8 +36,6 @@ std::string Binder::NewAlias() {
 
 BoundQuery Binder::BindQuery(const Query& query, const Scope* outer) {
   if (++depth_ > kMaxQueryDepth) Raise(191);
-  const std::size_t known = common_tables_.size();
-  for (const CommonTable& table : query.with) common_tables_.push_back(&table);
   // What an inner query groups by is its own affair.
   auto bare = std::move(bare_columns_);
   const bool saw = saw_aggregate_;
@@ -65,7 +46,6 @@ BoundQuery Binder::BindQuery(const Query& query, const Scope* outer) {
   bare_columns_ = std::move(bare);
   saw_aggregate_ = saw;
   aggregate_depth_ = aggregate_depth;
-  common_tables_.resize(known);
   --depth_;
   return bound;
 }
@@ -96,10 +76,7 @@ BoundQuery Binder::BindCompound(const Query& query, const Scope* outer) {
   Scope none;
   none.outer = outer;
   const std::string order = OrderText(BindOrder(query, whole, none));
-  const std::string limit = Offset(query, none);
-  if (!order.empty() || !limit.empty()) {
-    whole.sql = "SELECT * FROM (" + whole.sql + ")" + order + limit;
-  }
+  if (!order.empty()) whole.sql = "SELECT * FROM (" + whole.sql + ")" + order;
   return whole;
 }
 
@@ -119,37 +96,7 @@ BoundQuery Binder::CoerceQuery(BoundQuery query, const std::vector<TypeInfo>& ty
   return query;
 }
 
-BoundQuery Binder::BindValues(const Select& select, const Scope* outer) {
-  Scope scope;
-  scope.outer = outer;
-  std::vector<std::vector<Bound>> rows;
-  std::vector<TypeInfo> types;
-  for (const auto& row : select.values) {
-    std::vector<Bound> bound;
-    for (const ExprPtr& expr : row) bound.push_back(BindValue(*expr, scope));
-    for (std::size_t i = 0; i < bound.size(); ++i) {
-      if (types.size() <= i) {
-        types.push_back(bound[i].type);
-      } else if (!bound[i].is_null) {
-        types[i] = CommonType(types[i], bound[i].type);
-      }
-    }
-    rows.push_back(std::move(bound));
-  }
-  BoundQuery query;
-  for (const TypeInfo& type : types) query.columns.push_back({"", type, true, false});
-  for (std::size_t r = 0; r < rows.size(); ++r) {
-    query.sql += r ? " UNION ALL SELECT " : "SELECT ";
-    for (std::size_t i = 0; i < types.size(); ++i) {
-      query.sql +=
-          (i ? ", " : "") + Coerce(std::move(rows[r][i]), types[i]).sql + " AS " + ResultColumn(i);
-    }
-  }
-  return query;
-}
-
 BoundQuery Binder::BindSelect(const Select& select, const Query* ordered, const Scope* outer) {
-  if (!select.values.empty()) return BindValues(select, outer);
   Scope scope;
   scope.outer = outer;
   BoundQuery query;
@@ -184,21 +131,9 @@ BoundQuery Binder::BindSelect(const Select& select, const Query* ordered, const 
   if (groups.empty() && select.having) group_by = " GROUP BY NULL";
   const std::vector<OrderTerm> order =
       ordered ? BindOrder(*ordered, query, scope) : std::vector<OrderTerm>();
-  const auto rows = [&](const std::string& more_items) {
-    return fmt::format("SELECT {}{}{}{}{}{}{}", select.distinct ? "DISTINCT " : "", items,
-                       more_items, from, where, group_by, having);
-  };
-  if (select.with_ties) {
-    if (order.empty()) Raise(1062);
-    query.sql = WithTies(rows, query.columns.size(), order, TopCount(select, rows(""), scope));
-    return query;
-  }
-  query.sql = rows("") + OrderText(order);
-  if (select.top) {
-    query.sql += " LIMIT " + TopCount(select, rows(""), scope);
-  } else if (ordered) {
-    query.sql += Offset(*ordered, scope);
-  }
+  query.sql = fmt::format("SELECT {}{}{}{}{}{}{}", select.distinct ? "DISTINCT " : "", items, from,
+                          where, group_by, having, OrderText(order));
+  if (select.top) query.sql += " LIMIT " + TopCount(*select.top, scope);
   return query;
 }
 
@@ -278,35 +213,14 @@ std::vector<Binder::OrderTerm> Binder::BindOrder(const Query& query, const Bound
   return terms;
 }
 
-// The number of rows that TOP lets through of those that the query `rows` has.
-std::string Binder::TopCount(const Select& select, const std::string& rows, const Scope& scope) {
+// The number of rows that TOP lets through.
+std::string Binder::TopCount(const Expr& top, const Scope& scope) {
   Scope none;
   none.outer = scope.outer;
-  const Bound count =
-      Coerce(BindValue(*select.top, none), select.top_percent ? FloatType() : BigIntType());
-  if (!select.top_percent) {
-    const auto* number = count.constant ? std::get_if<std::int64_t>(&*count.constant) : nullptr;
-    if (number && *number < 0) Raise(127);
-    return count.sql;
-  }
-  const auto* percent = count.constant ? std::get_if<double>(&*count.constant) : nullptr;
-  if (percent && (*percent < 0 || *percent > 100)) Raise(1031);
-  // A part of a row is a row.
-  return fmt::format(
-      "(SELECT CAST(x AS INTEGER) + (x > CAST(x AS INTEGER)) FROM (SELECT count(*) * {} / 100.0 AS "
-      "x FROM ({})))",
-      count.sql, rows);
-}
-
-std::string Binder::Offset(const Query& query, const Scope& scope) {
-  if (!query.offset) return "";
-  Scope none;
-  none.outer = scope.outer;
-  const auto number = [&](const Expr& expr) {
-    return Coerce(BindValue(expr, none), BigIntType()).sql;
-  };
-  const std::string count = query.fetch ? number(*query.fetch) : "-1";
-  return " LIMIT " + count + " OFFSET " + number(*query.offset);
+  const Bound count = Coerce(BindValue(top, none), BigIntType());
+  const auto* number = count.constant ? std::get_if<std::int64_t>(&*count.constant) : nullptr;
+  if (number && *number < 0) Raise(127);
+  return count.sql;
 }
 
 // ---- FROM
@@ -343,17 +257,6 @@ std::string Binder::BindSource(const FromItem& item, Scope& scope) {
     return AddDerived(BindQuery(*item.query, scope.outer), item.alias, item.column_aliases, scope);
   }
   const std::string& alias = item.alias.empty() ? item.name.name : item.alias;
-  for (auto table = common_tables_.rbegin(); table != common_tables_.rend(); ++table) {
-    if (!item.name.schema.empty() || !SameName((*table)->name, item.name.name)) continue;
-    const CommonTable& common = **table;
-    // The table's own query sees the ones before it only, so it can't refer to itself.
-    const auto hidden = std::vector(common_tables_.begin() + (common_tables_.rend() - table) - 1,
-                                    common_tables_.end());
-    common_tables_.resize(common_tables_.size() - hidden.size());
-    BoundQuery query = BindQuery(*common.query, nullptr);
-    common_tables_.insert(common_tables_.end(), hidden.begin(), hidden.end());
-    return AddDerived(std::move(query), alias, common.columns, scope);
-  }
   const Relation relation = context_.FindRelation(item.name);
   if (!relation.view) {
     std::string text = AddTable(relation, alias, scope);
@@ -363,10 +266,7 @@ std::string Binder::BindSource(const FromItem& item, Scope& scope) {
   Parser parser(relation.view->text);
   const Block block = parser.ParseBatch();
   const auto& view = std::get<CreateViewStatement>(block.front()->what);
-  const auto hidden = std::exchange(common_tables_, {});
-  BoundQuery query = BindQuery(*view.query, nullptr);
-  common_tables_ = hidden;
-  return AddDerived(std::move(query), alias, view.columns, scope);
+  return AddDerived(BindQuery(*view.query, nullptr), alias, view.columns, scope);
 }
 
 bool Exposes(const ScopeSource& source, const std::vector<std::string>& parts) {

@@ -5,12 +5,12 @@
 #include "sandbox/storage/catalog_store.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::size_t kMaxCachedStatements = 400;
 constexpr int kStepsBetweenCancelChecks = 20'000;
 constexpr const char* kRowVersion = "row_version";
-constexpr const char* kStatementSavepoint = "one_statement";
 
 std::string IdentityCounter(int table_id) {
   return fmt::format("identity_{}", table_id);
@@ -151,16 +151,16 @@ void DatabaseLink::Rollback() {
   catalog_version_ = 0;
 }
 
-void DatabaseLink::Savepoint(const std::string& name) {
-  Run(Cached("SAVEPOINT \"" + name + "\""));
+void DatabaseLink::Savepoint() {
+  Run(Cached("SAVEPOINT statement"));
 }
 
-void DatabaseLink::ReleaseSavepoint(const std::string& name) {
-  Run(Cached("RELEASE \"" + name + "\""));
+void DatabaseLink::ReleaseSavepoint() {
+  Run(Cached("RELEASE statement"));
 }
 
-void DatabaseLink::RollbackTo(const std::string& name) {
-  connection_.Execute("ROLLBACK TO \"" + name + "\"");
+void DatabaseLink::RollbackToSavepoint() {
+  connection_.Execute("ROLLBACK TO statement");
   if (!definitions_changed_) return;
   ForgetStatements();
   catalog_ = LoadCatalog(connection_);
@@ -280,21 +280,21 @@ std::int64_t DatabaseLink::NextRowVersion() {
 }
 
 StatementScope::StatementScope(DatabaseLink& link) : link_(link) {
-  link_.Savepoint(kStatementSavepoint);
+  link_.Savepoint();
 }
 
 StatementScope::~StatementScope() {
   if (kept_ || !link_.Writing()) return;
   try {
-    link_.RollbackTo(kStatementSavepoint);
-    link_.ReleaseSavepoint(kStatementSavepoint);
+    link_.RollbackToSavepoint();
+    link_.ReleaseSavepoint();
   } catch (...) {
     link_.Rollback();  // better nothing of the transaction than half of it
   }
 }
 
 void StatementScope::Keep() {
-  link_.ReleaseSavepoint(kStatementSavepoint);
+  link_.ReleaseSavepoint();
   kept_ = true;
 }
 

@@ -60,9 +60,9 @@ class DatabaseLink final : public FunctionHost {
   bool Writing() const { return connection_.InTransaction(); }
   void Commit();
   void Rollback();
-  void Savepoint(const std::string& name);
-  void ReleaseSavepoint(const std::string& name);
-  void RollbackTo(const std::string& name);
+  void Savepoint();
+  void ReleaseSavepoint();
+  void RollbackToSavepoint();
 
   /// Changes a table's definition (or adds it) and stores it. Within a write transaction.
   void Store(TableDef table);

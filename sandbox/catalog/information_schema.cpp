@@ -1,6 +1,7 @@
 #include "sandbox/catalog/sys_view_parts.h"
 
 namespace sandbox {
+
 namespace {
 
 using sys::kInt;
@@ -8,25 +9,24 @@ using sys::kName;
 using sys::kSmall;
 using sys::kText;
 using sys::kTiny;
+using sys::ShownColumns;
 using sys::TextOrNull;
-using sys::ViewColumns;
 using sys::Word;
 
 const TypeInfo kWord = VarChar(30);
 
 /// What a row of any of the views shows.
 struct Entry {
-  std::string database, schema, name{};  // of a table, view, constraint or schema
+  std::string database, schema, name;  // of a table, view or constraint
   const char* kind = "";
   const TableDef* table = nullptr;
   const ColumnDef* column = nullptr;
   std::int64_t position = 0;  // of the column, from 1
   const ForeignKeyDef* key = nullptr;
   const TableDef* parent = nullptr;
-  std::string text{};  // of a check or view; of a schema its owner
 };
 
-using Columns = ViewColumns<Entry>;
+using Columns = ShownColumns<Entry>;
 using Entries = std::vector<Entry>;
 
 // ---- what columns show
@@ -40,9 +40,6 @@ Value Schema(const Entry& e) {
 Value Name(const Entry& e) {
   return e.name;
 }
-Value TableName(const Entry& e) {
-  return e.table->name;
-}
 Value ColumnName(const Entry& e) {
   return e.column->name;
 }
@@ -52,13 +49,6 @@ Value Position(const Entry& e) {
 Value Kind(const Entry& e) {
   return Word(e.kind);
 }
-Value TextOf(const Entry& e) {
-  return e.text;
-}
-Value No(const Entry&) {
-  return Word("NO");
-}
-
 bool HasLength(SqlType type) {
   return (IsText(type) || IsBinary(type)) && type != SqlType::Timestamp;
 }
@@ -113,13 +103,8 @@ Value Rule(ForeignKeyRule rule) {
 }
 
 Value ParentConstraint(const Entry& e) {
-  for (const IndexDef& index : e.parent->indexes) {
-    if (index.unique && index.columns.size() == e.key->parent_columns.size() &&
-        index.columns.front().column_id == e.key->parent_columns.front()) {
-      return index.name;
-    }
-  }
-  return {};
+  const IndexDef* index = e.parent->UniqueIndexOn(e.key->parent_columns);
+  return index ? Value(index->name) : Value();
 }
 
 // ---- what there is
@@ -130,25 +115,16 @@ Entry OfTable(DatabaseLink& link, const TableDef& table, const std::string& name
   return entry;
 }
 
-Entries AllViews(Session&, DatabaseLink& link) {
-  Entries all;
-  for (const auto& [id, view] : link.Definitions().views) {
-    all.push_back({.database = link.Name(),
-                   .schema = view.schema,
-                   .name = view.name,
-                   .kind = "VIEW",
-                   .text = view.text});
-  }
-  return all;
-}
-
-Entries AllTables(Session& session, DatabaseLink& link) {
+Entries AllTables(Session&, DatabaseLink& link) {
   Entries all;
   for (const TableDef* table : link.Definitions().Sorted()) {
     all.push_back(OfTable(link, *table, table->name));
     all.back().kind = "BASE TABLE";
   }
-  for (Entry& view : AllViews(session, link)) all.push_back(std::move(view));
+  for (const auto& [id, view] : link.Definitions().views) {
+    all.push_back({.database = link.Name(), .schema = view.schema, .name = view.name});
+    all.back().kind = "VIEW";
+  }
   return all;
 }
 
@@ -165,42 +141,6 @@ Entries AllColumns(Session&, DatabaseLink& link) {
   return all;
 }
 
-Entries AllConstraints(Session&, DatabaseLink& link) {
-  Entries all;
-  for (const TableDef* table : link.Definitions().Sorted()) {
-    const auto add = [&](const std::string& name, const char* kind) {
-      all.push_back(OfTable(link, *table, name));
-      all.back().kind = kind;
-    };
-    for (const IndexDef& index : table->indexes) {
-      if (index.IsConstraint()) add(index.name, index.primary ? "PRIMARY KEY" : "UNIQUE");
-    }
-    for (const ForeignKeyDef& key : table->foreign_keys) add(key.name, "FOREIGN KEY");
-    for (const CheckDef& check : table->checks) add(check.name, "CHECK");
-  }
-  return all;
-}
-
-Entries AllKeyColumns(Session&, DatabaseLink& link) {
-  Entries all;
-  for (const TableDef* table : link.Definitions().Sorted()) {
-    const auto add = [&](const std::string& name, int column, std::size_t i) {
-      all.push_back(OfTable(link, *table, name));
-      all.back().column = &table->Column(column);
-      all.back().position = static_cast<std::int64_t>(i) + 1;
-    };
-    for (const IndexDef& index : table->indexes) {
-      for (std::size_t i = 0; index.IsConstraint() && i < index.columns.size(); ++i) {
-        add(index.name, index.columns[i].column_id, i);
-      }
-    }
-    for (const ForeignKeyDef& key : table->foreign_keys) {
-      for (std::size_t i = 0; i < key.columns.size(); ++i) add(key.name, key.columns[i], i);
-    }
-  }
-  return all;
-}
-
 Entries AllForeignKeys(Session&, DatabaseLink& link) {
   Entries all;
   const Catalog& catalog = link.Definitions();
@@ -210,25 +150,6 @@ Entries AllForeignKeys(Session&, DatabaseLink& link) {
       all.back().key = &key;
       all.back().parent = &catalog.tables.at(key.parent_table);
     }
-  }
-  return all;
-}
-
-Entries AllChecks(Session&, DatabaseLink& link) {
-  Entries all;
-  for (const TableDef* table : link.Definitions().Sorted()) {
-    for (const CheckDef& check : table->checks) {
-      all.push_back(OfTable(link, *table, check.name));
-      all.back().text = check.text;
-    }
-  }
-  return all;
-}
-
-Entries AllSchemas(Session&, DatabaseLink& link) {
-  Entries all;
-  for (const SchemaDef& schema : link.Definitions().schemas) {
-    all.push_back({.database = link.Name(), .schema = schema.name, .text = schema.owner});
   }
   return all;
 }
@@ -268,19 +189,6 @@ const Columns kConstraintName{{"CONSTRAINT_CATALOG", kName, Database},
                               {"CONSTRAINT_SCHEMA", kName, Schema},
                               {"CONSTRAINT_NAME", kName, Name}};
 
-const Columns kConstraintTable{{"TABLE_CATALOG", kName, Database},
-                               {"TABLE_SCHEMA", kName, Schema},
-                               {"TABLE_NAME", kName, TableName}};
-
-const Columns kTableConstraints = kConstraintName + kConstraintTable +
-                                  Columns{{"CONSTRAINT_TYPE", kWord, Kind},
-                                          {"IS_DEFERRABLE", kWord, No},
-                                          {"INITIALLY_DEFERRED", kWord, No}};
-
-const Columns kKeyColumns =
-    kConstraintName + kConstraintTable +
-    Columns{{"COLUMN_NAME", kName, ColumnName}, {"ORDINAL_POSITION", kInt, Position}};
-
 const Columns kReferentialConstraints =
     kConstraintName +
     Columns{
@@ -291,17 +199,6 @@ const Columns kReferentialConstraints =
         {"UPDATE_RULE", kWord, [](const Entry& e) { return Rule(e.key->on_update); }},
         {"DELETE_RULE", kWord, [](const Entry& e) { return Rule(e.key->on_delete); }}};
 
-const Columns kSchemata{
-    {"CATALOG_NAME", kName, Database},
-    {"SCHEMA_NAME", kName, Schema},
-    {"SCHEMA_OWNER", kName, TextOf},
-    {"DEFAULT_CHARACTER_SET_NAME", kName, [](const Entry&) { return Word("iso_1"); }}};
-
-const Columns kViews =
-    kTableName + Columns{{"VIEW_DEFINITION", kText, TextOf},
-                         {"CHECK_OPTION", kWord, [](const Entry&) { return Word("NONE"); }},
-                         {"IS_UPDATABLE", kWord, No}};
-
 SystemView View(const char* name, const Columns& columns,
                 Entries (*entries)(Session&, DatabaseLink&)) {
   return sys::MakeView("INFORMATION_SCHEMA", name, columns, entries);
@@ -310,15 +207,8 @@ SystemView View(const char* name, const Columns& columns,
 }  // namespace
 
 std::vector<SystemView> InformationSchemaViews() {
-  return {View("TABLES", kTables, AllTables),
-          View("COLUMNS", kColumns, AllColumns),
-          View("TABLE_CONSTRAINTS", kTableConstraints, AllConstraints),
-          View("KEY_COLUMN_USAGE", kKeyColumns, AllKeyColumns),
-          View("REFERENTIAL_CONSTRAINTS", kReferentialConstraints, AllForeignKeys),
-          View("CHECK_CONSTRAINTS", kConstraintName + Columns{{"CHECK_CLAUSE", kText, TextOf}},
-               AllChecks),
-          View("SCHEMATA", kSchemata, AllSchemas),
-          View("VIEWS", kViews, AllViews)};
+  return {View("TABLES", kTables, AllTables), View("COLUMNS", kColumns, AllColumns),
+          View("REFERENTIAL_CONSTRAINTS", kReferentialConstraints, AllForeignKeys)};
 }
 
 }  // namespace sandbox

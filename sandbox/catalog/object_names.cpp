@@ -3,18 +3,10 @@
 #include "sandbox/catalog/session.h"
 #include "sandbox/parser/parser.h"
 #include "sandbox/text/text_order.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
-namespace {
 
-const TableDef* TableById(Session& session, const std::vector<Value>& args) {
-  const auto* id = args.empty() ? nullptr : std::get_if<std::int64_t>(&args[0]);
-  if (!id) return nullptr;
-  const auto& tables = session.Link().Definitions().tables;
-  const auto found = tables.find(static_cast<int>(*id));
-  return found == tables.end() ? nullptr : &found->second;
-}
+namespace {
 
 std::string Text(const std::vector<Value>& args, std::size_t i) {
   const auto* text = i < args.size() ? std::get_if<std::string>(&args[i]) : nullptr;
@@ -109,53 +101,6 @@ Value SchemaNameOf(Session& session, const std::vector<Value>& args) {
     if (id && schema.id == *id) return schema.name;
   }
   return {};
-}
-
-Value SchemaIdOf(Session& session, const std::vector<Value>& args) {
-  const std::string name = args.empty() ? session.Link().User().default_schema : Text(args, 0);
-  const SchemaDef* schema = session.Link().Definitions().FindSchema(name);
-  return schema ? Value(std::int64_t{schema->id}) : Value();
-}
-
-Value ColumnNameOf(Session& session, const std::vector<Value>& args) {
-  const TableDef* table = TableById(session, args);
-  const auto* id = args.size() < 2 ? nullptr : std::get_if<std::int64_t>(&args[1]);
-  if (table && id) {
-    for (const ColumnDef& column : table->columns) {
-      if (column.id == *id) return column.name;
-    }
-  }
-  return {};
-}
-
-Value ColumnPropertyOf(Session& session, const std::vector<Value>& args) {
-  const TableDef* table = TableById(session, args);
-  const ColumnDef* column = table ? table->FindColumn(Text(args, 1)) : nullptr;
-  const std::string property = LowerText(Text(args, 2));
-  const auto number = [](std::int64_t value) { return Value(value); };
-  if (!column) return {};
-  if (property == "isidentity") return number(column->identity);
-  if (property == "allowsnull") return number(column->nullable);
-  if (property == "iscomputed") return number(column->IsComputed());
-  if (property == "isrowguidcol") return number(column->row_guid);
-  if (property == "issparse") return number(column->sparse);
-  if (property == "ishidden") return number(column->hidden);
-  if (property == "generatedalwaystype") return number(static_cast<int>(column->generated));
-  if (property == "columnid") return number(column->id);
-  if (property == "precision") return number(column->type.precision);
-  if (property == "scale") return number(column->type.scale);
-  return {};
-}
-
-Value ObjectPropertyOf(Session& session, const std::vector<Value>& args) {
-  const TableDef* table = TableById(session, args);
-  const std::string property = LowerText(Text(args, 1));
-  if (!table) return {};
-  const auto number = [](std::int64_t value) { return Value(value); };
-  if (property == "isusertable" || property == "istable") return number(1);
-  if (property == "tablehasidentity") return number(table->IdentityColumn() != nullptr);
-  if (property == "tablehasprimarykey") return number(table->PrimaryKey() != nullptr);
-  return number(0);
 }
 
 }  // namespace sandbox

@@ -17,9 +17,5 @@ Value ObjectIdOf(Session& session, const std::vector<Value>& args);
 Value ObjectNameOf(Session& session, const std::vector<Value>& args);
 Value ObjectSchemaNameOf(Session& session, const std::vector<Value>& args);
 Value SchemaNameOf(Session& session, const std::vector<Value>& args);
-Value SchemaIdOf(Session& session, const std::vector<Value>& args);
-Value ColumnNameOf(Session& session, const std::vector<Value>& args);
-Value ColumnPropertyOf(Session& session, const std::vector<Value>& args);
-Value ObjectPropertyOf(Session& session, const std::vector<Value>& args);
 
 }  // namespace sandbox

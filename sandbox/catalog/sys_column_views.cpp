@@ -2,6 +2,7 @@
 
 namespace sandbox {
 namespace sys {
+
 namespace {
 
 constexpr const char* kGenerated[] = {"NOT_APPLICABLE", "AS_ROW_START", "AS_ROW_END"};
@@ -17,7 +18,7 @@ struct Column {
   std::optional<std::int64_t> last;  // of the identity
 };
 
-template <class Wanted>
+template <typename Wanted>
 auto ColumnsWhere(Wanted wanted) {
   return [wanted](Session&, DatabaseLink& link) {
     std::vector<Column> columns;
@@ -33,7 +34,7 @@ auto ColumnsWhere(Wanted wanted) {
   };
 }
 
-ViewColumns<Column> OfColumns() {
+ShownColumns<Column> OfColumns() {
   const auto system_type = [](const Column& c) {
     return Int(Facts(c.def.type.type).system_type_id);
   };
@@ -104,7 +105,7 @@ std::vector<Type> AllTypes(Session&, DatabaseLink& link) {
   return all;
 }
 
-ViewColumns<Type> OfTypes() {
+ShownColumns<Type> OfTypes() {
   return {
       {"name", kName, [](const Type& t) { return Value(t.def.name); }},
       {"system_type_id", kTiny,
@@ -135,7 +136,7 @@ std::vector<SystemView> SysColumnViews() {
       MakeView("columns", OfColumns(), ColumnsWhere([](const ColumnDef&) { return true; })),
       MakeView("identity_columns",
                OfColumns() +
-                   ViewColumns<Column>{
+                   ShownColumns<Column>{
                        {"seed_value", kVariant, [](const Column& c) { return Int(c.def.seed); }},
                        {"increment_value", kVariant,
                         [](const Column& c) { return Int(c.def.increment); }},
@@ -146,7 +147,7 @@ std::vector<SystemView> SysColumnViews() {
       MakeView(
           "computed_columns",
           OfColumns() +
-              ViewColumns<Column>{
+              ShownColumns<Column>{
                   {"definition", kText, [](const Column& c) { return Value(c.def.computed_text); }},
                   {"uses_database_collation", kBit, [](const Column&) { return Value(true); }},
                   {"is_persisted", kBit, [](const Column& c) { return Value(c.def.persisted); }}},

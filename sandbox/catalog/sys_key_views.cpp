@@ -4,6 +4,7 @@
 
 namespace sandbox {
 namespace sys {
+
 namespace {
 
 // An index, or what a table without a clustered one has in its place.
@@ -24,7 +25,7 @@ std::vector<Index> Indexes(Session&, DatabaseLink& link) {
   return indexes;
 }
 
-ViewColumns<Index> OfIndexes() {
+ShownColumns<Index> OfIndexes() {
   return {
       {"object_id", kInt, [](const Index& i) { return Int(i.table); }},
       {"name", kName, [](const Index& i) { return i.def ? Value(i.def->name) : Value(); }},
@@ -79,7 +80,7 @@ std::vector<KeyColumn> IndexColumns(Session&, DatabaseLink& link) {
   return columns;
 }
 
-ViewColumns<KeyColumn> OfIndexColumns() {
+ShownColumns<KeyColumn> OfIndexColumns() {
   return {
       {"object_id", kInt, [](const KeyColumn& c) { return Int(c.table); }},
       {"index_id", kInt, [](const KeyColumn& c) { return Int(c.index); }},
@@ -109,7 +110,7 @@ std::vector<KeyPair> KeyPairs(Session&, DatabaseLink& link) {
   return pairs;
 }
 
-ViewColumns<KeyPair> OfKeyPairs() {
+ShownColumns<KeyPair> OfKeyPairs() {
   return {
       {"constraint_object_id", kInt, [](const KeyPair& p) { return Int(p.key->id); }},
       {"constraint_column_id", kInt,
@@ -127,29 +128,22 @@ Value RuleText(ForeignKeyRule rule) {
   return Word(kTexts[static_cast<int>(rule)]);
 }
 
-// The unique index of the parent that a foreign key refers to.
+// The number of the parent's index that a foreign key refers to.
 Value ParentIndexId(const Object& object) {
   const ForeignKeyDef& key = *object.foreign_key;
-  const std::vector<int> wanted = key.parent_columns;
-  for (const IndexDef& index : object.catalog->tables.at(key.parent_table).indexes) {
-    if (!index.unique || index.columns.size() != wanted.size()) continue;
-    const bool same =
-        std::all_of(index.columns.begin(), index.columns.end(), [&](const IndexColumn& column) {
-          return std::find(wanted.begin(), wanted.end(), column.column_id) != wanted.end();
-        });
-    if (same) return Int(IndexId(index));
-  }
-  return {};
+  const TableDef& parent = object.catalog->tables.at(key.parent_table);
+  const IndexDef* index = parent.UniqueIndexOn(key.parent_columns);
+  return index ? Int(IndexId(*index)) : Value();
 }
 
 // Names that the server makes begin with the constraint's kind and two underlines.
-ViewColumn<Object> SystemNamed() {
+Shown<Object> SystemNamed() {
   return {"is_system_named", kBit, [](const Object& o) {
             return Value(o.name.size() > 4 && std::string_view(o.name).substr(2, 2) == "__");
           }};
 }
 
-ViewColumns<Object> OfForeignKeys() {
+ShownColumns<Object> OfForeignKeys() {
   return {
       {"referenced_object_id", kInt,
        [](const Object& o) { return Int(o.foreign_key->parent_table); }},
@@ -169,7 +163,7 @@ ViewColumns<Object> OfForeignKeys() {
   };
 }
 
-ViewColumns<Object> OfChecks() {
+ShownColumns<Object> OfChecks() {
   return {
       {"is_disabled", kBit, [](const Object& o) { return Value(o.check->disabled); }},
       Never<Object>("is_not_for_replication"),
@@ -181,19 +175,11 @@ ViewColumns<Object> OfChecks() {
   };
 }
 
-ViewColumns<Object> OfDefaults() {
+ShownColumns<Object> OfDefaults() {
   return {
       {"parent_column_id", kInt, [](const Object& o) { return Int(o.column->id); }},
       {"definition", kText, [](const Object& o) { return Value(o.column->default_text); }},
       SystemNamed(),
-  };
-}
-
-ViewColumns<Object> OfKeys() {
-  return {
-      {"unique_index_id", kInt, [](const Object& o) { return Int(IndexId(*o.index)); }},
-      SystemNamed(),
-      {"is_enforced", kBit, [](const Object& o) { return Value(!o.index->disabled); }},
   };
 }
 
@@ -213,8 +199,6 @@ std::vector<SystemView> SysKeyViews() {
   return {
       MakeView("indexes", OfIndexes(), Indexes),
       MakeView("index_columns", OfIndexColumns(), IndexColumns),
-      MakeView("key_constraints", ObjectColumns() + OfKeys(),
-               ObjectsWith([](const Object& o) { return o.index != nullptr; })),
       MakeView("foreign_keys", ObjectColumns() + OfForeignKeys(),
                ObjectsWith([](const Object& o) { return o.foreign_key != nullptr; })),
       MakeView("foreign_key_columns", OfKeyPairs(), KeyPairs),

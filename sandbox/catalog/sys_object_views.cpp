@@ -2,6 +2,7 @@
 
 namespace sandbox {
 namespace sys {
+
 namespace {
 
 void AddPartsOf(const TableDef& table, const Object& part_of_table, std::vector<Object>& objects) {
@@ -40,7 +41,7 @@ std::int64_t OldStatus(std::string_view kind) {
   return kind == "U " ? 3 : kind == "V " ? 2 : kind == "D " ? 6 : 11;
 }
 
-ViewColumns<Object> OldColumns() {
+ShownColumns<Object> OldColumns() {
   return {{"name", kName, [](const Object& o) { return Value(o.name); }},
           {"id", kInt, [](const Object& o) { return Int(o.id); }},
           {"xtype", kKind, [](const Object& o) { return Word(o.kind); }},
@@ -89,10 +90,6 @@ std::vector<Nothing> None(Session&, DatabaseLink&) {
   return {};
 }
 
-ViewColumn<Nothing> Empty(const char* name, const TypeInfo& type) {
-  return {name, type, [](const Nothing&) { return Value(); }};
-}
-
 }  // namespace
 
 std::vector<Object> Objects(DatabaseLink& link, std::string_view kind) {
@@ -121,7 +118,7 @@ std::vector<Object> Objects(DatabaseLink& link, std::string_view kind) {
   return objects;
 }
 
-ViewColumns<Object> ObjectColumns() {
+ShownColumns<Object> ObjectColumns() {
   return {{"name", kName, [](const Object& o) { return Value(o.name); }},
           {"object_id", kInt, [](const Object& o) { return Int(o.id); }},
           {"principal_id", kInt, [](const Object&) { return Value(); }},
@@ -140,7 +137,7 @@ ViewColumns<Object> ObjectColumns() {
 
 std::vector<SystemView> SysObjectViews() {
   using namespace sys;
-  const ViewColumns<Object> of_tables{
+  const ShownColumns<Object> of_tables{
       {"temporal_type", kTiny, [](const Object& o) { return Int(IsTemporal(*o.table) ? 2 : 0); }},
       {"history_table_id", kInt, [](const Object&) { return Value(); }},
       Never<Object>("is_memory_optimized"),
@@ -156,12 +153,12 @@ std::vector<SystemView> SysObjectViews() {
                         {"schema_id", kInt, [](const Schema& s) { return Int(s.schema.id); }},
                         {"principal_id", kInt, [](const Schema& s) { return Int(s.owner); }}},
                        Schemas),
-      MakeView<Nothing>(
-          "triggers",
-          {Empty("name", kName), Empty("object_id", kInt), Empty("parent_class", kTiny),
-           Empty("parent_id", kInt), Empty("type", kKind), Empty("is_disabled", kBit),
-           Empty("is_instead_of_trigger", kBit)},
-          None),
+      MakeView<Nothing>("triggers",
+                        {Null<Nothing>("name", kName), Null<Nothing>("object_id", kInt),
+                         Null<Nothing>("parent_class", kTiny), Null<Nothing>("parent_id", kInt),
+                         Null<Nothing>("type", kKind), Null<Nothing>("is_disabled", kBit),
+                         Null<Nothing>("is_instead_of_trigger", kBit)},
+                        None),
       MakeView<Property>(
           "extended_properties",
           {{"class", kTiny, [](const Property&) { return Int(1); }},

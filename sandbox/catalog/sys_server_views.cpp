@@ -2,6 +2,7 @@
 
 namespace sandbox {
 namespace sys {
+
 namespace {
 
 using Database = std::shared_ptr<DatabaseState>;
@@ -10,9 +11,9 @@ std::vector<Database> Databases(Session& session, DatabaseLink&) {
   return session.Folder().All();
 }
 
-const ViewColumn<Database> kDatabaseName{"name", kName,
-                                         [](const Database& d) { return Value(d->name); }};
-const ViewColumn<Database> kDatabaseCollation{
+const Shown<Database> kDatabaseName{"name", kName,
+                                    [](const Database& d) { return Value(d->name); }};
+const Shown<Database> kDatabaseCollation{
     "collation_name", kName, [](const Database&) { return Word("SQL_Latin1_General_CP1_CI_AS"); }};
 
 Value DatabaseId(const Database& database) {
@@ -29,10 +30,6 @@ Value Zero(const Database&) {
 }
 Value Online(const Database&) {
   return Word("ONLINE");
-}
-
-std::vector<UserDef> Users(Session&, DatabaseLink& link) {
-  return link.Definitions().users;
 }
 
 struct Running {
@@ -74,14 +71,6 @@ std::vector<SystemView> SysServerViews() {
                           {"status_desc", kName, Online},
                           Never<Database>("is_read_only")},
                          Databases),
-      MakeView<UserDef>("database_principals",
-                        {{"name", kName, [](const UserDef& u) { return Value(u.name); }},
-                         {"principal_id", kInt, [](const UserDef& u) { return Int(u.id); }},
-                         {"type", kKind, [](const UserDef&) { return Word("S "); }},
-                         {"type_desc", kName, [](const UserDef&) { return Word("SQL_USER"); }},
-                         {"default_schema_name", kName,
-                          [](const UserDef& u) { return Value(u.default_schema); }}},
-                        Users),
       MakeView<Running>(
           "dm_exec_requests",
           {{"session_id", kSmall, [](const Running& r) { return Int(r.session); }},

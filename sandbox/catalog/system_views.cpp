@@ -7,6 +7,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 const std::vector<SystemView>& Views() {
@@ -53,7 +54,7 @@ Relation FillSystemView(std::size_t position, Session& session, DatabaseLink& li
   relation.stored = table;
   std::string columns, marks;
   for (std::size_t i = 0; i < view.columns.size(); ++i) {
-    const SystemView::Column& column = view.columns[i];
+    const ColumnInfo& column = view.columns[i];
     const std::string stored = fmt::format("c{}", i + 1);
     columns += (i ? ", " : "") + stored +
                (IsText(column.type.type) ? std::string(" COLLATE ") + kTextCollation : "");
@@ -62,10 +63,8 @@ Relation FillSystemView(std::size_t position, Session& session, DatabaseLink& li
   }
   connection.Execute("CREATE TABLE IF NOT EXISTS " + table + "(" + columns + "); DELETE FROM " +
                      table);
-  SystemView::Rows rows;
-  view.fill(session, link, rows);
   SqliteStatement insert = connection.Prepare("INSERT INTO " + table + " VALUES(" + marks + ")");
-  for (const auto& row : rows) {
+  for (const auto& row : view.rows(session, link)) {
     for (std::size_t i = 0; i < row.size(); ++i) {
       BindValue(insert.get(), static_cast<int>(i) + 1, row[i], view.columns[i].type);
     }

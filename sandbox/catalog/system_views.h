@@ -15,15 +15,10 @@ class Session;
 
 /// One view of the catalog: its columns, and what makes its rows.
 struct SystemView {
-  struct Column {
-    const char* name;
-    TypeInfo type;
-  };
-  using Rows = std::vector<std::vector<Value>>;
   const char* schema;
   const char* name;
-  std::vector<Column> columns;
-  std::function<void(Session& session, DatabaseLink& link, Rows& rows)> fill;
+  std::vector<ColumnInfo> columns;
+  std::function<std::vector<std::vector<Value>>(Session& session, DatabaseLink& link)> rows;
 };
 
 /// The position of a view of sys or INFORMATION_SCHEMA, or nothing.

@@ -4,6 +4,7 @@
 #include "sandbox/parser/parser.h"
 
 namespace sandbox {
+
 namespace {
 
 // Rows that are written together.
@@ -23,7 +24,7 @@ class BulkRows final : public RowCells {
   void Select(std::size_t row) override { row_ = row; }
   Cell Get(std::size_t cell) override {
     const Value& value = rows_[row_][cell];
-    if (value.index() == 0 && defaults_[cell]) return {};
+    if (IsNull(value) && defaults_[cell]) return {};
     return {&value, types_[cell]};
   }
 
@@ -105,7 +106,7 @@ class BulkLoad final : public BulkTarget {
     return defaults;
   }
 
-  template <class Body>
+  template <typename Body>
   bool Guarded(ResultSink& sink, Body body) {
     try {
       body();

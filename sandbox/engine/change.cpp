@@ -6,9 +6,9 @@
 #include "sandbox/storage/encoding.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 // The table that UPDATE or DELETE names, which may be an alias of its FROM clause.
@@ -56,30 +56,21 @@ Target BindTarget(Session& session, Binder& binder, const ObjectName& name,
   return target;
 }
 
-std::string Tail(Session& session, Binder& binder, const Target& target, const ExprPtr& where,
-                 const ExprPtr& top) {
+std::string Tail(Binder& binder, const Target& target, const ExprPtr& where) {
   std::string text = " FROM " + target.from;
   if (where) text += " WHERE " + binder.BindCondition(*where, target.scope);
-  text += " GROUP BY " + target.row;  // a row that joins many is changed once
-  if (top) {
-    const TypeInfo type = BigIntType();
-    const Value count = session.Evaluate(*top, &type);
-    text += " LIMIT " + SqliteLiteral(count, type);
-  }
-  return text;
+  return text + " GROUP BY " + target.row;  // a row that joins many is changed once
 }
 
-// What a SET clause gives a new value: a column (or null), a variable (or ""), or both.
+// A column that a SET clause gives a new value.
 struct Assigned {
   const ColumnDef* column;
   TypeInfo type;  // of the value
-  std::string variable;
 };
 
-// The column that may be changed; null when only a variable is.
+// The column, which may be changed.
 const ColumnDef* AssignedColumn(const TableDef& table, const std::string& name,
                                 const std::vector<Assigned>& others) {
-  if (name.empty()) return nullptr;
   const ColumnDef* column = table.FindColumn(name);
   if (!column) Raise(207, name);
   if (column->identity) Raise(8102, column->name);
@@ -98,18 +89,16 @@ Value DefaultOf(Session& session, const ColumnDef& column) {
   return session.Evaluate(*parser.ParseExpressionText(), &column.type);
 }
 
-// The row that the statement is at; sets the variables on the way.
-RowChange ReadChange(SqlSession& session, DatabaseLink& link, const TableDef& table,
+// The row that the statement is at.
+RowChange ReadChange(DatabaseLink& link, const TableDef& table,
                      const std::vector<Assigned>& assigned, const SqliteStatement& statement) {
   RowChange change;
   change.row = statement.Integer(0);
   for (std::size_t i = 0; i < assigned.size(); ++i) {
-    const auto& [column, type, variable] = assigned[i];
+    const auto& [column, type] = assigned[i];
     Value value;
     ReadColumn(statement.get(), static_cast<int>(i) + 1, type, value);
-    if (!variable.empty()) session.Assign(variable, value, type);
-    if (!column) continue;
-    const bool is_null = std::holds_alternative<std::monostate>(value);
+    const bool is_null = IsNull(value);
     change.values[column->id] = is_null ? Value() : StoreValue(link, table, *column, value, type);
   }
   return change;
@@ -128,13 +117,11 @@ Flow ChangeRunner::Run(const UpdateStatement& update) {
     const Bound bound = assignment.value
                             ? binder.BindValue(*assignment.value, target.scope)
                             : Binder::Constant(DefaultOf(session_, *column), column->type);
-    if (column && !bound.is_null) CheckConvertible(bound.type, column->type, false);
+    if (!bound.is_null) CheckConvertible(bound.type, column->type, false);
     items += ", " + bound.sql;
-    assigned.push_back({column, bound.is_null && column ? column->type : bound.type,
-                        LowerText(assignment.variable)});
+    assigned.push_back({column, bound.is_null ? column->type : bound.type});
   }
-  const std::string sql =
-      "SELECT " + items + Tail(session_, binder, target, update.where, update.top);
+  const std::string sql = "SELECT " + items + Tail(binder, target, update.where);
   StatementScope scope(*target.link);
   SqliteStatement& statement = Link().Cached(sql);
   std::vector<RowChange> changes;
@@ -142,12 +129,10 @@ Flow ChangeRunner::Run(const UpdateStatement& update) {
     ResetGuard guard(statement);
     binder.SetParameters(statement);
     while (Link().Step(statement)) {
-      changes.push_back(ReadChange(session_, *target.link, table, assigned, statement));
+      changes.push_back(ReadChange(*target.link, table, assigned, statement));
     }
   }
-  if (!changes.empty() && !changes.front().values.empty()) {
-    RowChanger(session_, *target.link, "UPDATE").Update(table, changes);
-  }
+  if (!changes.empty()) RowChanger(session_, *target.link, "UPDATE").Update(table, changes);
   scope.Keep();
   return Done(static_cast<std::int64_t>(changes.size()));
 }
@@ -156,8 +141,7 @@ Flow ChangeRunner::Run(const DeleteStatement& remove) {
   Binder binder(session_);
   Target target = BindTarget(session_, binder, remove.table, remove.from);
   const TableDef table = *target.table;
-  const std::string sql =
-      "SELECT " + target.row + Tail(session_, binder, target, remove.where, remove.top);
+  const std::string sql = "SELECT " + target.row + Tail(binder, target, remove.where);
   StatementScope scope(*target.link);
   SqliteStatement& statement = Link().Cached(sql);
   std::vector<std::int64_t> rows;

@@ -10,6 +10,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 // ", column 'a'" when the constraint is about one column.
@@ -86,8 +87,7 @@ std::string KeyText(const TableDef& table, const IndexDef& index, const std::vec
   std::string text;
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const TypeInfo& type = table.Column(index.columns[i].column_id).type;
-    text +=
-        (i ? ", " : "") + (keys[i].index() == 0 ? std::string("<NULL>") : ValueText(keys[i], type));
+    text += (i ? ", " : "") + (IsNull(keys[i]) ? std::string("<NULL>") : ValueText(keys[i], type));
   }
   return text;
 }

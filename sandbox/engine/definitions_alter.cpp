@@ -11,47 +11,6 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
-namespace {
-
-bool Uses(const std::vector<int>& columns, int id) {
-  return std::find(columns.begin(), columns.end(), id) != columns.end();
-}
-
-// The name and kind of what stands on the column, for messages 5074 and 4922.
-void RefuseIfUsed(DatabaseLink& link, const TableDef& table, const ColumnDef& column,
-                  const char* action) {
-  const auto refuse = [&](const char* kind, const std::string& name) {
-    SqlError error = Error(5074, kind, name, column.name);
-    error.messages.push_back(Error(4922, action, column.name).messages.front());
-    throw error;
-  };
-  for (const IndexDef& index : table.indexes) {
-    for (const IndexColumn& key : index.columns) {
-      if (key.column_id == column.id) refuse(index.IsConstraint() ? "object" : "index", index.name);
-    }
-    const bool filters = index.filter.find("[" + column.name + "]") != std::string::npos;
-    if (filters || Uses(index.included, column.id)) refuse("index", index.name);
-  }
-  for (const ForeignKeyDef& key : table.foreign_keys) {
-    if (Uses(key.columns, column.id)) refuse("object", key.name);
-  }
-  for (const auto& [id, other] : link.Definitions().tables) {
-    for (const ForeignKeyDef& key : other.foreign_keys) {
-      if (key.parent_table == table.id && Uses(key.parent_columns, column.id))
-        refuse("object", key.name);
-    }
-  }
-  const std::string name = "[" + column.name + "]";
-  for (const CheckDef& check : table.checks) {
-    if (check.text.find(name) != std::string::npos) refuse("object", check.name);
-  }
-  for (const ColumnDef& other : table.columns) {
-    if (other.computed_text.find(name) != std::string::npos) refuse("column", other.name);
-  }
-}
-
-}  // namespace
-
 void AddColumns(Session& session, DatabaseLink& link, const TableDef& table,
                 const std::vector<int>& column_ids, bool has_rows) {
   for (const int id : column_ids) {
@@ -153,68 +112,6 @@ void SwitchConstraints(Session& session, DatabaseLink& link, TableDef& table,
     throw error;
   }
   link.Store(table);
-}
-
-void DropColumn(DatabaseLink& link, TableDef& table, const std::string& name) {
-  const ColumnDef* column = table.FindColumn(name);
-  if (!column) Raise(4924, "DROP COLUMN", name, table.name);
-  RefuseIfUsed(link, table, *column, "DROP");
-  if (column->default_id != 0) {
-    SqlError error = Error(5074, "object", column->default_name, column->name);
-    error.messages.push_back(Error(4922, "DROP", column->name).messages.front());
-    throw error;
-  }
-  link.Connection().Execute("ALTER TABLE " + table.StoredName() + " DROP COLUMN " +
-                            TableDef::StoredColumn(column->id));
-  const int id = column->id;
-  std::erase_if(table.columns, [&](const ColumnDef& other) { return other.id == id; });
-}
-
-void AlterColumn(Session& session, DatabaseLink& link, TableDef& table,
-                 const ColumnSyntax& syntax) {
-  ColumnDef* column = nullptr;
-  for (ColumnDef& candidate : table.columns) {
-    if (SameName(candidate.name, syntax.column.name)) column = &candidate;
-  }
-  if (!column) Raise(4924, "ALTER COLUMN", syntax.column.name, table.name);
-  RefuseIfUsed(link, table, *column, "ALTER");
-  if (column->IsComputed()) Raise(4928, column->name);
-  const TypeInfo before = column->type;
-  std::optional<bool> nullable = syntax.nullable;
-  ColumnDef changed = syntax.column;
-  ResolveType(link, 1, syntax.alias_type, changed, nullable);
-  const TypeInfo after = changed.type;
-  const std::string stored = TableDef::StoredColumn(column->id);
-  SqliteStatement rows = link.Connection().Prepare(
-      fmt::format("SELECT rowid, {} FROM {}", stored, table.StoredName()));
-  std::vector<std::pair<std::int64_t, Value>> values;
-  while (link.Step(rows)) {
-    Value value;
-    ReadColumn(rows.get(), 1, before, value);
-    values.emplace_back(rows.Integer(0), std::move(value));
-  }
-  rows.Reset();
-  const std::string full_name = fmt::format("{}.{}", link.Name(), table.FullName());
-  column->type = after;
-  column->user_type = changed.user_type;
-  column->collation = changed.collation;
-  column->nullable = nullable.value_or(true);
-  // A column of its own with the new collation takes the old one's place.
-  const int old_id = column->id;
-  column->id = table.next_column_id++;
-  link.Connection().Execute("ALTER TABLE " + table.StoredName() + " ADD COLUMN " +
-                            StoredColumnText(session, table, *column));
-  SqliteStatement update = link.Connection().Prepare(
-      fmt::format("UPDATE {} SET {}=?1 WHERE rowid=?2", table.StoredName(),
-                  TableDef::StoredColumn(column->id)));
-  for (const auto& [row, value] : values) {
-    if (value.index() == 0 && !column->nullable) Raise(515, column->name, full_name, "UPDATE");
-    BindValue(update.get(), 1, StoreValue(link, table, *column, value, before), after);
-    update.Bind(2, row);
-    link.Run(update);
-  }
-  link.Connection().Execute("ALTER TABLE " + table.StoredName() + " DROP COLUMN " +
-                            TableDef::StoredColumn(old_id));
 }
 
 }  // namespace sandbox

@@ -5,6 +5,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::size_t kMostColumns = 1024;

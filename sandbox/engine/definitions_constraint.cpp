@@ -10,6 +10,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::int64_t kFirstRow = INT64_MIN, kLastRow = INT64_MAX;
@@ -165,13 +166,7 @@ void ConstraintAdder::MatchParentKey(ForeignKeyDef& key, const ForeignKeySyntax&
     if (!column) RaiseForConstraint(1770, key.name, name, parent.name);
     key.parent_columns.push_back(column->id);
   }
-  const std::multiset<int> wanted(key.parent_columns.begin(), key.parent_columns.end());
-  const bool found =
-      std::any_of(parent.indexes.begin(), parent.indexes.end(), [&](const IndexDef& index) {
-        std::multiset<int> columns;
-        for (const IndexColumn& column : index.columns) columns.insert(column.column_id);
-        return index.unique && columns == wanted;
-      });
+  const bool found = parent.UniqueIndexOn(key.parent_columns) != nullptr;
   if (!found || key.columns.size() != key.parent_columns.size()) {
     RaiseForConstraint(1776, parent.name, key.name);
   }

@@ -9,6 +9,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 // A unique index takes one NULL only; SQLite would take any number. No value looks like this one.
@@ -129,29 +130,6 @@ Flow DefinitionRunner::Run(const AlterIndexStatement& alter) {
     MakeStoredIndex(session_, link, table, index);
   }
   link.Store(table);
-  scope.Keep();
-  return Done();
-}
-
-Flow DefinitionRunner::Run(const DropIndexStatement& drop) {
-  DatabaseLink& link = session_.LinkTo(drop.table.database);
-  link.BeginWrite();
-  const TableDef* found = link.FindTable(drop.table);
-  const IndexDef* index = found ? found->FindIndex(drop.name) : nullptr;
-  if (!index && drop.if_exists) {
-    return Done();
-  }
-  if (!index) Raise(3701, "drop", "index", drop.table.name + "." + drop.name);
-  if (index->IsConstraint()) {
-    Raise(3723, drop.table.name + "." + drop.name, index->primary ? "PRIMARY KEY" : "UNIQUE KEY");
-  }
-  StatementScope scope(link);
-  TableDef table = *found;
-  const int id = index->id;
-  const std::string sql = "DROP INDEX IF EXISTS " + table.StoredIndexName(*index);
-  std::erase_if(table.indexes, [&](const IndexDef& other) { return other.id == id; });
-  link.Store(table);
-  link.Connection().Execute(sql);
   scope.Keep();
   return Done();
 }

@@ -6,9 +6,9 @@
 #include "sandbox/engine/stored_columns.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/ticks.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 bool HasRows(DatabaseLink& link, const TableDef& table) {
@@ -118,20 +118,9 @@ Flow DefinitionRunner::Run(const AlterTableStatement& alter) {
         DropConstraint(link, table, name, alter.if_exists);
       link.Store(table);
       break;
-    case Action::DropColumn:
-      for (const std::string& name : alter.names) DropColumn(link, table, name);
-      link.Store(table);
-      break;
-    case Action::AlterColumn:
-      AlterColumn(session_, link, table, alter.columns.front());
-      CheckTableLimits(table);
-      link.Store(table);
-      break;
     case Action::Check:
     case Action::NoCheck:
       SwitchConstraints(session_, link, table, alter);
-      break;
-    case Action::Nothing:
       break;
   }
   scope.Keep();

@@ -3,17 +3,15 @@
 
 #include "sandbox/engine/statement_runners.h"
 #include "sandbox/functions/functions.h"
-#include "sandbox/storage/encoding.h"
-#include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kUserError = 50000;
 constexpr int kLowestError = 11;
-constexpr int kHighestCaught = 19;
 
 // Puts arguments into the places of a message: %d, %s, %%.
 std::string Formatted(const std::string& text, const std::vector<std::string>& args) {
@@ -94,22 +92,6 @@ Flow FlowRunner::Run(const BlockStatement& statement) {
   return session_.RunBlock(statement.body);
 }
 
-Flow FlowRunner::Run(const TryStatement& statement) {
-  ServerMessage failure;
-  try {
-    const Restorer<int> depth(state_.try_depth, state_.try_depth + 1);
-    return session_.RunBlock(statement.body);
-  } catch (const SqlError& error) {
-    failure = error.messages.front();
-    if (failure.line == 0) failure.line = state_.batch.line;
-    if (failure.severity < kLowestError || failure.severity > kHighestCaught) throw;
-    if (error.rolls_back && state_.options.xact_abort) session_.RollbackAll(true);
-  }
-  state_.last_error = failure.number;
-  const Restorer<std::optional<ServerMessage>> caught(state_.caught, std::move(failure));
-  return session_.RunBlock(statement.handler);
-}
-
 Flow FlowRunner::Run(const JumpStatement& statement) {
   switch (statement.kind) {
     case JumpStatement::Kind::Break:
@@ -144,11 +126,6 @@ ServerMessage FlowRunner::Raised(const RaiseStatement& statement) {
   ServerMessage message;
   message.line = state_.batch.line;
   message.number = number(0, kUserError);
-  if (statement.is_throw) {
-    message.text = texts.size() > 1 ? texts[1] : "";
-    message.state = number(2, 1);
-    return message;
-  }
   message.severity = number(1, 16);
   message.state = std::max(1, number(2, 1));
   if (std::holds_alternative<std::string>(values[0])) {
@@ -161,22 +138,10 @@ ServerMessage FlowRunner::Raised(const RaiseStatement& statement) {
 }
 
 Flow FlowRunner::Run(const RaiseStatement& statement) {
-  SqlError error;
-  error.ends_batch = statement.is_throw;
-  if (statement.is_throw && statement.args.empty()) {
-    if (!state_.caught) {
-      Raise(15034, "To rethrow an error, a THROW statement must be used inside a CATCH block.");
-    }
-    error.messages.push_back(*state_.caught);
-    throw error;
-  }
   const ServerMessage message = Raised(statement);
-  error.messages.push_back(message);
-  const bool fails = message.severity >= kLowestError;
-  if (fails && (state_.try_depth > 0 || statement.is_throw)) throw error;
-  // RAISERROR does not end the batch, whatever the options.
+  // It does not end the batch, whatever the options.
   state_.batch.sink->Message(message);
-  if (!fails) return Done();
+  if (message.severity < kLowestError) return Done();
   state_.last_error = message.number;
   state_.batch.sink->Done(std::nullopt);
   return Flow::Next;

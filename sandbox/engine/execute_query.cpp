@@ -1,21 +1,12 @@
-#include "sandbox/engine/definitions.h"
-#include "sandbox/engine/insert_plan.h"
 #include "sandbox/engine/statement_runners.h"
 #include "sandbox/storage/encoding.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
 
 Flow QueryRunner::Run(const SelectStatement& statement) {
-  const Query& query = *statement.query;
-  const Select& first = query.selects.front();
-  if (!first.into.name.empty()) {
-    SelectInto(first, query);
-    return Flow::Next;
-  }
   Link().Definitions();
   Binder binder(session_);
-  const BoundQuery bound = binder.BindQuery(query);
+  const BoundQuery bound = binder.BindQuery(*statement.query);
   if (!bound.variables.empty()) {
     AssignVariables(bound, binder);
   } else {
@@ -63,38 +54,6 @@ void QueryRunner::AssignVariables(const BoundQuery& query, const Binder& binder)
     }
   }
   state_.row_count = rows;
-}
-
-void QueryRunner::SelectInto(const Select& select, const Query& query) {
-  DatabaseLink& link = session_.LinkTo(select.into.database);
-  link.BeginWrite();
-  TableDef table;
-  table.schema = SchemaOfNew(link, select.into);
-  Binder binder(session_);
-  const BoundQuery bound = binder.BindQuery(query);
-  StatementScope scope(link);
-  table.name = select.into.name;
-  for (const ColumnInfo& column : bound.columns) {
-    if (column.name.empty()) Raise(1038);
-    if (table.FindColumn(column.name)) Raise(2705, column.name, table.name);
-    ColumnDef& added = table.columns.emplace_back();
-    added.id = table.next_column_id++;
-    added.name = column.name;
-    added.type = column.type;
-    if (column.type.type == SqlType::Timestamp) added.type = {SqlType::Binary, 8, 0, 0};
-    if (column.type.order == TextOrder::CaseSensitive)
-      added.collation = "SQL_Latin1_General_CP1_CS_AS";
-    if (column.type.order == TextOrder::Binary) added.collation = "Latin1_General_BIN2";
-    added.nullable = column.nullable;
-    added.identity = column.identity;
-  }
-  AddTable(session_, link, table);
-  const TableDef& stored = *link.Definitions().FindTable(table.schema, table.name);
-  RowWriter writer(session_, link, stored, {}, RowWriter::Identity::Explicit);
-  const std::int64_t rows = writer.WriteQuery(bound, binder);
-  writer.Finish();
-  scope.Keep();
-  Done(rows);
 }
 
 }  // namespace sandbox

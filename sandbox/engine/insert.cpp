@@ -6,33 +6,8 @@
 #include "sandbox/engine/statement_runners.h"
 
 namespace sandbox {
+
 namespace {
-
-// Keeps the rows of an executed procedure to insert them.
-class CollectingSink final : public ResultSink {
- public:
-  explicit CollectingSink(ResultSink& outer) : outer_(outer) {}
-  void Columns(const std::vector<ColumnInfo>& columns) override {
-    types.clear();
-    for (const ColumnInfo& column : columns) types.push_back(column.type);
-  }
-  void Row(std::span<const Value> values) override {
-    rows.emplace_back(values.begin(), values.end());
-  }
-  void Done(std::optional<std::int64_t>) override {}
-  void Message(const ServerMessage& message) override { outer_.Message(message); }
-  void DatabaseChanged(std::string_view database) override { outer_.DatabaseChanged(database); }
-  void TransactionChanged(std::uint64_t id, bool committed) override {
-    outer_.TransactionChanged(id, committed);
-  }
-  void ReturnStatus(std::int32_t) override {}
-
-  std::vector<TypeInfo> types;
-  std::vector<std::vector<Value>> rows;
-
- private:
-  ResultSink& outer_;
-};
 
 std::size_t TakenColumns(const TableDef& table) {
   return static_cast<std::size_t>(
@@ -50,12 +25,6 @@ void CheckWidth(const InsertStatement& insert, const RowWriter& writer) {
 
 Flow ChangeRunner::Run(const InsertStatement& insert) {
   DatabaseLink& link = session_.LinkTo(insert.table.database);
-  std::optional<CollectingSink> collected;
-  if (insert.execute) {
-    collected.emplace(*state_.batch.sink);
-    const Restorer<ResultSink*> sink(state_.batch.sink, &*collected);
-    session_.RunStatement(*insert.execute);
-  }
   link.BeginWrite();
   const TableDef& table = TargetTable(link, insert.table, 208);
   const bool explicit_identity = table.IdentityColumn() && state_.identity_insert &&
@@ -69,7 +38,7 @@ Flow ChangeRunner::Run(const InsertStatement& insert) {
     Raise(8101, table.name);
   }
   RowWriter writer(session_, link, table, insert.columns, identity);
-  if (!insert.query && !insert.execute && !insert.default_values) CheckWidth(insert, writer);
+  if (!insert.query && !insert.default_values) CheckWidth(insert, writer);
   // One row that nothing looks at afterwards fails whole by itself.
   const bool simple = insert.rows == 1 && !writer.Plan().verifies;
   std::optional<StatementScope> scope;
@@ -80,16 +49,8 @@ Flow ChangeRunner::Run(const InsertStatement& insert) {
   } else if (insert.query) {
     Binder binder(session_);
     rows = writer.WriteQuery(binder.BindQuery(*insert.query), binder);
-  } else if (collected) {
-    rows = static_cast<std::int64_t>(collected->rows.size());
-    for (const auto& row : collected->rows) {
-      if (row.size() != writer.Width()) Raise(213);
-      std::vector<const Value*> cells;
-      for (const Value& value : row) cells.push_back(&value);
-      writer.Write(cells, collected->types);
-    }
   } else {
-    InsertValues values(session_, insert, writer);
+    InsertValues values(session_, insert);
     writer.WriteRows(values, insert.rows);
   }
   writer.Finish();

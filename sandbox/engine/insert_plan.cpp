@@ -14,6 +14,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 std::string PlanKey(const TableDef& table, const std::vector<std::string>& columns,
@@ -87,7 +88,6 @@ RowWriter::RowWriter(Session& session, DatabaseLink& link, const TableDef& table
   if (!cached) cached = MakePlan(columns, identity);
   plan_ = cached;
   stored_.resize(plan_->slots.size());
-  scratch_.resize(plan_->slots.size());
 }
 
 std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& columns,
@@ -105,7 +105,6 @@ std::shared_ptr<InsertPlan> RowWriter::MakePlan(const std::vector<std::string>& 
     if (column.IsComputed()) continue;
     InsertPlan::Slot& slot = plan->slots.emplace_back();
     slot.column = column;
-    slot.bind_literal = LiteralBinderFor(column.type.type);
     const bool row_version = column.type.type == SqlType::Timestamp;
     const auto listed = std::find_if(columns.begin(), columns.end(), [&](const std::string& name) {
       return SameName(name, column.name);
@@ -152,7 +151,7 @@ Value RowWriter::DefaultOf(const InsertPlan::Slot& slot) {
 void RowWriter::Store(const Place& place, const ColumnDef& column, const Value& value,
                       const TypeInfo& from) {
   Value& stored = stored_[static_cast<std::size_t>(place.index - 1)];
-  if (value.index() == 0) {
+  if (IsNull(value)) {
     if (!column.nullable) {
       Raise(515, column.name, fmt::format("{}.{}", link_.Name(), table_.FullName()), "INSERT");
     }
@@ -168,8 +167,6 @@ void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCe
   using Source = InsertPlan::Source;
   Source source = slot.source;
   if (source == Source::Cell) {
-    const LiteralText* literal = row.AsWritten(slot.cell);
-    if (literal && BindAsWritten(slot, place, *literal)) return;
     const RowCells::Cell cell = row.Get(slot.cell);
     if (cell.value) return BindCell(slot, place, cell);
     source = slot.column.type.type == SqlType::Timestamp ? Source::RowVersion
@@ -187,17 +184,6 @@ void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCe
     default:
       return Store(place, slot.column, DefaultOf(slot), slot.column.type);
   }
-}
-
-bool RowWriter::BindAsWritten(const InsertPlan::Slot& slot, const Place& place,
-                              const LiteralText& literal) {
-  if (slot.column.generated != Generated::No) return false;
-  if (literal.IsNull()) {
-    if (slot.column.nullable) sqlite3_bind_null(place.statement.get(), place.index);
-    return slot.column.nullable;
-  }
-  return slot.bind_literal(place.statement.get(), place.index, slot.column.type, literal,
-                           scratch_[static_cast<std::size_t>(place.index - 1)]);
 }
 
 void RowWriter::BindCell(const InsertPlan::Slot& slot, const Place& place,
@@ -221,7 +207,7 @@ void RowWriter::WriteRow(RowCells& row) {
   try {
     link_.Run(plan_->insert);
   } catch (const SqliteError& error) {
-    RaiseDuplicate(error, row);
+    RaiseDuplicate(error);
   }
   last_row_ = sqlite3_last_insert_rowid(link_.Connection().get());
   if (first_row_ == 0) first_row_ = last_row_;
@@ -234,7 +220,6 @@ bool RowWriter::WriteBlock(RowCells& rows, std::size_t first) {
     plan_->insert_block = link_.Connection().Prepare(InsertSql(table_, kBlockRows));
   }
   stored_.resize(kBlockRows * width);
-  scratch_.resize(kBlockRows * width);
   try {
     for (std::size_t i = 0; i < kBlockRows; ++i) {
       rows.Select(first + i);
@@ -318,7 +303,7 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
   return rows;
 }
 
-void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
+void RowWriter::RaiseDuplicate(const SqliteError& error) {
   const IndexDef* reported = BrokenIndex(table_, error.what());
   if (!reported) throw error;
   const auto value = [&](int column_id) -> Value {
@@ -326,12 +311,7 @@ void RowWriter::RaiseDuplicate(const SqliteError& error, RowCells& row) {
         std::find_if(plan_->slots.begin(), plan_->slots.end(),
                      [&](const InsertPlan::Slot& each) { return each.column.id == column_id; });
     if (slot == plan_->slots.end()) return {};  // computed
-    const bool written =
-        slot->source == InsertPlan::Source::Cell && row.AsWritten(slot->cell) != nullptr;
-    if (!written) return stored_[static_cast<std::size_t>(slot - plan_->slots.begin())];
-    const RowCells::Cell cell = row.Get(slot->cell);
-    if (cell.value->index() == 0) return {};
-    return StoreValue(link_, table_, slot->column, *cell.value, cell.type);
+    return stored_[static_cast<std::size_t>(slot - plan_->slots.begin())];
   };
   const IndexDef* index = FirstBrokenIndex(link_, table_, value, 0);
   if (!index) index = reported;

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "sandbox/binder/binder.h"
-#include "sandbox/engine/literal_binding.h"
 #include "sandbox/parser/ast.h"
 #include "sandbox/storage/catalog.h"
 #include "sandbox/storage/sqlite.h"
@@ -28,7 +27,6 @@ struct InsertPlan {
     Source source = Source::Null;
     std::size_t cell = 0;
     ExprPtr default_value;  // null when there is none
-    LiteralBinder bind_literal = nullptr;
   };
   std::vector<Slot> slots;  // in the order of the table's columns
   std::size_t cells = 0;    // the values a row brings
@@ -49,8 +47,6 @@ class RowCells {
   };
   virtual ~RowCells() = default;
   virtual void Select(std::size_t) {}
-  /// A literal that the cell's column takes as it is written; null when there is none.
-  virtual const LiteralText* AsWritten(std::size_t) const { return nullptr; }
   /// The cell's value, which stays until it is asked for in another row.
   virtual Cell Get(std::size_t cell) = 0;
 };
@@ -90,20 +86,16 @@ class RowWriter {
   bool WriteBlock(RowCells& rows, std::size_t first);
   void BindRow(SqliteStatement& statement, int first_index, RowCells& row);
   void BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCells& row);
-  bool BindAsWritten(const InsertPlan::Slot& slot, const Place& place, const LiteralText& literal);
   void BindCell(const InsertPlan::Slot& slot, const Place& place, const RowCells::Cell& cell);
   void Store(const Place& place, const ColumnDef& column, const Value& value, const TypeInfo& from);
   Value DefaultOf(const InsertPlan::Slot& slot);
-  [[noreturn]] void RaiseDuplicate(const SqliteError& error, RowCells& row);
+  [[noreturn]] void RaiseDuplicate(const SqliteError& error);
 
   Session& session_;
   DatabaseLink& link_;
   const TableDef& table_;
   std::shared_ptr<InsertPlan> plan_;
-  // By the index of the parameter that refers to them: values as they are stored, and what literals
-  // that are bound as written need.
-  std::vector<Value> stored_;
-  std::vector<std::string> scratch_;
+  std::vector<Value> stored_;  // values as they are stored, by the parameter that refers to them
   std::int64_t first_row_ = 0;
   std::int64_t last_row_ = -1;
   std::optional<std::int64_t> last_identity_;

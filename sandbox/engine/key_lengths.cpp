@@ -5,6 +5,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 int MostBytes(const IndexDef& index) {

@@ -12,6 +12,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kMaxCascades = 64;
@@ -23,7 +24,7 @@ bool Touches(const IndexDef& index, const RowChange& change) {
 }
 
 bool HasNull(const std::vector<Value>& key) {
-  return std::any_of(key.begin(), key.end(), [](const Value& v) { return v.index() == 0; });
+  return std::any_of(key.begin(), key.end(), [](const Value& v) { return IsNull(v); });
 }
 
 }  // namespace
@@ -152,7 +153,7 @@ void RowChanger::Update(const TableDef& table, const std::vector<RowChange>& giv
   for (const RowChange& change : changes) {
     for (const auto& [id, value] : change.values) {
       const ColumnDef& column = table.Column(id);
-      if (value.index() == 0 && !column.nullable) {
+      if (IsNull(value) && !column.nullable) {
         Raise(515, column.name, fmt::format("{}.{}", link_.Name(), table.FullName()), statement_);
       }
     }

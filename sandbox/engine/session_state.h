@@ -17,12 +17,9 @@ namespace sandbox {
 /// What SET chose for the session.
 struct SessionOptions {
   bool no_count = false;
-  bool xact_abort = false;
   bool format_only = false;
-  bool no_execute = false;
   bool implicit_transactions = false;
   std::int64_t row_limit = 0;  // of SET ROWCOUNT; 0 is none
-  int text_size = -1;
 };
 
 using Variables = std::map<std::string, Variable, std::less<>>;
@@ -48,8 +45,6 @@ struct SessionState {
   std::int64_t row_count = 0;
   int last_error = 0;
   std::optional<std::int64_t> scope_identity;
-  std::optional<ServerMessage> caught;  // in a CATCH block
-  int try_depth = 0;
   int nesting = 0;  // batches that run, one within the other
   BatchState batch;
 };

@@ -5,45 +5,31 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
-// Options that SET knows but that change nothing here.
-constexpr std::array<std::string_view, 36> kAcceptedOptions{"ansi_defaults",
-                                                            "ansi_null_dflt_off",
-                                                            "ansi_null_dflt_on",
-                                                            "ansi_nulls",
-                                                            "ansi_padding",
-                                                            "ansi_warnings",
-                                                            "arithabort",
-                                                            "arithignore",
-                                                            "concat_null_yields_null",
-                                                            "context_info",
-                                                            "cursor_close_on_commit",
-                                                            "datefirst",
-                                                            "dateformat",
-                                                            "deadlock_priority",
-                                                            "fips_flagger",
-                                                            "forceplan",
-                                                            "language",
-                                                            "lock_timeout",
-                                                            "numeric_roundabort",
-                                                            "offsets",
-                                                            "parseonly",
-                                                            "query_governor_cost_limit",
-                                                            "quoted_identifier",
-                                                            "remote_proc_transactions",
-                                                            "showplan_all",
-                                                            "showplan_text",
-                                                            "showplan_xml",
-                                                            "statistics",
-                                                            "transaction",
-                                                            "identity_insert",
-                                                            "procid",
-                                                            "disable_def_cnst_chk",
-                                                            "result",
-                                                            "no_browsetable",
-                                                            "textsize",
-                                                            "rowcount"};
+struct Switch {
+  std::string_view name;
+  bool SessionOptions::*value;
+};
+constexpr std::array kSwitches{
+    Switch{"nocount", &SessionOptions::no_count},
+    Switch{"fmtonly", &SessionOptions::format_only},
+    Switch{"implicit_transactions", &SessionOptions::implicit_transactions},
+};
+
+// Options that clients set and scripts begin with, but that change nothing here.
+constexpr std::string_view kAccepted =
+    " ansi_defaults ansi_null_dflt_on ansi_nulls ansi_padding ansi_warnings arithabort "
+    "concat_null_yields_null cursor_close_on_commit datefirst dateformat deadlock_priority "
+    "identity_insert language lock_timeout no_browsetable numeric_roundabort quoted_identifier "
+    "rowcount statistics textsize transaction ";
+// Options that may be switched off, as they are.
+constexpr std::string_view kAlwaysOff = " noexec parseonly showplan_text xact_abort ";
+
+bool IsAmong(std::string_view words, const std::string& word) {
+  return words.find(" " + word + " ") != std::string_view::npos;
+}
 
 bool IsOn(const SetOptionStatement& statement) {
   return statement.words.back() == "on";
@@ -72,31 +58,26 @@ void FlowRunner::SetIdentityInsert(const SetOptionStatement& statement) {
   state_.identity_insert = target;
 }
 
+void FlowRunner::SetRowLimit(const SetOptionStatement& statement) {
+  if (!statement.value) Raise(102, "rowcount");
+  const TypeInfo type = BigIntType();
+  const Value value = session_.Evaluate(*statement.value, &type);
+  const auto* limit = std::get_if<std::int64_t>(&value);
+  state_.options.row_limit = limit ? *limit : 0;
+}
+
 Flow FlowRunner::Run(const SetOptionStatement& statement) {
-  const auto number = [&]() -> std::int64_t {
-    if (!statement.value) return 0;
-    const TypeInfo type = BigIntType();
-    const Value value = session_.Evaluate(*statement.value, &type);
-    const auto* held = std::get_if<std::int64_t>(&value);
-    return held ? *held : 0;
-  };
   for (const std::string& word : statement.words) {
     if (word == "identity_insert") SetIdentityInsert(statement);
-    if (word == "nocount") state_.options.no_count = IsOn(statement);
-    if (word == "xact_abort") state_.options.xact_abort = IsOn(statement);
-    if (word == "fmtonly") state_.options.format_only = IsOn(statement);
-    if (word == "noexec") state_.options.no_execute = IsOn(statement);
-    if (word == "implicit_transactions") state_.options.implicit_transactions = IsOn(statement);
-    if (word == "rowcount") state_.options.row_limit = number();
-    if (word == "textsize") state_.options.text_size = static_cast<int>(number());
+    if (word == "rowcount") SetRowLimit(statement);
+    for (const Switch& each : kSwitches) {
+      if (each.name == word) state_.options.*each.value = IsOn(statement);
+    }
   }
-  static constexpr std::array<std::string_view, 5> kOwn{"nocount", "xact_abort", "fmtonly",
-                                                        "noexec", "implicit_transactions"};
   const std::string& first = statement.words.front();
-  const bool known = std::find(kAcceptedOptions.begin(), kAcceptedOptions.end(), first) !=
-                         kAcceptedOptions.end() ||
-                     std::find(kOwn.begin(), kOwn.end(), first) != kOwn.end();
-  if (!known) Raise(195, first);
+  const bool is_switch = std::ranges::find(kSwitches, first, &Switch::name) != kSwitches.end();
+  const bool stays_off = IsAmong(kAlwaysOff, first) && !IsOn(statement);
+  if (!is_switch && !stays_off && !IsAmong(kAccepted, first)) Raise(195, first);
   return Done();
 }
 

@@ -8,6 +8,7 @@
 #include "sandbox/values/convert.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kMaxNesting = 32;
@@ -185,7 +186,7 @@ void SqlSession::Report(const SqlError& error, int line, bool changes_rows) {
     if (message.severity > 10) state_.last_error = message.number;
     state_.batch.sink->Message(message);
   }
-  if (error.rolls_back || state_.options.xact_abort) RollbackAll(true);
+  if (error.rolls_back) RollbackAll(true);
   if (changes_rows && !error.ends_batch) {
     Message(3621, 0, 0, "The statement has been terminated.");
   }
@@ -260,7 +261,7 @@ void SqlSession::ExecuteWithParameters(std::string_view batch, std::span<Paramet
 void SqlSession::RunText(std::string_view batch, Variables variables, ResultSink& sink,
                          std::span<Parameter> outputs) {
   const BatchFrame frame(state_, std::move(variables), sink);
-  const bool ended = !RunParsed(batch, frame.IsOutermost());
+  const bool ended = !RunParsed(batch);
   if (frame.IsOutermost()) EndImplicit();
   for (Parameter& parameter : outputs) {
     if (parameter.output) {
@@ -271,13 +272,12 @@ void SqlSession::RunText(std::string_view batch, Variables variables, ResultSink
 }
 
 /// False when the batches around this one end with it.
-bool SqlSession::RunParsed(std::string_view batch, bool is_outermost) {
+bool SqlSession::RunParsed(std::string_view batch) {
   try {
     if (state_.nesting > kMaxNesting) Raise(191);
     Parser parser(batch);
     RunBlock(parser.ParseBatch());
   } catch (const SqlError& error) {
-    if (!is_outermost && state_.try_depth > 0) throw;
     Report(error, 1, false);
   } catch (const BatchEnded&) {
     return false;
@@ -316,7 +316,7 @@ std::vector<ColumnInfo> SqlSession::Describe(std::string_view batch,
     Parser parser(batch);
     for (const StatementPtr& statement : parser.ParseBatch()) {
       const auto* select = std::get_if<SelectStatement>(&statement->what);
-      if (!select || !select->query->selects.front().into.name.empty()) continue;
+      if (!select) continue;
       return Binder(*this).BindQuery(*select->query).columns;
     }
   } catch (const SqlError&) {
@@ -339,21 +339,18 @@ Flow SqlSession::RunBlock(const Block& block) {
 Flow SqlSession::RunStatement(const Statement& statement) {
   ThrowIfCancelled();
   state_.batch.line = statement.line;
-  if (state_.try_depth > 0) return Dispatch(statement);
   try {
     return Dispatch(statement);
   } catch (const SqlError& error) {
-    const bool ends = error.ends_batch || state_.options.xact_abort;
     Report(error, statement.line, ChangesRows(statement));
-    if (ends) throw BatchEnded();
+    if (error.ends_batch) throw BatchEnded();
     return Flow::Next;
   }
 }
 
 Flow SqlSession::Dispatch(const Statement& statement) {
   const SessionOptions& options = state_.options;
-  const bool only_shown = options.no_execute && !IsOneOf<SetOptionStatement>(statement);
-  if (only_shown || (options.format_only && ChangesRows(statement))) {
+  if (options.format_only && ChangesRows(statement)) {
     Done(std::nullopt);
     return Flow::Next;
   }

@@ -78,7 +78,7 @@ class SqlSession final : public EngineSession, public Session {
 
  private:
   DatabaseLink& OpenLink(const std::shared_ptr<DatabaseState>& state);
-  bool RunParsed(std::string_view batch, bool is_outermost);
+  bool RunParsed(std::string_view batch);
   Flow Dispatch(const Statement& statement);
   void Report(const SqlError& error, int line, bool changes_rows);
   void EndCancelled();

@@ -37,7 +37,6 @@ class QueryRunner : public StatementRunner {
   Flow Run(const SelectStatement& statement);
 
  private:
-  void SelectInto(const Select& select, const Query& query);
   void AssignVariables(const BoundQuery& query, const Binder& binder);
   void StreamQuery(const BoundQuery& query, const Binder& binder);
 };
@@ -64,17 +63,15 @@ class DefinitionRunner : public StatementRunner {
   Flow Run(const AlterTableStatement& statement);
   Flow Run(const CreateIndexStatement& statement);
   Flow Run(const AlterIndexStatement& statement);
-  Flow Run(const DropIndexStatement& statement);
   Flow Run(const CreateTypeStatement& statement);
-  Flow Run(const DropTypeStatement& statement);
   Flow Run(const DropTableStatement& statement);
   Flow Run(const CreateViewStatement& statement);
   Flow Run(const PrincipalStatement& statement);
 
  private:
-  void ChangeSchema(const PrincipalStatement& statement);
-  void ChangeLogin(const PrincipalStatement& statement);
-  void ChangeUser(const PrincipalStatement& statement);
+  void CreateSchema(const PrincipalStatement& statement);
+  void CreateLogin(const PrincipalStatement& statement);
+  void CreateUser(const PrincipalStatement& statement);
 };
 
 /// Variables, options, control of flow, messages, transactions (execute_flow.cpp,
@@ -90,7 +87,6 @@ class FlowRunner : public StatementRunner {
   Flow Run(const IfStatement& statement);
   Flow Run(const WhileStatement& statement);
   Flow Run(const BlockStatement& statement);
-  Flow Run(const TryStatement& statement);
   Flow Run(const JumpStatement& statement);
   Flow Run(const PrintStatement& statement);
   Flow Run(const RaiseStatement& statement);
@@ -101,6 +97,7 @@ class FlowRunner : public StatementRunner {
   bool Holds(const Expr& condition);
   ServerMessage Raised(const RaiseStatement& statement);
   void SetIdentityInsert(const SetOptionStatement& statement);
+  void SetRowLimit(const SetOptionStatement& statement);
 };
 
 /// EXECUTE, and procedures called by the client (execute_procedure.cpp).
@@ -111,9 +108,6 @@ class ProcedureRunner : public StatementRunner {
   /// The procedure's arguments by position or name; what it writes to goes back. Returns its
   /// status.
   int Call(const ObjectName& name, std::span<Parameter> arguments);
-
- private:
-  void ExecuteSql(std::span<Parameter> arguments);
 };
 
 /// All families.

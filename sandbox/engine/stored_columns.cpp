@@ -9,6 +9,7 @@
 #include "sandbox/parser/parser.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::array<std::string_view, 6> kClocks{"getdate",           "getutcdate",
@@ -16,7 +17,7 @@ constexpr std::array<std::string_view, 6> kClocks{"getdate",           "getutcda
                                                   "sysdatetimeoffset", "current_timestamp"};
 constexpr std::array<std::string_view, 3> kRandom{"newid", "newsequentialid", "rand"};
 
-template <class Range>
+template <typename Range>
 bool Contains(const Range& range, std::string_view name) {
   return std::find(range.begin(), range.end(), name) != range.end();
 }

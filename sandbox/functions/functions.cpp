@@ -1,7 +1,6 @@
 #include "sandbox/functions/functions.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -14,10 +13,11 @@
 #include "sandbox/values/ticks.h"
 
 namespace sandbox {
+
 namespace {
 
 // Runs `body` so that what it raises waits in the host for the failing step.
-template <class Body>
+template <typename Body>
 void Guarded(sqlite3_context* context, Body body) {
   auto& host = *static_cast<FunctionHost*>(sqlite3_user_data(context));
   try {
@@ -51,7 +51,7 @@ void CallFunction(sqlite3_context* context, int count, sqlite3_value** args) {
     for (int i = 2; i + 1 < count; i += 2) {
       types.push_back(TypeArgument(args[i]));
       values.push_back(ReadArgument(args[i + 1], types.back()));
-      const bool null = std::holds_alternative<std::monostate>(values.back());
+      const bool null = IsNull(values.back());
       if (null && !function.takes_null) return sqlite3_result_null(context);
     }
     ReturnValue(context, function.evaluate({values, types, result}), result);
@@ -72,16 +72,10 @@ void SessionFunction(sqlite3_context* context, int count, sqlite3_value** args) 
 }
 
 void ConvertFunction(sqlite3_context* context, int, sqlite3_value** args) {
-  const bool forgiving = sqlite3_value_int(args[3]) != 0;
   Guarded(context, [&] {
     const TypeInfo from = TypeArgument(args[0]), to = TypeArgument(args[1]);
-    try {
-      const Value value = ReadArgument(args[4], from);
-      ReturnValue(context, Convert(value, from, to, sqlite3_value_int(args[2])), to);
-    } catch (const SqlError&) {
-      if (!forgiving) throw;
-      sqlite3_result_null(context);
-    }
+    const Value value = ReadArgument(args[3], from);
+    ReturnValue(context, Convert(value, from, to, sqlite3_value_int(args[2])), to);
   });
 }
 
@@ -168,7 +162,7 @@ void MathFunction(sqlite3_context* context, int, sqlite3_value** args) {
     const TypeInfo left = TypeArgument(args[1]), right = TypeArgument(args[2]);
     const TypeInfo result = TypeArgument(args[3]);
     const Value a = ReadArgument(args[4], left), b = ReadArgument(args[5], right);
-    const auto null = [](const Value& value) { return value.index() == 0; };
+    const auto null = [](const Value& value) { return IsNull(value); };
     if (null(a) || null(b)) return sqlite3_result_null(context);
     ReturnValue(context, Compute(op, left, result, a, b), result);
   });
@@ -219,7 +213,7 @@ void SumStep(sqlite3_context* context, int, sqlite3_value** args) {
   sum->type = sqlite3_value_int64(args[0]);
   const TypeInfo type = UnpackType(sum->type);
   const Value value = ReadArgument(args[1], type);
-  if (value.index() == 0) return;
+  if (IsNull(value)) return;
   ++sum->count;
   if (const auto* real = std::get_if<double>(&value)) {
     sum->real += *real;
@@ -307,7 +301,7 @@ void RegisterFunctions(sqlite3* connection, FunctionHost& host) {
   for (const auto& [prefix, flags] : {std::pair("tsql_", 0), {"fixed_", SQLITE_DETERMINISTIC}}) {
     const std::string name = prefix;
     scalar(name + "call", -1, flags, CallFunction);
-    scalar(name + "convert", 5, flags, ConvertFunction);
+    scalar(name + "convert", 4, flags, ConvertFunction);
     scalar(name + "math", 6, flags, MathFunction);
     for (const int args : {2, 3}) {
       scalar(name + "like", args, flags, LikeFunction<false>);

@@ -50,19 +50,17 @@ std::optional<std::string_view> DateUnit(std::string_view word);
 /// Makes the language's functions known to SQLite. What a table's definition in storage uses has
 /// the prefix "fixed_", which promises that equal arguments give equal results, and names scalar
 /// functions instead of their positions.
-///   tsql_call(position, result type, type, value, ...)
-///   tsql_session(name, result type, type, value, ...)
-///   tsql_convert(from, to, style, try, value)   tsql_store as ConvertToStore, without style and
-///   try tsql_math(operator, operand type, result type, left, right) tsql_like(text, pattern[,
-///   escape]) tsql_sum, tsql_avg (type, value)            tsql_one(value): 512 on a second row
+/// - tsql_call(position, result type, type, value, ...)
+/// - tsql_session(name, result type, type, value, ...)
+/// - tsql_convert(from, to, style, value)
+/// - tsql_math(operator, left type, right type, result type, left, right)
+/// - tsql_like(text, pattern[, escape])
+/// - tsql_sum(type, value), tsql_avg(type, value)
+/// - tsql_one(value): 512 on a second row
 void RegisterFunctions(sqlite3* connection, FunctionHost& host);
 
 /// Matches LIKE's wildcards % _ [], without regard to case unless told to.
 bool MatchesPattern(std::string_view text, std::string_view pattern, char32_t escape = 0,
                     bool with_case = false);
-
-/// Adds `count` units to a time, as dateadd does.
-Value AddToDate(std::string_view unit, std::int64_t count, const DateTimeValue& value,
-                const TypeInfo& type);
 
 }  // namespace sandbox

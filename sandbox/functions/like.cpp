@@ -3,6 +3,7 @@
 #include "sandbox/text/utf8.h"
 
 namespace sandbox {
+
 namespace {
 
 // One step of a pattern: what it matches, and the pattern behind it.

@@ -3,7 +3,6 @@
 #include <array>
 #include <random>
 
-#include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
 #include "sandbox/values/type_rules.h"
 
@@ -16,10 +15,6 @@ std::string Text(Call call, std::size_t i) {
 
 std::int64_t Integer(Call call, std::size_t i) {
   return std::get<std::int64_t>(Convert(call.values[i], call.types[i], BigIntType()));
-}
-
-double Real(Call call, std::size_t i) {
-  return std::get<double>(Convert(call.values[i], call.types[i], FloatType()));
 }
 
 TypeInfo ReturnInt(Types) {
@@ -50,18 +45,7 @@ Value NewId(Call) {
   return guid;
 }
 
-Value Checksum(Call call) {
-  std::uint32_t hash = 2166136261u;
-  for (std::size_t i = 0; i < call.values.size(); ++i) {
-    for (const char c : LowerText(ValueText(call.values[i], call.types[i]))) {
-      hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
-    }
-  }
-  return std::int64_t{static_cast<std::int32_t>(hash)};
-}
-
 const std::array kOtherFunctions{
-    ScalarFunction{"checksum", 1, 60, ReturnInt, Checksum, true},
     ScalarFunction{"newid", 0, 0, ReturnGuid, NewId},
     ScalarFunction{"newsequentialid", 0, 0, ReturnGuid, NewId},
 };

@@ -20,10 +20,9 @@ using Call = const FunctionCall&;
 
 constexpr TypeInfo kLongText{SqlType::NVarChar, -1, 0, 0};
 
-/// An argument as text, a whole number or a float; it must not be NULL.
+/// An argument as text or a whole number; it must not be NULL.
 std::string Text(Call call, std::size_t i);
 std::int64_t Integer(Call call, std::size_t i);
-double Real(Call call, std::size_t i);
 
 TypeInfo ReturnInt(Types types);
 /// Without the blanks at its end.

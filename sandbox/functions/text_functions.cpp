@@ -10,6 +10,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 using namespace scalar;
@@ -96,33 +97,6 @@ Value Replace(Call call) {
   return result.append(text, at, std::string::npos);
 }
 
-Value CharIndex(Call call) {
-  const std::string what = LowerText(Text(call, 0)), text = LowerText(Text(call, 1));
-  std::size_t from = 0;
-  if (call.values.size() > 2) {
-    const std::int64_t start = std::max<std::int64_t>(1, Integer(call, 2));
-    from = Prefix(text, static_cast<std::size_t>(start - 1), true).size();
-  }
-  const std::size_t found = what.empty() ? std::string::npos : text.find(what, from);
-  if (found == std::string::npos) return std::int64_t{0};
-  return static_cast<std::int64_t>(Utf16Length(std::string_view(text).substr(0, found))) + 1;
-}
-
-Value PatIndex(Call call) {
-  std::string pattern = Text(call, 0);
-  const std::string text = Text(call, 1);
-  const bool anywhere = !pattern.empty() && pattern.front() == '%';
-  if (anywhere) pattern.erase(0, 1);
-  std::string_view rest = text;
-  std::int64_t position = 1;
-  while (true) {
-    if (MatchesPattern(rest, pattern)) return position;
-    if (rest.empty() || !anywhere) return std::int64_t{0};
-    NextCodePoint(rest);
-    ++position;
-  }
-}
-
 Value Replicate(Call call) {
   const std::string text = Text(call, 0);
   const std::int64_t count = Integer(call, 1);
@@ -134,17 +108,6 @@ Value Replicate(Call call) {
   std::string result;
   result.reserve(text.size() * static_cast<std::size_t>(std::min(count, limit)));
   for (std::int64_t i = 0; i < std::min(count, limit); ++i) result += text;
-  return result;
-}
-
-Value Reverse(Call call) {
-  const std::string text = Text(call, 0);
-  std::string result;
-  for (std::string_view rest = text; !rest.empty();) {
-    std::string one;
-    AppendUtf8(one, NextCodePoint(rest));
-    result.insert(0, one);
-  }
   return result;
 }
 
@@ -183,51 +146,12 @@ Value WideCharacter(Call call) {
   return text;
 }
 
-Value CodeOf(Call call) {
-  const std::string text = Text(call, 0);
-  if (text.empty()) return std::monostate();
-  std::string_view rest = text;
-  const bool wide = std::string_view(Text(call, 0)).size() && IsUnicode(call.types[0].type);
-  if (wide) return static_cast<std::int64_t>(NextCodePoint(rest));
-  return std::int64_t{static_cast<unsigned char>(ToCodePage(text)[0])};
-}
-
-Value QuoteName(Call call) {
-  std::string text = "[";
-  for (const char c : Text(call, 0)) text.append(c == ']' ? 2 : 1, c);
-  return text + "]";
-}
-
-Value Concat(Call call) {
-  std::string text;
-  for (std::size_t i = 0; i < call.values.size(); ++i) {
-    if (call.values[i].index() != 0) text += Text(call, i);
-  }
-  return text;
-}
-
-Value Stuff(Call call) {
-  const std::string text = Text(call, 0);
-  const std::int64_t start = Integer(call, 1), length = Integer(call, 2);
-  const auto size = static_cast<std::int64_t>(Utf16Length(text));
-  if (start < 1 || start > size || length < 0) return std::monostate();
-  return Slice(text, 1, start - 1, true) + Text(call, 3) +
-         Slice(text, start + length, INT32_MAX, true);
-}
-
 const std::array kFunctions{
-    ScalarFunction{"ascii", 1, 1, ReturnInt, CodeOf},
     ScalarFunction{"char", 1, 1,
                    [](Types) {
                      return TypeInfo{SqlType::Char, 1, 0, 0};
                    },
                    Character},
-    ScalarFunction{"charindex", 2, 3, ReturnInt, CharIndex},
-    ScalarFunction{"concat", 2, 60,
-                   [](Types) {
-                     return TypeInfo{SqlType::NVarChar, 4000, 0, 0};
-                   },
-                   Concat, true},
     ScalarFunction{"datalength", 1, 1, ReturnInt, DataLength},
     ScalarFunction{"left", 2, 2, ReturnText, Left},
     ScalarFunction{"len", 1, 1, ReturnInt, Length},
@@ -239,36 +163,12 @@ const std::array kFunctions{
                      return TypeInfo{SqlType::NChar, 1, 0, 0};
                    },
                    WideCharacter},
-    ScalarFunction{"patindex", 2, 2, ReturnInt, PatIndex},
-    ScalarFunction{"quotename", 1, 2, [](Types) { return NVarChar(258); }, QuoteName},
     ScalarFunction{"replace", 3, 3, ReturnLongest, Replace},
     ScalarFunction{"replicate", 2, 2, ReturnLongest, Replicate},
-    ScalarFunction{"reverse", 1, 1, ReturnText, Reverse},
     ScalarFunction{"right", 2, 2, ReturnText, Right},
     ScalarFunction{"rtrim", 1, 1, ReturnText,
                    [](Call c) -> Value { return TrimRight(Text(c, 0)); }},
-    ScalarFunction{"space", 1, 1, ReturnLongest,
-                   [](Call c) -> Value {
-                     return std::string(
-                         static_cast<std::size_t>(std::clamp<std::int64_t>(Integer(c, 0), 0, 8000)),
-                         ' ');
-                   }},
-    ScalarFunction{"str", 1, 3,
-                   [](Types) {
-                     return TypeInfo{SqlType::VarChar, 40, 0, 0};
-                   },
-                   [](Call c) -> Value {
-                     const std::int64_t width =
-                         c.values.size() > 1 ? std::clamp<std::int64_t>(Integer(c, 1), 0, 40) : 10;
-                     const std::int64_t digits =
-                         c.values.size() > 2 ? std::clamp<std::int64_t>(Integer(c, 2), 0, 16) : 0;
-                     return fmt::format("{:>{}.{}f}", Real(c, 0), width, digits);
-                   }},
-    ScalarFunction{"stuff", 4, 4, ReturnLongest, Stuff},
     ScalarFunction{"substring", 3, 3, ReturnSubstring, Substring},
-    ScalarFunction{"trim", 1, 1, ReturnText,
-                   [](Call c) -> Value { return TrimLeft(TrimRight(Text(c, 0))); }},
-    ScalarFunction{"unicode", 1, 1, ReturnInt, CodeOf},
     ScalarFunction{"upper", 1, 1, ReturnText,
                    [](Call c) -> Value { return UpperText(Text(c, 0)); }},
 };

@@ -38,24 +38,22 @@ struct Literal {
 };
 
 enum class ExprKind {
-  Literal,     // literal
-  Column,      // name parts in `parts`, the column last
-  Star,        // parts: the table before ".*", may be empty
-  Variable,    // text: "@x" or "@@x"
-  Unary,       // text: "-", "+", "~", "not"
-  Binary,      // text: arithmetic, comparison, "and", "or"
-  IsNull,      // negated
-  In,          // args[0] in args[1..] or query; negated
-  Between,     // args: value, low, high; negated
-  Like,        // args: text, pattern[, escape]; negated
-  Exists,      // query
-  Quantified,  // args[0] text (comparison) any/all query; negated: all
-  Subquery,    // query
-  Case,        // args: [operand,] when, then..., [else]; flags below
-  Function,    // text: lower-case name; args; distinct, star
-  Collate,     // args[0]; text: the collation
-  Cast,        // type; args[0], args[1] the style; text: "cast", "convert", "try_..."
-  Window,      // a ranking function: text; partition and order below
+  Literal,   // literal
+  Column,    // name parts in `parts`, the column last
+  Star,      // parts: the table before ".*", may be empty
+  Variable,  // text: "@x" or "@@x"
+  Unary,     // text: "-", "+", "~", "not"
+  Binary,    // text: arithmetic, comparison, "and", "or"
+  IsNull,    // negated
+  In,        // args[0] in args[1..] or query; negated
+  Between,   // args: value, low, high; negated
+  Like,      // args: text, pattern[, escape]; negated
+  Exists,    // query
+  Subquery,  // query
+  Case,      // args: [operand,] when, then..., [else]; flags below
+  Function,  // text: lower-case name; args; distinct, star
+  Collate,   // args[0]; text: the collation
+  Cast,      // type; args[0], args[1] the style; text: "cast", "convert"
 };
 
 struct OrderItem {
@@ -76,15 +74,13 @@ struct Expr {
   bool distinct = false;
   bool has_operand = false;  // Case: "case x when ..."
   bool has_else = false;
-  std::vector<ExprPtr> partition;
-  std::vector<OrderItem> order;
 };
 
 enum class JoinKind { Inner, Left, Right, Full, Cross };
 
 struct FromItem {
   JoinKind join = JoinKind::Cross;  // how it joins what stands before it
-  ObjectName name;                  // a table, view or common table expression,
+  ObjectName name;                  // a table or view,
   QueryPtr query;                   // or a derived table,
   std::vector<FromItem> group;      // or joins in parentheses
   std::string alias;
@@ -102,32 +98,20 @@ struct SelectItem {
 struct Select {
   bool distinct = false;
   ExprPtr top;
-  bool top_percent = false;
-  bool with_ties = false;
   std::vector<SelectItem> items;
-  ObjectName into;
   std::vector<FromItem> from;
   ExprPtr where;
   std::vector<ExprPtr> group_by;
   ExprPtr having;
-  std::vector<std::vector<ExprPtr>> values;  // a table value constructor instead of all above
 };
 
 enum class SetOperator { Union, UnionAll, Except, Intersect };
 
-struct CommonTable {
-  std::string name;
-  std::vector<std::string> columns;
-  QueryPtr query;
-};
-
 /// selects[0], then each further select with the operator in front of it.
 struct Query {
-  std::vector<CommonTable> with;
   std::vector<Select> selects;
   std::vector<SetOperator> operators;
   std::vector<OrderItem> order;
-  ExprPtr offset, fetch;
   int line = 1;
 };
 
@@ -181,24 +165,19 @@ struct SelectStatement {
   QueryPtr query;
 };
 
-struct InsertCell {
-  std::variant<std::monostate, LiteralText, ExprPtr> value;  // monostate: DEFAULT
-};
-
 struct InsertStatement {
   ObjectName table;
   std::vector<std::string> columns;
   bool default_values = false;
-  std::vector<InsertCell> cells;  // row after row
-  std::size_t width = 0;          // cells in the first row
+  std::vector<ExprPtr> cells;  // row after row; null: DEFAULT
+  std::size_t width = 0;       // cells in the first row
   std::size_t rows = 0;
   QueryPtr query;
-  StatementPtr execute;
 };
 
 struct Assignment {
-  std::string column, variable;
-  ExprPtr value;
+  std::string column;
+  ExprPtr value;  // null: DEFAULT
 };
 
 struct UpdateStatement {
@@ -206,14 +185,12 @@ struct UpdateStatement {
   std::vector<Assignment> assignments;
   std::vector<FromItem> from;
   ExprPtr where;
-  ExprPtr top;
 };
 
 struct DeleteStatement {
   ObjectName table;
   std::vector<FromItem> from;
   ExprPtr where;
-  ExprPtr top;
 };
 
 struct TruncateStatement {
@@ -244,7 +221,7 @@ struct InsertBulkStatement {
 };
 
 struct AlterTableStatement {
-  enum class Action { Add, DropConstraint, DropColumn, AlterColumn, Check, NoCheck, Nothing };
+  enum class Action { Add, DropConstraint, Check, NoCheck };
   ObjectName table;
   Action action = Action::Add;
   std::vector<ColumnSyntax> columns;
@@ -272,11 +249,6 @@ struct AlterIndexStatement {
   bool disables = false;  // else it is made anew
 };
 
-struct DropIndexStatement {
-  std::string name;
-  ObjectName table;
-  bool if_exists = false;
-};
 struct DropTableStatement {
   std::vector<ObjectName> tables;
   bool if_exists = false;
@@ -289,12 +261,10 @@ struct CreateViewStatement {
   std::string text;
 };
 
-/// CREATE, ALTER or DROP of a schema, login or user.
+/// CREATE of a schema, login or user.
 struct PrincipalStatement {
-  enum class Action { Create, Alter, Drop } action = Action::Create;
   enum class Kind { Schema, Login, User } kind = Kind::Schema;
   std::string name;
-  bool if_exists = false;
   std::string owner;                          // of a schema; empty: who creates it
   std::optional<std::string> password;        // of a login
   std::optional<std::string> login;           // of a user; empty: without login
@@ -305,10 +275,6 @@ struct CreateTypeStatement {
   ObjectName name;
   TypeInfo type;
   bool nullable = true;
-};
-struct DropTypeStatement {
-  ObjectName name;
-  bool if_exists = false;
 };
 
 struct DeclareItem {
@@ -340,9 +306,6 @@ struct WhileStatement {
 struct BlockStatement {
   Block body;
 };
-struct TryStatement {
-  Block body, handler;
-};
 struct JumpStatement {
   enum class Kind { Break, Continue, Return } kind;
   ExprPtr value;
@@ -352,7 +315,6 @@ struct PrintStatement {
 };
 struct RaiseStatement {
   std::vector<ExprPtr> args;
-  bool is_throw = false;
 };
 struct WaitStatement {
   ExprPtr delay;
@@ -366,8 +328,7 @@ struct ReseedStatement {
 };
 
 struct TransactionStatement {
-  enum class Kind { Begin, Commit, Rollback, Save } kind;
-  std::string name;
+  enum class Kind { Begin, Commit, Rollback } kind;
 };
 
 struct ExecuteArgument {
@@ -379,7 +340,6 @@ struct ExecuteStatement {
   ObjectName procedure;
   std::vector<ExecuteArgument> arguments;
   std::string status_variable;
-  ExprPtr text;  // exec ('...')
 };
 
 struct Statement {
@@ -387,11 +347,10 @@ struct Statement {
   std::variant<NothingStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement,
                TruncateStatement, ReseedStatement, CreateDatabaseStatement, DropDatabaseStatement,
                UseStatement, CreateTableStatement, AlterTableStatement, CreateIndexStatement,
-               AlterIndexStatement, CreateTypeStatement, DropTypeStatement, DropIndexStatement,
-               DropTableStatement, CreateViewStatement, PrincipalStatement, DeclareStatement,
-               SetVariableStatement, SetOptionStatement, IfStatement, WhileStatement,
-               BlockStatement, TryStatement, JumpStatement, PrintStatement, RaiseStatement,
-               WaitStatement, TransactionStatement, ExecuteStatement>
+               AlterIndexStatement, CreateTypeStatement, DropTableStatement, CreateViewStatement,
+               PrincipalStatement, DeclareStatement, SetVariableStatement, SetOptionStatement,
+               IfStatement, WhileStatement, BlockStatement, JumpStatement, PrintStatement,
+               RaiseStatement, WaitStatement, TransactionStatement, ExecuteStatement>
       what;
 };
 

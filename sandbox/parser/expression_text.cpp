@@ -2,6 +2,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 std::string Quoted(const std::string& text, bool unicode) {
@@ -98,9 +99,7 @@ std::string NormalisedText(const Expr& expr) {
       const std::size_t measure = type.find('(');
       const std::string name = type.substr(0, measure);
       type = "[" + name + "]" + (measure == std::string::npos ? "" : type.substr(measure));
-      const std::string word = expr.text.substr(0, 4) == "try_" ? "TRY_CAST(" : "CONVERT(";
-      if (word == "TRY_CAST(") return word + NormalisedText(*expr.args[0]) + " AS " + type + ")";
-      return word + type + "," + List(expr.args) + ")";
+      return "CONVERT(" + type + "," + List(expr.args) + ")";
     }
     case ExprKind::Function:
       return (expr.text == "current_timestamp" ? "getdate" : expr.text) + "(" + List(expr.args) +

@@ -6,6 +6,7 @@
 #include "sandbox/values/errors.h"
 
 namespace sandbox {
+
 namespace {
 
 // The symbols of two characters: what their second may follow.

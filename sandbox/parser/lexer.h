@@ -37,35 +37,12 @@ struct Token {
   bool IsName() const { return kind == TokenKind::Word || kind == TokenKind::Quoted; }
 };
 
-/// A literal as it stands in a text, which must outlive it.
-struct LiteralText {
-  TokenKind kind = TokenKind::Word;  // Word: NULL
-  bool negative = false;
-  bool escaped = false;
-  std::string_view text;
-
-  LiteralText(const Token& token, bool has_minus)
-      : kind(token.kind), negative(has_minus), escaped(token.escaped), text(token.text) {}
-  bool IsNull() const { return kind == TokenKind::Word; }
-};
-
 /// Cuts T-SQL text into tokens, one at a time. The text must outlive it.
 class Lexer {
  public:
   explicit Lexer(std::string_view text) : text_(text) {}
   /// Raises 105 for an open string, 113 for an open comment.
   void Read(Token& token);
-
-  /// A place between two tokens, to go back to.
-  struct Place {
-    std::size_t position = 0;
-    int line = 1;
-  };
-  Place Here() const { return {position_, line_}; }
-  void Return(const Place& place) {
-    position_ = place.position;
-    line_ = place.line;
-  }
 
  private:
   void SkipBlanks();

@@ -8,12 +8,13 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kMaxDigits = 38;
 
-Literal TextLiteral(const LiteralText& literal, bool unicode) {
-  std::string text = literal.escaped ? Unquote(literal.text, '\'') : std::string(literal.text);
+Literal TextLiteral(const Token& token, bool unicode) {
+  std::string text = token.escaped ? Unquote(token.text, '\'') : std::string(token.text);
   if (!unicode) text = KeepCodePage(text);
   const TypeInfo type = unicode ? NVarChar(Utf16Length(text)) : VarChar(CodePointCount(text));
   return {std::move(text), type, false};
@@ -63,9 +64,16 @@ Literal FloatLiteral(std::string_view text, bool negative) {
   return {negative ? -value : value, FloatType(), false};
 }
 
+// An odd digit is the first byte's.
 Literal HexLiteral(std::string_view text) {
-  std::string bytes;
-  AppendHexBytes(text, bytes);
+  const std::string_view digits = text.substr(2);
+  std::string bytes((digits.size() + 1) / 2, '\0');
+  char* to = bytes.data();
+  const char* from = digits.data();
+  if (digits.size() % 2 == 1) *to++ = static_cast<char>(HexDigit(*from++));
+  for (const char* const end = digits.data() + digits.size(); from != end; from += 2) {
+    *to++ = static_cast<char>(HexDigit(from[0]) << 4 | HexDigit(from[1]));
+  }
   const TypeInfo type = VarBinary(bytes.size());
   return {BinaryValue{std::move(bytes)}, type, false};
 }
@@ -100,35 +108,22 @@ bool IsNumberToken(const Token& token) {
   return token.kind >= TokenKind::Integer && token.kind <= TokenKind::Money;
 }
 
-void AppendHexBytes(std::string_view literal, std::string& bytes) {
-  const std::string_view digits = literal.substr(2);
-  const std::size_t start = bytes.size();
-  bytes.resize(start + (digits.size() + 1) / 2);
-  char* to = bytes.data() + start;
-  const char* from = digits.data();
-  const char* const end = from + digits.size();
-  if (digits.size() % 2 == 1) *to++ = static_cast<char>(HexDigit(*from++));
-  for (; from != end; from += 2) {
-    *to++ = static_cast<char>(HexDigit(from[0]) << 4 | HexDigit(from[1]));
-  }
-}
-
-Literal ParseLiteral(const LiteralText& literal) {
-  switch (literal.kind) {
+Literal ParseLiteral(const Token& token, bool negative) {
+  switch (token.kind) {
     case TokenKind::String:
-      return TextLiteral(literal, false);
+      return TextLiteral(token, false);
     case TokenKind::NString:
-      return TextLiteral(literal, true);
+      return TextLiteral(token, true);
     case TokenKind::Integer:
-      return IntegerLiteral(literal.text, literal.negative);
+      return IntegerLiteral(token.text, negative);
     case TokenKind::Decimal:
-      return ExactLiteral(literal.text, literal.negative);
+      return ExactLiteral(token.text, negative);
     case TokenKind::Float:
-      return FloatLiteral(literal.text, literal.negative);
+      return FloatLiteral(token.text, negative);
     case TokenKind::Money:
-      return MoneyLiteral(literal.text, literal.negative);
+      return MoneyLiteral(token.text, negative);
     case TokenKind::Hex:
-      return HexLiteral(literal.text);
+      return HexLiteral(token.text);
     default:
       return {std::monostate(), IntType(), true};
   }

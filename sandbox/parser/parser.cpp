@@ -9,113 +9,33 @@
 #include "sandbox/values/errors.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::size_t kMaxNameLength = 128;
 constexpr int kMaxDepth = 200;
 
-const std::unordered_set<std::string_view> kReserved{"add",
-                                                     "all",
-                                                     "alter",
-                                                     "and",
-                                                     "any",
-                                                     "as",
-                                                     "asc",
-                                                     "begin",
-                                                     "between",
-                                                     "break",
-                                                     "by",
-                                                     "cascade",
-                                                     "case",
-                                                     "check",
-                                                     "close",
-                                                     "clustered",
-                                                     "coalesce",
-                                                     "collate",
-                                                     "column",
-                                                     "commit",
-                                                     "constraint",
-                                                     "continue",
-                                                     "convert",
-                                                     "create",
-                                                     "cross",
-                                                     "current_timestamp",
-                                                     "database",
-                                                     "declare",
-                                                     "default",
-                                                     "delete",
-                                                     "desc",
-                                                     "distinct",
-                                                     "drop",
-                                                     "else",
-                                                     "end",
-                                                     "escape",
-                                                     "except",
-                                                     "exec",
-                                                     "execute",
-                                                     "exists",
-                                                     "fetch",
-                                                     "for",
-                                                     "foreign",
-                                                     "from",
-                                                     "full",
-                                                     "goto",
-                                                     "group",
-                                                     "having",
-                                                     "holdlock",
-                                                     "identity",
-                                                     "identity_insert",
-                                                     "if",
-                                                     "in",
-                                                     "index",
-                                                     "inner",
-                                                     "insert",
-                                                     "intersect",
-                                                     "into",
-                                                     "is",
-                                                     "join",
-                                                     "key",
-                                                     "left",
-                                                     "like",
-                                                     "nocheck",
-                                                     "nonclustered",
-                                                     "not",
-                                                     "null",
-                                                     "nullif",
-                                                     "of",
-                                                     "on",
-                                                     "option",
-                                                     "or",
-                                                     "order",
-                                                     "outer",
-                                                     "over",
-                                                     "percent",
-                                                     "primary",
-                                                     "print",
-                                                     "procedure",
-                                                     "raiserror",
-                                                     "references",
-                                                     "return",
-                                                     "right",
-                                                     "rollback",
-                                                     "save",
-                                                     "select",
-                                                     "set",
-                                                     "table",
-                                                     "then",
-                                                     "top",
-                                                     "truncate",
-                                                     "union",
-                                                     "unique",
-                                                     "update",
-                                                     "use",
-                                                     "values",
-                                                     "view",
-                                                     "waitfor",
-                                                     "when",
-                                                     "where",
-                                                     "while",
-                                                     "with"};
+constexpr std::string_view kReservedWords =
+    " "
+    "add all alter and any as asc begin between break by cascade case check close clustered "
+    "coalesce collate column commit constraint continue convert create cross current_timestamp "
+    "database declare default delete desc distinct drop else end escape except exec execute "
+    "exists fetch for foreign from full goto group having holdlock identity identity_insert if in "
+    "index inner insert intersect into is join key left like nocheck nonclustered not null nullif "
+    "of on option or order outer over percent primary print procedure raiserror references return "
+    "right rollback save select set table then top truncate union unique update use values view "
+    "waitfor when where while with ";
+
+// The words between the blanks of a text.
+std::unordered_set<std::string_view> Words(std::string_view text) {
+  std::unordered_set<std::string_view> words;
+  for (std::size_t end = 0; text.size() > 1; text.remove_prefix(end)) {
+    end = text.find(' ', 1);
+    words.insert(text.substr(1, end - 1));
+  }
+  return words;
+}
+
 constexpr std::size_t kLongestReserved = 20;
 
 }  // namespace
@@ -131,7 +51,8 @@ bool IsReserved(const Token& token) {
   std::array<char, kLongestReserved> lower;
   std::transform(token.text.begin(), token.text.end(), lower.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return kReserved.count({lower.data(), token.text.size()}) > 0;
+  static const std::unordered_set<std::string_view> kReserved = Words(kReservedWords);
+  return kReserved.contains({lower.data(), token.text.size()});
 }
 
 Parser::DepthGuard::DepthGuard(Parser& parser) : depth(parser.depth_) {
@@ -145,19 +66,13 @@ Parser::Parser(std::string_view text) : text_(text), lexer_(text) {
 
 const Token& Parser::PeekSecond() {
   if (!second_) {
-    before_second_ = lexer_.Here();
     lexer_.Read(second_.emplace());
   }
   return *second_;
 }
 
 void Parser::Advance() {
-  if (!second_) {
-    before_token_ = lexer_.Here();
-    lexer_.Read(token_);
-    return;
-  }
-  before_token_ = before_second_;
+  if (!second_) return lexer_.Read(token_);
   token_ = *second_;
   second_.reset();
 }
@@ -282,10 +197,10 @@ Block Parser::ParseBatch() {
     if (AcceptSymbol(";")) continue;
     // A batch may begin with a procedure's name alone.
     const bool call = block.empty() && token_.IsName() && !IsReserved(token_) &&
-                      !token_.Is("merge") && !token_.Is("throw") && !token_.Is("deny") &&
-                      !token_.Is("grant") && !token_.Is("revoke") && !token_.Is("dbcc") &&
-                      !token_.Is("backup") && !token_.Is("dump") && !token_.Is("checkpoint") &&
-                      !token_.Is("tran") && !PeekSecond().IsSymbol(":");
+                      !token_.Is("merge") && !token_.Is("deny") && !token_.Is("grant") &&
+                      !token_.Is("revoke") && !token_.Is("dbcc") && !token_.Is("backup") &&
+                      !token_.Is("dump") && !token_.Is("checkpoint") && !token_.Is("tran") &&
+                      !PeekSecond().IsSymbol(":");
     if (call) {
       auto statement = std::make_unique<Statement>();
       const int line = token_.line;
@@ -309,23 +224,6 @@ ObjectName Parser::ParseNameText() {
   ObjectName name = TakeObjectName();
   if (token_.kind != TokenKind::End) Fail();
   return name;
-}
-
-std::vector<DeclareItem> Parser::ParseParameterList() {
-  std::vector<DeclareItem> items;
-  if (token_.kind == TokenKind::End) return items;
-  do {
-    if (token_.kind != TokenKind::Variable) Fail();
-    DeclareItem item;
-    item.name = std::string(Take().text);
-    Accept("as");
-    item.type = ParseType(static_cast<int>(items.size()) + 1, item.name);
-    if (AcceptSymbol("=")) item.value = ParseExpr();
-    if (!Accept("output")) Accept("out");
-    items.push_back(std::move(item));
-  } while (AcceptSymbol(","));
-  if (token_.kind != TokenKind::End) Fail();
-  return items;
 }
 
 InsertBulkStatement Parser::ParseInsertBulk() {

@@ -12,8 +12,8 @@
 namespace sandbox {
 
 /// Reads T-SQL text into statements. Raises the server's syntax errors (102, 105, 156, ...), with
-/// the line in the message. The text must outlive the parser, and the rows of an INSERT that it
-/// returns; nothing else of what it returns looks at it.
+/// the line in the message. The text must outlive the parser; nothing of what it returns
+/// looks at it.
 class Parser {
  public:
   explicit Parser(std::string_view text);
@@ -22,8 +22,6 @@ class Parser {
   Block ParseBatch();
   /// The whole text as one condition or value, as a default or check is kept.
   ExprPtr ParseExpressionText();
-  /// "@a int, @b varchar(10) = null output", as sp_executesql declares its parameters.
-  std::vector<DeclareItem> ParseParameterList();
   /// "INSERT BULK t (a int, ...) with (...)": the table and its columns.
   InsertBulkStatement ParseInsertBulk();
   /// A name by itself: "dbo.[my table]".
@@ -50,7 +48,7 @@ class Parser {
 
   // statements (parser_statements.cpp)
   StatementPtr ParseStatement();
-  Block ParseUntilEnd(std::string_view second_word);
+  Block ParseUntilEnd();
   Statement ParseKeyword();
   Statement ParseIdle();
   Statement ParseBegin();
@@ -60,7 +58,7 @@ class Parser {
   Statement ParseWhile();
   Statement ParseExecute(bool without_keyword);
   Statement ParseTransaction(TransactionStatement::Kind kind);
-  Statement ParseRaise(bool is_throw);
+  Statement ParseRaise();
   Statement ParseJump(JumpStatement::Kind kind);
   Statement ParseWait();
   Statement ParseUse();
@@ -71,8 +69,6 @@ class Parser {
   Statement ParseUpdate();
   Statement ParseDelete();
   void ParseValuesRows(InsertStatement& insert);
-  InsertCell ParseCell();
-  bool TakeCellLiteral(InsertCell& cell);
 
   // definitions (parser_definitions.cpp)
   Statement ParseCreate();
@@ -99,7 +95,6 @@ class Parser {
 
   // drops and changes (parser_changes.cpp)
   Statement ParseDrop();
-  Statement ParseDropIndex(bool if_exists);
   Statement ParseAlter();
   void ParseAlterAdd(AlterTableStatement& alter);
   void ParseAlterDrop(AlterTableStatement& alter);
@@ -107,7 +102,7 @@ class Parser {
 
   // schemas, logins and users (parser_principals.cpp)
   bool AtPrincipal() const;
-  Statement ParsePrincipal(PrincipalStatement::Action action);
+  Statement ParsePrincipal();
   void ParsePrincipalOptions(PrincipalStatement& statement);
 
   // types, indexes and what is read over (parser_modules.cpp)
@@ -127,8 +122,6 @@ class Parser {
   void ParseJoins(std::vector<FromItem>& items);
   void SkipTableHints();
   std::vector<OrderItem> ParseOrderList();
-  std::vector<CommonTable> ParseWith();
-  std::vector<std::vector<ExprPtr>> ParseRowValues();
 
   // expressions (parser_expression.cpp)
   ExprPtr ParseExpr() { return ParseOr(); }
@@ -147,9 +140,8 @@ class Parser {
   ExprPtr ParseWord();
   ExprPtr ParseFunction(std::string name, int line);
   ExprPtr ParseCase();
-  ExprPtr ParseCast(const std::string& function);
-  ExprPtr ParseConvert(const std::string& function);
-  ExprPtr ParseOver(ExprPtr function);
+  ExprPtr ParseCast();
+  ExprPtr ParseConvert();
   ExprPtr NewExpr(ExprKind kind) const;
   std::vector<ExprPtr> ParseList();
 
@@ -164,17 +156,14 @@ class Parser {
   Lexer lexer_;
   Token token_;
   std::optional<Token> second_;  // the one behind it, if it was looked at
-  Lexer::Place before_token_, before_second_;
   int depth_ = 0;
 };
 
 bool IsLiteralToken(const Token& token);
 bool IsNumberToken(const Token& token);
-/// The literal's value and type. Raises 1007 for a number of more than 38 digits, 232 for a float
-/// out of range.
-Literal ParseLiteral(const LiteralText& literal);
-/// The bytes that a literal "0x..." stands for; an odd digit is the first byte's.
-void AppendHexBytes(std::string_view literal, std::string& bytes);
+/// The value and type of a literal, or of its negation. Raises 1007 for a number of more than 38
+/// digits, 232 for a float out of range.
+Literal ParseLiteral(const Token& token, bool negative = false);
 
 /// True for a word that can't be an alias or a name without quotes.
 bool IsReserved(const Token& token);

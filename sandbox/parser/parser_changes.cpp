@@ -17,14 +17,6 @@ Statement Parser::ParseDrop() {
     } while (AcceptSymbol(","));
     return {1, std::move(drop)};
   }
-  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Drop);
-  if (Accept("index")) return ParseDropIndex(if_exists());
-  if (Accept("type")) {
-    DropTypeStatement drop;
-    drop.if_exists = if_exists();
-    drop.name = TakeObjectName();
-    return {1, std::move(drop)};
-  }
   if (AtModule()) {
     Take();
     if_exists();
@@ -44,28 +36,12 @@ Statement Parser::ParseDrop() {
   return {1, std::move(drop)};
 }
 
-Statement Parser::ParseDropIndex(bool if_exists) {
-  DropIndexStatement drop;
-  drop.if_exists = if_exists;
-  const ObjectName name = TakeObjectName();
-  drop.name = name.name;
-  if (Accept("on")) {
-    drop.table = TakeObjectName();
-  } else {  // "drop index t.i"
-    drop.table.name = name.schema;
-    drop.table.schema = name.database;
-    if (name.schema.empty()) Fail();
-  }
-  return {1, std::move(drop)};
-}
-
 Statement Parser::ParseAlter() {
   Expect("alter");
   if (Accept("database")) {  // options of files and recovery change nothing here
     while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();
     return {1, NothingStatement()};
   }
-  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Alter);
   if (token_.Is("index")) return ParseAlterIndex();
   if (AtModule()) return SkipBatch();
   Expect("table");
@@ -79,23 +55,11 @@ Statement Parser::ParseAlter() {
     ParseAlterAdd(alter);
   } else if (Accept("drop")) {
     ParseAlterDrop(alter);
-  } else if (Accept("alter")) {
-    Expect("column");
-    alter.action = AlterTableStatement::Action::AlterColumn;
-    ColumnSyntax column;
-    column.column.name = TakeName();
-    column.column.type = ParseType(1, column.column.name, 1, &column.alias_type);
-    ParseColumnOptions(column, alter.constraints);
-    alter.columns.push_back(std::move(column));
   } else if (token_.Is("check") || token_.Is("nocheck")) {
     alter.action = token_.Is("check") ? AlterTableStatement::Action::Check
                                       : AlterTableStatement::Action::NoCheck;
     Take();
     alter.names = ParseConstraintNames();
-  } else if (Accept("enable") || Accept("disable")) {  // there are no triggers
-    Expect("trigger");
-    TakeName();
-    alter.action = AlterTableStatement::Action::Nothing;
   } else {
     Fail();
   }
@@ -125,11 +89,7 @@ void Parser::ParseAlterAdd(AlterTableStatement& alter) {
 
 void Parser::ParseAlterDrop(AlterTableStatement& alter) {
   alter.action = AlterTableStatement::Action::DropConstraint;
-  if (Accept("column")) {
-    alter.action = AlterTableStatement::Action::DropColumn;
-  } else {
-    Accept("constraint");
-  }
+  Accept("constraint");
   if (Accept("if")) {
     Expect("exists");
     alter.if_exists = true;

@@ -1,6 +1,4 @@
 #include "sandbox/parser/parser.h"
-#include "sandbox/values/errors.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
 
@@ -14,7 +12,7 @@ Statement Parser::ParseCreate() {
     while (token_.kind != TokenKind::End && !token_.IsSymbol(";")) Take();  // files, collation
     return {1, CreateDatabaseStatement{name}};
   }
-  if (AtPrincipal()) return ParsePrincipal(PrincipalStatement::Action::Create);
+  if (AtPrincipal()) return ParsePrincipal();
   if (token_.Is("table")) return ParseCreateTable();
   if (token_.Is("view")) return ParseCreateView(start);
   if (token_.Is("type")) return ParseCreateType();

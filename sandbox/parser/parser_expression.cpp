@@ -7,6 +7,7 @@
 #include "sandbox/values/errors.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kMaxChain = 900;   // operators in a row, which make a tree as deep
@@ -112,15 +113,6 @@ ExprPtr Parser::ParseComparison(ExprPtr left) {
   Take();
   expr->text = *symbol == "!=" ? "<>" : *symbol == "!<" ? ">=" : *symbol == "!>" ? "<=" : *symbol;
   expr->args.push_back(std::move(left));
-  if (token_.Is("all") || token_.Is("any") || token_.Is("some")) {
-    expr->kind = ExprKind::Quantified;
-    expr->negated = token_.Is("all");
-    Take();
-    ExpectSymbol("(");
-    expr->query = ParseQuery();
-    ExpectSymbol(")");
-    return expr;
-  }
   expr->args.push_back(ParseSum());
   return expr;
 }
@@ -143,7 +135,7 @@ ExprPtr Parser::ParseAfterOperand(ExprPtr left, bool negated) {
   if (token_.Is("in")) {
     ExprPtr expr = start(ExprKind::In);
     ExpectSymbol("(");
-    if (token_.Is("select") || token_.Is("with")) {
+    if (token_.Is("select")) {
       expr->query = ParseQuery();
     } else {
       for (ExprPtr& item : ParseList()) expr->args.push_back(std::move(item));
@@ -210,7 +202,7 @@ ExprPtr Parser::ParseUnary() {
   if (expr->text == "-" && IsNumberToken(token_)) {
     expr->kind = ExprKind::Literal;
     expr->text = "-" + std::string(token_.text);
-    expr->literal = ParseLiteral({Take(), true});
+    expr->literal = ParseLiteral(Take(), true);
     return expr;
   }
   expr->args.push_back(ParseUnary());
@@ -234,7 +226,7 @@ ExprPtr Parser::ParsePrimary() {
     ExprPtr expr = NewExpr(ExprKind::Literal);
     const bool text = token_.kind == TokenKind::String || token_.kind == TokenKind::NString;
     expr->text = text ? "" : std::string(token_.text);
-    expr->literal = ParseLiteral({Take(), false});
+    expr->literal = ParseLiteral(Take());
     return expr;
   }
   if (token_.kind == TokenKind::Variable) {
@@ -257,7 +249,7 @@ ExprPtr Parser::ParseParenthesised() {
   const int line = token_.line;
   Take();
   ExprPtr expr;
-  if (token_.Is("select") || token_.Is("with")) {
+  if (token_.Is("select")) {
     expr = NewExpr(ExprKind::Subquery);
     expr->query = ParseQuery();
   } else {
@@ -280,8 +272,8 @@ ExprPtr Parser::ParseWord() {
   }
   if (call && token_.kind == TokenKind::Word) {
     const std::string name = LowerText(token_.text);
-    if (name == "cast" || name == "try_cast") return ParseCast(name);
-    if (name == "convert" || name == "try_convert") return ParseConvert(name);
+    if (name == "cast") return ParseCast();
+    if (name == "convert") return ParseConvert();
     if (IsReserved(token_) && !OneOf(token_, kReservedFunctions)) Fail();
     Take();
     return ParseFunction(name, line);
@@ -312,21 +304,7 @@ ExprPtr Parser::ParseFunction(std::string name, int line) {
     expr->args = ParseList();
   }
   ExpectSymbol(")");
-  if (token_.Is("over")) return ParseOver(std::move(expr));
   return expr;
-}
-
-ExprPtr Parser::ParseOver(ExprPtr function) {
-  Expect("over");
-  ExpectSymbol("(");
-  function->kind = ExprKind::Window;
-  if (Accept("partition")) {
-    Expect("by");
-    function->partition = ParseList();
-  }
-  if (token_.Is("order")) function->order = ParseOrderList();
-  ExpectSymbol(")");
-  return function;
 }
 
 ExprPtr Parser::ParseCase() {
@@ -351,9 +329,9 @@ ExprPtr Parser::ParseCase() {
   return expr;
 }
 
-ExprPtr Parser::ParseCast(const std::string& function) {
+ExprPtr Parser::ParseCast() {
   ExprPtr expr = NewExpr(ExprKind::Cast);
-  expr->text = function;
+  expr->text = "cast";
   Take();
   ExpectSymbol("(");
   expr->args.push_back(ParseExpr());
@@ -363,9 +341,9 @@ ExprPtr Parser::ParseCast(const std::string& function) {
   return expr;
 }
 
-ExprPtr Parser::ParseConvert(const std::string& function) {
+ExprPtr Parser::ParseConvert() {
   ExprPtr expr = NewExpr(ExprKind::Cast);
-  expr->text = function;
+  expr->text = "convert";
   Take();
   ExpectSymbol("(");
   expr->type = ParseType(1, "convert", kCastLength);

@@ -6,18 +6,13 @@ bool Parser::AtPrincipal() const {
   return token_.Is("schema") || token_.Is("login") || token_.Is("user");
 }
 
-Statement Parser::ParsePrincipal(PrincipalStatement::Action action) {
+Statement Parser::ParsePrincipal() {
   using Kind = PrincipalStatement::Kind;
   PrincipalStatement statement;
-  statement.action = action;
   statement.kind = token_.Is("schema")  ? Kind::Schema
                    : token_.Is("login") ? Kind::Login
                                         : Kind::User;
   Advance();
-  if (action == PrincipalStatement::Action::Drop && Accept("if")) {
-    Expect("exists");
-    statement.if_exists = true;
-  }
   // "create schema authorization x" names the schema after its owner.
   if (!token_.Is("authorization")) statement.name = TakeName();
   ParsePrincipalOptions(statement);

@@ -7,44 +7,9 @@ QueryPtr Parser::ParseQuery() {
   const DepthGuard guard(*this);
   auto query = std::make_unique<Query>();
   query->line = token_.line;
-  if (token_.Is("with")) query->with = ParseWith();
   ParseQueryTerms(*query);
   if (token_.Is("order")) query->order = ParseOrderList();
-  if (Accept("offset")) {
-    query->offset = ParseExpr();
-    if (!Accept("rows")) Expect("row");
-    if (Accept("fetch")) {
-      if (!Accept("next")) Expect("first");
-      query->fetch = ParseExpr();
-      if (!Accept("rows")) Expect("row");
-      Expect("only");
-    }
-  }
-  if (Accept("option")) {  // hints to an optimizer that isn't here
-    ExpectSymbol("(");
-    for (int depth = 1; depth > 0;) {
-      if (token_.kind == TokenKind::End) Fail();
-      const Token token = Take();
-      depth += token.IsSymbol("(") ? 1 : token.IsSymbol(")") ? -1 : 0;
-    }
-  }
   return query;
-}
-
-std::vector<CommonTable> Parser::ParseWith() {
-  Expect("with");
-  std::vector<CommonTable> tables;
-  do {
-    CommonTable table;
-    table.name = TakeName();
-    if (token_.IsSymbol("(")) table.columns = TakeNameList();
-    Expect("as");
-    ExpectSymbol("(");
-    table.query = ParseQuery();
-    ExpectSymbol(")");
-    tables.push_back(std::move(table));
-  } while (AcceptSymbol(","));
-  return tables;
 }
 
 void Parser::ParseQueryTerms(Query& query) {
@@ -80,24 +45,8 @@ void Parser::ParseQueryTerms(Query& query) {
   }
 }
 
-std::vector<std::vector<ExprPtr>> Parser::ParseRowValues() {
-  Expect("values");
-  std::vector<std::vector<ExprPtr>> rows;
-  do {
-    ExpectSymbol("(");
-    rows.push_back(ParseList());
-    ExpectSymbol(")");
-    if (rows.back().size() != rows.front().size()) Raise(10709);
-  } while (AcceptSymbol(","));
-  return rows;
-}
-
 Select Parser::ParseSelect() {
   Select select;
-  if (token_.Is("values")) {
-    select.values = ParseRowValues();
-    return select;
-  }
   Expect("select");
   select.distinct = Accept("distinct");
   if (!select.distinct) Accept("all");
@@ -109,17 +58,10 @@ Select Parser::ParseSelect() {
       if (!IsNumberToken(token_) && token_.kind != TokenKind::Variable) Fail();
       select.top = ParsePrimary();
     }
-    select.top_percent = Accept("percent");
-    select.with_ties = token_.Is("with") && PeekSecond().Is("ties");
-    if (select.with_ties) {
-      Advance();
-      Advance();
-    }
   }
   do {
     select.items.push_back(ParseSelectItem());
   } while (AcceptSymbol(","));
-  if (Accept("into")) select.into = TakeObjectName();
   if (Accept("from")) select.from = ParseFrom();
   if (Accept("where")) select.where = ParseExpr();
   if (Accept("group")) {
@@ -208,7 +150,7 @@ FromItem Parser::ParseFromPrimary() {
   FromItem item;
   item.line = token_.line;
   if (AcceptSymbol("(")) {
-    if (token_.Is("select") || token_.Is("with") || token_.Is("values")) {
+    if (token_.Is("select")) {
       item.query = ParseQuery();
       ExpectSymbol(")");
     } else {

@@ -2,45 +2,12 @@
 #include "sandbox/values/errors.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::size_t kMaxRowValues = 1000;
-constexpr std::size_t kMaxDigits = 38;
 
 }  // namespace
-
-// A literal alone, which is nearly all there is in a load: it stays as it is written, and no
-// expression is made of it. False with nothing taken where there is more to the cell.
-bool Parser::TakeCellLiteral(InsertCell& cell) {
-  if (second_) return false;
-  const Lexer::Place start = before_token_;
-  const bool negative = token_.IsSymbol("-");
-  if (negative) Advance();
-  const bool number = IsNumberToken(token_);
-  if (negative ? number : IsLiteralToken(token_)) {
-    const LiteralText literal(token_, negative);
-    Advance();
-    if (token_.IsSymbol(",") || token_.IsSymbol(")")) {
-      const bool may_not_fit =
-          number && (literal.kind == TokenKind::Float || literal.text.size() > kMaxDigits);
-      if (may_not_fit) ParseLiteral(literal);  // a number too long is an error of the text
-      cell.value = literal;
-      return true;
-    }
-  }
-  lexer_.Return(start);
-  Advance();
-  return false;
-}
-
-InsertCell Parser::ParseCell() {
-  InsertCell cell;
-  if (TakeCellLiteral(cell)) return cell;
-  const bool ends = PeekSecond().IsSymbol(",") || PeekSecond().IsSymbol(")");
-  if (ends && Accept("default")) return cell;
-  cell.value = ParseExpr();
-  return cell;
-}
 
 void Parser::ParseValuesRows(InsertStatement& insert) {
   Expect("values");
@@ -48,7 +15,7 @@ void Parser::ParseValuesRows(InsertStatement& insert) {
     ExpectSymbol("(");
     const std::size_t before = insert.cells.size();
     do {
-      insert.cells.push_back(ParseCell());
+      insert.cells.push_back(Accept("default") ? nullptr : ParseExpr());
     } while (AcceptSymbol(","));
     ExpectSymbol(")");
     const std::size_t width = insert.cells.size() - before;
@@ -74,9 +41,7 @@ Statement Parser::ParseInsert() {
     insert.rows = 1;
   } else if (token_.Is("values")) {
     ParseValuesRows(insert);
-  } else if (token_.Is("exec") || token_.Is("execute")) {
-    insert.execute = ParseStatement();
-  } else if (token_.Is("select") || token_.Is("with") || token_.IsSymbol("(")) {
+  } else if (token_.Is("select") || token_.IsSymbol("(")) {
     insert.query = ParseQuery();
   } else {
     Fail();
@@ -88,32 +53,14 @@ Statement Parser::ParseUpdate() {
   if (PeekSecond().Is("statistics")) return SkipStatistics();
   Expect("update");
   UpdateStatement update;
-  if (Accept("top")) {
-    ExpectSymbol("(");
-    update.top = ParseExpr();
-    ExpectSymbol(")");
-  }
   update.table = TakeObjectName();
   SkipTableHints();
   Expect("set");
   do {
     Assignment assignment;
-    if (token_.kind == TokenKind::Variable) {
-      assignment.variable = std::string(Take().text);
-      ExpectSymbol("=");
-      if (token_.IsName() && PeekSecond().IsSymbol("=")) {
-        assignment.column = TakeName();
-        Take();
-      }
-    } else {
-      assignment.column = TakeObjectName().name;
-      ExpectSymbol("=");
-    }
-    if (Accept("default")) {
-      assignment.value = nullptr;
-    } else {
-      assignment.value = ParseSum();
-    }
+    assignment.column = TakeObjectName().name;
+    ExpectSymbol("=");
+    if (!Accept("default")) assignment.value = ParseSum();
     update.assignments.push_back(std::move(assignment));
   } while (AcceptSymbol(","));
   if (Accept("from")) update.from = ParseFrom();
@@ -124,11 +71,6 @@ Statement Parser::ParseUpdate() {
 Statement Parser::ParseDelete() {
   Expect("delete");
   DeleteStatement remove;
-  if (Accept("top")) {
-    ExpectSymbol("(");
-    remove.top = ParseExpr();
-    ExpectSymbol(")");
-  }
   Accept("from");
   remove.table = TakeObjectName();
   SkipTableHints();

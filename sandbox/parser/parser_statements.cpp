@@ -28,10 +28,6 @@ Statement Parser::ParseKeyword() {
             [](Parser& p) {
               return Statement{1, SelectStatement{p.ParseQuery()}};
             }},
-      Entry{"with",
-            [](Parser& p) {
-              return Statement{1, SelectStatement{p.ParseQuery()}};
-            }},
       Entry{"insert", [](Parser& p) { return p.ParseInsert(); }},
       Entry{"update", [](Parser& p) { return p.ParseUpdate(); }},
       Entry{"delete", [](Parser& p) { return p.ParseDelete(); }},
@@ -47,9 +43,7 @@ Statement Parser::ParseKeyword() {
       Entry{"execute", [](Parser& p) { return p.ParseExecute(false); }},
       Entry{"commit", [](Parser& p) { return p.ParseTransaction(Transaction::Commit); }},
       Entry{"rollback", [](Parser& p) { return p.ParseTransaction(Transaction::Rollback); }},
-      Entry{"save", [](Parser& p) { return p.ParseTransaction(Transaction::Save); }},
-      Entry{"raiserror", [](Parser& p) { return p.ParseRaise(false); }},
-      Entry{"throw", [](Parser& p) { return p.ParseRaise(true); }},
+      Entry{"raiserror", [](Parser& p) { return p.ParseRaise(); }},
       Entry{"break", [](Parser& p) { return p.ParseJump(Jump::Break); }},
       Entry{"continue", [](Parser& p) { return p.ParseJump(Jump::Continue); }},
       Entry{"return", [](Parser& p) { return p.ParseJump(Jump::Return); }},
@@ -105,8 +99,8 @@ Statement Parser::ParseReseed() {
   return {1, std::move(reseed)};
 }
 
-// Statements up to "end", or up to "end try" and its kin.
-Block Parser::ParseUntilEnd(std::string_view second_word) {
+// Statements up to "end".
+Block Parser::ParseUntilEnd() {
   Block block;
   while (AcceptSymbol(";")) {
   }
@@ -115,7 +109,6 @@ Block Parser::ParseUntilEnd(std::string_view second_word) {
     block.push_back(ParseStatement());
   }
   Take();
-  if (!second_word.empty()) Expect(second_word);
   return block;
 }
 
@@ -124,29 +117,17 @@ Statement Parser::ParseBegin() {
     return ParseTransaction(TransactionStatement::Kind::Begin);
   }
   Expect("begin");
-  if (!Accept("try")) return {1, BlockStatement{ParseUntilEnd("")}};
-  TryStatement guarded;
-  guarded.body = ParseUntilEnd("try");
-  AcceptSymbol(";");
-  Expect("begin");
-  Expect("catch");
-  guarded.handler = ParseUntilEnd("catch");
-  return {1, std::move(guarded)};
+  return {1, BlockStatement{ParseUntilEnd()}};
 }
 
 Statement Parser::ParseTransaction(TransactionStatement::Kind kind) {
   Take();
   const bool word = Accept("tran") || Accept("transaction");
   if (!word) Accept("work");
-  TransactionStatement transaction{kind, ""};
   const bool named =
       word && ((token_.IsName() && !IsReserved(token_)) || token_.kind == TokenKind::Variable);
-  if (named) {
-    // "commit tran" may be followed by the next statement without a semicolon: throw is no name.
-    if (!token_.Is("throw")) transaction.name = std::string(Take().text);
-  }
-  if (kind == TransactionStatement::Kind::Save && transaction.name.empty()) Fail();
-  return {1, std::move(transaction)};
+  if (named) Take();  // there are no transactions within others that it could mean
+  return {1, TransactionStatement{kind}};
 }
 
 Statement Parser::ParseDeclare() {
@@ -242,16 +223,11 @@ Statement Parser::ParseExecute(bool without_keyword) {
     execute.status_variable = LowerText(Take().text);
     Take();
   }
-  if (!without_keyword && AcceptSymbol("(")) {
-    execute.text = ParseExpr();
-    ExpectSymbol(")");
-    return {1, std::move(execute)};
-  }
   execute.procedure = TakeObjectName();
   const auto at_argument = [&] {
     return token_.kind == TokenKind::Variable || IsLiteralToken(token_) || token_.IsSymbol("-") ||
            token_.kind == TokenKind::Quoted || token_.Is("default") ||
-           (token_.kind == TokenKind::Word && !IsReserved(token_) && !token_.Is("throw"));
+           (token_.kind == TokenKind::Word && !IsReserved(token_));
   };
   if (!at_argument()) return {1, std::move(execute)};
   do {
@@ -280,16 +256,9 @@ Statement Parser::ParseExecute(bool without_keyword) {
   return {1, std::move(execute)};
 }
 
-Statement Parser::ParseRaise(bool is_throw) {
+Statement Parser::ParseRaise() {
   Take();
   RaiseStatement raise;
-  raise.is_throw = is_throw;
-  if (is_throw) {
-    if (token_.kind == TokenKind::Integer || token_.kind == TokenKind::Variable) {
-      raise.args = ParseList();
-    }
-    return {1, std::move(raise)};
-  }
   ExpectSymbol("(");
   raise.args = ParseList();
   ExpectSymbol(")");

@@ -8,6 +8,7 @@
 #include "sandbox/text/text_order.h"
 
 namespace sandbox {
+
 namespace {
 
 // Object ids look like the server's own: large, positive and well apart.
@@ -15,7 +16,7 @@ constexpr int kFirstObjectId = 245575913;
 constexpr int kObjectIdStep = 16000057;
 constexpr std::int64_t kObjectIdRange = 2147483647;
 
-template <class Range>
+template <typename Range>
 auto FindNamed(const Range& range, std::string_view name) -> decltype(&*range.begin()) {
   for (const auto& item : range) {
     if (SameName(item.name, name)) return &item;
@@ -24,7 +25,7 @@ auto FindNamed(const Range& range, std::string_view name) -> decltype(&*range.be
 }
 
 // Of the objects by their ids the one with that schema and name.
-template <class Objects>
+template <typename Objects>
 auto FindIn(const Objects& objects, std::string_view schema, std::string_view name)
     -> decltype(&objects.begin()->second) {
   for (const auto& [id, object] : objects) {
@@ -53,6 +54,14 @@ const IndexDef* TableDef::FindIndex(std::string_view index) const {
 const IndexDef* TableDef::PrimaryKey() const {
   const auto found =
       std::find_if(indexes.begin(), indexes.end(), [](const IndexDef& i) { return i.primary; });
+  return found == indexes.end() ? nullptr : &*found;
+}
+
+const IndexDef* TableDef::UniqueIndexOn(const std::vector<int>& column_ids) const {
+  const auto found = std::ranges::find_if(indexes, [&](const IndexDef& index) {
+    return index.unique &&
+           std::ranges::is_permutation(index.columns, column_ids, {}, &IndexColumn::column_id);
+  });
   return found == indexes.end() ? nullptr : &*found;
 }
 

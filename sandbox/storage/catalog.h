@@ -115,6 +115,8 @@ struct TableDef {
   const ColumnDef& Column(int column_id) const;
   const IndexDef* FindIndex(std::string_view index) const;
   const IndexDef* PrimaryKey() const;
+  /// The unique index of just these columns, in any order.
+  const IndexDef* UniqueIndexOn(const std::vector<int>& column_ids) const;
   const ColumnDef* IdentityColumn() const;
   /// Names in SQLite: the table "t<id>", its columns "c<id>", its indexes "i<table id>_<id>".
   std::string StoredName() const;

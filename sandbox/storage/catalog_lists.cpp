@@ -2,6 +2,7 @@
 #include "sandbox/storage/encoding.h"
 
 namespace sandbox {
+
 namespace {
 
 // Schemas and users up to this number are the server's own.

@@ -3,6 +3,7 @@
 #include "sandbox/storage/encoding.h"
 
 namespace sandbox {
+
 namespace {
 
 // What cat_index_column.descending holds.

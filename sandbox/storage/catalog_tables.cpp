@@ -3,6 +3,7 @@
 #include "sandbox/storage/catalog_store.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr const char* kSchema = R"(

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 namespace sandbox {
+
 namespace {
 
 template <int (*compare)(std::string_view, std::string_view)>

@@ -9,6 +9,7 @@
 #include "sandbox/values/ticks.h"
 
 namespace sandbox {
+
 namespace {
 
 // Positions of the text form's bytes, most significant for sorting first.
@@ -16,7 +17,7 @@ constexpr std::array<int, 16> kGuidOrder{10, 11, 12, 13, 14, 15, 8, 9, 7, 6, 5, 
 
 enum class VariantTag : char { Bool = 1, Decimal, Binary, DateTime, Guid };
 
-template <class Number>
+template <typename Number>
 std::array<char, sizeof(Number)> BigEndian(Number number) {
   std::array<char, sizeof(Number)> bytes;
   for (std::size_t i = bytes.size(); i-- > 0;) {
@@ -26,7 +27,7 @@ std::array<char, sizeof(Number)> BigEndian(Number number) {
   return bytes;
 }
 
-template <class Number>
+template <typename Number>
 Number FromBigEndian(std::string_view bytes) {
   Number number = 0;
   for (const char c : bytes.substr(0, sizeof(Number))) {
@@ -147,7 +148,7 @@ std::int64_t DateTimeNumber(const DateTimeValue& value, SqlType type) {
 
 // Hands the stored form of a value to `out`, which has Null, Integer, Real, Text and Blob; Made is
 // for bytes that were made here and don't stay.
-template <class Out>
+template <typename Out>
 void Encode(const Value& value, const TypeInfo& type, Out&& out) {
   switch (value.index()) {
     case 0:

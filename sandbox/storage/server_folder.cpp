@@ -109,24 +109,11 @@ void ServerFolder::Drop(const DatabaseState& database) {
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(file.string() + suffix);
 }
 
-bool ServerFolder::ChangeLogins(const char* statement, std::string_view name,
-                                std::string_view password) {
-  std::lock_guard lock(mutex_);
-  auto change = index_->Prepare(statement);
-  change.Bind(1, name).Bind(2, password).Run();
-  return sqlite3_changes(index_->get()) > 0;
-}
-
 bool ServerFolder::AddLogin(std::string_view name, std::string_view password) {
-  return ChangeLogins("INSERT OR IGNORE INTO logins VALUES(?1,?2)", name, password);
-}
-
-bool ServerFolder::SetPassword(std::string_view login, std::string_view password) {
-  return ChangeLogins("UPDATE logins SET password=?2 WHERE name=?1", login, password);
-}
-
-bool ServerFolder::DropLogin(std::string_view name) {
-  return ChangeLogins("DELETE FROM logins WHERE name=?1 AND ?2=''", name, "");
+  std::lock_guard lock(mutex_);
+  auto insert = index_->Prepare("INSERT OR IGNORE INTO logins VALUES(?1,?2)");
+  insert.Bind(1, name).Bind(2, password).Run();
+  return sqlite3_changes(index_->get()) > 0;
 }
 
 bool ServerFolder::HasLogin(std::string_view name) const {

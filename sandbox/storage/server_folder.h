@@ -56,17 +56,14 @@ class ServerFolder {
   void Drop(const DatabaseState& database);
   SqliteConnection Connect(const DatabaseState& database) const;
 
-  /// Logins besides the one that the server was started with. The first three are false when there
-  /// is such a login already, or none. Passwords are kept as they are: it is a practice server.
+  /// Logins besides the one that the server was started with; false when there is such a login.
+  /// Passwords are kept as they are: it is a practice server.
   bool AddLogin(std::string_view name, std::string_view password);
-  bool SetPassword(std::string_view login, std::string_view password);
-  bool DropLogin(std::string_view name);
   bool HasLogin(std::string_view name) const;
   bool LoginMatches(std::string_view name, std::string_view password) const;
 
  private:
   std::shared_ptr<DatabaseState> Add(std::string_view name);
-  bool ChangeLogins(const char* statement, std::string_view name, std::string_view password);
 
   const std::filesystem::path folder_;
   const bool durable_;

@@ -1,6 +1,7 @@
 #include "sandbox/storage/sqlite.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kBusyTimeoutMilliseconds = 60'000;

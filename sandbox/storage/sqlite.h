@@ -47,7 +47,7 @@ class SqliteStatement {
 };
 
 /// Binds its arguments to the statement's parameters in their order and runs it.
-template <class... Arguments>
+template <typename... Arguments>
 void RunWith(SqliteStatement& statement, const Arguments&... arguments) {
   int index = 0;
   (statement.Bind(++index, arguments), ...);

@@ -10,6 +10,7 @@
 #include "sandbox/tds/packet_stream.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 FileDescriptor Checked(int descriptor) {

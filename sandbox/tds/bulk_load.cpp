@@ -8,6 +8,7 @@
 #include "sandbox/tds/type_decoder.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 std::vector<WireType> ReadColumns(ByteReader& reader, ProtocolVersion version) {

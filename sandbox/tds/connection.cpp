@@ -11,6 +11,7 @@
 #include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr int kHandshakeSeconds = 30;
@@ -62,7 +63,7 @@ void Connection::ReportBrokenStream() {
                 .text = "The incoming tabular data stream (TDS) protocol stream is incorrect. The "
                         "stream ended unexpectedly.",
                 .procedure = {}});
-  WriteDone(out, client_.version, Token::Done, kDoneError, 0);
+  WriteDone(out, client_.version, Token::Done, DoneError, 0);
   client_.stream.EndReply();
 }
 
@@ -129,7 +130,7 @@ void Connection::ServeBulkLoad() {
 }
 
 void Connection::ConfirmAttention() {
-  WriteDone(client_.stream.Out(), client_.version, Token::Done, kDoneAttention, 0);
+  WriteDone(client_.stream.Out(), client_.version, Token::Done, DoneAttention, 0);
   client_.stream.EndReply();
 }
 

@@ -10,6 +10,7 @@
 #include "sandbox/tds/tokens.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr std::size_t kLongestHandshake = 128 * 1024;
@@ -89,7 +90,7 @@ std::vector<ServerMessage> Admit(ClientSession& client, const Login& login, Engi
 void Refuse(ClientSession& client, const std::vector<ServerMessage>& reasons) {
   ByteWriter& out = client.stream.Out();
   for (const ServerMessage& reason : reasons) WriteMessage(out, client.version, reason);
-  WriteDone(out, client.version, Token::Done, kDoneError, 0);
+  WriteDone(out, client.version, Token::Done, DoneError, 0);
   client.stream.EndReply();
 }
 
@@ -115,7 +116,7 @@ void Welcome(ClientSession& client, std::uint32_t wanted_packet_size) {
           : std::clamp<std::size_t>(wanted_packet_size, kSmallestPacketSize, kLargestPacketSize);
   WriteEnvChange(out, EnvChange::PacketSize, fmt::format("{}", packet_size),
                  fmt::format("{}", kDefaultPacketSize));
-  WriteDone(out, client.version, Token::Done, kDoneFinal, 0);
+  WriteDone(out, client.version, Token::Done, DoneFinal, 0);
   client.stream.EndReply();
   client.stream.SetPacketSize(packet_size);
 }

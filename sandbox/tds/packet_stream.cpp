@@ -6,6 +6,7 @@
 #include <cstring>
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr std::uint8_t kEndOfMessage = 0x01;

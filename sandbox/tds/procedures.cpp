@@ -5,6 +5,7 @@
 #include <algorithm>
 
 namespace sandbox::tds {
+
 namespace {
 
 /// A call that lacks what its procedure needs; the client gets the message.
@@ -29,7 +30,7 @@ Parameter& At(std::vector<Parameter>& parameters, std::size_t index) {
 const std::string& TextAt(std::vector<Parameter>& parameters, std::size_t index) {
   static const std::string kEmpty;
   const Value& value = At(parameters, index).value;
-  if (std::holds_alternative<std::monostate>(value)) return kEmpty;
+  if (IsNull(value)) return kEmpty;
   const auto* text = std::get_if<std::string>(&value);
   if (text == nullptr) {
     Refuse(

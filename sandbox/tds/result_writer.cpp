@@ -3,11 +3,12 @@
 #include <string>
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr int kFirstErrorSeverity = 11;
 
-enum ColumnFlags : std::uint16_t { kNullable = 0x01, kUpdatableUnknown = 0x08, kIdentity = 0x10 };
+enum ColumnFlags : std::uint16_t { Nullable = 0x01, UpdatableUnknown = 0x08, Identity = 0x10 };
 
 std::string_view DescriptorBytes(const std::uint64_t& id) {
   if (id == 0) return {};
@@ -55,8 +56,8 @@ void ResultWriter::WriteUserTypeAndFlags(const WireType& type, std::uint16_t fla
 }
 
 void ResultWriter::WriteColumn(const ColumnInfo& column, const WireType& type) {
-  auto flags = static_cast<std::uint16_t>(kUpdatableUnknown | (column.nullable ? kNullable : 0) |
-                                          (column.identity ? kIdentity : 0));
+  auto flags = static_cast<std::uint16_t>(UpdatableUnknown | (column.nullable ? Nullable : 0) |
+                                          (column.identity ? Identity : 0));
   WriteUserTypeAndFlags(type, flags);
   WriteTypeInfo(out_, type);
   if (type.shape == WireShape::Long) {
@@ -70,7 +71,7 @@ void ResultWriter::WriteColumn(const ColumnInfo& column, const WireType& type) {
 void ResultWriter::Columns(const std::vector<ColumnInfo>& columns) {
   CloseStatement();
   if (Dropped()) return;
-  WritePending(kDoneMore);
+  WritePending(DoneMore);
   encoders_.clear();
   out_.U8(static_cast<std::uint8_t>(Token::ColMetadata));
   out_.U16(static_cast<std::uint16_t>(columns.size()));
@@ -101,10 +102,10 @@ void ResultWriter::Row(std::span<const Value> values) {
 void ResultWriter::Done(std::optional<std::int64_t> row_count) {
   result_open_ = false;
   if (Dropped()) return;
-  WritePending(kDoneMore);
+  WritePending(DoneMore);
   Token token = request_ == Request::Batch ? Token::Done : Token::DoneInProc;
-  auto status = static_cast<std::uint16_t>((error_open_ ? kDoneError : kDoneFinal) |
-                                           (row_count ? kDoneCount : kDoneFinal));
+  auto status = static_cast<std::uint16_t>((error_open_ ? DoneError : DoneFinal) |
+                                           (row_count ? DoneCount : DoneFinal));
   pending_ = PendingDone{token, status, static_cast<std::uint64_t>(row_count.value_or(0))};
   error_open_ = false;
 }
@@ -115,7 +116,7 @@ void ResultWriter::CloseStatement() {
 
 void ResultWriter::Message(const ServerMessage& message) {
   if (Dropped()) return;
-  WritePending(kDoneMore);
+  WritePending(DoneMore);
   WriteMessage(out_, version_, message);
   if (message.severity >= kFirstErrorSeverity) error_open_ = true;
   Flush();
@@ -123,7 +124,7 @@ void ResultWriter::Message(const ServerMessage& message) {
 
 void ResultWriter::DatabaseChanged(std::string_view database) {
   if (Dropped()) return;
-  WritePending(kDoneMore);
+  WritePending(DoneMore);
   WriteEnvChange(out_, EnvChange::Database, database, "");
 }
 
@@ -131,7 +132,7 @@ void ResultWriter::TransactionChanged(std::uint64_t id, bool committed) {
   const std::uint64_t before = client_.transaction;
   client_.transaction = id;
   if (Dropped() || version_ < ProtocolVersion::V72) return;
-  WritePending(kDoneMore);
+  WritePending(DoneMore);
   EnvChange ended = committed ? EnvChange::CommitTransaction : EnvChange::RollbackTransaction;
   WriteEnvChangeBytes(out_, id != 0 ? EnvChange::BeginTransaction : ended, DescriptorBytes(id),
                       DescriptorBytes(before));
@@ -144,9 +145,9 @@ void ResultWriter::ReturnStatus(std::int32_t status) {
   }
   CloseStatement();
   if (Dropped()) return;
-  WritePending(kDoneMore);
+  WritePending(DoneMore);
   WriteReturnStatus(out_, status);
-  pending_ = PendingDone{Token::DoneProc, kDoneFinal, 0};
+  pending_ = PendingDone{Token::DoneProc, DoneFinal, 0};
 }
 
 void ResultWriter::OutputParameter(std::uint16_t ordinal, const Parameter& parameter) {
@@ -175,25 +176,25 @@ void ResultWriter::ResetAcknowledged() {
 void ResultWriter::EndProcedure(std::span<const Parameter> parameters) {
   if (result_open_) Done(std::nullopt);
   if (Dropped()) return;
-  WritePending(kDoneMore);
+  WritePending(DoneMore);
   WriteReturnStatus(out_, return_status_);
   for (std::size_t i = 0; i < parameters.size(); ++i) {
     if (parameters[i].output) OutputParameter(static_cast<std::uint16_t>(i), parameters[i]);
   }
-  pending_ = PendingDone{Token::DoneProc, error_open_ ? kDoneError : kDoneFinal, 0};
+  pending_ = PendingDone{Token::DoneProc, error_open_ ? DoneError : DoneFinal, 0};
   error_open_ = false;
   return_status_ = 0;
 }
 
 void ResultWriter::Finish() {
   CloseStatement();
-  if (!pending_) pending_ = PendingDone{Token::Done, kDoneFinal, 0};
-  WritePending(kDoneFinal);
+  if (!pending_) pending_ = PendingDone{Token::Done, DoneFinal, 0};
+  WritePending(DoneFinal);
 }
 
 void ResultWriter::FinishCancelled() {
-  WritePending(kDoneMore);
-  WriteDone(out_, version_, Token::Done, kDoneAttention, 0);
+  WritePending(DoneMore);
+  WriteDone(out_, version_, Token::Done, DoneAttention, 0);
 }
 
 }  // namespace sandbox::tds

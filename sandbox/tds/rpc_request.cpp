@@ -7,6 +7,7 @@
 #include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr std::uint16_t kByNumber = 0xFFFF;

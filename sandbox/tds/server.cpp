@@ -11,6 +11,7 @@
 #include <system_error>
 
 namespace sandbox::tds {
+
 namespace {
 
 [[noreturn]] void Fail(const std::string& what) {

@@ -8,6 +8,7 @@
 #include "sandbox/values/ticks.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr std::int64_t kThreeHundredthsPerDay = 86'400 * 300;

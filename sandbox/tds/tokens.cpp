@@ -6,6 +6,7 @@
 #include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr int kInformation = 10;

@@ -3,6 +3,7 @@
 #include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 enum class Request : std::uint16_t { Begin = 5, Commit = 7, Rollback = 8, Save = 9 };

@@ -6,6 +6,7 @@
 #include "sandbox/tds/value_decoder.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr int kGreatestPrecision = 38;

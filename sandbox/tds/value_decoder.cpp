@@ -11,6 +11,7 @@
 #include "sandbox/values/ticks.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr int kMoneyScale = 4;

@@ -9,6 +9,7 @@
 #include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr std::uint64_t kPartialNull = ~std::uint64_t{0};

@@ -15,7 +15,7 @@ class ValueEncoder {
   /// Throws std::bad_variant_access, with part of the value written, when the value is of a kind
   /// that the type cannot hold.
   void Write(ByteWriter& out, const Value& value) const {
-    if (std::holds_alternative<std::monostate>(value)) {
+    if (IsNull(value)) {
       WriteNull(out);
     } else {
       encode_(out, type_, value);

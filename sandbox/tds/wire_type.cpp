@@ -5,6 +5,7 @@
 #include "sandbox/tds/tokens.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 struct Form {

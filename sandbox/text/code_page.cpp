@@ -7,6 +7,7 @@
 #include "sandbox/text/utf8.h"
 
 namespace sandbox {
+
 namespace {
 
 // The characters of bytes 0x80 to 0x9F; the five unassigned bytes stand for themselves.
@@ -21,8 +22,6 @@ int CodePageByte(char32_t code) {
   return found == kHighControls.end() ? -1 : 0x80 + static_cast<int>(found - kHighControls.begin());
 }
 
-}  // namespace
-
 bool FitsCodePage(std::string_view text) {
   if (IsAscii(text)) return true;
   while (!text.empty()) {
@@ -30,6 +29,8 @@ bool FitsCodePage(std::string_view text) {
   }
   return true;
 }
+
+}  // namespace
 
 std::string KeepCodePage(std::string_view text) {
   if (FitsCodePage(text)) return std::string(text);

@@ -5,11 +5,9 @@
 
 namespace sandbox {
 
-/// What a varchar keeps of the text: a character outside the code page becomes "?".
+/// What a varchar keeps of the text: a character outside the code page
+/// (Windows-1252) becomes "?".
 std::string KeepCodePage(std::string_view text);
-
-/// True when every character has a place in the code page (Windows-1252).
-bool FitsCodePage(std::string_view text);
 
 /// The bytes of the text in the code page, "?" for what it has not, and back.
 void AppendCodePage(std::string_view text, std::string& bytes);

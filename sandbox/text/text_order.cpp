@@ -7,6 +7,7 @@
 #include "sandbox/text/utf8.h"
 
 namespace sandbox {
+
 namespace {
 
 // Alphabets whose capitals and small letters differ by a constant, or alternate (step 1, paired).
@@ -49,7 +50,7 @@ int CompareFolded(std::string_view left, std::string_view right) {
   return left.empty() ? (right.empty() ? 0 : -1) : 1;
 }
 
-template <class Map>
+template <typename Map>
 std::string MapText(std::string_view text, Map map) {
   std::string result;
   result.reserve(text.size());

@@ -8,6 +8,7 @@
 #include "sandbox/text/utf8.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;

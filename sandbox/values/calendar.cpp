@@ -5,6 +5,7 @@
 #include "sandbox/values/ticks.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::array kMonths{"January", "February", "March",     "April",   "May",      "June",

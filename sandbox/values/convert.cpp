@@ -8,6 +8,7 @@
 #include "sandbox/values/ticks.h"
 
 namespace sandbox {
+
 namespace {
 
 using namespace conversion;
@@ -45,7 +46,7 @@ Value ToDateTime(const Value& value, const TypeInfo& from, const TypeInfo& to) {
 
 Value ConvertAny(const Value& value, const TypeInfo& from, const TypeInfo& to, int style,
                  bool storing) {
-  if (std::holds_alternative<std::monostate>(value)) return value;
+  if (IsNull(value)) return value;
   if (to.type == SqlType::Variant) return value;
   if (from.type == SqlType::Variant)
     return ConvertAny(value, VariantBase(value), to, style, storing);
@@ -97,7 +98,7 @@ void CheckConvertible(const TypeInfo& from, const TypeInfo& to, bool is_explicit
 }
 
 std::string ValueText(const Value& value, const TypeInfo& type) {
-  if (std::holds_alternative<std::monostate>(value)) return "NULL";
+  if (IsNull(value)) return "NULL";
   if (type.type == SqlType::Variant) return ValueText(value, VariantBase(value));
   if (const auto* binary = std::get_if<BinaryValue>(&value)) {
     return "0x" + fmt::format("{}", HexText(binary->bytes));

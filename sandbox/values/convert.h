@@ -19,9 +19,6 @@ Value ConvertToStore(const Value& value, const TypeInfo& from, const TypeInfo& t
 /// Raises 206, 257 or 529 where the server knows no way between the types.
 void CheckConvertible(const TypeInfo& from, const TypeInfo& to, bool is_explicit);
 
-/// True when the integer type holds the number.
-bool FitsInteger(std::int64_t number, SqlType type);
-
 /// The value in text form, as PRINT and messages show it.
 std::string ValueText(const Value& value, const TypeInfo& type);
 

@@ -12,6 +12,7 @@
 
 namespace sandbox {
 namespace conversion {
+
 namespace {
 
 struct IntegerRange {
@@ -256,10 +257,5 @@ Value ToApproximate(const Value& value, const TypeInfo& from, const TypeInfo& to
 }
 
 }  // namespace conversion
-
-bool FitsInteger(std::int64_t number, SqlType type) {
-  const auto& range = conversion::RangeOf(type);
-  return number >= range.low && number <= range.high;
-}
 
 }  // namespace sandbox

@@ -12,6 +12,7 @@
 
 namespace sandbox {
 namespace conversion {
+
 namespace {
 
 std::string DoubleText(double number, bool single, int style) {

@@ -7,6 +7,7 @@
 #include "sandbox/values/ticks.h"
 
 namespace sandbox {
+
 namespace {
 
 // One run of digits, one word or one mark of a date's text.
@@ -241,48 +242,9 @@ class DateReader {
   int offset_ = 0;
 };
 
-// The number that `count` digits at `at` make; -1 when they are none.
-int FixedNumber(std::string_view text, std::size_t at, std::size_t count) {
-  int number = 0;
-  for (const char c : text.substr(at, count)) {
-    if (!IsDigit(c)) return -1;
-    number = number * 10 + (c - '0');
-  }
-  return number;
-}
-
 }  // namespace
 
-std::optional<DateTimeValue> ParsePlainDateTime(std::string_view text) {
-  constexpr std::string_view kForm = "0000-00-00 00:00:00";
-  constexpr std::size_t kDate = 10, kFraction = kForm.size() + 1, kMostDigits = 7;
-  const bool has_time = text.size() >= kForm.size();
-  const bool has_fraction = text.size() > kFraction && text.size() <= kFraction + kMostDigits;
-  if (text.size() != kDate && text.size() != kForm.size() && !has_fraction) return std::nullopt;
-  if (text[4] != '-' || text[7] != '-') return std::nullopt;
-  const CivilDate date{FixedNumber(text, 0, 4), FixedNumber(text, 5, 2), FixedNumber(text, 8, 2)};
-  const bool valid = date.year >= 1 && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
-                     date.day <= DaysInMonth(date.year, date.month);
-  if (!valid) return std::nullopt;
-  DateTimeValue value{static_cast<std::int32_t>(FromCivil(date)), 0, 0};
-  if (!has_time) return value;
-  if ((text[10] != ' ' && text[10] != 'T') || text[13] != ':' || text[16] != ':')
-    return std::nullopt;
-  const int hour = FixedNumber(text, 11, 2), minute = FixedNumber(text, 14, 2);
-  const int second = FixedNumber(text, 17, 2);
-  if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59)
-    return std::nullopt;
-  value.ticks = ((hour * 60 + minute) * 60 + second) * kTicksPerSecond;
-  if (!has_fraction) return value;
-  int fraction = FixedNumber(text, kFraction, kMostDigits);
-  if (text[kForm.size()] != '.' || fraction < 0) return std::nullopt;
-  for (std::size_t digits = text.size() - kFraction; digits < kMostDigits; ++digits) fraction *= 10;
-  value.ticks += fraction;
-  return value;
-}
-
 ParsedDateTime ParseDateTime(std::string_view text) {
-  if (const auto plain = ParsePlainDateTime(text)) return {DateProblem::None, *plain, true};
   return DateReader(Split(text)).Read();
 }
 

@@ -31,10 +31,6 @@ struct ParsedDateTime {
 /// AM and PM, offsets. A missing date is 1900-01-01, a missing time midnight.
 ParsedDateTime ParseDateTime(std::string_view text);
 
-/// Reads what nearly all dates are written as, "2024-01-31" and "2024-01-31 12:30:00[.1234567]" (or
-/// with a T); nothing for another form and for what is no date.
-std::optional<DateTimeValue> ParsePlainDateTime(std::string_view text);
-
 /// As CONVERT writes the value in a style; nothing for a style that there is not.
 std::optional<std::string> DateTimeText(const DateTimeValue& value, const TypeInfo& type,
                                         int style);

@@ -7,6 +7,7 @@
 #include <cmath>
 
 namespace sandbox {
+
 namespace {
 
 constexpr int kMaxDigits = 38;

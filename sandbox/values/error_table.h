@@ -56,9 +56,6 @@ inline constexpr std::array kMessages{
         "The select list for the INSERT statement contains more items than the insert list. "
         "The number of SELECT values must match the number of INSERT columns."},
     MessageText{127, 15, 1, Ends::Batch, "A TOP N or FETCH rowcount value may not be negative."},
-    MessageText{134, 15, 2, Ends::Batch,
-                "The variable name '{}' has already been declared. Variable names must be unique "
-                "within a query batch or stored procedure."},
     MessageText{137, 15, 2, Ends::Batch, "Must declare the scalar variable \"{}\"."},
     MessageText{156, 15, 1, Ends::Batch, "Incorrect syntax near the keyword '{}'."},
     MessageText{174, 15, 1, Ends::Batch, "The {} function requires {} argument(s)."},
@@ -80,9 +77,6 @@ inline constexpr std::array kMessages{
     MessageText{213, 16, 1, Ends::Batch,
                 "Column name or number of supplied values does not match table definition."},
     MessageText{214, 16, 2, Ends::Statement, "Procedure expects parameter '{}' of type '{}'."},
-    MessageText{218, 16, 1, Ends::Batch,
-                "Could not find the type '{}'. Either it does not exist or you do not have the "
-                "necessary permission."},
     MessageText{219, 16, 1, Ends::Batch,
                 "The type '{}' already exists, or you do not have permission to create it."},
     MessageText{220, 16, 2, Ends::Statement,
@@ -123,8 +117,6 @@ inline constexpr std::array kMessages{
         "list to exclude the timestamp column, or insert a DEFAULT into the timestamp column."},
     MessageText{402, 16, 1, Ends::Batch,
                 "The data types {} and {} are incompatible in the {} operator."},
-    MessageText{409, 16, 2, Ends::Batch,
-                "The {} operator cannot take a {} data type as an argument."},
     MessageText{448, 16, 1, Ends::Batch, "Invalid collation '{}'."},
     MessageText{
         512, 16, 1, Ends::Statement,
@@ -156,24 +148,13 @@ inline constexpr std::array kMessages{
     MessageText{1013, 16, 1, Ends::Batch,
                 "The objects \"{}\" and \"{}\" in the FROM clause have the same exposed names. Use "
                 "correlation names to distinguish them."},
-    MessageText{1031, 15, 1, Ends::Batch, "Percent values must be between 0 and 100."},
-    MessageText{1033, 15, 1, Ends::Batch,
-                "The ORDER BY clause is invalid in views, inline functions, derived tables, "
-                "subqueries, and common table expressions, unless TOP, OFFSET or FOR XML is also "
-                "specified."},
     MessageText{1038, 15, 4, Ends::Batch,
                 "An object or column name is missing or empty. For SELECT INTO statements, verify "
                 "each column has a name. For other statements, look for empty alias names. Aliases "
                 "defined as \"\" or [] are not allowed. Change the alias to a valid name."},
-    MessageText{1062, 15, 1, Ends::Batch,
-                "The TOP N WITH TIES clause is not allowed without a corresponding ORDER BY "
-                "clause."},
     MessageText{1088, 16, 12, Ends::Batch,
                 "Cannot find the object \"{}\" because it does not exist or you do not have "
                 "permissions."},
-    MessageText{1205, 13, 51, Ends::Transaction,
-                "Transaction (Process ID {}) was deadlocked on lock resources with another process "
-                "and has been chosen as the deadlock victim. Rerun the transaction."},
     MessageText{1222, 16, 51, Ends::Statement, "Lock request time out period exceeded."},
     MessageText{
         1505, 16, 1, Ends::Statement,
@@ -303,9 +284,6 @@ inline constexpr std::array kMessages{
                 "Cannot drop database \"{}\" because it is currently in use."},
     MessageText{3708, 16, 1, Ends::Statement,
                 "Cannot drop the database '{}' because it is a system database."},
-    MessageText{3723, 16, 5, Ends::Batch,
-                "An explicit DROP INDEX is not allowed on index '{}'. It is being used for {} "
-                "constraint enforcement."},
     MessageText{
         3725, 16, 0, Ends::Batch,
         "The constraint '{}' is being referenced by table '{}', foreign key constraint '{}'."},
@@ -313,11 +291,6 @@ inline constexpr std::array kMessages{
                 "Could not drop object '{}' because it is referenced by a FOREIGN KEY constraint."},
     MessageText{3727, 16, 0, Ends::Batch, "Could not drop constraint. See previous errors."},
     MessageText{3728, 16, 1, Ends::Batch, "'{}' is not a constraint."},
-    MessageText{3729, 16, 1, Ends::Batch,
-                "Cannot drop schema '{}' because it is being referenced by object '{}'."},
-    MessageText{3732, 16, 1, Ends::Batch,
-                "Cannot drop type '{}' because it is being referenced by object '{}'. There may be "
-                "other objects that reference this type."},
     MessageText{3902, 16, 1, Ends::Statement,
                 "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     MessageText{3903, 16, 1, Ends::Statement,
@@ -345,21 +318,13 @@ inline constexpr std::array kMessages{
     MessageText{4916, 16, 0, Ends::Batch,
                 "Could not enable or disable the constraint. See previous errors."},
     MessageText{4917, 16, 0, Ends::Batch, "Constraint '{}' does not exist."},
-    MessageText{4922, 16, 9, Ends::Batch,
-                "ALTER TABLE {} COLUMN {} failed because one or more objects access this column."},
-    MessageText{4924, 16, 1, Ends::Batch,
-                "ALTER TABLE {} failed because column '{}' does not exist in table '{}'."},
-    MessageText{4928, 16, 1, Ends::Batch, "Cannot alter column '{}' because it is 'COMPUTED'."},
     MessageText{4936, 16, 1, Ends::Batch,
                 "Computed column '{}' in table '{}' cannot be persisted because the column is "
                 "non-deterministic."},
-    MessageText{5074, 16, 1, Ends::Batch, "The {} '{}' is dependent on column '{}'."},
     MessageText{5105, 16, 1, Ends::Batch,
                 "A file activation error occurred. The physical file name '{}' may be incorrect. "
                 "Diagnose and correct additional errors, and retry the operation."},
     MessageText{5701, 10, 2, Ends::Statement, "Changed database context to '{}'."},
-    MessageText{6401, 16, 1, Ends::Statement,
-                "Cannot roll back {}. No transaction or savepoint of that name was found."},
     MessageText{7997, 16, 1, Ends::Statement, "'{}' does not contain an identity column."},
     MessageText{
         8101, 16, 1, Ends::Statement,
@@ -404,7 +369,6 @@ inline constexpr std::array kMessages{
     MessageText{10738, 15, 1, Ends::Batch,
                 "The number of row value expressions in the INSERT statement exceeds the maximum "
                 "allowed number of 1000 row values."},
-    MessageText{11514, 16, 1, Ends::Batch, "The metadata could not be determined."},
     MessageText{13536, 16, 1, Ends::Batch,
                 "Cannot insert an explicit value into a GENERATED ALWAYS column in table '{}'. Use "
                 "INSERT with a column list to exclude the GENERATED ALWAYS column, or insert a "
@@ -422,11 +386,6 @@ inline constexpr std::array kMessages{
     MessageText{15135, 16, 8, Ends::Statement,
                 "Object is invalid. Extended properties are not permitted on '{}', or the object "
                 "does not exist."},
-    MessageText{15150, 16, 1, Ends::Batch, "Cannot {} the {} '{}'."},
-    MessageText{15151, 16, 1, Ends::Batch,
-                "Cannot {} the {} '{}', because it does not exist or you do not have permission."},
-    MessageText{15217, 16, 1, Ends::Statement,
-                "Property cannot be updated or deleted. Property '{}' does not exist for '{}'."},
     MessageText{15233, 16, 1, Ends::Statement,
                 "Property cannot be added. Property '{}' already exists for '{}'."},
 };

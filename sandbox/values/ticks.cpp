@@ -4,6 +4,7 @@
 #include <ctime>
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::int64_t kDaysToUnixEpoch = 719162;

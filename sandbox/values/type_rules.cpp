@@ -7,6 +7,7 @@
 #include "sandbox/values/errors.h"
 
 namespace sandbox {
+
 namespace {
 
 // In the order of SqlType.

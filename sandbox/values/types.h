@@ -80,6 +80,10 @@ struct BinaryValue {
 using Value = std::variant<std::monostate, bool, std::int64_t, double, DecimalValue, std::string,
                            BinaryValue, DateTimeValue, GuidValue>;
 
+inline bool IsNull(const Value& value) {
+  return std::holds_alternative<std::monostate>(value);
+}
+
 /// A parameter of a remote procedure call.
 struct Parameter {
   std::string name;  // with "@", or empty

@@ -30,7 +30,8 @@ class UnattendedRun : public testing::Test {
         << "1\r\nh\r\n1\r\nu\r\n\r\n\r\nd\r\nh\r\n2\r\nu\r\n\r\n\r\nd\r\na:<:"
            "b\r\nFalse\r\nTrue\r\n2\r\n"
            "False\r\n"
-        << log_path << "\r\n";
+        << log_path << "\r\n"
+        << options_;
     return RunUnattendedConversion(folder_ / "n.dcs", [&](ServerKind kind, IRunHost& host) {
       host_ = &host;
       return std::make_unique<PlainEndpoint>(kind, transfer);
@@ -42,7 +43,8 @@ class UnattendedRun : public testing::Test {
   std::string Log() const { return ReadFile(folder_ / "log"); }
 
   TempFolder folder_;
-  std::string mark_;  // in front of the settings
+  std::string mark_;     // in front of the settings
+  std::string options_;  // behind them
   IRunHost* host_ = nullptr;
 };
 
@@ -100,6 +102,37 @@ TEST_F(UnattendedRun, AConnectionFailureIsItsLogLineAndNoEnd) {
             RunStatus::kFailed);
   EXPECT_THAT(Log(), HasSubstr("Conversion Failed! for the log\r\n"));
   EXPECT_THAT(Log(), Not(HasSubstr("ended")));
+}
+
+TEST_F(UnattendedRun, ARunThatBreaksOffIsReportedAsFarAsItCame) {
+  const std::string report = folder_ / "r.json";
+  options_ = "Report=" + report + "\r\nReport=" + (folder_ / "missing/r.html").string() + "\r\n";
+  const auto transfer = [&](IDatabase&, const NameList&, IConversionListener& listener) {
+    listener.ConversionStarted(2, false);
+    host_->TableStepStarted("a");
+    listener.TableConversionStarted("a");
+    listener.TableConversionSuccessed("a");
+    host_->TableStepEnded("a", std::chrono::seconds(1));
+    throw RunTimeError(run_time::kOverflow, "x", "all is lost");
+  };
+  EXPECT_EQ(Run(transfer), RunStatus::kFailed);
+  EXPECT_THAT(ReadFile(report), HasSubstr("\"complete\": false"));
+  EXPECT_THAT(ReadFile(report), HasSubstr("\"result\": \"done\""));
+  EXPECT_THAT(ReadFile(report), HasSubstr("\"result\": \"not begun\""));
+  EXPECT_THAT(ReadFile(report), HasSubstr("all is lost"));
+  EXPECT_THAT(Log(), HasSubstr("all is lost"));
+  EXPECT_THAT(Log(), HasSubstr("missing/r.html cannot be written: "));
+}
+
+TEST_F(UnattendedRun, AReportThatCannotBeWrittenFailsTheRunAlone) {
+  options_ = "Report=" + (folder_ / "missing/r.json").string() + "\r\n";
+  const auto transfer = [](IDatabase&, const NameList&, IConversionListener& listener) {
+    listener.ConversionStarted(0, false);
+    listener.ConversionEnded();
+  };
+  EXPECT_EQ(Run(transfer), RunStatus::kFailed);
+  EXPECT_THAT(Log(), HasSubstr("End OF Conversion"));
+  EXPECT_THAT(Log(), HasSubstr("missing/r.json cannot be written: "));
 }
 
 TEST_F(UnattendedRun, EveryFailureIsInTheLogAndNotesAreNoFailure) {

@@ -77,7 +77,7 @@ TEST(ExactTables, AutoIncrementStandsWhereItStoodAfterRowsAreGone) {
   rig.MySql().Query(
       "create table Rows_ (Id int unsigned auto_increment primary key, V int) comment 'kept'; "
       "insert into Rows_ (V) values (1), (2), (3); delete from Rows_ where Id > 1; "
-      "create table Empty (Id bigint auto_increment primary key) auto_increment = 700",
+      "create table `Empty` (Id bigint auto_increment primary key) auto_increment = 700",
       name);
   Convert(ServerKind::MySql, name, name, {"Rows_", "Empty"});
   rig.MsSql().Script("insert into Rows_ (V) values (9)\ninsert into Empty default values\ngo\n",

@@ -114,11 +114,13 @@ class Servers {
   }
   Lines My(const std::string& database, std::size_t i, const Shown& shown) const {
     const bool is_float = shown.my == kFloat.my;
-    return Normalised(
-        LinesOf(rig_.MySql().Query(fmt::format("select coalesce({}, 'NULL') from t order by id",
-                                               fmt::format(fmt::runtime(shown.my), Column(i))),
-                                   database)),
-        is_float);
+    const std::string expression = fmt::format(fmt::runtime(shown.my), Column(i));
+    // As a text MySQL cuts a float's digits.
+    const std::string query =
+        fmt::format(fmt::runtime(is_float ? "select {} from t order by id"
+                                          : "select coalesce({}, 'NULL') from t order by id"),
+                    expression);
+    return Normalised(LinesOf(rig_.MySql().Query(query, database)), is_float);
   }
   std::string MsType(const std::string& database, std::size_t i) const {
     return rig_.MsSqlValue(

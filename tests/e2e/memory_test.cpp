@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -49,6 +50,33 @@ TEST(Memory, StaysFlatHoweverLongTheTable) {
   EXPECT_EQ(reverse.Wait(std::chrono::seconds(300)), 0) << reverse.Log();
   EXPECT_EQ(rig.MsSqlValue("select count(*) from Rows500000", back), "500000");
   EXPECT_LT(reverse.PeakKiB(), 64 * 1024);
+}
+
+TEST(Memory, HoldsALongValueFourTimesAtMost) {
+  if (kSanitized) GTEST_SKIP() << "the sanitizers' own memory hides the program's";
+  constexpr long kMiB = 1024;
+  constexpr long kLength = 40;
+  Rig& rig = Rig::Get();
+  const std::string db = rig.NewDatabases();
+  rig.MySqlValue(fmt::format("create table Bytes(Id int primary key, V longblob) select 1 as Id, "
+                             "repeat('16 bytes of it .', {0} << 16) as V",
+                             kLength),
+                 db);
+  rig.MySqlValue(fmt::format("create table Texts(Id int primary key, V longtext) select 1 as Id, "
+                             "repeat('16 signs of it .', {0} << 16) as V",
+                             kLength),
+                 db);
+  for (const std::string table : {"Bytes", "Texts"}) {
+    ProgramRun run(
+        {.source = ServerKind::MySql, .source_db = db, .dest_db = db, .tables = {table}});
+    EXPECT_EQ(run.Wait(), 0) << run.Log();
+    EXPECT_LT(run.PeakKiB(), (64 + 4 * kLength) * kMiB) << table << " to SQL Server";
+    rig.MySqlValue("drop table " + table, db);
+  }
+  ProgramRun back({.source_db = db, .dest_db = db, .tables = {"Bytes"}});
+  EXPECT_EQ(back.Wait(), 0) << back.Log();
+  EXPECT_LT(back.PeakKiB(), (64 + 4 * kLength) * kMiB) << "to MySQL";
+  EXPECT_EQ(rig.MySqlValue("select length(V) from Bytes", db), std::to_string(kLength << 20));
 }
 
 }  // namespace

@@ -89,6 +89,8 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   options.types = job.types;
   options.tables_at_once = job.tables_at_once;
   options.verification = job.verification;
+  options.reports = job.reports;
+  options.computed_columns = job.computed_columns;
   options.schemas = job.schemas;
   options.destination_schema = job.dest_schema;
   src.SetOptions(options);

@@ -32,6 +32,8 @@ struct Job {
   std::string ms_sql_user = "sa";
   int tables_at_once = 1;
   Verification verification = Verification::None;
+  NameList reports = {};
+  ComputedColumns computed_columns = ComputedColumns::Values;
 };
 
 /// Two private servers, shared by all tests of the program, and runs of the real program.

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include "tests/e2e/rig.h"
 
 namespace dorvane::test {
@@ -110,6 +112,45 @@ TEST_P(VerificationTest, CountsAreComparedAlone) {
   EXPECT_THAT(later.Log(), HasSubstr("Note - Table Items: Verified: 3 rows on both sides\n"));
   EXPECT_THAT(later.Log(), HasSubstr("Verification - Table Loose: the source has 3 rows, the "
                                      "destination 2\n"));
+}
+
+TEST_P(VerificationTest, TheReportHoldsWhatCameOfEachTable) {
+  const TempFolder folder;
+  Job job = TheJob();
+  job.tables = {"Nowhere", "Items", "Loose"};
+  job.reports = {folder / "r.json", folder / "r.html"};
+  ProgramRun run(job);
+  EXPECT_EQ(run.Wait(), 1);
+  const auto report = nlohmann::json::parse(ReadFile(folder / "r.json"));
+  EXPECT_EQ(report["complete"], true);
+  EXPECT_EQ(report["succeeded"], false);
+  EXPECT_EQ(report["rows"], 6);
+  EXPECT_EQ(report["options"]["Verify"], "values");
+  const auto& tables = report["tables"];
+  EXPECT_EQ(tables.at(0)["name"], "Nowhere");
+  EXPECT_EQ(tables.at(0)["result"], "failed");
+  EXPECT_EQ(tables.at(0)["messages"].at(0)["kind"], "error");
+  EXPECT_EQ(tables.at(1)["result"], "done");
+  EXPECT_EQ(tables.at(1)["announced_rows"], 3);
+  EXPECT_EQ(tables.at(1)["rows"], 3);
+  EXPECT_GT(tables.at(1)["seconds"], 0);
+  EXPECT_EQ(tables.at(1)["verification"]["equal"], true);
+  EXPECT_GT(tables.at(1)["verification"]["seconds"], 0);
+  EXPECT_EQ(report.dump().find("secret"), std::string::npos);
+  const std::string page = ReadFile(folder / "r.html");
+  EXPECT_THAT(page, HasSubstr(">Nowhere</th>"));
+  EXPECT_THAT(page, Not(HasSubstr("secret")));
+
+  // A comparison alone has a report as well, which replaces the one before.
+  ChangeDestination("delete from Loose where A is null");
+  job.tables = {"Loose"};
+  ProgramRun later(job, {}, {"--verify"});
+  EXPECT_EQ(later.Wait(), 1);
+  const auto compared = nlohmann::json::parse(ReadFile(folder / "r.json"));
+  EXPECT_EQ(compared["task"], "Comparison");
+  EXPECT_EQ(compared["tables"].at(0)["result"], "done, with errors");
+  EXPECT_THAT(std::string(compared["tables"].at(0)["verification"]["text"]),
+              HasSubstr("1 row is missing"));
 }
 
 INSTANTIATE_TEST_SUITE_P(BothWays, VerificationTest,

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <vector>
 
 namespace dorvane::test {
 
@@ -39,6 +40,18 @@ void SmallDisk::Fill(std::size_t left) const {
 
 void SmallDisk::Empty() const {
   std::filesystem::remove(folder_ / "filler");
+}
+
+void SmallDisk::DeleteOrphanedTables() const {
+  namespace fs = std::filesystem;
+  std::vector<fs::path> orphans;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_.Path())) {
+    const fs::path& file = entry.path();
+    // Only MariaDB keeps definitions in files of their own, and such a file with a database.
+    if (file.extension() != ".ibd" || !fs::exists(file.parent_path() / "db.opt")) continue;
+    if (!fs::exists(fs::path(file).replace_extension(".frm"))) orphans.push_back(file);
+  }
+  for (const fs::path& orphan : orphans) fs::remove(orphan);
 }
 
 }  // namespace dorvane::test

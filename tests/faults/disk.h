@@ -22,6 +22,9 @@ class SmallDisk {
   /// Leaves so many bytes free, or all.
   void Fill(std::size_t left) const;
   void Empty() const;
+  /// MariaDB leaves the file of a table that it had no room to create, and refuses a table of that
+  /// name ever after: what an administrator would delete.
+  void DeleteOrphanedTables() const;
 
  private:
   TempFolder folder_;

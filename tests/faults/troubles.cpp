@@ -73,6 +73,7 @@ void RelieveTrouble(Stage& stage, const Scenario& scenario) {
     stage.Disk().Empty();
     // A server may have given itself up.
     stage.Restart(scenario.Server());
+    if (scenario.Server() == ServerKind::MySql) stage.Disk().DeleteOrphanedTables();
   }
 }
 

@@ -104,7 +104,9 @@ TEST(ConversionSettings, BadLinesFailByKind) {
        "(line 20 of file.dcs: Idle limit=2147484)"},
       {full + "Idle limit=99999999999", run_time::kOverflow, "Idle limit=99999999999)"},
       {full + "Tables at once=0", run_time::kOverflow, "Tables at once=0)"},
-      {full + "Tables at once=9", run_time::kOverflow, "Tables at once=9)"}};
+      {full + "Tables at once=9", run_time::kOverflow, "Tables at once=9)"},
+      {full + "Report=r.txt", run_time::kTypeMismatch,
+       "Report: no name of a .html or .json file (line 20 of file.dcs: Report=r.txt)"}};
   for (const auto& [bytes, number, place] : cases) {
     try {
       Read(bytes);
@@ -120,7 +122,8 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   const std::string options =
       "Encryption source=required\r\nEncryption destination=verified\r\n"
       "CA file destination=/etc/ca s\xFC.pem\r\nIdle limit=0\r\nTypes=exact\r\n"
-      "Schemas=database\r\nTables at once=4\r\nVerify=values\r\n";
+      "Computed columns=generated\r\nSchemas=database\r\nTables at once=4\r\nVerify=values\r\n"
+      "Report=/var/r.html\r\nReport=r.json\r\n";
   const ConversionSettings settings = Read(kSales + options);
   const ado::ConnectionSettings src = settings.src->Settings();
   const ado::ConnectionSettings dest = settings.dest->Settings();
@@ -131,9 +134,11 @@ TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
   EXPECT_EQ(src.idle_limit, 0);
   EXPECT_EQ(dest.idle_limit, 0);
   EXPECT_EQ(settings.src->Options().types, TypeMapping::Exact);
+  EXPECT_EQ(settings.src->Options().computed_columns, ComputedColumns::Generated);
   EXPECT_EQ(settings.src->Options().schemas, SchemaPolicy::Database);
   EXPECT_EQ(settings.src->Options().tables_at_once, 4);
   EXPECT_EQ(settings.src->Options().verification, Verification::Values);
+  EXPECT_THAT(settings.src->Options().reports, testing::ElementsAre("/var/r.html", "r.json"));
   EXPECT_EQ(src.password, "pw-1");
   EXPECT_EQ(Write(*settings.src, *settings.dest, settings.tables, settings.log_path),
             kSales + options);

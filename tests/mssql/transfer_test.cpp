@@ -89,6 +89,28 @@ TEST_F(MsSqlTransfer, GivesEachTypeItsText) {
   EXPECT_EQ(Definition(MakeColumn("c", DataType::Empty, false)), " NOT NULL");
 }
 
+TEST_F(MsSqlTransfer, ReadsObjectsAsTheirText) {
+  for (const TypeMapping types : {TypeMapping::Classic, TypeMapping::Exact}) {
+    ConversionOptions options{.copy_table_content = true, .types = types};
+    src.SetOptions(options);
+    ado::Column place = MakeColumn("pla]ce", DataType::LongVarBinary);
+    place.server_type = "geography";
+    place.kind.base_type = "hierarchyid";
+    AddTable("t", {MakeColumn("id", DataType::Integer, false), place});
+    source.log.clear();
+    dest.log.clear();
+    host.notes.clear();
+    Transfer({"t"});
+    EXPECT_THAT(source.Sent("select [id]"),
+                ElementsAre("select [id], [pla]]ce].ToString() as [pla]]ce] from [t]"));
+    EXPECT_THAT(dest.Sent("Create Table"),
+                ElementsAre("Create Table `t`(`id` INT NOT NULL,`pla]ce` LONGTEXT NULL)"));
+    EXPECT_THAT(host.notes,
+                Contains("Table t: column pla]ce holds the text of its hierarchyid values"));
+    source.tables.clear();
+  }
+}
+
 TEST_F(MsSqlTransfer, SizesDecideOverTextAndFractions) {
   const auto sized = [&](DataType type, std::int64_t size) {
     return Definition(WithSize(MakeColumn("c", type, false), size));

@@ -26,5 +26,17 @@ TEST(CheckTextToMsSql, TextsLoseTheirCharacterSetsAndWhatIsReadOtherwiseIsNothin
   }
 }
 
+TEST(CheckTextToMsSql, BytesThatTheCatalogShowsAsCharactersAreReadAsTheTextTheyAre) {
+  for (const auto& [shown, meant] : {
+           std::pair{"`na\u00C3\u00AFve` <> _utf8mb4\\'\u00E4\u00B8\u0096\\'",
+                     "`na\u00EFve` <> _utf8mb4\\'\u4E16\\'"},
+           {"`k` <> _latin1\\'\u00E4\\'", "`k` <> _latin1\\'\u00E4\\'"},
+           {"`k` <> '\u4E16'", "`k` <> '\u4E16'"},
+           {"`k` <> '\xFF'", "`k` <> '\xFF'"},
+       }) {
+    EXPECT_EQ(FromCatalog(shown), meant);
+  }
+}
+
 }  // namespace
 }  // namespace dorvane::to_mssql

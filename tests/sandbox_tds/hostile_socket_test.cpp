@@ -103,7 +103,7 @@ TEST(HostileSocket, BrokenConversationsEndOnlyThemselves) {
   WireClient client(server.Port());
   client.LogIn();
   client.SendBatch("select 1");
-  EXPECT_EQ(FinalStatus(client.Receive()), kDoneFinal);
+  EXPECT_EQ(FinalStatus(client.Receive()), DoneFinal);
 }
 
 TEST(HostileSocket, ABrokenRequestIsAnsweredAndClosed) {

@@ -42,7 +42,7 @@ TEST_F(Wire, PacketsHaveTheNegotiatedSize) {
     client.LogIn(static_cast<std::uint32_t>(wanted));
     client.SendBatch("long");
     std::string reply = client.Receive();
-    EXPECT_EQ(FinalStatus(reply), kDoneCount);
+    EXPECT_EQ(FinalStatus(reply), DoneCount);
     EXPECT_TRUE(Contains(reply, std::string(100'000, 'x')));
     const auto& sizes = client.PacketSizes();
     for (std::size_t i = 0; i + 1 < sizes.size(); ++i) EXPECT_EQ(sizes[i], wanted);
@@ -68,17 +68,17 @@ TEST_F(Wire, AnAttentionEndsWhatRunsAndIsConfirmedOnce) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     client.Send(MessageType::Attention, "");
     std::string reply = client.Receive();
-    EXPECT_EQ(FinalStatus(reply), kDoneAttention) << batch;
+    EXPECT_EQ(FinalStatus(reply), DoneAttention) << batch;
     EXPECT_FALSE(Contains(reply, Utf16("too late")));
   }
   // Batch and attention in one segment, and an attention that comes when nothing runs.
   client.SendBytes(Packet(MessageType::SqlBatch, BatchRecord("wait")) +
                    Packet(MessageType::Attention, ""));
-  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
+  EXPECT_EQ(FinalStatus(client.Receive()), DoneAttention);
   client.Send(MessageType::Attention, "");
-  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
+  EXPECT_EQ(FinalStatus(client.Receive()), DoneAttention);
   client.SendBatch("long");
-  EXPECT_EQ(FinalStatus(client.Receive()), kDoneCount);
+  EXPECT_EQ(FinalStatus(client.Receive()), DoneCount);
 }
 
 TEST_F(Wire, AClientThatLeavesEndsItsBatch) {
@@ -108,9 +108,9 @@ TEST_F(Wire, AWithdrawnMessageIsNotRun) {
   client.Send(MessageType::SqlBatch, "", kLast | kIgnore);
   client.Send(MessageType::SqlBatch, BatchRecord("interrupted"), 0);
   client.Send(MessageType::Attention, "");
-  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
+  EXPECT_EQ(FinalStatus(client.Receive()), DoneAttention);
   client.SendBatch("run");
-  EXPECT_EQ(FinalStatus(client.Receive()), kDoneFinal);
+  EXPECT_EQ(FinalStatus(client.Receive()), DoneFinal);
   ASSERT_EQ(engine_.Calls().size(), 1U);
   EXPECT_EQ(engine_.Calls()[0].text, "run");
 }
@@ -163,7 +163,7 @@ TEST_F(Wire, ErrorsAndCountsOfAnUnfinishedResultStillEndIt) {
   client.SendBatch("broken");
   std::string reply = client.Receive();
   EXPECT_TRUE(Contains(reply, Utf16("does not match its column's type")));
-  EXPECT_EQ(FinalStatus(reply), kDoneCount);
+  EXPECT_EQ(FinalStatus(reply), DoneCount);
 }
 
 TEST_F(Wire, RefusalsSayWhy) {
@@ -185,7 +185,7 @@ TEST_F(Wire, RefusalsSayWhy) {
   }
   WireClient client(server_.Port());
   client.Send(MessageType::Login7, LoginRecord({.user = "SA"}));
-  EXPECT_EQ(FinalStatus(client.Receive()), kDoneFinal);
+  EXPECT_EQ(FinalStatus(client.Receive()), DoneFinal);
 }
 
 TEST_F(Wire, AClientThatNeedsEncryptionIsToldThereIsNone) {

@@ -27,6 +27,10 @@ class PlainEndpoint : public IDatabase {
   void CompareWithDest(IDatabase& dest, const NameList& tables) override {
     TransferToDest(dest, tables);
   }
+  void RehearseTransfer(IDatabase& dest, const NameList& tables,
+                        const ado::StatementSink& /*statements*/) override {
+    TransferToDest(dest, tables);
+  }
   void TransferToDest(IDatabase& dest, const NameList& tables) override {
     if (transfer_) transfer_(dest, tables, *listener_);
   }

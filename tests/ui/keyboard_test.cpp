@@ -111,12 +111,12 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
       {"cmdNav3",
        {"txtTableFilter", "cboSortTables", "lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL",
         "lstDestTables", "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore",
-        "chkConvertRelationShips", "chkExactTypes", "spnTablesAtOnce", "cmdNav1", "cmdNav2",
-        "cmdNav3"}},
+        "chkConvertRelationShips", "chkExactTypes", "chkKeepComputed", "spnTablesAtOnce",
+        "cboVerification", "cmdNav1", "cmdNav2", "cmdNav3"}},
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",
-           {"cmdTransferTables", "cmdSaveSettings", "cmdTasks", "lstSelectedTables",
+           {"cmdTransferTables", "cmdPreview", "cmdSaveSettings", "cmdTasks", "lstSelectedTables",
             "lstConvertedTables", "cmdNav1", "cmdNav2", "cmdNav4"}}});
 }
 

@@ -121,6 +121,7 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   driver_.Click("chkConvertDefOnly");
   driver_.Click("chkConvertRelationShips");
   driver_.Click("chkExactTypes");
+  driver_.Click("chkKeepComputed");
   driver_.Next();
   EXPECT_EQ(driver_.Window().CurrentPage(), 6);
   const WizardSession& session = driver_.Window().Session();
@@ -128,12 +129,14 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   EXPECT_EQ(driver_.Names("lstSelectedTables"), session.tables);
   EXPECT_EQ(driver_.LabelText("lblPlan"),
             "2 tables from localhost/master to localhost/copy; existing tables are kept and added "
-            "to; definitions only, without rows; with relationships; every value exactly");
+            "to; definitions only, without rows; with relationships; every value exactly; "
+            "computed columns stay computed");
   EXPECT_EQ(session.src->DbName(), "master");
   EXPECT_FALSE(session.src->CopyTableContent());
   EXPECT_FALSE(session.src->ReplaceSpaceWithUnderscore());
   EXPECT_TRUE(session.src->ConvertRelationships());
   EXPECT_EQ(session.src->Options().types, TypeMapping::Exact);
+  EXPECT_EQ(session.src->Options().computed_columns, ComputedColumns::Generated);
   EXPECT_TRUE(driver_.IsEnabled("cmdNav4"));
   EXPECT_FALSE(driver_.IsEnabled("cmdNav3"));
   EXPECT_FALSE(driver_.IsEnabled("cmdSchedule"));
@@ -145,6 +148,23 @@ TEST_F(Navigation, TablePageSettlesTheDestinationAndTransferPageTheOptions) {
   EXPECT_TRUE(driver_.Names("lstDestTables").empty());
   EXPECT_EQ(driver_.Names("lstSrcTables").size(), 2u) << "reloaded";
   EXPECT_EQ(driver_.Text("txtDestNewDbName"), "copy") << "the database that was created";
+}
+
+TEST_F(Navigation, WhatIsComparedAfterwardsIsChosenWithTheTables) {
+  GoToTables();
+  driver_.Click("cmdMLR");
+  auto& choice = driver_.Get<QComboBox>("cboVerification");
+  EXPECT_EQ(choice.currentText(), "nothing");
+  choice.setCurrentText("every value");
+  driver_.Next();
+  const WizardSession& session = driver_.Window().Session();
+  EXPECT_EQ(session.src->Options().verification, Verification::Values);
+  EXPECT_TRUE(driver_.LabelText("lblPlan").endsWith("; every value is compared afterwards"));
+  driver_.Back();
+  driver_.Click("chkConvertDefOnly");
+  EXPECT_FALSE(choice.isEnabled());
+  driver_.Next();
+  EXPECT_EQ(session.src->Options().verification, Verification::None);
 }
 
 TEST_F(Navigation, TablesMoveByButtonsAndDoubleClicks) {

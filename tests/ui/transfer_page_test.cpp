@@ -1,10 +1,16 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
 #include <QFileDialog>
+#include <QLabel>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QTableView>
+#include <QTimer>
 #include <limits>
 #include <semaphore>
 #include <thread>
@@ -132,6 +138,98 @@ TEST_F(TransferPages, AWholeConversionIsShownAndSummedUp) {
   EXPECT_FALSE(driver_.IsEnabled("cmdTransferTables"));
   driver_.Click("cmdSchedule");
   EXPECT_EQ(driver_.scheduled, (NameList{"Customers", "Orders"}));
+}
+
+TEST_F(TransferPages, AComparisonIsShownSummedUpAndReported) {
+  script_.transfer = [this](IConversionListener& listener, const NameList& tables) {
+    IRunHost& host = *script_.host;
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
+    for (const std::string& table : tables) {
+      host.TableStepStarted(table);
+      listener.TableConversionStarted(table);
+      listener.TableConversionSuccessed(table);
+      host.TableStepEnded(table, std::chrono::seconds(1));
+    }
+    host.ComparisonStarted();
+    for (const std::string& table : tables) {
+      host.TableStepStarted(table);
+      host.TableComparisonStarted(table, 100);
+      host.ShowRowsCompared(60);
+      if (table == "Customers") {
+        listener.ErrorOccured("Table Customers: 1 row is missing", message_style::kError,
+                              "Verification");
+      } else {
+        host.Inform("Table Orders: Verified: 100 rows equal");
+      }
+      host.TableStepEnded(table, std::chrono::seconds(1));
+    }
+    listener.ConversionEnded();
+  };
+  driver_.Get<QComboBox>("cboVerification").setCurrentText("every value");
+  GoToTransfer();
+  EXPECT_FALSE(driver_.IsEnabled("cmdSaveReport"));
+  std::vector<QString> states;
+  driver_.on_box = [&](QWidget&) {
+    states.push_back(driver_.LabelText("lblStatus") + " " +
+                     QString::number(Bar("pbRecordsProgress").value()) + " " +
+                     QString::number(Bar("pbTablesProgress").value()));
+  };
+  driver_.Click("cmdTransferTables");
+  ASSERT_EQ(states.size(), 2u);
+  EXPECT_EQ(states[0], "Comparing table 'Customers' ..... 60 2");
+  EXPECT_EQ(Bar("pbTablesProgress").maximum(), 4);
+  EXPECT_EQ(Bar("pbTablesProgress").value(), 4);
+  EXPECT_TRUE(driver_.TakeBoxes()[1].text.endsWith("\r\nVerified: 1 of 2 tables equal"));
+  EXPECT_TRUE(Messages().contains("Orders\tNote\tTable Orders: Verified: 100 rows equal"));
+
+  const QString path = QString::fromStdString((driver_.Folder() / "r.json").string());
+  QTimer::singleShot(0, &driver_.Window(), [&] {
+    auto* chooser = driver_.Window().findChild<QFileDialog*>("cdReport");
+    chooser->selectFile(path);
+    QMetaObject::invokeMethod(chooser, "accept");
+  });
+  driver_.Click("cmdSaveReport");
+  QFile saved(path);
+  ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+  const QByteArray report = saved.readAll();
+  EXPECT_TRUE(report.contains("\"complete\": true")) << report.toStdString();
+  EXPECT_TRUE(report.contains("\"text\": \"1 row is missing\""));
+  EXPECT_TRUE(report.contains("\"text\": \"Verified: 100 rows equal\""));
+}
+
+TEST_F(TransferPages, WhatWillHappenIsShownBeforehand) {
+  script_.transfer = [this](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
+    listener.TableConversionStarted(tables[0]);
+    script_.host->Inform("Table Customers: 3 fractions of a second were cut");
+    listener.TableContentTransferStarted(tables[0], 3);
+    listener.ErrorOccured("it is too long", message_style::kError, "Insertion Error");
+    listener.ConversionEnded();
+  };
+  GoToTransfer();
+  QString shown;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      if (window->objectName() != "frmPreview" || !window->isVisible()) continue;
+      if (!window->findChild<QLabel*>("lblOutcome")->text().startsWith("Something")) continue;
+      shown = window->findChild<QPlainTextEdit*>("txtScript")->toPlainText();
+      window->findChild<QAbstractButton*>("cmdClosePreview")->click();
+    }
+  });
+  look.start(20);
+  driver_.Click("cmdPreview");
+  EXPECT_TRUE(driver_.TakeBoxes().empty());
+  EXPECT_THAT(shown.toStdString(),
+              testing::HasSubstr("-- Table Customers\n"
+                                 "-- Note: Table Customers: 3 fractions of a second were cut\n"
+                                 "-- 3 rows are copied\n"
+                                 "-- Lost: Insertion Error - it is too long\n"
+                                 "\n-- 2 remarks, see above."));
+  EXPECT_FALSE(driver_.Get<QWidget>("tblMessages").isVisible());
+  EXPECT_TRUE(driver_.IsEnabled("cmdTransferTables"));
+  driver_.Click("cmdTransferTables");
+  EXPECT_EQ(driver_.TakeBoxes().size(), 2u) << "the listener is the run's again";
 }
 
 TEST_F(TransferPages, RowsAreShownInOrderWithTheOtherEvents) {

@@ -151,6 +151,30 @@ TEST(OutcomesOfTables, WhatWasBegunAndNotEndedHasFailedUnlessItWasStopped) {
   EXPECT_EQ(states_when(true), (std::vector{kFailed, kLeftOut, kLeftOut}));
 }
 
+TEST_F(Progress, AComparisonIsAFurtherStepOfEachTable) {
+  progress_.ConversionStarted(2, false, true);
+  EXPECT_EQ(progress_.Tables(), (Bar{0, 4}));
+  for (int i = 0; i < 2; ++i) {
+    progress_.TableConverted();
+    progress_.TableStepEnded();
+  }
+  progress_.ComparisonStarted();
+  EXPECT_EQ(progress_.Tables(), (Bar{2, 4}));
+  progress_.TableComparisonStarted("t", 5'000'000'000);
+  now_ += seconds(1);
+  progress_.RowsCompared(1'000'000'000);
+  progress_.RowsCompared(0);  // they are read once more
+  EXPECT_EQ(progress_.Status(), "Comparing table 't' .....");
+  EXPECT_EQ(progress_.Records(), (Bar{1'000'000'000, 2'147'483'647}));
+  EXPECT_EQ(progress_.RowsText(),
+            "1,000,000,000 of 5,000,000,000 rows, 1,000,000,000 rows/s, 0:04 left");
+  progress_.TableStepEnded();
+  EXPECT_EQ(progress_.Tables(), (Bar{3, 4}));
+  progress_.ShowTablesInHand({.names = {"t", "u"}, .rows = 1, .announced = 2});
+  EXPECT_EQ(progress_.Status(), "Comparing tables 't', 'u' .....");
+  EXPECT_TRUE(progress_.Summary(2, 0, 2, 1).ends_with("\r\nVerified: 1 of 2 tables equal"));
+}
+
 TEST_F(Progress, SummaryCountsAndTellsTheElapsedTime) {
   progress_.ConversionStarted(2, false);
   now_ += minutes(1) + seconds(5);

@@ -7,6 +7,10 @@
 
 namespace dorvane {
 
+/// Distances in a dialog, in logical pixels.
+inline constexpr int kDialogMargin = 20;
+inline constexpr int kDialogGap = 10;
+
 /// The colours of a soft button that shades from top to bottom.
 struct SoftButtonColors {
   QRgb back;      // at the top

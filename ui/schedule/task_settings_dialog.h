@@ -19,10 +19,6 @@ class QVBoxLayout;
 
 namespace dorvane {
 
-/// Distances of the scheduling dialogs in logical pixels.
-inline constexpr int kDialogMargin = 20;
-inline constexpr int kDialogGap = 10;
-
 /// How these dialogs talk to the user; `style` is a value of message_style.
 struct Messages {
   std::function<void(std::string_view text, std::int32_t style, std::string_view title)> show;

@@ -6,6 +6,7 @@
 #include "ui/controls/qt_text.h"
 #include "ui/controls/user_input.h"
 #include "ui/dialogs/message_box.h"
+#include "ui/wizard/preview_dialog.h"
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
@@ -30,7 +31,7 @@ frmWizard::frmWizard(WizardServices services)
 frmWizard::~frmWizard() = default;
 
 void frmWizard::ConnectRun() {
-  run_.SetTableCounts([this] { return transfer_page_->Counts(); });
+  run_.SetTableCounts([this] { return Counts(); });
   connect(&run_, &WizardRun::ProgressChanged, this, [this] { ShowProgress(run_.Progress()); });
   connect(&run_, &WizardRun::TablesEnded, transfer_page_, &TransferPage::AddOutcomes);
   connect(&run_, &WizardRun::Told, transfer_page_, &TransferPage::AddMessage);
@@ -48,6 +49,7 @@ void frmWizard::ConnectRun() {
     for (const Nav button : {kNext, kBack, kFinish}) NavButton(button).SetEnabled(false);
   });
   connect(&run_, &WizardRun::Ended, this, [this] {
+    report_ = recorder_.Report();
     NavButton(kCancel).SetEnabled(false);
     NavButton(kFinish).SetEnabled(true);
     NavButton(kFinish).setFocus();
@@ -85,9 +87,9 @@ void frmWizard::ChooseDirection(ServerKind source) {
   }
   tables_page_->ClearLists();
 
-  session_.src = services_.make_endpoint(source, run_);
+  session_.src = services_.make_endpoint(source, recorder_);
   session_.dest =
-      services_.make_endpoint(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql, run_);
+      services_.make_endpoint(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql, recorder_);
   if (from_ms_sql) {
     session_.src->SetPortNo(1433);
     session_.src->SetServer("localhost");
@@ -96,8 +98,8 @@ void frmWizard::ChooseDirection(ServerKind source) {
     session_.dest->SetServer("localhost");
     session_.dest->SetUserId("root");
   }
-  session_.src->SetListener(&run_);
-  session_.dest->SetListener(&run_);
+  session_.src->SetListener(&recorder_);
+  session_.dest->SetListener(&recorder_);
   for (const std::int16_t page : {page::kMySqlDestination, page::kMsSqlDestination}) {
     Page(page).ShowMerge();
   }
@@ -164,9 +166,33 @@ void frmWizard::Transfer(const NameList& tables) {
   if (leaving_.isActive()) {
     close();
   } else if (!has_ended) {
+    report_ = recorder_.Report();
     SetNavigationButtons(mnCurStep_);
     transfer_page_->ConversionGivenBack();
   }
+}
+
+WizardRun::TableCounts frmWizard::Counts() const {
+  WizardRun::TableCounts counts = transfer_page_->Counts();
+  for (const ReportedTable& table : recorder_.Report().tables) {
+    if (!table.verification) continue;
+    ++counts.compared;
+    if (!table.verification->is_failure) ++counts.equal;
+  }
+  return counts;
+}
+
+void frmWizard::ShowPreview() {
+  PreviewDialog dialog(this);
+  connect(&dialog, &PreviewDialog::StopRequested, this, [this] { run_.StopPreview(); });
+  PreviewScript script([&dialog](std::string_view lines) { dialog.Append(lines); });
+  dialog.open();
+  run_.Preview(*session_.src, *session_.dest, session_.tables, script);
+  session_.src->SetListener(&recorder_);
+  dialog.End(script.Remarks() == 0 ? "Nothing would be lost."
+                                   : QString("Something would be lost or changed: see the lines "
+                                             "with \"Lost:\" and \"Note:\"."));
+  if (dialog.isVisible()) dialog.exec();
 }
 
 void frmWizard::Cancel() {

@@ -11,6 +11,7 @@
 #include <map>
 
 #include "job/endpoints.h"
+#include "job/run_recorder.h"
 #include "ui/controls/gradient_button.h"
 #include "ui/controls/picture_box.h"
 #include "ui/wizard/connection_page.h"
@@ -115,6 +116,9 @@ class frmWizard : public QWidget {
   void SaveSettings();
   /// A server is at work for the wizard.
   bool IsBusy() const { return run_.IsTransferring() || server_caller_.IsWaiting(); }
+  /// The numbers of a run's summary.
+  WizardRun::TableCounts Counts() const;
+  void ShowPreview();
   void Cancel();
   /// Ends the program when the servers have answered. Asked once more, or after some seconds, it
   /// does not wait for them any longer.
@@ -125,7 +129,9 @@ class frmWizard : public QWidget {
   void ShowHelp();
 
   WizardServices services_;
-  WizardRun run_;  // outlives the endpoints that report to it
+  WizardRun run_;
+  RunRecorder recorder_{run_, run_};  // outlives the endpoints that report to it
+  RunReport report_;                  // of the last run
   WizardSession session_;
   ServerCaller server_caller_;
   SizesQuestion sizes_;

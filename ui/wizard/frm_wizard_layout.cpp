@@ -8,6 +8,7 @@
 #include "ui/controls/make_child.h"
 #include "ui/controls/qt_text.h"
 #include "ui/wizard/frm_wizard.h"
+#include "ui/wizard/save_report.h"
 
 namespace dorvane {
 namespace {
@@ -142,10 +143,17 @@ QWidget& frmWizard::BuildPages() {
   for (int index = 1; index < pages_->count(); ++index) pages_->widget(index)->setEnabled(false);
 
   connect(direction_page_, &DirectionPage::Chosen, this, &frmWizard::ChooseDirection);
-  connect(transfer_page_, &TransferPage::TransferRequested, this,
-          [this] { Transfer(session_.tables); });
-  connect(transfer_page_, &TransferPage::RestRequested, this,
-          [this] { Transfer(transfer_page_->Waiting()); });
+  connect(transfer_page_, &TransferPage::TransferRequested, this, [this] {
+    recorder_.Begin("Conversion", *session_.src, *session_.dest, session_.tables);
+    Transfer(session_.tables);
+  });
+  connect(transfer_page_, &TransferPage::PreviewRequested, this, &frmWizard::ShowPreview);
+  connect(transfer_page_, &TransferPage::RestRequested, this, [this] {
+    recorder_.Continue(report_, transfer_page_->Waiting());
+    Transfer(transfer_page_->Waiting());
+  });
+  connect(transfer_page_, &TransferPage::ReportRequested, this,
+          [this] { AskAndSaveReport(report_, this); });
   connect(transfer_page_, &TransferPage::StopRequested, this, [this] { run_.Stop(false); });
   connect(transfer_page_, &TransferPage::ScheduleRequested, this, [this] {
     services_.show_schedule(*session_.src, *session_.dest, session_.tables, this);

@@ -2,12 +2,10 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QSaveFile>
 #include <QShortcut>
 #include <QSortFilterProxyModel>
 #include <QStandardItemModel>
@@ -19,7 +17,7 @@
 
 #include "endpoint/events.h"
 #include "ui/controls/make_child.h"
-#include "ui/dialogs/message_box.h"
+#include "ui/dialogs/save_text.h"
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
@@ -127,16 +125,13 @@ void MessagesPane::Copy() {
 }
 
 void MessagesPane::SaveAs() {
-  QFileDialog cdMessages(this, "Save the messages", "messages.txt", "txt (*.txt)");
-  cdMessages.setObjectName("cdMessages");
-  cdMessages.setAcceptMode(QFileDialog::AcceptSave);
-  cdMessages.setDefaultSuffix("txt");
-  if (cdMessages.exec() != QDialog::Accepted) return;
-  QSaveFile file(cdMessages.selectedFiles().first());
-  const QByteArray bytes = Text().toUtf8();
-  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit()) return;
-  ShowMessage("The messages cannot be saved: " + file.errorString().toStdString(),
-              message_style::kError, "");
+  SaveTextAs(*this,
+             {.dialog = "cdMessages",
+              .title = "Save the messages",
+              .proposal = "messages.txt",
+              .suffix = "txt",
+              .what = "messages"},
+             Text());
 }
 
 }  // namespace dorvane

@@ -113,7 +113,7 @@ void TablesPage::AddFilter(QWidget& area, QGridLayout& grid) {
   txtTableFilter_->setAccessibleName("Filter of the available tables");
   txtTableFilter_->setClearButtonEnabled(true);
   label.setBuddy(txtTableFilter_);
-  cmdSelectPattern_ = &theme::AddButton("cmdSelectPattern", area, "Select by pattern", 'P');
+  cmdSelectPattern_ = &theme::AddButton("cmdSelectPattern", area, "Select by pattern", 'E');
   cmdSelectPattern_->setToolTip("Select every table that the filter shows");
   cmdSelectPattern_->SetEnabled(false);
   auto& sort_label = MakeChild<QLabel>(area, "Sort b&y");
@@ -185,7 +185,8 @@ void TablesPage::AddOptions() {
       add("chkReplaceSpaceWithUnderscore", "Convert names spaces to &underscore");
   chkConvertRelationShips_ = add("chkConvertRelationShips", "Convert &relationships");
   chkExactTypes_ = add("chkExactTypes", "&Keep every value exactly (modern column types)");
-  AddTablesAtOnce(card, layout);
+  chkKeepComputed_ = add("chkKeepComputed", "Keep co&mputed columns computed");
+  AddRunOptions(card, layout);
   AddSchemas(card);
 }
 
@@ -206,7 +207,7 @@ void TablesPage::AddSchemas(Card& card) {
   schemas_->hide();
 }
 
-void TablesPage::AddTablesAtOnce(Card& card, QBoxLayout& layout) {
+void TablesPage::AddRunOptions(Card& card, QBoxLayout& layout) {
   auto& row = MakeLayout<QHBoxLayout>(layout);
   row.setSpacing(theme::kGap);
   auto& label = MakeChild<QLabel>(card, "Tables at &once");
@@ -216,8 +217,18 @@ void TablesPage::AddTablesAtOnce(Card& card, QBoxLayout& layout) {
   spnTablesAtOnce_->setAccessibleName("Tables at once");
   spnTablesAtOnce_->setToolTip("Each of them takes connections of its own to both servers.");
   label.setBuddy(spnTablesAtOnce_);
+  auto& verification_label = MakeChild<QLabel>(card, "Com&pare afterwards");
+  cboVerification_ = &MakeNamed<QComboBox>("cboVerification", card);
+  // In the order of Verification.
+  cboVerification_->addItems({"nothing", "number of rows", "every value"});
+  verification_label.setBuddy(cboVerification_);
+  // Without rows there is nothing to compare.
+  connect(chkConvertDefOnly_, &QCheckBox::toggled, cboVerification_, &QWidget::setDisabled);
   row.addWidget(&label);
   row.addWidget(spnTablesAtOnce_);
+  row.addSpacing(theme::kGap);
+  row.addWidget(&verification_label);
+  row.addWidget(cboVerification_);
   row.addStretch();
 }
 
@@ -308,9 +319,14 @@ void TablesPage::ApplyOptions(IDatabase& src) const {
   src.SetConvertRelationships(chkConvertRelationShips_->isChecked());
   ConversionOptions options = src.Options();
   options.types = chkExactTypes_->isChecked() ? TypeMapping::Exact : TypeMapping::Classic;
+  options.computed_columns =
+      chkKeepComputed_->isChecked() ? ComputedColumns::Generated : ComputedColumns::Values;
   options.schemas = schemas_->isHidden() ? SchemaPolicy::Prefix
                                          : static_cast<SchemaPolicy>(cboSchemas_->currentIndex());
   options.tables_at_once = spnTablesAtOnce_->value();
+  options.verification = chkConvertDefOnly_->isChecked()
+                             ? Verification::None
+                             : static_cast<Verification>(cboVerification_->currentIndex());
   src.SetOptions(options);
 }
 

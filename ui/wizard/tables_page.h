@@ -58,7 +58,7 @@ class TablesPage : public WizardPage {
   void AddMoveButtons(QWidget& area, QGridLayout& grid);
   void AddOptions();
   void AddSchemas(Card& card);
-  void AddTablesAtOnce(Card& card, QBoxLayout& layout);
+  void AddRunOptions(Card& card, QBoxLayout& layout);
   /// Carries out one of the moving operations on what the two lists show.
   void Move(void (*operation)(TableLists& lists));
   /// Shows the available tables that the filter lets through; `current` is the selected one.
@@ -81,9 +81,11 @@ class TablesPage : public WizardPage {
   QCheckBox* chkReplaceSpaceWithUnderscore_;
   QCheckBox* chkConvertRelationShips_;
   QCheckBox* chkExactTypes_;
+  QCheckBox* chkKeepComputed_;
   QWidget* schemas_;  // label and box, shown where there are several schemas
   QComboBox* cboSchemas_;
   QSpinBox* spnTablesAtOnce_;
+  QComboBox* cboVerification_;
 };
 
 }  // namespace dorvane

@@ -39,12 +39,14 @@ class TransferPage : public WizardPage {
 
  signals:
   void TransferRequested();
+  void PreviewRequested();
   /// The tables that are left are to be transferred.
   void RestRequested();
   void StopRequested();
   void ScheduleRequested();
   /// The conversion is to be written into a settings file.
   void SaveRequested();
+  void ReportRequested();
   void TasksRequested();
 
  private:
@@ -62,8 +64,10 @@ class TransferPage : public WizardPage {
   OutcomesView* lstConvertedTables_;
   MessagesPane* messages_;
   GradientButton* cmdTransferTables_;
+  GradientButton* cmdPreview_;
   GradientButton* cmdSchedule_;
   GradientButton* cmdSaveSettings_;
+  GradientButton* cmdSaveReport_;  // of a run that is over
   GradientButton* cmdStop_;
   GradientButton* cmdTransferRest_;
 };

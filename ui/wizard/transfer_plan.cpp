@@ -21,6 +21,12 @@ constexpr Choice kChoices[] = {
     {[](const ConversionOptions& o) { return o.convert_relationships; }, "with relationships"},
     {[](const ConversionOptions& o) { return o.types == TypeMapping::Exact; },
      "every value exactly"},
+    {[](const ConversionOptions& o) { return o.verification == Verification::Counts; },
+     "the numbers of rows are compared afterwards"},
+    {[](const ConversionOptions& o) { return o.verification == Verification::Values; },
+     "every value is compared afterwards"},
+    {[](const ConversionOptions& o) { return o.computed_columns == ComputedColumns::Generated; },
+     "computed columns stay computed"},
 };
 
 }  // namespace

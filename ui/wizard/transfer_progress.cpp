@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "job/progress_text.h"
@@ -24,13 +25,14 @@ constexpr const char* kLeaving =
 
 TransferProgress::TransferProgress(std::function<Clock::time_point()> now) : now_(std::move(now)) {}
 
-void TransferProgress::ConversionStarted(std::int16_t tables, bool relations_included) {
-  tables_ = {0, relations_included ? 2 * tables : tables};
+void TransferProgress::ConversionStarted(std::int16_t tables, bool relations_included,
+                                         bool is_compared) {
+  tables_ = {0, tables * (1 + int{relations_included} + int{is_compared})};
   records_.value = 0;
   started_ = now_();
   stopping_ = nullptr;
   is_running_ = true;
-  copies_rows_ = is_side_by_side_ = false;
+  copies_rows_ = is_side_by_side_ = is_comparing_ = false;
   all_tables_ = all_rows_ = 0;
   summary_.clear();
   status_ = "Initializing the conversion.......";
@@ -45,8 +47,13 @@ void TransferProgress::TableConversionStarted(std::string_view table) {
 
 void TransferProgress::TableContentTransferStarted(std::int32_t records) {
   if (is_side_by_side_) return;
-  records_ = records > 0 ? Bar{0, records} : Bar{1, 1};
-  rows_expected_ = records;
+  ExpectRows(records);
+}
+
+void TransferProgress::ExpectRows(std::int64_t rows) {
+  constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+  records_ = rows > 0 ? Bar{0, static_cast<std::int32_t>(std::min(rows, kMost))} : Bar{1, 1};
+  rows_expected_ = rows;
   rows_done_ = 0;
   rows_started_ = last_row_ = now_();
   copies_rows_ = true;
@@ -56,9 +63,13 @@ void TransferProgress::RecordsConverted(std::int64_t count) {
   all_rows_ += count;
   if (is_side_by_side_) return;
   rows_done_ += count;
+  FillBar();
+}
+
+void TransferProgress::FillBar() {
   last_row_ = now_();
-  const std::int64_t value = records_.value + count;
-  records_.value = static_cast<std::int32_t>(std::min<std::int64_t>(value, records_.maximum));
+  const std::int64_t rows = std::min<std::int64_t>(rows_done_, records_.maximum);
+  records_.value = std::max(records_.value, static_cast<std::int32_t>(rows));
 }
 
 void TransferProgress::ShowTablesInHand(const TablesInHand& tables) {
@@ -67,7 +78,7 @@ void TransferProgress::ShowTablesInHand(const TablesInHand& tables) {
   for (const std::string& name : tables.names) {
     names += fmt::format("{}'{}'", names.empty() ? "" : ", ", name);
   }
-  status_ = fmt::format("Converting tables {} .....", names);
+  status_ = fmt::format("{} tables {} .....", is_comparing_ ? "Comparing" : "Converting", names);
   if (tables.rows != rows_done_ || !copies_rows_) last_row_ = now_();
   rows_done_ = tables.rows;
   rows_expected_ = tables.announced;
@@ -91,6 +102,28 @@ void TransferProgress::TableRelationsConversionStarted(std::string_view table) {
   records_.value = 0;
   copies_rows_ = false;
   TableEnded();
+}
+
+void TransferProgress::ComparisonStarted() {
+  is_comparing_ = true;
+  copies_rows_ = false;
+  records_.value = 0;
+}
+
+void TransferProgress::TableComparisonStarted(std::string_view table, std::int64_t rows) {
+  if (is_side_by_side_) return;
+  status_ = fmt::format("Comparing table '{}' .....", table);
+  ExpectRows(rows);
+}
+
+void TransferProgress::RowsCompared(std::int64_t rows) {
+  if (is_side_by_side_ || rows <= rows_done_) return;
+  rows_done_ = rows;
+  FillBar();
+}
+
+void TransferProgress::TableStepEnded() {
+  if (is_comparing_) TableEnded();
 }
 
 void TransferProgress::ConversionEnded() {
@@ -163,14 +196,17 @@ std::string TransferProgress::RowsText() const {
   return ProgressText(rows_done_, rows_expected_, now_() - rows_started_);
 }
 
-std::string TransferProgress::Summary(std::size_t converted, std::size_t failed) const {
+std::string TransferProgress::Summary(std::size_t converted, std::size_t failed,
+                                      std::size_t compared, std::size_t equal) const {
   const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(ended_ - started_);
+  const std::string verified =
+      compared > 0 ? fmt::format("\r\nVerified: {} of {} tables equal", equal, compared) : "";
   return fmt::format(
       "Transfer Complete!\r\n"
       "No. of converted tables: {}\r\n"
       "No. of Failed tables: {}\r\n"
-      "Elapsed time: {}",
-      converted, failed, ElapsedText(elapsed));
+      "Elapsed time: {}{}",
+      converted, failed, ElapsedText(elapsed), verified);
 }
 
 std::string ElapsedText(std::chrono::seconds elapsed) {

@@ -24,7 +24,7 @@ class TransferProgress {
 
   explicit TransferProgress(std::function<Clock::time_point()> now = Clock::now);
 
-  void ConversionStarted(std::int16_t tables, bool relations_included);
+  void ConversionStarted(std::int16_t tables, bool relations_included, bool is_compared = false);
   void TableConversionStarted(std::string_view table);
   void TableContentTransferStarted(std::int32_t records);
   /// `count` rows more. Rows beyond the announced number leave the bar full.
@@ -37,6 +37,13 @@ class TransferProgress {
   /// they come when a table is over.
   void ShowTablesInHand(const TablesInHand& tables);
   void TableRelationsConversionStarted(std::string_view table);
+  /// The tables are there, and are compared.
+  void ComparisonStarted();
+  void TableComparisonStarted(std::string_view table, std::int64_t rows);
+  /// Rows of the table in hand by now.
+  void RowsCompared(std::int64_t rows);
+  /// The run has done something for a table.
+  void TableStepEnded();
   void ConversionEnded();
   /// The user has seen the summary.
   void SummaryShown();
@@ -62,13 +69,17 @@ class TransferProgress {
   /// follows while the run is being stopped; empty while no rows are copied. At the end tables,
   /// rows and time of the conversion.
   std::string RowsText() const;
-  /// The four lines shown at the end.
-  std::string Summary(std::size_t converted, std::size_t failed) const;
+  /// The four lines shown at the end, and one more where tables were compared.
+  std::string Summary(std::size_t converted, std::size_t failed, std::size_t compared = 0,
+                      std::size_t equal = 0) const;
 
  private:
   static constexpr const char* kNotStarted = "- - - - -";
 
   double Share() const;
+  /// Rows are about to come, so many of them.
+  void ExpectRows(std::int64_t rows);
+  void FillBar();
 
   std::function<Clock::time_point()> now_;
   std::string status_ = kNotStarted;
@@ -84,6 +95,7 @@ class TransferProgress {
   bool copies_rows_ = false;
   const char* stopping_ = nullptr;  // what is told then
   bool is_side_by_side_ = false;
+  bool is_comparing_ = false;
   std::int64_t all_tables_ = 0;  // that were converted
   std::int64_t all_rows_ = 0;    // that were handled
   std::string summary_;

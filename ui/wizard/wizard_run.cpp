@@ -26,6 +26,7 @@ WizardRun::WizardRun() {
 
 bool WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables) {
   transferring_ = true;
+  compares_ = src.CopyTableContent() && src.Options().verification != Verification::None;
   stopping_ = has_ended_ = false;
   boxes_.Clear();
   table_.clear();
@@ -47,6 +48,18 @@ bool WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables
   return has_ended_;
 }
 
+void WizardRun::Preview(IDatabase& src, IDatabase& dest, const NameList& tables,
+                        PreviewScript& script) {
+  stopping_ = false;
+  script_ = &script;
+  try {
+    RunInWorker([&] { script.Rehearse(src, dest, tables); });
+  } catch (const std::exception& error) {
+    script.Fail(error.what(), "Dorvane");
+  }
+  script_ = nullptr;
+}
+
 void WizardRun::Stop(bool leave) {
   stopping_ = true;
   leaving_ = leaving_ || leave;
@@ -65,6 +78,10 @@ void WizardRun::RunInGuiThread(const Action& action) {
 }
 
 void WizardRun::FlushRowCount() {
+  if (const std::int64_t compared = compared_rows_.exchange(0)) {
+    progress_.RowsCompared(compared);
+    emit ProgressChanged();
+  }
   const std::int64_t rows = new_rows_.exchange(0);
   if (rows == 0) return;
   progress_.RecordsConverted(rows);
@@ -89,6 +106,7 @@ void WizardRun::EndTable(std::string_view table, TableState state) {
 
 void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view source,
                                      std::int32_t style) {
+  if (script_ != nullptr) return script_->Fail(message, source);
   RunInGuiThread([&] {
     if (!transferring_) return dorvane::ShowMessage(message, style, source);
     emit Told(Severity::kError, TableOf(message), std::string(message));
@@ -112,7 +130,7 @@ void WizardRun::ErrorOccured(std::string_view message, std::int32_t message_styl
 void WizardRun::ConversionStarted(std::int16_t no_of_tables, bool relations_included) {
   RunInGuiThread([&] {
     emit Started();
-    progress_.ConversionStarted(no_of_tables, relations_included);
+    progress_.ConversionStarted(no_of_tables, relations_included, compares_);
     emit ProgressChanged();
   });
 }
@@ -171,7 +189,8 @@ void WizardRun::ConversionEnded() {
     if (stopping_) return TellStopped();
     emit ProgressChanged();
     const TableCounts counts = table_counts_ ? table_counts_() : TableCounts();
-    const std::string summary = progress_.Summary(counts.converted, counts.waiting);
+    const std::string summary =
+        progress_.Summary(counts.converted, counts.waiting, counts.compared, counts.equal);
     emit Told(Severity::kInformation, "", summary);
     emit SummaryReady(summary);
     dorvane::ShowMessage(summary, message_style::kInformation, "");
@@ -196,6 +215,7 @@ void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::s
 }
 
 void WizardRun::Inform(std::string_view message) {
+  if (script_ != nullptr) return script_->Note(message);
   RunInGuiThread([&] { emit Told(Severity::kNote, TableOf(message), std::string(message)); });
 }
 
@@ -204,6 +224,32 @@ void WizardRun::ShowTablesInHand(const TablesInHand& tables) {
     if (stopping_) return;
     progress_.ShowTablesInHand(tables);
     outcomes_.TablesInHandSeen(tables);
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::TableStepStarted(std::string_view table_name) {
+  RunInGuiThread([&] { table_ = table_name; });
+}
+
+void WizardRun::TableStepEnded(std::string_view, std::chrono::duration<double>) {
+  if (!compares_) return;  // then the events tell it
+  RunInGuiThread([&] {
+    progress_.TableStepEnded();
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::ComparisonStarted() {
+  RunInGuiThread([&] {
+    progress_.ComparisonStarted();
+    emit ProgressChanged();
+  });
+}
+
+void WizardRun::TableComparisonStarted(std::string_view table_name, std::int64_t no_of_records) {
+  RunInGuiThread([&] {
+    progress_.TableComparisonStarted(table_name, no_of_records);
     emit ProgressChanged();
   });
 }

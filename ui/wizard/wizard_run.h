@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "endpoint/database.h"
+#include "job/preview_script.h"
 #include "ui/wizard/failure_boxes.h"
 #include "ui/wizard/messages_pane.h"
 #include "ui/wizard/table_outcome.h"
@@ -31,14 +32,21 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Runs the conversion and returns when it has ended; the window stays alive meanwhile. False
   /// when it could not connect or broke off: everything is as before then.
   bool Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
+  /// Rehearses the conversion for the script; returns when that has ended or was stopped. The
+  /// source has no listener then.
+  void Preview(IDatabase& src, IDatabase& dest, const NameList& tables, PreviewScript& script);
+  void StopPreview() { stopping_ = true; }
   bool IsTransferring() const { return transferring_; }
   /// Asks a running conversion to end soon. Who leaves sees no summary.
   void Stop(bool leave);
 
-  /// Gives the number of entries of the page's two lists, for the summary.
+  /// Gives the numbers of the summary: the entries of the page's two lists, and of the tables that
+  /// were compared. Called while the endpoint waits.
   struct TableCounts {
     std::size_t converted = 0;
     std::size_t waiting = 0;
+    std::size_t compared = 0;
+    std::size_t equal = 0;  // of those
   };
   void SetTableCounts(std::function<TableCounts()> counts) { table_counts_ = std::move(counts); }
 
@@ -60,6 +68,11 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   void ShowMessage(std::string_view message, std::int32_t style, std::string_view title) override;
   void Inform(std::string_view message) override;
   void ShowTablesInHand(const TablesInHand& tables) override;
+  void TableStepStarted(std::string_view table_name) override;
+  void TableStepEnded(std::string_view table_name, std::chrono::duration<double> took) override;
+  void ComparisonStarted() override;
+  void TableComparisonStarted(std::string_view table_name, std::int64_t no_of_records) override;
+  void ShowRowsCompared(std::int64_t rows) override { compared_rows_ = rows; }
   void UnclassifiedFailure(std::string_view message, std::int32_t style,
                            std::string_view title) override;
   void Yield() override {}
@@ -93,6 +106,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Shows a failure in a box, unless the boxes have had enough.
   void ShowFailure(std::string_view message, std::string_view source, std::int32_t style);
 
+  PreviewScript* script_ = nullptr;  // of the rehearsal that is under way
   TransferProgress progress_;
   FailureBoxes boxes_;
   OutcomeRecorder outcomes_;
@@ -102,8 +116,10 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   std::function<TableCounts()> table_counts_;
   QTimer row_timer_;
   std::atomic<std::int64_t> new_rows_ = 0;
+  std::atomic<std::int64_t> compared_rows_ = 0;  // of the table in hand
   std::atomic<bool> stopping_ = false;
   bool transferring_ = false;
+  bool compares_ = false;  // what has arrived
   bool leaving_ = false;
   bool has_ended_ = false;
 };

@@ -125,6 +125,31 @@ void ReplaceDoubtfulBytes(const ServerLink& link, const std::string& database,
   if (bytes || !has_digits) column.default_value = std::move(bytes);
 }
 
+/// How the catalog marks columns that are computed; a default that is an expression is none.
+bool IsGenerated(std::string_view extra) {
+  constexpr std::array<std::string_view, 3> kMarks = {"VIRTUAL GENERATED", "STORED GENERATED",
+                                                      "PERSISTENT"};
+  return extra == "VIRTUAL" || std::ranges::any_of(kMarks, [extra](std::string_view mark) {
+           return extra.find(mark) != std::string_view::npos;
+         });
+}
+
+/// Of a table that has computed columns.
+void ReadExpressions(const ServerLink& link, const std::string& database, const std::string& table,
+                     std::vector<Column>& columns) {
+  const std::string sql = fmt::format(
+      "select column_name, generation_expression from information_schema.columns c where {}",
+      IsTable(link, "c", database, table));
+  try {
+    for (const auto& row : Query(link.client.get(), sql)) {
+      const auto column = std::ranges::find(columns, row.at(0).value_or(""), &Column::name);
+      if (column != columns.end()) column->kind.computed = row.at(1).value_or("");
+    }
+  } catch (const ProviderError&) {
+    // An old server does not tell.
+  }
+}
+
 }  // namespace
 
 std::vector<TableInfo> ReadTables(const ServerLink& link, const std::string& database) {
@@ -160,15 +185,19 @@ std::vector<Column> ReadColumns(const ServerLink& link, const std::string& datab
         Translate(row.at(0).value_or(""), declaration, row.at(6).has_value());
     column.server_type = row.at(2).value_or("");
     column.kind.collation = row.at(10).value_or("");
+    const std::string extra = row.at(9).value_or("");
+    column.kind.is_given = IsGenerated(extra);
+    column.kind.is_persisted = column.kind.is_given && !extra.starts_with("VIRTUAL");
     if (row.at(7) == "YES") column.attributes |= kColumnNullable;
     if (row.at(8)) {
-      column.default_value =
-          DefaultValue(*row.at(8), type, row.at(9).value_or(""), link.quotes_defaults);
+      column.default_value = DefaultValue(*row.at(8), type, extra, link.quotes_defaults);
     }
     if (IsBinary(column.type) && column.default_value) {
       ReplaceDoubtfulBytes(link, database, table, column);
     }
   }
+  const auto is_given = [](const Column& column) { return column.kind.is_given; };
+  if (std::ranges::any_of(columns, is_given)) ReadExpressions(link, database, table, columns);
   return columns;
 }
 

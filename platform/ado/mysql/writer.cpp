@@ -21,6 +21,8 @@ constexpr std::size_t kMaxStatementRows = 512;
 // length and its bit among the NULLs.
 constexpr std::size_t kRequestOverhead = 64;
 constexpr std::size_t kValueOverhead = 12;
+constexpr std::size_t kLongValue = 1 << 20;  // bytes
+constexpr std::size_t kPieceBytes = 256 << 10;
 
 /// Bytes go as a binary string, text as text of the connection's character set.
 enum_field_types ParameterType(const Value& value) {
@@ -33,13 +35,29 @@ std::size_t SizeOf(std::span<const Value> row) {
   return size;
 }
 
-/// How many rows from `first` on go into one request of `limit` bytes.
+bool IsLong(const Value& value) {
+  return BytesOf(value).size() > kLongValue;
+}
+
+void AppendBinds(std::span<const Value> row, std::vector<MYSQL_BIND>& binds) {
+  for (const Value& value : row) {
+    const std::string_view bytes = BytesOf(value);
+    MYSQL_BIND& bind = binds.emplace_back();
+    bind.buffer_type = IsNull(value) ? MYSQL_TYPE_NULL : ParameterType(value);
+    bind.buffer = const_cast<char*>(bytes.data());
+    bind.buffer_length = bytes.size();
+  }
+}
+
+/// How many rows from `first` on go into one request of `limit` bytes; a row with a long value goes
+/// alone.
 std::size_t FittingRows(const RowBlock& rows, std::size_t first, std::size_t count,
                         std::size_t limit) {
   std::size_t size = kRequestOverhead;
   for (std::size_t i = 0; i < count; ++i) {
-    size += SizeOf(rows.Row(first + i));
-    if (size > limit) return i;
+    const std::span<const Value> row = rows.Row(first + i);
+    size += SizeOf(row);
+    if (size > limit || (i > 0 && std::ranges::any_of(row, IsLong))) return i;
   }
   return count;
 }
@@ -83,7 +101,11 @@ void RowWriter::Insert(const RowBlock& rows, std::size_t first, std::size_t coun
       throw MakeError(ER_NET_PACKET_TOO_LARGE, "08S01",
                       "Got a packet bigger than 'max_allowed_packet' bytes");
     }
-    sent = session_.Watch([&] {
+    sent = session_.Watch([&]() -> std::size_t {
+      if (std::ranges::any_of(rows.Row(first), IsLong)) {
+        InsertInPieces(rows.Row(first));
+        return 1;
+      }
       return session_.UsesBulk() ? InsertBulk(rows, first, sent)
                                  : InsertMultiRow(rows, first, sent);
     });
@@ -108,15 +130,38 @@ MYSQL_STMT* RowWriter::Prepared(Statement& statement, std::size_t rows) {
   return statement.get();
 }
 
-void RowWriter::Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds) {
+void RowWriter::Check(MYSQL_STMT* statement, bool succeeded) {
+  if (!succeeded) ThrowError(statement, session_.Link().client.get());
+}
+
+void RowWriter::Bind(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds) {
   // The library would read past the bindings of a statement with more parameters.
   if (mysql_stmt_param_count(statement) != binds.size()) {
     throw MalformedPacket("a statement with other parameters than were sent");
   }
-  const bool bound = binds.empty() || mysql_stmt_bind_param(statement, binds.data()) == 0;
-  if (!bound || mysql_stmt_execute(statement) != 0) {
-    ThrowError(statement, session_.Link().client.get());
+  Check(statement, binds.empty() || mysql_stmt_bind_param(statement, binds.data()) == 0);
+}
+
+void RowWriter::Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds) {
+  Bind(statement, binds);
+  Check(statement, mysql_stmt_execute(statement) == 0);
+}
+
+void RowWriter::InsertInPieces(std::span<const Value> row) {
+  MYSQL_STMT* statement = Prepared(multi_row_[1], 1);
+  std::vector<MYSQL_BIND> binds;
+  AppendBinds(row, binds);
+  Bind(statement, binds);
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (!IsLong(row[i])) continue;
+    for (std::string_view rest = BytesOf(row[i]); !rest.empty();) {
+      const std::string_view piece = rest.substr(0, kPieceBytes);
+      Check(statement, mysql_stmt_send_long_data(statement, static_cast<unsigned>(i), piece.data(),
+                                                 piece.size()) == 0);
+      rest.remove_prefix(piece.size());
+    }
   }
+  Check(statement, mysql_stmt_execute(statement) == 0);
 }
 
 /// As many rows as one statement takes, which is a power of two; returns their number.
@@ -127,13 +172,7 @@ std::size_t RowWriter::InsertMultiRow(const RowBlock& rows, std::size_t first, s
   std::vector<MYSQL_BIND> binds;
   binds.reserve(statement_rows * columns_);
   for (std::size_t i = 0; i < statement_rows; ++i) {
-    for (const Value& value : rows.Row(first + i)) {
-      const std::string_view bytes = BytesOf(value);
-      MYSQL_BIND& bind = binds.emplace_back();
-      bind.buffer_type = IsNull(value) ? MYSQL_TYPE_NULL : ParameterType(value);
-      bind.buffer = const_cast<char*>(bytes.data());
-      bind.buffer_length = bytes.size();
-    }
+    AppendBinds(rows.Row(first + i), binds);
   }
   Execute(Prepared(multi_row_[statement_rows], statement_rows), binds);
   return statement_rows;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,8 @@ class ClientSession;
 
 /// Inserts rows by prepared statements: by one for many rows at a time (the bulk protocol) or by
 /// some that take 1, 2, 4... rows each. A request never exceeds what the server takes; a single row
-/// that does is refused with error 1153 without being sent.
+/// that does is refused with error 1153 without being sent. Long values go ahead of their row, in
+/// pieces, so that no request holds them once more.
 class RowWriter final : public TableWriter {
  public:
   /// Throws ProviderError for a table or column that is not there.
@@ -25,7 +27,11 @@ class RowWriter final : public TableWriter {
 
  private:
   MYSQL_STMT* Prepared(Statement& statement, std::size_t rows);
+  /// Throws the statement's error unless the call succeeded.
+  void Check(MYSQL_STMT* statement, bool succeeded);
+  void Bind(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds);
   void Execute(MYSQL_STMT* statement, std::vector<MYSQL_BIND>& binds);
+  void InsertInPieces(std::span<const Value> row);
   std::size_t InsertMultiRow(const RowBlock& rows, std::size_t first, std::size_t count);
   std::size_t InsertBulk(const RowBlock& rows, std::size_t first, std::size_t count);
 

@@ -13,7 +13,7 @@ namespace dorvane::ado::odbc {
 namespace {
 
 constexpr std::size_t kFirstPart = 64 * 1024;
-/// A buffer that one large value made larger is given back before the next value.
+/// A buffer that one large value made larger is given back with the value.
 constexpr std::size_t kKeptLongBuffer = 1024 * 1024;
 
 }  // namespace
@@ -47,7 +47,6 @@ void ColumnBuffer::Get(SQLHANDLE statement, SQLUSMALLINT column) {
 }
 
 void ColumnBuffer::GetDataInParts(SQLHANDLE statement, SQLUSMALLINT column) {
-  if (data_.size() > kKeptLongBuffer) data_ = {};
   if (data_.size() < kFirstPart) data_.resize(kFirstPart);
   std::size_t fetched = 0;
   while (true) {
@@ -73,7 +72,7 @@ void ColumnBuffer::GetDataInParts(SQLHANDLE statement, SQLUSMALLINT column) {
   indicators_[0] = static_cast<SQLLEN>(fetched);
 }
 
-Value ColumnBuffer::Convert(std::size_t row, Arena& storage) const {
+Value ColumnBuffer::Convert(std::size_t row, Arena& storage) {
   const SQLLEN length = indicators_[row];
   if (length == SQL_NULL_DATA) return Null{};
   const std::size_t room = (is_long_ ? data_.size() : element_size_) - terminator_;
@@ -82,7 +81,9 @@ Value ColumnBuffer::Convert(std::size_t row, Arena& storage) const {
                        fmt::format("The driver cut off a value of the column \"{}\".", name_));
   }
   const char* const element = data_.data() + (is_long_ ? 0 : row * element_size_);
-  return ToValue(fetch_type_, {element, static_cast<std::size_t>(length)}, storage);
+  const Value value = ToValue(fetch_type_, {element, static_cast<std::size_t>(length)}, storage);
+  if (is_long_ && data_.size() > kKeptLongBuffer) data_ = {};
+  return value;
 }
 
 }  // namespace dorvane::ado::odbc

@@ -31,9 +31,9 @@ class ColumnBuffer {
   /// Fetches the current row's value, however long, as row 0. Throws ProviderError.
   void Get(SQLHANDLE statement, SQLUSMALLINT column);
 
-  /// The value of a fetched row; its text and bytes are put into `storage`. Throws ProviderError
+  /// The value of a fetched row, a long one once only; its text and bytes are put into `storage`. Throws ProviderError
   /// when the driver cut it.
-  Value Convert(std::size_t row, Arena& storage) const;
+  Value Convert(std::size_t row, Arena& storage);
 
  private:
   void GetDataInParts(SQLHANDLE statement, SQLUSMALLINT column);

@@ -11,6 +11,7 @@
 #include "platform/ado/odbc/catalog_reader.h"
 #include "platform/ado/odbc/diagnostics.h"
 #include "platform/ado/odbc/logon.h"
+#include "platform/ado/odbc/long_parameters.h"
 #include "platform/ado/odbc/result_reader.h"
 #include "platform/ado/odbc/session_state.h"
 #include "platform/ado/odbc/utf16.h"
@@ -36,6 +37,14 @@ class OdbcSession : public Session {
           SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
                          static_cast<SQLINTEGER>(text.size()));
       return std::make_unique<OdbcResultReader>(logon_, std::move(statement), executed);
+    });
+  }
+
+  void ExecuteWith(std::string_view sql, std::span<const Value> parameters) override {
+    logon_->Watch([&] {
+      Statement statement = logon_->NewStatement();
+      const SQLRETURN executed = ExecuteInPieces(statement, sql, parameters);
+      OdbcResultReader(logon_, std::move(statement), executed);
     });
   }
 

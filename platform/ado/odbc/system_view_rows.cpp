@@ -103,6 +103,8 @@ void AddColumnRow(const QueryRow& row, TableDetails& details) {
                  .alias_type = row.Text(kAliasType),
                  .collation = row.Text(kCollation),
                  .computed = row.Text(kComputed),
+                 .is_given = !row.Text(kComputed).empty() || row.Number(kGenerated) != 0 ||
+                             type == "timestamp",
                  .is_persisted = row.Flag(kIsPersisted),
                  .is_sparse = row.Flag(kIsSparse),
                  .is_row_guid = row.Flag(kIsRowGuid),

@@ -2,10 +2,11 @@
 
 #include <array>
 
-#include "sandbox/catalog/procedures/procedure.h"
+#include "sandbox/catalog/result_columns.h"
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 constexpr std::int64_t kOdbcTimestamp = 93, kOdbcDate = 91, kOdbcTime = -154, kOdbcOffset = -155;
@@ -68,8 +69,8 @@ Value NullIfNegative(int number) {
 OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern) {
   OdbcFacts facts;
   const TypeFacts& general = Facts(type.type);
-  facts.data_type = Number(general.odbc_type);
-  facts.sql_data_type = Number(general.odbc_sql_type);
+  facts.data_type = sys::Int(general.odbc_type);
+  facts.sql_data_type = sys::Int(general.odbc_sql_type);
   const bool sized = IsText(type.type) || IsBinary(type.type);
   if (sized && general.length == 0) {
     // (max) has no length to tell.
@@ -77,15 +78,15 @@ OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern) {
     facts.precision = length;
     facts.length = IsUnicode(type.type) ? length * 2 : length;
   } else if (type.type == SqlType::Decimal || type.type == SqlType::Numeric) {
-    facts.precision = Number(type.precision);
-    facts.length = Number(type.precision + 2);
-    facts.scale = Number(type.scale);
-    facts.radix = Number(10);
+    facts.precision = sys::Int(type.precision);
+    facts.length = sys::Int(type.precision + 2);
+    facts.scale = sys::Int(type.scale);
+    facts.radix = sys::Int(10);
   } else if (type.type == SqlType::Time || type.type == SqlType::DateTime2 ||
              type.type == SqlType::DateTimeOffset) {
-    facts.precision = Number(type.precision);
-    facts.length = Number(type.precision * 2);
-    facts.scale = Number(type.scale);
+    facts.precision = sys::Int(type.precision);
+    facts.length = sys::Int(type.precision * 2);
+    facts.scale = sys::Int(type.scale);
   }
   for (const FixedFacts& fixed : kFixed) {
     if (fixed.type != type.type) continue;
@@ -97,24 +98,24 @@ OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern) {
   if (sized && type.type != SqlType::Timestamp) facts.octet_length = facts.length;
   const bool classic = type.type == SqlType::DateTime || type.type == SqlType::SmallDateTime;
   if (classic) {
-    if (version3) facts.data_type = Number(kOdbcTimestamp);
-    facts.sql_data_type = Number(kDateTimeClass);
-    facts.datetime_sub = Number(3);
+    if (version3) facts.data_type = sys::Int(kOdbcTimestamp);
+    facts.sql_data_type = sys::Int(kDateTimeClass);
+    facts.datetime_sub = sys::Int(3);
   }
   if (modern && IsTemporal(type.type) && !classic) {
     const bool date = type.type == SqlType::Date, time = type.type == SqlType::Time;
     const bool offset = type.type == SqlType::DateTimeOffset;
-    facts.data_type = Number(date     ? kOdbcDate
-                             : time   ? kOdbcTime
-                             : offset ? kOdbcOffset
-                                      : kOdbcTimestamp);
-    facts.sql_data_type = time || offset ? facts.data_type : Number(kDateTimeClass);
-    if (date) facts.datetime_sub = Number(1);
-    if (type.type == SqlType::DateTime2) facts.datetime_sub = Number(3);
+    facts.data_type = sys::Int(date     ? kOdbcDate
+                               : time   ? kOdbcTime
+                               : offset ? kOdbcOffset
+                                        : kOdbcTimestamp);
+    facts.sql_data_type = time || offset ? facts.data_type : sys::Int(kDateTimeClass);
+    if (date) facts.datetime_sub = sys::Int(1);
+    if (type.type == SqlType::DateTime2) facts.datetime_sub = sys::Int(3);
   }
-  facts.ss_data_type = Number(39);
+  facts.ss_data_type = sys::Int(39);
   for (const ServerCode& code : kServerCodes) {
-    if (code.type == type.type) facts.ss_data_type = Number(code.code);
+    if (code.type == type.type) facts.ss_data_type = sys::Int(code.code);
   }
   return facts;
 }

@@ -1,126 +1,157 @@
 #include "sandbox/catalog/procedures/procedure.h"
-#include "sandbox/catalog/session.h"
 #include "sandbox/functions/functions.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
+using namespace sys;
+
+Value Position(std::size_t i) {
+  return Int(static_cast<std::int64_t>(i) + 1);
+}
+
+struct PrimaryKeyColumn {
+  std::string database;
+  const TableDef* table;
+  std::size_t i;  // within the key
+};
+
+const ShownColumns<PrimaryKeyColumn> kPrimaryKeys{
+    {"TABLE_QUALIFIER", kName, [](const PrimaryKeyColumn& c) { return Value(c.database); }},
+    {"TABLE_OWNER", kName, [](const PrimaryKeyColumn& c) { return Value(c.table->schema); }},
+    {"TABLE_NAME", kName, [](const PrimaryKeyColumn& c) { return Value(c.table->name); }},
+    {"COLUMN_NAME", kName,
+     [](const PrimaryKeyColumn& c) {
+       return Value(c.table->Column(c.table->PrimaryKey()->columns[c.i].column_id).name);
+     }},
+    {"KEY_SEQ", kSmall, [](const PrimaryKeyColumn& c) { return Position(c.i); }},
+    {"PK_NAME", kName,
+     [](const PrimaryKeyColumn& c) { return Value(c.table->PrimaryKey()->name); }},
+};
+
 int PrimaryKeys(Session& session, const Arguments& args) {
-  ResultRows result;
-  result.columns = {NameColumn("TABLE_QUALIFIER"),   NameColumn("TABLE_OWNER"),
-                    NameColumn("TABLE_NAME", false), NameColumn("COLUMN_NAME", false),
-                    SmallColumn("KEY_SEQ"),          NameColumn("PK_NAME")};
   const TableDef* table = FindArgument(session, args, 0, 1);
   const IndexDef* key = table ? table->PrimaryKey() : nullptr;
-  std::int64_t position = 0;
-  if (key) {
-    for (const IndexColumn& column : key->columns) {
-      result.rows.push_back({session.DatabaseName(), table->schema, table->name,
-                             table->Column(column.column_id).name, ++position, key->name});
-    }
-  }
-  session.SendRows(result.columns, result.rows);
+  std::vector<PrimaryKeyColumn> columns;
+  for (std::size_t i = 0; key && i < key->columns.size(); ++i)
+    columns.push_back({session.DatabaseName(), table, i});
+  SendItems(session, kPrimaryKeys, columns);
   return 0;
 }
 
-std::int64_t RuleCode(ForeignKeyRule rule) {
-  switch (rule) {
-    case ForeignKeyRule::Cascade:
-      return 0;
-    case ForeignKeyRule::NoAction:
-      return 1;
-    case ForeignKeyRule::SetNull:
-      return 2;
-    case ForeignKeyRule::SetDefault:
-      break;
-  }
-  return 3;
+struct KeyPair {
+  std::string database;
+  const TableDef* parent;
+  const TableDef* child;
+  const ForeignKeyDef* key;
+  std::size_t i;  // within the key
+};
+
+Value RuleCode(ForeignKeyRule rule) {
+  static constexpr int kCodes[] = {1, 0, 2, 3};  // no action, cascade, set null, set default
+  return Int(kCodes[static_cast<int>(rule)]);
 }
 
-// The unique index of the parent that the key refers to.
-std::string ParentKeyName(const TableDef& parent, const ForeignKeyDef& key) {
-  for (const IndexDef& index : parent.indexes) {
-    if (!index.unique || index.columns.size() != key.parent_columns.size()) continue;
-    bool same = true;
-    for (const IndexColumn& column : index.columns) {
-      same &= std::find(key.parent_columns.begin(), key.parent_columns.end(), column.column_id) !=
-              key.parent_columns.end();
-    }
-    if (same) return index.name;
-  }
-  return "";
+Value ParentKeyName(const KeyPair& p) {
+  const IndexDef* index = p.parent->UniqueIndexOn(p.key->parent_columns);
+  return index ? Value(index->name) : Value();
 }
+
+const ShownColumns<KeyPair> kForeignKeys{
+    {"PKTABLE_QUALIFIER", kName, [](const KeyPair& p) { return Value(p.database); }},
+    {"PKTABLE_OWNER", kName, [](const KeyPair& p) { return Value(p.parent->schema); }},
+    {"PKTABLE_NAME", kName, [](const KeyPair& p) { return Value(p.parent->name); }},
+    {"PKCOLUMN_NAME", kName,
+     [](const KeyPair& p) { return Value(p.parent->Column(p.key->parent_columns[p.i]).name); }},
+    {"FKTABLE_QUALIFIER", kName, [](const KeyPair& p) { return Value(p.database); }},
+    {"FKTABLE_OWNER", kName, [](const KeyPair& p) { return Value(p.child->schema); }},
+    {"FKTABLE_NAME", kName, [](const KeyPair& p) { return Value(p.child->name); }},
+    {"FKCOLUMN_NAME", kName,
+     [](const KeyPair& p) { return Value(p.child->Column(p.key->columns[p.i]).name); }},
+    {"KEY_SEQ", kSmall, [](const KeyPair& p) { return Position(p.i); }},
+    {"UPDATE_RULE", kSmall, [](const KeyPair& p) { return RuleCode(p.key->on_update); }},
+    {"DELETE_RULE", kSmall, [](const KeyPair& p) { return RuleCode(p.key->on_delete); }},
+    {"FK_NAME", kName, [](const KeyPair& p) { return Value(p.key->name); }},
+    {"PK_NAME", kName, ParentKeyName},
+    {"DEFERRABILITY", kSmall, [](const KeyPair&) { return Int(7); }},
+};
 
 int ForeignKeys(Session& session, const Arguments& args) {
   const bool has_parent = args.Text(0).has_value(), has_child = args.Text(3).has_value();
   const TableDef* wanted_parent = FindArgument(session, args, 0, 1);
   const TableDef* wanted_child = FindArgument(session, args, 3, 4);
-  ResultRows result;
-  result.columns = {
-      NameColumn("PKTABLE_QUALIFIER"), NameColumn("PKTABLE_OWNER"),     NameColumn("PKTABLE_NAME"),
-      NameColumn("PKCOLUMN_NAME"),     NameColumn("FKTABLE_QUALIFIER"), NameColumn("FKTABLE_OWNER"),
-      NameColumn("FKTABLE_NAME"),      NameColumn("FKCOLUMN_NAME"),     SmallColumn("KEY_SEQ"),
-      SmallColumn("UPDATE_RULE"),      SmallColumn("DELETE_RULE"),      NameColumn("FK_NAME"),
-      NameColumn("PK_NAME"),           SmallColumn("DEFERRABILITY")};
   const Catalog& catalog = session.Link().Definitions();
-  const std::string database = session.DatabaseName();
+  std::vector<KeyPair> pairs;
   for (const auto& [id, child] : catalog.tables) {
     if (has_child && &child != wanted_child) continue;
     for (const ForeignKeyDef& key : child.foreign_keys) {
       const TableDef& parent = catalog.tables.at(key.parent_table);
       if (has_parent && &parent != wanted_parent) continue;
-      for (std::size_t i = 0; i < key.columns.size(); ++i) {
-        result.rows.push_back(
-            {database, parent.schema, parent.name, parent.Column(key.parent_columns[i]).name,
-             database, child.schema, child.name, child.Column(key.columns[i]).name,
-             Number(static_cast<std::int64_t>(i) + 1), RuleCode(key.on_update),
-             RuleCode(key.on_delete), key.name, ParentKeyName(parent, key), Number(7)});
-      }
+      for (std::size_t i = 0; i < key.columns.size(); ++i)
+        pairs.push_back({session.DatabaseName(), &parent, &child, &key, i});
     }
   }
   if (has_parent && !has_child) {
-    SortRows(result, {4, 5, 6, 11, 8});
+    SendItems(session, kForeignKeys, pairs, {4, 5, 6, 11, 8});
   } else {
-    SortRows(result, {0, 1, 2, 11, 8});
+    SendItems(session, kForeignKeys, pairs, {0, 1, 2, 11, 8});
   }
-  session.SendRows(result.columns, result.rows);
   return 0;
 }
+
+// A column of an index, or the table itself.
+struct IndexedColumn {
+  std::string database;
+  const TableDef* table;
+  const IndexDef* index = nullptr;
+  std::size_t i = 0;  // within the index
+};
+
+// What the column shows of an index; NULL for the table itself.
+template <Value (*value)(const IndexedColumn& c)>
+Value OfIndex(const IndexedColumn& c) {
+  return c.index ? value(c) : Value();
+}
+
+using Indexed = const IndexedColumn&;
+
+const ShownColumns<IndexedColumn> kStatistics{
+    {"TABLE_QUALIFIER", kName, [](Indexed c) { return Value(c.database); }},
+    {"TABLE_OWNER", kName, [](Indexed c) { return Value(c.table->schema); }},
+    {"TABLE_NAME", kName, [](Indexed c) { return Value(c.table->name); }},
+    {"NON_UNIQUE", kSmall, OfIndex<[](Indexed c) { return Int(!c.index->unique); }>},
+    {"INDEX_QUALIFIER", kName, OfIndex<[](Indexed c) { return Value(c.table->name); }>},
+    {"INDEX_NAME", kName, OfIndex<[](Indexed c) { return Value(c.index->name); }>},
+    {"TYPE", kSmall, [](Indexed c) { return Int(!c.index             ? 0
+                                                : c.index->clustered ? 1
+                                                                     : 3); }},
+    {"SEQ_IN_INDEX", kSmall, OfIndex<[](Indexed c) { return Position(c.i); }>},
+    {"COLUMN_NAME", kName, OfIndex<[](Indexed c) {
+       return Value(c.table->Column(c.index->columns[c.i].column_id).name);
+     }>},
+    {"COLLATION",
+     {SqlType::Char, 1, 0, 0},
+     OfIndex<[](Indexed c) { return Word(c.index->columns[c.i].descending ? "D" : "A"); }>},
+    Null<IndexedColumn>("CARDINALITY", kInt),
+    Null<IndexedColumn>("PAGES", kInt),
+    Null<IndexedColumn>("FILTER_CONDITION", VarChar(128)),
+};
 
 int Statistics(Session& session, const Arguments& args) {
   const auto index_name = args.Text(3);
   const bool unique_only = args.Text(4).value_or("N") == "Y";
-  ResultRows result;
-  result.columns = {
-      NameColumn("TABLE_QUALIFIER"),      NameColumn("TABLE_OWNER"),
-      NameColumn("TABLE_NAME", false),    SmallColumn("NON_UNIQUE"),
-      NameColumn("INDEX_QUALIFIER"),      NameColumn("INDEX_NAME"),
-      SmallColumn("TYPE", false),         SmallColumn("SEQ_IN_INDEX"),
-      NameColumn("COLUMN_NAME"),          {"COLLATION", {SqlType::Char, 1, 0, 0}, true, false},
-      IntColumn("CARDINALITY"),           IntColumn("PAGES"),
-      TextColumn("FILTER_CONDITION", 128)};
   const TableDef* table = FindArgument(session, args, 0, 1);
-  if (!table) {
-    session.SendRows(result.columns, result.rows);
-    return 0;
-  }
-  const std::string database = session.DatabaseName();
-  result.rows.push_back({database, table->schema, table->name, Value(), Value(), Value(), Number(0),
-                         Value(), Value(), Value(), Value(), Value(), Value()});
-  for (const IndexDef& index : table->indexes) {
+  static const std::vector<IndexDef> kNone;
+  std::vector<IndexedColumn> columns;
+  if (table) columns.push_back({session.DatabaseName(), table});
+  for (const IndexDef& index : table ? table->indexes : kNone) {
     if (index_name && !MatchesPattern(index.name, *index_name, '\\')) continue;
     if (unique_only && !index.unique) continue;
-    std::int64_t position = 0;
-    for (const IndexColumn& column : index.columns) {
-      result.rows.push_back(
-          {database, table->schema, table->name, Number(!index.unique), table->name, index.name,
-           Number(index.clustered ? 1 : 3), ++position, table->Column(column.column_id).name,
-           std::string(column.descending ? "D" : "A"), Value(), Value(), Value()});
-    }
+    for (std::size_t i = 0; i < index.columns.size(); ++i)
+      columns.push_back({session.DatabaseName(), table, &index, i});
   }
-  SortRows(result, {3, 6, 5, 7});
-  session.SendRows(result.columns, result.rows);
+  SendItems(session, kStatistics, columns, {3, 6, 5, 7});
   return 0;
 }
 

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
-#include "sandbox/catalog/session.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/convert.h"
 #include "sandbox/values/errors.h"
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
 int CompareValues(const Value& a, const Value& b) {
@@ -25,14 +25,14 @@ int CompareValues(const Value& a, const Value& b) {
 }  // namespace
 
 std::optional<std::string> Arguments::Text(std::size_t i) const {
-  if (!values_[i] || values_[i]->value.index() == 0) return std::nullopt;
+  if (!values_[i] || IsNull(values_[i]->value)) return std::nullopt;
   std::string text = ValueText(values_[i]->value, values_[i]->type);
   text.erase(text.find_last_not_of(' ') + 1);
   return text;
 }
 
 std::int64_t Arguments::Integer(std::size_t i, std::int64_t when_missing) const {
-  if (!values_[i] || values_[i]->value.index() == 0) return when_missing;
+  if (!values_[i] || IsNull(values_[i]->value)) return when_missing;
   return std::get<std::int64_t>(Convert(values_[i]->value, values_[i]->type, BigIntType()));
 }
 
@@ -53,30 +53,13 @@ const TableDef* FindArgument(Session& session, const Arguments& arguments, std::
       {"", schema == "%" ? "" : schema, arguments.Text(name).value_or("")});
 }
 
-ColumnInfo NameColumn(const char* name, bool nullable) {
-  return {name, NVarChar(128), nullable, false};
-}
-ColumnInfo TextColumn(const char* name, int length, bool nullable) {
-  return {name, VarChar(static_cast<std::size_t>(length)), nullable, false};
-}
-ColumnInfo IntColumn(const char* name, bool nullable) {
-  return {name, IntType(), nullable, false};
-}
-ColumnInfo SmallColumn(const char* name, bool nullable) {
-  return {name, SmallIntType(), nullable, false};
-}
-
-void SortRows(ResultRows& result, std::initializer_list<std::size_t> columns) {
-  std::stable_sort(result.rows.begin(), result.rows.end(), [&](const auto& a, const auto& b) {
+void SortRows(sys::Rows& rows, std::initializer_list<std::size_t> columns) {
+  std::ranges::stable_sort(rows, [&](const auto& a, const auto& b) {
     for (const std::size_t column : columns) {
       if (const int order = CompareValues(a[column], b[column])) return order < 0;
     }
     return false;
   });
-}
-
-Value TextOrNull(const std::string& text) {
-  return text.empty() ? Value() : Value(text);
 }
 
 }  // namespace sandbox

@@ -6,12 +6,11 @@
 #include <string_view>
 #include <vector>
 
+#include "sandbox/catalog/result_columns.h"
+#include "sandbox/catalog/session.h"
 #include "sandbox/storage/catalog.h"
-#include "sandbox/values/types.h"
 
 namespace sandbox {
-
-class Session;
 
 /// The arguments of a call, in the order of the procedure's own parameters.
 class Arguments {
@@ -34,31 +33,22 @@ struct Procedure {
 
 const Procedure* FindProcedure(std::string_view name);
 
-/// The columns and rows of a result that a procedure makes.
-struct ResultRows {
-  std::vector<ColumnInfo> columns;
-  std::vector<std::vector<Value>> rows;
-};
-
-ColumnInfo NameColumn(const char* name, bool nullable = true);              // sysname
-ColumnInfo TextColumn(const char* name, int length, bool nullable = true);  // varchar
-ColumnInfo IntColumn(const char* name, bool nullable = true);
-ColumnInfo SmallColumn(const char* name, bool nullable = true);
-
-inline Value Number(std::int64_t number) {
-  return number;
-}
-
 /// The table that two arguments name; without an owner it is one that the bare name stands for.
 /// Null when there is none.
 const TableDef* FindArgument(Session& session, const Arguments& arguments, std::size_t name,
                              std::size_t owner);
 
-/// Sorts rows by the given columns, text as the server orders it.
-void SortRows(ResultRows& result, std::initializer_list<std::size_t> columns);
+/// Sorts rows by the columns at these positions, text as the server orders it.
+void SortRows(sys::Rows& rows, std::initializer_list<std::size_t> columns);
 
-/// The text of a default or "", as COLUMN_DEF shows it: NULL when there is none.
-Value TextOrNull(const std::string& text);
+/// Sends a result whose rows show the items, sorted by the columns at these positions.
+template <typename Item>
+void SendItems(Session& session, const sys::ShownColumns<Item>& columns,
+               const std::vector<Item>& items, std::initializer_list<std::size_t> sorted_by = {}) {
+  sys::Rows rows = sys::RowsOf(columns, items);
+  SortRows(rows, sorted_by);
+  session.SendRows(sys::InfosOf(columns), rows);
+}
 
 // One group each, in files of their own.
 std::span<const Procedure> CatalogProcedures();

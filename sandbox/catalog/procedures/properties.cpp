@@ -1,13 +1,11 @@
 // Texts that are kept with tables and their columns, such as MS_Description.
 
-#include <algorithm>
-
 #include "sandbox/catalog/procedures/procedure.h"
-#include "sandbox/catalog/session.h"
 #include "sandbox/text/text_order.h"
 #include "sandbox/values/errors.h"
 
 namespace sandbox {
+
 namespace {
 
 /// What the arguments name: a table, or a column of it.
@@ -36,52 +34,29 @@ std::optional<Place> PlaceOf(Session& session, const Arguments& args) {
   return place;
 }
 
-/// Changes the properties of a place; `is_there` says whether the property must be there before.
-template <typename Change>
-int ChangeProperty(Session& session, const Arguments& args, bool is_there, Change change) {
+int Add(Session& session, const Arguments& args) {
   const auto place = PlaceOf(session, args);
   if (!place) return 0;
   const std::string name = args.Text(0).value_or("");
   session.Link().BeginWrite();
   TableDef table = *place->table;
-  const auto property = std::ranges::find_if(table.properties, [&](const PropertyDef& each) {
-    return each.column_id == place->column_id && SameName(each.name, name);
-  });
-  const bool found = property != table.properties.end();
-  if (is_there && !found) Raise(15217, name, place->text);
-  if (!is_there && found) Raise(15233, name, place->text);
-  change(table.properties, property,
-         PropertyDef{place->column_id, name, args.Text(1).value_or("")});
+  for (const PropertyDef& each : table.properties) {
+    if (each.column_id == place->column_id && SameName(each.name, name))
+      Raise(15233, name, place->text);
+  }
+  table.properties.push_back({place->column_id, name, args.Text(1).value_or("")});
   session.Link().Store(std::move(table));
   return 0;
-}
-
-using Properties = std::vector<PropertyDef>;
-
-int Add(Session& session, const Arguments& args) {
-  return ChangeProperty(session, args, false,
-                        [](Properties& all, Properties::iterator, PropertyDef property) {
-                          all.push_back(std::move(property));
-                        });
-}
-
-int Update(Session& session, const Arguments& args) {
-  return ChangeProperty(session, args, true,
-                        [](Properties&, Properties::iterator found, PropertyDef property) {
-                          *found = std::move(property);
-                        });
 }
 
 }  // namespace
 
 std::span<const Procedure> PropertyProcedures() {
-  static const std::vector<const char*> kParameters{"@name",       "@value",      "@level0type",
-                                                    "@level0name", "@level1type", "@level1name",
-                                                    "@level2type", "@level2name"};
   static const std::vector<Procedure> kProcedures{
-      {"sp_addextendedproperty", kParameters, Add},
-      {"sp_updateextendedproperty", kParameters, Update},
-  };
+      {"sp_addextendedproperty",
+       {"@name", "@value", "@level0type", "@level0name", "@level1type", "@level1name",
+        "@level2type", "@level2name"},
+       Add}};
   return kProcedures;
 }
 

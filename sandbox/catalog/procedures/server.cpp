@@ -1,51 +1,33 @@
 #include <filesystem>
 
 #include "sandbox/catalog/procedures/procedure.h"
-#include "sandbox/catalog/session.h"
 #include "sandbox/text/text_order.h"
-#include "sandbox/values/ticks.h"
-#include "sandbox/values/type_rules.h"
 
 namespace sandbox {
+
 namespace {
 
+using namespace sys;
+
+struct Database {
+  std::string name;
+  std::int64_t kilobytes;
+};
+
+const ShownColumns<Database> kDatabases{
+    {"DATABASE_NAME", kName, [](const Database& d) { return Value(d.name); }},
+    {"DATABASE_SIZE", kInt, [](const Database& d) { return Int(d.kilobytes); }},
+    Null<Database>("REMARKS", kRemarks),
+};
+
 int Databases(Session& session, const Arguments&) {
-  ResultRows result;
-  result.columns = {NameColumn("DATABASE_NAME"), IntColumn("DATABASE_SIZE"),
-                    TextColumn("REMARKS", 254)};
+  std::vector<Database> databases;
   for (const auto& database : session.Folder().All()) {
     std::error_code ignored;
     const auto bytes = std::filesystem::file_size(database->file, ignored);
-    const std::int64_t kilobytes = ignored ? 0 : static_cast<std::int64_t>(bytes / 1024);
-    result.rows.push_back({database->name, kilobytes, Value()});
+    databases.push_back({database->name, ignored ? 0 : static_cast<std::int64_t>(bytes / 1024)});
   }
-  SortRows(result, {0});
-  session.SendRows(result.columns, result.rows);
-  return 0;
-}
-
-int HelpDatabase(Session& session, const Arguments&) {
-  ResultRows result;
-  result.columns = {NameColumn("name"),
-                    TextColumn("owner", 128),
-                    SmallColumn("dbid"),
-                    {"created", DateTimeType(), true, false}};
-  for (const auto& database : session.Folder().All()) {
-    result.rows.push_back(
-        {database->name, session.Login(), Number(database->id),
-         DateTimeValue{static_cast<std::int32_t>(database->created / kTicksPerDay),
-                       database->created % kTicksPerDay, 0}});
-  }
-  SortRows(result, {0});
-  session.SendRows(result.columns, result.rows);
-  return 0;
-}
-
-int Who(Session& session, const Arguments&) {
-  const auto spid = session.SessionValue("@@spid", {});
-  session.SendRows(
-      {SmallColumn("spid"), NameColumn("status"), NameColumn("loginame"), NameColumn("dbname")},
-      {{spid->first, std::string("runnable"), session.Login(), session.DatabaseName()}});
+  SendItems(session, kDatabases, databases, {0});
   return 0;
 }
 
@@ -65,32 +47,6 @@ int AddType(Session& session, const Arguments& args) {
   const bool nullable = nulls == "null";
   session.RunBatch("create type " + Bracketed(args.Text(0).value_or("")) + " from " +
                    args.Text(1).value_or("") + (nullable ? " null" : " not null"));
-  return 0;
-}
-
-int DropType(Session& session, const Arguments& args) {
-  session.RunBatch("drop type " + Bracketed(args.Text(0).value_or("")));
-  return 0;
-}
-
-int ServerInfo(Session& session, const Arguments& args) {
-  const std::pair<std::int64_t, std::pair<const char*, const char*>> kInfo[] = {
-      {1, {"DBMS_NAME", "Microsoft SQL Server"}},
-      {2, {"DBMS_VER", "Microsoft SQL Server 2019 - 15.0.2000.5"}},
-      {10, {"OWNER_TERM", "owner"}},
-      {11, {"TABLE_TERM", "table"}},
-      {12, {"MAX_OWNER_NAME_LENGTH", "128"}},
-      {16, {"IDENTIFIER_CASE", "MIXED"}},
-      {18,
-       {"COLLATION_SEQ", "charset=iso_1 sort_order=nocase_iso charset_num=1 sort_order_num=52"}}};
-  ResultRows result;
-  result.columns = {IntColumn("ATTRIBUTE_ID"), TextColumn("ATTRIBUTE_NAME", 60),
-                    TextColumn("ATTRIBUTE_VALUE", 255)};
-  for (const auto& [id, info] : kInfo) {
-    if (args.Integer(0, id) == id)
-      result.rows.push_back({id, std::string(info.first), std::string(info.second)});
-  }
-  session.SendRows(result.columns, result.rows);
   return 0;
 }
 
@@ -119,12 +75,8 @@ std::span<const Procedure> IdleProcedures() {
 std::span<const Procedure> ServerProcedures() {
   static const std::vector<Procedure> kProcedures{
       {"sp_databases", {}, Databases},
-      {"sp_helpdb", {"@dbname"}, HelpDatabase},
-      {"sp_who", {"@loginame"}, Who},
-      {"sp_server_info", {"@attribute_id"}, ServerInfo},
       {"sp_reset_connection", {}, Nothing},
       {"sp_addtype", {"@typename", "@phystype", "@nulltype", "@owner"}, AddType},
-      {"sp_droptype", {"@typename"}, DropType},
   };
   return kProcedures;
 }

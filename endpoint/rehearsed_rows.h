@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "endpoint/row_copier.h"
+#include "platform/ado/types.h"
+
+namespace dorvane {
+
+/// How much a column takes.
+struct ColumnRoom {
+  enum class Unit { Bytes, Characters, Utf16 };
+  std::string column;  // as the destination names it
+  Unit unit = Unit::Bytes;
+  std::optional<std::int64_t> most = {};  // of the unit; none: any number
+};
+
+/// The room of a column of this type, in the words of either server: "varchar(30)", "TEXT".
+/// `size` is the catalog's where the words lack it; 0 when there is none.
+ColumnRoom RoomOf(std::string column, std::string_view type, ServerKind server,
+                  std::int64_t size = 0);
+
+/// Rows that go nowhere: they are converted, and refused where a value is too long for its column,
+/// as the server would refuse them. `rows` is the table that they would go into; `room` has an
+/// entry for each column.
+std::unique_ptr<IRowDestination> Rehearsed(std::unique_ptr<IRowDestination> rows,
+                                           std::vector<ColumnRoom> room, ServerKind server);
+
+}  // namespace dorvane

@@ -1,0 +1,218 @@
+// A preview says beforehand what a run does and what is lost by it, and changes nothing.
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "tests/e2e/rig.h"
+
+namespace dorvane::test {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+constexpr const char* kMsSqlShop =
+    "create table Customer (Id int identity(7,1) not null primary key, Name nvarchar(40) not null, "
+    "Since datetime null, Note varchar(max) null, Code uniqueidentifier null, Price money default "
+    "1.5)\ngo\n"
+    "create unique index Names on Customer(Name)\ngo\n"
+    "insert into Customer (Name, Since, Note) values (N'Łódź', '2024-02-29 12:30:15.123', "
+    "'short')\n"
+    "insert into Customer (Name, Note) values (N'x', replicate(convert(varchar(max), 'long '), "
+    "20000))\n"
+    "insert into Customer (Name) values (N'y')\ngo\n"
+    "create table Orders (No int not null primary key, Customer int not null references "
+    "Customer(Id))\ngo\n"
+    "insert into Orders values (1, 7)\ngo\n"
+    "create table Loose (A int null, B varchar(10) null)\ngo\n"
+    "insert into Loose values (1, 'x')\ngo\n";
+
+constexpr const char* kMySqlShop =
+    "create table Customer (Id int auto_increment primary key, Name varchar(40) not null unique, "
+    "Since datetime(6), Born date, Clock time, Note text, Kind enum('a','b') default 'b') "
+    "character "
+    "set utf8mb4;"
+    "insert into Customer values (1, 'Łódź', '2024-02-29 12:30:15.123456', '1700-01-01', "
+    "'12:00:00', 'n', 'a'), (2, 'x', null, null, null, null, null);"
+    "create table Orders (No int primary key, Customer int not null, foreign key (Customer) "
+    "references Customer(Id));"
+    "insert into Orders values (1, 1);"
+    "create table Loose (A int, B varchar(10));"
+    "insert into Loose values (1, 'x')";
+
+std::vector<std::string> LinesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+/// The messages of a log, as a preview says them.
+std::vector<std::string> MessagesOf(const std::string& log) {
+  std::vector<std::string> messages;
+  for (const std::string& line : LinesOf(log)) {
+    constexpr std::string_view kNote = "Note - Table ";
+    if (line.starts_with(kNote)) messages.push_back("-- Note: Table " + line.substr(kNote.size()));
+    if (line.find(" Error - ") != std::string::npos) messages.push_back("-- Lost: " + line);
+  }
+  return messages;
+}
+
+std::vector<std::string> RemarksOf(const std::string& preview) {
+  std::vector<std::string> remarks = LinesOf(preview);
+  std::erase_if(remarks, [](const std::string& line) {
+    return !line.starts_with("-- Lost: ") && !line.starts_with("-- Note: ");
+  });
+  return remarks;
+}
+
+class PreviewTest : public testing::Test {
+ protected:
+  void MakeShop(ServerKind source) {
+    if (source == ServerKind::MsSql) {
+      rig_.MsSql().Script(kMsSqlShop, database_);
+    } else {
+      rig_.MySql().Query(kMySqlShop, database_);
+    }
+  }
+  Job TheJob(ServerKind source) const {
+    return {.source = source,
+            .source_db = database_,
+            .dest_db = database_,
+            .tables = {"Customer", "Loose", "Orders"},
+            .mode = convert_mode::kOverwrite,
+            .relationships = true};
+  }
+  std::string Preview(const Job& job, int status) {
+    ProgramRun run(job, {}, {"--preview"});
+    EXPECT_EQ(run.Wait(), status) << run.Output();
+    EXPECT_EQ(run.Log(), "");
+    return run.Output();
+  }
+
+  Rig& rig_ = Rig::Get();
+  const std::string database_ = rig_.NewDatabases();
+};
+
+TEST_F(PreviewTest, ShowsTheStatementsThatAreSentToMySql) {
+  MakeShop(ServerKind::MsSql);
+  const std::string preview = Preview(TheJob(ServerKind::MsSql), 1);
+  EXPECT_EQ(rig_.MySqlValue("show tables", database_), "");
+
+  rig_.MySqlValue(
+      "set global log_output = 'TABLE'; truncate mysql.general_log; "
+      "set global general_log = 1",
+      database_);
+  ProgramRun run(TheJob(ServerKind::MsSql));
+  run.Wait();
+  rig_.MySqlValue("set global general_log = 0", database_);
+  const std::string sent = rig_.MySqlValue(
+      "select concat(argument, ';') from mysql.general_log where command_type = 'Query' and "
+      "argument regexp '^(create|alter|drop) ' order by event_time",
+      database_);
+  std::vector<std::string> shown = LinesOf(preview);
+  std::erase_if(shown,
+                [](const std::string& line) { return line.empty() || line.starts_with("--"); });
+  EXPECT_THAT(shown, testing::ElementsAreArray(LinesOf(sent)));
+  EXPECT_THAT(preview, HasSubstr("-- 3 rows are copied\n"));
+
+  EXPECT_THAT(RemarksOf(preview), testing::ElementsAreArray(MessagesOf(run.Log())));
+  EXPECT_THAT(RemarksOf(preview),
+              Contains(HasSubstr("1 of 3 rows were not copied; the first: 1406 - Data too long for "
+                                 "column 'Note' at row 1 (row 2)")));
+}
+
+TEST_F(PreviewTest, TheScriptForSqlServerMakesWhatTheRunMakes) {
+  MakeShop(ServerKind::MySql);
+  const std::string preview = Preview(TheJob(ServerKind::MySql), 1);
+  EXPECT_EQ(rig_.MsSqlValue("select count(*) from sys.tables", database_), "0");
+
+  ProgramRun run(TheJob(ServerKind::MySql));
+  run.Wait();
+  EXPECT_THAT(RemarksOf(preview), Contains(HasSubstr("1 dates before 1753-01-01 were raised")));
+  EXPECT_THAT(RemarksOf(preview), testing::ElementsAreArray(MessagesOf(run.Log())));
+
+  std::string script = preview;
+  const std::string other = rig_.NewMsSqlDatabase();
+  const std::size_t first_create = script.find("Create ");
+  ASSERT_NE(first_create, std::string::npos) << script;
+  rig_.MsSql().Script(script.substr(first_create), other);
+  for (const char* question :
+       {"select object_name(object_id), name, type_name(system_type_id), max_length, is_nullable, "
+        "is_identity from sys.columns where object_id in (select object_id from sys.tables) "
+        "order by 1, column_id",
+        "select object_name(object_id), type_desc, is_unique, is_primary_key from sys.indexes "
+        "where object_id in (select object_id from sys.tables) order by 1, 2, 3, 4",
+        "select name from sys.foreign_keys order by 1"}) {
+    const std::string made = rig_.MsSqlValue(question, database_);
+    EXPECT_NE(made, "");
+    EXPECT_EQ(rig_.MsSqlValue(question, other), made);
+  }
+}
+
+TEST_F(PreviewTest, FindsNamesThatAreTooLong) {
+  const std::string name(70, 'n');
+  rig_.MsSql().Script("create table " + name + " (A int)\ngo\ncreate table T (A int, B" + name +
+                          " int)\ngo\ncreate table K (A int)\ngo\ncreate index I" + name +
+                          " on K(A)\ngo\n",
+                      database_);
+  Job job = TheJob(ServerKind::MsSql);
+  job.tables = {name, "T", "K"};
+  std::vector<std::string> remarks = RemarksOf(Preview(job, 1));
+  ProgramRun run(job);
+  EXPECT_EQ(run.Wait(), 1);
+  const auto is_of_table = [](const std::string& line) {
+    return line.find("'nnn") != std::string::npos;
+  };
+  EXPECT_EQ(std::erase_if(remarks, is_of_table), 1U) << "MariaDB has words of its own for it";
+  std::vector<std::string> told;
+  for (const std::string& line : LinesOf(run.Log())) {
+    if (line.find("is too long") != std::string::npos && !is_of_table(line)) {
+      told.push_back("-- Lost: " + line);
+    }
+  }
+  EXPECT_EQ(told.size(), 2U) << run.Log();
+  EXPECT_THAT(remarks, testing::ElementsAreArray(told));
+}
+
+TEST_F(PreviewTest, TellsOfTablesThatAreThere) {
+  MakeShop(ServerKind::MsSql);
+  rig_.MySqlValue("create table Loose (A int, B varchar(10)); insert into Loose values (1, 'old')",
+                  database_);
+  Job job = TheJob(ServerKind::MsSql);
+  job.tables = {"Loose"};
+  EXPECT_THAT(
+      Preview(job, 1),
+      HasSubstr("-- Note: Table Loose: the 1 row of Loose on the destination are dropped\n"));
+
+  job.mode = convert_mode::kMerge;
+  rig_.MySqlValue("alter table Loose add primary key (A)", database_);
+  const std::string merged = Preview(job, 0);
+  EXPECT_THAT(merged, HasSubstr("-- Loose is there with 1 row\n"));
+  EXPECT_THAT(merged, testing::Not(HasSubstr("Create Table")));
+  EXPECT_THAT(merged, HasSubstr("-- Nothing would be lost.\n"));
+
+  rig_.MsSql().Script("insert into Loose values (2, 'ten signs!'), (3, 'ab')\ngo\n", database_);
+  rig_.MySqlValue("alter table Loose modify B varchar(4)", database_);
+  EXPECT_THAT(RemarksOf(Preview(job, 1)),
+              Contains(HasSubstr("1 of 3 rows were not copied; the first: 1406")));
+  EXPECT_EQ(rig_.MySqlValue("select count(*) from Loose", database_), "1");
+}
+
+TEST_F(PreviewTest, NeedsSettingsAndServers) {
+  Job job = TheJob(ServerKind::MsSql);
+  job.dest_db = "missing";
+  EXPECT_THAT(Preview(job, 1), HasSubstr("missing"));
+  job.tables = {"nowhere"};
+  job.dest_db = database_;
+  EXPECT_THAT(RemarksOf(Preview(job, 1)), Contains(HasSubstr("nowhere")));
+}
+
+}  // namespace
+}  // namespace dorvane::test
