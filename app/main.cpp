@@ -20,6 +20,8 @@ constexpr char kHelp[] =
     "Dorvane copies a database from Microsoft SQL Server to MySQL or back.\n"
     "\n"
     "  Dorvane                 opens the wizard\n"
+    "  Dorvane --wizard SETTINGS.dcs\n"
+    "                          opens the wizard with what the settings file describes\n"
     "  Dorvane SETTINGS.dcs    converts what the settings file describes, without a window,\n"
     "                          and appends to the log that it names\n"
     "  Dorvane --verify SETTINGS.dcs\n"
@@ -87,9 +89,13 @@ int main(int argc, char** argv) {
     if (!path.starts_with(mode.option)) continue;
     return static_cast<int>(mode.run(path.substr(mode.option.size()), dorvane::MakeEndpoint));
   }
-  if (!path.empty()) {
+  constexpr std::string_view kWizard = "--wizard";
+  const bool opens_wizard = path == kWizard || path.starts_with(std::string(kWizard) + " ");
+  if (!path.empty() && !opens_wizard) {
     return static_cast<int>(dorvane::RunUnattendedConversion(path, dorvane::MakeEndpoint));
   }
   if (!HasDisplay()) EndWithoutDisplay();
-  return dorvane::RunWizard(argc, argv, EndWithoutDisplay);
+  // "--wizard" alone is what a desktop says that has no file.
+  const std::string settings = path.size() > kWizard.size() ? path.substr(kWizard.size() + 1) : "";
+  return dorvane::RunWizard(argc, argv, settings, EndWithoutDisplay);
 }

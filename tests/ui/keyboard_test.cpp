@@ -116,7 +116,7 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",
-           {"cmdTransferTables", "cmdPreview", "cmdTasks", "lstSelectedTables",
+           {"cmdTransferTables", "cmdPreview", "cmdSaveSettings", "cmdTasks", "lstSelectedTables",
             "lstConvertedTables", "cmdNav1", "cmdNav2", "cmdNav4"}}});
 }
 

@@ -144,6 +144,19 @@ TEST_F(ScheduleDialogTest, RefusesATakenNameAndKeepsItsSettingsFile) {
   EXPECT_EQ(dialog_->findChild<TaskSettingsDialog*>(), nullptr);
 }
 
+TEST_F(ScheduleDialogTest, ProposesANameThatIsFreeAndALog) {
+  dest_.SetDbName("sales");
+  MakeDialog({"Customers"});
+  EXPECT_EQ(Text(Find<QLineEdit>("txtTaskName").text()), "Sales to sales");
+  EXPECT_EQ(Text(Find<QLineEdit>("txtLogFile").text()),
+            (program_folder_ / "Sales to sales.txt").string());
+  Click("cmdSchedule");
+  CloseSettings("cmdTaskCancel");
+  EXPECT_TRUE(std::filesystem::exists(program_folder_ / "Sales to sales.dcs"));
+  MakeDialog({"Customers"});
+  EXPECT_EQ(Text(Find<QLineEdit>("txtTaskName").text()), "Sales to sales 2");
+}
+
 TEST_F(ScheduleDialogTest, AsksForANameAndALogFile) {
   Find<QLineEdit>("txtLogFile").setFocus();
   Fill("", "log.txt");

@@ -37,7 +37,7 @@ class WizardDriver {
   explicit WizardDriver(Script& script)
       : WizardDriver([&script](ServerKind kind, IRunHost& host) {
           // Others than the run itself ask in silence.
-          if (dynamic_cast<RunRecorder*>(&host)) script.host = &host;
+          if (dynamic_cast<IConversionListener*>(&host)) script.host = &host;
           return std::make_unique<ScriptedEndpoint>(kind, script);
         }) {}
 

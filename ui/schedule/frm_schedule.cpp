@@ -49,6 +49,7 @@ frmSchedule::frmSchedule(const IDatabase& src, const IDatabase& dest, NameList t
   layout.addWidget(&cmdSchedule, 2, 1, Qt::AlignRight);
   layout.addWidget(&cmdCancel, 2, 2);
 
+  ProposeNames();
   connect(&cmdBrowse, &QAbstractButton::clicked, this, &frmSchedule::Browse);
   connect(&cmdSchedule, &QAbstractButton::clicked, this, &frmSchedule::Schedule);
   connect(&cmdCancel, &QAbstractButton::clicked, this, &QWidget::close);
@@ -63,6 +64,19 @@ QLineEdit& frmSchedule::AddField(QGridLayout& layout, const char* name, const QS
   layout.addWidget(&label, row, 0);
   layout.addWidget(&field, row, 1);
   return field;
+}
+
+void frmSchedule::ProposeNames() {
+  const std::string base = fmt::format("{} to {}", src_.DbName(), dest_.DbName());
+  std::string name = base;
+  for (int number = 2; std::filesystem::exists(TaskSettingsFile(services_.settings_folder, name));
+       ++number) {
+    name = fmt::format("{} {}", base, number);
+  }
+  txtTaskName_->setText(QString::fromStdString(name));
+  txtTaskName_->selectAll();
+  txtLogFile_->setText(
+      QString::fromStdString((services_.settings_folder / (name + ".txt")).string()));
 }
 
 void frmSchedule::Browse() {

@@ -36,6 +36,8 @@ class frmSchedule : public QDialog {
 
  private:
   QLineEdit& AddField(QGridLayout& layout, const char* name, const QString& caption);
+  /// A task's name that is free, and a log beside its settings file.
+  void ProposeNames();
   void Browse();
   void Schedule();
   /// Makes the task and its settings file, and shows the task's settings. Throws RunTimeError; a

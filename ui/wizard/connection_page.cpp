@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "platform/text/number_text.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/wizard/connection_history.h"
@@ -35,11 +37,31 @@ void ConnectionPage::ProposeNewName(const std::string& name) {
 
 void ConnectionPage::Reset() {
   for (QLineEdit* field : {host_, user_, password_, port_}) field->clear();
+  wanted_database_.clear();
   encryption_->Clear();
   databases_->clear();
   databases_->setEnabled(false);
   if (traits_.is_destination) new_name_->setEnabled(WantsNewDatabase());
   SetConnected(false);
+}
+
+void ConnectionPage::Fill(const IDatabase& endpoint) {
+  const ado::ConnectionSettings& settings = endpoint.Settings();
+  host_->setText(QString::fromStdString(settings.server));
+  port_->setText(QString::number(settings.port));
+  user_->setText(QString::fromStdString(settings.user_id));
+  password_->setText(QString::fromStdString(settings.password));
+  encryption_->Choose(settings.encryption, settings.ca_file);
+  wanted_database_ = settings.database;
+  if (!windows_login_) return;
+  windows_login_->setChecked(settings.integrated_security);
+  OnWindowsLogin();
+}
+
+void ConnectionPage::ChooseExisting(std::int16_t convert_mode) {
+  existing_database_->setChecked(true);
+  OnExistingDatabase();
+  (convert_mode == dorvane::convert_mode::kOverwrite ? overwrite_ : merge_)->setChecked(true);
 }
 
 void ConnectionPage::SetConnected(bool connected) {
@@ -153,7 +175,9 @@ bool ConnectionPage::ListDatabases() {
     databases_->addItem(QString::fromStdString(name));
     databases_->setItemData(databases_->count() - 1, QString::fromStdString(name), Qt::ToolTipRole);
   }
-  databases_->setCurrentIndex(names->empty() ? -1 : 0);
+  const int wanted = databases_->findText(QString::fromStdString(wanted_database_),
+                                          Qt::MatchFixedString | Qt::MatchCaseSensitive);
+  databases_->setCurrentIndex(names->empty() ? -1 : std::max(wanted, 0));
   databases_->setEnabled(true);
   databases_->setFocus();
   return true;

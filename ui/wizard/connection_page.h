@@ -43,6 +43,11 @@ class ConnectionPage : public WizardPage {
   /// Copies the fields into the endpoint, which may be newer than the connection.
   void ApplyToEndpoint() const { ApplyFields(Typed(), Endpoint()); }
 
+  /// Fills the fields with what an endpoint says; its database is chosen when the page connects.
+  void Fill(const IDatabase& endpoint);
+  /// Destination pages: an existing database is to be used, in this mode.
+  void ChooseExisting(std::int16_t convert_mode);
+
   /// What choosing a direction does to the page: empty fields and no connection.
   void Reset();
   /// Shows the merge mode that a new source endpoint starts with.
@@ -77,6 +82,7 @@ class ConnectionPage : public WizardPage {
 
   const ConnectionPageTraits& traits_;
   std::optional<ServerInfo> info_;
+  std::string wanted_database_;
   WizardSession& session_;
   ServerCaller& server_caller_;
 

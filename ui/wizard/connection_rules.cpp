@@ -172,6 +172,7 @@ void ApplyFields(const TypedSettings& typed, IDatabase& endpoint) {
   ado::ConnectionSettings settings = typed.settings;
   settings.port = text::ParsePort(typed.port);
   settings.database = endpoint.DbName();
+  settings.idle_limit = endpoint.Settings().idle_limit;  // of a settings file, perhaps
   endpoint.SetSettings(std::move(settings));
 }
 

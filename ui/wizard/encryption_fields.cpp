@@ -73,6 +73,13 @@ void EncryptionFields::Clear() {
   file_.clear();
 }
 
+void EncryptionFields::Choose(ado::Encryption encryption, const std::string& ca_file) {
+  for (int i = 0; i < list_.count(); ++i) {
+    if (kChoices[i].value == encryption) list_.setCurrentIndex(i);
+  }
+  file_.setText(QString::fromStdString(ca_file));
+}
+
 void EncryptionFields::SetEnabled(bool enabled) {
   list_.setEnabled(enabled);
   file_.setEnabled(enabled);

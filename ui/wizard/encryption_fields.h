@@ -29,6 +29,7 @@ class EncryptionFields : public QObject {
   /// Empty where certificates are not verified.
   std::string CaFile() const;
   void Clear();
+  void Choose(ado::Encryption encryption, const std::string& ca_file);
   void SetEnabled(bool enabled);
 
  private:

@@ -19,6 +19,7 @@ constexpr std::chrono::seconds kLongestLeave(5);
 frmWizard::frmWizard(WizardServices services)
     : services_(std::move(services)), server_caller_(*this), sizes_(services_.make_endpoint) {
   setObjectName("frmWizard");
+  setAcceptDrops(true);
   BuildWindow();
   ConnectRun();
   ShowMessagesOver(*this);
@@ -234,7 +235,7 @@ void frmWizard::Leave() {
 }
 
 void frmWizard::closeEvent(QCloseEvent* event) {
-  if (run_.IsTransferring() || server_caller_.IsWaiting()) {
+  if (IsBusy()) {
     event->ignore();
     return Leave();
   }

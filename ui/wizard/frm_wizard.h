@@ -57,6 +57,10 @@ class frmWizard : public QWidget {
   /// Shows the first page, reads the last run's values and chooses their direction.
   void Load();
 
+  /// Fills the wizard with a settings file and shows its source page. Says why when the file
+  /// cannot be used.
+  void OpenSettings(const std::filesystem::path& path);
+
   /// Prepares a page and shows it, unless something is missing: that is told and the current page
   /// stays.
   void ShowStep(std::int16_t page);
@@ -73,6 +77,9 @@ class frmWizard : public QWidget {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  /// A settings file may be dropped on the window.
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   enum Nav { kCancel = 1, kBack = 2, kNext = 3, kFinish = 4 };
@@ -105,6 +112,10 @@ class frmWizard : public QWidget {
 
   void ChooseDirection(ServerKind source);
   void Transfer(const NameList& tables);
+  /// Asks for a file and writes the conversion into it.
+  void SaveSettings();
+  /// A server is at work for the wizard.
+  bool IsBusy() const { return run_.IsTransferring() || server_caller_.IsWaiting(); }
   /// The numbers of a run's summary.
   WizardRun::TableCounts Counts() const;
   void ShowPreview();

@@ -158,6 +158,7 @@ QWidget& frmWizard::BuildPages() {
   connect(transfer_page_, &TransferPage::ScheduleRequested, this, [this] {
     services_.show_schedule(*session_.src, *session_.dest, session_.tables, this);
   });
+  connect(transfer_page_, &TransferPage::SaveRequested, this, &frmWizard::SaveSettings);
   connect(transfer_page_, &TransferPage::TasksRequested, this,
           [this] { services_.show_tasks(this); });
   return *pages_;

@@ -59,7 +59,7 @@ QIcon ProgramIcon() {
 
 }  // namespace
 
-int RunWizard(int argc, char** argv, NoDisplay no_display) {
+int RunWizard(int argc, char** argv, const std::string& settings_file, NoDisplay no_display) {
   const auto app = OpenDisplay(argc, argv, no_display);
   QApplication::setApplicationName("Dorvane");
   QApplication::setWindowIcon(ProgramIcon());
@@ -82,6 +82,7 @@ int RunWizard(int argc, char** argv, NoDisplay no_display) {
   QObject::connect(&wizard, &frmWizard::Closed, [] { QCoreApplication::exit(0); });
   wizard.show();
   wizard.Load();
+  if (!settings_file.empty()) wizard.OpenSettings(settings_file);
   return QApplication::exec();
 }
 

@@ -113,7 +113,7 @@ void TablesPage::AddFilter(QWidget& area, QGridLayout& grid) {
   txtTableFilter_->setAccessibleName("Filter of the available tables");
   txtTableFilter_->setClearButtonEnabled(true);
   label.setBuddy(txtTableFilter_);
-  cmdSelectPattern_ = &theme::AddButton("cmdSelectPattern", area, "Select by pattern", 'P');
+  cmdSelectPattern_ = &theme::AddButton("cmdSelectPattern", area, "Select by pattern", 'E');
   cmdSelectPattern_->setToolTip("Select every table that the filter shows");
   cmdSelectPattern_->SetEnabled(false);
   auto& sort_label = MakeChild<QLabel>(area, "Sort b&y");
@@ -247,7 +247,22 @@ void TablesPage::SetAvailable(NameList names, bool has_schemas) {
   available_ = std::move(names);
   positions_.clear();
   for (const std::string& name : available_) positions_.emplace(name, positions_.size());
+  NameList selected;
+  for (const std::string& name : std::exchange(wanted_, {})) {
+    if (std::erase(available_, name) > 0) selected.push_back(name);
+  }
+  lstDestTables_->SetNames(selected, static_cast<int>(selected.size()) - 1);
   ShowAvailable({});
+}
+
+void TablesPage::Fill(const ConversionOptions& options, NameList wanted) {
+  chkConvertDefOnly_->setChecked(!options.copy_table_content);
+  chkReplaceSpaceWithUnderscore_->setChecked(options.replace_space_with_underscore);
+  chkConvertRelationShips_->setChecked(options.convert_relationships);
+  chkExactTypes_->setChecked(options.types == TypeMapping::Exact);
+  cboSchemas_->setCurrentIndex(static_cast<int>(options.schemas));
+  spnTablesAtOnce_->setValue(options.tables_at_once);
+  wanted_ = std::move(wanted);
 }
 
 void TablesPage::SetSizes(const std::vector<TableSize>& sizes) {

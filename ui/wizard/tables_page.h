@@ -44,6 +44,8 @@ class TablesPage : public WizardPage {
   /// Fills the available list; the first entry becomes current. `has_schemas`: the names may be of
   /// several schemas.
   void SetAvailable(NameList names, bool has_schemas);
+  /// Shows the options, and selects these tables as soon as the source has listed its own.
+  void Fill(const ConversionOptions& options, NameList wanted);
   /// Shows the sizes beside the tables' names.
   void SetSizes(const std::vector<TableSize>& sizes);
   const NameList& Selected() const { return lstDestTables_->Names(); }
@@ -64,6 +66,7 @@ class TablesPage : public WizardPage {
   void ShowCounts();
   void Sort();
 
+  NameList wanted_;     // to be selected, in this order
   NameList available_;  // those that the filter hides among them
   std::unordered_map<std::string, std::size_t> positions_;  // in the server's list
   std::unordered_map<std::string, TableSize> sizes_;

@@ -45,20 +45,24 @@ void TransferPage::AddButtons() {
   cmdPreview_ = &theme::AddButton("cmdPreview", *this, "What will happen", 'W');
   cmdSchedule_ = &theme::AddButton("cmdSchedule", *this, "Schedule Conversion", 'S');
   cmdSchedule_->SetEnabled(false);
+  cmdSaveSettings_ = &theme::AddButton("cmdSaveSettings", *this, "Save as settings file", 'i');
+  cmdSaveSettings_->setToolTip("Dorvane runs such a file without a window, and opens it again");
   cmdSaveReport_ = &theme::AddButton("cmdSaveReport", *this, "Save report", 'R');
   cmdSaveReport_->SetEnabled(false);
   auto& cmdTasks = theme::AddButton("cmdTasks", *this, "Scheduled tasks", 'K');
-  auto& row = MakeLayout<QHBoxLayout>(Content());
-  row.setSpacing(theme::kGap);
-  row.addWidget(cmdTransferTables_);
-  row.addWidget(cmdPreview_);
-  row.addWidget(cmdSchedule_);
-  row.addWidget(cmdSaveReport_);
-  row.addStretch();
-  row.addWidget(&cmdTasks);
+  // One row would be wider than a small window.
+  using Buttons = std::vector<GradientButton*>;
+  for (const Buttons& buttons :
+       {Buttons{cmdTransferTables_, cmdPreview_, nullptr, &cmdTasks},
+        Buttons{cmdSchedule_, cmdSaveSettings_, cmdSaveReport_, nullptr}}) {
+    auto& row = MakeLayout<QHBoxLayout>(Content());
+    row.setSpacing(theme::kGap);
+    for (GradientButton* button : buttons) button ? row.addWidget(button) : row.addStretch();
+  }
   connect(cmdTransferTables_, &QAbstractButton::clicked, this, &TransferPage::TransferRequested);
   connect(cmdPreview_, &QAbstractButton::clicked, this, &TransferPage::PreviewRequested);
   connect(cmdSchedule_, &QAbstractButton::clicked, this, &TransferPage::ScheduleRequested);
+  connect(cmdSaveSettings_, &QAbstractButton::clicked, this, &TransferPage::SaveRequested);
   connect(cmdSaveReport_, &QAbstractButton::clicked, this, &TransferPage::ReportRequested);
   connect(&cmdTasks, &QAbstractButton::clicked, this, &TransferPage::TasksRequested);
 }
@@ -157,6 +161,7 @@ void TransferPage::Show(const TransferProgress& progress) {
 
 void TransferPage::ConversionStarted() {
   cmdSchedule_->SetEnabled(false);
+  cmdSaveSettings_->SetEnabled(false);
   cmdSaveReport_->SetEnabled(false);
   cmdTransferTables_->SetEnabled(false);
   cmdPreview_->SetEnabled(false);
@@ -168,6 +173,7 @@ void TransferPage::ConversionStarted() {
 
 void TransferPage::ConversionEnded() {
   cmdSchedule_->SetEnabled(true);
+  cmdSaveSettings_->SetEnabled(true);
   cmdSaveReport_->SetEnabled(true);
   cmdStop_->SetEnabled(false);
   if (Waiting().empty()) return;
@@ -176,6 +182,7 @@ void TransferPage::ConversionEnded() {
 }
 
 void TransferPage::ConversionGivenBack() {
+  cmdSaveSettings_->SetEnabled(true);
   cmdStop_->SetEnabled(false);
   cmdSaveReport_->SetEnabled(true);
   cmdTransferTables_->SetEnabled(true);

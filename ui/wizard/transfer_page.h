@@ -44,6 +44,8 @@ class TransferPage : public WizardPage {
   void RestRequested();
   void StopRequested();
   void ScheduleRequested();
+  /// The conversion is to be written into a settings file.
+  void SaveRequested();
   void ReportRequested();
   void TasksRequested();
 
@@ -64,6 +66,7 @@ class TransferPage : public WizardPage {
   GradientButton* cmdTransferTables_;
   GradientButton* cmdPreview_;
   GradientButton* cmdSchedule_;
+  GradientButton* cmdSaveSettings_;
   GradientButton* cmdSaveReport_;  // of a run that is over
   GradientButton* cmdStop_;
   GradientButton* cmdTransferRest_;
