@@ -73,6 +73,11 @@ Value CollationProperty(SqlSession&, Args args) {
   return known ? Value(std::int64_t{1252}) : Value();
 }
 
+Value ServerProperty(SqlSession&, Args args) {
+  if (!SameName(TextArgument(args, 0), "productversion")) return {};
+  return std::string("15.0.2000.5");
+}
+
 template <Value (*function)(Session&, Args)>
 Value Of(SqlSession& s, Args args) {
   return function(s, args);
@@ -114,6 +119,7 @@ const Entry kEntries[] = {
     {"object_schema_name", kName, Of<ObjectSchemaNameOf>},
     {"type_name", kName, NameOfType},
     {"collationproperty", kInt, CollationProperty},
+    {"serverproperty", kName, ServerProperty},
 };
 
 }  // namespace
