@@ -31,8 +31,8 @@ class ColumnBuffer {
   /// Fetches the current row's value, however long, as row 0. Throws ProviderError.
   void Get(SQLHANDLE statement, SQLUSMALLINT column);
 
-  /// The value of a fetched row, a long one once only; its text and bytes are put into `storage`. Throws ProviderError
-  /// when the driver cut it.
+  /// The value of a fetched row, a long one once only; its text and bytes are put into `storage`.
+  /// Throws ProviderError when the driver cut it.
   Value Convert(std::size_t row, Arena& storage);
 
  private:
