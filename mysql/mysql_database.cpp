@@ -115,10 +115,10 @@ std::string_view MySqlDatabase::SizesQuestion() const {
 }
 
 ServerInfo MySqlDatabase::AskServerInfo(ado::Connection& connection) const {
-  const std::string version = connection.Execute("select version()").Field(0).Text();
+  const std::string answer = connection.Execute("select version()").Field(0).Text();
   ado::Recordset cipher = connection.Execute("show session status like 'Ssl_cipher'");
-  return {.product = version.find("MariaDB") != version.npos ? "MariaDB" : "MySQL",
-          .version = version.substr(0, version.find('-')),
+  return {.product = answer.find("MariaDB") != answer.npos ? "MariaDB" : "MySQL",
+          .version = answer.substr(0, answer.find('-')),
           .is_encrypted = !cipher.AtEnd() && !cipher.Field(1).Text().empty()};
 }
 
