@@ -5,40 +5,14 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QComboBox>
-#include <cmath>
 #include <map>
 
+#include "tests/ui/contrast.h"
 #include "tests/ui/print_qt.h"
 #include "tests/ui/wizard_driver.h"
 
 namespace dorvane::test {
 namespace {
-
-double Luminance(QRgb color) {
-  const auto linear = [](int value) {
-    const double part = value / 255.0;
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color)) +
-         0.0722 * linear(qBlue(color));
-}
-
-/// Of the picture's ground, which most of it is, to the colour farthest from it.
-double Contrast(const QImage& picture) {
-  std::vector<double> lights;
-  for (int y = 0; y < picture.height(); ++y) {
-    for (int x = 0; x < picture.width(); ++x) lights.push_back(Luminance(picture.pixel(x, y)));
-  }
-  std::ranges::sort(lights);
-  const double ground = lights[lights.size() / 2] + 0.05;
-  return std::max((lights.back() + 0.05) / ground, ground / (lights.front() + 0.05));
-}
-
-QPalette DarkPalette() {
-  QPalette dark(QColor(45, 45, 48), QColor(30, 30, 32));
-  dark.setColor(QPalette::Base, QColor(30, 30, 32));
-  return dark;
-}
 
 class Looks : public testing::Test {
  protected:
@@ -120,14 +94,14 @@ TEST_F(Looks, EverythingCanBeReadInEveryPalette) {
     OnEveryPage(driver, [&](const char* page) {
       for (QWidget* control : Worded(driver.Window())) {
         const QRect place(control->mapTo(&driver.Window(), QPoint()), control->size());
-        EXPECT_GE(Contrast(driver.Window().grab(place).toImage()), 4.5)
+        EXPECT_GE(Contrast(driver.Window().grab(place).toImage()), kReadable)
             << control->objectName().toStdString() << " on " << page;
       }
     });
     driver.Next();
     auto& list = driver.Get<QComboBox>("cmbDir2MysqlDatabases");
     list.showPopup();
-    EXPECT_GE(Contrast(list.view()->grab().toImage()), 4.5) << "the open list";
+    EXPECT_GE(Contrast(list.view()->grab().toImage()), kReadable) << "the open list";
     list.hidePopup();
   }
 }
