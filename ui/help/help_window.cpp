@@ -15,6 +15,7 @@
 #include "platform/run_time_error.h"
 #include "ui/controls/make_child.h"
 #include "ui/help/help_browser.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -46,6 +47,7 @@ HelpWindow::HelpWindow(const std::filesystem::path& help_file, QWidget* parent)
   setWindowTitle("Dorvane Help");
   setAttribute(Qt::WA_QuitOnClose, false);
   resize(kWindowSize);
+  FollowPalette(*this, &Look::window);
   Build();
   try {
     book_ = std::make_unique<help::HelpBook>(help_file);
