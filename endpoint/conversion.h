@@ -216,9 +216,8 @@ class Conversion {
   // rehearsal.cpp
   /// Throws ProviderError, as the server would refuse it, for a statement with a name too long.
   void RehearseStatement(std::string_view sql);
-  /// True when the destination has the table now.
-  bool IsThere(const TableDefinition& table);
-  void TellWhatIsThere(const TableDefinition& table);
+  /// True when the destination has a table of that name.
+  bool TellWhatIsThere(const TableDefinition& table);
   std::unique_ptr<IRowDestination> Rehearse(std::unique_ptr<IRowDestination> rows,
                                             const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields);

@@ -32,4 +32,17 @@ std::string MsSqlTable(const ado::TableName& table) {
   return (table.IsBare() ? "" : MsSqlName(table.schema) + ".") + MsSqlName(table.name);
 }
 
+std::string TakeQuoted(std::string_view& rest, char close) {
+  std::string text;
+  rest.remove_prefix(1);
+  while (!rest.empty()) {
+    const char c = rest.front();
+    rest.remove_prefix(1);
+    if (c == close && !rest.starts_with(close)) break;
+    if (c == close) rest.remove_prefix(1);
+    text += c;
+  }
+  return text;
+}
+
 }  // namespace dorvane

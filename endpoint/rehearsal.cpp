@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "endpoint/conversion.h"
+#include "endpoint/names.h"
 #include "endpoint/rehearsed_rows.h"
 #include "platform/ado/errors.h"
 #include "platform/ado/items.h"
@@ -17,20 +18,6 @@ namespace {
 
 constexpr std::ptrdiff_t kLongestName = 64;  // characters that MySQL takes
 constexpr std::int32_t kNameTooLong = 1059;
-
-/// Takes what is quoted off the front; quotes in it are doubled.
-std::string TakeQuoted(std::string_view& rest, char close) {
-  std::string text;
-  rest.remove_prefix(1);
-  while (!rest.empty()) {
-    const char c = rest.front();
-    rest.remove_prefix(1);
-    if (c == close && !rest.starts_with(close)) break;
-    if (c == close) rest.remove_prefix(1);
-    text += c;
-  }
-  return text;
-}
 
 bool BeginsCharacter(char c) {
   return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
@@ -62,17 +49,17 @@ void Conversion::RehearseStatement(std::string_view sql) {
                            {{ado::hresult::kErrorsInCommand, kNameTooLong, words, "42000"}});
 }
 
-bool Conversion::IsThere(const TableDefinition& table) {
-  return OnDestination(*destination_,
-                       [&] { return !destination_->Columns(table.dest_name).empty(); });
-}
-
-void Conversion::TellWhatIsThere(const TableDefinition& table) {
+bool Conversion::TellWhatIsThere(const TableDefinition& table) {
   const auto remark = [this](std::string_view text) {
     rehearsal_(fmt::format("-- {}", text::Visible(text)));
   };
   const std::string name = table.dest_name.Text();
-  if (!IsThere(table)) return remark(fmt::format("{} is made", name));
+  const bool is_there =
+      OnDestination(*destination_, [&] { return !destination_->Columns(table.dest_name).empty(); });
+  if (!is_there) {
+    remark(fmt::format("{} is made", name));
+    return false;
+  }
   const std::int64_t rows = CountRows(*destination_, "count(*)", DestQuoted(table.dest_name));
   remark(fmt::format("{} is there with {} row{}", name, rows, rows == 1 ? "" : "s"));
   if (IsMerging()) {
@@ -81,6 +68,7 @@ void Conversion::TellWhatIsThere(const TableDefinition& table) {
     host_.Inform(fmt::format("Table {}: the {} row{} of {} on the destination are dropped",
                              table.name.Text(), rows, rows == 1 ? "" : "s", name));
   }
+  return true;
 }
 
 std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestination> rows,

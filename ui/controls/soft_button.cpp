@@ -4,6 +4,7 @@
 #include "ui/look/current_look.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kDialogButtonWidth = 84;  // at least
@@ -23,8 +24,8 @@ GradientButton& AddSoftButton(const char* name, QWidget& parent, const QString& 
   auto& button = MakeNamed<GradientButton>(name, parent);
   button.SetCaption(caption);
   if (access_key != '\0') button.SetAccessKey(access_key);
-  button.SetButtonStyle(static_cast<int>(ButtonStyle::kSoft));
-  button.SetGradientMode(static_cast<int>(GradientMode::kToBottom));
+  button.SetButtonStyle(static_cast<int>(ButtonStyle::Soft));
+  button.SetGradientMode(static_cast<int>(GradientMode::ToBottom));
   FollowLook(button, [&button, colors](const Look& look) { SetColors(button, look.*colors); });
   return button;
 }

@@ -7,6 +7,7 @@
 #include "ui/look/current_look.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kScale = 2;

@@ -14,6 +14,7 @@
 #include "ui/look/current_look.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr std::chrono::milliseconds kDelay(250);

@@ -17,6 +17,7 @@
 #include "ui/look/skins.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kCornerRadius = 12;

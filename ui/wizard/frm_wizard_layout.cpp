@@ -13,6 +13,7 @@
 #include "ui/wizard/save_report.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr QSize kWindowSize(900, 640);

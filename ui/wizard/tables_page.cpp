@@ -14,6 +14,7 @@
 #include "ui/wizard/wizard_steps.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kMoveButtonWidth = 46;

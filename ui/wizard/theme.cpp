@@ -12,6 +12,7 @@
 #include "ui/look/current_look.h"
 
 namespace dorvane::theme {
+
 namespace {
 
 constexpr int kPictureScale = 3;
