@@ -14,8 +14,11 @@
 #include "endpoint/database.h"
 #include "endpoint/failure.h"
 #include "endpoint/references.h"
+#include "endpoint/rehearsed_references.h"
 #include "endpoint/row_copier.h"
 #include "endpoint/table_definition.h"
+#include "endpoint/trial_rows.h"
+#include "endpoint/trial_table.h"
 #include "platform/ado/catalog.h"
 
 namespace dorvane {
@@ -96,6 +99,10 @@ class Conversion {
   ado::TableName DestTableOf(const std::string& listed) { return DestTable(SourceTable(listed)); }
   /// True when a table of this run stands in another schema than the login's.
   bool HasSchemas() const;
+  /// In a rehearsal, throws DestinationFailure when the destination would refuse a relationship
+  /// since the table that it refers to will not be there. The tables are the destination's.
+  void RehearseRelationship(const std::string& name, const ado::TableName& table,
+                            const ado::TableName& referenced);
   /// The other table of this run that has the table's name on the destination; null when there is
   /// none.
   const ado::TableName* Namesake(const ado::TableName& source) const;
@@ -134,6 +141,10 @@ class Conversion {
   /// What a new table of the exact mapping gets when its rows are there, the next identity value
   /// among it. What is refused is noted.
   virtual void CompleteTable(const TableDefinition& table) = 0;
+  /// For a rehearsal: the statements that make a temporary table of that quoted name with the
+  /// columns and unique keys of the destination's table.
+  virtual std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
+                                                  const std::string& copy) = 0;
   /// After the last table: stores the rows that were postponed, and adds those that were refused
   /// for good to the account of their destination table.
   virtual void StorePostponedRows(std::map<std::string, RowAccount>& /*accounts*/) {}
@@ -214,14 +225,30 @@ class Conversion {
   bool TryKeepConnected();
 
   // rehearsal.cpp
-  /// Throws ProviderError, as the server would refuse it, for a statement with a name too long.
+  /// A server that takes no further connection is not asked.
+  void OpenTrial();
+  /// Throws ProviderError, as the server would refuse it.
   void RehearseStatement(std::string_view sql);
+  /// In overwrite mode, when the tables are planned.
+  void LearnReferences();
+  bool IsMariaDb();
   /// True when the destination has the table now.
   bool IsThere(const TableDefinition& table);
   void TellWhatIsThere(const TableDefinition& table);
+  void BeginTrial(const TableDefinition& table);
+  /// The rows of the trial table; none when there is no trial.
+  std::unique_ptr<TrialRows> OpenTrialRows(const TableDefinition& table, bool is_new,
+                                           const std::vector<ado::FieldInfo>& fields,
+                                           const std::vector<ColumnFacts>& facts);
+  /// How rows meet those of an existing table.
+  TrialRows::Meeting MeetingWith(const TableDefinition& table,
+                                 const std::vector<ado::FieldInfo>& fields);
+  /// True when two rows of a new table may be one to the destination.
+  bool MayFold(const TableDefinition& table, const std::vector<ado::FieldInfo>& fields);
   std::unique_ptr<IRowDestination> Rehearse(std::unique_ptr<IRowDestination> rows,
                                             const TableDefinition& table, bool is_new,
-                                            const std::vector<ado::FieldInfo>& fields);
+                                            const std::vector<ado::FieldInfo>& fields,
+                                            const std::vector<ColumnFacts>& facts);
 
   // generated_columns.cpp
   /// The columns that get no values, since the destination computes them or gives them itself.
@@ -254,6 +281,9 @@ class Conversion {
   IRunHost& host_;
   const CopyPlan copy_;
   const ado::StatementSink rehearsal_;
+  std::unique_ptr<TrialTable> trial_;  // none: this is no rehearsal, or the server takes none
+  std::unique_ptr<RehearsedReferences> references_;  // none: likewise, or nothing is overwritten
+  std::vector<ado::TableName> rehearsed_tables_;     // that a rehearsal has made
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();

@@ -1,5 +1,7 @@
 #include "endpoint/names.h"
 
+#include <utility>
+
 namespace dorvane {
 
 namespace {
@@ -22,6 +24,28 @@ std::string MySqlName(std::string_view name) {
 
 std::string MsSqlName(std::string_view name) {
   return Quoted('[', name, ']');
+}
+
+std::string TakeQuoted(std::string_view& text, char close) {
+  std::string quoted;
+  text.remove_prefix(1);
+  while (!text.empty()) {
+    const char c = text.front();
+    text.remove_prefix(1);
+    if (c == close && !text.starts_with(close)) break;
+    if (c == close) text.remove_prefix(1);
+    quoted += c;
+  }
+  return quoted;
+}
+
+ado::TableName TakeTableName(std::string_view& text) {
+  if (!text.starts_with('`') && !text.starts_with('[')) return {};
+  const char close = text.front() == '[' ? ']' : '`';
+  std::string name = TakeQuoted(text, close);
+  if (text.size() < 2 || text.front() != '.') return name;
+  text.remove_prefix(1);
+  return {std::move(name), TakeQuoted(text, close)};
 }
 
 std::string MySqlTable(const ado::TableName& table) {

@@ -79,9 +79,8 @@ ErrorSummary TooLong(const ColumnRoom& room, ServerKind server) {
 
 class RehearsedRows final : public IRowDestination {
  public:
-  RehearsedRows(std::unique_ptr<IRowDestination> rows, std::vector<ColumnRoom> room,
-                ServerKind server)
-      : rows_(std::move(rows)), room_(std::move(room)), server_(server) {}
+  RehearsedRows(std::unique_ptr<IRowDestination> rows, RowRehearsal rehearsal)
+      : rows_(std::move(rows)), rehearsal_(std::move(rehearsal)) {}
 
   bool TakesBlocks() override { return true; }
   ado::Value ConvertValue(const ado::Value& value, std::size_t column,
@@ -89,33 +88,81 @@ class RehearsedRows final : public IRowDestination {
     return rows_->ConvertValue(value, column, storage);
   }
   BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
-                         std::size_t count) override {
-    for (std::size_t row = first; row < first + count; ++row) {
-      if (TooSmall(converted.Row(row)) != nullptr) return BlockResult::Refused;
-    }
-    return BlockResult::Stored;
-  }
-  RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) override {
-    const ColumnRoom* room = TooSmall(converted.Row(row));
-    if (room == nullptr) return {};
-    return {RowResult::Refused, TooLong(*room, server_)};
-  }
+                         std::size_t count) override;
+  RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) override;
   void RowStored(std::span<const ado::Value> source_row) override { rows_->RowStored(source_row); }
-  std::vector<ValueChanges> Changes() const override { return rows_->Changes(); }
+  std::vector<ValueChanges> Changes() const override;
 
  private:
   /// Null when there is room for every value.
-  const ColumnRoom* TooSmall(std::span<const ado::Value> row) const {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      if (!Fits(row[i], room_[i])) return &room_[i];
-    }
-    return nullptr;
-  }
+  const ColumnRoom* TooSmall(std::span<const ado::Value> row) const;
+  /// Fills `doubtful_` with the rows whose values may not have room.
+  void FindDoubtful(const ado::RowBlock& converted, std::size_t first, std::size_t count);
+  /// The changes so far stay counted.
+  void EndTrial();
 
   const std::unique_ptr<IRowDestination> rows_;
-  const std::vector<ColumnRoom> room_;
-  const ServerKind server_;
+  RowRehearsal rehearsal_;
+  ado::RowBlock doubtful_;
+  std::vector<ValueChanges> tried_changes_;  // of a trial that has ended
 };
+
+const ColumnRoom* RehearsedRows::TooSmall(std::span<const ado::Value> row) const {
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (!Fits(row[i], rehearsal_.room[i])) return &rehearsal_.room[i];
+  }
+  return nullptr;
+}
+
+void RehearsedRows::FindDoubtful(const ado::RowBlock& converted, std::size_t first,
+                                 std::size_t count) {
+  doubtful_.Clear(converted.Columns());
+  for (std::size_t row = first; row < first + count; ++row) {
+    if (TooSmall(converted.Row(row)) == nullptr) continue;
+    std::ranges::copy(converted.Row(row), doubtful_.AppendRow().begin());
+  }
+}
+
+BlockResult RehearsedRows::StoreBlock(const ado::RowBlock& converted, std::size_t first,
+                                      std::size_t count) {
+  BlockResult result = BlockResult::Failed;
+  if (rehearsal_.trial && rehearsal_.is_all_tried) {
+    result = rehearsal_.trial->StoreBlock(converted, first, count);
+  } else {
+    FindDoubtful(converted, first, count);
+    if (doubtful_.Rows() == 0) return BlockResult::Stored;
+    if (!rehearsal_.trial) return BlockResult::Refused;
+    result = rehearsal_.trial->StoreBlock(doubtful_, 0, doubtful_.Rows());
+  }
+  if (result == BlockResult::Failed) EndTrial();
+  return result;
+}
+
+RowOutcome RehearsedRows::StoreRow(const ado::RowBlock& converted, std::size_t row) {
+  const ColumnRoom* too_small = TooSmall(converted.Row(row));
+  if (rehearsal_.trial && (rehearsal_.is_all_tried || too_small != nullptr)) {
+    try {
+      return rehearsal_.trial->StoreRow(converted, row);
+    } catch (const RunTimeError&) {
+      EndTrial();
+    }
+  }
+  if (too_small == nullptr) return {};
+  return {RowResult::Refused, TooLong(*too_small, rehearsal_.server)};
+}
+
+void RehearsedRows::EndTrial() {
+  tried_changes_ = rehearsal_.trial->Changes();
+  rehearsal_.trial.reset();
+}
+
+std::vector<ValueChanges> RehearsedRows::Changes() const {
+  std::vector<ValueChanges> changes = rows_->Changes();
+  const std::vector<ValueChanges> tried =
+      rehearsal_.trial ? rehearsal_.trial->Changes() : tried_changes_;
+  for (std::size_t i = 0; i < tried.size(); ++i) changes[i].count += tried[i].count;
+  return changes;
+}
 
 }  // namespace
 
@@ -139,8 +186,8 @@ ColumnRoom RoomOf(std::string column, std::string_view type, ServerKind server, 
 }
 
 std::unique_ptr<IRowDestination> Rehearsed(std::unique_ptr<IRowDestination> rows,
-                                           std::vector<ColumnRoom> room, ServerKind server) {
-  return std::make_unique<RehearsedRows>(std::move(rows), std::move(room), server);
+                                           RowRehearsal rehearsal) {
+  return std::make_unique<RehearsedRows>(std::move(rows), std::move(rehearsal));
 }
 
 }  // namespace dorvane

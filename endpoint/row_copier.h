@@ -16,8 +16,8 @@
 namespace dorvane {
 
 /// Why rows sent together were not stored: something in them was refused, or the sending failed in
-/// another way (a lost connection, a deadlock).
-enum class BlockResult { Stored, Refused, Failed };
+/// another way (a lost connection, a deadlock). Duplicates: every single one was there before.
+enum class BlockResult { Stored, Refused, Failed, Duplicates };
 
 /// What became of a row that was stored alone.
 enum class RowResult {

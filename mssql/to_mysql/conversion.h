@@ -92,6 +92,10 @@ class MsSqlToMySql : public Conversion {
                                             const std::vector<ColumnFacts>& facts) override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
 
+  // trial.cpp
+  std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
+                                          const std::string& copy) override;
+
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
   std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) override;

@@ -194,16 +194,19 @@ TEST_F(PreviewTest, TellsOfTablesThatAreThere) {
 
   job.mode = convert_mode::kMerge;
   rig_.MySqlValue("alter table Loose add primary key (A)", database_);
-  const std::string merged = Preview(job, 0);
+  const std::string merged = Preview(job, 1);
   EXPECT_THAT(merged, HasSubstr("-- Loose is there with 1 row\n"));
   EXPECT_THAT(merged, testing::Not(HasSubstr("Create Table")));
-  EXPECT_THAT(merged, HasSubstr("-- Nothing would be lost.\n"));
+  EXPECT_THAT(RemarksOf(merged),
+              testing::ElementsAre(HasSubstr("1 of 1 rows were there already and were left out")));
+  rig_.MySqlValue("delete from Loose", database_);
+  EXPECT_THAT(Preview(job, 0), HasSubstr("-- Nothing would be lost.\n"));
 
   rig_.MsSql().Script("insert into Loose values (2, 'ten signs!'), (3, 'ab')\ngo\n", database_);
   rig_.MySqlValue("alter table Loose modify B varchar(4)", database_);
   EXPECT_THAT(RemarksOf(Preview(job, 1)),
               Contains(HasSubstr("1 of 3 rows were not copied; the first: 1406")));
-  EXPECT_EQ(rig_.MySqlValue("select count(*) from Loose", database_), "1");
+  EXPECT_EQ(rig_.MySqlValue("select count(*) from Loose", database_), "0");
 }
 
 TEST_F(PreviewTest, NeedsSettingsAndServers) {

@@ -97,6 +97,26 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   SaveConversionSettings(settings, src, dest, job.tables, log.string());
 }
 
+std::vector<std::string> Disagreement(std::vector<std::string> foretold,
+                                      std::vector<std::string> told) {
+  std::erase_if(foretold, [](const std::string& line) {
+    return line.ends_with(" on the destination are dropped");
+  });
+  for (std::vector<std::string>* lines : {&foretold, &told}) {
+    for (std::string& line : *lines) {
+      for (const char* number : {" 1062 - ", " 2627 - "}) line = line.substr(0, line.find(number));
+    }
+    std::ranges::sort(*lines);
+  }
+  std::vector<std::string> all;
+  std::ranges::set_difference(foretold, told, std::back_inserter(all));
+  for (std::string& line : all) line.insert(0, "-");
+  const auto in_vain = static_cast<std::ptrdiff_t>(all.size());
+  std::ranges::set_difference(told, foretold, std::back_inserter(all));
+  std::for_each(all.begin() + in_vain, all.end(), [](std::string& line) { line.insert(0, "+"); });
+  return all;
+}
+
 std::string ReadLog(const std::filesystem::path& log) {
   std::string lines = text::FromAnsi(ReadFile(log));
   std::erase(lines, '\r');

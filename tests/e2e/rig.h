@@ -66,6 +66,12 @@ class Rig {
 void WriteSettings(const Job& job, const std::filesystem::path& settings,
                    const std::filesystem::path& log);
 
+/// The lines of a run that a rehearsal did not foretell, behind "+", and those it foretold in vain,
+/// behind "-". The words for a key that is taken are the server's own in a run, and of the rows
+/// that are dropped with their tables it says nothing.
+std::vector<std::string> Disagreement(std::vector<std::string> foretold,
+                                      std::vector<std::string> told);
+
 /// A log of the program as UTF-8, lines ended by line feeds.
 std::string ReadLog(const std::filesystem::path& log);
 
