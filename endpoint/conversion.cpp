@@ -295,6 +295,7 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
       return Copied::WithRowsPostponed;
     }
     ReportRows(table, announced, account);
+    if (IsRehearsing()) ShowExamples(*rows);
     return is_stopped ? Copied::Stopped : Copied::AsFarAsPossible;
   } catch (const RunTimeError& error) {
     report(error);

@@ -145,6 +145,10 @@ class Conversion {
   /// columns and unique keys of the destination's table.
   virtual std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
                                                   const std::string& copy) = 0;
+  /// For a rehearsal: true when the destination may refuse or change rows of a new table although
+  /// there is room in it for each of their values.
+  virtual bool MayRefuseRows(const TableDefinition& table,
+                             const std::vector<ado::FieldInfo>& fields) = 0;
   /// After the last table: stores the rows that were postponed, and adds those that were refused
   /// for good to the account of their destination table.
   virtual void StorePostponedRows(std::map<std::string, RowAccount>& /*accounts*/) {}
@@ -243,8 +247,8 @@ class Conversion {
   /// How rows meet those of an existing table.
   TrialRows::Meeting MeetingWith(const TableDefinition& table,
                                  const std::vector<ado::FieldInfo>& fields);
-  /// True when two rows of a new table may be one to the destination.
-  bool MayFold(const TableDefinition& table, const std::vector<ado::FieldInfo>& fields);
+  /// Shows examples of the values that were changed or refused.
+  void ShowExamples(const IRowDestination& rows);
   std::unique_ptr<IRowDestination> Rehearse(std::unique_ptr<IRowDestination> rows,
                                             const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,

@@ -82,11 +82,13 @@ void Conversion::RehearseRelationship(const std::string& name, const ado::TableN
   if (std::ranges::any_of(rehearsed_tables_, is_it)) return;
   const bool is_dropped = references_ && references_->IsDropped(referenced);
   if (!is_dropped && !destination_->Columns(referenced).empty()) return;
+  const bool is_ms_sql = DestinationKind() == ServerKind::MsSql;
+  const std::int32_t hresult = is_ms_sql ? ado::hresult::kErrorsInCommand : ado::hresult::kFail;
   const auto refuse = [&](std::int32_t number, const std::string& words) {
-    const ado::ProviderError refusal = Refusal(DestinationKind(), number, words);
+    const ado::ProviderError refusal = Refusal(DestinationKind(), number, words, hresult);
     throw DestinationFailure(refusal, refusal.Entries());
   };
-  if (DestinationKind() == ServerKind::MsSql) {
+  if (is_ms_sql) {
     refuse(1767,
            fmt::format("Foreign key '{}' references invalid table '{}'.", name, referenced.Text()));
   }
@@ -196,18 +198,6 @@ TrialRows::Meeting Conversion::MeetingWith(const TableDefinition& table,
   return {question + conflicts, question + same};
 }
 
-bool Conversion::MayFold(const TableDefinition& table, const std::vector<ado::FieldInfo>& fields) {
-  if (DestinationKind() != ServerKind::MySql) return false;  // to it keys are no less than to MySQL
-  const auto is_text = [&](const std::string& column) {
-    const ado::FieldInfo* field = ado::FindItemOrNull(fields, column);
-    return field != nullptr && IsFoldedType(field->type);
-  };
-  return std::ranges::any_of(
-      catalog_.TableByName(table.name.Text()).Indexes(), [&](const ado::Index& index) {
-        return (index.unique || index.primary_key) && std::ranges::any_of(index.columns, is_text);
-      });
-}
-
 std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestination> rows,
                                                       const TableDefinition& table, bool is_new,
                                                       const std::vector<ado::FieldInfo>& fields,
@@ -215,8 +205,10 @@ std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestin
   std::vector<ado::Column> there;
   if (!is_new) there = destination_->Columns(table.dest_name);
   std::vector<ColumnRoom> room;
+  std::vector<ado::DataType> types;
   for (const ado::FieldInfo& field : fields) {
     const std::string name = DestName(field.name);
+    types.push_back(field.type);
     if (is_new) {
       const ColumnDefinition* column = table.Find(field.name);
       room.push_back(RoomOf(name, column != nullptr ? column->type : "", DestinationKind()));
@@ -228,9 +220,16 @@ std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestin
     }
   }
   return Rehearsed(std::move(rows), {.room = std::move(room),
+                                     .types = std::move(types),
                                      .server = DestinationKind(),
                                      .trial = OpenTrialRows(table, is_new, fields, facts),
-                                     .is_all_tried = !is_new || MayFold(table, fields)});
+                                     .is_all_tried = !is_new || MayRefuseRows(table, fields)});
+}
+
+void Conversion::ShowExamples(const IRowDestination& rows) {
+  for (const std::string& example : rows.Examples()) {
+    rehearsal_(fmt::format("-- {}", text::Visible(example)));
+  }
 }
 
 }  // namespace dorvane

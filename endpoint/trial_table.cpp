@@ -15,7 +15,8 @@ namespace dorvane {
 namespace {
 
 constexpr const char* kMySqlTrial = "dorvane_trial";
-constexpr const char* kMsSqlTrial = "#dorvane_trial";  // with the sign of a temporary table
+// With the sign of a temporary table; short, so that it stands whole in the names of its keys.
+constexpr const char* kMsSqlTrial = "#dorvane";
 
 constexpr std::string_view kCreateTable = "create table ";
 constexpr std::string_view kAlterTable = "alter table ";

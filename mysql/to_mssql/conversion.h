@@ -65,6 +65,8 @@ class MySqlToMsSql : public Conversion {
   // trial.cpp
   std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
                                           const std::string& copy) override;
+  bool MayRefuseRows(const TableDefinition& table,
+                     const std::vector<ado::FieldInfo>& fields) override;
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;

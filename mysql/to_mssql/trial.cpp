@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "endpoint/names.h"
+#include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/conversion.h"
 
 namespace dorvane::to_mssql {
@@ -71,6 +72,20 @@ std::vector<std::string> MySqlToMsSql::CopyOfExisting(const ado::TableName& dest
                                      KeyColumns(index)));
   }
   return statements;
+}
+
+/// By a key that is longer in them than an index takes.
+bool MySqlToMsSql::MayRefuseRows(const TableDefinition& table,
+                                 const std::vector<ado::FieldInfo>& /*fields*/) {
+  const auto may_be_long = [&](const ado::Index& index) {
+    std::int64_t bytes = 0;
+    for (const std::string& name : index.columns) {
+      const ColumnDefinition* column = table.Find(name);
+      if (column != nullptr) bytes += KeyBytes(column->type).value_or(0);
+    }
+    return bytes > kMostKeyBytes;
+  };
+  return std::ranges::any_of(SourceCatalog().TableByName(table.name.Text()).Indexes(), may_be_long);
 }
 
 }  // namespace dorvane::to_mssql

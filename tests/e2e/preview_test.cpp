@@ -59,7 +59,8 @@ std::vector<std::string> MessagesOf(const std::string& log) {
   for (const std::string& line : LinesOf(log)) {
     constexpr std::string_view kNote = "Note - Table ";
     if (line.starts_with(kNote)) messages.push_back("-- Note: Table " + line.substr(kNote.size()));
-    if (line.find(" Error - ") != std::string::npos) messages.push_back("-- Lost: " + line);
+    const bool is_note = line.starts_with("Note - ");
+    if (!is_note && line.find(" - ") != std::string::npos) messages.push_back("-- Lost: " + line);
   }
   return messages;
 }
@@ -94,6 +95,17 @@ class PreviewTest : public testing::Test {
     EXPECT_EQ(run.Wait(), status) << run.Output();
     EXPECT_EQ(run.Log(), "");
     return run.Output();
+  }
+
+  /// The remarks of a preview, which are the messages of the run.
+  std::vector<std::string> AgreedRemarks(const Job& job, std::string* preview = nullptr) {
+    const std::string text = Preview(job, 1);
+    if (preview != nullptr) *preview = text;
+    ProgramRun run(job);
+    run.Wait();
+    std::vector<std::string> remarks = RemarksOf(text);
+    EXPECT_THAT(Disagreement(remarks, MessagesOf(run.Log())), IsEmpty()) << run.Log();
+    return remarks;
   }
 
   Rig& rig_ = Rig::Get();
@@ -207,6 +219,72 @@ TEST_F(PreviewTest, TellsOfTablesThatAreThere) {
   EXPECT_THAT(RemarksOf(Preview(job, 1)),
               Contains(HasSubstr("1 of 3 rows were not copied; the first: 1406")));
   EXPECT_EQ(rig_.MySqlValue("select count(*) from Loose", database_), "0");
+}
+
+TEST_F(PreviewTest, ForetellsKeysThatCannotBeMade) {
+  rig_.MsSql().Script(
+      "create table Parent (Id int not null primary key, Other int not null unique)\ngo\n"
+      "create table Wide (A nvarchar(420) not null, B nvarchar(420) not null, "
+      "constraint TooWide primary key nonclustered (A, B), Up int null "
+      "references Parent(Id), Same int null references Parent(Other))\ngo\n"
+      "insert into Parent values (1, 1)\ninsert into Wide values (N'a', N'b', 1, 1)\ngo\n",
+      database_);
+  Job job = TheJob(ServerKind::MsSql);
+  job.tables = {"Wide"};  // without its parent
+  const std::vector<std::string> remarks = AgreedRemarks(job);
+  EXPECT_THAT(remarks, Contains(HasSubstr("TooWide")));
+  EXPECT_THAT(remarks, Contains(HasSubstr("between table Wide and table Parent")));
+
+  rig_.MySqlValue(
+      "create table Bytes (K varbinary(2000) not null, primary key (K));"
+      "insert into Bytes values (repeat('x', 10)), (repeat('y', 1800))",
+      database_);
+  job = TheJob(ServerKind::MySql);
+  job.tables = {"Bytes"};
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("1946")));
+}
+
+TEST_F(PreviewTest, ForetellsRowsThatATableDoesNotTake) {
+  rig_.MsSql().Script(
+      "create table Stock (Id int not null primary key, N int null, D datetime null, "
+      "Name nvarchar(90) null)\ngo\n"
+      "insert into Stock values (1, 1, null, N'there')\n"
+      "insert into Stock values (2, 70000, null, N'large'), (3, null, null, N'none')\n"
+      "insert into Stock values (4, 4, '2020-01-01 10:00:00.500', N'fine'), (5, 80000, null, '')\n"
+      "insert into Stock values (6, 6, null, N'\u0416\u0416\u0416')\ngo\n",
+      database_);
+  rig_.MySqlValue(
+      "create table Stock (Id int primary key, N smallint not null, D datetime, Name varchar(60) "
+      "character set latin1); insert into Stock values (1, 1, null, 'there')",
+      database_);
+  Job job = TheJob(ServerKind::MsSql);
+  job.tables = {"Stock"};
+  job.mode = convert_mode::kMerge;
+  std::string preview;
+  EXPECT_THAT(AgreedRemarks(job, &preview),
+              testing::IsSupersetOf({HasSubstr("3 of 6 rows were not copied; the first: 1264"),
+                                     HasSubstr("1 of 6 rows were there already"),
+                                     HasSubstr("1 values of table Stock hold characters")}));
+  EXPECT_THAT(preview, HasSubstr("-- For example N = 70000, row 2 of 2 such: 1264 - "));
+  EXPECT_THAT(preview, HasSubstr("-- For example N = NULL, row 3 of 1 such: 1048 - "));
+  EXPECT_THAT(preview, HasSubstr("-- For example D = 2020-01-01 10:00:00.5: fractions"));
+  EXPECT_THAT(preview, HasSubstr("-- For example Name = \u0416\u0416\u0416: hold characters"));
+
+  rig_.MySqlValue(
+      "create table Store (Id int primary key, N bigint, Born date, Name varchar(90));"
+      "insert into Store values (1, 1, null, 'there'), (2, 3000000000, null, 'large'), "
+      "(3, 3, '1500-01-01', 'fine'), (4, 4, null, null)",
+      database_);
+  rig_.MsSql().Script(
+      "create table Store (Id int not null primary key, N int null, Born datetime null, "
+      "Name nvarchar(9) not null)\ngo\ninsert into Store values (1, 1, null, N'there')\ngo\n",
+      database_);
+  job = TheJob(ServerKind::MySql);
+  job.tables = {"Store"};
+  job.mode = convert_mode::kMerge;
+  EXPECT_THAT(AgreedRemarks(job, &preview), Contains(HasSubstr("2 of 4 rows were not copied")));
+  EXPECT_THAT(preview, HasSubstr("-- For example Name = NULL, row 4 of 1 such: 515 - "));
+  EXPECT_THAT(preview, HasSubstr("-- For example Born = 1500-01-01"));
 }
 
 TEST_F(PreviewTest, NeedsSettingsAndServers) {

@@ -104,7 +104,8 @@ std::vector<std::string> Disagreement(std::vector<std::string> foretold,
   });
   for (std::vector<std::string>* lines : {&foretold, &told}) {
     for (std::string& line : *lines) {
-      for (const char* number : {" 1062 - ", " 2627 - "}) line = line.substr(0, line.find(number));
+      for (const char* number : {" 1062 - ", " 1946 - ", " 2627 - "})
+        line = line.substr(0, line.find(number));
     }
     std::ranges::sort(*lines);
   }
