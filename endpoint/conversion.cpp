@@ -203,12 +203,10 @@ void Conversion::ConvertTable(const std::string& name) {
   if (planned.failure) std::rethrow_exception(planned.failure);
   TableDefinition& table = *planned.definition;
   ado::Table& tab_src = catalog_.TableByName(name);
-  if (IsRehearsing()) {
-    TellWhatIsThere(table);
-    BeginTrial(table);
-  }
+  const bool is_there = IsRehearsing() && TellWhatIsThere(table);
+  if (IsRehearsing()) BeginTrial(table, is_there && IsMerging());
   if (IsOverwriting()) PrepareTable(table);
-  const bool is_new = CreateTable(table);
+  const bool is_new = !(is_there && IsMerging()) && CreateTable(table);
   if (is_new) {
     if (IsRehearsing()) rehearsed_tables_.push_back(table.dest_name);
     AddPrimaryKeyConstraint(tab_src, table);
@@ -234,7 +232,6 @@ void Conversion::ExecuteOrNote(const TableDefinition& table, const std::string& 
 }
 
 bool Conversion::CreateTable(TableDefinition& table) {
-  if (IsRehearsing() && IsMerging() && IsThere(table)) return false;
   for (;;) {
     try {
       ExecuteOn(*destination_, CreateTableStatement(table));

@@ -236,10 +236,10 @@ class Conversion {
   /// In overwrite mode, when the tables are planned.
   void LearnReferences();
   bool IsMariaDb();
-  /// True when the destination has the table now.
-  bool IsThere(const TableDefinition& table);
-  void TellWhatIsThere(const TableDefinition& table);
-  void BeginTrial(const TableDefinition& table);
+  /// True when the destination has a table of that name.
+  bool TellWhatIsThere(const TableDefinition& table);
+  /// Tries from now on what is said of this table, on a copy of the destination's when it is kept.
+  void BeginTrial(const TableDefinition& table, bool is_kept);
   /// The rows of the trial table; none when there is no trial.
   std::unique_ptr<TrialRows> OpenTrialRows(const TableDefinition& table, bool is_new,
                                            const std::vector<ado::FieldInfo>& fields,

@@ -26,17 +26,25 @@ std::string MsSqlName(std::string_view name) {
   return Quoted('[', name, ']');
 }
 
-std::string TakeQuoted(std::string_view& text, char close) {
-  std::string quoted;
-  text.remove_prefix(1);
-  while (!text.empty()) {
-    const char c = text.front();
-    text.remove_prefix(1);
-    if (c == close && !text.starts_with(close)) break;
-    if (c == close) text.remove_prefix(1);
-    quoted += c;
+std::string MySqlTable(const ado::TableName& table) {
+  return (table.IsBare() ? "" : MySqlName(table.schema) + ".") + MySqlName(table.name);
+}
+
+std::string MsSqlTable(const ado::TableName& table) {
+  return (table.IsBare() ? "" : MsSqlName(table.schema) + ".") + MsSqlName(table.name);
+}
+
+std::string TakeQuoted(std::string_view& rest, char close) {
+  std::string text;
+  rest.remove_prefix(1);
+  while (!rest.empty()) {
+    const char c = rest.front();
+    rest.remove_prefix(1);
+    if (c == close && !rest.starts_with(close)) break;
+    if (c == close) rest.remove_prefix(1);
+    text += c;
   }
-  return quoted;
+  return text;
 }
 
 ado::TableName TakeTableName(std::string_view& text) {
@@ -46,14 +54,6 @@ ado::TableName TakeTableName(std::string_view& text) {
   if (text.size() < 2 || text.front() != '.') return name;
   text.remove_prefix(1);
   return {std::move(name), TakeQuoted(text, close)};
-}
-
-std::string MySqlTable(const ado::TableName& table) {
-  return (table.IsBare() ? "" : MySqlName(table.schema) + ".") + MySqlName(table.name);
-}
-
-std::string MsSqlTable(const ado::TableName& table) {
-  return (table.IsBare() ? "" : MsSqlName(table.schema) + ".") + MsSqlName(table.name);
 }
 
 }  // namespace dorvane

@@ -18,9 +18,8 @@ std::string MsSqlName(std::string_view name);
 std::string MySqlTable(const ado::TableName& table);
 std::string MsSqlTable(const ado::TableName& table);
 
-/// Takes what is quoted off the front of a statement's text, without its quotes; doubled ones in it
-/// become one. `close` is the closing quote.
-std::string TakeQuoted(std::string_view& text, char close);
+/// Takes what is quoted off the front, without its quotes; a closing quote in it is doubled.
+std::string TakeQuoted(std::string_view& rest, char close);
 
 /// Takes a table's name, as either server's statements quote it, off the front.
 ado::TableName TakeTableName(std::string_view& text);

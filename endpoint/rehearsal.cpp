@@ -101,17 +101,17 @@ void Conversion::RehearseRelationship(const std::string& name, const ado::TableN
                            table.IsBare() ? database : table.schema, table.name));
 }
 
-bool Conversion::IsThere(const TableDefinition& table) {
-  return OnDestination(*destination_,
-                       [&] { return !destination_->Columns(table.dest_name).empty(); });
-}
-
-void Conversion::TellWhatIsThere(const TableDefinition& table) {
+bool Conversion::TellWhatIsThere(const TableDefinition& table) {
   const auto remark = [this](std::string_view text) {
     rehearsal_(fmt::format("-- {}", text::Visible(text)));
   };
   const std::string name = table.dest_name.Text();
-  if (!IsThere(table)) return remark(fmt::format("{} is made", name));
+  const bool is_there =
+      OnDestination(*destination_, [&] { return !destination_->Columns(table.dest_name).empty(); });
+  if (!is_there) {
+    remark(fmt::format("{} is made", name));
+    return false;
+  }
   const std::int64_t rows = CountRows(*destination_, "count(*)", DestQuoted(table.dest_name));
   remark(fmt::format("{} is there with {} row{}", name, rows, rows == 1 ? "" : "s"));
   if (IsMerging()) {
@@ -120,6 +120,7 @@ void Conversion::TellWhatIsThere(const TableDefinition& table) {
     host_.Inform(fmt::format("Table {}: the {} row{} of {} on the destination are dropped",
                              table.name.Text(), rows, rows == 1 ? "" : "s", name));
   }
+  return true;
 }
 
 void Conversion::OpenTrial() {
@@ -132,10 +133,10 @@ void Conversion::OpenTrial() {
   }
 }
 
-void Conversion::BeginTrial(const TableDefinition& table) {
+void Conversion::BeginTrial(const TableDefinition& table, bool is_kept) {
   if (!trial_) return;
   trial_->StandFor(table.dest_name);
-  if (!IsMerging() || !IsThere(table)) return;
+  if (!is_kept) return;
   trial_->Make(CopyOfExisting(table.dest_name, trial_->QuotedName()));
 }
 

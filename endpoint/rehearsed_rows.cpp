@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <map>
+#include <span>
 #include <utility>
 
 #include "endpoint/generated_columns.h"
@@ -12,7 +13,6 @@
 #include "endpoint/shown_value.h"
 #include "platform/ado/value_text.h"
 #include "platform/text/ascii.h"
-#include "platform/text/utf8.h"
 
 namespace dorvane {
 
@@ -245,19 +245,15 @@ std::vector<ValueChanges> RehearsedRows::Changes() const {
 ColumnRoom RoomOf(std::string column, std::string_view type, ServerKind server, std::int64_t size) {
   ColumnRoom room{.column = std::move(column)};
   const std::string_view word = type.substr(0, type.find_first_of("( "));
-  const auto find = [&](const auto& table) {
-    for (const RoomOfType& each : table) {
-      if (!text::EqualsIgnoringCase(each.type, word)) continue;
-      const std::int64_t number = size != 0 ? size : NumberBehind(type);
-      room.unit = each.unit;
-      if (each.most != 0 || number > 0) room.most = each.most != 0 ? each.most : number;
-    }
-  };
-  if (server == ServerKind::MySql) {
-    find(kMySqlRoom);
-  } else {
-    find(kMsSqlRoom);
-  }
+  const std::span<const RoomOfType> types =
+      server == ServerKind::MySql ? std::span<const RoomOfType>(kMySqlRoom) : kMsSqlRoom;
+  const auto known = std::ranges::find_if(
+      types, [word](const RoomOfType& each) { return text::EqualsIgnoringCase(each.type, word); });
+  if (known == types.end()) return room;
+  room.unit = known->unit;
+  const std::int64_t declared = size != 0 ? size : NumberBehind(type);
+  const std::int64_t most = known->most != 0 ? known->most : declared;
+  if (most > 0) room.most = most;
   return room;
 }
 

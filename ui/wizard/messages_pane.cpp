@@ -126,12 +126,11 @@ void MessagesPane::Copy() {
 
 void MessagesPane::SaveAs() {
   SaveTextAs(*this,
-             {.dialog = "cdMessages",
+             {.name = "cdMessages",
               .title = "Save the messages",
               .proposal = "messages.txt",
-              .suffix = "txt",
-              .what = "messages"},
-             Text());
+              .filters = {"txt (*.txt)"}},
+             "messages", Text());
 }
 
 }  // namespace dorvane

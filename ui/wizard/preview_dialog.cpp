@@ -64,12 +64,11 @@ void PreviewDialog::reject() {
 
 void PreviewDialog::Save() {
   SaveTextAs(*this,
-             {.dialog = "cdScript",
+             {.name = "cdScript",
               .title = "Save the script",
               .proposal = "preview.sql",
-              .suffix = "sql",
-              .what = "script"},
-             txtScript_->toPlainText() + '\n');
+              .filters = {"sql (*.sql)"}},
+             "script", txtScript_->toPlainText() + '\n');
 }
 
 }  // namespace dorvane
