@@ -50,7 +50,7 @@ void Conversion::Run(const NameList& src_tables) {
     ConvertOneByOne(tables);
   }
   if (!host_.IsStopping()) FinishPostponedTables();
-  trial_.reset();
+  if (trial_) trial_->GiveUp();  // temporary tables have no relationships
   if (options_.convert_relationships) ForEachTable(tables, &Conversion::RelateListed);
   if (options_.copy_table_content && options_.verification != Verification::None) {
     CompareEach(tables);

@@ -15,6 +15,7 @@
 #include "endpoint/failure.h"
 #include "endpoint/references.h"
 #include "endpoint/rehearsed_references.h"
+#include "endpoint/rehearsed_rights.h"
 #include "endpoint/row_copier.h"
 #include "endpoint/table_definition.h"
 #include "endpoint/trial_rows.h"
@@ -145,6 +146,11 @@ class Conversion {
   /// columns and unique keys of the destination's table.
   virtual std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
                                                   const std::string& copy) = 0;
+  /// For a rehearsal: what the server says of a statement that needs this right on the table of
+  /// the destination; none when the login has the right, or the server does not tell. Changes
+  /// nothing. Throws RunTimeError.
+  virtual std::optional<ado::ProviderError> Denial(ado::Connection& asked, TableRight right,
+                                                   const ado::TableName& table) = 0;
   /// For a rehearsal: true when the destination may refuse or change rows of a new table although
   /// there is room in it for each of their values.
   virtual bool MayRefuseRows(const TableDefinition& table,
@@ -239,6 +245,8 @@ class Conversion {
   /// True when the destination has a table of that name.
   bool TellWhatIsThere(const TableDefinition& table);
   /// Tries from now on what is said of this table, on a copy of the destination's when it is kept.
+  /// Denial, asked over the trial's connection and kept.
+  const std::optional<ado::ProviderError>& DenialOf(TableRight right, const ado::TableName& table);
   void BeginTrial(const TableDefinition& table, bool is_kept);
   /// The rows of the trial table; none when there is no trial.
   std::unique_ptr<TrialRows> OpenTrialRows(const TableDefinition& table, bool is_new,
@@ -287,7 +295,8 @@ class Conversion {
   const ado::StatementSink rehearsal_;
   std::unique_ptr<TrialTable> trial_;  // none: this is no rehearsal, or the server takes none
   std::unique_ptr<RehearsedReferences> references_;  // none: likewise, or nothing is overwritten
-  std::vector<ado::TableName> rehearsed_tables_;     // that a rehearsal has made
+  std::map<std::pair<TableRight, ado::TableName>, std::optional<ado::ProviderError>> denials_;
+  std::vector<ado::TableName> rehearsed_tables_;  // that a rehearsal has made
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();

@@ -49,9 +49,25 @@ void Conversion::RehearseStatement(std::string_view sql) {
     throw Refusal(ServerKind::MySql, kNameTooLong,
                   fmt::format("Identifier name '{}' is too long", *name));
   }
+  if (const auto needed = NeededRight(sql)) {
+    const auto& denial = DenialOf(needed->first, needed->second);
+    if (denial) throw ado::ProviderError(*denial);
+  }
   if (references_) references_->Try(sql);
   if (trial_) trial_->Try(sql);
   rehearsal_(sql);
+}
+
+const std::optional<ado::ProviderError>& Conversion::DenialOf(TableRight right,
+                                                              const ado::TableName& table) {
+  const auto [denial, is_new] = denials_.try_emplace({right, table});
+  if (!is_new || !trial_) return denial->second;
+  try {
+    denial->second = Denial(trial_->Connection(), right, table);
+  } catch (const RunTimeError&) {
+    // The rights are not known, and the run will tell.
+  }
+  return denial->second;
 }
 
 void Conversion::LearnReferences() {
@@ -76,6 +92,9 @@ bool Conversion::IsMariaDb() {
 void Conversion::RehearseRelationship(const std::string& name, const ado::TableName& table,
                                       const ado::TableName& referenced) {
   if (!IsRehearsing()) return;
+  // The server asks for the right first.
+  const auto& denial = DenialOf(TableRight::Alter, table);
+  if (denial) throw DestinationFailure(*denial, denial->Entries());
   const auto is_it = [&](const ado::TableName& made) {
     return text::EqualsIgnoringCase(made.Text(), referenced.Text());
   };
@@ -137,6 +156,9 @@ void Conversion::BeginTrial(const TableDefinition& table, bool is_kept) {
   if (!trial_) return;
   trial_->StandFor(table.dest_name);
   if (!is_kept) return;
+  // A run sends the statement that makes the table all the same.
+  const auto& denial = DenialOf(TableRight::Create, table.dest_name);
+  if (denial) throw DestinationFailure(*denial, denial->Entries());
   trial_->Make(CopyOfExisting(table.dest_name, trial_->QuotedName()));
 }
 
@@ -223,6 +245,7 @@ std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestin
   return Rehearsed(std::move(rows), {.room = std::move(room),
                                      .types = std::move(types),
                                      .server = DestinationKind(),
+                                     .denial = DenialOf(TableRight::Insert, table.dest_name),
                                      .trial = OpenTrialRows(table, is_new, fields, facts),
                                      .is_all_tried = !is_new || MayRefuseRows(table, fields)});
 }

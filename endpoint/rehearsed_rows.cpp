@@ -152,6 +152,7 @@ void RehearsedRows::FindDoubtful(const ado::RowBlock& converted, std::size_t fir
 
 BlockResult RehearsedRows::StoreBlock(const ado::RowBlock& converted, std::size_t first,
                                       std::size_t count) {
+  if (rehearsal_.denial) return BlockResult::Failed;
   BlockResult result = BlockResult::Failed;
   if (rehearsal_.trial && rehearsal_.is_all_tried) {
     result = rehearsal_.trial->StoreBlock(converted, first, count);
@@ -173,6 +174,7 @@ BlockResult RehearsedRows::StoreBlock(const ado::RowBlock& converted, std::size_
 }
 
 RowOutcome RehearsedRows::StoreRow(const ado::RowBlock& converted, std::size_t row) {
+  if (rehearsal_.denial) throw DestinationFailure(*rehearsal_.denial, rehearsal_.denial->Entries());
   ++handled_;
   RowOutcome outcome = Try(converted, row);
   if (outcome.result == RowResult::Refused) NoteLoss(outcome.reason, converted.Row(row));

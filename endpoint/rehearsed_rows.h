@@ -27,11 +27,12 @@ ColumnRoom RoomOf(std::string column, std::string_view type, ServerKind server,
 
 /// What rows are held against.
 struct RowRehearsal {
-  std::vector<ColumnRoom> room;      // an entry for each column
-  std::vector<ado::DataType> types;  // likewise
-  ServerKind server;                 // in whose words a row is refused
-  std::unique_ptr<TrialRows> trial;  // that has the last word; none: the room has it
-  bool is_all_tried = false;         // else those rows only that lack room
+  std::vector<ColumnRoom> room;                   // an entry for each column
+  std::vector<ado::DataType> types;               // likewise
+  ServerKind server;                              // in whose words a row is refused
+  std::optional<ado::ProviderError> denial = {};  // why the login may insert none; none: it may
+  std::unique_ptr<TrialRows> trial;               // that has the last word; none: the room has it
+  bool is_all_tried = false;                      // else those rows only that lack room
 };
 
 /// Rows that do not go into their table: they are converted, and refused as the server would refuse

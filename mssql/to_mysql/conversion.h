@@ -98,6 +98,10 @@ class MsSqlToMySql : public Conversion {
   bool MayRefuseRows(const TableDefinition& table,
                      const std::vector<ado::FieldInfo>& fields) override;
 
+  // rights.cpp
+  std::optional<ado::ProviderError> Denial(ado::Connection& asked, TableRight right,
+                                           const ado::TableName& table) override;
+
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
   std::vector<Reference> DestReferences(const std::set<ado::TableName>& tables) override;

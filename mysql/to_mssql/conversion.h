@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -67,6 +68,10 @@ class MySqlToMsSql : public Conversion {
                                           const std::string& copy) override;
   bool MayRefuseRows(const TableDefinition& table,
                      const std::vector<ado::FieldInfo>& fields) override;
+
+  // rights.cpp
+  std::optional<ado::ProviderError> Denial(ado::Connection& asked, TableRight right,
+                                           const ado::TableName& table) override;
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;

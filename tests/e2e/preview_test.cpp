@@ -287,6 +287,34 @@ TEST_F(PreviewTest, ForetellsRowsThatATableDoesNotTake) {
   EXPECT_THAT(preview, HasSubstr("-- For example Born = 1500-01-01"));
 }
 
+TEST_F(PreviewTest, ForetellsWhatTheLoginMayNotDo) {
+  MakeShop(ServerKind::MsSql);
+  const auto answer = [&](const std::string& statements) {
+    return rig_.MySqlValue(statements, database_);
+  };
+  answer(
+      "create user clerk identified by 'secret'; create table Loose (A int, B varchar(10));"
+      "create table Orders (No int primary key, Customer int not null);"
+      "grant select on " +
+      database_ + ".* to clerk; grant insert on " + database_ + ".Loose to clerk");
+  Job job = TheJob(ServerKind::MsSql);
+  job.my_sql_user = "clerk";
+  job.mode = convert_mode::kMerge;
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("CREATE command denied")));
+  answer("grant create on " + database_ + ".* to clerk");
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("INSERT command denied")));
+
+  answer("grant all on " + database_ + ".* to clerk; revoke drop on " + database_ +
+         ".* from clerk");
+  job.mode = convert_mode::kOverwrite;
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("DROP command denied")));
+
+  answer("grant drop on " + database_ + ".* to clerk; revoke index on " + database_ +
+         ".* from clerk");
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("INDEX command denied")));
+  answer("drop user clerk");
+}
+
 TEST_F(PreviewTest, NeedsSettingsAndServers) {
   Job job = TheJob(ServerKind::MsSql);
   job.dest_db = "missing";

@@ -75,7 +75,7 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : Rig::Get().MsSql().Port(),
           job.ms_sql_user, job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
   Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : Rig::Get().MySql().Port(),
-          "root", job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
+          job.my_sql_user, job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
   for (IDatabase* endpoint : {static_cast<IDatabase*>(&src), static_cast<IDatabase*>(&dest)}) {
     ado::ConnectionSettings settings_of = endpoint->Settings();
     settings_of.idle_limit = job.idle_limit;

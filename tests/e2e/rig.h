@@ -30,6 +30,7 @@ struct Job {
   SchemaPolicy schemas = SchemaPolicy::Prefix;
   std::string dest_schema = {};
   std::string ms_sql_user = "sa";
+  std::string my_sql_user = "root";
   int tables_at_once = 1;
   Verification verification = Verification::None;
   NameList reports = {};
