@@ -14,6 +14,7 @@
 #include "tests/support/planned_endpoint.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::UnorderedElementsAreArray;

@@ -10,6 +10,7 @@
 #include "tests/e2e/rig.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::Contains;

@@ -11,6 +11,7 @@
 #include <vector>
 
 namespace dorvane {
+
 namespace {
 
 namespace fs = std::filesystem;

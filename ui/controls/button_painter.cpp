@@ -4,6 +4,7 @@
 #include <QPainterPath>
 
 namespace dorvane {
+
 namespace {
 
 QColor Mix(const QColor& from, const QColor& to, double part) {
@@ -18,7 +19,7 @@ QColor Greyed(const QColor& color) {
 }
 
 bool IsSoft(const ButtonLook& look) {
-  return look.style == ButtonStyle::kSoft && look.shape == ButtonShape::kRectangle;
+  return look.style == ButtonStyle::Soft && look.shape == ButtonShape::Rectangle;
 }
 
 QPainterPath OutlinePath(const ButtonLook& look, const QRectF& bounds) {
@@ -43,7 +44,7 @@ QBrush Background(const ButtonLook& look, const ButtonState& state, const QRectF
     primary = primary.darker(118);
     secondary = secondary.darker(118);
   }
-  if (look.gradient == GradientMode::kNone) {
+  if (look.gradient == GradientMode::None) {
     if (!IsSoft(look)) return primary;
     // The sheen of soft buttons: a little light from above, less when pressed.
     QLinearGradient sheen(bounds.topLeft(), bounds.bottomLeft());
@@ -101,27 +102,27 @@ void PaintBorder(QPainter& painter, const ButtonLook& look, const ButtonState& s
   painter.setBrush(Qt::NoBrush);
   const bool active = state.hovered || state.pressed;
   switch (look.style) {
-    case ButtonStyle::kRaised:
+    case ButtonStyle::Raised:
       PaintRaised(painter, look, bounds, state.pressed, base);
       break;
-    case ButtonStyle::kFlat:
-    case ButtonStyle::kSoft:
+    case ButtonStyle::Flat:
+    case ButtonStyle::Soft:
       stroke(0.5);
       if (state.is_default) stroke(1.5);
       break;
-    case ButtonStyle::kThick:
+    case ButtonStyle::Thick:
       stroke(0.5), stroke(1.5), stroke(2.5);
       break;
-    case ButtonStyle::kEtched:
+    case ButtonStyle::Etched:
       etch();
       break;
-    case ButtonStyle::kHoverRaised:
+    case ButtonStyle::HoverRaised:
       if (active) PaintRaised(painter, look, bounds, state.pressed, base);
       break;
-    case ButtonStyle::kHoverFlat:
+    case ButtonStyle::HoverFlat:
       if (active) stroke(0.5);
       break;
-    case ButtonStyle::kBorderless:
+    case ButtonStyle::Borderless:
       break;
   }
 }
@@ -163,8 +164,8 @@ void PaintCaption(QPainter& painter, const ButtonLook& look, const ButtonState& 
   const QColor light = Mix(background, Qt::white, 0.75);
   const QColor dark = Mix(background, Qt::black, 0.6);
   // Embossed letters catch the light from the upper left, engraved ones at their lower right.
-  if (look.caption_style == CaptionStyle::kEmbossed) draw(light, -1), draw(dark, 1);
-  if (look.caption_style == CaptionStyle::kEngraved) draw(dark, -1), draw(light, 1);
+  if (look.caption_style == CaptionStyle::Embossed) draw(light, -1), draw(dark, 1);
+  if (look.caption_style == CaptionStyle::Engraved) draw(dark, -1), draw(light, 1);
   draw(text_color, 0);
 }
 

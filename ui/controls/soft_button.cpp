@@ -3,6 +3,7 @@
 #include "ui/controls/make_child.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr SoftButtonColors kDialogColors = {.back = qRgb(238, 241, 247),
@@ -19,8 +20,8 @@ GradientButton& AddSoftButton(const char* name, QWidget& parent, const QString& 
   auto& button = MakeNamed<GradientButton>(name, parent);
   button.SetCaption(caption);
   if (access_key != '\0') button.SetAccessKey(access_key);
-  button.SetButtonStyle(static_cast<int>(ButtonStyle::kSoft));
-  button.SetGradientMode(static_cast<int>(GradientMode::kToBottom));
+  button.SetButtonStyle(static_cast<int>(ButtonStyle::Soft));
+  button.SetGradientMode(static_cast<int>(GradientMode::ToBottom));
   button.SetBackColor(colors.back);
   button.SetGradientColor(colors.gradient);
   button.SetForeColor(colors.fore);

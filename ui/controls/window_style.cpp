@@ -5,6 +5,7 @@
 #include <QStyleOption>
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kFrameWidth = 2;

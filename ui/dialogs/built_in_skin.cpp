@@ -5,6 +5,7 @@
 #include <QPainter>
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kScale = 2;

@@ -17,6 +17,7 @@
 #include "ui/dialogs/skin_module.h"
 
 namespace dorvane {
+
 namespace {
 
 const QString kApplicationTitle = QStringLiteral("Dorvane");
@@ -45,9 +46,9 @@ struct IconChoice {
   MessageIcon in_yes_no_box;
 };
 constexpr IconChoice kIcons[] = {
-    {message_style::kError, MessageIcon::kError, MessageIcon::kError},
-    {message_style::kQuestion, MessageIcon::kWarning, MessageIcon::kQuestion},
-    {message_style::kInformation, MessageIcon::kInformation, MessageIcon::kInformation},
+    {message_style::kError, MessageIcon::Error, MessageIcon::Error},
+    {message_style::kQuestion, MessageIcon::Warning, MessageIcon::Question},
+    {message_style::kInformation, MessageIcon::Information, MessageIcon::Information},
 };
 
 // The pictures as designed; the order is the order in which they lie above each other.
@@ -88,8 +89,8 @@ void PassMouseThrough(QWidget& widget) {
 
 MessageIcon IconOf(MessageBoxKind kind, std::int32_t style) {
   const auto found = std::ranges::find(kIcons, style, &IconChoice::style);
-  if (found == std::end(kIcons)) return MessageIcon::kWarning;
-  return kind == MessageBoxKind::kOk ? found->in_ok_box : found->in_yes_no_box;
+  if (found == std::end(kIcons)) return MessageIcon::Warning;
+  return kind == MessageBoxKind::Ok ? found->in_ok_box : found->in_yes_no_box;
 }
 
 frmMsgBox::frmMsgBox() : QDialog(nullptr, Qt::Dialog | Qt::FramelessWindowHint) {
@@ -175,7 +176,7 @@ void frmMsgBox::End(int answer) {
 
 int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
                    const QString& title, int default_answer) {
-  const bool asks = kind == MessageBoxKind::kYesNo;
+  const bool asks = kind == MessageBoxKind::YesNo;
   icon_ = IconOf(kind, style);
   cmdNo_->setVisible(asks);
   cmdOK_->SetCaption(asks ? "Yes" : "OK");
@@ -190,7 +191,7 @@ int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
   cmdOK_->move(asks ? kYesLeft : kOkAlone, button_top);
   cmdNo_->move(kNoLeft, button_top);
   LayoutSkinFrame(*this);
-  if (kind == MessageBoxKind::kOk) LoadSkin(*this);
+  if (kind == MessageBoxKind::Ok) LoadSkin(*this);
 
   MoveOverOwner();
 

@@ -13,7 +13,7 @@ class QLabel;
 
 namespace dorvane {
 
-enum class MessageBoxKind { kOk, kYesNo };
+enum class MessageBoxKind { Ok, YesNo };
 
 /// The icon of a message of that style.
 MessageIcon IconOf(MessageBoxKind kind, std::int32_t style);
@@ -60,7 +60,7 @@ class frmMsgBox : public QDialog {
   GradientButton* cmdOK_;
   GradientButton* cmdNo_;
   QPointer<QWidget> owner_;
-  MessageIcon icon_ = MessageIcon::kWarning;
+  MessageIcon icon_ = MessageIcon::Warning;
   int answer_ = 0;
   bool unloaded_ = false;
 };

@@ -13,6 +13,7 @@
 #include "ui/controls/user_input.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr std::chrono::milliseconds kDelay(250);

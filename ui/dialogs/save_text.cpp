@@ -7,6 +7,7 @@
 #include "ui/dialogs/message_box.h"
 
 namespace dorvane {
+
 namespace {
 
 /// "html" of "html (*.html *.htm)".

@@ -16,6 +16,7 @@
 #include "ui/controls/user_input.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kCornerRadius = 12;

@@ -17,6 +17,7 @@
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr std::size_t kMostConnections = 12;
@@ -83,7 +84,7 @@ class HostKeys : public QObject {
   std::function<void()> offer_;
 };
 
-template <class Paint>
+template <typename Paint>
 QIcon Icon(const Paint& paint) {
   QPixmap picture(kIconSize, kIconSize);
   picture.fill(Qt::transparent);

@@ -9,6 +9,7 @@
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kUserLimit = 40;

@@ -10,6 +10,7 @@
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr std::chrono::seconds kLongestLeave(5);

@@ -11,6 +11,7 @@
 #include "ui/wizard/save_report.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr QSize kWindowSize(900, 640);

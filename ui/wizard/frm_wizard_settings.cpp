@@ -10,6 +10,7 @@
 #include "ui/wizard/frm_wizard.h"
 
 namespace dorvane {
+
 namespace {
 
 /// The one settings file that is dragged; none where it is anything else.

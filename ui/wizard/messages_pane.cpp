@@ -21,6 +21,7 @@
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
+
 namespace {
 
 enum Column { kTime, kTable, kSeverity, kMessage };

@@ -13,6 +13,7 @@
 #include "ui/wizard/wizard_steps.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kMoveButtonWidth = 46;

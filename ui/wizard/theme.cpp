@@ -11,6 +11,7 @@
 #include "ui/controls/soft_button.h"
 
 namespace dorvane::theme {
+
 namespace {
 
 constexpr int kPictureScale = 3;
