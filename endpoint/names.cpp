@@ -1,5 +1,7 @@
 #include "endpoint/names.h"
 
+#include <utility>
+
 namespace dorvane {
 
 namespace {
@@ -43,6 +45,15 @@ std::string TakeQuoted(std::string_view& rest, char close) {
     text += c;
   }
   return text;
+}
+
+ado::TableName TakeTableName(std::string_view& text) {
+  if (!text.starts_with('`') && !text.starts_with('[')) return {};
+  const char close = text.front() == '[' ? ']' : '`';
+  std::string name = TakeQuoted(text, close);
+  if (text.size() < 2 || text.front() != '.') return name;
+  text.remove_prefix(1);
+  return {std::move(name), TakeQuoted(text, close)};
 }
 
 }  // namespace dorvane

@@ -188,6 +188,7 @@ WizardRun::TableCounts frmWizard::Counts() const {
 
 void frmWizard::ShowPreview() {
   PreviewDialog dialog(this);
+  connect(&dialog, &PreviewDialog::HelpRequested, this, &frmWizard::ShowHelp);
   connect(&dialog, &PreviewDialog::StopRequested, this, [this] { run_.StopPreview(); });
   PreviewScript script([&dialog](std::string_view lines) { dialog.Append(lines); });
   dialog.open();

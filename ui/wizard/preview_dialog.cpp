@@ -2,6 +2,7 @@
 
 #include <QFontDatabase>
 #include <QHBoxLayout>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "ui/controls/make_child.h"
@@ -38,6 +39,8 @@ PreviewDialog::PreviewDialog(QWidget* parent) : QDialog(parent) {
   row.addWidget(&cmdClose);
   connect(cmdSave_, &QAbstractButton::clicked, this, &PreviewDialog::Save);
   connect(&cmdClose, &QAbstractButton::clicked, this, &PreviewDialog::reject);
+  auto& help_key = MakeChild<QShortcut>(self, QKeySequence(Qt::Key_F1));
+  connect(&help_key, &QShortcut::activated, this, &PreviewDialog::HelpRequested);
   resize(760, 480);
 }
 
