@@ -23,6 +23,7 @@
 #include "ui/dialogs/skin_module.h"
 #include "ui/help/help_window.h"
 #include "ui/look/current_look.h"
+#include "ui/look/skins.h"
 #include "ui/schedule/frm_schedule.h"
 #include "ui/schedule/task_settings_dialog.h"
 #include "ui/wizard/preview_dialog.h"
@@ -274,6 +275,10 @@ void TakeEverything(const QString& folder, const std::filesystem::path& skins,
     TakeBoxes(camera, QStringLiteral("-") + skin, skins / skin);
   }
   TakeDialogs(camera, skins / "Blue", help_file);
+  for (const QString& skin : {kLightSkin, kDarkSkin}) {
+    ChooseSkin(skin);
+    TakeWizard(camera, kFromMsSql, skin.toLower() + "-", LeaveAsItIs);
+  }
 }
 
 void TakeSheets(const QString& folder, const std::filesystem::path& skins, const QString& help_file,

@@ -3,15 +3,11 @@
 #include <QLinearGradient>
 #include <QPainterPath>
 
+#include "ui/look/contrast.h"
+
 namespace dorvane {
 
 namespace {
-
-QColor Mix(const QColor& from, const QColor& to, double part) {
-  const auto channel = [part](int a, int b) { return static_cast<int>(a + (b - a) * part); };
-  return QColor(channel(from.red(), to.red()), channel(from.green(), to.green()),
-                channel(from.blue(), to.blue()));
-}
 
 bool IsDark(const QColor& color) {
   return qGray(color.rgb()) < 128;

@@ -31,7 +31,7 @@ void OutlineOnDark(QPainter& painter, const QStyleOption& option, bool is_round)
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   QColor line = option.palette.color(QPalette::WindowText);
-  line.setAlphaF(option.state.testFlag(QStyle::State_Enabled) ? 0.45F : 0.2F);
+  line.setAlphaF(option.state.testFlag(QStyle::State_Enabled) ? 0.45F : 0.3F);
   painter.setPen(line);
   painter.setBrush(Qt::NoBrush);
   const QRectF rect = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);

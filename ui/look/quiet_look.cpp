@@ -115,7 +115,7 @@ Look QuietLook(bool is_dark, const QPalette& desktop) {
       .scroll_bar = window,
       .title = window,
       .navigation = MakePalette(tones, bar),
-      .panel = window,
+      .panel = MakePalette(tones, is_dark ? Mix(tones.window, tones.text, 0.1) : tones.window),
       .message = window,
       .message_title = Readable(tones.text, {bar}),
       .closed_field = Mix(tones.window, tones.text, 0.06),

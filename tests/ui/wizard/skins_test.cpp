@@ -44,6 +44,7 @@ void ExpectReadableLook(const Look& look) {
   ExpectReadablePalette(look.field, "field");
   ExpectReadablePalette(look.navigation, "navigation");
   ExpectReadablePalette(look.message, "message");
+  ExpectReadablePalette(look.panel, "panel");
   const std::pair<QColor, QColor> pairs[] = {
       {look.sidebar.current_step, look.sidebar.top},
       {look.sidebar.other_step, look.sidebar.bottom},
