@@ -57,19 +57,19 @@ RunStatus RunPreview(const std::filesystem::path& settings_file,
     settings =
         ReadConversionSettings(file, [&](ServerKind kind) { return make_endpoint(kind, host); });
   } catch (const std::exception& error) {
-    return Fail(RunStatus::kSettingsUnusable, error.what());
+    return Fail(RunStatus::SettingsUnusable, error.what());
   }
   try {
     script.Rehearse(*settings.src, *settings.dest, settings.tables);
   } catch (const std::exception& error) {
-    return Fail(RunStatus::kFailed, error.what());
+    return Fail(RunStatus::Failed, error.what());
   }
   if (const int signal = StopSignals::Received()) return StoppedBy(signal);
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    return Fail(RunStatus::kFailed, "the preview cannot be written");
+    return Fail(RunStatus::Failed, "the preview cannot be written");
   }
   const bool is_clean = script.HasEnded() && script.Remarks() == 0;
-  return is_clean ? RunStatus::kConverted : RunStatus::kFailed;
+  return is_clean ? RunStatus::Converted : RunStatus::Failed;
 }
 
 }  // namespace dorvane

@@ -108,7 +108,7 @@ RunStatus Run(const Task& task, const std::filesystem::path& settings_file,
   if (unusable) {
     listener.Log(*unusable);
     LeaveTrace(settings_file, text::Visible(*unusable));
-    return RunStatus::kSettingsUnusable;
+    return RunStatus::SettingsUnusable;
   }
 
   const auto failure = FailureOf([&] {
@@ -121,12 +121,12 @@ RunStatus Run(const Task& task, const std::filesystem::path& settings_file,
   }
   listener.CloseLog();
   if (const int signal = StopSignals::Received()) return StoppedBy(signal);
-  if (listener.Succeeded()) return RunStatus::kConverted;
+  if (listener.Succeeded()) return RunStatus::Converted;
   if (isatty(STDERR_FILENO) == 1) {
     WriteStandardError(
         fmt::format("The {} failed; see {}\n", text::ToLower(task.name), settings.log_path));
   }
-  return RunStatus::kFailed;
+  return RunStatus::Failed;
 }
 
 }  // namespace

@@ -8,9 +8,9 @@ namespace dorvane {
 
 /// Exit statuses of an unattended run.
 enum class RunStatus : int {
-  kConverted = 0,         // every table was converted and nothing was reported
-  kFailed = 1,            // anything failed; the log says what
-  kSettingsUnusable = 2,  // the settings file, or the log it names, could not be used
+  Converted = 0,         // every table was converted and nothing was reported
+  Failed = 1,            // anything failed; the log says what
+  SettingsUnusable = 2,  // the settings file, or the log it names, could not be used
 };
 
 /// The status of a run that a signal ended in order.

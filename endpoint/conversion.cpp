@@ -40,6 +40,7 @@ Conversion::Conversion(Context context)
 }
 
 void Conversion::Run(const NameList& src_tables) {
+  if (IsRehearsing()) OpenTrial();
   const NameList tables = WithoutCollisions(src_tables);
   PrepareSchemas(tables);
   for (const std::string& name : tables) plans_->try_emplace(name);
@@ -49,6 +50,7 @@ void Conversion::Run(const NameList& src_tables) {
     ConvertOneByOne(tables);
   }
   if (!host_.IsStopping()) FinishPostponedTables();
+  if (trial_) trial_->GiveUp();  // temporary tables have no relationships
   if (options_.convert_relationships) ForEachTable(tables, &Conversion::RelateListed);
   if (options_.copy_table_content && options_.verification != Verification::None) {
     CompareEach(tables);
@@ -181,6 +183,7 @@ void Conversion::PrepareSchemas(const NameList& tables) {
 
 void Conversion::PrepareOverwriting(const NameList& tables) {
   if (host_.IsStopping()) return;
+  if (IsRehearsing()) LearnReferences();
   std::vector<const TableDefinition*> definitions;
   for (const std::string& name : tables) {
     const PlannedTable& planned = plans_->at(name);
@@ -200,10 +203,12 @@ void Conversion::ConvertTable(const std::string& name) {
   if (planned.failure) std::rethrow_exception(planned.failure);
   TableDefinition& table = *planned.definition;
   ado::Table& tab_src = catalog_.TableByName(name);
-  if (IsRehearsing()) TellWhatIsThere(table);
+  const bool is_there = IsRehearsing() && TellWhatIsThere(table);
+  if (IsRehearsing()) BeginTrial(table, is_there && IsMerging());
   if (IsOverwriting()) PrepareTable(table);
-  const bool is_new = CreateTable(table);
+  const bool is_new = !(is_there && IsMerging()) && CreateTable(table);
   if (is_new) {
+    if (IsRehearsing()) rehearsed_tables_.push_back(table.dest_name);
     AddPrimaryKeyConstraint(tab_src, table);
     TellNotes(table);
   } else {
@@ -227,7 +232,6 @@ void Conversion::ExecuteOrNote(const TableDefinition& table, const std::string& 
 }
 
 bool Conversion::CreateTable(TableDefinition& table) {
-  if (IsRehearsing() && IsMerging() && IsThere(table)) return false;
   for (;;) {
     try {
       ExecuteOn(*destination_, CreateTableStatement(table));
@@ -271,7 +275,7 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
     const std::vector<ColumnFacts> facts = FactsOf(fields, table);
     std::unique_ptr<IRowDestination> rows =
         OpenRows(table, is_new ? TableUse::New : TableUse::Existing, fields, facts);
-    if (IsRehearsing()) rows = Rehearse(std::move(rows), table, is_new, fields);
+    if (IsRehearsing()) rows = Rehearse(std::move(rows), table, is_new, fields, facts);
     RowCopier copier(*rows, events_, host_, copy_);
     bool is_stopped = false;
     try {
@@ -288,6 +292,7 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
       return Copied::WithRowsPostponed;
     }
     ReportRows(table, announced, account);
+    if (IsRehearsing()) ShowExamples(*rows);
     return is_stopped ? Copied::Stopped : Copied::AsFarAsPossible;
   } catch (const RunTimeError& error) {
     report(error);

@@ -14,8 +14,12 @@
 #include "endpoint/database.h"
 #include "endpoint/failure.h"
 #include "endpoint/references.h"
+#include "endpoint/rehearsed_references.h"
+#include "endpoint/rehearsed_rights.h"
 #include "endpoint/row_copier.h"
 #include "endpoint/table_definition.h"
+#include "endpoint/trial_rows.h"
+#include "endpoint/trial_table.h"
 #include "platform/ado/catalog.h"
 
 namespace dorvane {
@@ -96,6 +100,10 @@ class Conversion {
   ado::TableName DestTableOf(const std::string& listed) { return DestTable(SourceTable(listed)); }
   /// True when a table of this run stands in another schema than the login's.
   bool HasSchemas() const;
+  /// In a rehearsal, throws DestinationFailure when the destination would refuse a relationship
+  /// since the table that it refers to will not be there. The tables are the destination's.
+  void RehearseRelationship(const std::string& name, const ado::TableName& table,
+                            const ado::TableName& referenced);
   /// The other table of this run that has the table's name on the destination; null when there is
   /// none.
   const ado::TableName* Namesake(const ado::TableName& source) const;
@@ -134,6 +142,19 @@ class Conversion {
   /// What a new table of the exact mapping gets when its rows are there, the next identity value
   /// among it. What is refused is noted.
   virtual void CompleteTable(const TableDefinition& table) = 0;
+  /// For a rehearsal: the statements that make a temporary table of that quoted name with the
+  /// columns and unique keys of the destination's table.
+  virtual std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
+                                                  const std::string& copy) = 0;
+  /// For a rehearsal: what the server says of a statement that needs this right on the table of
+  /// the destination; none when the login has the right, or the server does not tell. Changes
+  /// nothing. Throws RunTimeError.
+  virtual std::optional<ado::ProviderError> Denial(ado::Connection& asked, TableRight right,
+                                                   const ado::TableName& table) = 0;
+  /// For a rehearsal: true when the destination may refuse or change rows of a new table although
+  /// there is room in it for each of their values.
+  virtual bool MayRefuseRows(const TableDefinition& table,
+                             const std::vector<ado::FieldInfo>& fields) = 0;
   /// After the last table: stores the rows that were postponed, and adds those that were refused
   /// for good to the account of their destination table.
   virtual void StorePostponedRows(std::map<std::string, RowAccount>& /*accounts*/) {}
@@ -214,14 +235,32 @@ class Conversion {
   bool TryKeepConnected();
 
   // rehearsal.cpp
-  /// Throws ProviderError, as the server would refuse it, for a statement with a name too long.
+  /// A server that takes no further connection is not asked.
+  void OpenTrial();
+  /// Throws ProviderError, as the server would refuse it.
   void RehearseStatement(std::string_view sql);
-  /// True when the destination has the table now.
-  bool IsThere(const TableDefinition& table);
-  void TellWhatIsThere(const TableDefinition& table);
+  /// In overwrite mode, when the tables are planned.
+  void LearnReferences();
+  bool IsMariaDb();
+  /// True when the destination has a table of that name.
+  bool TellWhatIsThere(const TableDefinition& table);
+  /// Tries from now on what is said of this table, on a copy of the destination's when it is kept.
+  /// Denial, asked over the trial's connection and kept.
+  const std::optional<ado::ProviderError>& DenialOf(TableRight right, const ado::TableName& table);
+  void BeginTrial(const TableDefinition& table, bool is_kept);
+  /// The rows of the trial table; none when there is no trial.
+  std::unique_ptr<TrialRows> OpenTrialRows(const TableDefinition& table, bool is_new,
+                                           const std::vector<ado::FieldInfo>& fields,
+                                           const std::vector<ColumnFacts>& facts);
+  /// How rows meet those of an existing table.
+  TrialRows::Meeting MeetingWith(const TableDefinition& table,
+                                 const std::vector<ado::FieldInfo>& fields);
+  /// Shows examples of the values that were changed or refused.
+  void ShowExamples(const IRowDestination& rows);
   std::unique_ptr<IRowDestination> Rehearse(std::unique_ptr<IRowDestination> rows,
                                             const TableDefinition& table, bool is_new,
-                                            const std::vector<ado::FieldInfo>& fields);
+                                            const std::vector<ado::FieldInfo>& fields,
+                                            const std::vector<ColumnFacts>& facts);
 
   // generated_columns.cpp
   /// The columns that get no values, since the destination computes them or gives them itself.
@@ -254,6 +293,10 @@ class Conversion {
   IRunHost& host_;
   const CopyPlan copy_;
   const ado::StatementSink rehearsal_;
+  std::unique_ptr<TrialTable> trial_;  // none: this is no rehearsal, or the server takes none
+  std::unique_ptr<RehearsedReferences> references_;  // none: likewise, or nothing is overwritten
+  std::map<std::pair<TableRight, ado::TableName>, std::optional<ado::ProviderError>> denials_;
+  std::vector<ado::TableName> rehearsed_tables_;  // that a rehearsal has made
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();

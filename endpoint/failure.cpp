@@ -40,6 +40,14 @@ ErrorSummary SummaryOf(const RunTimeError& error) {
   return {error.Number(), error.Description()};
 }
 
+ado::ProviderError Refusal(ServerKind server, std::int32_t number, const std::string& words,
+                           std::int32_t hresult) {
+  return {hresult,
+          server == ServerKind::MySql ? "MySQL" : "MS SQL Server",
+          words,
+          {{hresult, number, words, ""}}};
+}
+
 bool IsRowRefusal(std::int32_t number) {
   constexpr std::array kRefusals{ado::hresult::kErrorsInCommand, ado::hresult::kErrorsOccurred,
                                  ado::hresult::kIntegrityViolation, ado::hresult::kDataOverflow};

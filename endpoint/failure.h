@@ -49,6 +49,11 @@ auto OnDestination(const ado::Connection& destination, Operation&& operation) {
   }
 }
 
+/// What a server's provider throws for a statement that the server refuses; `number` is its own,
+/// `hresult` the provider's.
+ado::ProviderError Refusal(ServerKind server, std::int32_t number, const std::string& words,
+                           std::int32_t hresult = ado::hresult::kErrorsInCommand);
+
 /// True for the HRESULTs by which a provider says that a row, not the connection, is at fault.
 bool IsRowRefusal(std::int32_t number);
 

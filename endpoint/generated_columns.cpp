@@ -10,10 +10,37 @@
 
 namespace dorvane {
 
+namespace {
+
+/// Makes a column one that is filled with the source's values, and notes why.
 void HoldValues(ColumnDefinition& column, std::string_view why) {
   column.generation.clear();
   column.notes.push_back(
       fmt::format("column {} holds its values and is not computed: {}", column.name, why));
+}
+
+bool IsOfPrimaryKey(const std::vector<ado::Index>& indexes, const std::string& column) {
+  return std::ranges::any_of(indexes, [&column](const ado::Index& index) {
+    return index.primary_key && std::ranges::find(index.columns, column) != index.columns.end();
+  });
+}
+
+}  // namespace
+
+void KeepComputedColumns(ado::Table& tab_src, TableDefinition& table,
+                         const ComputedColumnRules& rules) {
+  for (const ado::Column& column : tab_src.Columns()) {
+    if (!rules.is_computed(column)) continue;
+    ColumnDefinition& definition = *table.Find(column.name);
+    if (IsOfPrimaryKey(tab_src.Indexes(), column.name)) {
+      HoldValues(definition, "it is of the primary key");
+    } else if (std::optional<std::string> generation = rules.generation(column, definition)) {
+      definition.generation = std::move(*generation);
+    } else {
+      HoldValues(definition,
+                 fmt::format("{} may compute {} otherwise", rules.server, column.kind.computed));
+    }
+  }
 }
 
 bool HoldRefusedValues(TableDefinition& table, std::string_view server, std::string_view words) {
@@ -43,12 +70,6 @@ bool HoldRefusedValues(TableDefinition& table, std::string_view server, std::str
     HoldValues(*column, fmt::format("{} refused: {}", server, words));
   }
   return !refused.empty();
-}
-
-bool IsOfPrimaryKey(const std::vector<ado::Index>& indexes, const std::string& column) {
-  return std::ranges::any_of(indexes, [&column](const ado::Index& index) {
-    return index.primary_key && std::ranges::find(index.columns, column) != index.columns.end();
-  });
 }
 
 bool IsNamed(std::string_view words, const std::string& name, std::string_view quotes) {

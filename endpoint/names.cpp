@@ -1,5 +1,7 @@
 #include "endpoint/names.h"
 
+#include <utility>
+
 namespace dorvane {
 
 namespace {
@@ -30,6 +32,28 @@ std::string MySqlTable(const ado::TableName& table) {
 
 std::string MsSqlTable(const ado::TableName& table) {
   return (table.IsBare() ? "" : MsSqlName(table.schema) + ".") + MsSqlName(table.name);
+}
+
+std::string TakeQuoted(std::string_view& rest, char close) {
+  std::string text;
+  rest.remove_prefix(1);
+  while (!rest.empty()) {
+    const char c = rest.front();
+    rest.remove_prefix(1);
+    if (c == close && !rest.starts_with(close)) break;
+    if (c == close) rest.remove_prefix(1);
+    text += c;
+  }
+  return text;
+}
+
+ado::TableName TakeTableName(std::string_view& text) {
+  if (!text.starts_with('`') && !text.starts_with('[')) return {};
+  const char close = text.front() == '[' ? ']' : '`';
+  std::string name = TakeQuoted(text, close);
+  if (text.size() < 2 || text.front() != '.') return name;
+  text.remove_prefix(1);
+  return {std::move(name), TakeQuoted(text, close)};
 }
 
 }  // namespace dorvane

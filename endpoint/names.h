@@ -18,4 +18,10 @@ std::string MsSqlName(std::string_view name);
 std::string MySqlTable(const ado::TableName& table);
 std::string MsSqlTable(const ado::TableName& table);
 
+/// Takes what is quoted off the front, without its quotes; a closing quote in it is doubled.
+std::string TakeQuoted(std::string_view& rest, char close);
+
+/// Takes a table's name, as either server's statements quote it, off the front.
+ado::TableName TakeTableName(std::string_view& text);
+
 }  // namespace dorvane

@@ -6,9 +6,12 @@
 #include <optional>
 
 #include "endpoint/conversion.h"
+#include "endpoint/names.h"
 #include "endpoint/rehearsed_rows.h"
+#include "endpoint/row_identity.h"
 #include "platform/ado/errors.h"
 #include "platform/ado/items.h"
+#include "platform/text/ascii.h"
 #include "platform/text/utf8.h"
 
 namespace dorvane {
@@ -17,20 +20,6 @@ namespace {
 
 constexpr std::ptrdiff_t kLongestName = 64;  // characters that MySQL takes
 constexpr std::int32_t kNameTooLong = 1059;
-
-/// Takes what is quoted off the front; quotes in it are doubled.
-std::string TakeQuoted(std::string_view& rest, char close) {
-  std::string text;
-  rest.remove_prefix(1);
-  while (!rest.empty()) {
-    const char c = rest.front();
-    rest.remove_prefix(1);
-    if (c == close && !rest.starts_with(close)) break;
-    if (c == close) rest.remove_prefix(1);
-    text += c;
-  }
-  return text;
-}
 
 bool BeginsCharacter(char c) {
   return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
@@ -56,23 +45,92 @@ std::optional<std::string> LongName(std::string_view sql) {
 
 void Conversion::RehearseStatement(std::string_view sql) {
   const auto name = DestinationKind() == ServerKind::MySql ? LongName(sql) : std::nullopt;
-  if (!name) return rehearsal_(sql);
-  const std::string words = fmt::format("Identifier name '{}' is too long", *name);
-  throw ado::ProviderError(ado::hresult::kErrorsInCommand, "MySQL", words,
-                           {{ado::hresult::kErrorsInCommand, kNameTooLong, words, "42000"}});
+  if (name) {
+    throw Refusal(ServerKind::MySql, kNameTooLong,
+                  fmt::format("Identifier name '{}' is too long", *name));
+  }
+  if (const auto needed = NeededRight(sql)) {
+    const auto& denial = DenialOf(needed->first, needed->second);
+    if (denial) throw ado::ProviderError(*denial);
+  }
+  if (references_) references_->Try(sql);
+  if (trial_) trial_->Try(sql);
+  rehearsal_(sql);
 }
 
-bool Conversion::IsThere(const TableDefinition& table) {
-  return OnDestination(*destination_,
-                       [&] { return !destination_->Columns(table.dest_name).empty(); });
+const std::optional<ado::ProviderError>& Conversion::DenialOf(TableRight right,
+                                                              const ado::TableName& table) {
+  const auto [denial, is_new] = denials_.try_emplace({right, table});
+  if (!is_new || !trial_) return denial->second;
+  try {
+    denial->second = Denial(trial_->Connection(), right, table);
+  } catch (const RunTimeError&) {
+    // The rights are not known, and the run will tell.
+  }
+  return denial->second;
 }
 
-void Conversion::TellWhatIsThere(const TableDefinition& table) {
+void Conversion::LearnReferences() {
+  try {
+    std::set<ado::TableName> tables;
+    for (const auto& [name, planned] : *plans_) {
+      if (planned.definition) tables.insert(planned.definition->dest_name);
+    }
+    references_ = std::make_unique<RehearsedReferences>(DestinationKind(), IsMariaDb(),
+                                                        FoldsTableNames(), DestReferences(tables));
+  } catch (const RunTimeError&) {
+    // The conversion tells of what it cannot read.
+  }
+}
+
+bool Conversion::IsMariaDb() {
+  if (DestinationKind() != ServerKind::MySql) return false;
+  ado::Recordset version = destination_->Execute("select version()");
+  return !version.AtEnd() && version.Field(0).Text().find("MariaDB") != std::string::npos;
+}
+
+void Conversion::RehearseRelationship(const std::string& name, const ado::TableName& table,
+                                      const ado::TableName& referenced) {
+  if (!IsRehearsing()) return;
+  // The server asks for the right first.
+  const auto& denial = DenialOf(TableRight::Alter, table);
+  if (denial) throw DestinationFailure(*denial, denial->Entries());
+  const auto is_it = [&](const ado::TableName& made) {
+    return text::EqualsIgnoringCase(made.Text(), referenced.Text());
+  };
+  if (std::ranges::any_of(rehearsed_tables_, is_it)) return;
+  const bool is_dropped = references_ && references_->IsDropped(referenced);
+  if (!is_dropped && !destination_->Columns(referenced).empty()) return;
+  const bool is_ms_sql = DestinationKind() == ServerKind::MsSql;
+  const std::int32_t hresult = is_ms_sql ? ado::hresult::kErrorsInCommand : ado::hresult::kFail;
+  const auto refuse = [&](std::int32_t number, const std::string& words) {
+    const ado::ProviderError refusal = Refusal(DestinationKind(), number, words, hresult);
+    throw DestinationFailure(refusal, refusal.Entries());
+  };
+  if (is_ms_sql) {
+    refuse(1767,
+           fmt::format("Foreign key '{}' references invalid table '{}'.", name, referenced.Text()));
+  }
+  if (!IsMariaDb()) {
+    refuse(1824, fmt::format("Failed to open the referenced table '{}'", referenced.name));
+  }
+  const std::string database = destination_->Execute("select database()").Field(0).Text();
+  refuse(1005, fmt::format("Can't create table `{}`.`{}` (errno: 150 \"Foreign key constraint is "
+                           "incorrectly formed\")",
+                           table.IsBare() ? database : table.schema, table.name));
+}
+
+bool Conversion::TellWhatIsThere(const TableDefinition& table) {
   const auto remark = [this](std::string_view text) {
     rehearsal_(fmt::format("-- {}", text::Visible(text)));
   };
   const std::string name = table.dest_name.Text();
-  if (!IsThere(table)) return remark(fmt::format("{} is made", name));
+  const bool is_there =
+      OnDestination(*destination_, [&] { return !destination_->Columns(table.dest_name).empty(); });
+  if (!is_there) {
+    remark(fmt::format("{} is made", name));
+    return false;
+  }
   const std::int64_t rows = CountRows(*destination_, "count(*)", DestQuoted(table.dest_name));
   remark(fmt::format("{} is there with {} row{}", name, rows, rows == 1 ? "" : "s"));
   if (IsMerging()) {
@@ -81,16 +139,99 @@ void Conversion::TellWhatIsThere(const TableDefinition& table) {
     host_.Inform(fmt::format("Table {}: the {} row{} of {} on the destination are dropped",
                              table.name.Text(), rows, rows == 1 ? "" : "s", name));
   }
+  return true;
+}
+
+void Conversion::OpenTrial() {
+  try {
+    auto connection = destination_->OpenAnother();
+    connection->Rehearse(nullptr);
+    trial_ = std::make_unique<TrialTable>(std::move(connection), DestinationKind());
+  } catch (const RunTimeError&) {
+    // What follows from names and lengths is found all the same.
+  }
+}
+
+void Conversion::BeginTrial(const TableDefinition& table, bool is_kept) {
+  if (!trial_) return;
+  trial_->StandFor(table.dest_name);
+  if (!is_kept) return;
+  // A run sends the statement that makes the table all the same.
+  const auto& denial = DenialOf(TableRight::Create, table.dest_name);
+  if (denial) throw DestinationFailure(*denial, denial->Entries());
+  trial_->Make(CopyOfExisting(table.dest_name, trial_->QuotedName()));
+}
+
+std::unique_ptr<TrialRows> Conversion::OpenTrialRows(const TableDefinition& table, bool is_new,
+                                                     const std::vector<ado::FieldInfo>& fields,
+                                                     const std::vector<ColumnFacts>& facts) {
+  if (!trial_ || !trial_->IsThere()) return nullptr;
+  TableDefinition trial = table;
+  trial.dest_name = trial_->Name();
+  std::unique_ptr<IRowDestination> rows;
+  TrialRows::Meeting meeting;
+  if (!is_new) meeting = MeetingWith(table, fields);
+  trial_->SwapConnection(destination_);
+  try {
+    rows = OpenRows(trial, is_new ? TableUse::New : TableUse::Existing, fields, facts);
+  } catch (const RunTimeError&) {
+    // Rows that do not go into the table at all have been reported for the table itself.
+  }
+  trial_->SwapConnection(destination_);
+  if (!rows) return nullptr;
+  return std::make_unique<TrialRows>(*trial_, std::move(rows), std::move(meeting));
+}
+
+TrialRows::Meeting Conversion::MeetingWith(const TableDefinition& table,
+                                           const std::vector<ado::FieldInfo>& fields) {
+  const bool is_my_sql = DestinationKind() == ServerKind::MySql;
+  const auto equal = [&](const std::string& column, std::string_view form) {
+    const std::string name = is_my_sql ? MySqlName(column) : MsSqlName(column);
+    const auto side = [&](char of) { return fmt::format(fmt::runtime(form), of, name); };
+    return side('o') + " = " + side('t');
+  };
+  const auto condition = [&](const std::vector<std::string>& columns, std::string_view form) {
+    std::string all;
+    for (const std::string& column : columns) {
+      all += (all.empty() ? "" : " and ") + equal(column, form);
+    }
+    return fmt::format("exists (select 1 from {} o where {})", DestQuoted(table.dest_name), all);
+  };
+  const std::string question =
+      fmt::format("select count(*) from {} t where ", trial_->QuotedName());
+  constexpr std::string_view kPlain = "{}.{}";
+
+  std::string conflicts;
+  for (const ado::Index& index : destination_->Indexes(table.dest_name)) {
+    const bool tells_rows_apart = (index.unique && index.filter.empty()) || index.primary_key;
+    const bool is_of_columns = std::ranges::find(index.columns, "") == index.columns.end();
+    if (!tells_rows_apart || !is_of_columns) continue;
+    conflicts += (conflicts.empty() ? "" : " or ") + condition(index.columns, kPlain);
+  }
+  if (conflicts.empty()) return {};
+  std::vector<std::string> own;
+  for (const std::size_t i :
+       IdentifyingFields(catalog_.TableByName(table.name.Text()).Indexes(), fields)) {
+    own.push_back(DestName(fields[i].name));
+  }
+  const std::string_view bytes =
+      is_my_sql ? "cast({}.{} as binary)" : "cast({}.{} as varbinary(8000))";
+  const std::string same =
+      own.empty() ? conflicts : condition(own, kPlain) + " and " + condition(own, bytes);
+  return {question + conflicts, question + same};
 }
 
 std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestination> rows,
                                                       const TableDefinition& table, bool is_new,
-                                                      const std::vector<ado::FieldInfo>& fields) {
+                                                      const std::vector<ado::FieldInfo>& fields,
+                                                      const std::vector<ColumnFacts>& facts) {
   std::vector<ado::Column> there;
   if (!is_new) there = destination_->Columns(table.dest_name);
   std::vector<ColumnRoom> room;
+  std::vector<ado::DataType> types;
   for (const ado::FieldInfo& field : fields) {
     const std::string name = DestName(field.name);
+    types.push_back(field.type);
     if (is_new) {
       const ColumnDefinition* column = table.Find(field.name);
       room.push_back(RoomOf(name, column != nullptr ? column->type : "", DestinationKind()));
@@ -101,7 +242,18 @@ std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestin
                                        : ColumnRoom{name});
     }
   }
-  return Rehearsed(std::move(rows), std::move(room), DestinationKind());
+  return Rehearsed(std::move(rows), {.room = std::move(room),
+                                     .types = std::move(types),
+                                     .server = DestinationKind(),
+                                     .denial = DenialOf(TableRight::Insert, table.dest_name),
+                                     .trial = OpenTrialRows(table, is_new, fields, facts),
+                                     .is_all_tried = !is_new || MayRefuseRows(table, fields)});
+}
+
+void Conversion::ShowExamples(const IRowDestination& rows) {
+  for (const std::string& example : rows.Examples()) {
+    rehearsal_(fmt::format("-- {}", text::Visible(example)));
+  }
 }
 
 }  // namespace dorvane

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "endpoint/row_copier.h"
+#include "endpoint/trial_rows.h"
 #include "platform/ado/types.h"
 
 namespace dorvane {
@@ -24,10 +25,19 @@ struct ColumnRoom {
 ColumnRoom RoomOf(std::string column, std::string_view type, ServerKind server,
                   std::int64_t size = 0);
 
-/// Rows that go nowhere: they are converted, and refused where a value is too long for its column,
-/// as the server would refuse them. `rows` is the table that they would go into; `room` has an
-/// entry for each column.
+/// What rows are held against.
+struct RowRehearsal {
+  std::vector<ColumnRoom> room;                   // an entry for each column
+  std::vector<ado::DataType> types;               // likewise
+  ServerKind server;                              // in whose words a row is refused
+  std::optional<ado::ProviderError> denial = {};  // why the login may insert none; none: it may
+  std::unique_ptr<TrialRows> trial;               // that has the last word; none: the room has it
+  bool is_all_tried = false;                      // else those rows only that lack room
+};
+
+/// Rows that do not go into their table: they are converted, and refused as the server would refuse
+/// them. `rows` is the table that they would go into.
 std::unique_ptr<IRowDestination> Rehearsed(std::unique_ptr<IRowDestination> rows,
-                                           std::vector<ColumnRoom> room, ServerKind server);
+                                           RowRehearsal rehearsal);
 
 }  // namespace dorvane

@@ -110,6 +110,11 @@ std::size_t RowCopier::StoreSome(const Rows& rows, std::size_t position) {
       batch_size_ = std::min(batch_size_ * kGrowth, limits_.rows);
       Handled(count);
       return count;
+    case BlockResult::Duplicates:
+      account_.duplicates += static_cast<std::int64_t>(count);
+      batch_size_ = std::min(batch_size_ * kGrowth, limits_.rows);
+      Handled(count);
+      return count;
     case BlockResult::Refused:
       refused_end_ = position + count;
       batch_size_ = std::max<std::size_t>(1, count / 2);

@@ -16,8 +16,8 @@
 namespace dorvane {
 
 /// Why rows sent together were not stored: something in them was refused, or the sending failed in
-/// another way (a lost connection, a deadlock).
-enum class BlockResult { Stored, Refused, Failed };
+/// another way (a lost connection, a deadlock). Duplicates: every single one was there before.
+enum class BlockResult { Stored, Refused, Failed, Duplicates };
 
 /// What became of a row that was stored alone.
 enum class RowResult {
@@ -36,8 +36,9 @@ struct RowOutcome {
 /// Values of a table that arrive otherwise than they were.
 struct ValueChanges {
   std::int64_t count = 0;
-  std::string what;      // behind the count: "dates before 1753-01-01 were raised to it"
-  bool is_loss = false;  // counts as a failure; the others follow the conversion's rules
+  std::string what;        // behind the count: "dates before 1753-01-01 were raised to it"
+  bool is_loss = false;    // counts as a failure; the others follow the conversion's rules
+  std::string first = {};  // "Born = 1700-01-01", where it was taken down
 };
 
 /// What became of the rows of one table.
@@ -73,6 +74,8 @@ class IRowDestination {
   /// A row that has been stored or postponed, as the source gave it: what is lost of it by the
   /// rules of the conversion is counted here, where rows that were left out do not come.
   virtual void RowStored(std::span<const ado::Value> /*source_row*/) {}
+  /// In a rehearsal: of each kind of value that was changed or refused one, for a person to read.
+  virtual std::vector<std::string> Examples() const { return {}; }
   /// What happened to values so far; asked for when the copy has ended.
   virtual std::vector<ValueChanges> Changes() const = 0;
 };

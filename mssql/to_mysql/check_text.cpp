@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "endpoint/names.h"
+
 namespace dorvane::to_mysql {
 
 namespace {
@@ -26,17 +28,6 @@ bool IsReadOtherwise(std::string_view text) {
 
 }  // namespace
 
-std::string TakeBracketed(std::string_view& rest) {
-  const std::string_view piece = rest.substr(0, ClosedBy(rest, ']'));
-  rest.remove_prefix(piece.size());
-  std::string name;
-  for (std::size_t i = 1; i + 1 < piece.size(); ++i) {
-    name += piece[i];
-    if (piece[i] == ']') ++i;
-  }
-  return name;
-}
-
 std::optional<std::string> TakeText(std::string_view& rest) {
   const std::string_view piece = rest.substr(0, ClosedBy(rest, '\''));
   rest.remove_prefix(piece.size());
@@ -50,7 +41,7 @@ std::string CheckText(std::string_view condition,
   while (!condition.empty()) {
     const char first = condition.front();
     if (first == '[') {
-      text += dest_name(TakeBracketed(condition));
+      text += dest_name(TakeQuoted(condition, ']'));
     } else if (first == '\'') {
       const std::optional<std::string> piece = TakeText(condition);
       if (!piece) return {};

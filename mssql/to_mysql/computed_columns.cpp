@@ -99,7 +99,7 @@ std::optional<std::vector<ExpressionToken>> TokensOf(std::string_view rest) {
     if (first == ' ') {
       rest.remove_prefix(1);
     } else if (first == '[') {
-      tokens.push_back({Kind::Name, TakeBracketed(rest)});
+      tokens.push_back({Kind::Name, TakeQuoted(rest, ']')});
     } else if (first == '\'' || rest.starts_with("N'")) {
       rest.remove_prefix(first == 'N' ? 1 : 0);
       const std::optional<std::string> text = TakeText(rest);
@@ -159,24 +159,19 @@ std::optional<std::string> ExpressionText(
 
 void MsSqlToMySql::KeepComputed(ado::Table& tab_src, TableDefinition& table) {
   const auto dest_name = [this](std::string_view name) { return MySqlName(DestName(name)); };
-  for (const ado::Column& column : tab_src.Columns()) {
-    if (column.kind.computed.empty()) continue;
-    ColumnDefinition& definition = *table.Find(column.name);
-    if (IsOfPrimaryKey(tab_src.Indexes(), column.name)) {
-      HoldValues(definition, "it is of the primary key");
-      continue;
-    }
-    const std::optional<std::string> text =
-        ExpressionText(column, tab_src.Columns(), IsExact(), dest_name);
-    if (!text) {
-      HoldValues(definition, fmt::format("MySQL may compute {} otherwise", column.kind.computed));
-      continue;
-    }
+  const auto generation = [&](const ado::Column& column,
+                              const ColumnDefinition& definition) -> std::optional<std::string> {
+    const auto text = ExpressionText(column, tab_src.Columns(), IsExact(), dest_name);
+    if (!text) return std::nullopt;
     // What the source does not store is not stored there, and takes indexes all the same.
-    definition.generation =
-        fmt::format("{}{} GENERATED ALWAYS AS ({}) {}", definition.type, definition.attributes,
-                    *text, column.kind.is_persisted ? "STORED" : "VIRTUAL");
-  }
+    return fmt::format("{}{} GENERATED ALWAYS AS ({}) {}", definition.type, definition.attributes,
+                       *text, column.kind.is_persisted ? "STORED" : "VIRTUAL");
+  };
+  KeepComputedColumns(
+      tab_src, table,
+      {.server = "MySQL",
+       .is_computed = [](const ado::Column& column) { return !column.kind.computed.empty(); },
+       .generation = generation});
 }
 
 }  // namespace dorvane::to_mysql

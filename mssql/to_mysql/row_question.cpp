@@ -11,15 +11,17 @@ namespace dorvane::to_mysql {
 
 namespace {
 
-/// The first comparison finds the row by its index, the second one is exact.
+/// The first comparison finds the row by its index, the second one is exact. Trailing blanks count
+/// in some collations.
 std::string EqualText(const std::string& column, std::string_view text, bool is_padded) {
   const std::string exact = HexCode(text);
   // A CHAR column gives its values without their trailing blanks.
   const std::string trimmed =
       HexCode(is_padded ? text.substr(0, text.find_last_not_of(' ') + 1) : text);
   return fmt::format(
-      "{0} = _utf8mb4 {1} and cast(convert({0} using utf8mb4) as binary) in ({1}, {2})", column,
-      exact, trimmed);
+      "{0} in (_utf8mb4 {1}, _utf8mb4 {2}) and cast(convert({0} using utf8mb4) as binary) in ({1}, "
+      "{2})",
+      column, exact, trimmed);
 }
 
 }  // namespace

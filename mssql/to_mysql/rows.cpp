@@ -8,10 +8,12 @@
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
 #include "endpoint/row_identity.h"
+#include "endpoint/shown_value.h"
 #include "mssql/to_mysql/conversion.h"
 #include "mssql/to_mysql/literals.h"
 #include "mssql/to_mysql/row_faults.h"
 #include "mssql/to_mysql/row_question.h"
+#include "platform/ado/value_text.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mysql {
@@ -196,6 +198,7 @@ std::int64_t RowsToMySql::ReplaceCharacters(std::span<const ado::Value> row) {
     const std::string stored = AsStored(*text, character_set);
     if (stored == *text) continue;
     table_->Field(i).SetText(stored);
+    if (first_replaced_.empty()) first_replaced_ = ShownValue(target_.columns[i], *text);
     ++replaced;
   }
   return replaced;
@@ -204,14 +207,12 @@ std::int64_t RowsToMySql::ReplaceCharacters(std::span<const ado::Value> row) {
 const std::string& RowsToMySql::CharacterSetOf(const std::string& column) {
   if (character_sets_.empty()) {
     ado::Recordset sets = OnDestination(destination_, [this] {
-      return destination_.Execute(
-          fmt::format("select column_name, coalesce(character_set_name, '') from "
-                      "information_schema.columns where table_schema = {} and "
-                      "table_name = '{}'",
-                      SchemaText(target_.table), Quote(target_.table.name)));
+      return destination_.Execute("show full columns from " + MySqlTable(target_.table));
     });
     for (; !sets.AtEnd(); sets.MoveNext()) {
-      character_sets_[text::ToLower(sets.Field(0).Text())] = sets.Field(1).Text();
+      const std::string collation = sets.Field("Collation").Text();
+      character_sets_[text::ToLower(sets.Field("Field").Text())] =
+          collation.substr(0, collation.find('_'));
     }
   }
   return character_sets_[text::ToLower(column)];
@@ -233,14 +234,18 @@ std::string RowsToMySql::AsStored(std::string_view text, const std::string& char
 void RowsToMySql::RowStored(std::span<const ado::Value> source_row) {
   for (const std::size_t i : time_columns_) {
     const auto* moment = std::get_if<ado::DateTime>(&source_row[i]);
-    if (moment != nullptr && LosesFraction(*moment, facts_[i])) ++cut_fractions_;
+    if (moment == nullptr || !LosesFraction(*moment, facts_[i])) continue;
+    if (++cut_fractions_ > 1) continue;
+    first_cut_ = ShownValue(fields_[i].name, ado::ToText(*moment, fields_[i].type));
   }
 }
 
 std::vector<ValueChanges> RowsToMySql::Changes() const {
-  return {{replaced_texts_,
-           "hold characters that the destination cannot store; they were replaced by '?'", true},
-          {cut_fractions_, "fractions of a second were cut"}};
+  return {{.count = replaced_texts_,
+           .what = "hold characters that the destination cannot store; they were replaced by '?'",
+           .is_loss = true,
+           .first = first_replaced_},
+          {.count = cut_fractions_, .what = "fractions of a second were cut", .first = first_cut_}};
 }
 
 std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& table, TableUse use,

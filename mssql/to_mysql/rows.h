@@ -82,6 +82,9 @@ class RowsToMySql : public IRowDestination {
   std::map<std::string, std::string> character_sets_;  // by column; empty until they are needed
   std::int64_t replaced_texts_ = 0;
   std::int64_t cut_fractions_ = 0;
+  // The first of each with its column.
+  std::string first_replaced_;
+  std::string first_cut_;
 };
 
 }  // namespace dorvane::to_mysql

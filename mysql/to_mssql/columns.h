@@ -35,6 +35,9 @@ ColumnDefinition GetExactColumnType(const ado::Column& col,
                                     const std::vector<ColumnDescription>& descriptions,
                                     std::int64_t answer, const std::string& dest_name);
 
+/// What an index of the server may hold of one row, in all of its versions.
+inline constexpr std::int64_t kMostKeyBytes = 900;
+
 /// Bytes of a key that a column of this SQL Server type takes at most; nothing for a type that no
 /// key takes.
 std::optional<std::int64_t> KeyBytes(const std::string& type);

@@ -90,21 +90,6 @@ Operand OperandOf(const ado::Column& column, bool is_exact) {
   return operand;
 }
 
-std::string TakeQuoted(std::string_view& rest) {
-  std::string name;
-  rest.remove_prefix(1);
-  while (!rest.empty()) {
-    const bool is_quote = rest.front() == '`';
-    if (is_quote && !rest.starts_with("``")) {
-      rest.remove_prefix(1);
-      break;
-    }
-    name += rest.front();
-    rest.remove_prefix(is_quote ? 2 : 1);
-  }
-  return name;
-}
-
 bool IsText(std::string_view rest) {
   return rest.starts_with('\'') || rest.starts_with("\\'");
 }
@@ -117,7 +102,7 @@ std::optional<std::vector<ExpressionToken>> TokensOf(const std::string& expressi
     if (first == ' ') {
       rest.remove_prefix(1);
     } else if (first == '`') {
-      tokens.push_back({Kind::Name, TakeQuoted(rest)});
+      tokens.push_back({Kind::Name, TakeQuoted(rest, '`')});
     } else if (IsText(rest)) {
       std::string text;
       if (!TakeText(rest, text)) return std::nullopt;
@@ -179,22 +164,17 @@ std::optional<std::string> ExpressionText(
 
 void MySqlToMsSql::KeepComputed(ado::Table& tab_src, TableDefinition& table) {
   const auto dest_name = [this](std::string_view name) { return MsSqlName(DestName(name)); };
-  for (const ado::Column& column : tab_src.Columns()) {
-    if (!column.kind.is_given) continue;
-    ColumnDefinition& definition = *table.Find(column.name);
-    if (IsOfPrimaryKey(tab_src.Indexes(), column.name)) {
-      HoldValues(definition, "it is of the primary key");
-      continue;
-    }
-    const std::optional<std::string> text =
-        ExpressionText(column, tab_src.Columns(), IsExact(), dest_name);
-    if (!text) {
-      HoldValues(definition,
-                 fmt::format("SQL Server may compute {} otherwise", column.kind.computed));
-      continue;
-    }
-    definition.generation = Generation(definition, *text, column.kind.is_persisted);
-  }
+  const auto generation = [&](const ado::Column& column,
+                              const ColumnDefinition& definition) -> std::optional<std::string> {
+    const auto text = ExpressionText(column, tab_src.Columns(), IsExact(), dest_name);
+    if (!text) return std::nullopt;
+    return Generation(definition, *text, column.kind.is_persisted);
+  };
+  KeepComputedColumns(
+      tab_src, table,
+      {.server = "SQL Server",
+       .is_computed = [](const ado::Column& column) { return column.kind.is_given; },
+       .generation = generation});
 }
 
 }  // namespace dorvane::to_mssql

@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "endpoint/conversion.h"
 #include "endpoint/references.h"
+#include "mysql/to_mssql/cascade_paths.h"
 #include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/foreign_key_text.h"
 #include "mysql/to_mssql/key_text.h"
@@ -61,6 +63,16 @@ class MySqlToMsSql : public Conversion {
   std::unique_ptr<Conversion> Fork(Context context) const override;
   void Join(Conversion& fork) override;
 
+  // trial.cpp
+  std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
+                                          const std::string& copy) override;
+  bool MayRefuseRows(const TableDefinition& table,
+                     const std::vector<ado::FieldInfo>& fields) override;
+
+  // rights.cpp
+  std::optional<ado::ProviderError> Denial(ado::Connection& asked, TableRight right,
+                                           const ado::TableName& table) override;
+
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;
   ado::TableName NameToDrop(const ado::TableName& table) const;
@@ -98,6 +110,11 @@ class MySqlToMsSql : public Conversion {
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
   void AddRelationship(const ado::TableName& table, const ForeignKeyText& key);
+  /// The table that a key refers to, on the destination.
+  ado::TableName ReferencedTable(const ForeignKeyText& key) const;
+  /// Throws DestinationFailure where the server would refuse the rules beside those of other keys.
+  void RehearseRules(const ado::TableName& table, const ForeignKeyText& key,
+                     const std::string& delete_rule, const std::string& update_rule);
   bool HasRelationship(const ado::TableName& dest_table, const std::string& quoted_name);
   /// A part of a table definition with its names as they are on the destination.
   std::string DestNames(std::string_view definition_part) const;
@@ -107,6 +124,9 @@ class MySqlToMsSql : public Conversion {
   const std::string default_schema_;  // of the login on the destination
   Util util_;
   WaitingRows waiting_;
+  // Of the keys that a rehearsal has made.
+  CascadePaths deletions_;
+  CascadePaths updates_;
   std::set<std::string> kept_;  // tables of the source whose old ones could not be dropped
 };
 

@@ -43,12 +43,7 @@ InsertBatch::InsertBatch(ado::Connection& destination, const ado::TableName& tab
 }
 
 std::string InsertBatch::StatementOf(std::span<const ado::Value> row) const {
-  std::string statement = identity_on_ + head_ + " VALUES";
-  for (std::size_t i = 0; i < row.size(); ++i) {
-    statement += i == 0 ? "(" : ", ";
-    AppendDataValue(statement, row[i], facts_[i]);
-  }
-  return statement + ')';
+  return identity_on_ + InsertOf(row, nullptr);
 }
 
 bool InsertBatch::GoesInPieces(std::span<const ado::Value> row) const {
@@ -56,13 +51,13 @@ bool InsertBatch::GoesInPieces(std::span<const ado::Value> row) const {
 }
 
 std::string InsertBatch::InsertOf(std::span<const ado::Value> row,
-                                  std::vector<ado::Value>& long_values) const {
+                                  std::vector<ado::Value>* long_values) const {
   std::string statement = head_ + " VALUES";
   for (std::size_t i = 0; i < row.size(); ++i) {
-    statement += i == 0 ? '(' : ',';
-    if (IsLong(row[i])) {
+    statement += i == 0 ? "(" : ", ";
+    if (long_values != nullptr && IsLong(row[i])) {
       statement += '?';
-      long_values.push_back(row[i]);
+      long_values->push_back(row[i]);
     } else {
       AppendDataValue(statement, row[i], facts_[i]);
     }
@@ -78,7 +73,7 @@ void InsertBatch::ExecuteRow(std::span<const ado::Value> row) {
   // A statement with parameters has its own switches: those of the session go before it.
   if (!identity_on_.empty()) destination_.Execute(identity_on_);
   std::vector<ado::Value> long_values;
-  const std::string statement = InsertOf(row, long_values);
+  const std::string statement = InsertOf(row, &long_values);
   destination_.ExecuteWith(statement, long_values);
 }
 

@@ -46,8 +46,8 @@ class InsertBatch {
  private:
   bool GoesInPieces(std::span<const ado::Value> row) const;
   bool JoinsLastInsert();
-  /// With "?" for long values, which are appended to `long_values`.
-  std::string InsertOf(std::span<const ado::Value> row, std::vector<ado::Value>& long_values) const;
+  /// With "?" for long values, which are appended to `long_values`, unless that is null.
+  std::string InsertOf(std::span<const ado::Value> row, std::vector<ado::Value>* long_values) const;
   void Send();
 
   ado::Connection& destination_;

@@ -13,9 +13,6 @@ namespace dorvane::to_mssql {
 
 namespace {
 
-// What an index of the server may hold of one row, in all of its versions.
-constexpr std::int64_t kMostKeyBytes = 900;
-
 /// A name as it may stand outside brackets, else in brackets.
 std::string Plain(const std::string& name) {
   return NeedsBrackets(name) ? MsSqlName(name) : name;

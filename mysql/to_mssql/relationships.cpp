@@ -53,13 +53,17 @@ void MySqlToMsSql::AddRelationship(const ado::TableName& table, const ForeignKey
   const std::string schema =
       is_bare && !dest_table.IsBare() ? MsSqlName(dest_table.schema) + "." : "";
   const std::string referenced = schema + DestNames(key.referenced);
+  // The server would refuse it, without a word to anyone.
+  if (IsRehearsing() && MayBeOld(table) && HasRelationship(dest_table, name)) return;
   const auto execute = [&](const std::string& delete_rule, const std::string& update_rule) {
+    if (IsRehearsing()) RehearseRules(table, key, delete_rule, update_rule);
     ExecuteOn(Destination(),
               fmt::format("Alter Table {} add CONSTRAINT {} Foreign Key ({}) "
                           "References {} On Delete {} On Update {}",
                           table_reference, name, columns, referenced, delete_rule, update_rule));
   };
   try {
+    RehearseRelationship(name, dest_table, ReferencedTable(key));
     try {
       execute(Rule(key.delete_rule, IsExact()), Rule(key.update_rule, IsExact()));
     } catch (const DestinationFailure& failure) {
@@ -84,6 +88,28 @@ void MySqlToMsSql::AddRelationship(const ado::TableName& table, const ForeignKey
                     table_reference, columns, referenced, summary.number, summary.description),
         kTitle);
   }
+}
+
+ado::TableName MySqlToMsSql::ReferencedTable(const ForeignKeyText& key) const {
+  std::string_view text = key.referenced;
+  const ado::TableName referenced = TakeTableName(text);
+  return referenced.IsBare() ? DestTable(referenced) : referenced;
+}
+
+void MySqlToMsSql::RehearseRules(const ado::TableName& table, const ForeignKeyText& key,
+                                 const std::string& delete_rule, const std::string& update_rule) {
+  const std::string child = text::ToLower(DestTable(table).Text());
+  const std::string parent = text::ToLower(ReferencedTable(key).Text());
+  const auto is_second = [&](CascadePaths& paths, const std::string& rule) {
+    return !text::EqualsIgnoringCase(rule, kNoAction) && !paths.Add(parent, child);
+  };
+  if (!is_second(deletions_, delete_rule) && !is_second(updates_, update_rule)) return;
+  const ado::ProviderError refusal =
+      Refusal(ServerKind::MsSql, kSeveralCascades,
+              fmt::format("Introducing FOREIGN KEY constraint {} may cause cycles or multiple "
+                          "cascade paths.",
+                          key.name));
+  throw DestinationFailure(refusal, refusal.Entries());
 }
 
 bool MySqlToMsSql::HasRelationship(const ado::TableName& dest_table,

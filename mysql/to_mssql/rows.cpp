@@ -8,10 +8,12 @@
 #include "endpoint/literal_text.h"
 #include "endpoint/names.h"
 #include "endpoint/row_identity.h"
+#include "endpoint/shown_value.h"
 #include "mysql/to_mssql/conversion.h"
 #include "mysql/to_mssql/literals.h"
 #include "mysql/to_mssql/row_faults.h"
 #include "mysql/to_mssql/row_question.h"
+#include "platform/ado/value_text.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mssql {
@@ -245,20 +247,31 @@ void RowsToMsSql::RowStored(std::span<const ado::Value> source_row) {
     const auto* moment = std::get_if<ado::DateTime>(&source_row[i]);
     if (moment == nullptr) continue;
     if (facts_[i].is_exact) {
-      if (!IsOfCalendar(*moment)) ++(facts_[i].nullable ? dates_left_out_ : first_days_);
+      if (!IsOfCalendar(*moment)) {
+        Count(facts_[i].nullable ? dates_left_out_ : first_days_, i, *moment);
+      }
       continue;
     }
     const unsigned changes = ChangesOf(*moment, fields_[i].type);
-    for (unsigned bit = 0; changes >> bit != 0; ++bit) changes_[bit] += changes >> bit & 1;
+    for (unsigned bit = 0; changes >> bit != 0; ++bit) {
+      if ((changes >> bit & 1) != 0) Count(changes_[bit], i, *moment);
+    }
   }
 }
 
+void RowsToMsSql::Count(Changed& changed, std::size_t field, const ado::DateTime& moment) {
+  if (++changed.count > 1) return;
+  changed.first = ShownValue(fields_[field].name, ado::ToText(moment, fields_[field].type));
+}
+
 std::vector<ValueChanges> RowsToMsSql::Changes() const {
-  std::vector<ValueChanges> changes{{dates_left_out_, "dates that do not exist became NULL"},
-                                    {first_days_, "dates that do not exist became 0001-01-01"}};
-  for (unsigned bit = 0; bit < kTimeChanges; ++bit) {
-    changes.push_back({changes_[bit], std::string(kChangeTexts[bit])});
-  }
+  std::vector<ValueChanges> changes;
+  const auto add = [&](const Changed& changed, std::string_view what) {
+    changes.push_back({.count = changed.count, .what = std::string(what), .first = changed.first});
+  };
+  add(dates_left_out_, "dates that do not exist became NULL");
+  add(first_days_, "dates that do not exist became 0001-01-01");
+  for (unsigned bit = 0; bit < kTimeChanges; ++bit) add(changes_[bit], kChangeTexts[bit]);
   return changes;
 }
 

@@ -55,6 +55,12 @@ class RowsToMsSql : public IRowDestination {
   /// For a duplicate: true when the row itself was there before.
   bool IsThere(std::span<const ado::Value> row);
   RowOutcome RefusalOf(const ado::Error& error, std::span<const ado::Value> row);
+  /// Values that are changed in one way, and the first of them with its column.
+  struct Changed {
+    std::int64_t count = 0;
+    std::string first;
+  };
+  void Count(Changed& changed, std::size_t field, const ado::DateTime& moment);
   void LearnTypes();
   bool HasTriggers();
   bool RefersToItself();
@@ -68,10 +74,10 @@ class RowsToMsSql : public IRowDestination {
   ado::RowBlock loaded_;                 // a block's rows without those that are not loaded
   std::vector<std::size_t> not_loaded_;  // the positions of those
 
-  std::array<std::int64_t, kTimeChanges> changes_{};  // in rows stored, by the bits of TimeChange
-  std::int64_t dates_left_out_ = 0;                   // dates that became NULL
-  std::int64_t first_days_ = 0;                       // dates that became 0001-01-01
-  std::int64_t handled_ = 0;                          // rows
+  std::array<Changed, kTimeChanges> changes_;  // in rows stored, by the bits of TimeChange
+  Changed dates_left_out_;                     // dates that became NULL
+  Changed first_days_;                         // dates that became 0001-01-01
+  std::int64_t handled_ = 0;                   // rows
 };
 
 }  // namespace dorvane::to_mssql

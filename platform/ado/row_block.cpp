@@ -5,6 +5,7 @@
 namespace dorvane::ado {
 
 namespace {
+
 constexpr std::size_t kChunkSize = 64 * 1024;
 }
 

@@ -12,6 +12,7 @@
 #include "tests/support/temp_folder.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::HasSubstr;

@@ -14,6 +14,7 @@
 #include "tests/support/temp_folder.h"
 
 namespace dorvane {
+
 namespace {
 
 using test::PlainEndpoint;
@@ -57,7 +58,7 @@ TEST_F(UnattendedRun, WritesTheEventsAsLinesAndAppends) {
     listener.TableConversionSuccessed(tables[0]);
     listener.ConversionEnded();
   };
-  EXPECT_EQ(Run(transfer), RunStatus::kConverted);
+  EXPECT_EQ(Run(transfer), RunStatus::Converted);
   const std::string first = Log();
   EXPECT_THAT(first, MatchesRegex("############### Dorvane \\(New Conversion\\) #############\r\n"
                                   "Conversion started at: [^\r]+\r\n"
@@ -85,13 +86,13 @@ TEST_F(UnattendedRun, AnythingReportedFailsTheRun) {
               listener.ErrorOccured("went wrong", 16, "MySQL");
               listener.ConversionEnded();
             }),
-            RunStatus::kFailed);
+            RunStatus::Failed);
   EXPECT_THAT(Log(), HasSubstr("MySQL - went wrong\r\n"));
   EXPECT_EQ(Run([](IDatabase&, const NameList&, IConversionListener& listener) {
               listener.TableConversionFailed("a");
               listener.ConversionEnded();
             }),
-            RunStatus::kFailed);
+            RunStatus::Failed);
 }
 
 TEST_F(UnattendedRun, AConnectionFailureIsItsLogLineAndNoEnd) {
@@ -99,7 +100,7 @@ TEST_F(UnattendedRun, AConnectionFailureIsItsLogLineAndNoEnd) {
               listener.ConversionStarted(2, false);
               host_->ConnectionFailed({"for a person", "Conversion Failed! for the log", "title"});
             }),
-            RunStatus::kFailed);
+            RunStatus::Failed);
   EXPECT_THAT(Log(), HasSubstr("Conversion Failed! for the log\r\n"));
   EXPECT_THAT(Log(), Not(HasSubstr("ended")));
 }
@@ -115,7 +116,7 @@ TEST_F(UnattendedRun, ARunThatBreaksOffIsReportedAsFarAsItCame) {
     host_->TableStepEnded("a", std::chrono::seconds(1));
     throw RunTimeError(run_time::kOverflow, "x", "all is lost");
   };
-  EXPECT_EQ(Run(transfer), RunStatus::kFailed);
+  EXPECT_EQ(Run(transfer), RunStatus::Failed);
   EXPECT_THAT(ReadFile(report), HasSubstr("\"complete\": false"));
   EXPECT_THAT(ReadFile(report), HasSubstr("\"result\": \"done\""));
   EXPECT_THAT(ReadFile(report), HasSubstr("\"result\": \"not begun\""));
@@ -130,7 +131,7 @@ TEST_F(UnattendedRun, AReportThatCannotBeWrittenFailsTheRunAlone) {
     listener.ConversionStarted(0, false);
     listener.ConversionEnded();
   };
-  EXPECT_EQ(Run(transfer), RunStatus::kFailed);
+  EXPECT_EQ(Run(transfer), RunStatus::Failed);
   EXPECT_THAT(Log(), HasSubstr("End OF Conversion"));
   EXPECT_THAT(Log(), HasSubstr("missing/r.json cannot be written: "));
 }
@@ -140,7 +141,7 @@ TEST_F(UnattendedRun, EveryFailureIsInTheLogAndNotesAreNoFailure) {
               host_->UnclassifiedFailure("Failed to convert table a", 16, "Table Conversion");
               listener.ConversionEnded();
             }),
-            RunStatus::kFailed);
+            RunStatus::Failed);
   EXPECT_THAT(Log(), HasSubstr("Table Conversion - Failed to convert table a\r\n"));
   EXPECT_EQ(Run([this](IDatabase&, const NameList&, IConversionListener& listener) {
               listener.TableConversionStarted("a");
@@ -151,7 +152,7 @@ TEST_F(UnattendedRun, EveryFailureIsInTheLogAndNotesAreNoFailure) {
               listener.TableConversionSuccessed("b");
               listener.ConversionEnded();
             }),
-            RunStatus::kFailed);
+            RunStatus::Failed);
   EXPECT_THAT(Log(), HasSubstr("Converting table 'a' ..... \r\n"
                                "Note - Table a: 3 rows were there already\r\nDone!\r\n"
                                "Converting table 'b' ..... \r\n"
@@ -184,7 +185,7 @@ TEST_F(UnattendedRun, AMessageIsOneLineWhateverItHolds) {
               listener.ErrorOccured("Duplicate entry 'x\r\nDone!\r\n'", 16, "Insertion Error");
               listener.ConversionEnded();
             }),
-            RunStatus::kFailed);
+            RunStatus::Failed);
   EXPECT_THAT(Log(), HasSubstr("Converting table 'evil\\x1B[2J' ..... \r\n"
                                "Insertion Error - Duplicate entry 'x\\r\\nDone!\\r\\n'\r\n"));
 }
@@ -200,11 +201,11 @@ TEST_F(UnattendedRun, AStandardErrorThatTakesNothingIsNoReasonToFail) {
   dup2(saved, STDERR_FILENO);
   close(full);
   close(saved);
-  EXPECT_EQ(status, RunStatus::kFailed);
+  EXPECT_EQ(status, RunStatus::Failed);
 }
 
 TEST_F(UnattendedRun, TwoRunsOfTheSameSettingsDoNotMeet) {
-  RunStatus second = RunStatus::kConverted;
+  RunStatus second = RunStatus::Converted;
   bool transferred = false;
   EXPECT_EQ(Run([&](IDatabase&, const NameList&, IConversionListener& listener) {
               IRunHost* const first_host = host_;
@@ -216,8 +217,8 @@ TEST_F(UnattendedRun, TwoRunsOfTheSameSettingsDoNotMeet) {
               host_ = first_host;
               listener.ConversionEnded();
             }),
-            RunStatus::kConverted);
-  EXPECT_EQ(second, RunStatus::kFailed);
+            RunStatus::Converted);
+  EXPECT_EQ(second, RunStatus::Failed);
   EXPECT_FALSE(transferred);
   EXPECT_THAT(Log(), HasSubstr("conversion failed! unkown error 70 - another run of these settings "
                                "is still at work\r\n"));
@@ -227,7 +228,7 @@ TEST_F(UnattendedRun, AnEscapedErrorIsTheRunsOwnLine) {
   EXPECT_EQ(Run([](IDatabase&, const NameList&, IConversionListener&) {
               throw RunTimeError(7, "x", "out of memory");
             }),
-            RunStatus::kFailed);
+            RunStatus::Failed);
   EXPECT_EQ(Log(), "conversion failed! unkown error 7 - out of memory\r\n");
 }
 
@@ -238,7 +239,7 @@ TEST_F(UnattendedRun, UnusableSettingsGoToStandardError) {
     EXPECT_EQ(RunUnattendedConversion(
                   folder_ / "bad.dcs",
                   [](ServerKind kind, IRunHost&) { return std::make_unique<PlainEndpoint>(kind); }),
-              RunStatus::kSettingsUnusable);
+              RunStatus::SettingsUnusable);
     return testing::internal::GetCapturedStderr();
   };
   EXPECT_EQ(unusable("3\r\n"), "Conversion Failed - unexpected conversion direction value.\n");
@@ -253,7 +254,7 @@ TEST_F(UnattendedRun, UnusableSettingsGoToStandardError) {
 TEST_F(UnattendedRun, ABadLineIsToldInTheLogThatTheSettingsName) {
   const std::string log = (folder_ / "log").string();
   testing::internal::CaptureStderr();
-  EXPECT_EQ(Run({}, log + "\r\nIdle limit=soon"), RunStatus::kSettingsUnusable);
+  EXPECT_EQ(Run({}, log + "\r\nIdle limit=soon"), RunStatus::SettingsUnusable);
   EXPECT_EQ(
       Log(),
       "conversion failed! unkown error 13 - Idle limit: no whole number of seconds (line 20 of "
@@ -277,7 +278,7 @@ TEST_F(UnattendedRun, ADateThatTheLogHasNoLettersForIsInIsoForm) {
 
 TEST_F(UnattendedRun, ALogThatCannotBeOpenedIsUnusableOneThatFillsUpIsAFailure) {
   testing::internal::CaptureStderr();
-  EXPECT_EQ(Run({}, (folder_ / "no" / "log").string()), RunStatus::kSettingsUnusable);
+  EXPECT_EQ(Run({}, (folder_ / "no" / "log").string()), RunStatus::SettingsUnusable);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("unkown error 76"));
   EXPECT_THAT(ReadFile(folder_ / "n.dcs.log"), HasSubstr("unkown error 76"));
 
@@ -291,7 +292,7 @@ TEST_F(UnattendedRun, ALogThatCannotBeOpenedIsUnusableOneThatFillsUpIsAFailure) 
                   finished = true;
                 },
                 "/dev/full"),
-            RunStatus::kFailed);
+            RunStatus::Failed);
   EXPECT_TRUE(finished);  // the conversion itself is not lost with its log
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("The log cannot be written"));
 }
@@ -314,7 +315,7 @@ TEST_F(UnattendedRun, ALogThatIsNotStoredIsAFailure) {
               listener.ConversionEnded();
               CloseUnder(folder_ / "log");
             }),
-            RunStatus::kFailed);
+            RunStatus::Failed);
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("The log cannot be written"));
 }
 

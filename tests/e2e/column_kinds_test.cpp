@@ -8,6 +8,7 @@
 #include "tests/e2e/rig.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::AllOf;

@@ -6,6 +6,7 @@
 #include "tests/e2e/rig.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::HasSubstr;

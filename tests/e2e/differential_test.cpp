@@ -16,6 +16,7 @@
 #include "tests/support/planned_endpoint.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::ElementsAre;

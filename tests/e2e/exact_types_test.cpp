@@ -12,6 +12,7 @@
 #include "tests/e2e/rig.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::HasSubstr;

@@ -5,6 +5,7 @@
 #include "tests/e2e/rig.h"
 
 namespace dorvane::test {
+
 namespace {
 
 constexpr bool kSanitized =

@@ -14,6 +14,7 @@
 #include "tests/support/planned_endpoint.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::UnorderedElementsAreArray;
@@ -171,15 +172,26 @@ class OddShop : public testing::TestWithParam<Way> {
     source_.SetConvertRelationships(true);
   }
 
-  /// The lines of a conversion, each behind its table's name.
-  std::vector<std::string> Convert(std::int16_t mode) {
-    EventRecorder events;
-    host_.notes.clear();
-    source_.SetListener(&events);
+  /// The lines of a conversion, each behind its table's name. A preview foretells them but for
+  /// these.
+  std::vector<std::string> Convert(std::int16_t mode,
+                                   const std::vector<std::string>& unforetold = {}) {
     source_.SetConvertMode(mode);
     NameList tables;
     for (const Specimen& each : shop_) tables.push_back(each.table);
-    source_.TransferToDest(dest_, tables);
+    const std::vector<std::string> foretold =
+        LinesOf([&] { source_.RehearseTransfer(dest_, tables, [](std::string_view) {}); });
+    std::vector<std::string> lines = LinesOf([&] { source_.TransferToDest(dest_, tables); });
+    EXPECT_THAT(Disagreement(foretold, lines), testing::ElementsAreArray(unforetold));
+    return lines;
+  }
+
+  template <typename Run>
+  std::vector<std::string> LinesOf(Run run) {
+    EventRecorder events;
+    host_.notes.clear();
+    source_.SetListener(&events);
+    run();
     source_.SetListener(nullptr);
     std::vector<std::string> lines = host_.notes;
     for (const std::string& error : events.Errors()) lines.push_back("!" + error);
@@ -290,7 +302,8 @@ TEST_P(OddShop, MergesNightAfterNight) {
   dest_.OpenConnection(true)->Execute("delete from children; delete from parents");
   Find("children").lines = {"2 of 2 rows wait for the rows that they refer to"};
   Find("parents").lines.clear();
-  ExpectLines(Convert(convert_mode::kMerge));
+  ExpectLines(Convert(convert_mode::kMerge,
+                      {"+Table children: 2 of 2 rows wait for the rows that they refer to"}));
   ExpectArrived();
 }
 
@@ -338,6 +351,20 @@ TEST_P(OddShop, RulesAreNoFailureAndARefusedRowIsOne) {
   EXPECT_THAT(bad.Log(), testing::HasSubstr("\nDone, with errors.\n"));
 }
 
+class ExactOddShop : public OddShop {};
+
+TEST_P(ExactOddShop, IsForetoldInBothModes) {
+  ConversionOptions options = source_.Options();
+  options.types = TypeMapping::Exact;
+  source_.SetOptions(options);
+  for (const std::int16_t mode :
+       {convert_mode::kOverwrite, convert_mode::kOverwrite, convert_mode::kMerge}) {
+    EXPECT_FALSE(Convert(mode).empty());
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, ExactOddShop, testing::Values(Way{"InBlocks"}),
+                         [](const auto& each) { return std::string(each.param.name); });
 INSTANTIATE_TEST_SUITE_P(Ways, OddShop,
                          testing::Values(Way{"InBlocks"}, Way{"RowByRow", CopyStrategy::RowByRow},
                                          Way{"FourTablesAtOnce", CopyStrategy::Blocks, 4}),

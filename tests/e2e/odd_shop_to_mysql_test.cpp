@@ -16,6 +16,7 @@
 #include "tests/support/planned_endpoint.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -223,8 +224,15 @@ class OddShop : public testing::TestWithParam<Way> {
     Rig::Get().MsSql().Script(script + "\ngo\n", database_);
   }
 
-  /// Every line that a person is told.
+  /// Every line that a person is told. A preview foretells them.
   Lines Convert(std::int16_t mode) {
+    const Lines foretold = Convert(mode, true);
+    Lines lines = Convert(mode, false);
+    EXPECT_THAT(Disagreement(foretold, lines), testing::IsEmpty());
+    return lines;
+  }
+
+  Lines Convert(std::int16_t mode, bool is_rehearsed) {
     Rig& rig = Rig::Get();
     HostRecorder host;
     EventRecorder events;
@@ -237,9 +245,16 @@ class OddShop : public testing::TestWithParam<Way> {
     src.SetConvertRelationships(true);
     src.SetConvertMode(mode);
     src.Take(GetParam());
+    ConversionOptions options = src.Options();
+    options.types = types_;
+    src.SetOptions(options);
     NameList tables;
     for (const Specimen& each : shop_) tables.push_back(each.name);
-    src.TransferToDest(dest, tables);
+    if (is_rehearsed) {
+      src.RehearseTransfer(dest, tables, [](std::string_view) {});
+    } else {
+      src.TransferToDest(dest, tables);
+    }
     Lines lines = host.notes;
     for (const std::string& each : events.Errors()) lines.push_back(each);
     lines.insert(lines.end(), host.unclassified.begin(), host.unclassified.end());
@@ -305,6 +320,7 @@ class OddShop : public testing::TestWithParam<Way> {
   }
 
   const std::vector<Specimen> shop_ = Shop();
+  TypeMapping types_ = TypeMapping::Classic;
   std::string database_;
 };
 
@@ -351,6 +367,18 @@ TEST_P(OddShop, ATableThatAnUnlistedOneRefersToIsReportedAndLeftAlone) {
             "6");
 }
 
+class ExactOddShop : public OddShop {};
+
+TEST_P(ExactOddShop, IsForetoldInBothModes) {
+  types_ = TypeMapping::Exact;
+  for (const std::int16_t mode :
+       {convert_mode::kOverwrite, convert_mode::kOverwrite, convert_mode::kMerge}) {
+    EXPECT_FALSE(Convert(mode).empty());
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, ExactOddShop, testing::Values(Way{"InBlocks"}),
+                         [](const auto& each) { return std::string(each.param.name); });
 INSTANTIATE_TEST_SUITE_P(Ways, OddShop,
                          testing::Values(Way{"InBlocks"}, Way{"RowByRow", CopyStrategy::RowByRow},
                                          Way{"FourTablesAtOnce", CopyStrategy::Blocks, 4}),

@@ -10,6 +10,7 @@
 #include "tests/e2e/rig.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::Contains;
@@ -59,7 +60,8 @@ std::vector<std::string> MessagesOf(const std::string& log) {
   for (const std::string& line : LinesOf(log)) {
     constexpr std::string_view kNote = "Note - Table ";
     if (line.starts_with(kNote)) messages.push_back("-- Note: Table " + line.substr(kNote.size()));
-    if (line.find(" Error - ") != std::string::npos) messages.push_back("-- Lost: " + line);
+    const bool is_note = line.starts_with("Note - ");
+    if (!is_note && line.find(" - ") != std::string::npos) messages.push_back("-- Lost: " + line);
   }
   return messages;
 }
@@ -94,6 +96,17 @@ class PreviewTest : public testing::Test {
     EXPECT_EQ(run.Wait(), status) << run.Output();
     EXPECT_EQ(run.Log(), "");
     return run.Output();
+  }
+
+  /// The remarks of a preview, which are the messages of the run.
+  std::vector<std::string> AgreedRemarks(const Job& job, std::string* preview = nullptr) {
+    const std::string text = Preview(job, 1);
+    if (preview != nullptr) *preview = text;
+    ProgramRun run(job);
+    run.Wait();
+    std::vector<std::string> remarks = RemarksOf(text);
+    EXPECT_THAT(Disagreement(remarks, MessagesOf(run.Log())), IsEmpty()) << run.Log();
+    return remarks;
   }
 
   Rig& rig_ = Rig::Get();
@@ -194,16 +207,113 @@ TEST_F(PreviewTest, TellsOfTablesThatAreThere) {
 
   job.mode = convert_mode::kMerge;
   rig_.MySqlValue("alter table Loose add primary key (A)", database_);
-  const std::string merged = Preview(job, 0);
+  const std::string merged = Preview(job, 1);
   EXPECT_THAT(merged, HasSubstr("-- Loose is there with 1 row\n"));
   EXPECT_THAT(merged, testing::Not(HasSubstr("Create Table")));
-  EXPECT_THAT(merged, HasSubstr("-- Nothing would be lost.\n"));
+  EXPECT_THAT(RemarksOf(merged),
+              testing::ElementsAre(HasSubstr("1 of 1 rows were there already and were left out")));
+  rig_.MySqlValue("delete from Loose", database_);
+  EXPECT_THAT(Preview(job, 0), HasSubstr("-- Nothing would be lost.\n"));
 
   rig_.MsSql().Script("insert into Loose values (2, 'ten signs!'), (3, 'ab')\ngo\n", database_);
   rig_.MySqlValue("alter table Loose modify B varchar(4)", database_);
   EXPECT_THAT(RemarksOf(Preview(job, 1)),
               Contains(HasSubstr("1 of 3 rows were not copied; the first: 1406")));
-  EXPECT_EQ(rig_.MySqlValue("select count(*) from Loose", database_), "1");
+  EXPECT_EQ(rig_.MySqlValue("select count(*) from Loose", database_), "0");
+}
+
+TEST_F(PreviewTest, ForetellsKeysThatCannotBeMade) {
+  rig_.MsSql().Script(
+      "create table Parent (Id int not null primary key, Other int not null unique)\ngo\n"
+      "create table Wide (A nvarchar(420) not null, B nvarchar(420) not null, "
+      "constraint TooWide primary key nonclustered (A, B), Up int null "
+      "references Parent(Id), Same int null references Parent(Other))\ngo\n"
+      "insert into Parent values (1, 1)\ninsert into Wide values (N'a', N'b', 1, 1)\ngo\n",
+      database_);
+  Job job = TheJob(ServerKind::MsSql);
+  job.tables = {"Wide"};  // without its parent
+  const std::vector<std::string> remarks = AgreedRemarks(job);
+  EXPECT_THAT(remarks, Contains(HasSubstr("TooWide")));
+  EXPECT_THAT(remarks, Contains(HasSubstr("between table Wide and table Parent")));
+
+  rig_.MySqlValue(
+      "create table Bytes (K varbinary(2000) not null, primary key (K));"
+      "insert into Bytes values (repeat('x', 10)), (repeat('y', 1800))",
+      database_);
+  job = TheJob(ServerKind::MySql);
+  job.tables = {"Bytes"};
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("1946")));
+}
+
+TEST_F(PreviewTest, ForetellsRowsThatATableDoesNotTake) {
+  rig_.MsSql().Script(
+      "create table Stock (Id int not null primary key, N int null, D datetime null, "
+      "Name nvarchar(90) null)\ngo\n"
+      "insert into Stock values (1, 1, null, N'there')\n"
+      "insert into Stock values (2, 70000, null, N'large'), (3, null, null, N'none')\n"
+      "insert into Stock values (4, 4, '2020-01-01 10:00:00.500', N'fine'), (5, 80000, null, '')\n"
+      "insert into Stock values (6, 6, null, N'\u0416\u0416\u0416')\ngo\n",
+      database_);
+  rig_.MySqlValue(
+      "create table Stock (Id int primary key, N smallint not null, D datetime, Name varchar(60) "
+      "character set latin1); insert into Stock values (1, 1, null, 'there')",
+      database_);
+  Job job = TheJob(ServerKind::MsSql);
+  job.tables = {"Stock"};
+  job.mode = convert_mode::kMerge;
+  std::string preview;
+  EXPECT_THAT(AgreedRemarks(job, &preview),
+              testing::IsSupersetOf({HasSubstr("3 of 6 rows were not copied; the first: 1264"),
+                                     HasSubstr("1 of 6 rows were there already"),
+                                     HasSubstr("1 values of table Stock hold characters")}));
+  EXPECT_THAT(preview, HasSubstr("-- For example N = 70000, row 2 of 2 such: 1264 - "));
+  EXPECT_THAT(preview, HasSubstr("-- For example N = NULL, row 3 of 1 such: 1048 - "));
+  EXPECT_THAT(preview, HasSubstr("-- For example D = 2020-01-01 10:00:00.5: fractions"));
+  EXPECT_THAT(preview, HasSubstr("-- For example Name = \u0416\u0416\u0416: hold characters"));
+
+  rig_.MySqlValue(
+      "create table Store (Id int primary key, N bigint, Born date, Name varchar(90));"
+      "insert into Store values (1, 1, null, 'there'), (2, 3000000000, null, 'large'), "
+      "(3, 3, '1500-01-01', 'fine'), (4, 4, null, null)",
+      database_);
+  rig_.MsSql().Script(
+      "create table Store (Id int not null primary key, N int null, Born datetime null, "
+      "Name nvarchar(9) not null)\ngo\ninsert into Store values (1, 1, null, N'there')\ngo\n",
+      database_);
+  job = TheJob(ServerKind::MySql);
+  job.tables = {"Store"};
+  job.mode = convert_mode::kMerge;
+  EXPECT_THAT(AgreedRemarks(job, &preview), Contains(HasSubstr("2 of 4 rows were not copied")));
+  EXPECT_THAT(preview, HasSubstr("-- For example Name = NULL, row 4 of 1 such: 515 - "));
+  EXPECT_THAT(preview, HasSubstr("-- For example Born = 1500-01-01"));
+}
+
+TEST_F(PreviewTest, ForetellsWhatTheLoginMayNotDo) {
+  MakeShop(ServerKind::MsSql);
+  const auto answer = [&](const std::string& statements) {
+    return rig_.MySqlValue(statements, database_);
+  };
+  answer(
+      "create user clerk identified by 'secret'; create table Loose (A int, B varchar(10));"
+      "create table Orders (No int primary key, Customer int not null);"
+      "grant select on " +
+      database_ + ".* to clerk; grant insert on " + database_ + ".Loose to clerk");
+  Job job = TheJob(ServerKind::MsSql);
+  job.my_sql_user = "clerk";
+  job.mode = convert_mode::kMerge;
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("CREATE command denied")));
+  answer("grant create on " + database_ + ".* to clerk");
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("INSERT command denied")));
+
+  answer("grant all on " + database_ + ".* to clerk; revoke drop on " + database_ +
+         ".* from clerk");
+  job.mode = convert_mode::kOverwrite;
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("DROP command denied")));
+
+  answer("grant drop on " + database_ + ".* to clerk; revoke index on " + database_ +
+         ".* from clerk");
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("INDEX command denied")));
+  answer("drop user clerk");
 }
 
 TEST_F(PreviewTest, NeedsSettingsAndServers) {

@@ -75,7 +75,7 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : Rig::Get().MsSql().Port(),
           job.ms_sql_user, job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
   Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : Rig::Get().MySql().Port(),
-          "root", job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
+          job.my_sql_user, job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
   for (IDatabase* endpoint : {static_cast<IDatabase*>(&src), static_cast<IDatabase*>(&dest)}) {
     ado::ConnectionSettings settings_of = endpoint->Settings();
     settings_of.idle_limit = job.idle_limit;
@@ -95,6 +95,27 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   options.destination_schema = job.dest_schema;
   src.SetOptions(options);
   SaveConversionSettings(settings, src, dest, job.tables, log.string());
+}
+
+std::vector<std::string> Disagreement(std::vector<std::string> foretold,
+                                      std::vector<std::string> told) {
+  std::erase_if(foretold, [](const std::string& line) {
+    return line.ends_with(" on the destination are dropped");
+  });
+  for (std::vector<std::string>* lines : {&foretold, &told}) {
+    for (std::string& line : *lines) {
+      for (const char* number : {" 1062 - ", " 1946 - ", " 2627 - "})
+        line = line.substr(0, line.find(number));
+    }
+    std::ranges::sort(*lines);
+  }
+  std::vector<std::string> all;
+  std::ranges::set_difference(foretold, told, std::back_inserter(all));
+  for (std::string& line : all) line.insert(0, "-");
+  const auto in_vain = static_cast<std::ptrdiff_t>(all.size());
+  std::ranges::set_difference(told, foretold, std::back_inserter(all));
+  std::for_each(all.begin() + in_vain, all.end(), [](std::string& line) { line.insert(0, "+"); });
+  return all;
 }
 
 std::string ReadLog(const std::filesystem::path& log) {

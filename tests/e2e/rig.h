@@ -30,6 +30,7 @@ struct Job {
   SchemaPolicy schemas = SchemaPolicy::Prefix;
   std::string dest_schema = {};
   std::string ms_sql_user = "sa";
+  std::string my_sql_user = "root";
   int tables_at_once = 1;
   Verification verification = Verification::None;
   NameList reports = {};
@@ -65,6 +66,12 @@ class Rig {
 /// Writes the settings file of a job that logs to `log`.
 void WriteSettings(const Job& job, const std::filesystem::path& settings,
                    const std::filesystem::path& log);
+
+/// The lines of a run that a rehearsal did not foretell, behind "+", and those it foretold in vain,
+/// behind "-". The words for a key that is taken or too long hold names that the server makes up,
+/// and of the rows that are dropped with their tables a run says nothing.
+std::vector<std::string> Disagreement(std::vector<std::string> foretold,
+                                      std::vector<std::string> told);
 
 /// A log of the program as UTF-8, lines ended by line feeds.
 std::string ReadLog(const std::filesystem::path& log);

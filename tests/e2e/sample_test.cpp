@@ -7,6 +7,7 @@
 #include "tests/support/compare.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::ContainsRegex;

@@ -9,6 +9,7 @@
 #include "tests/support/compare.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::ElementsAre;

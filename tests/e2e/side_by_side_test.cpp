@@ -16,6 +16,7 @@
 #include "tests/support/proxy.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::HasSubstr;

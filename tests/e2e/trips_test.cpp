@@ -13,6 +13,7 @@
 #include "tests/support/relay.h"
 
 namespace dorvane::test {
+
 namespace {
 
 constexpr int kFewTables = 4;

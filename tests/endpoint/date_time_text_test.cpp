@@ -5,6 +5,7 @@
 #include "platform/run_time_error.h"
 
 namespace dorvane {
+
 namespace {
 
 TEST(DateTimeText, ReadsWhatDefaultsLookLike) {

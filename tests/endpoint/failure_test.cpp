@@ -5,6 +5,7 @@
 #include "tests/endpoint/scripted_provider.h"
 
 namespace dorvane {
+
 namespace {
 
 TEST(NativeSummary, TheLastEntrySpeaksForAShorterListAndTheRunTimeErrorForNone) {

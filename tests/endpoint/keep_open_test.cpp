@@ -9,6 +9,7 @@
 #include "tests/endpoint/scripted_provider.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using std::chrono::milliseconds;

@@ -10,6 +10,7 @@
 #include "tests/endpoint/recorders.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using testing::Each;

@@ -10,6 +10,7 @@
 #include "platform/run_time_error.h"
 
 namespace dorvane {
+
 namespace {
 
 std::string Number(const ado::Value& value) {

@@ -11,6 +11,7 @@
 #include "tests/endpoint/recorders.h"
 
 namespace dorvane {
+
 namespace {
 
 /// A table of row numbers that refuses some of them.

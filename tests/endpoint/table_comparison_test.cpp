@@ -8,6 +8,7 @@
 #include "platform/run_time_error.h"
 
 namespace dorvane {
+
 namespace {
 
 using ado::DataType;

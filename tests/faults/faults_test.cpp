@@ -4,6 +4,7 @@
 #include "tests/faults/fault_run.h"
 
 namespace dorvane::test {
+
 namespace {
 
 constexpr ServerKind kToMySql = ServerKind::MsSql;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 namespace dorvane {
+
 namespace {
 
 TEST(Encryptor, ScramblesLettersAndDigitsOnly) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 namespace dorvane {
+
 namespace {
 
 using std::chrono::duration;

@@ -11,6 +11,7 @@
 #include "tests/support/temp_folder.h"
 
 namespace dorvane {
+
 namespace {
 
 using namespace std::chrono_literals;

@@ -5,6 +5,7 @@
 #include <utility>
 
 namespace dorvane::to_mysql {
+
 namespace {
 
 TEST(CheckTextToMySql, NamesAreQuotedAndWhatIsReadOtherwiseIsNothing) {

@@ -6,6 +6,7 @@
 #include "tests/endpoint/scripted_provider.h"
 
 namespace dorvane {
+
 namespace {
 
 using testing::ElementsAre;

@@ -7,6 +7,7 @@
 #include "tests/support/planned_endpoint.h"
 
 namespace dorvane {
+
 namespace {
 
 using ado::DataType;

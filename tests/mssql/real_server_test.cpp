@@ -12,6 +12,7 @@
 #include "tests/support/servers.h"
 
 namespace dorvane {
+
 namespace {
 
 using ado::DataType;

@@ -6,6 +6,7 @@
 #include "tests/endpoint/transfer_rig.h"
 
 namespace dorvane {
+
 namespace {
 
 using ado::DataType;

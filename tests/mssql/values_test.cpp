@@ -4,6 +4,7 @@
 #include "mssql/to_mysql/literals.h"
 
 namespace dorvane::to_mysql {
+
 namespace {
 
 using ado::DataType;

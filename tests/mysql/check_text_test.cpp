@@ -5,6 +5,7 @@
 #include <utility>
 
 namespace dorvane::to_mssql {
+
 namespace {
 
 TEST(CheckTextToMsSql, TextsLoseTheirCharacterSetsAndWhatIsReadOtherwiseIsNothing) {

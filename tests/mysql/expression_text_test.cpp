@@ -6,6 +6,7 @@
 #include "tests/endpoint/transfer_rig.h"
 
 namespace dorvane::to_mssql {
+
 namespace {
 
 ado::Column OfType(std::string name, std::string type, int digits = 0, int scale = 0) {

@@ -6,6 +6,7 @@
 #include "mysql/util.h"
 
 namespace dorvane::to_mssql {
+
 namespace {
 
 TEST(ReplaceDashes, AlternatesBrackets) {

@@ -4,6 +4,7 @@
 #include "mysql/to_mssql/literals.h"
 
 namespace dorvane::to_mssql {
+
 namespace {
 
 using ado::DataType;

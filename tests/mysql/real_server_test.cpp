@@ -9,6 +9,7 @@
 #include "tests/support/servers.h"
 
 namespace dorvane {
+
 namespace {
 
 using testing::ElementsAre;

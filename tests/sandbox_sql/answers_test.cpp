@@ -1,6 +1,7 @@
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 // What scripts do not show: a status, the database, names and types of columns.

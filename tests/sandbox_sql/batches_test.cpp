@@ -1,6 +1,7 @@
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 class BatchesTest : public BatchTest {

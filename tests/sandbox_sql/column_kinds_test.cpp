@@ -1,6 +1,7 @@
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 // Columns that are more than a type and a name, and what depends on them.

@@ -3,6 +3,7 @@
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 class ErrorsTest : public BatchTest {

@@ -5,6 +5,7 @@
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 class LimitsTest : public BatchTest {};

@@ -4,6 +4,7 @@
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 // The script cut at its lines "go".

@@ -3,6 +3,7 @@
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 // Two schemas besides dbo, the same table name in each, and a login whose own schema is "sales".

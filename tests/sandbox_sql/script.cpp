@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 namespace sandbox::testing {
+
 namespace {
 
 constexpr std::string_view kResult = "----";

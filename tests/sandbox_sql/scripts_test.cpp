@@ -5,6 +5,7 @@
 #include "tests/sandbox_sql/script.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 std::vector<std::string> Shown(const Answer& answer) {

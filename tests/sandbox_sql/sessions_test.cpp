@@ -6,6 +6,7 @@
 #include "tests/sandbox_sql/batch.h"
 
 namespace sandbox::testing {
+
 namespace {
 
 // Calls back for every row, so that something else can happen while a result streams.

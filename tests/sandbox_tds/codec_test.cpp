@@ -8,6 +8,7 @@
 #include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 /// Writes a value as a result's column and reads it back as a bulk load's.

@@ -10,6 +10,7 @@
 #include "sandbox/tds/server.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 using ::testing::Contains;

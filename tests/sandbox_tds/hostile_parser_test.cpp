@@ -11,6 +11,7 @@
 #include "wire_client.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 /// A call with every sample value as a parameter.

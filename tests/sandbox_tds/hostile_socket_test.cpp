@@ -7,6 +7,7 @@
 #include "wire_client.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 std::string Handshake() {

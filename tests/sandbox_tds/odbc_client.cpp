@@ -3,6 +3,7 @@
 #include <array>
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr char kDriver[] = "/usr/lib/x86_64-linux-gnu/odbc/libtdsodbc.so";

@@ -3,6 +3,7 @@
 #include <cstring>
 
 namespace sandbox::tds {
+
 namespace {
 
 constexpr std::int64_t kSecond = 10'000'000;

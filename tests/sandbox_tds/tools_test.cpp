@@ -10,6 +10,7 @@
 #include "tests/support/temp_folder.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 using dorvane::test::ReadFile;

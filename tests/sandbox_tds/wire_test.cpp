@@ -8,6 +8,7 @@
 #include "wire_client.h"
 
 namespace sandbox::tds {
+
 namespace {
 
 using std::string_view_literals::operator""sv;

@@ -7,6 +7,7 @@
 #include "tests/support/temp_folder.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using ::testing::HasSubstr;

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 namespace dorvane {
+
 namespace {
 
 constexpr double kMargin = 6;
@@ -32,8 +33,8 @@ bool IsBehindCaption(int size) {
 }
 
 bool IsStacked(const ButtonLook& look) {
-  return look.picture_align == PictureAlign::kAboveCaption ||
-         look.picture_align == PictureAlign::kBelowCaption;
+  return look.picture_align == PictureAlign::AboveCaption ||
+         look.picture_align == PictureAlign::BelowCaption;
 }
 
 QSizeF PictureExtent(const ButtonLook& look) {
@@ -70,7 +71,7 @@ ButtonLayout LayOutStacked(const ButtonLook& look, const QRectF& inner, const QS
                            const QSizeF& caption) {
   const double gap = caption.height() > 0 ? kGap : 0;
   const double top = inner.center().y() - (picture.height() + gap + caption.height()) / 2;
-  const bool picture_first = look.picture_align == PictureAlign::kAboveCaption;
+  const bool picture_first = look.picture_align == PictureAlign::AboveCaption;
   const double picture_top = picture_first ? top : top + caption.height() + gap;
   const double caption_top = picture_first ? top + picture.height() + gap : top;
   return {{QPointF(inner.center().x() - picture.width() / 2, picture_top), picture},
@@ -80,7 +81,7 @@ ButtonLayout LayOutStacked(const ButtonLook& look, const QRectF& inner, const QS
 
 // A picture at an edge of the button keeps the caption off its side.
 ButtonLayout LayOutAtEdge(const ButtonLook& look, const QRectF& inner, const QSizeF& picture) {
-  const bool left = look.picture_align == PictureAlign::kLeftEdge;
+  const bool left = look.picture_align == PictureAlign::LeftEdge;
   const double x = left ? inner.left() : inner.right() - picture.width();
   const double taken = picture.width() + kGap;
   return {{QPointF(x, inner.center().y() - picture.height() / 2), picture},
@@ -95,10 +96,10 @@ ButtonLayout LayOutBeside(const ButtonLook& look, const QRectF& inner, const QSi
   const double room = std::max(0.0, inner.width() - picture.width() - gap);
   const double text = std::min(caption.width() + 1, room);
   const double slack = room - text;
-  const double shift = look.caption_align == CaptionAlign::kLeft    ? 0
-                       : look.caption_align == CaptionAlign::kRight ? slack
-                                                                    : slack / 2;
-  const bool picture_first = look.picture_align == PictureAlign::kLeftOfCaption;
+  const double shift = look.caption_align == CaptionAlign::Left    ? 0
+                       : look.caption_align == CaptionAlign::Right ? slack
+                                                                   : slack / 2;
+  const bool picture_first = look.picture_align == PictureAlign::LeftOfCaption;
   const double start = inner.left() + shift;
   const double picture_x = picture_first ? start : start + text + gap;
   const double text_x = picture_first ? start + picture.width() + gap : start;
@@ -131,8 +132,8 @@ ButtonLayout LayOutButton(const ButtonLook& look, const QRectF& bounds, const QF
   const QSizeF picture = PictureExtent(look);
   const QSizeF caption = CaptionExtent(look.caption, font);
   if (IsStacked(look)) return LayOutStacked(look, inner, picture, caption);
-  const bool at_edge = look.picture_align == PictureAlign::kLeftEdge ||
-                       look.picture_align == PictureAlign::kRightEdge;
+  const bool at_edge =
+      look.picture_align == PictureAlign::LeftEdge || look.picture_align == PictureAlign::RightEdge;
   return at_edge ? LayOutAtEdge(look, inner, picture) : LayOutBeside(look, inner, picture, caption);
 }
 
@@ -148,7 +149,7 @@ QSizeF NaturalSize(const ButtonLook& look, const QFont& font) {
   }
   size += QSizeF(2 * kMargin + 8, 12);
   // Slanted sides take their room beside the caption.
-  if (look.shape != ButtonShape::kRectangle) size.rwidth() += size.height();
+  if (look.shape != ButtonShape::Rectangle) size.rwidth() += size.height();
   return size;
 }
 

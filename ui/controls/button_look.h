@@ -11,35 +11,35 @@ namespace dorvane {
 
 /// The enumerated properties of a push button. They are stored as these numbers.
 enum class ButtonStyle {
-  kRaised = 0,       // two-tone bevel
-  kFlat = 1,         // one line
-  kThick = 2,        // two lines
-  kEtched = 3,       // a groove
-  kSoft = 4,         // rounded corners and a sheen; rectangles only, else as kFlat
-  kHoverRaised = 5,  // no outline until the mouse is over it, then as kRaised
-  kHoverFlat = 6,    // no outline until the mouse is over it, then as kFlat
-  kBorderless = 7,
+  Raised = 0,       // two-tone bevel
+  Flat = 1,         // one line
+  Thick = 2,        // two lines
+  Etched = 3,       // a groove
+  Soft = 4,         // rounded corners and a sheen; rectangles only, else as Flat
+  HoverRaised = 5,  // no outline until the mouse is over it, then as Raised
+  HoverFlat = 6,    // no outline until the mouse is over it, then as Flat
+  Borderless = 7,
 };
-enum class CaptionAlign { kLeft = 0, kRight = 1, kCenter = 2 };
-enum class CaptionStyle { kFlat = 0, kEmbossed = 1, kEngraved = 2 };
+enum class CaptionAlign { Left = 0, Right = 1, Center = 2 };
+enum class CaptionStyle { Flat = 0, Embossed = 1, Engraved = 2 };
 enum class ButtonShape {
-  kRectangle = 0,
-  kLeftDiagonal = 1,      // the left side leans to the right: /  |
-  kRightDiagonal = 2,     // |  \ .
-  kForwardDiagonal = 3,   // /  /
-  kBackwardDiagonal = 4,  // \  \ .
-  kNarrowTop = 5,         // /  \ .
-  kNarrowBottom = 6,      // \  /
+  Rectangle = 0,
+  LeftDiagonal = 1,      // the left side leans to the right: /  |
+  RightDiagonal = 2,     // |  \ .
+  ForwardDiagonal = 3,   // /  /
+  BackwardDiagonal = 4,  // \  \ .
+  NarrowTop = 5,         // /  \ .
+  NarrowBottom = 6,      // \  /
 };
 enum class PictureAlign {
-  kLeftEdge = 0,
-  kRightEdge = 1,
-  kLeftOfCaption = 2,
-  kRightOfCaption = 3,
-  kAboveCaption = 4,
-  kBelowCaption = 5,
+  LeftEdge = 0,
+  RightEdge = 1,
+  LeftOfCaption = 2,
+  RightOfCaption = 3,
+  AboveCaption = 4,
+  BelowCaption = 5,
 };
-enum class GradientMode { kNone = 0, kToRight = 1, kToLeft = 2, kToBottom = 3, kToTop = 4 };
+enum class GradientMode { None = 0, ToRight = 1, ToLeft = 2, ToBottom = 3, ToTop = 4 };
 /// Side of the picture's square in logical pixels, or one of the last two options, which centre the
 /// picture on the button behind the caption.
 namespace picture_size {
@@ -58,15 +58,15 @@ inline constexpr int kForeColor = 2;
 
 /// What a button shows, whatever the state of mouse and keyboard.
 struct ButtonLook {
-  ButtonStyle style = ButtonStyle::kRaised;
-  ButtonShape shape = ButtonShape::kRectangle;
+  ButtonStyle style = ButtonStyle::Raised;
+  ButtonShape shape = ButtonShape::Rectangle;
   QString caption;  // "||" breaks the line, "&" marks the access key
-  CaptionAlign caption_align = CaptionAlign::kCenter;
-  CaptionStyle caption_style = CaptionStyle::kFlat;
+  CaptionAlign caption_align = CaptionAlign::Center;
+  CaptionStyle caption_style = CaptionStyle::Flat;
   QPixmap picture;
-  PictureAlign picture_align = PictureAlign::kLeftEdge;
+  PictureAlign picture_align = PictureAlign::LeftEdge;
   int picture_size = picture_size::kSmall;
-  GradientMode gradient = GradientMode::kNone;
+  GradientMode gradient = GradientMode::None;
   QColor fore_color = Qt::black;
   QColor back_color = Qt::lightGray;
   QColor gradient_color = Qt::black;

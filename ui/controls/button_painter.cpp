@@ -3,22 +3,24 @@
 #include <QLinearGradient>
 #include <QPainterPath>
 
+#include "ui/look/contrast.h"
+
 namespace dorvane {
+
 namespace {
 
-QColor Mix(const QColor& from, const QColor& to, double part) {
-  const auto channel = [part](int a, int b) { return static_cast<int>(a + (b - a) * part); };
-  return QColor(channel(from.red(), to.red()), channel(from.green(), to.green()),
-                channel(from.blue(), to.blue()));
+bool IsDark(const QColor& color) {
+  return qGray(color.rgb()) < 128;
 }
 
-QColor Greyed(const QColor& color) {
+QColor Greyed(const QColor& color, bool on_dark) {
   const int grey = qGray(color.rgb());
-  return Mix(Mix(color, QColor(grey, grey, grey), 0.7), QColor(200, 204, 212), 0.55);
+  const QColor faint = on_dark ? QColor(52, 55, 61) : QColor(200, 204, 212);
+  return Mix(Mix(color, QColor(grey, grey, grey), 0.7), faint, 0.55);
 }
 
 bool IsSoft(const ButtonLook& look) {
-  return look.style == ButtonStyle::kSoft && look.shape == ButtonShape::kRectangle;
+  return look.style == ButtonStyle::Soft && look.shape == ButtonShape::Rectangle;
 }
 
 QPainterPath OutlinePath(const ButtonLook& look, const QRectF& bounds) {
@@ -36,14 +38,14 @@ QBrush Background(const ButtonLook& look, const ButtonState& state, const QRectF
   QColor primary = state.hovered ? look.hover_back_color : look.back_color;
   QColor secondary = look.gradient_color;
   if (!state.enabled) {
-    primary = Greyed(primary);
-    secondary = Greyed(secondary);
+    primary = Greyed(primary, IsDark(look.back_color));
+    secondary = Greyed(secondary, IsDark(look.back_color));
   }
   if (state.pressed) {
     primary = primary.darker(118);
     secondary = secondary.darker(118);
   }
-  if (look.gradient == GradientMode::kNone) {
+  if (look.gradient == GradientMode::None) {
     if (!IsSoft(look)) return primary;
     // The sheen of soft buttons: a little light from above, less when pressed.
     QLinearGradient sheen(bounds.topLeft(), bounds.bottomLeft());
@@ -84,8 +86,10 @@ void PaintRaised(QPainter& painter, const ButtonLook& look, const QRectF& bounds
 
 void PaintBorder(QPainter& painter, const ButtonLook& look, const ButtonState& state,
                  const QRectF& bounds) {
-  const QColor base = state.enabled ? look.back_color : Greyed(look.back_color);
-  const QColor line = Mix(base, Qt::black, state.enabled ? 0.5 : 0.2);
+  const bool on_dark = IsDark(look.back_color);
+  const QColor base = state.enabled ? look.back_color : Greyed(look.back_color, on_dark);
+  const QColor line = on_dark ? Mix(base, Qt::white, state.enabled ? 0.3 : 0.1)
+                              : Mix(base, Qt::black, state.enabled ? 0.5 : 0.2);
   const auto stroke = [&](double inset) {
     const QRectF rect = bounds.adjusted(inset, inset, -inset, -inset);
     painter.setPen(QPen(line, 1, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
@@ -101,27 +105,27 @@ void PaintBorder(QPainter& painter, const ButtonLook& look, const ButtonState& s
   painter.setBrush(Qt::NoBrush);
   const bool active = state.hovered || state.pressed;
   switch (look.style) {
-    case ButtonStyle::kRaised:
+    case ButtonStyle::Raised:
       PaintRaised(painter, look, bounds, state.pressed, base);
       break;
-    case ButtonStyle::kFlat:
-    case ButtonStyle::kSoft:
+    case ButtonStyle::Flat:
+    case ButtonStyle::Soft:
       stroke(0.5);
       if (state.is_default) stroke(1.5);
       break;
-    case ButtonStyle::kThick:
+    case ButtonStyle::Thick:
       stroke(0.5), stroke(1.5), stroke(2.5);
       break;
-    case ButtonStyle::kEtched:
+    case ButtonStyle::Etched:
       etch();
       break;
-    case ButtonStyle::kHoverRaised:
+    case ButtonStyle::HoverRaised:
       if (active) PaintRaised(painter, look, bounds, state.pressed, base);
       break;
-    case ButtonStyle::kHoverFlat:
+    case ButtonStyle::HoverFlat:
       if (active) stroke(0.5);
       break;
-    case ButtonStyle::kBorderless:
+    case ButtonStyle::Borderless:
       break;
   }
 }
@@ -159,19 +163,19 @@ void PaintCaption(QPainter& painter, const ButtonLook& look, const ButtonState& 
     painter.setPen(color);
     painter.drawText(layout.caption.translated(offset, offset), flags, text);
   };
-  if (!state.enabled) text_color = Mix(Greyed(background), text_color, 0.38);
+  if (!state.enabled) text_color = Mix(Greyed(background, IsDark(background)), text_color, 0.38);
   const QColor light = Mix(background, Qt::white, 0.75);
   const QColor dark = Mix(background, Qt::black, 0.6);
   // Embossed letters catch the light from the upper left, engraved ones at their lower right.
-  if (look.caption_style == CaptionStyle::kEmbossed) draw(light, -1), draw(dark, 1);
-  if (look.caption_style == CaptionStyle::kEngraved) draw(dark, -1), draw(light, 1);
+  if (look.caption_style == CaptionStyle::Embossed) draw(light, -1), draw(dark, 1);
+  if (look.caption_style == CaptionStyle::Engraved) draw(dark, -1), draw(light, 1);
   draw(text_color, 0);
 }
 
 void PaintFocus(QPainter& painter, const ButtonLook& look, const ButtonState& state,
                 const QRectF& bounds) {
   const QColor background = state.hovered ? look.hover_back_color : look.back_color;
-  const QColor color = qGray(background.rgb()) > 128 ? QColor(24, 40, 84) : QColor(255, 255, 255);
+  const QColor color = IsDark(background) ? QColor(255, 255, 255) : QColor(24, 40, 84);
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(color, 1.6, Qt::CustomDashLine, Qt::FlatCap, Qt::RoundJoin));
   QPen pen = painter.pen();

@@ -11,6 +11,7 @@
 #include "ui/controls/button_painter.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr int kCustomPointer = 99;
@@ -39,7 +40,7 @@ GradientButton::GradientButton(QWidget* parent) : QAbstractButton(parent) {
   look_.hover_back_color = look_.back_color;
 }
 
-template <class Enum>
+template <typename Enum>
 void GradientButton::SetInRange(Enum& property, int value, int last) {
   if (value < 0 || value > last) return;
   property = static_cast<Enum>(value);
@@ -68,24 +69,24 @@ void GradientButton::SetCaption(const QString& value) {
 }
 
 bool GradientButton::IsPictureStacked() const {
-  return !look_.picture.isNull() && (look_.picture_align == PictureAlign::kAboveCaption ||
-                                     look_.picture_align == PictureAlign::kBelowCaption);
+  return !look_.picture.isNull() && (look_.picture_align == PictureAlign::AboveCaption ||
+                                     look_.picture_align == PictureAlign::BelowCaption);
 }
 
 void GradientButton::SetCaptionAlign(int value) {
-  if (IsPictureStacked() && value != static_cast<int>(CaptionAlign::kCenter)) return;
+  if (IsPictureStacked() && value != static_cast<int>(CaptionAlign::Center)) return;
   SetInRange(look_.caption_align, value, 2);
 }
 
 void GradientButton::SetPicture(const QPixmap& value) {
   look_.picture = value;
-  if (IsPictureStacked()) look_.caption_align = CaptionAlign::kCenter;
+  if (IsPictureStacked()) look_.caption_align = CaptionAlign::Center;
   Changed();
 }
 
 void GradientButton::SetPictureAlign(int value) {
   SetInRange(look_.picture_align, value, 5);
-  if (IsPictureStacked()) look_.caption_align = CaptionAlign::kCenter;
+  if (IsPictureStacked()) look_.caption_align = CaptionAlign::Center;
 }
 
 void GradientButton::SetPictureSize(int value) {

@@ -174,7 +174,7 @@ class GradientButton : public QAbstractButton {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  template <class Enum>
+  template <typename Enum>
   void SetInRange(Enum& property, int value, int last);
   void SetHovered(bool hovered);
   void ApplyHoverLocks();

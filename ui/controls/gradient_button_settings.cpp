@@ -2,6 +2,7 @@
 #include "ui/controls/gradient_button.h"
 
 namespace dorvane {
+
 namespace {
 
 struct StoredNumber {

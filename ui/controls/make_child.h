@@ -7,13 +7,13 @@ namespace dorvane {
 
 /// Makes a widget, layout or other Qt object that `parent` owns and deletes. `arguments` are the
 /// constructor's arguments before the parent.
-template <class T, class Parent, class... Arguments>
+template <typename T, typename Parent, typename... Arguments>
 T& MakeChild(Parent& parent, Arguments&&... arguments) {
   return *std::make_unique<T>(std::forward<Arguments>(arguments)..., &parent).release();
 }
 
 /// The same for a control that tests and assistive tools find by its name.
-template <class T, class Parent, class... Arguments>
+template <typename T, typename Parent, typename... Arguments>
 T& MakeNamed(const char* name, Parent& parent, Arguments&&... arguments) {
   T& child = MakeChild<T>(parent, std::forward<Arguments>(arguments)...);
   child.setObjectName(name);
@@ -21,7 +21,7 @@ T& MakeNamed(const char* name, Parent& parent, Arguments&&... arguments) {
 }
 
 /// Makes a layout inside another one, at the place that `where` gives (row and column of a grid).
-template <class T, class Layout, class... Where>
+template <typename T, typename Layout, typename... Where>
 T& MakeLayout(Layout& outer, Where... where) {
   T& inner = *std::make_unique<T>().release();
   outer.addLayout(&inner, where...);

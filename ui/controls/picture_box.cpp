@@ -7,6 +7,7 @@
 #include <mutex>
 
 namespace dorvane {
+
 namespace {
 
 /// A picture as assistive tools see it: a button where a click does something.

@@ -5,6 +5,7 @@
 #include <cmath>
 
 namespace dorvane {
+
 namespace {
 
 // Breaks `text` into lines of `width` pixels; paints them when a painter is given. Returns the

@@ -15,8 +15,10 @@
 #include "ui/dialogs/built_in_skin.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/dialogs/skin_module.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
+
 namespace {
 
 const QString kApplicationTitle = QStringLiteral("Dorvane");
@@ -45,9 +47,9 @@ struct IconChoice {
   MessageIcon in_yes_no_box;
 };
 constexpr IconChoice kIcons[] = {
-    {message_style::kError, MessageIcon::kError, MessageIcon::kError},
-    {message_style::kQuestion, MessageIcon::kWarning, MessageIcon::kQuestion},
-    {message_style::kInformation, MessageIcon::kInformation, MessageIcon::kInformation},
+    {message_style::kError, MessageIcon::Error, MessageIcon::Error},
+    {message_style::kQuestion, MessageIcon::Warning, MessageIcon::Question},
+    {message_style::kInformation, MessageIcon::Information, MessageIcon::Information},
 };
 
 // The pictures as designed; the order is the order in which they lie above each other.
@@ -88,8 +90,8 @@ void PassMouseThrough(QWidget& widget) {
 
 MessageIcon IconOf(MessageBoxKind kind, std::int32_t style) {
   const auto found = std::ranges::find(kIcons, style, &IconChoice::style);
-  if (found == std::end(kIcons)) return MessageIcon::kWarning;
-  return kind == MessageBoxKind::kOk ? found->in_ok_box : found->in_yes_no_box;
+  if (found == std::end(kIcons)) return MessageIcon::Warning;
+  return kind == MessageBoxKind::Ok ? found->in_ok_box : found->in_yes_no_box;
 }
 
 frmMsgBox::frmMsgBox() : QDialog(nullptr, Qt::Dialog | Qt::FramelessWindowHint) {
@@ -102,6 +104,17 @@ frmMsgBox::frmMsgBox() : QDialog(nullptr, Qt::Dialog | Qt::FramelessWindowHint) 
   AddButtons();
   LayoutSkinFrame(*this);
   SetTopMost(*this, false);
+  FollowLook(*this, [this](const Look& look) { Dress(look); });
+}
+
+void frmMsgBox::Dress(const Look& look) {
+  setPalette(look.message);
+  QPalette title;
+  title.setColor(QPalette::WindowText, look.message_title);
+  lblTitle_->setPalette(title);
+  for (const DesignedPicture& designed : kPictures) {
+    findChild<PictureBox*>(designed.name)->SetPicture(BuiltInPicture(designed.name, designed.size));
+  }
   LoadSkin(*this);
 }
 
@@ -109,7 +122,6 @@ void frmMsgBox::AddFramePictures() {
   for (const DesignedPicture& designed : kPictures) {
     PictureBox& box = MakeNamed<PictureBox>(designed.name, *this);
     box.resize(designed.size);
-    box.SetPicture(BuiltInPicture(box.objectName(), designed.size));
   }
   for (const char* name : kDisabledPictures) findChild<PictureBox*>(name)->setEnabled(false);
   for (const char* name : kHiddenPictures) findChild<PictureBox*>(name)->hide();
@@ -130,9 +142,6 @@ void frmMsgBox::AddTitle() {
   QFont title_font = font();
   title_font.setBold(true);
   lblTitle_->setFont(title_font);
-  QPalette palette = lblTitle_->palette();
-  palette.setColor(QPalette::WindowText, Qt::white);
-  lblTitle_->setPalette(palette);
   lblTitle_->setTextFormat(Qt::PlainText);
   lblTitle_->setGeometry(14, 0, kBoxWidth - 14 - 78, kTitleHeight);
   PassMouseThrough(*lblTitle_);
@@ -141,9 +150,6 @@ void frmMsgBox::AddTitle() {
 void frmMsgBox::AddMessage() {
   lblMessage_ = &MakeNamed<MessageText>("lblMessage", static_cast<QWidget&>(*this));
   chkOffer_ = &MakeNamed<QCheckBox>("chkOffer", *this);
-  QPalette palette = chkOffer_->palette();
-  palette.setColor(QPalette::WindowText, QColor(16, 20, 32));
-  chkOffer_->setPalette(palette);
   chkOffer_->hide();
 }
 
@@ -175,7 +181,7 @@ void frmMsgBox::End(int answer) {
 
 int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
                    const QString& title, int default_answer) {
-  const bool asks = kind == MessageBoxKind::kYesNo;
+  const bool asks = kind == MessageBoxKind::YesNo;
   icon_ = IconOf(kind, style);
   cmdNo_->setVisible(asks);
   cmdOK_->SetCaption(asks ? "Yes" : "OK");
@@ -190,7 +196,7 @@ int frmMsgBox::Run(MessageBoxKind kind, const QString& text, std::int32_t style,
   cmdOK_->move(asks ? kYesLeft : kOkAlone, button_top);
   cmdNo_->move(kNoLeft, button_top);
   LayoutSkinFrame(*this);
-  if (kind == MessageBoxKind::kOk) LoadSkin(*this);
+  if (kind == MessageBoxKind::Ok) LoadSkin(*this);
 
   MoveOverOwner();
 

@@ -7,13 +7,14 @@
 #include "ui/controls/gradient_button.h"
 #include "ui/dialogs/message_icon.h"
 #include "ui/dialogs/message_text.h"
+#include "ui/look/look.h"
 
 class QCheckBox;
 class QLabel;
 
 namespace dorvane {
 
-enum class MessageBoxKind { kOk, kYesNo };
+enum class MessageBoxKind { Ok, YesNo };
 
 /// The icon of a message of that style.
 MessageIcon IconOf(MessageBoxKind kind, std::int32_t style);
@@ -47,6 +48,7 @@ class frmMsgBox : public QDialog {
 
  private:
   void AddFramePictures();
+  void Dress(const Look& look);
   void AddTitle();
   void AddMessage();
   void AddButtons();
@@ -60,7 +62,7 @@ class frmMsgBox : public QDialog {
   GradientButton* cmdOK_;
   GradientButton* cmdNo_;
   QPointer<QWidget> owner_;
-  MessageIcon icon_ = MessageIcon::kWarning;
+  MessageIcon icon_ = MessageIcon::Warning;
   int answer_ = 0;
   bool unloaded_ = false;
 };

@@ -12,6 +12,7 @@
 #include "ui/dialogs/frm_msg_box.h"
 
 namespace dorvane {
+
 namespace {
 
 // The box stays loaded between messages and goes away before the window system does.
@@ -72,17 +73,17 @@ void ShowMessagesOver(QWidget& window) {
 }
 
 void ShowMessage(std::string_view text, std::int32_t style, std::string_view title) {
-  RunBox({MessageBoxKind::kOk, text, style, title});
+  RunBox({MessageBoxKind::Ok, text, style, title});
 }
 
 bool ShowMessageOffering(std::string_view text, std::int32_t style, std::string_view title,
                          std::string_view offer) {
-  return RunBox({MessageBoxKind::kOk, text, style, title, kAnswerYes, offer}).is_offer_taken;
+  return RunBox({MessageBoxKind::Ok, text, style, title, kAnswerYes, offer}).is_offer_taken;
 }
 
 int AskYesNo(std::string_view text, std::int32_t style, std::string_view title,
              int default_answer) {
-  return RunBox({MessageBoxKind::kYesNo, text, style, title, default_answer}).button;
+  return RunBox({MessageBoxKind::YesNo, text, style, title, default_answer}).button;
 }
 
 ErrorSummary CurrentFailure() {

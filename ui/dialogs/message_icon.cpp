@@ -4,6 +4,7 @@
 #include <QPainterPath>
 
 namespace dorvane {
+
 namespace {
 
 // Icons are drawn in a square of 32 units.
@@ -60,17 +61,17 @@ void PaintMessageIcon(QPainter& painter, MessageIcon icon, const QRectF& square)
   painter.translate(square.topLeft());
   painter.scale(square.width() / kUnits, square.height() / kUnits);
   switch (icon) {
-    case MessageIcon::kError:
+    case MessageIcon::Error:
       PaintError(painter);
       break;
-    case MessageIcon::kWarning:
+    case MessageIcon::Warning:
       PaintWarning(painter);
       break;
-    case MessageIcon::kQuestion:
+    case MessageIcon::Question:
       PaintCircle(painter, QColor(40, 96, 190));
       PaintLetter(painter, QRectF(2, 2, 28, 28), "?", Qt::white);
       break;
-    case MessageIcon::kInformation:
+    case MessageIcon::Information:
       PaintCircle(painter, QColor(40, 96, 190));
       PaintLetter(painter, QRectF(2, 2, 28, 28), "i", Qt::white);
       break;

@@ -7,10 +7,10 @@ namespace dorvane {
 
 /// The icons of message boxes, by the numbers of the standard system icons.
 enum class MessageIcon {
-  kError = 32513,
-  kQuestion = 32514,
-  kWarning = 32515,
-  kInformation = 32516,
+  Error = 32513,
+  Question = 32514,
+  Warning = 32515,
+  Information = 32516,
 };
 
 /// Paints an icon into a square.

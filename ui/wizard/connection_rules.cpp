@@ -11,6 +11,7 @@
 #include "ui/wizard/wizard_steps.h"
 
 namespace dorvane {
+
 namespace {
 
 using Last = LastSettings;
@@ -34,7 +35,7 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
                      .connect = "cmdSrcConnect",
                      .disconnect = "cmdSrcDisconnect"},
         .host_limit = 50,
-        .user_check = UserCheck::kUnlessWindowsLogin,
+        .user_check = UserCheck::UnlessWindowsLogin,
         .focus_for_user = "txtSrcUsername",
         .preset = {"mssql", Last::kSrcServer, Last::kSrcUser, Last::kSrcPassword, Last::kSrcPort,
                    "sa", "1433"},
@@ -61,7 +62,7 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
                      .merge = "opnMerge",
                      .overwrite = "opnOverwite"},
         .host_limit = 40,
-        .user_check = UserCheck::kNever,
+        .user_check = UserCheck::Never,
         .focus_for_user = nullptr,
         .preset = {"mssql", Last::kDestServer, Last::kDestUser, Last::kDestPassword,
                    Last::kDestPort, "root", "3306"},
@@ -85,7 +86,7 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
                      .connect = "cmdDir2MysqlConnect",
                      .disconnect = "cmdDir2MysqlDisconnect"},
         .host_limit = 40,
-        .user_check = UserCheck::kAlways,
+        .user_check = UserCheck::Always,
         .focus_for_user = "txtDir2MysqlUsername",
         .preset = {"mysql", Last::kSrcServer, Last::kSrcUser, Last::kSrcPassword, Last::kSrcPort,
                    "root", "3306"},
@@ -113,7 +114,7 @@ constexpr std::array<ConnectionPageTraits, 4> kTraits = {{
                      .merge = "opnDir2MsSqlMerge",
                      .overwrite = "opnDir2MsSqlOverwite"},
         .host_limit = 40,
-        .user_check = UserCheck::kUnlessWindowsLogin,
+        .user_check = UserCheck::UnlessWindowsLogin,
         .focus_for_user = "chkDir2MsSqlAuth",
         .preset = {"mysql", Last::kDestServer, Last::kDestUser, Last::kDestPassword,
                    Last::kDestPort, "sa", "1433"},
@@ -155,8 +156,8 @@ std::optional<FieldRefusal> CheckFields(const ConnectionPageTraits& traits,
                         message_style::kInformation};
   }
   const bool needs_user =
-      traits.user_check == UserCheck::kAlways ||
-      (traits.user_check == UserCheck::kUnlessWindowsLogin && !typed.settings.integrated_security);
+      traits.user_check == UserCheck::Always ||
+      (traits.user_check == UserCheck::UnlessWindowsLogin && !typed.settings.integrated_security);
   if (needs_user && text::Trim(typed.settings.user_id).empty()) {
     return FieldRefusal{FieldRefusal::kUser, "Please enter a valid username",
                         message_style::kInformation};

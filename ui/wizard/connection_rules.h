@@ -16,7 +16,7 @@ struct TypedSettings {
   std::string port = {};
 };
 
-enum class UserCheck { kNever, kAlways, kUnlessWindowsLogin };
+enum class UserCheck { Never, Always, UnlessWindowsLogin };
 
 /// What the four connection pages differ in. Names are those of the controls; null where the page
 /// has no such control.

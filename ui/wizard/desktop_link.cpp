@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 
 namespace dorvane {
+
 namespace {
 
 constexpr const char* kDesktopEntry = "dorvane";

@@ -3,6 +3,7 @@
 #include "platform/text/number_text.h"
 
 namespace dorvane {
+
 namespace {
 
 // What two failures of one kind have in common.

@@ -4,6 +4,7 @@
 #include "ui/wizard/transfer_plan.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr const char* kConnectFirst = "Please click connect to database button";

@@ -1,15 +1,16 @@
 // Settings files: what the wizard says becomes one, and one fills the wizard.
 #include <QDragEnterEvent>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMimeData>
 #include <optional>
 
 #include "job/conversion_settings.h"
 #include "ui/dialogs/message_box.h"
+#include "ui/dialogs/save_text.h"
 #include "ui/wizard/frm_wizard.h"
 
 namespace dorvane {
+
 namespace {
 
 /// The one settings file that is dragged; none where it is anything else.
@@ -28,14 +29,13 @@ void TellFailure(const std::string& what, const std::exception& error) {
 }  // namespace
 
 void frmWizard::SaveSettings() {
-  QFileDialog cdSettings(this, "Save as settings file",
-                         QString::fromStdString(session_.src->DbName()) + ".dcs",
-                         "Settings files (*.dcs)");
-  cdSettings.setObjectName("cdSettings");
-  cdSettings.setAcceptMode(QFileDialog::AcceptSave);
-  cdSettings.setDefaultSuffix("dcs");
-  if (cdSettings.exec() != QDialog::Accepted) return;
-  const std::filesystem::path path = cdSettings.selectedFiles().first().toStdString();
+  const std::optional<QString> chosen =
+      AskWhereToSave(this, {.name = "cdSettings",
+                            .title = "Save as settings file",
+                            .proposal = QString::fromStdString(session_.src->DbName()) + ".dcs",
+                            .filters = {"Settings files (*.dcs)"}});
+  if (!chosen) return;
+  const std::filesystem::path path = chosen->toStdString();
   std::filesystem::path log = path;
   try {
     SaveConversionSettings(path, *session_.src, *session_.dest, session_.tables,

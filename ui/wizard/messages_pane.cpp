@@ -21,6 +21,7 @@
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
+
 namespace {
 
 enum Column { kTime, kTable, kSeverity, kMessage };
@@ -126,12 +127,11 @@ void MessagesPane::Copy() {
 
 void MessagesPane::SaveAs() {
   SaveTextAs(*this,
-             {.dialog = "cdMessages",
+             {.name = "cdMessages",
               .title = "Save the messages",
               .proposal = "messages.txt",
-              .suffix = "txt",
-              .what = "messages"},
-             Text());
+              .filters = {"txt (*.txt)"}},
+             "messages", Text());
 }
 
 }  // namespace dorvane

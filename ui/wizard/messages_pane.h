@@ -10,7 +10,7 @@ class QTableView;
 
 namespace dorvane {
 
-enum class Severity { kError, kNote, kInformation };
+enum class Severity { Error, Note, Information };
 
 /// What a run has told: a table of time, table, severity and message, which can be filtered, copied
 /// and saved as text. Stays quick with tens of thousands of messages.

@@ -13,16 +13,17 @@
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
+
 namespace {
 
 enum Column { kName, kRows, kSeconds, kState, kColumns };
 constexpr const char* kHeaders[kColumns] = {"Table", "Rows", "Seconds", "State"};
+constexpr int kGap = 10;  // between columns
 constexpr std::size_t kNamesToTell = 3;
 constexpr std::size_t kMessagesInTooltip = 12;
 
 int Alignment(int column) {
-  const bool is_number = column == kRows || column == kSeconds;
-  return int(Qt::AlignVCenter | (is_number ? Qt::AlignRight : Qt::AlignLeft));
+  return int(Qt::AlignVCenter | (column == kName ? Qt::AlignLeft : Qt::AlignRight));
 }
 
 QString RowsText(const TableOutcome& table) {
@@ -87,7 +88,7 @@ class OutcomesModel : public QAbstractTableModel {
   void Tell(Severity severity, const std::string& table, const std::string& message) {
     Told& told = told_[table];
     told.messages.push_back(message);
-    if (severity != Severity::kError || std::exchange(told.has_errors, true)) return;
+    if (severity != Severity::Error || std::exchange(told.has_errors, true)) return;
     // Most tables that something is told of are the last ones.
     const auto found =
         std::ranges::find(tables_.rbegin(), tables_.rend(), table, &TableOutcome::name);
@@ -110,11 +111,11 @@ class OutcomesModel : public QAbstractTableModel {
 
   QString StateText(const TableOutcome& table) const {
     switch (table.state) {
-      case TableState::kDone:
+      case TableState::Done:
         return HasErrors(table) ? "Done, with errors" : "Done";
-      case TableState::kFailed:
+      case TableState::Failed:
         return "Failed";
-      case TableState::kLeftOut:
+      case TableState::LeftOut:
         break;
     }
     return "Left out";
@@ -183,13 +184,13 @@ void OutcomesView::Clear() {
 }
 
 void OutcomesView::ForgetUnconverted() {
-  model_->Keep([](const TableOutcome& table) { return table.state == TableState::kDone; });
+  model_->Keep([](const TableOutcome& table) { return table.state == TableState::Done; });
 }
 
 void OutcomesView::WidenColumns() {
   QHeaderView& header = *horizontalHeader();
   for (const int column : {kRows, kSeconds, kState}) {
-    const int needed = std::max(header.sectionSizeHint(column), sizeHintForColumn(column));
+    const int needed = kGap + std::max(header.sectionSizeHint(column), sizeHintForColumn(column));
     if (needed > header.sectionSize(column)) header.resizeSection(column, needed);
   }
 }
@@ -206,7 +207,7 @@ void OutcomesView::Tell(Severity severity, const std::string& table, const std::
 
 std::size_t OutcomesView::ConvertedCount() const {
   return static_cast<std::size_t>(
-      std::ranges::count(model_->Tables(), TableState::kDone, &TableOutcome::state));
+      std::ranges::count(model_->Tables(), TableState::Done, &TableOutcome::state));
 }
 
 std::string OutcomesView::Failures() const {
@@ -221,13 +222,13 @@ std::string OutcomesView::Failures() const {
     return fmt::format("{} {}: {}{}", count, what, names, count > kNamesToTell ? ", ..." : "");
   };
   const std::string parts[] = {
-      tell("failed", [](const TableOutcome& table) { return table.state == TableState::kFailed; }),
+      tell("failed", [](const TableOutcome& table) { return table.state == TableState::Failed; }),
       tell("with errors",
            [this](const TableOutcome& table) {
-             return table.state == TableState::kDone && model_->HasErrors(table);
+             return table.state == TableState::Done && model_->HasErrors(table);
            }),
       tell("left out",
-           [](const TableOutcome& table) { return table.state == TableState::kLeftOut; })};
+           [](const TableOutcome& table) { return table.state == TableState::LeftOut; })};
   std::string text;
   for (const std::string& part : parts) {
     if (!part.empty()) text += (text.empty() ? "" : "; ") + part;

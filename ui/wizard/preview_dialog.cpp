@@ -2,17 +2,20 @@
 
 #include <QFontDatabase>
 #include <QHBoxLayout>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "ui/controls/make_child.h"
 #include "ui/controls/soft_button.h"
 #include "ui/dialogs/save_text.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
 PreviewDialog::PreviewDialog(QWidget* parent) : QDialog(parent) {
   setObjectName("frmPreview");
   setWindowTitle("What will happen");
+  FollowPalette(*this, &Look::window);
   QWidget& self = *this;
   auto& layout = MakeChild<QVBoxLayout>(self);
   layout.setContentsMargins(kDialogMargin, kDialogMargin, kDialogMargin, kDialogMargin);
@@ -36,6 +39,8 @@ PreviewDialog::PreviewDialog(QWidget* parent) : QDialog(parent) {
   row.addWidget(&cmdClose);
   connect(cmdSave_, &QAbstractButton::clicked, this, &PreviewDialog::Save);
   connect(&cmdClose, &QAbstractButton::clicked, this, &PreviewDialog::reject);
+  auto& help_key = MakeChild<QShortcut>(self, QKeySequence(Qt::Key_F1));
+  connect(&help_key, &QShortcut::activated, this, &PreviewDialog::HelpRequested);
   resize(760, 480);
 }
 
@@ -64,12 +69,11 @@ void PreviewDialog::reject() {
 
 void PreviewDialog::Save() {
   SaveTextAs(*this,
-             {.dialog = "cdScript",
+             {.name = "cdScript",
               .title = "Save the script",
               .proposal = "preview.sql",
-              .suffix = "sql",
-              .what = "script"},
-             txtScript_->toPlainText() + '\n');
+              .filters = {"sql (*.sql)"}},
+             "script", txtScript_->toPlainText() + '\n');
 }
 
 }  // namespace dorvane

@@ -26,6 +26,7 @@ class PreviewDialog : public QDialog {
 
  signals:
   void StopRequested();
+  void HelpRequested();
 
  private:
   void Save();

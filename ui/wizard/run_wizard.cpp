@@ -15,6 +15,7 @@
 #include "ui/wizard/frm_wizard.h"
 
 namespace dorvane {
+
 namespace {
 
 Messages DialogMessages() {

@@ -2,25 +2,23 @@
 
 #include <fmt/format.h>
 
-#include <QFileDialog>
+#include <optional>
 
 #include "endpoint/events.h"
 #include "platform/run_time_error.h"
 #include "ui/dialogs/message_box.h"
+#include "ui/dialogs/save_text.h"
 
 namespace dorvane {
 
 void AskAndSaveReport(const RunReport& report, QWidget* parent) {
-  QFileDialog chooser(parent, "Save the report", "report.html");
-  chooser.setObjectName("cdReport");
-  chooser.setAcceptMode(QFileDialog::AcceptSave);
-  chooser.setNameFilters({"html (*.html *.htm)", "json (*.json)"});
-  chooser.setDefaultSuffix("html");
-  QObject::connect(&chooser, &QFileDialog::filterSelected, [&chooser](const QString& filter) {
-    chooser.setDefaultSuffix(filter.startsWith("json") ? "json" : "html");
-  });
-  if (chooser.exec() != QDialog::Accepted) return;
-  const std::string path = chooser.selectedFiles().first().toStdString();
+  const std::optional<QString> chosen =
+      AskWhereToSave(parent, {.name = "cdReport",
+                              .title = "Save the report",
+                              .proposal = "report.html",
+                              .filters = {"html (*.html *.htm)", "json (*.json)"}});
+  if (!chosen) return;
+  const std::string path = chosen->toStdString();
   try {
     if (!IsReportName(path)) {
       throw RunTimeError(run_time::kTypeMismatch, "Dorvane", "no name of a .html or .json file");

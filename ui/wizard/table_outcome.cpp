@@ -65,7 +65,7 @@ std::vector<TableOutcome> OutcomeRecorder::RunEnded(bool is_stopped) {
   for (const std::string& name : tables_) {
     const auto table = open_.find(name);
     if (table == open_.end()) continue;
-    table->second.state = begun_.contains(name) ? TableState::kFailed : TableState::kLeftOut;
+    table->second.state = begun_.contains(name) ? TableState::Failed : TableState::LeftOut;
     unended.push_back(table->second);
   }
   return unended;

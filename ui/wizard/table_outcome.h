@@ -15,12 +15,12 @@
 namespace dorvane {
 
 /// How a table of a run ended. Left out: the run was over before it.
-enum class TableState { kDone, kFailed, kLeftOut };
+enum class TableState { Done, Failed, LeftOut };
 
 /// What a run made of one table.
 struct TableOutcome {
   std::string name;
-  TableState state = TableState::kLeftOut;
+  TableState state = TableState::LeftOut;
   std::int64_t rows = 0;                    // handled
   std::optional<std::int64_t> announced{};  // none where no rows were copied
   std::chrono::duration<double> took{};     // while it was in hand

@@ -10,6 +10,7 @@
 #include "ui/wizard/wizard_steps.h"
 
 namespace dorvane {
+
 namespace {
 
 QProgressBar& AddBar(const char* name, const char* caption, QWidget& parent, QGridLayout& grid,
@@ -134,7 +135,7 @@ void TransferPage::SetPlan(const std::string& plan, NameList tables) {
 void TransferPage::AddOutcomes(const std::vector<TableOutcome>& tables) {
   lstConvertedTables_->Add(tables);
   for (const TableOutcome& table : tables) {
-    if (table.state == TableState::kDone) lstSelectedTables_->RemoveFirst(table.name);
+    if (table.state == TableState::Done) lstSelectedTables_->RemoveFirst(table.name);
   }
 }
 

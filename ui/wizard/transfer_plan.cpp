@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 namespace dorvane {
+
 namespace {
 
 struct Choice {

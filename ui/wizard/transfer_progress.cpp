@@ -9,6 +9,7 @@
 #include "job/progress_text.h"
 
 namespace dorvane {
+
 namespace {
 
 // A rate from longer ago would say that rows are arriving.

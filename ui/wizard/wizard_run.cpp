@@ -6,6 +6,7 @@
 #include "ui/wizard/worker_call.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr std::chrono::milliseconds kRowInterval(30);
@@ -67,7 +68,7 @@ void WizardRun::Stop(bool leave) {
   emit ProgressChanged();
 }
 
-template <class Action>
+template <typename Action>
 void WizardRun::RunInGuiThread(const Action& action) {
   const auto in_order = [&] {
     FlushRowCount();
@@ -109,7 +110,7 @@ void WizardRun::RedirectErrorMessage(std::string_view message, std::string_view 
   if (script_ != nullptr) return script_->Fail(message, source);
   RunInGuiThread([&] {
     if (!transferring_) return dorvane::ShowMessage(message, style, source);
-    emit Told(Severity::kError, TableOf(message), std::string(message));
+    emit Told(Severity::Error, TableOf(message), std::string(message));
     ShowFailure(message, source, style);
   });
 }
@@ -160,7 +161,7 @@ void WizardRun::TableConversionSuccessed(std::string_view table_name) {
   RunInGuiThread([&] {
     progress_.TableConverted();
     emit ProgressChanged();
-    EndTable(table_name, TableState::kDone);
+    EndTable(table_name, TableState::Done);
   });
 }
 
@@ -168,7 +169,7 @@ void WizardRun::TableConversionFailed(std::string_view table_name) {
   RunInGuiThread([&] {
     progress_.TableEnded();
     emit ProgressChanged();
-    EndTable(table_name, TableState::kFailed);
+    EndTable(table_name, TableState::Failed);
   });
 }
 
@@ -191,7 +192,7 @@ void WizardRun::ConversionEnded() {
     const TableCounts counts = table_counts_ ? table_counts_() : TableCounts();
     const std::string summary =
         progress_.Summary(counts.converted, counts.waiting, counts.compared, counts.equal);
-    emit Told(Severity::kInformation, "", summary);
+    emit Told(Severity::Information, "", summary);
     emit SummaryReady(summary);
     dorvane::ShowMessage(summary, message_style::kInformation, "");
     emit Ended();
@@ -216,7 +217,7 @@ void WizardRun::ShowMessage(std::string_view message, std::int32_t style, std::s
 
 void WizardRun::Inform(std::string_view message) {
   if (script_ != nullptr) return script_->Note(message);
-  RunInGuiThread([&] { emit Told(Severity::kNote, TableOf(message), std::string(message)); });
+  RunInGuiThread([&] { emit Told(Severity::Note, TableOf(message), std::string(message)); });
 }
 
 void WizardRun::ShowTablesInHand(const TablesInHand& tables) {

@@ -92,7 +92,7 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   void Ended();
 
  private:
-  template <class Action>
+  template <typename Action>
   void RunInGuiThread(const Action& action);
   /// Shows the message, in the thread of this object.
   void RedirectErrorMessage(std::string_view message, std::string_view source, std::int32_t style);

@@ -4,6 +4,7 @@
 #include <array>
 
 namespace dorvane {
+
 namespace {
 
 using Path = std::array<std::int16_t, kStepCount>;

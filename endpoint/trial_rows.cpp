@@ -1,0 +1,73 @@
+#include "endpoint/trial_rows.h"
+
+#include <charconv>
+#include <utility>
+
+namespace dorvane {
+
+namespace {
+
+// What a trial keeps on the server's disk, and looks through again for each block.
+constexpr std::size_t kMostRows = 50'000;
+constexpr std::size_t kMostBytes = 64 << 20;
+
+/// How a server refuses a row whose key is taken.
+ErrorSummary KeyTaken(ServerKind server) {
+  if (server == ServerKind::MySql) return {1062, "Duplicate entry for a key"};
+  return {2627, "Violation of a key constraint. Cannot insert duplicate key."};
+}
+
+}  // namespace
+
+TrialRows::TrialRows(TrialTable& table, std::unique_ptr<IRowDestination> rows, Meeting meeting)
+    : table_(table), rows_(std::move(rows)), meeting_(std::move(meeting)) {}
+
+BlockResult TrialRows::StoreBlock(const ado::RowBlock& converted, std::size_t first,
+                                  std::size_t count) {
+  try {
+    MakeRoom(converted, count);
+    const BlockResult result = rows_->StoreBlock(converted, first, count);
+    if (result != BlockResult::Stored || !meeting_.IsAsked()) return result;
+    if (Count(meeting_.conflicts) == 0) return result;
+    const std::int64_t repetitions = Count(meeting_.repetitions);
+    Empty();
+    const bool are_all_there = repetitions == static_cast<std::int64_t>(count);
+    return are_all_there ? BlockResult::Duplicates : BlockResult::Refused;
+  } catch (const RunTimeError&) {
+    return BlockResult::Failed;
+  }
+}
+
+RowOutcome TrialRows::StoreRow(const ado::RowBlock& converted, std::size_t row) {
+  MakeRoom(converted, 1);
+  RowOutcome outcome = rows_->StoreRow(converted, row);
+  outcome.reason.description = table_.Words(std::move(outcome.reason.description));
+  const bool is_stored =
+      outcome.result == RowResult::Stored || outcome.result == RowResult::Changed;
+  if (!is_stored || !meeting_.IsAsked() || Count(meeting_.conflicts) == 0) return outcome;
+  const bool is_there = Count(meeting_.repetitions) > 0;
+  Empty();
+  if (is_there) return {RowResult::Duplicate};
+  return {RowResult::Refused, KeyTaken(table_.Server())};
+}
+
+std::int64_t TrialRows::Count(const std::string& question) {
+  ado::Recordset answer = table_.Connection().Execute(question);
+  const std::string text = answer.AtEnd() ? "" : answer.Field(0).Text();
+  std::int64_t count = 0;
+  std::from_chars(text.data(), text.data() + text.size(), count);
+  return count;
+}
+
+void TrialRows::MakeRoom(const ado::RowBlock& converted, std::size_t count) {
+  kept_rows_ += count;
+  kept_bytes_ += converted.Bytes() / converted.Rows() * count;
+  if (kept_rows_ > kMostRows || kept_bytes_ > kMostBytes) Empty();
+}
+
+void TrialRows::Empty() {
+  table_.Empty();
+  kept_rows_ = kept_bytes_ = 0;
+}
+
+}  // namespace dorvane

@@ -1,0 +1,145 @@
+#include "endpoint/trial_table.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "endpoint/failure.h"
+#include "endpoint/names.h"
+#include "platform/text/ascii.h"
+
+namespace dorvane {
+
+namespace {
+
+constexpr const char* kMySqlTrial = "dorvane_trial";
+// With the sign of a temporary table; short, so that it stands whole in the names of its keys.
+constexpr const char* kMsSqlTrial = "#dorvane";
+
+constexpr std::string_view kCreateTable = "create table ";
+constexpr std::string_view kAlterTable = "alter table ";
+constexpr std::array<std::string_view, 2> kCreateIndex{"create index ", "create unique index "};
+
+/// Refusals that concern temporary tables only.
+constexpr std::array kNoTrials{
+    262,   // no right to create a table
+    1044,  // no right to the database
+    1114,  // no room left
+    1142,  // no right to the command
+    1227,  // likewise
+    1562,  // no partitions
+};
+
+bool Begins(std::string_view sql, std::string_view word) {
+  return text::EqualsIgnoringCase(sql.substr(0, word.size()), word);
+}
+
+std::string Quoted(const ado::TableName& table, ServerKind kind) {
+  return kind == ServerKind::MySql ? MySqlTable(table) : MsSqlTable(table);
+}
+
+bool IsOfTheTable(const ado::ProviderError& failure) {
+  const ado::Error* entry = PrimaryError(failure.Entries(), 0);
+  return IsRowRefusal(failure.Number()) && entry != nullptr &&
+         std::ranges::find(kNoTrials, entry->native_error) == kNoTrials.end();
+}
+
+}  // namespace
+
+TrialTable::TrialTable(std::unique_ptr<ado::Connection> connection, ServerKind kind)
+    : connection_(std::move(connection)),
+      kind_(kind),
+      name_(kind == ServerKind::MySql ? kMySqlTrial : kMsSqlTrial) {}
+
+void TrialTable::StandFor(const ado::TableName& table) {
+  Drop();
+  stands_for_ = table;
+}
+
+void TrialTable::Drop() {
+  if (!std::exchange(is_there_, false)) return;
+  try {
+    connection_->Execute(fmt::format("drop {}table {}",
+                                     kind_ == ServerKind::MySql ? "temporary " : "", QuotedName()));
+  } catch (const RunTimeError&) {
+    GiveUp();
+  }
+}
+
+void TrialTable::GiveUp() {
+  is_usable_ = is_there_ = false;
+}
+
+std::string TrialTable::QuotedName() const {
+  return Quoted(name_, kind_);
+}
+
+void TrialTable::Try(std::string_view sql) {
+  const std::optional<std::string> trial = TrialOf(sql);
+  if (!trial) return;
+  try {
+    connection_->Execute(*trial);
+    is_there_ = true;
+  } catch (const ado::ProviderError& failure) {
+    if (!IsOfTheTable(failure)) return GiveUp();
+    ado::Errors entries = failure.Entries();
+    for (ado::Error& entry : entries) entry.description = Words(std::move(entry.description));
+    throw ado::ProviderError(failure.Number(), std::string(failure.Source()),
+                             Words(std::string(failure.Description())), std::move(entries));
+  } catch (const RunTimeError&) {
+    GiveUp();
+  }
+}
+
+std::optional<std::string> TrialTable::TrialOf(std::string_view sql) const {
+  if (!is_usable_) return std::nullopt;
+  const std::string table = Quoted(stands_for_, kind_);
+  const auto with_trial_at = [&](std::size_t position) {
+    return std::string(sql).replace(position, table.size(), QuotedName());
+  };
+  const auto names_table_behind = [&](std::string_view word) {
+    return Begins(sql, word) && sql.substr(word.size()).starts_with(table);
+  };
+  if (names_table_behind(kCreateTable)) {
+    std::string trial = with_trial_at(kCreateTable.size());
+    if (kind_ == ServerKind::MySql) trial.insert(kCreateTable.find("table"), "temporary ");
+    return trial;
+  }
+  if (!is_there_) return std::nullopt;
+  if (names_table_behind(kAlterTable)) return with_trial_at(kAlterTable.size());
+  if (std::ranges::none_of(kCreateIndex, [&](auto word) { return Begins(sql, word); })) {
+    return std::nullopt;
+  }
+  constexpr std::string_view kOn = " on ";
+  const std::size_t on = sql.find(fmt::format("{}{}(", kOn, table));
+  if (on == std::string_view::npos) return std::nullopt;
+  return with_trial_at(on + kOn.size());
+}
+
+void TrialTable::Make(const std::vector<std::string>& statements) {
+  if (!is_usable_ || statements.empty()) return;
+  try {
+    for (const std::string& statement : statements) {
+      connection_->Execute(statement);
+      is_there_ = true;
+    }
+  } catch (const RunTimeError&) {
+    Drop();
+  }
+}
+
+void TrialTable::Empty() {
+  connection_->Execute("truncate table " + QuotedName());
+}
+
+std::string TrialTable::Words(std::string text) const {
+  for (std::size_t at = 0; (at = text.find(name_.name, at)) != std::string::npos;) {
+    text.replace(at, name_.name.size(), stands_for_.name);
+    at += stands_for_.name.size();
+  }
+  return text;
+}
+
+}  // namespace dorvane

@@ -1,0 +1,206 @@
+// The catalog by the server's own views, and by the driver's functions where it lacks them.
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "platform/ado/provider.h"
+#include "tests/support/servers.h"
+
+namespace dorvane::ado {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::string_view kScript = R"(
+create schema Sales
+go
+create schema Archive
+go
+create type Money2 from decimal(12,2)
+go
+create table Parent(x int not null, y char(2) not null, constraint pk primary key (y, x))
+create table Sales.Item(id int identity(10,5) not null primary key, i1 bigint, i2 smallint,
+  t tinyint default (200), b bit not null default 1, d decimal(38,10), n numeric(5,0), m money,
+  sm smallmoney, r real, f float, sd smalldatetime, dt datetime default getdate(), d2 datetime2,
+  d3 datetime2(3), da date, ti time, t0 time(0), o datetimeoffset(2), c char(10) default 'a''b',
+  vc varchar(8000), vm varchar(max), nc nchar(400), nv nvarchar(20) default N'x', nm nvarchar(max),
+  tx text, nt ntext, im image, bi binary(16), vb varbinary(20) default 0x0A, vx varbinary(max),
+  rv rowversion, g uniqueidentifier default newid(), x xml, v sql_variant)
+create index ix_c on Sales.Item(c, d desc) include (i1)
+create unique index ux on Sales.Item(nv)
+create table Sales.Child(id int not null primary key, x int, y char(2), item int default 3,
+  up int, constraint fk_pair foreign key (y, x) references Parent(y, x) on delete cascade,
+  constraint fk_item foreign key (item) references Sales.Item(id) on delete set null,
+  constraint fk_up foreign key (up) references Sales.Child(id))
+create table Archive.Item([odd [name]] x] int)
+go
+)";
+
+/// A practice server with that script and a session on it.
+class Way {
+ public:
+  explicit Way(const std::vector<std::string>& options)
+      : server_({"shop"}, options),
+        session_((server_.Script(std::string(kScript), "shop"),
+                  OdbcProvider().Connect(Settings("sa", "secret")))) {}
+
+  ConnectionSettings Settings(const std::string& user, const std::string& password) const {
+    ConnectionSettings settings;
+    settings.server = "127.0.0.1";
+    settings.port = server_.Port();
+    settings.user_id = user;
+    settings.password = password;
+    settings.database = "shop";
+    return settings;
+  }
+  void Run(const std::string& sql) { session_->Execute(sql); }
+  Session& Catalog() { return *session_; }
+  std::unique_ptr<Session> LogOn(const std::string& user) const {
+    return OdbcProvider().Connect(Settings(user, "Pa55word"));
+  }
+
+ private:
+  test::SandboxServer server_;
+  std::unique_ptr<Session> session_;
+};
+
+Way& Views() {
+  static Way way({});
+  return way;
+}
+Way& Functions() {
+  static Way way({"--without", "sys.columns", "INFORMATION_SCHEMA.REFERENTIAL_CONSTRAINTS",
+                  "--lower-case-tables"});
+  return way;
+}
+
+std::string Told(const Column& c) {
+  return fmt::format("{} type {} size {} {}.{} attributes {} default {} {}", c.name,
+                     static_cast<int>(c.type), c.defined_size, c.precision, c.numeric_scale,
+                     c.attributes, c.default_value.value_or("none"), c.other_default);
+}
+std::string Told(const Index& i) {
+  return fmt::format("{} {}{} ({})", i.name, i.primary_key, i.unique, fmt::join(i.columns, ","));
+}
+std::string Told(const Key& k) {
+  std::string text = fmt::format("{} {} to {} rules {} {}:", k.name, static_cast<int>(k.type),
+                                 k.related_table.Text(), static_cast<int>(k.delete_rule),
+                                 static_cast<int>(k.update_rule));
+  for (const KeyColumn& each : k.columns) text += " " + each.name + "=" + each.related_column;
+  return text;
+}
+template <typename Item>
+std::vector<std::string> Told(const std::vector<Item>& items) {
+  std::vector<std::string> texts;
+  for (const Item& item : items) texts.push_back(Told(item));
+  return texts;
+}
+std::vector<std::string> TablesOf(Session& session) {
+  std::vector<std::string> names;
+  for (const TableInfo& table : session.Tables()) {
+    if (table.type == "TABLE") names.push_back(table.name.Text());
+  }
+  return names;
+}
+
+TEST(CatalogWays, TellTheSame) {
+  for (const TableName& table :
+       {TableName("Parent"), TableName("Sales", "Item"), TableName("Sales", "Child"),
+        TableName("Archive", "Item"), TableName("Sales", "Parent")}) {
+    Session& views = Views().Catalog();
+    Session& functions = Functions().Catalog();
+    EXPECT_EQ(Told(views.Columns(table)), Told(functions.Columns(table))) << table.Text();
+    EXPECT_EQ(Told(views.Indexes(table)), Told(functions.Indexes(table))) << table.Text();
+    EXPECT_EQ(Told(views.Keys(table)), Told(functions.Keys(table))) << table.Text();
+  }
+  EXPECT_THAT(TablesOf(Views().Catalog()),
+              ElementsAre("Parent", "Archive.Item", "Sales.Child", "Sales.Item"));
+  EXPECT_THAT(TablesOf(Functions().Catalog()),
+              ElementsAre("parent", "Archive.item", "Sales.child", "Sales.item"));
+  EXPECT_EQ(Functions().Catalog().Columns({"Sales", "item"}).size(), 35U);
+}
+
+TEST(CatalogWays, AllTablesAtOnceAreEachTable) {
+  Session& session = Views().Catalog();
+  const auto all = session.AllTables();
+  EXPECT_EQ(all.size(), 4U);
+  for (const auto& [name, details] : all) {
+    EXPECT_EQ(Told(details.columns), Told(session.Columns(name))) << name.Text();
+    EXPECT_EQ(Told(details.indexes), Told(session.Indexes(name))) << name.Text();
+    EXPECT_EQ(Told(details.keys), Told(session.Keys(name))) << name.Text();
+  }
+  EXPECT_THAT(Functions().Catalog().AllTables(), IsEmpty());
+}
+
+TEST(CatalogWays, TheDefaultSchemaIsTheLogins) {
+  for (Way* way : {&Views(), &Functions()}) {
+    way->Run("create login clerk with password = 'Pa55word'");
+    way->Run("create user clerk for login clerk with default_schema = Sales");
+    const auto clerk = way->LogOn("clerk");
+    const bool is_lower = way == &Functions();
+    EXPECT_THAT(TablesOf(*clerk), is_lower
+                                      ? ElementsAre("child", "item", "Archive.item", "dbo.parent")
+                                      : ElementsAre("Child", "Item", "Archive.Item", "dbo.Parent"));
+    EXPECT_EQ(clerk->Columns("Item").size(), 35U);
+    EXPECT_EQ(clerk->Columns({"dbo", "Parent"}).size(), 2U);
+    const std::vector<Key> keys = clerk->Keys("Child");
+    ASSERT_EQ(keys.size(), 4U);
+    EXPECT_EQ(keys[1].related_table.Text(), "Item");
+    EXPECT_EQ(keys[2].related_table.Text(), "dbo.Parent");
+  }
+}
+
+TEST(SystemViews, TellWhatAColumnIsBeside) {
+  Views().Run(
+      "create table kinds(id decimal(20,0) identity(-5,2) not null, p Money2, s int sparse null, "
+      "g uniqueidentifier rowguidcol default newid(), a int, total as (a * 2), "
+      "kept as (a + 1) persisted, cs varchar(10) collate Latin1_General_CS_AS)");
+  Views().Run("insert kinds(a) values (1)");
+  Views().Run("insert kinds(a) values (1)");
+  const std::vector<Column> columns = Views().Catalog().Columns("kinds");
+  ASSERT_EQ(columns.size(), 8U);
+  ASSERT_TRUE(columns[0].identity);
+  EXPECT_EQ(columns[0].identity->seed + columns[0].identity->increment + columns[0].identity->last,
+            "-52-3");
+  EXPECT_EQ(columns[1].kind.alias_type + " " + columns[1].kind.base_type, "dbo.Money2 decimal");
+  EXPECT_EQ(columns[1].precision, 12);
+  EXPECT_TRUE(columns[2].kind.is_sparse && columns[3].kind.is_row_guid);
+  EXPECT_FALSE(columns[1].kind.is_sparse || columns[1].kind.is_row_guid || columns[1].identity);
+  EXPECT_EQ(columns[5].kind.computed, "([a]*(2))");
+  EXPECT_FALSE(columns[5].kind.is_persisted);
+  EXPECT_TRUE(columns[6].kind.is_persisted);
+  EXPECT_EQ(columns[7].kind.collation, "Latin1_General_CS_AS");
+  Views().Run("drop table kinds");
+}
+
+TEST(SystemViews, TellWhichIndexesAndKeysCount) {
+  Views().Run(
+      "create table counted(id int not null primary key, a int null, b int null, "
+      "constraint fk_off foreign key (a) references counted(id))");
+  Views().Run("create unique index ux on counted(a desc) where a is not null");
+  Views().Run("create index ix_off on counted(b) include (a)");
+  Views().Run("alter index ix_off on counted disable");
+  Views().Run("alter table counted nocheck constraint fk_off");
+  Views().Run(
+      "alter table counted with nocheck add constraint fk_some foreign key (b) references "
+      "counted(id)");
+  const TableDetails table = Views().Catalog().AllTables().at("counted");
+  EXPECT_THAT(table.left_out, ElementsAre("index ix_off was left out: it is disabled"));
+  ASSERT_EQ(table.indexes.size(), 2U);
+  EXPECT_EQ(table.indexes[1].filter, "([a] IS NOT NULL)");
+  EXPECT_TRUE(table.indexes[1].is_descending);
+  EXPECT_FALSE(table.indexes[0].is_descending);
+  ASSERT_EQ(table.keys.size(), 3U);
+  EXPECT_TRUE(table.keys[1].is_disabled);
+  EXPECT_FALSE(table.keys[2].is_disabled || table.keys[2].is_trusted);
+  Views().Run("drop table counted");
+}
+
+}  // namespace
+}  // namespace dorvane::ado
