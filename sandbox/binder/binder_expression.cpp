@@ -209,11 +209,6 @@ Bound Binder::BindUnary(const Expr& expr, const Scope& scope) {
   value.name.clear();
   value.identity = false;
   if (expr.text == "+") return value;
-  if (expr.text == "~") {
-    value.sql = "(~" + value.sql + ")";
-    value.constant.reset();
-    return value;
-  }
   Bound zero = Constant(std::int64_t{0}, IntType());
   if (!IsNumber(value.type.type)) Raise(8117, TypeName(value.type), "minus");
   const TypeInfo type = value.type;
@@ -230,7 +225,7 @@ Bound Binder::BindBinary(const Expr& expr, const Scope& scope) {
   }
   Bound left = BindValue(*expr.args[0], scope);
   Bound right = BindValue(*expr.args[1], scope);
-  static constexpr std::string_view kArithmetic = "+-*/%&|^";
+  static constexpr std::string_view kArithmetic = "+-*/%&";
   if (expr.text.size() == 1 && kArithmetic.find(expr.text[0]) != std::string_view::npos) {
     return BindArithmetic(expr.text[0], std::move(left), std::move(right));
   }

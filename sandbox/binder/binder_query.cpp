@@ -12,7 +12,7 @@ namespace sandbox {
 namespace {
 
 constexpr int kMaxQueryDepth = 32;
-constexpr const char* kSetWords[] = {"UNION", "UNION ALL", "EXCEPT", "INTERSECT"};
+constexpr const char* kSetWords[] = {"UNION", "UNION ALL"};
 
 std::string ResultColumn(std::size_t i) {
   return fmt::format("c{}", i + 1);
@@ -232,8 +232,7 @@ std::string Binder::BindFrom(const std::vector<FromItem>& items, Scope& scope) {
 }
 
 std::string Binder::BindJoin(const FromItem& item, Scope& scope, bool first) {
-  static constexpr const char* kWords[] = {" JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " FULL JOIN ",
-                                           " CROSS JOIN "};
+  static constexpr const char* kWords[] = {" JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " CROSS JOIN "};
   const std::size_t before = scope.sources.size();
   std::string text = first ? "" : kWords[static_cast<int>(item.join)];
   text += BindSource(item, scope);
@@ -242,10 +241,8 @@ std::string Binder::BindJoin(const FromItem& item, Scope& scope, bool first) {
       for (ScopeColumn& column : scope.sources[i].columns) column.nullable = true;
     }
   };
-  const bool left_optional = item.join == JoinKind::Right || item.join == JoinKind::Full;
-  const bool right_optional = item.join == JoinKind::Left || item.join == JoinKind::Full;
-  if (left_optional) optional(0, before);
-  if (right_optional) optional(before, scope.sources.size());
+  if (item.join == JoinKind::Right) optional(0, before);
+  if (item.join == JoinKind::Left) optional(before, scope.sources.size());
   if (item.on) text += " ON " + BindCondition(*item.on, scope);
   return text;
 }

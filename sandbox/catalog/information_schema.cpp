@@ -31,9 +31,6 @@ using Entries = std::vector<Entry>;
 
 // ---- what columns show
 
-Value Database(const Entry& e) {
-  return e.database;
-}
 Value Schema(const Entry& e) {
   return e.schema;
 }
@@ -64,21 +61,9 @@ Value Characters(const Entry& e) {
   return std::int64_t{type.type == SqlType::NText ? 1073741823 : 2147483647};
 }
 
-Value Bytes(const Entry& e) {
-  const TypeInfo& type = e.column->type;
-  if (!HasLength(type.type)) return {};
-  const int fixed = Facts(type.type).length;
-  if (type.length < 0 && fixed == 0) return std::int64_t{-1};
-  return std::int64_t{fixed != 0 && IsLong(type) ? fixed : MaxLength(type)};
-}
-
 Value Precision(const Entry& e) {
   const TypeInfo& type = e.column->type;
   return HasDigits(type.type) ? Value(std::int64_t{type.precision}) : Value();
-}
-Value Radix(const Entry& e) {
-  const SqlType type = e.column->type.type;
-  return HasDigits(type) ? Value(std::int64_t{IsApproximate(type) ? 2 : 10}) : Value();
 }
 Value Scale(const Entry& e) {
   const TypeInfo& type = e.column->type;
@@ -100,11 +85,6 @@ Value CharacterSet(const Entry& e) {
 Value Rule(ForeignKeyRule rule) {
   static constexpr const char* kRules[] = {"NO ACTION", "CASCADE", "SET NULL", "SET DEFAULT"};
   return Word(kRules[static_cast<int>(rule)]);
-}
-
-Value ParentConstraint(const Entry& e) {
-  const IndexDef* index = e.parent->UniqueIndexOn(e.key->parent_columns);
-  return index ? Value(index->name) : Value();
 }
 
 // ---- what there is
@@ -156,46 +136,33 @@ Entries AllForeignKeys(Session&, DatabaseLink& link) {
 
 // ---- the views
 
-const Columns kTableName{{"TABLE_CATALOG", kName, Database},
-                         {"TABLE_SCHEMA", kName, Schema},
-                         {"TABLE_NAME", kName, Name}};
+const Columns kTableName{{"TABLE_SCHEMA", kName, Schema}, {"TABLE_NAME", kName, Name}};
 
 const Columns kTables = kTableName + Columns{{"TABLE_TYPE", kWord, Kind}};
 
 const Columns kColumns =
     kTableName +
-    Columns{
-        {"COLUMN_NAME", kName, ColumnName},
-        {"ORDINAL_POSITION", kInt, Position},
-        {"COLUMN_DEFAULT", kText,
-         [](const Entry& e) { return TextOrNull(e.column->default_text); }},
-        {"IS_NULLABLE", kWord,
-         [](const Entry& e) { return Word(e.column->nullable ? "YES" : "NO"); }},
-        {"DATA_TYPE", kName, [](const Entry& e) { return Word(TypeName(e.column->type)); }},
-        {"CHARACTER_MAXIMUM_LENGTH", kInt, Characters},
-        {"CHARACTER_OCTET_LENGTH", kInt, Bytes},
-        {"NUMERIC_PRECISION", kTiny, Precision},
-        {"NUMERIC_PRECISION_RADIX", kSmall, Radix},
-        {"NUMERIC_SCALE", kInt, Scale},
-        {"DATETIME_PRECISION", kSmall, Fraction},
-        {"CHARACTER_SET_NAME", kName, CharacterSet},
-        {"COLLATION_NAME", kName,
-         [](const Entry& e) {
-           return TextOrNull(CollationName(e.column->type, e.column->collation));
-         }},
-    };
+    Columns{{"COLUMN_NAME", kName, ColumnName},
+            {"ORDINAL_POSITION", kInt, Position},
+            {"IS_NULLABLE", kWord,
+             [](const Entry& e) { return Word(e.column->nullable ? "YES" : "NO"); }},
+            {"DATA_TYPE", kName, [](const Entry& e) { return Word(TypeName(e.column->type)); }},
+            {"CHARACTER_MAXIMUM_LENGTH", kInt, Characters},
+            {"NUMERIC_PRECISION", kTiny, Precision},
+            {"NUMERIC_SCALE", kInt, Scale},
+            {"DATETIME_PRECISION", kSmall, Fraction},
+            {"CHARACTER_SET_NAME", kName, CharacterSet},
+            {"COLLATION_NAME", kName, [](const Entry& e) {
+               return TextOrNull(CollationName(e.column->type, e.column->collation));
+             }}};
 
-const Columns kConstraintName{{"CONSTRAINT_CATALOG", kName, Database},
-                              {"CONSTRAINT_SCHEMA", kName, Schema},
+const Columns kConstraintName{{"CONSTRAINT_SCHEMA", kName, Schema},
                               {"CONSTRAINT_NAME", kName, Name}};
 
 const Columns kReferentialConstraints =
     kConstraintName +
     Columns{
-        {"UNIQUE_CONSTRAINT_CATALOG", kName, Database},
         {"UNIQUE_CONSTRAINT_SCHEMA", kName, [](const Entry& e) { return Value(e.parent->schema); }},
-        {"UNIQUE_CONSTRAINT_NAME", kName, ParentConstraint},
-        {"MATCH_OPTION", kWord, [](const Entry&) { return Word("SIMPLE"); }},
         {"UPDATE_RULE", kWord, [](const Entry& e) { return Rule(e.key->on_update); }},
         {"DELETE_RULE", kWord, [](const Entry& e) { return Rule(e.key->on_delete); }}};
 

@@ -29,10 +29,9 @@ class Session : public BindContext {
   virtual void SendRows(const std::vector<ColumnInfo>& columns,
                         const std::vector<std::vector<Value>>& rows) = 0;
   /// A batch within the one that runs, which gets its answers.
-  virtual void RunBatch(std::string_view batch) = 0;
+  virtual void RunText(std::string_view text) = 0;
   /// The expression's value, converted to `type` if one is given.
   virtual Value Evaluate(const Expr& expr, const TypeInfo* type = nullptr) = 0;
-  virtual void SetScopeIdentity(std::int64_t value) = 0;
 };
 
 }  // namespace sandbox

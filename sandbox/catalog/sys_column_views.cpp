@@ -5,8 +5,6 @@ namespace sys {
 
 namespace {
 
-constexpr const char* kGenerated[] = {"NOT_APPLICABLE", "AS_ROW_START", "AS_ROW_END"};
-
 int ScaleOf(const TypeInfo& type) {
   return IsNumber(type.type) || sandbox::IsTemporal(type.type) ? type.scale : 0;
 }
@@ -38,37 +36,29 @@ ShownColumns<Column> OfColumns() {
   const auto system_type = [](const Column& c) {
     return Int(Facts(c.def.type.type).system_type_id);
   };
-  return {
-      {"object_id", kInt, [](const Column& c) { return Int(c.table->id); }},
-      {"name", kName, [](const Column& c) { return Value(c.def.name); }},
-      {"column_id", kInt, [](const Column& c) { return Int(c.def.id); }},
-      {"system_type_id", kTiny, system_type},
-      {"user_type_id", kInt,
-       [](const Column& c) {
-         return Int(c.def.user_type ? c.def.user_type : Facts(c.def.type.type).system_type_id);
-       }},
-      {"max_length", kSmall, [](const Column& c) { return Int(MaxLength(c.def.type)); }},
-      {"precision", kTiny, [](const Column& c) { return Int(CatalogPrecision(c.def.type)); }},
-      {"scale", kTiny, [](const Column& c) { return Int(ScaleOf(c.def.type)); }},
-      {"collation_name", kName,
-       [](const Column& c) { return TextOrNull(CollationName(c.def.type, c.def.collation)); }},
-      {"is_nullable", kBit, [](const Column& c) { return Value(c.def.nullable); }},
-      {"is_ansi_padded", kBit, [](const Column&) { return Value(true); }},
-      {"is_rowguidcol", kBit, [](const Column& c) { return Value(c.def.row_guid); }},
-      {"is_identity", kBit, [](const Column& c) { return Value(c.def.identity); }},
-      {"is_computed", kBit, [](const Column& c) { return Value(c.def.IsComputed()); }},
-      Never<Column>("is_filestream"),
-      {"default_object_id", kInt, [](const Column& c) { return Int(c.def.default_id); }},
-      {"rule_object_id", kInt, [](const Column&) { return Int(0); }},
-      {"is_sparse", kBit, [](const Column& c) { return Value(c.def.sparse); }},
-      Never<Column>("is_column_set"),
-      {"generated_always_type", kTiny,
-       [](const Column& c) { return Int(static_cast<int>(c.def.generated)); }},
-      {"generated_always_type_desc", kName,
-       [](const Column& c) { return Word(kGenerated[static_cast<int>(c.def.generated)]); }},
-      {"is_hidden", kBit, [](const Column& c) { return Value(c.def.hidden); }},
-      {"is_masked", kBit, [](const Column& c) { return Value(c.def.masked); }},
-  };
+  return {{"object_id", kInt, [](const Column& c) { return Int(c.table->id); }},
+          {"name", kName, [](const Column& c) { return Value(c.def.name); }},
+          {"column_id", kInt, [](const Column& c) { return Int(c.def.id); }},
+          {"system_type_id", kTiny, system_type},
+          {"user_type_id", kInt,
+           [](const Column& c) {
+             return Int(c.def.user_type ? c.def.user_type : Facts(c.def.type.type).system_type_id);
+           }},
+          {"max_length", kSmall, [](const Column& c) { return Int(MaxLength(c.def.type)); }},
+          {"precision", kTiny, [](const Column& c) { return Int(CatalogPrecision(c.def.type)); }},
+          {"scale", kTiny, [](const Column& c) { return Int(ScaleOf(c.def.type)); }},
+          {"collation_name", kName,
+           [](const Column& c) { return TextOrNull(CollationName(c.def.type, c.def.collation)); }},
+          {"is_nullable", kBit, [](const Column& c) { return Value(c.def.nullable); }},
+          {"is_rowguidcol", kBit, [](const Column& c) { return Value(c.def.row_guid); }},
+          {"is_identity", kBit, [](const Column& c) { return Value(c.def.identity); }},
+          {"is_computed", kBit, [](const Column& c) { return Value(c.def.IsComputed()); }},
+          {"default_object_id", kInt, [](const Column& c) { return Int(c.def.default_id); }},
+          {"is_sparse", kBit, [](const Column& c) { return Value(c.def.sparse); }},
+          {"generated_always_type", kTiny,
+           [](const Column& c) { return Int(static_cast<int>(c.def.generated)); }},
+          {"is_hidden", kBit, [](const Column& c) { return Value(c.def.hidden); }},
+          {"is_masked", kBit, [](const Column& c) { return Value(c.def.masked); }}};
 }
 
 constexpr int kLastOwnType = 256;
@@ -106,25 +96,19 @@ std::vector<Type> AllTypes(Session&, DatabaseLink& link) {
 }
 
 ShownColumns<Type> OfTypes() {
-  return {
-      {"name", kName, [](const Type& t) { return Value(t.def.name); }},
-      {"system_type_id", kTiny,
-       [](const Type& t) { return Int(Facts(t.def.type.type).system_type_id); }},
-      {"user_type_id", kInt, [](const Type& t) { return Int(t.def.id); }},
-      {"schema_id", kInt, [](const Type& t) { return Int(t.schema); }},
-      {"principal_id", kInt, [](const Type&) { return Value(); }},
-      {"max_length", kSmall, [](const Type& t) { return Int(MaxLength(t.def.type)); }},
-      {"precision", kTiny, [](const Type& t) { return Int(CatalogPrecision(t.def.type)); }},
-      {"scale", kTiny, [](const Type& t) { return Int(ScaleOf(t.def.type)); }},
-      {"collation_name", kName,
-       [](const Type& t) { return TextOrNull(CollationName(t.def.type, "")); }},
-      {"is_nullable", kBit, [](const Type& t) { return Value(t.def.nullable); }},
-      {"is_user_defined", kBit, [](const Type& t) { return Value(t.def.id > kLastOwnType); }},
-      Never<Type>("is_assembly_type"),
-      {"default_object_id", kInt, [](const Type&) { return Int(0); }},
-      {"rule_object_id", kInt, [](const Type&) { return Int(0); }},
-      Never<Type>("is_table_type"),
-  };
+  return {{"name", kName, [](const Type& t) { return Value(t.def.name); }},
+          {"system_type_id", kTiny,
+           [](const Type& t) { return Int(Facts(t.def.type.type).system_type_id); }},
+          {"user_type_id", kInt, [](const Type& t) { return Int(t.def.id); }},
+          {"schema_id", kInt, [](const Type& t) { return Int(t.schema); }},
+          {"max_length", kSmall, [](const Type& t) { return Int(MaxLength(t.def.type)); }},
+          {"precision", kTiny, [](const Type& t) { return Int(CatalogPrecision(t.def.type)); }},
+          {"scale", kTiny, [](const Type& t) { return Int(ScaleOf(t.def.type)); }},
+          {"collation_name", kName,
+           [](const Type& t) { return TextOrNull(CollationName(t.def.type, "")); }},
+          {"is_nullable", kBit, [](const Type& t) { return Value(t.def.nullable); }},
+          {"is_user_defined", kBit, [](const Type& t) { return Value(t.def.id > kLastOwnType); }},
+          {"default_object_id", kInt, [](const Type&) { return Int(0); }}};
 }
 
 }  // namespace
@@ -142,18 +126,16 @@ std::vector<SystemView> SysColumnViews() {
                         [](const Column& c) { return Int(c.def.increment); }},
                        {"last_value", kVariant,
                         [](const Column& c) { return c.last ? Int(*c.last) : Value(); }},
-                       Never<Column>("is_not_for_replication")},
+                   },
                ColumnsWhere([](const ColumnDef& column) { return column.identity; })),
       MakeView(
           "computed_columns",
           OfColumns() +
               ShownColumns<Column>{
                   {"definition", kText, [](const Column& c) { return Value(c.def.computed_text); }},
-                  {"uses_database_collation", kBit, [](const Column&) { return Value(true); }},
                   {"is_persisted", kBit, [](const Column& c) { return Value(c.def.persisted); }}},
           ColumnsWhere([](const ColumnDef& column) { return column.IsComputed(); })),
-      MakeView("types", OfTypes(), AllTypes),
-  };
+      MakeView("types", OfTypes(), AllTypes)};
 }
 
 }  // namespace sandbox

@@ -38,25 +38,19 @@ ShownColumns<Index> OfIndexes() {
          return Word(!i.def ? "HEAP" : i.def->clustered ? "CLUSTERED" : "NONCLUSTERED");
        }},
       {"is_unique", kBit, [](const Index& i) { return Value(i.def && i.def->unique); }},
-      {"data_space_id", kInt, [](const Index&) { return Int(1); }},
-      Never<Index>("ignore_dup_key"),
       {"is_primary_key", kBit, [](const Index& i) { return Value(i.def && i.def->primary); }},
       {"is_unique_constraint", kBit,
        [](const Index& i) { return Value(i.def && i.def->IsConstraint() && !i.def->primary); }},
-      {"fill_factor", kTiny, [](const Index&) { return Int(0); }},
       Never<Index>("is_padded"),
       {"is_disabled", kBit, [](const Index& i) { return Value(i.def && i.def->disabled); }},
       Never<Index>("is_hypothetical"),
-      {"has_filter", kBit, [](const Index& i) { return Value(i.def && !i.def->filter.empty()); }},
       {"filter_definition", kText,
-       [](const Index& i) { return i.def ? TextOrNull(i.def->filter) : Value(); }},
-  };
+       [](const Index& i) { return i.def ? TextOrNull(i.def->filter) : Value(); }}};
 }
 
 struct KeyColumn {
   int table;
   int index;
-  int number;   // within the index
   int ordinal;  // within the key; 0: included
   int column;
   bool descending;
@@ -67,30 +61,22 @@ std::vector<KeyColumn> IndexColumns(Session&, DatabaseLink& link) {
   for (const auto& [id, table] : link.Definitions().tables) {
     if (table.IsTemporary()) continue;
     for (const IndexDef& index : table.indexes) {
-      int number = 0;
-      for (const IndexColumn& column : index.columns) {
-        ++number;
-        columns.push_back(
-            {id, IndexId(index), number, number, column.column_id, column.descending});
-      }
+      int ordinal = 0;
+      for (const IndexColumn& column : index.columns)
+        columns.push_back({id, IndexId(index), ++ordinal, column.column_id, column.descending});
       for (const int column : index.included)
-        columns.push_back({id, IndexId(index), ++number, 0, column, false});
+        columns.push_back({id, IndexId(index), 0, column, false});
     }
   }
   return columns;
 }
 
 ShownColumns<KeyColumn> OfIndexColumns() {
-  return {
-      {"object_id", kInt, [](const KeyColumn& c) { return Int(c.table); }},
-      {"index_id", kInt, [](const KeyColumn& c) { return Int(c.index); }},
-      {"index_column_id", kInt, [](const KeyColumn& c) { return Int(c.number); }},
-      {"column_id", kInt, [](const KeyColumn& c) { return Int(c.column); }},
-      {"key_ordinal", kTiny, [](const KeyColumn& c) { return Int(c.ordinal); }},
-      {"partition_ordinal", kTiny, [](const KeyColumn&) { return Int(0); }},
-      {"is_descending_key", kBit, [](const KeyColumn& c) { return Value(c.descending); }},
-      {"is_included_column", kBit, [](const KeyColumn& c) { return Value(c.ordinal == 0); }},
-  };
+  return {{"object_id", kInt, [](const KeyColumn& c) { return Int(c.table); }},
+          {"index_id", kInt, [](const KeyColumn& c) { return Int(c.index); }},
+          {"column_id", kInt, [](const KeyColumn& c) { return Int(c.column); }},
+          {"key_ordinal", kTiny, [](const KeyColumn& c) { return Int(c.ordinal); }},
+          {"is_descending_key", kBit, [](const KeyColumn& c) { return Value(c.descending); }}};
 }
 
 struct KeyPair {
@@ -111,29 +97,14 @@ std::vector<KeyPair> KeyPairs(Session&, DatabaseLink& link) {
 }
 
 ShownColumns<KeyPair> OfKeyPairs() {
-  return {
-      {"constraint_object_id", kInt, [](const KeyPair& p) { return Int(p.key->id); }},
-      {"constraint_column_id", kInt,
-       [](const KeyPair& p) { return Int(static_cast<std::int64_t>(p.i) + 1); }},
-      {"parent_object_id", kInt, [](const KeyPair& p) { return Int(p.table->id); }},
-      {"parent_column_id", kInt, [](const KeyPair& p) { return Int(p.key->columns[p.i]); }},
-      {"referenced_object_id", kInt, [](const KeyPair& p) { return Int(p.key->parent_table); }},
-      {"referenced_column_id", kInt,
-       [](const KeyPair& p) { return Int(p.key->parent_columns[p.i]); }},
-  };
-}
-
-Value RuleText(ForeignKeyRule rule) {
-  static constexpr const char* kTexts[] = {"NO_ACTION", "CASCADE", "SET_NULL", "SET_DEFAULT"};
-  return Word(kTexts[static_cast<int>(rule)]);
-}
-
-// The number of the parent's index that a foreign key refers to.
-Value ParentIndexId(const Object& object) {
-  const ForeignKeyDef& key = *object.foreign_key;
-  const TableDef& parent = object.catalog->tables.at(key.parent_table);
-  const IndexDef* index = parent.UniqueIndexOn(key.parent_columns);
-  return index ? Int(IndexId(*index)) : Value();
+  return {{"constraint_object_id", kInt, [](const KeyPair& p) { return Int(p.key->id); }},
+          {"constraint_column_id", kInt,
+           [](const KeyPair& p) { return Int(static_cast<std::int64_t>(p.i) + 1); }},
+          {"parent_object_id", kInt, [](const KeyPair& p) { return Int(p.table->id); }},
+          {"parent_column_id", kInt, [](const KeyPair& p) { return Int(p.key->columns[p.i]); }},
+          {"referenced_object_id", kInt, [](const KeyPair& p) { return Int(p.key->parent_table); }},
+          {"referenced_column_id", kInt,
+           [](const KeyPair& p) { return Int(p.key->parent_columns[p.i]); }}};
 }
 
 // Names that the server makes begin with the constraint's kind and two underlines.
@@ -147,40 +118,27 @@ ShownColumns<Object> OfForeignKeys() {
   return {
       {"referenced_object_id", kInt,
        [](const Object& o) { return Int(o.foreign_key->parent_table); }},
-      {"key_index_id", kInt, ParentIndexId},
       {"is_disabled", kBit, [](const Object& o) { return Value(o.foreign_key->disabled); }},
-      Never<Object>("is_not_for_replication"),
       {"is_not_trusted", kBit, [](const Object& o) { return Value(o.foreign_key->not_trusted); }},
       {"delete_referential_action", kTiny,
        [](const Object& o) { return Int(static_cast<int>(o.foreign_key->on_delete)); }},
-      {"delete_referential_action_desc", kName,
-       [](const Object& o) { return RuleText(o.foreign_key->on_delete); }},
       {"update_referential_action", kTiny,
        [](const Object& o) { return Int(static_cast<int>(o.foreign_key->on_update)); }},
-      {"update_referential_action_desc", kName,
-       [](const Object& o) { return RuleText(o.foreign_key->on_update); }},
-      SystemNamed(),
-  };
+      SystemNamed()};
 }
 
 ShownColumns<Object> OfChecks() {
-  return {
-      {"is_disabled", kBit, [](const Object& o) { return Value(o.check->disabled); }},
-      Never<Object>("is_not_for_replication"),
-      {"is_not_trusted", kBit, [](const Object& o) { return Value(o.check->not_trusted); }},
-      {"parent_column_id", kInt, [](const Object& o) { return Int(o.check->column_id); }},
-      {"definition", kText, [](const Object& o) { return Value(o.check->text); }},
-      {"uses_database_collation", kBit, [](const Object&) { return Value(true); }},
-      SystemNamed(),
-  };
+  return {{"is_disabled", kBit, [](const Object& o) { return Value(o.check->disabled); }},
+          {"is_not_trusted", kBit, [](const Object& o) { return Value(o.check->not_trusted); }},
+          {"parent_column_id", kInt, [](const Object& o) { return Int(o.check->column_id); }},
+          {"definition", kText, [](const Object& o) { return Value(o.check->text); }},
+          SystemNamed()};
 }
 
 ShownColumns<Object> OfDefaults() {
-  return {
-      {"parent_column_id", kInt, [](const Object& o) { return Int(o.column->id); }},
-      {"definition", kText, [](const Object& o) { return Value(o.column->default_text); }},
-      SystemNamed(),
-  };
+  return {{"parent_column_id", kInt, [](const Object& o) { return Int(o.column->id); }},
+          {"definition", kText, [](const Object& o) { return Value(o.column->default_text); }},
+          SystemNamed()};
 }
 
 auto ObjectsWith(bool (*wanted)(const Object&)) {
@@ -196,17 +154,15 @@ auto ObjectsWith(bool (*wanted)(const Object&)) {
 
 std::vector<SystemView> SysKeyViews() {
   using namespace sys;
-  return {
-      MakeView("indexes", OfIndexes(), Indexes),
-      MakeView("index_columns", OfIndexColumns(), IndexColumns),
-      MakeView("foreign_keys", ObjectColumns() + OfForeignKeys(),
-               ObjectsWith([](const Object& o) { return o.foreign_key != nullptr; })),
-      MakeView("foreign_key_columns", OfKeyPairs(), KeyPairs),
-      MakeView("default_constraints", ObjectColumns() + OfDefaults(),
-               ObjectsWith([](const Object& o) { return o.column != nullptr; })),
-      MakeView("check_constraints", ObjectColumns() + OfChecks(),
-               ObjectsWith([](const Object& o) { return o.check != nullptr; })),
-  };
+  return {MakeView("indexes", OfIndexes(), Indexes),
+          MakeView("index_columns", OfIndexColumns(), IndexColumns),
+          MakeView("foreign_keys", ObjectColumns() + OfForeignKeys(),
+                   ObjectsWith([](const Object& o) { return o.foreign_key != nullptr; })),
+          MakeView("foreign_key_columns", OfKeyPairs(), KeyPairs),
+          MakeView("default_constraints", ObjectColumns() + OfDefaults(),
+                   ObjectsWith([](const Object& o) { return o.column != nullptr; })),
+          MakeView("check_constraints", ObjectColumns() + OfChecks(),
+                   ObjectsWith([](const Object& o) { return o.check != nullptr; }))};
 }
 
 }  // namespace sandbox

@@ -46,25 +46,12 @@ ShownColumns<Object> OldColumns() {
           {"id", kInt, [](const Object& o) { return Int(o.id); }},
           {"xtype", kKind, [](const Object& o) { return Word(o.kind); }},
           {"uid", kSmall, [](const Object& o) { return Int(o.schema); }},
-          {"parent_obj", kInt, [](const Object& o) { return Int(o.parent); }},
-          {"crdate", kTime, [](const Object& o) { return Time(o.created); }},
           {"type", kKind, [](const Object& o) { return Word(o.kind); }},
-          {"sysstat", kSmall, [](const Object& o) { return Int(OldStatus(o.kind)); }},
-          {"category", kInt, [](const Object&) { return Int(0); }}};
+          {"sysstat", kSmall, [](const Object& o) { return Int(OldStatus(o.kind)); }}};
 }
 
-struct Schema {
-  SchemaDef schema;
-  int owner;
-};
-
-std::vector<Schema> Schemas(Session&, DatabaseLink& link) {
-  std::vector<Schema> schemas;
-  for (const SchemaDef& schema : link.Definitions().schemas) {
-    const UserDef* owner = link.Definitions().FindUser(schema.owner);
-    schemas.push_back({schema, owner ? owner->id : 1});
-  }
-  return schemas;
+std::vector<SchemaDef> Schemas(Session&, DatabaseLink& link) {
+  return link.Definitions().schemas;
 }
 
 auto ObjectsOf(const char* kind) {
@@ -121,16 +108,10 @@ std::vector<Object> Objects(DatabaseLink& link, std::string_view kind) {
 ShownColumns<Object> ObjectColumns() {
   return {{"name", kName, [](const Object& o) { return Value(o.name); }},
           {"object_id", kInt, [](const Object& o) { return Int(o.id); }},
-          {"principal_id", kInt, [](const Object&) { return Value(); }},
           {"schema_id", kInt, [](const Object& o) { return Int(o.schema); }},
           {"parent_object_id", kInt, [](const Object& o) { return Int(o.parent); }},
           {"type", kKind, [](const Object& o) { return Word(o.kind); }},
-          {"type_desc", kName, [](const Object& o) { return Word(o.description); }},
-          {"create_date", kTime, [](const Object& o) { return Time(o.created); }},
-          {"modify_date", kTime, [](const Object& o) { return Time(o.created); }},
-          Never<Object>("is_ms_shipped"),
-          Never<Object>("is_published"),
-          Never<Object>("is_schema_published")};
+          {"type_desc", kName, [](const Object& o) { return Word(o.description); }}};
 }
 
 }  // namespace sys
@@ -138,37 +119,28 @@ ShownColumns<Object> ObjectColumns() {
 std::vector<SystemView> SysObjectViews() {
   using namespace sys;
   const ShownColumns<Object> of_tables{
-      {"temporal_type", kTiny, [](const Object& o) { return Int(IsTemporal(*o.table) ? 2 : 0); }},
-      {"history_table_id", kInt, [](const Object&) { return Value(); }},
-      Never<Object>("is_memory_optimized"),
-      Never<Object>("is_external"),
-      Never<Object>("is_filetable")};
-  return {
-      MakeView("objects", ObjectColumns(), ObjectsOf("")),
-      MakeView("tables", ObjectColumns() + of_tables, ObjectsOf("U ")),
-      MakeView("views", ObjectColumns(), ObjectsOf("V ")),
-      MakeView("sysobjects", OldColumns(), ObjectsOf("")),
-      MakeView<Schema>("schemas",
-                       {{"name", kName, [](const Schema& s) { return Value(s.schema.name); }},
-                        {"schema_id", kInt, [](const Schema& s) { return Int(s.schema.id); }},
-                        {"principal_id", kInt, [](const Schema& s) { return Int(s.owner); }}},
-                       Schemas),
-      MakeView<Nothing>("triggers",
-                        {Null<Nothing>("name", kName), Null<Nothing>("object_id", kInt),
-                         Null<Nothing>("parent_class", kTiny), Null<Nothing>("parent_id", kInt),
-                         Null<Nothing>("type", kKind), Null<Nothing>("is_disabled", kBit),
-                         Null<Nothing>("is_instead_of_trigger", kBit)},
-                        None),
-      MakeView<Property>(
-          "extended_properties",
-          {{"class", kTiny, [](const Property&) { return Int(1); }},
-           {"class_desc", kName, [](const Property&) { return Word("OBJECT_OR_COLUMN"); }},
-           {"major_id", kInt, [](const Property& p) { return Int(p.table); }},
-           {"minor_id", kInt, [](const Property& p) { return Int(p.def.column_id); }},
-           {"name", kName, [](const Property& p) { return Value(p.def.name); }},
-           {"value", kVariant, [](const Property& p) { return Value(p.def.value); }}},
-          Properties),
-  };
+      {"temporal_type", kTiny, [](const Object& o) { return Int(IsTemporal(*o.table) ? 2 : 0); }}};
+  return {MakeView("objects", ObjectColumns(), ObjectsOf("")),
+          MakeView("tables", ObjectColumns() + of_tables, ObjectsOf("U ")),
+          MakeView("views", ObjectColumns(), ObjectsOf("V ")),
+          MakeView("sysobjects", OldColumns(), ObjectsOf("")),
+          MakeView<SchemaDef>("schemas",
+                              {{"name", kName, [](const SchemaDef& s) { return Value(s.name); }},
+                               {"schema_id", kInt, [](const SchemaDef& s) { return Int(s.id); }}},
+                              Schemas),
+          MakeView<Nothing>("triggers",
+                            {Null<Nothing>("name", kName), Null<Nothing>("object_id", kInt),
+                             Null<Nothing>("parent_id", kInt), Null<Nothing>("type", kKind),
+                             Null<Nothing>("is_disabled", kBit)},
+                            None),
+          MakeView<Property>(
+              "extended_properties",
+              {{"class", kTiny, [](const Property&) { return Int(1); }},
+               {"major_id", kInt, [](const Property& p) { return Int(p.table); }},
+               {"minor_id", kInt, [](const Property& p) { return Int(p.def.column_id); }},
+               {"name", kName, [](const Property& p) { return Value(p.def.name); }},
+               {"value", kVariant, [](const Property& p) { return Value(p.def.value); }}},
+              Properties)};
 }
 
 }  // namespace sandbox

@@ -19,19 +19,9 @@ const Shown<Database> kDatabaseCollation{
 Value DatabaseId(const Database& database) {
   return Int(database->id);
 }
-Value Created(const Database& database) {
-  return Time(database->created);
-}
-Value Level(const Database&) {
-  return Int(150);
-}
 Value Zero(const Database&) {
   return Int(0);
 }
-Value Online(const Database&) {
-  return Word("ONLINE");
-}
-
 struct Running {
   int session;
   bool is_sending;
@@ -54,23 +44,13 @@ std::vector<SystemView> SysServerViews() {
       MakeView<Database>("databases",
                          {kDatabaseName,
                           {"database_id", kInt, DatabaseId},
-                          {"create_date", kTime, Created},
-                          {"compatibility_level", kTiny, Level},
                           kDatabaseCollation,
-                          {"state", kTiny, Zero},
-                          {"state_desc", kName, Online},
-                          Never<Database>("is_read_only")},
+                          {"state", kTiny, Zero}},
                          Databases),
-      MakeView<Database>("sysdatabases",
-                         {kDatabaseName,
-                          {"dbid", kSmall, DatabaseId},
-                          {"crdate", kTime, Created},
-                          {"cmptlevel", kTiny, Level},
-                          kDatabaseCollation,
-                          {"status", kInt, Zero},
-                          {"status_desc", kName, Online},
-                          Never<Database>("is_read_only")},
-                         Databases),
+      MakeView<Database>(
+          "sysdatabases",
+          {kDatabaseName, {"dbid", kSmall, DatabaseId}, kDatabaseCollation, {"status", kInt, Zero}},
+          Databases),
       MakeView<Running>(
           "dm_exec_requests",
           {{"session_id", kSmall, [](const Running& r) { return Int(r.session); }},
@@ -78,8 +58,7 @@ std::vector<SystemView> SysServerViews() {
             [](const Running& r) { return Word(r.is_sending ? "suspended" : "running"); }},
            {"wait_type", kName,
             [](const Running& r) { return r.is_sending ? Word("ASYNC_NETWORK_IO") : Value(); }}},
-          RunningRequests),
-  };
+          RunningRequests)};
 }
 
 }  // namespace sandbox

@@ -140,7 +140,7 @@ class BulkLoad final : public BulkTarget {
 }  // namespace
 
 std::unique_ptr<BulkTarget> SqlSession::BeginBulk(std::string_view statement, ResultSink& sink) {
-  const BatchFrame frame(state_, {}, sink);
+  state_.batch = {&sink, {}, 1};
   try {
     Parser parser(statement);
     const InsertBulkStatement bulk = parser.ParseInsertBulk();

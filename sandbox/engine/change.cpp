@@ -11,19 +11,6 @@ namespace sandbox {
 
 namespace {
 
-// The table that UPDATE or DELETE names, which may be an alias of its FROM clause.
-const FromItem* FindTarget(const std::vector<FromItem>& from, const ObjectName& name) {
-  const FromItem* by_table = nullptr;
-  for (const FromItem& item : from) {
-    if (!item.alias.empty() && name.schema.empty() && SameName(item.alias, name.name)) return &item;
-    const bool schemas_agree =
-        name.schema.empty() || item.name.schema.empty() || SameName(name.schema, item.name.schema);
-    if (!item.query && item.group.empty() && schemas_agree && SameName(item.name.name, name.name))
-      by_table = &item;
-  }
-  return by_table;
-}
-
 // The rows that a statement is about, with the target's row number as the first column.
 struct Target {
   DatabaseLink* link = nullptr;
@@ -33,33 +20,19 @@ struct Target {
   std::string row;  // "s1.rowid"
 };
 
-Target BindTarget(Session& session, Binder& binder, const ObjectName& name,
-                  const std::vector<FromItem>& from) {
+Target BindTarget(Session& session, Binder& binder, const ObjectName& name) {
   Target target;
-  const FromItem* item = FindTarget(from, name);
-  const ObjectName& table_name = item ? item->name : name;
-  target.link = &session.LinkTo(table_name.database);
+  target.link = &session.LinkTo(name.database);
   target.link->BeginWrite();
-  target.table = &TargetTable(*target.link, table_name, 208);
-  std::string alias = table_name.name;
-  if (item) {
-    target.from = binder.BindFrom(from, target.scope);
-    if (!item->alias.empty()) alias = item->alias;
-  } else {
-    target.from = binder.AddTable(session.FindRelation(table_name), alias, target.scope);
-    if (!from.empty()) target.from += " CROSS JOIN " + binder.BindFrom(from, target.scope);
-  }
-  for (const ScopeSource& source : target.scope.sources) {
-    const bool same_table = source.table && source.table->id == target.table->id;
-    if (same_table && SameName(source.alias, alias)) target.row = source.stored + ".rowid";
-  }
+  target.table = &TargetTable(*target.link, name, 208);
+  target.from = binder.AddTable(session.FindRelation(name), name.name, target.scope);
+  target.row = target.scope.sources.front().stored + ".rowid";
   return target;
 }
 
 std::string Tail(Binder& binder, const Target& target, const ExprPtr& where) {
-  std::string text = " FROM " + target.from;
-  if (where) text += " WHERE " + binder.BindCondition(*where, target.scope);
-  return text + " GROUP BY " + target.row;  // a row that joins many is changed once
+  const std::string text = " FROM " + target.from;
+  return where ? text + " WHERE " + binder.BindCondition(*where, target.scope) : text;
 }
 
 // A column that a SET clause gives a new value.
@@ -83,12 +56,6 @@ const ColumnDef* AssignedColumn(const TableDef& table, const std::string& name,
   return column;
 }
 
-Value DefaultOf(Session& session, const ColumnDef& column) {
-  if (column.default_text.empty()) return {};
-  Parser parser(column.default_text);
-  return session.Evaluate(*parser.ParseExpressionText(), &column.type);
-}
-
 // The row that the statement is at.
 RowChange ReadChange(DatabaseLink& link, const TableDef& table,
                      const std::vector<Assigned>& assigned, const SqliteStatement& statement) {
@@ -106,17 +73,15 @@ RowChange ReadChange(DatabaseLink& link, const TableDef& table,
 
 }  // namespace
 
-Flow ChangeRunner::Run(const UpdateStatement& update) {
+void ChangeRunner::Run(const UpdateStatement& update) {
   Binder binder(session_);
-  Target target = BindTarget(session_, binder, update.table, update.from);
+  Target target = BindTarget(session_, binder, update.table);
   const TableDef table = *target.table;
   std::vector<Assigned> assigned;
   std::string items = target.row;
   for (const Assignment& assignment : update.assignments) {
     const ColumnDef* column = AssignedColumn(table, assignment.column, assigned);
-    const Bound bound = assignment.value
-                            ? binder.BindValue(*assignment.value, target.scope)
-                            : Binder::Constant(DefaultOf(session_, *column), column->type);
+    const Bound bound = binder.BindValue(*assignment.value, target.scope);
     if (!bound.is_null) CheckConvertible(bound.type, column->type, false);
     items += ", " + bound.sql;
     assigned.push_back({column, bound.is_null ? column->type : bound.type});
@@ -134,12 +99,12 @@ Flow ChangeRunner::Run(const UpdateStatement& update) {
   }
   if (!changes.empty()) RowChanger(session_, *target.link, "UPDATE").Update(table, changes);
   scope.Keep();
-  return Done(static_cast<std::int64_t>(changes.size()));
+  Done(static_cast<std::int64_t>(changes.size()));
 }
 
-Flow ChangeRunner::Run(const DeleteStatement& remove) {
+void ChangeRunner::Run(const DeleteStatement& remove) {
   Binder binder(session_);
-  Target target = BindTarget(session_, binder, remove.table, remove.from);
+  Target target = BindTarget(session_, binder, remove.table);
   const TableDef table = *target.table;
   const std::string sql = "SELECT " + target.row + Tail(binder, target, remove.where);
   StatementScope scope(*target.link);
@@ -152,10 +117,10 @@ Flow ChangeRunner::Run(const DeleteStatement& remove) {
   }
   RowChanger(session_, *target.link, "DELETE").Delete(table, rows);
   scope.Keep();
-  return Done(static_cast<std::int64_t>(rows.size()));
+  Done(static_cast<std::int64_t>(rows.size()));
 }
 
-Flow ChangeRunner::Run(const TruncateStatement& truncate) {
+void ChangeRunner::Run(const TruncateStatement& truncate) {
   DatabaseLink& link = session_.LinkTo(truncate.table.database);
   link.BeginWrite();
   const TableDef& table = TargetTable(link, truncate.table, 4701);
@@ -166,16 +131,16 @@ Flow ChangeRunner::Run(const TruncateStatement& truncate) {
   }
   link.Run(link.Cached("DELETE FROM " + table.StoredName()));
   link.ResetIdentity(table);
-  return Done();
+  Done();
 }
 
-Flow ChangeRunner::Run(const ReseedStatement& reseed) {
+void ChangeRunner::Run(const ReseedStatement& reseed) {
   DatabaseLink& link = session_.LinkTo(reseed.table.database);
   link.BeginWrite();
   const TableDef& table = TargetTable(link, reseed.table, 2501);
   if (!table.IdentityColumn()) Raise(7997, table.name);
   link.SetIdentity(table, reseed.last);
-  return Done();
+  Done();
 }
 
 }  // namespace sandbox

@@ -43,7 +43,7 @@ void SwitchConstraints(Session& session, DatabaseLink& link, TableDef& table,
 /// stores afterwards.
 void AddColumns(Session& session, DatabaseLink& link, const TableDef& table,
                 const std::vector<int>& column_ids, bool has_rows);
-void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name, bool if_exists);
+void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name);
 
 /// Adds constraints to a table's definition, checks them against the catalog and, where the table
 /// is in storage already (`stored`), against its rows. Raises the server's errors.

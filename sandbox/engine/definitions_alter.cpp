@@ -50,7 +50,7 @@ void AddColumns(Session& session, DatabaseLink& link, const TableDef& table,
   }
 }
 
-void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name, bool if_exists) {
+void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name) {
   for (ColumnDef& column : table.columns) {
     if (column.default_id == 0 || !SameName(column.default_name, name)) continue;
     column.default_id = 0;
@@ -64,7 +64,6 @@ void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name
     return;
   const IndexDef* index = table.FindIndex(name);
   if (!index || !index->IsConstraint()) {
-    if (if_exists) return;
     SqlError error = Error(3728, name);
     error.messages.push_back(Error(3727).messages.front());
     throw error;

@@ -91,7 +91,7 @@ void MakeStoredIndex(Session& session, DatabaseLink& link, const TableDef& table
   }
 }
 
-Flow DefinitionRunner::Run(const CreateIndexStatement& create) {
+void DefinitionRunner::Run(const CreateIndexStatement& create) {
   DatabaseLink& link = session_.LinkTo(create.table.database);
   link.BeginWrite();
   TableDef table = TargetTable(link, create.table, 1088);
@@ -114,10 +114,10 @@ Flow DefinitionRunner::Run(const CreateIndexStatement& create) {
   MakeStoredIndex(session_, link, table, index);
   VerifyKeyLengths(link, table, INT64_MIN, INT64_MAX);
   scope.Keep();
-  return Done();
+  Done();
 }
 
-Flow DefinitionRunner::Run(const AlterIndexStatement& alter) {
+void DefinitionRunner::Run(const AlterIndexStatement& alter) {
   DatabaseLink& link = session_.LinkTo(alter.table.database);
   link.BeginWrite();
   TableDef table = TargetTable(link, alter.table, 1088);
@@ -131,7 +131,7 @@ Flow DefinitionRunner::Run(const AlterIndexStatement& alter) {
   }
   link.Store(table);
   scope.Keep();
-  return Done();
+  Done();
 }
 
 }  // namespace sandbox

@@ -66,7 +66,7 @@ void AddTable(Session& session, DatabaseLink& link, TableDef table) {
   link.Store(std::move(table));
 }
 
-Flow DefinitionRunner::Run(const CreateTableStatement& create) {
+void DefinitionRunner::Run(const CreateTableStatement& create) {
   DatabaseLink& link = session_.LinkTo(create.table.database);
   link.BeginWrite();
   StatementScope scope(link);
@@ -100,10 +100,10 @@ Flow DefinitionRunner::Run(const CreateTableStatement& create) {
   AddTable(session_, link, table);
   adder.Finish();
   scope.Keep();
-  return Done();
+  Done();
 }
 
-Flow DefinitionRunner::Run(const AlterTableStatement& alter) {
+void DefinitionRunner::Run(const AlterTableStatement& alter) {
   using Action = AlterTableStatement::Action;
   DatabaseLink& link = session_.LinkTo(alter.table.database);
   link.BeginWrite();
@@ -114,8 +114,7 @@ Flow DefinitionRunner::Run(const AlterTableStatement& alter) {
       AddToTable(session_, link, table, alter);
       break;
     case Action::DropConstraint:
-      for (const std::string& name : alter.names)
-        DropConstraint(link, table, name, alter.if_exists);
+      for (const std::string& name : alter.names) DropConstraint(link, table, name);
       link.Store(table);
       break;
     case Action::Check:
@@ -124,23 +123,21 @@ Flow DefinitionRunner::Run(const AlterTableStatement& alter) {
       break;
   }
   scope.Keep();
-  return Done();
+  Done();
 }
 
-Flow DefinitionRunner::Run(const DropTableStatement& drop) {
+void DefinitionRunner::Run(const DropTableStatement& drop) {
   for (const ObjectName& name : drop.tables) {
     DatabaseLink& link = session_.LinkTo(name.database);
     link.BeginWrite();
     const Catalog& catalog = link.Definitions();
     if (drop.view) {
       const ViewDef* view = link.FindView(name);
-      if (!view && drop.if_exists) continue;
       if (!view) Raise(3701, "drop", "view", name.Text());
       link.ForgetView(view->id);
       continue;
     }
     const TableDef* table = link.FindTable(name);
-    if (!table && drop.if_exists) continue;
     if (!table) Raise(3701, "drop", "table", name.Text());
     for (const auto& [id, other] : catalog.tables) {
       for (const ForeignKeyDef& key : other.foreign_keys) {
@@ -157,10 +154,10 @@ Flow DefinitionRunner::Run(const DropTableStatement& drop) {
     if (state_.identity_insert && *state_.identity_insert == std::pair(&link.State(), id))
       state_.identity_insert.reset();
   }
-  return Done();
+  Done();
 }
 
-Flow DefinitionRunner::Run(const CreateViewStatement& create) {
+void DefinitionRunner::Run(const CreateViewStatement& create) {
   DatabaseLink& link = session_.LinkTo(create.name.database);
   link.BeginWrite();
   const std::string schema = SchemaOfNew(link, create.name);
@@ -171,10 +168,10 @@ Flow DefinitionRunner::Run(const CreateViewStatement& create) {
       Raise(8155, i + 1, create.name.name);
   }
   link.Store(ViewDef{link.NewObjectId(), schema, create.name.name, NowTicks(), create.text});
-  return Done();
+  Done();
 }
 
-Flow DefinitionRunner::Run(const CreateDatabaseStatement& create) {
+void DefinitionRunner::Run(const CreateDatabaseStatement& create) {
   if (session_.InTransaction())
     Raise(15034, "CREATE DATABASE statement not allowed within multi-statement transaction.");
   session_.CommitImplicit();
@@ -182,23 +179,20 @@ Flow DefinitionRunner::Run(const CreateDatabaseStatement& create) {
     Raise(5105, create.name);
   }
   if (!session_.Folder().Create(create.name)) Raise(1801, create.name);
-  return Done();
+  Done();
 }
 
-Flow DefinitionRunner::Run(const DropDatabaseStatement& drop) {
+void DefinitionRunner::Run(const DropDatabaseStatement& drop) {
   session_.CommitImplicit();
-  for (const std::string& name : drop.names) {
-    const auto state = session_.Folder().Find(name);
-    if (!state && drop.if_exists) continue;
-    if (!state) Raise(3701, "drop", "database", name);
-    if (state->id <= 4) Raise(3708, name);
-    if (state->users > 0) Raise(3702, name);
-    state_.links.erase(state->id);
-    if (state_.identity_insert && state_.identity_insert->first == state.get())
-      state_.identity_insert.reset();
-    session_.Folder().Drop(*state);
-  }
-  return Done();
+  const auto state = session_.Folder().Find(drop.name);
+  if (!state) Raise(3701, "drop", "database", drop.name);
+  if (state->id <= 4) Raise(3708, drop.name);
+  if (state->users > 0) Raise(3702, drop.name);
+  state_.links.erase(state->id);
+  if (state_.identity_insert && state_.identity_insert->first == state.get())
+    state_.identity_insert.reset();
+  session_.Folder().Drop(*state);
+  Done();
 }
 
 }  // namespace sandbox

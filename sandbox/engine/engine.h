@@ -52,15 +52,12 @@ class EngineSession {
   virtual bool UseDatabase(std::string_view name) = 0;
   /// A language batch. Every failure goes to the sink as a message; never throws.
   virtual void Execute(std::string_view batch, ResultSink& sink) = 0;
-  /// A parameterised batch (sp_executesql, a prepared statement).
-  virtual void ExecuteWithParameters(std::string_view batch, std::span<Parameter> parameters,
+  /// A parameterised batch (sp_executesql).
+  virtual void ExecuteWithParameters(std::string_view batch, std::span<const Parameter> parameters,
                                      ResultSink& sink) = 0;
-  /// A stored procedure by name ("sp_tables", "sp_help", ...), output parameters written back.
-  virtual void Call(std::string_view procedure, std::span<Parameter> parameters,
+  /// A stored procedure by name ("sp_tables", "sp_help", ...).
+  virtual void Call(std::string_view procedure, std::span<const Parameter> parameters,
                     ResultSink& sink) = 0;
-  /// The columns that a batch's first result would have, without running it (for sp_prepare).
-  virtual std::vector<ColumnInfo> Describe(std::string_view batch,
-                                           std::span<const Parameter> parameters) = 0;
   /// A bulk load announced by an INSERT BULK statement; null (messages sent) when it cannot start.
   virtual std::unique_ptr<BulkTarget> BeginBulk(std::string_view insert_bulk_statement,
                                                 ResultSink& sink) = 0;

@@ -11,7 +11,6 @@ namespace sandbox {
 namespace {
 
 constexpr int kUserError = 50000;
-constexpr int kLowestError = 11;
 
 // Puts arguments into the places of a message: %d, %s, %%.
 std::string Formatted(const std::string& text, const std::vector<std::string>& args) {
@@ -48,68 +47,32 @@ bool FlowRunner::Holds(const Expr& condition) {
   return Link().Step(statement) && statement.Integer(0) != 0;
 }
 
-Flow FlowRunner::Run(const DeclareStatement& statement) {
+void FlowRunner::Run(const DeclareStatement& statement) {
   for (const DeclareItem& item : statement.items) {
     Variable variable{item.type, {}};
-    if (!item.alias_type.name.empty()) {
-      const AliasTypeDef* alias = Link().FindType(item.alias_type);
-      if (!alias) Raise(2715, 1, item.alias_type.Text());
-      variable.type = alias->type;
-    }
     if (item.value) variable.value = session_.Evaluate(*item.value, &variable.type);
-    // A DECLARE inside a loop is met again; it keeps the variable, as the server does.
-    if (item.value || !state_.batch.variables.count(item.name))
-      state_.batch.variables[item.name] = std::move(variable);
+    state_.batch.variables[item.name] = std::move(variable);
   }
-  return Flow::Next;
 }
 
-Flow FlowRunner::Run(const SetVariableStatement& statement) {
+void FlowRunner::Run(const SetVariableStatement& statement) {
   const auto found = state_.batch.variables.find(statement.name);
   if (found == state_.batch.variables.end()) Raise(137, statement.name);
   const TypeInfo type = found->second.type;
   Value value = session_.Evaluate(*statement.value, &type);
   state_.batch.variables[statement.name].value = std::move(value);
-  return Flow::Next;
 }
 
-Flow FlowRunner::Run(const IfStatement& statement) {
-  if (Holds(*statement.condition)) return session_.RunStatement(*statement.then);
-  return statement.otherwise ? session_.RunStatement(*statement.otherwise) : Flow::Next;
-}
-
-Flow FlowRunner::Run(const WhileStatement& statement) {
-  while (Holds(*statement.condition)) {
-    session_.ThrowIfCancelled();
-    const Flow flow = session_.RunStatement(*statement.body);
-    if (flow == Flow::Break) break;
-    if (flow == Flow::Return) return flow;
+void FlowRunner::Run(const IfStatement& statement) {
+  if (Holds(*statement.condition)) {
+    session_.RunStatement(*statement.then);
+  } else if (statement.otherwise) {
+    session_.RunStatement(*statement.otherwise);
   }
-  return Flow::Next;
 }
 
-Flow FlowRunner::Run(const BlockStatement& statement) {
-  return session_.RunBlock(statement.body);
-}
-
-Flow FlowRunner::Run(const JumpStatement& statement) {
-  switch (statement.kind) {
-    case JumpStatement::Kind::Break:
-      return Flow::Break;
-    case JumpStatement::Kind::Continue:
-      return Flow::Continue;
-    case JumpStatement::Kind::Return:
-      break;
-  }
-  return Flow::Return;
-}
-
-Flow FlowRunner::Run(const PrintStatement& statement) {
-  const TypeInfo type = NVarChar(4000);
-  const Value value = session_.Evaluate(*statement.value, &type);
-  const auto* text = std::get_if<std::string>(&value);
-  session_.Message(0, 0, 1, text ? *text : " ");
-  return Done();
+void FlowRunner::Run(const BlockStatement& statement) {
+  session_.RunBlock(statement.body);
 }
 
 ServerMessage FlowRunner::Raised(const RaiseStatement& statement) {
@@ -137,17 +100,14 @@ ServerMessage FlowRunner::Raised(const RaiseStatement& statement) {
   return message;
 }
 
-Flow FlowRunner::Run(const RaiseStatement& statement) {
+void FlowRunner::Run(const RaiseStatement& statement) {
   const ServerMessage message = Raised(statement);
   // It does not end the batch, whatever the options.
   state_.batch.sink->Message(message);
-  if (message.severity < kLowestError) return Done();
-  state_.last_error = message.number;
   state_.batch.sink->Done(std::nullopt);
-  return Flow::Next;
 }
 
-Flow FlowRunner::Run(const WaitStatement& statement) {
+void FlowRunner::Run(const WaitStatement& statement) {
   session_.CommitImplicit();
   const TypeInfo type{SqlType::Time, 0, 16, 7};
   const Value delay = session_.Evaluate(*statement.delay, &type);
@@ -158,15 +118,15 @@ Flow FlowRunner::Run(const WaitStatement& statement) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   session_.ThrowIfCancelled();
-  return Done();
+  Done();
 }
 
-Flow FlowRunner::Run(const UseStatement& statement) {
+void FlowRunner::Run(const UseStatement& statement) {
   session_.CommitImplicit();
   if (!session_.UseDatabase(statement.name)) Raise(911, statement.name);
   state_.batch.sink->DatabaseChanged(session_.Database());
   session_.Message(5701, 0, 2, "Changed database context to '" + session_.Database() + "'.");
-  return Done();
+  Done();
 }
 
 }  // namespace sandbox

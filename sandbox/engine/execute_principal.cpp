@@ -45,7 +45,7 @@ void DefinitionRunner::CreateUser(const PrincipalStatement& statement) {
   Link().SetUsers(std::move(users));
 }
 
-Flow DefinitionRunner::Run(const PrincipalStatement& statement) {
+void DefinitionRunner::Run(const PrincipalStatement& statement) {
   switch (statement.kind) {
     case PrincipalStatement::Kind::Schema:
       CreateSchema(statement);
@@ -57,7 +57,7 @@ Flow DefinitionRunner::Run(const PrincipalStatement& statement) {
       CreateUser(statement);
       break;
   }
-  return Done();
+  Done();
 }
 
 }  // namespace sandbox

@@ -7,7 +7,7 @@
 #include "sandbox/values/type_rules.h"
 
 namespace sandbox {
-int ProcedureRunner::Call(const ObjectName& name, std::span<Parameter> given) {
+int ProcedureRunner::Call(const ObjectName& name, std::span<const Parameter> given) {
   const Procedure* procedure = FindProcedure(name.name);
   if (!procedure || !session_.Traits().Knows(procedure->name)) Raise(2812, name.Text());
   const std::vector<const char*>& names = procedure->parameters;
@@ -27,27 +27,18 @@ int ProcedureRunner::Call(const ObjectName& name, std::span<Parameter> given) {
   return procedure->run(session_, arguments);
 }
 
-Flow ProcedureRunner::Run(const ExecuteStatement& execute) {
+void ProcedureRunner::Run(const ExecuteStatement& execute) {
   std::vector<Parameter> parameters;
   for (const ExecuteArgument& argument : execute.arguments) {
     Parameter& parameter = parameters.emplace_back();
     parameter.name = argument.name;
-    parameter.output = !argument.output_variable.empty();
     if (!argument.value) continue;
     Binder binder(session_);
     parameter.type = binder.BindValue(*argument.value, Scope()).type;
     parameter.value = session_.Evaluate(*argument.value);
   }
-  const int status = Call(execute.procedure, parameters);
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    const std::string& variable = execute.arguments[i].output_variable;
-    if (!variable.empty()) session_.Assign(variable, parameters[i].value, parameters[i].type);
-  }
-  if (!execute.status_variable.empty()) {
-    session_.Assign(execute.status_variable, std::int64_t{status}, IntType());
-  }
-  state_.batch.sink->ReturnStatus(status);
-  return Done();
+  state_.batch.sink->ReturnStatus(Call(execute.procedure, parameters));
+  Done();
 }
 
 }  // namespace sandbox

@@ -3,7 +3,7 @@
 
 namespace sandbox {
 
-Flow QueryRunner::Run(const SelectStatement& statement) {
+void QueryRunner::Run(const SelectStatement& statement) {
   Link().Definitions();
   Binder binder(session_);
   const BoundQuery bound = binder.BindQuery(*statement.query);
@@ -12,7 +12,6 @@ Flow QueryRunner::Run(const SelectStatement& statement) {
   } else {
     StreamQuery(bound, binder);
   }
-  return Flow::Next;
 }
 
 void QueryRunner::StreamQuery(const BoundQuery& query, const Binder& binder) {
@@ -30,7 +29,7 @@ void QueryRunner::StreamQuery(const BoundQuery& query, const Binder& binder) {
         ReadColumn(statement.get(), static_cast<int>(i), query.columns[i].type, values[i]);
       }
       state_.batch.sink->Row(values);
-      if (++rows == state_.options.row_limit) break;
+      ++rows;
     }
   }
   Done(rows);
@@ -45,15 +44,13 @@ void QueryRunner::AssignVariables(const BoundQuery& query, const Binder& binder)
   SqliteStatement& statement = Link().Cached(query.sql);
   ResetGuard guard(statement);
   binder.SetParameters(statement);
-  std::int64_t rows = 0;
   Value value;
-  for (; Link().Step(statement); ++rows) {
+  while (Link().Step(statement)) {
     for (std::size_t i = 0; i < query.columns.size(); ++i) {
       ReadColumn(statement.get(), static_cast<int>(i), query.columns[i].type, value);
       session_.Assign(query.variables[i], value, query.columns[i].type);
     }
   }
-  state_.row_count = rows;
 }
 
 }  // namespace sandbox

@@ -2,7 +2,7 @@
 
 namespace sandbox {
 
-Flow FlowRunner::Run(const TransactionStatement& statement) {
+void FlowRunner::Run(const TransactionStatement& statement) {
   using Kind = TransactionStatement::Kind;
   switch (statement.kind) {
     case Kind::Begin:
@@ -25,7 +25,7 @@ Flow FlowRunner::Run(const TransactionStatement& statement) {
       session_.RollbackAll(true);
       break;
   }
-  return Done();
+  Done();
 }
 
 }  // namespace sandbox

@@ -8,7 +8,7 @@ constexpr int kFirstAliasType = 257;
 
 }  // namespace
 
-Flow DefinitionRunner::Run(const CreateTypeStatement& create) {
+void DefinitionRunner::Run(const CreateTypeStatement& create) {
   DatabaseLink& link = session_.LinkTo(create.name.database);
   link.BeginWrite();
   const std::string schema = link.SchemaForNew(create.name);
@@ -17,7 +17,7 @@ Flow DefinitionRunner::Run(const CreateTypeStatement& create) {
   const int id = types.empty() ? kFirstAliasType : types.back().id + 1;
   types.push_back({id, schema, create.name.name, create.type, create.nullable});
   link.SetTypes(std::move(types));
-  return Done();
+  Done();
 }
 
 }  // namespace sandbox

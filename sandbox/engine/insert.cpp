@@ -23,7 +23,7 @@ void CheckWidth(const InsertStatement& insert, const RowWriter& writer) {
 
 }  // namespace
 
-Flow ChangeRunner::Run(const InsertStatement& insert) {
+void ChangeRunner::Run(const InsertStatement& insert) {
   DatabaseLink& link = session_.LinkTo(insert.table.database);
   link.BeginWrite();
   const TableDef& table = TargetTable(link, insert.table, 208);
@@ -55,7 +55,7 @@ Flow ChangeRunner::Run(const InsertStatement& insert) {
   }
   writer.Finish();
   if (scope) scope->Keep();
-  return Done(rows);
+  Done(rows);
 }
 
 }  // namespace sandbox

@@ -175,8 +175,7 @@ void RowWriter::BindSlot(const InsertPlan::Slot& slot, const Place& place, RowCe
   }
   switch (source) {
     case Source::Identity:
-      last_identity_ = link_.NextIdentity(table_, slot.column);
-      return Store(place, slot.column, *last_identity_, BigIntType());
+      return Store(place, slot.column, link_.NextIdentity(table_, slot.column), BigIntType());
     case Source::RowVersion:
       return Store(place, slot.column, RowVersionValue(link_.NextRowVersion()), slot.column.type);
     case Source::Period:
@@ -193,8 +192,7 @@ void RowWriter::BindCell(const InsertPlan::Slot& slot, const Place& place,
   Store(place, slot.column, *cell.value, cell.type);
   if (!slot.column.identity) return;
   const Value as_number = Convert(*cell.value, cell.type, BigIntType());
-  last_identity_ = std::get<std::int64_t>(as_number);
-  link_.NoteIdentity(table_, slot.column, *last_identity_);
+  link_.NoteIdentity(table_, slot.column, std::get<std::int64_t>(as_number));
 }
 
 void RowWriter::BindRow(SqliteStatement& statement, int first_index, RowCells& row) {
@@ -321,7 +319,6 @@ void RowWriter::RaiseDuplicate(const SqliteError& error) {
 }
 
 void RowWriter::Finish(bool checks_constraints) {
-  if (last_identity_) session_.SetScopeIdentity(*last_identity_);
   if (!plan_->verifies || last_row_ < 0) return;
   VerifyKeyLengths(link_, table_, first_row_, last_row_);
   if (checks_constraints) VerifyRows(session_, link_, table_, first_row_, last_row_, "INSERT");

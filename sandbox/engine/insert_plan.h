@@ -98,7 +98,6 @@ class RowWriter {
   std::vector<Value> stored_;  // values as they are stored, by the parameter that refers to them
   std::int64_t first_row_ = 0;
   std::int64_t last_row_ = -1;
-  std::optional<std::int64_t> last_identity_;
 };
 
 }  // namespace sandbox

@@ -7,9 +7,6 @@ namespace sandbox {
 
 namespace {
 
-constexpr const char* kVersion =
-    "Microsoft SQL Server 2019 (RTM) - 15.0.2000.5 (X64) \n\tPractice server of Dorvane";
-
 Value Number(std::int64_t number) {
   return number;
 }
@@ -29,19 +26,6 @@ std::string TextArgument(const std::vector<Value>& args, std::size_t i) {
 
 using Args = const std::vector<Value>&;
 
-Value OrNull(const std::optional<std::int64_t>& number) {
-  return number ? Value(DecimalValue{*number, 0}) : Value();
-}
-
-Value UserName(SqlSession& s, Args) {
-  return s.Link().User().name;
-}
-Value LoginName(SqlSession& s, Args) {
-  return s.Login();
-}
-Value ScopeIdentity(SqlSession& s, Args) {
-  return OrNull(s.State().scope_identity);
-}
 Value Yes(SqlSession&, Args) {
   return std::int64_t{1};
 }
@@ -52,12 +36,6 @@ Value DatabaseName(SqlSession& s, Args args) {
     if (IsNumber(args[0], database->id)) return database->name;
   }
   return {};
-}
-
-Value DatabaseId(SqlSession& s, Args args) {
-  if (args.empty()) return std::int64_t{s.Link().State().id};
-  const auto database = s.Folder().Find(TextArgument(args, 0));
-  return database ? Value(std::int64_t{database->id}) : Value();
 }
 
 Value NameOfType(SqlSession&, Args args) {
@@ -94,25 +72,12 @@ struct Entry {
 const TypeInfo kName = NVarChar(128);
 const TypeInfo kInt = IntType();
 const TypeInfo kSmall = SmallIntType();
-const TypeInfo kIdentity = DecimalType(38, 0);
 
 const Entry kEntries[] = {
-    {"@@version", NVarChar(300), [](SqlSession&, Args) { return Value(std::string(kVersion)); }},
-    {"@@rowcount", kInt, [](SqlSession& s, Args) { return Value(s.State().row_count); }},
-    {"@@error", kInt, [](SqlSession& s, Args) { return Number(s.State().last_error); }},
     {"@@trancount", kInt, [](SqlSession& s, Args) { return Number(s.State().transaction_count); }},
     {"@@spid", kSmall, [](SqlSession& s, Args) { return Number(s.Spid()); }},
-    {"@@identity", kIdentity, ScopeIdentity},
-    {"scope_identity", kIdentity, ScopeIdentity},
     {"db_name", kName, DatabaseName},
-    {"db_id", kSmall, DatabaseId},
-    {"user_name", kName, UserName},
-    {"user", kName, UserName},
-    {"current_user", kName, UserName},
-    {"session_user", kName, UserName},
     {"schema_name", kName, Of<SchemaNameOf>},
-    {"suser_sname", kName, LoginName},
-    {"system_user", kName, LoginName},
     {"has_perms_by_name", kInt, Yes},
     {"object_id", kInt, Of<ObjectIdOf>},
     {"object_name", kName, Of<ObjectNameOf>},

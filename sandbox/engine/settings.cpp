@@ -23,7 +23,7 @@ constexpr std::string_view kAccepted =
     " ansi_defaults ansi_null_dflt_on ansi_nulls ansi_padding ansi_warnings arithabort "
     "concat_null_yields_null cursor_close_on_commit datefirst dateformat deadlock_priority "
     "identity_insert language lock_timeout no_browsetable numeric_roundabort quoted_identifier "
-    "rowcount statistics textsize transaction ";
+    "statistics textsize transaction ";
 // Options that may be switched off, as they are.
 constexpr std::string_view kAlwaysOff = " noexec parseonly showplan_text xact_abort ";
 
@@ -58,18 +58,9 @@ void FlowRunner::SetIdentityInsert(const SetOptionStatement& statement) {
   state_.identity_insert = target;
 }
 
-void FlowRunner::SetRowLimit(const SetOptionStatement& statement) {
-  if (!statement.value) Raise(102, "rowcount");
-  const TypeInfo type = BigIntType();
-  const Value value = session_.Evaluate(*statement.value, &type);
-  const auto* limit = std::get_if<std::int64_t>(&value);
-  state_.options.row_limit = limit ? *limit : 0;
-}
-
-Flow FlowRunner::Run(const SetOptionStatement& statement) {
+void FlowRunner::Run(const SetOptionStatement& statement) {
   for (const std::string& word : statement.words) {
     if (word == "identity_insert") SetIdentityInsert(statement);
-    if (word == "rowcount") SetRowLimit(statement);
     for (const Switch& each : kSwitches) {
       if (each.name == word) state_.options.*each.value = IsOn(statement);
     }
@@ -78,7 +69,7 @@ Flow FlowRunner::Run(const SetOptionStatement& statement) {
   const bool is_switch = std::ranges::find(kSwitches, first, &Switch::name) != kSwitches.end();
   const bool stays_off = IsAmong(kAlwaysOff, first) && !IsOn(statement);
   if (!is_switch && !stays_off && !IsAmong(kAccepted, first)) Raise(195, first);
-  return Done();
+  Done();
 }
 
 }  // namespace sandbox

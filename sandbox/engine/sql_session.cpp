@@ -11,8 +11,6 @@ namespace sandbox {
 
 namespace {
 
-constexpr int kMaxNesting = 32;
-
 // The batch is over; what there was to say has been said.
 struct BatchEnded {};
 
@@ -169,7 +167,6 @@ void SqlSession::Message(int number, int severity, int state, std::string text) 
 }
 
 void SqlSession::Done(std::optional<std::int64_t> rows) {
-  if (rows) state_.row_count = *rows;
   state_.batch.sink->Done(state_.options.no_count ? std::nullopt : rows);
 }
 
@@ -183,14 +180,12 @@ void SqlSession::SendRows(const std::vector<ColumnInfo>& columns,
 void SqlSession::Report(const SqlError& error, int line, bool changes_rows) {
   for (ServerMessage message : error.messages) {
     if (message.line == 0) message.line = line;
-    if (message.severity > 10) state_.last_error = message.number;
     state_.batch.sink->Message(message);
   }
   if (error.rolls_back) RollbackAll(true);
   if (changes_rows && !error.ends_batch) {
     Message(3621, 0, 0, "The statement has been terminated.");
   }
-  state_.row_count = 0;
   state_.batch.sink->Done(std::nullopt);
 }
 
@@ -239,62 +234,40 @@ void SqlSession::EndCancelled() {
 
 // ---- batches
 
-Variables VariablesOf(std::span<const Parameter> parameters) {
-  Variables variables;
-  for (const Parameter& parameter : parameters) {
-    variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
-  }
-  return variables;
-}
-
 void SqlSession::Execute(std::string_view batch, ResultSink& sink) {
-  const Requests::Guard at_work = AtWork();
-  RunText(batch, {}, sink, {});
+  ExecuteWithParameters(batch, {}, sink);
 }
 
-void SqlSession::ExecuteWithParameters(std::string_view batch, std::span<Parameter> parameters,
-                                       ResultSink& sink) {
+void SqlSession::ExecuteWithParameters(std::string_view batch,
+                                       std::span<const Parameter> parameters, ResultSink& sink) {
   const Requests::Guard at_work = AtWork();
-  RunText(batch, VariablesOf(parameters), sink, parameters);
-}
-
-void SqlSession::RunText(std::string_view batch, Variables variables, ResultSink& sink,
-                         std::span<Parameter> outputs) {
-  const BatchFrame frame(state_, std::move(variables), sink);
-  const bool ended = !RunParsed(batch);
-  if (frame.IsOutermost()) EndImplicit();
-  for (Parameter& parameter : outputs) {
-    if (parameter.output) {
-      parameter.value = state_.batch.variables[LowerText(parameter.name)].value;
-    }
+  state_.batch = {&sink, {}, 1};
+  for (const Parameter& parameter : parameters) {
+    state_.batch.variables[LowerText(parameter.name)] = {parameter.type, parameter.value};
   }
-  if (ended && !frame.IsOutermost()) throw BatchEnded();
-}
-
-/// False when the batches around this one end with it.
-bool SqlSession::RunParsed(std::string_view batch) {
   try {
-    if (state_.nesting > kMaxNesting) Raise(191);
-    Parser parser(batch);
-    RunBlock(parser.ParseBatch());
+    RunText(batch);
   } catch (const SqlError& error) {
     Report(error, 1, false);
   } catch (const BatchEnded&) {
-    return false;
   } catch (const Cancelled&) {
     EndCancelled();
-    return false;
   } catch (const std::exception& error) {
     Message(15034, 17, 1, error.what());
     RollbackAll(false);
   }
-  return true;
+  EndImplicit();
 }
 
-void SqlSession::Call(std::string_view procedure, std::span<Parameter> parameters,
+void SqlSession::RunText(std::string_view text) {
+  Parser parser(text);
+  RunBlock(parser.ParseBatch());
+}
+
+void SqlSession::Call(std::string_view procedure, std::span<const Parameter> parameters,
                       ResultSink& sink) {
   const Requests::Guard at_work = AtWork();
-  const BatchFrame frame(state_, {}, sink);
+  state_.batch = {&sink, {}, 1};
   try {
     Parser parser(procedure);
     sink.ReturnStatus(ProcedureRunner(*this).Call(parser.ParseNameText(), parameters));
@@ -309,57 +282,30 @@ void SqlSession::Call(std::string_view procedure, std::span<Parameter> parameter
   EndImplicit();
 }
 
-std::vector<ColumnInfo> SqlSession::Describe(std::string_view batch,
-                                             std::span<const Parameter> parameters) {
-  const Restorer<Variables> variables(state_.batch.variables, VariablesOf(parameters));
-  try {
-    Parser parser(batch);
-    for (const StatementPtr& statement : parser.ParseBatch()) {
-      const auto* select = std::get_if<SelectStatement>(&statement->what);
-      if (!select) continue;
-      return Binder(*this).BindQuery(*select->query).columns;
-    }
-  } catch (const SqlError&) {
-    // Running it will say what is wrong.
-  } catch (const std::exception&) {
-  }
-  return {};
-}
-
 // ---- statements
 
-Flow SqlSession::RunBlock(const Block& block) {
-  for (const StatementPtr& statement : block) {
-    const Flow flow = RunStatement(*statement);
-    if (flow != Flow::Next) return flow;
-  }
-  return Flow::Next;
+void SqlSession::RunBlock(const Block& block) {
+  for (const StatementPtr& statement : block) RunStatement(*statement);
 }
 
-Flow SqlSession::RunStatement(const Statement& statement) {
+void SqlSession::RunStatement(const Statement& statement) {
   ThrowIfCancelled();
   state_.batch.line = statement.line;
   try {
-    return Dispatch(statement);
+    Dispatch(statement);
   } catch (const SqlError& error) {
     Report(error, statement.line, ChangesRows(statement));
     if (error.ends_batch) throw BatchEnded();
-    return Flow::Next;
   }
 }
 
-Flow SqlSession::Dispatch(const Statement& statement) {
+void SqlSession::Dispatch(const Statement& statement) {
   const SessionOptions& options = state_.options;
-  if (options.format_only && ChangesRows(statement)) {
-    Done(std::nullopt);
-    return Flow::Next;
-  }
+  if (options.format_only && ChangesRows(statement)) return Done(std::nullopt);
   const bool opens = ChangesRows(statement) || IsOneOf<SelectStatement>(statement);
   if (options.implicit_transactions && !InTransaction() && opens) BeginTransaction();
   StatementRunners runners(*this);
-  const Flow flow = std::visit([&](const auto& what) { return runners.Run(what); }, statement.what);
-  if (!IsOneOf<IfStatement, RaiseStatement, BlockStatement>(statement)) state_.last_error = 0;
-  return flow;
+  std::visit([&](const auto& what) { runners.Run(what); }, statement.what);
 }
 
 }  // namespace sandbox

@@ -13,9 +13,6 @@
 
 namespace sandbox {
 
-/// Where control goes after a statement.
-enum class Flow { Next, Break, Continue, Return };
-
 /// One client's session: runs batches statement by statement.
 class SqlSession final : public EngineSession, public Session {
  public:
@@ -27,11 +24,10 @@ class SqlSession final : public EngineSession, public Session {
   const std::string& Database() const override { return state_.link->Name(); }
   bool UseDatabase(std::string_view name) override;
   void Execute(std::string_view batch, ResultSink& sink) override;
-  void ExecuteWithParameters(std::string_view batch, std::span<Parameter> parameters,
+  void ExecuteWithParameters(std::string_view batch, std::span<const Parameter> parameters,
                              ResultSink& sink) override;
-  void Call(std::string_view procedure, std::span<Parameter> parameters, ResultSink& sink) override;
-  std::vector<ColumnInfo> Describe(std::string_view batch,
-                                   std::span<const Parameter> parameters) override;
+  void Call(std::string_view procedure, std::span<const Parameter> parameters,
+            ResultSink& sink) override;
   std::unique_ptr<BulkTarget> BeginBulk(std::string_view insert_bulk_statement,
                                         ResultSink& sink) override;
 
@@ -49,9 +45,8 @@ class SqlSession final : public EngineSession, public Session {
   void Message(int number, int severity, int state, std::string text) override;
   void SendRows(const std::vector<ColumnInfo>& columns,
                 const std::vector<std::vector<Value>>& rows) override;
-  void RunBatch(std::string_view batch) override { RunText(batch, {}, *state_.batch.sink, {}); }
+  void RunText(std::string_view text) override;
   Value Evaluate(const Expr& expr, const TypeInfo* type = nullptr) override;
-  void SetScopeIdentity(std::int64_t value) override { state_.scope_identity = value; }
 
   // ---- for the runners of statements
   int Spid() const { return spid_; }
@@ -61,11 +56,8 @@ class SqlSession final : public EngineSession, public Session {
   void Done(std::optional<std::int64_t> rows);
   /// Gives a declared variable a value. Raises 137 and the errors of conversions.
   void Assign(std::string_view name, Value value, const TypeInfo& from);
-  /// A batch with its variables; what those named by `outputs` end with goes there.
-  void RunText(std::string_view batch, Variables variables, ResultSink& sink,
-               std::span<Parameter> outputs);
-  Flow RunBlock(const Block& block);
-  Flow RunStatement(const Statement& statement);
+  void RunBlock(const Block& block);
+  void RunStatement(const Statement& statement);
 
   bool InTransaction() const { return state_.transaction_count > 0; }
   void BeginTransaction();
@@ -78,8 +70,7 @@ class SqlSession final : public EngineSession, public Session {
 
  private:
   DatabaseLink& OpenLink(const std::shared_ptr<DatabaseState>& state);
-  bool RunParsed(std::string_view batch);
-  Flow Dispatch(const Statement& statement);
+  void Dispatch(const Statement& statement);
   void Report(const SqlError& error, int line, bool changes_rows);
   void EndCancelled();
   void EndImplicit() noexcept;

@@ -21,10 +21,7 @@ class StatementRunner {
  protected:
   DatabaseLink& Link() { return *state_.link; }
   /// The statement is over, with the rows that it returned or changed, if it tells them.
-  Flow Done(std::optional<std::int64_t> rows = std::nullopt) {
-    session_.Done(rows);
-    return Flow::Next;
-  }
+  void Done(std::optional<std::int64_t> rows = std::nullopt) { session_.Done(rows); }
 
   SqlSession& session_;
   SessionState& state_;
@@ -34,7 +31,7 @@ class StatementRunner {
 class QueryRunner : public StatementRunner {
  public:
   using StatementRunner::StatementRunner;
-  Flow Run(const SelectStatement& statement);
+  void Run(const SelectStatement& statement);
 
  private:
   void AssignVariables(const BoundQuery& query, const Binder& binder);
@@ -45,11 +42,11 @@ class QueryRunner : public StatementRunner {
 class ChangeRunner : public StatementRunner {
  public:
   using StatementRunner::StatementRunner;
-  Flow Run(const InsertStatement& statement);
-  Flow Run(const UpdateStatement& statement);
-  Flow Run(const DeleteStatement& statement);
-  Flow Run(const TruncateStatement& statement);
-  Flow Run(const ReseedStatement& statement);
+  void Run(const InsertStatement& statement);
+  void Run(const UpdateStatement& statement);
+  void Run(const DeleteStatement& statement);
+  void Run(const TruncateStatement& statement);
+  void Run(const ReseedStatement& statement);
 };
 
 /// Databases, tables, views, indexes, types, and who may be who (definitions_*.cpp,
@@ -57,16 +54,16 @@ class ChangeRunner : public StatementRunner {
 class DefinitionRunner : public StatementRunner {
  public:
   using StatementRunner::StatementRunner;
-  Flow Run(const CreateDatabaseStatement& statement);
-  Flow Run(const DropDatabaseStatement& statement);
-  Flow Run(const CreateTableStatement& statement);
-  Flow Run(const AlterTableStatement& statement);
-  Flow Run(const CreateIndexStatement& statement);
-  Flow Run(const AlterIndexStatement& statement);
-  Flow Run(const CreateTypeStatement& statement);
-  Flow Run(const DropTableStatement& statement);
-  Flow Run(const CreateViewStatement& statement);
-  Flow Run(const PrincipalStatement& statement);
+  void Run(const CreateDatabaseStatement& statement);
+  void Run(const DropDatabaseStatement& statement);
+  void Run(const CreateTableStatement& statement);
+  void Run(const AlterTableStatement& statement);
+  void Run(const CreateIndexStatement& statement);
+  void Run(const AlterIndexStatement& statement);
+  void Run(const CreateTypeStatement& statement);
+  void Run(const DropTableStatement& statement);
+  void Run(const CreateViewStatement& statement);
+  void Run(const PrincipalStatement& statement);
 
  private:
   void CreateSchema(const PrincipalStatement& statement);
@@ -74,40 +71,35 @@ class DefinitionRunner : public StatementRunner {
   void CreateUser(const PrincipalStatement& statement);
 };
 
-/// Variables, options, control of flow, messages, transactions (execute_flow.cpp,
+/// Variables, options, conditions, messages, transactions (execute_flow.cpp,
 /// execute_transaction.cpp, settings.cpp).
 class FlowRunner : public StatementRunner {
  public:
   using StatementRunner::StatementRunner;
-  Flow Run(const NothingStatement&) { return Flow::Next; }
-  Flow Run(const UseStatement& statement);
-  Flow Run(const DeclareStatement& statement);
-  Flow Run(const SetVariableStatement& statement);
-  Flow Run(const SetOptionStatement& statement);
-  Flow Run(const IfStatement& statement);
-  Flow Run(const WhileStatement& statement);
-  Flow Run(const BlockStatement& statement);
-  Flow Run(const JumpStatement& statement);
-  Flow Run(const PrintStatement& statement);
-  Flow Run(const RaiseStatement& statement);
-  Flow Run(const WaitStatement& statement);
-  Flow Run(const TransactionStatement& statement);
+  void Run(const NothingStatement&) {}
+  void Run(const UseStatement& statement);
+  void Run(const DeclareStatement& statement);
+  void Run(const SetVariableStatement& statement);
+  void Run(const SetOptionStatement& statement);
+  void Run(const IfStatement& statement);
+  void Run(const BlockStatement& statement);
+  void Run(const RaiseStatement& statement);
+  void Run(const WaitStatement& statement);
+  void Run(const TransactionStatement& statement);
 
  private:
   bool Holds(const Expr& condition);
   ServerMessage Raised(const RaiseStatement& statement);
   void SetIdentityInsert(const SetOptionStatement& statement);
-  void SetRowLimit(const SetOptionStatement& statement);
 };
 
 /// EXECUTE, and procedures called by the client (execute_procedure.cpp).
 class ProcedureRunner : public StatementRunner {
  public:
   using StatementRunner::StatementRunner;
-  Flow Run(const ExecuteStatement& statement);
-  /// The procedure's arguments by position or name; what it writes to goes back. Returns its
-  /// status.
-  int Call(const ObjectName& name, std::span<Parameter> arguments);
+  void Run(const ExecuteStatement& statement);
+  /// The procedure's arguments by position or name. Returns its status.
+  int Call(const ObjectName& name, std::span<const Parameter> arguments);
 };
 
 /// All families.

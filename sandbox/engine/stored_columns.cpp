@@ -12,9 +12,8 @@ namespace sandbox {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> kClocks{"getdate",           "getutcdate",
-                                                  "sysdatetime",       "sysutcdatetime",
-                                                  "sysdatetimeoffset", "current_timestamp"};
+constexpr std::array<std::string_view, 6> kClocks{"getdate", "getutcdate", "sysdatetime",
+                                                  "sysutcdatetime", "sysdatetimeoffset"};
 constexpr std::array<std::string_view, 3> kRandom{"newid", "newsequentialid", "rand"};
 
 template <typename Range>

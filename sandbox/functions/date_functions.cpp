@@ -142,13 +142,11 @@ const std::array kFunctions{
     ScalarFunction{"datepart", 2, 2, ReturnInt, DatePart},
     ScalarFunction{"day", 1, 1, ReturnInt, Day},
     ScalarFunction{"getdate", 0, 0, ReturnDateTime, GetDate},
-    ScalarFunction{"current_timestamp", 0, 0, ReturnDateTime, GetDate},
     ScalarFunction{"sysdatetime", 0, 0,
                    [](Types) {
                      return TypeInfo{SqlType::DateTime2, 0, 27, 7};
                    },
                    GetDate},
-    ScalarFunction{"getutcdate", 0, 0, ReturnDateTime, GetDate},
     ScalarFunction{"month", 1, 1, ReturnInt, Month},
     ScalarFunction{"year", 1, 1, ReturnInt, Year},
 };

@@ -10,7 +10,6 @@
 #include "sandbox/values/convert.h"
 #include "sandbox/values/decimal.h"
 #include "sandbox/values/errors.h"
-#include "sandbox/values/ticks.h"
 
 namespace sandbox {
 
@@ -94,10 +93,6 @@ std::int64_t IntegerMath(char op, std::int64_t a, std::int64_t b, const TypeInfo
       break;
     case '&':
       return a & b;
-    case '|':
-      return a | b;
-    case '^':
-      return a ^ b;
     default:
       if (b == 0) Raise(8134);
       if (b == -1) return op == '%' ? 0 : IntegerMath('-', 0, a, type);
@@ -125,17 +120,6 @@ Value DecimalMath(char op, const DecimalValue& a, const DecimalValue& b, const T
   return Convert(*number, DecimalType(38, result.scale), result);
 }
 
-Value DateMath(char op, const Value& left, const Value& right) {
-  const auto& a = std::get<DateTimeValue>(left);
-  const auto& b = std::get<DateTimeValue>(right);
-  const std::int64_t base = 693595 * kTicksPerDay;
-  const std::int64_t x = a.days * kTicksPerDay + a.ticks - base;
-  const std::int64_t y = b.days * kTicksPerDay + b.ticks - base;
-  const std::int64_t sum = base + (op == '+' ? x + y : x - y);
-  const DateTimeValue value{static_cast<std::int32_t>(sum / kTicksPerDay), sum % kTicksPerDay, 0};
-  return Convert(value, {SqlType::DateTime2, 0, 27, 7}, DateTimeType());
-}
-
 Value Compute(char op, const TypeInfo& operand, const TypeInfo& result, const Value& left,
               const Value& right) {
   if (IsText(operand.type)) {
@@ -145,7 +129,6 @@ Value Compute(char op, const TypeInfo& operand, const TypeInfo& result, const Va
   if (IsBinary(operand.type)) {
     return BinaryValue{std::get<BinaryValue>(left).bytes + std::get<BinaryValue>(right).bytes};
   }
-  if (IsTemporal(operand.type)) return DateMath(op, left, right);
   if (IsApproximate(operand.type)) {
     return DoubleMath(op, std::get<double>(left), std::get<double>(right));
   }

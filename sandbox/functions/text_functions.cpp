@@ -132,12 +132,6 @@ Value DataLength(Call call) {
   return static_cast<std::int64_t>(MaxLength(type));
 }
 
-Value Character(Call call) {
-  const std::int64_t code = Integer(call, 0);
-  if (code < 0 || code > 255) return std::monostate();
-  return FromCodePage(std::string(1, static_cast<char>(code)));
-}
-
 Value WideCharacter(Call call) {
   const std::int64_t code = Integer(call, 0);
   if (code < 0 || code > 65535 || (code >= 0xD800 && code < 0xE000)) return std::monostate();
@@ -147,11 +141,6 @@ Value WideCharacter(Call call) {
 }
 
 const std::array kFunctions{
-    ScalarFunction{"char", 1, 1,
-                   [](Types) {
-                     return TypeInfo{SqlType::Char, 1, 0, 0};
-                   },
-                   Character},
     ScalarFunction{"datalength", 1, 1, ReturnInt, DataLength},
     ScalarFunction{"left", 2, 2, ReturnText, Left},
     ScalarFunction{"len", 1, 1, ReturnInt, Length},

@@ -76,7 +76,7 @@ struct Expr {
   bool has_else = false;
 };
 
-enum class JoinKind { Inner, Left, Right, Full, Cross };
+enum class JoinKind { Inner, Left, Right, Cross };
 
 struct FromItem {
   JoinKind join = JoinKind::Cross;  // how it joins what stands before it
@@ -105,7 +105,7 @@ struct Select {
   ExprPtr having;
 };
 
-enum class SetOperator { Union, UnionAll, Except, Intersect };
+enum class SetOperator { Union, UnionAll };
 
 /// selects[0], then each further select with the operator in front of it.
 struct Query {
@@ -177,19 +177,17 @@ struct InsertStatement {
 
 struct Assignment {
   std::string column;
-  ExprPtr value;  // null: DEFAULT
+  ExprPtr value;
 };
 
 struct UpdateStatement {
   ObjectName table;
   std::vector<Assignment> assignments;
-  std::vector<FromItem> from;
   ExprPtr where;
 };
 
 struct DeleteStatement {
   ObjectName table;
-  std::vector<FromItem> from;
   ExprPtr where;
 };
 
@@ -200,8 +198,7 @@ struct CreateDatabaseStatement {
   std::string name;
 };
 struct DropDatabaseStatement {
-  std::vector<std::string> names;
-  bool if_exists = false;
+  std::string name;
 };
 struct UseStatement {
   std::string name;
@@ -226,8 +223,7 @@ struct AlterTableStatement {
   Action action = Action::Add;
   std::vector<ColumnSyntax> columns;
   std::vector<ConstraintSyntax> constraints;
-  std::vector<std::string> names;  // to drop, or to check; for these none means all
-  bool if_exists = false;
+  std::vector<std::string> names;   // to drop, or to check; for these none means all
   std::optional<bool> checks_rows;  // WITH CHECK, WITH NOCHECK
 };
 
@@ -251,7 +247,6 @@ struct AlterIndexStatement {
 
 struct DropTableStatement {
   std::vector<ObjectName> tables;
-  bool if_exists = false;
   bool view = false;
 };
 struct CreateViewStatement {
@@ -279,7 +274,6 @@ struct CreateTypeStatement {
 
 struct DeclareItem {
   std::string name;
-  ObjectName alias_type;
   TypeInfo type;
   ExprPtr value;
 };
@@ -299,19 +293,8 @@ struct IfStatement {
   ExprPtr condition;
   StatementPtr then, otherwise;
 };
-struct WhileStatement {
-  ExprPtr condition;
-  StatementPtr body;
-};
 struct BlockStatement {
   Block body;
-};
-struct JumpStatement {
-  enum class Kind { Break, Continue, Return } kind;
-  ExprPtr value;
-};
-struct PrintStatement {
-  ExprPtr value;
 };
 struct RaiseStatement {
   std::vector<ExprPtr> args;
@@ -334,12 +317,10 @@ struct TransactionStatement {
 struct ExecuteArgument {
   std::string name;
   ExprPtr value;
-  std::string output_variable;
 };
 struct ExecuteStatement {
   ObjectName procedure;
   std::vector<ExecuteArgument> arguments;
-  std::string status_variable;
 };
 
 struct Statement {
@@ -349,8 +330,8 @@ struct Statement {
                UseStatement, CreateTableStatement, AlterTableStatement, CreateIndexStatement,
                AlterIndexStatement, CreateTypeStatement, DropTableStatement, CreateViewStatement,
                PrincipalStatement, DeclareStatement, SetVariableStatement, SetOptionStatement,
-               IfStatement, WhileStatement, BlockStatement, JumpStatement, PrintStatement,
-               RaiseStatement, WaitStatement, TransactionStatement, ExecuteStatement>
+               IfStatement, BlockStatement, RaiseStatement, WaitStatement, TransactionStatement,
+               ExecuteStatement>
       what;
 };
 

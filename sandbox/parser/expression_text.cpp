@@ -102,8 +102,7 @@ std::string NormalisedText(const Expr& expr) {
       return "CONVERT(" + type + "," + List(expr.args) + ")";
     }
     case ExprKind::Function:
-      return (expr.text == "current_timestamp" ? "getdate" : expr.text) + "(" + List(expr.args) +
-             ")";
+      return expr.text + "(" + List(expr.args) + ")";
     default:
       return "NULL";
   }

@@ -55,11 +55,9 @@ class Parser {
   Statement ParseDeclare();
   Statement ParseSet();
   Statement ParseIf();
-  Statement ParseWhile();
   Statement ParseExecute(bool without_keyword);
   Statement ParseTransaction(TransactionStatement::Kind kind);
   Statement ParseRaise();
-  Statement ParseJump(JumpStatement::Kind kind);
   Statement ParseWait();
   Statement ParseUse();
   Statement ParseReseed();
@@ -87,7 +85,6 @@ class Parser {
   void ParseColumn(std::vector<ColumnSyntax>& columns, std::vector<ConstraintSyntax>& constraints);
   void ParseColumnOptions(ColumnSyntax& column, std::vector<ConstraintSyntax>& constraints);
   void ParseIdentity(ColumnDef& column);
-  void ParseComputed(ColumnSyntax& column);
   bool ParseColumnTrait(ColumnDef& column);
   /// A name that is no type of the server's goes to `alias`; without one it raises 2715.
   TypeInfo ParseType(int position, std::string_view column, int default_length = 1,
@@ -114,13 +111,11 @@ class Parser {
 
   // queries (parser_query.cpp)
   QueryPtr ParseQuery();
-  void ParseQueryTerms(Query& query);
   Select ParseSelect();
   SelectItem ParseSelectItem();
   std::vector<FromItem> ParseFrom();
   FromItem ParseFromPrimary();
   void ParseJoins(std::vector<FromItem>& items);
-  void SkipTableHints();
   std::vector<OrderItem> ParseOrderList();
 
   // expressions (parser_expression.cpp)

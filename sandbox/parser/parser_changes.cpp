@@ -4,22 +4,9 @@ namespace sandbox {
 
 Statement Parser::ParseDrop() {
   Expect("drop");
-  const auto if_exists = [&] {
-    if (!Accept("if")) return false;
-    Expect("exists");
-    return true;
-  };
-  if (Accept("database")) {
-    DropDatabaseStatement drop;
-    drop.if_exists = if_exists();
-    do {
-      drop.names.push_back(TakeName());
-    } while (AcceptSymbol(","));
-    return {1, std::move(drop)};
-  }
+  if (Accept("database")) return {1, DropDatabaseStatement{TakeName()}};
   if (AtModule()) {
     Take();
-    if_exists();
     do {
       TakeObjectName();
     } while (AcceptSymbol(","));
@@ -29,7 +16,6 @@ Statement Parser::ParseDrop() {
   drop.view = token_.Is("view");
   if (!drop.view && !token_.Is("table")) Fail();
   Take();
-  drop.if_exists = if_exists();
   do {
     drop.tables.push_back(TakeObjectName());
   } while (AcceptSymbol(","));
@@ -79,21 +65,13 @@ std::vector<std::string> Parser::ParseConstraintNames() {
 
 void Parser::ParseAlterAdd(AlterTableStatement& alter) {
   do {
-    if (token_.Is("default")) {
-      alter.constraints.push_back(ParseConstraint(""));
-    } else {
-      ParseTableElement(alter.columns, alter.constraints);
-    }
+    ParseTableElement(alter.columns, alter.constraints);
   } while (AcceptSymbol(","));
 }
 
 void Parser::ParseAlterDrop(AlterTableStatement& alter) {
   alter.action = AlterTableStatement::Action::DropConstraint;
   Accept("constraint");
-  if (Accept("if")) {
-    Expect("exists");
-    alter.if_exists = true;
-  }
   do {
     alter.names.push_back(TakeName());
   } while (AcceptSymbol(","));

@@ -11,19 +11,12 @@ TypeInfo Parser::ParseType(int position, std::string_view column, int default_le
                            ObjectName* alias) {
   if (!token_.IsName()) Fail();
   const ObjectName full_name = TakeObjectName();  // "sys.int"
-  std::string name = full_name.name;
-  if (name == "double" && Accept("precision")) name = "float";
-  if (token_.Is("varying")) {
-    Take();
-    name = "var" + name;
-  }
+  const std::string& name = full_name.name;
   std::vector<int> args;
   if (AcceptSymbol("(")) {
     do {
       if (Accept("max")) {
         args.push_back(-1);
-      } else if (token_.IsName()) {
-        TakeName();  // "xml(collection)"
       } else {
         args.push_back(static_cast<int>(std::min<std::int64_t>(TakeInteger(), INT32_MAX)));
       }
@@ -57,27 +50,16 @@ void Parser::ParseColumn(std::vector<ColumnSyntax>& columns,
                          std::vector<ConstraintSyntax>& constraints) {
   ColumnSyntax column;
   column.line = token_.line;
-  if (token_.Is("timestamp") && (PeekSecond().IsSymbol(",") || PeekSecond().IsSymbol(")"))) {
-    Take();
-    column.column.name = "timestamp";
-    column.column.type = {SqlType::Timestamp, 8, 0, 0};
+  column.column.name = TakeName();
+  if (Accept("as")) {
+    column.computed = ParseExpr();
+    column.column.persisted = Accept("persisted");
   } else {
-    column.column.name = TakeName();
-    if (token_.Is("as")) {
-      ParseComputed(column);
-    } else {
-      column.column.type = ParseType(static_cast<int>(columns.size()) + 1, column.column.name, 1,
-                                     &column.alias_type);
-    }
+    column.column.type =
+        ParseType(static_cast<int>(columns.size()) + 1, column.column.name, 1, &column.alias_type);
   }
   ParseColumnOptions(column, constraints);
   columns.push_back(std::move(column));
-}
-
-void Parser::ParseComputed(ColumnSyntax& column) {
-  Expect("as");
-  column.computed = ParseExpr();
-  column.column.persisted = Accept("persisted");
 }
 
 // What else a column may be told to be. False with nothing taken when there is none of it.
@@ -119,10 +101,6 @@ void Parser::ParseColumnOptions(ColumnSyntax& column, std::vector<ConstraintSynt
   while (true) {
     if (Accept("null")) {
       column.nullable = true;
-    } else if (token_.Is("not") && PeekSecond().Is("for")) {
-      Take();
-      Take();
-      Expect("replication");
     } else if (Accept("not")) {
       Expect("null");
       column.nullable = false;

@@ -26,8 +26,6 @@ Statement Parser::ParseCreateTable() {
   create.table = TakeObjectName();
   ExpectSymbol("(");
   do {
-    if (token_.IsSymbol(")") && !create.columns.empty())
-      break;  // the server takes a comma behind the last column
     ParseTableElement(create.columns, create.constraints);
   } while (AcceptSymbol(","));
   if (create.columns.empty()) Fail();
@@ -53,10 +51,6 @@ ConstraintSyntax Parser::ParseConstraint(std::string_view column) {
   } else if (token_.Is("foreign") || token_.Is("references")) {
     constraint.what = ParseReferences(column);
   } else if (Accept("check")) {
-    if (Accept("not")) {
-      Expect("for");
-      Expect("replication");
-    }
     ExpectSymbol("(");
     constraint.what = CheckSyntax{ParseExpr()};
     ExpectSymbol(")");
@@ -107,11 +101,6 @@ ForeignKeySyntax Parser::ParseReferences(std::string_view column) {
   key.parent = TakeObjectName();
   if (token_.IsSymbol("(")) key.parent_columns = TakeColumnList();
   while (true) {
-    if (Accept("not")) {
-      Expect("for");
-      Expect("replication");
-      continue;
-    }
     if (!Accept("on")) return key;
     const bool on_delete = token_.Is("delete");
     if (!on_delete && !token_.Is("update")) Fail();
@@ -176,16 +165,8 @@ Statement Parser::ParseCreateView(std::size_t start) {
   CreateViewStatement view;
   view.name = TakeObjectName();
   if (token_.IsSymbol("(")) view.columns = TakeNameList();
-  if (Accept("with")) {  // schemabinding and its kin
-    do {
-      TakeName();
-    } while (AcceptSymbol(","));
-  }
   Expect("as");
   view.query = ParseQuery();
-  if (Accept("with")) {
-    for (const char* word : {"check", "option"}) Expect(word);
-  }
   view.text = std::string(text_.substr(start, token_.offset - start));
   return {1, std::move(view)};
 }

@@ -17,9 +17,6 @@ constexpr std::array<std::string_view, 9> kComparisons{
 // Functions whose names are reserved words.
 constexpr std::array<std::string_view, 5> kReservedFunctions{"left", "right", "coalesce", "nullif",
                                                              "identity"};
-// Words that are values without parentheses.
-constexpr std::array<std::string_view, 5> kBareFunctions{"current_timestamp", "current_user",
-                                                         "session_user", "system_user", "user"};
 
 bool OneOf(const Token& token, std::span<const std::string_view> words) {
   return std::any_of(words.begin(), words.end(), [&](auto word) { return token.Is(word); });
@@ -164,7 +161,7 @@ ExprPtr Parser::ParseSum() {
   ExprPtr left = ParseProduct();
   const auto at_operator = [&] {
     return token_.kind == TokenKind::Symbol && token_.text.size() == 1 &&
-           std::string_view("+-&|^").find(token_.text) != std::string_view::npos;
+           std::string_view("+-&").find(token_.text) != std::string_view::npos;
   };
   for (int chain = 0; at_operator(); ++chain) {
     if (chain == kMaxChain) Raise(191);
@@ -194,7 +191,7 @@ ExprPtr Parser::ParseProduct() {
 }
 
 ExprPtr Parser::ParseUnary() {
-  const bool sign = token_.IsSymbol("-") || token_.IsSymbol("+") || token_.IsSymbol("~");
+  const bool sign = token_.IsSymbol("-") || token_.IsSymbol("+");
   if (!sign) return ParseCollated();
   DepthGuard guard(*this);
   ExprPtr expr = NewExpr(ExprKind::Unary);
@@ -263,13 +260,7 @@ ExprPtr Parser::ParseParenthesised() {
 ExprPtr Parser::ParseWord() {
   if (token_.Is("case")) return ParseCase();
   const int line = token_.line;
-  const bool bare = OneOf(token_, kBareFunctions);
   const bool call = PeekSecond().IsSymbol("(");
-  if (bare && !call) {
-    ExprPtr expr = NewExpr(ExprKind::Function);
-    expr->text = LowerText(Take().text);
-    return expr;
-  }
   if (call && token_.kind == TokenKind::Word) {
     const std::string name = LowerText(token_.text);
     if (name == "cast") return ParseCast();

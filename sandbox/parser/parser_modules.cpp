@@ -45,20 +45,9 @@ Statement Parser::SkipBatch() {
   return {1, NothingStatement()};
 }
 
-// "update statistics t (a) with fullscan"
 Statement Parser::SkipStatistics() {
   for (const char* word : {"update", "statistics"}) Expect(word);
   TakeObjectName();
-  if (token_.IsSymbol("(")) {
-    TakeNameList();
-  } else if (token_.IsName() && !IsReserved(token_) && !token_.Is("update")) {
-    TakeName();
-  }
-  if (Accept("with")) {
-    do {
-      TakeName();
-    } while (AcceptSymbol(","));
-  }
   return {1, NothingStatement()};
 }
 

@@ -13,8 +13,7 @@ Statement Parser::ParsePrincipal() {
                    : token_.Is("login") ? Kind::Login
                                         : Kind::User;
   Advance();
-  // "create schema authorization x" names the schema after its owner.
-  if (!token_.Is("authorization")) statement.name = TakeName();
+  statement.name = TakeName();
   ParsePrincipalOptions(statement);
   return {1, std::move(statement)};
 }
@@ -22,11 +21,6 @@ Statement Parser::ParsePrincipal() {
 void Parser::ParsePrincipalOptions(PrincipalStatement& statement) {
   if (Accept("authorization")) {
     statement.owner = TakeName();
-    if (statement.name.empty()) statement.name = statement.owner;
-  }
-  if (Accept("without")) {
-    Expect("login");
-    statement.login = "";
   } else if (Accept("for") || Accept("from")) {
     Expect("login");
     statement.login = TakeName();

@@ -7,42 +7,13 @@ QueryPtr Parser::ParseQuery() {
   const DepthGuard guard(*this);
   auto query = std::make_unique<Query>();
   query->line = token_.line;
-  ParseQueryTerms(*query);
+  query->selects.push_back(ParseSelect());
+  while (Accept("union")) {
+    query->operators.push_back(Accept("all") ? SetOperator::UnionAll : SetOperator::Union);
+    query->selects.push_back(ParseSelect());
+  }
   if (token_.Is("order")) query->order = ParseOrderList();
   return query;
-}
-
-void Parser::ParseQueryTerms(Query& query) {
-  const auto term = [&] {
-    if (AcceptSymbol("(")) {
-      QueryPtr inner = ParseQuery();
-      ExpectSymbol(")");
-      Select wrapped;
-      SelectItem star;
-      star.expr = NewExpr(ExprKind::Star);
-      wrapped.items.push_back(std::move(star));
-      FromItem derived;
-      derived.query = std::move(inner);
-      derived.alias = "query";
-      wrapped.from.push_back(std::move(derived));
-      query.selects.push_back(std::move(wrapped));
-      return;
-    }
-    query.selects.push_back(ParseSelect());
-  };
-  term();
-  while (true) {
-    if (Accept("union")) {
-      query.operators.push_back(Accept("all") ? SetOperator::UnionAll : SetOperator::Union);
-    } else if (Accept("except")) {
-      query.operators.push_back(SetOperator::Except);
-    } else if (Accept("intersect")) {
-      query.operators.push_back(SetOperator::Intersect);
-    } else {
-      return;
-    }
-    term();
-  }
 }
 
 Select Parser::ParseSelect() {
@@ -80,12 +51,6 @@ SelectItem Parser::ParseSelectItem() {
     item.expr = ParseExpr();
     return item;
   }
-  if (AtAlias() && PeekSecond().IsSymbol("=")) {  // alias = value
-    item.alias = TakeAlias();
-    Take();
-    item.expr = ParseExpr();
-    return item;
-  }
   item.expr = ParseExpr();
   if (Accept("as")) {
     item.alias = TakeAlias();
@@ -113,10 +78,8 @@ void Parser::ParseJoins(std::vector<FromItem>& items) {
     if (Accept("cross")) {
       kind = JoinKind::Cross;
       Expect("join");
-    } else if (token_.Is("left") || token_.Is("right") || token_.Is("full")) {
-      kind = token_.Is("left")    ? JoinKind::Left
-             : token_.Is("right") ? JoinKind::Right
-                                  : JoinKind::Full;
+    } else if (token_.Is("left") || token_.Is("right")) {
+      kind = token_.Is("left") ? JoinKind::Left : JoinKind::Right;
       Take();
       Accept("outer");
       Expect("join");
@@ -127,16 +90,6 @@ void Parser::ParseJoins(std::vector<FromItem>& items) {
     }
     FromItem item = ParseFromPrimary();
     item.join = kind;
-    // "a join b join c on ... on ...": what follows before ON belongs to the right side.
-    std::vector<FromItem> nested;
-    if (kind != JoinKind::Cross && !token_.Is("on")) {
-      nested.push_back(std::move(item));
-      nested.front().join = JoinKind::Cross;
-      ParseJoins(nested);
-      item = FromItem();
-      item.join = kind;
-      item.group = std::move(nested);
-    }
     if (kind != JoinKind::Cross) {
       Expect("on");
       item.on = ParseExpr();
@@ -164,20 +117,7 @@ FromItem Parser::ParseFromPrimary() {
   if (Accept("as") || AtAlias()) item.alias = TakeAlias();
   if (item.query && item.alias.empty()) Fail();
   if (token_.IsSymbol("(") && item.query) item.column_aliases = TakeNameList();
-  SkipTableHints();
   return item;
-}
-
-void Parser::SkipTableHints() {
-  const bool hints = token_.Is("with") && PeekSecond().IsSymbol("(");
-  if (!hints && !(token_.IsSymbol("(") && PeekSecond().Is("nolock"))) return;
-  if (hints) Take();
-  ExpectSymbol("(");
-  for (int depth = 1; depth > 0;) {
-    if (token_.kind == TokenKind::End) Fail();
-    const Token token = Take();
-    depth += token.IsSymbol("(") ? 1 : token.IsSymbol(")") ? -1 : 0;
-  }
 }
 
 std::vector<OrderItem> Parser::ParseOrderList() {

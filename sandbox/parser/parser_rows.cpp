@@ -33,7 +33,6 @@ Statement Parser::ParseInsert() {
   Accept("into");
   InsertStatement insert;
   insert.table = TakeObjectName();
-  SkipTableHints();
   if (token_.IsSymbol("(") && !PeekSecond().Is("select")) insert.columns = TakeNameList();
   if (Accept("default")) {
     Expect("values");
@@ -54,16 +53,14 @@ Statement Parser::ParseUpdate() {
   Expect("update");
   UpdateStatement update;
   update.table = TakeObjectName();
-  SkipTableHints();
   Expect("set");
   do {
     Assignment assignment;
     assignment.column = TakeObjectName().name;
     ExpectSymbol("=");
-    if (!Accept("default")) assignment.value = ParseSum();
+    assignment.value = ParseSum();
     update.assignments.push_back(std::move(assignment));
   } while (AcceptSymbol(","));
-  if (Accept("from")) update.from = ParseFrom();
   if (Accept("where")) update.where = ParseExpr();
   return {1, std::move(update)};
 }
@@ -73,8 +70,6 @@ Statement Parser::ParseDelete() {
   DeleteStatement remove;
   Accept("from");
   remove.table = TakeObjectName();
-  SkipTableHints();
-  if (Accept("from")) remove.from = ParseFrom();
   if (Accept("where")) remove.where = ParseExpr();
   return {1, std::move(remove)};
 }

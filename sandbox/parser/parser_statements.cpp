@@ -21,7 +21,6 @@ Statement Parser::ParseKeyword() {
     std::string_view word;
     Handler parse;
   };
-  using Jump = JumpStatement::Kind;
   using Transaction = TransactionStatement::Kind;
   static constexpr std::array kEntries{
       Entry{"select",
@@ -38,22 +37,13 @@ Statement Parser::ParseKeyword() {
       Entry{"declare", [](Parser& p) { return p.ParseDeclare(); }},
       Entry{"set", [](Parser& p) { return p.ParseSet(); }},
       Entry{"if", [](Parser& p) { return p.ParseIf(); }},
-      Entry{"while", [](Parser& p) { return p.ParseWhile(); }},
       Entry{"exec", [](Parser& p) { return p.ParseExecute(false); }},
       Entry{"execute", [](Parser& p) { return p.ParseExecute(false); }},
       Entry{"commit", [](Parser& p) { return p.ParseTransaction(Transaction::Commit); }},
       Entry{"rollback", [](Parser& p) { return p.ParseTransaction(Transaction::Rollback); }},
       Entry{"raiserror", [](Parser& p) { return p.ParseRaise(); }},
-      Entry{"break", [](Parser& p) { return p.ParseJump(Jump::Break); }},
-      Entry{"continue", [](Parser& p) { return p.ParseJump(Jump::Continue); }},
-      Entry{"return", [](Parser& p) { return p.ParseJump(Jump::Return); }},
       Entry{"waitfor", [](Parser& p) { return p.ParseWait(); }},
       Entry{"use", [](Parser& p) { return p.ParseUse(); }},
-      Entry{"print",
-            [](Parser& p) {
-              p.Take();
-              return Statement{1, PrintStatement{p.ParseExpr()}};
-            }},
       Entry{"truncate",
             [](Parser& p) {
               p.Take();
@@ -61,7 +51,6 @@ Statement Parser::ParseKeyword() {
               return Statement{1, TruncateStatement{p.TakeObjectName()}};
             }},
   };
-  if (token_.IsSymbol("(")) return {1, SelectStatement{ParseQuery()}};
   for (const Entry& entry : kEntries) {
     if (token_.Is(entry.word)) return entry.parse(*this);
   }
@@ -138,8 +127,7 @@ Statement Parser::ParseDeclare() {
     DeclareItem item;
     item.name = LowerText(Take().text);
     Accept("as");
-    item.type =
-        ParseType(static_cast<int>(declare.items.size()) + 1, item.name, 1, &item.alias_type);
+    item.type = ParseType(static_cast<int>(declare.items.size()) + 1, item.name);
     if (AcceptSymbol("=")) item.value = ParseExpr();
     declare.items.push_back(std::move(item));
   } while (AcceptSymbol(","));
@@ -151,20 +139,8 @@ Statement Parser::ParseSet() {
   if (token_.kind == TokenKind::Variable) {
     SetVariableStatement set;
     set.name = LowerText(Take().text);
-    const Token symbol = Take();
-    if (symbol.IsSymbol("=")) {
-      set.value = ParseExpr();
-      return {1, std::move(set)};
-    }
-    if (symbol.kind != TokenKind::Symbol || symbol.text.size() != 2 || symbol.text[1] != '=')
-      Fail();
-    ExprPtr sum = NewExpr(ExprKind::Binary);
-    sum->text.assign(1, symbol.text[0]);
-    ExprPtr variable = NewExpr(ExprKind::Variable);
-    variable->text = set.name;
-    sum->args.push_back(std::move(variable));
-    sum->args.push_back(ParseExpr());
-    set.value = std::move(sum);
+    ExpectSymbol("=");
+    set.value = ParseExpr();
     return {1, std::move(set)};
   }
   SetOptionStatement option;
@@ -208,21 +184,9 @@ Statement Parser::ParseIf() {
   return {1, std::move(branch)};
 }
 
-Statement Parser::ParseWhile() {
-  Expect("while");
-  WhileStatement loop;
-  loop.condition = ParseExpr();
-  loop.body = ParseStatement();
-  return {1, std::move(loop)};
-}
-
 Statement Parser::ParseExecute(bool without_keyword) {
   if (!without_keyword) Take();
   ExecuteStatement execute;
-  if (token_.kind == TokenKind::Variable && PeekSecond().IsSymbol("=")) {
-    execute.status_variable = LowerText(Take().text);
-    Take();
-  }
   execute.procedure = TakeObjectName();
   const auto at_argument = [&] {
     return token_.kind == TokenKind::Variable || IsLiteralToken(token_) || token_.IsSymbol("-") ||
@@ -246,10 +210,7 @@ Statement Parser::ParseExecute(bool without_keyword) {
         argument.value->literal = {std::string(word.text), {SqlType::NVarChar, 4000, 0, 0}, false};
       }
     } else {
-      const bool variable = token_.kind == TokenKind::Variable;
-      const std::string name = LowerText(token_.text);
       argument.value = ParseUnary();
-      if (variable && (Accept("output") || Accept("out"))) argument.output_variable = name;
     }
     execute.arguments.push_back(std::move(argument));
   } while (AcceptSymbol(","));
@@ -268,15 +229,6 @@ Statement Parser::ParseRaise() {
     } while (AcceptSymbol(","));
   }
   return {1, std::move(raise)};
-}
-
-Statement Parser::ParseJump(JumpStatement::Kind kind) {
-  Take();
-  JumpStatement jump{kind, nullptr};
-  const bool value = IsLiteralToken(token_) || token_.kind == TokenKind::Variable ||
-                     token_.IsSymbol("(") || token_.IsSymbol("-");
-  if (kind == JumpStatement::Kind::Return && value) jump.value = ParseExpr();
-  return {1, std::move(jump)};
 }
 
 Statement Parser::ParseWait() {

@@ -102,10 +102,6 @@ const SchemaDef* Catalog::FindSchema(std::string_view name) const {
   return FindNamed(schemas, name);
 }
 
-const UserDef* Catalog::FindUser(std::string_view name) const {
-  return FindNamed(users, name);
-}
-
 const AliasTypeDef* Catalog::FindType(std::string_view schema, std::string_view name) const {
   for (const AliasTypeDef& type : types) {
     if (SameName(type.name, name) && SameName(type.schema, schema)) return &type;

@@ -173,7 +173,6 @@ struct Catalog {
   const SchemaDef* FindSchema(std::string_view name) const;
   /// The id of a schema that an object is in.
   int SchemaId(std::string_view name) const { return FindSchema(name)->id; }
-  const UserDef* FindUser(std::string_view name) const;
   const AliasTypeDef* FindType(std::string_view schema, std::string_view name) const;
   const TableDef* FindTable(std::string_view schema, std::string_view name) const;
   const ViewDef* FindView(std::string_view schema, std::string_view name) const;

@@ -11,14 +11,14 @@ namespace sandbox::tds {
 
 namespace {
 
-std::vector<WireType> ReadColumns(ByteReader& reader, ProtocolVersion version) {
+std::vector<WireType> ReadColumns(ByteReader& reader) {
   if (static_cast<Token>(reader.U8()) != Token::ColMetadata) {
     throw ProtocolError("a bulk load starts without its columns");
   }
   std::vector<WireType> columns(reader.U16());
   for (WireType& column : columns) {
-    reader.Skip(version >= ProtocolVersion::V72 ? 4 : 2);  // user type
-    reader.Skip(2);                                        // flags
+    reader.Skip(4);  // user type
+    reader.Skip(2);  // flags
     column = ReadTypeInfo(reader);
     if (column.shape == WireShape::Long) reader.Skip(2U * reader.U16());  // table name
     reader.Skip(2U * reader.U8());                                        // column name
@@ -43,9 +43,8 @@ bool IsInsertBulk(std::string_view batch) {
   return IsWord(NextWord(batch), "insert") && IsWord(NextWord(batch), "bulk");
 }
 
-void LoadRows(ByteReader& reader, ProtocolVersion version, BulkTarget& target,
-              ResultWriter& results) {
-  std::vector<WireType> columns = ReadColumns(reader, version);
+void LoadRows(ByteReader& reader, BulkTarget& target, ResultWriter& results) {
+  std::vector<WireType> columns = ReadColumns(reader);
   if (columns.size() != target.Columns().size()) {
     throw ProtocolError("a bulk load's columns are not those it announced");
   }

@@ -4,7 +4,6 @@
 
 #include "sandbox/engine/engine.h"
 #include "sandbox/tds/byte_reader.h"
-#include "sandbox/tds/protocol_version.h"
 #include "sandbox/tds/result_writer.h"
 
 namespace sandbox::tds {
@@ -14,7 +13,6 @@ bool IsInsertBulk(std::string_view batch);
 
 /// Hands the rows of a bulk load to `target` as they arrive. The first refused row ends the load;
 /// what follows it is read and dropped. Throws ProtocolError, MessageWithdrawn.
-void LoadRows(ByteReader& reader, ProtocolVersion version, BulkTarget& target,
-              ResultWriter& results);
+void LoadRows(ByteReader& reader, BulkTarget& target, ResultWriter& results);
 
 }  // namespace sandbox::tds

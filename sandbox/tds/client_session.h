@@ -6,7 +6,6 @@
 
 #include "sandbox/engine/engine.h"
 #include "sandbox/tds/packet_stream.h"
-#include "sandbox/tds/protocol_version.h"
 
 namespace sandbox::tds {
 
@@ -15,7 +14,6 @@ struct ClientSession {
   explicit ClientSession(int socket) : stream(socket) {}
 
   PacketStream stream;
-  ProtocolVersion version = ProtocolVersion::V74;
   std::unique_ptr<EngineSession> engine;
   std::string login;
   std::string login_database;

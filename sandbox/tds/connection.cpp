@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "sandbox/tds/bulk_load.h"
+#include "sandbox/tds/procedures.h"
 #include "sandbox/tds/request_header.h"
-#include "sandbox/tds/transaction_request.h"
 #include "sandbox/text/utf16.h"
 
 namespace sandbox::tds {
@@ -58,12 +58,12 @@ void Connection::ServeUnlessWithdrawn(MessageType type) {
 void Connection::ReportBrokenStream() {
   ByteWriter& out = client_.stream.Out();
   out.bytes().clear();
-  WriteMessage(out, client_.version,
+  WriteMessage(out,
                {.number = 4002,
                 .text = "The incoming tabular data stream (TDS) protocol stream is incorrect. The "
                         "stream ended unexpectedly.",
                 .procedure = {}});
-  WriteDone(out, client_.version, Token::Done, DoneError, 0);
+  WriteDone(out, Token::Done, DoneError, 0);
   client_.stream.EndReply();
 }
 
@@ -73,8 +73,6 @@ void Connection::Serve(MessageType type) {
       return ServeBatch();
     case MessageType::Rpc:
       return ServeProcedures();
-    case MessageType::TransactionManager:
-      return ServeTransaction();
     case MessageType::BulkLoad:
       return ServeBulkLoad();
     case MessageType::Attention:
@@ -86,7 +84,7 @@ void Connection::Serve(MessageType type) {
 
 void Connection::ServeBatch() {
   ByteReader reader(client_.stream);
-  SkipAllHeaders(reader, client_.version);
+  SkipAllHeaders(reader);
   std::string batch;
   Utf16Decoder decoder;
   reader.EachPiece(kLongestBatch, [&](std::string_view piece) { decoder.Append(piece, batch); });
@@ -102,18 +100,10 @@ void Connection::ServeBatch() {
 
 void Connection::ServeProcedures() {
   ByteReader reader(client_.stream);
-  std::vector<RpcRequest> requests = ReadRpcRequests(reader, client_.version);
+  std::vector<RpcRequest> requests = ReadRpcRequests(reader);
   RunRequest(ResultWriter::Request::Procedure, [&](ResultWriter& results) {
-    for (RpcRequest& request : requests) procedures_.Run(*client_.engine, request, results);
+    for (RpcRequest& request : requests) RunProcedure(*client_.engine, request, results);
   });
-}
-
-void Connection::ServeTransaction() {
-  ByteReader reader(client_.stream);
-  SkipAllHeaders(reader, client_.version);
-  std::string batch = TransactionBatch(reader);
-  RunRequest(ResultWriter::Request::Batch,
-             [&](ResultWriter& results) { client_.engine->Execute(batch, results); });
 }
 
 void Connection::ServeBulkLoad() {
@@ -123,14 +113,14 @@ void Connection::ServeBulkLoad() {
   ByteReader reader(client_.stream);
   ResultWriter results(client_, ResultWriter::Request::Batch);
   client_.engine->cancel = false;
-  LoadRows(reader, client_.version, *target, results);
+  LoadRows(reader, *target, results);
   client_.stream.SkipMessage();
   results.Finish();
   client_.stream.EndReply();
 }
 
 void Connection::ConfirmAttention() {
-  WriteDone(client_.stream.Out(), client_.version, Token::Done, DoneAttention, 0);
+  WriteDone(client_.stream.Out(), Token::Done, DoneAttention, 0);
   client_.stream.EndReply();
 }
 
@@ -138,7 +128,6 @@ void Connection::StartFresh() {
   client_.engine = engine_.OpenSession(client_.login);
   client_.engine->UseDatabase(client_.login_database);
   client_.transaction = 0;
-  procedures_.ForgetAll();
 }
 
 void Connection::RunRequest(ResultWriter::Request kind,

@@ -7,7 +7,6 @@
 #include "sandbox/tds/attention_watch.h"
 #include "sandbox/tds/client_session.h"
 #include "sandbox/tds/login_phase.h"
-#include "sandbox/tds/procedures.h"
 #include "sandbox/tds/result_writer.h"
 
 namespace sandbox::tds {
@@ -25,7 +24,6 @@ class Connection {
   void Serve(MessageType type);
   void ServeBatch();
   void ServeProcedures();
-  void ServeTransaction();
   void ServeBulkLoad();
   void ServeUnlessWithdrawn(MessageType type);
   void ConfirmAttention();
@@ -38,7 +36,6 @@ class Connection {
   const Credentials& credentials_;
   AttentionWatch& watch_;
   ClientSession client_;
-  Procedures procedures_;
   std::unique_ptr<BulkTarget> bulk_target_;
 };
 

@@ -14,6 +14,9 @@ namespace sandbox::tds {
 namespace {
 
 constexpr std::size_t kLongestHandshake = 128 * 1024;
+// Protocol versions 7.3 and 7.4, which are alike in all that this server sends.
+constexpr std::uint32_t kOldestVersion = 0x73000000;
+constexpr std::uint32_t kNewestVersion = 0x74000004;
 constexpr char kMaster[] = "master";
 constexpr char kLanguage[] = "us_english";
 
@@ -44,7 +47,7 @@ ServerMessage NoIntegratedLogin() {
 ServerMessage ProtocolTooOld() {
   return {.number = 17803,
           .severity = 20,
-          .text = "The client's protocol version is not supported; 7.1 is the oldest that is.",
+          .text = "The client's protocol version is not supported; 7.3 is the oldest that is.",
           .procedure = {}};
 }
 
@@ -74,9 +77,7 @@ bool Matches(const Login& login, const Credentials& credentials) {
 /// Opens the session; on failure returns what to tell the client.
 std::vector<ServerMessage> Admit(ClientSession& client, const Login& login, Engine& engine,
                                  const Credentials& credentials) {
-  auto version = NegotiateVersion(login.version);
-  if (!version) return {ProtocolTooOld()};
-  client.version = *version;
+  if (login.version < kOldestVersion) return {ProtocolTooOld()};
   if (login.integrated) return {NoIntegratedLogin()};
   if (!Matches(login, credentials) && !engine.MayLogIn(login.user, login.password))
     return {LoginFailed(login.user)};
@@ -89,8 +90,8 @@ std::vector<ServerMessage> Admit(ClientSession& client, const Login& login, Engi
 
 void Refuse(ClientSession& client, const std::vector<ServerMessage>& reasons) {
   ByteWriter& out = client.stream.Out();
-  for (const ServerMessage& reason : reasons) WriteMessage(out, client.version, reason);
-  WriteDone(out, client.version, Token::Done, DoneError, 0);
+  for (const ServerMessage& reason : reasons) WriteMessage(out, reason);
+  WriteDone(out, Token::Done, DoneError, 0);
   client.stream.EndReply();
 }
 
@@ -99,24 +100,22 @@ ServerMessage Notice(int number, int state, std::string text) {
       .number = number, .state = state, .severity = 0, .text = std::move(text), .procedure = {}};
 }
 
-void Welcome(ClientSession& client, std::uint32_t wanted_packet_size) {
+void Welcome(ClientSession& client, const Login& login) {
   ByteWriter& out = client.stream.Out();
   const std::string& database = client.engine->Database();
   WriteEnvChange(out, EnvChange::Database, database, kMaster);
-  WriteMessage(out, client.version,
-               Notice(5701, 2, fmt::format("Changed database context to '{}'.", database)));
+  WriteMessage(out, Notice(5701, 2, fmt::format("Changed database context to '{}'.", database)));
   WriteEnvChangeBytes(out, EnvChange::Collation, kCollation, "");
   WriteEnvChange(out, EnvChange::Language, kLanguage, "");
-  WriteMessage(out, client.version,
-               Notice(5703, 1, fmt::format("Changed language setting to {}.", kLanguage)));
-  WriteLoginAck(out, client.version);
+  WriteMessage(out, Notice(5703, 1, fmt::format("Changed language setting to {}.", kLanguage)));
+  WriteLoginAck(out, std::min(login.version, kNewestVersion));
   std::size_t packet_size =
-      wanted_packet_size == 0
+      login.packet_size == 0
           ? kDefaultPacketSize
-          : std::clamp<std::size_t>(wanted_packet_size, kSmallestPacketSize, kLargestPacketSize);
+          : std::clamp<std::size_t>(login.packet_size, kSmallestPacketSize, kLargestPacketSize);
   WriteEnvChange(out, EnvChange::PacketSize, fmt::format("{}", packet_size),
                  fmt::format("{}", kDefaultPacketSize));
-  WriteDone(out, client.version, Token::Done, DoneFinal, 0);
+  WriteDone(out, Token::Done, DoneFinal, 0);
   client.stream.EndReply();
   client.stream.SetPacketSize(packet_size);
 }
@@ -131,7 +130,7 @@ bool LogIn(ClientSession& client, Engine& engine, const Credentials& credentials
     Refuse(client, reasons);
     return false;
   }
-  Welcome(client, login.packet_size);
+  Welcome(client, login);
   return true;
 }
 

@@ -17,7 +17,6 @@ enum class MessageType : std::uint8_t {
   Reply = 4,
   Attention = 6,
   BulkLoad = 7,
-  TransactionManager = 14,
   Login7 = 16,
   PreLogin = 18,
 };

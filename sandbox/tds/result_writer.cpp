@@ -15,19 +15,11 @@ std::string_view DescriptorBytes(const std::uint64_t& id) {
   return {reinterpret_cast<const char*>(&id), sizeof id};
 }
 
-ServerMessage Mismatch(const std::string& what) {
-  return {.number = 8630,
-          .severity = 17,
-          .text = "Internal Query Processor Error: " + what + ".",
-          .procedure = {}};
-}
-
 }  // namespace
 
 ResultWriter::ResultWriter(ClientSession& client, Request request)
     : client_(client),
       out_(client.stream.Out()),
-      version_(client.version),
       request_(request),
       cancel_(client.engine->cancel) {}
 
@@ -40,29 +32,21 @@ void ResultWriter::Flush() {
 
 void ResultWriter::WritePending(std::uint16_t extra_status) {
   if (!pending_) return;
-  WriteDone(out_, version_, pending_->token,
-            static_cast<std::uint16_t>(pending_->status | extra_status), pending_->row_count);
+  WriteDone(out_, pending_->token, static_cast<std::uint16_t>(pending_->status | extra_status),
+            pending_->row_count);
   pending_.reset();
   Flush();
-}
-
-void ResultWriter::WriteUserTypeAndFlags(const WireType& type, std::uint16_t flags) {
-  if (version_ >= ProtocolVersion::V72) {
-    out_.U32(type.user_type);
-  } else {
-    out_.U16(static_cast<std::uint16_t>(type.user_type));
-  }
-  out_.U16(flags);
 }
 
 void ResultWriter::WriteColumn(const ColumnInfo& column, const WireType& type) {
   auto flags = static_cast<std::uint16_t>(UpdatableUnknown | (column.nullable ? Nullable : 0) |
                                           (column.identity ? Identity : 0));
-  WriteUserTypeAndFlags(type, flags);
+  out_.U32(type.user_type);
+  out_.U16(flags);
   WriteTypeInfo(out_, type);
   if (type.shape == WireShape::Long) {
     constexpr std::uint8_t kNameParts = 1;
-    if (version_ >= ProtocolVersion::V72) out_.U8(kNameParts);
+    out_.U8(kNameParts);
     WriteText(out_, "");
   }
   WriteShortText(out_, column.name);
@@ -76,7 +60,7 @@ void ResultWriter::Columns(const std::vector<ColumnInfo>& columns) {
   out_.U8(static_cast<std::uint8_t>(Token::ColMetadata));
   out_.U16(static_cast<std::uint16_t>(columns.size()));
   for (const ColumnInfo& column : columns) {
-    WireType type = MakeWireType(column.type, version_);
+    WireType type = MakeWireType(column.type);
     WriteColumn(column, type);
     encoders_.emplace_back(type);
   }
@@ -93,7 +77,10 @@ void ResultWriter::Row(std::span<const Value> values) {
     for (std::size_t i = 0; i < values.size(); ++i) encoders_[i].Write(out_, values[i]);
   } catch (const std::bad_variant_access&) {
     out_.bytes().resize(start);
-    Message(Mismatch("a value does not match its column's type"));
+    Message({.number = 8630,
+             .severity = 17,
+             .text = "Internal Query Processor Error: a value does not match its column's type.",
+             .procedure = {}});
     result_open_ = false;
   }
   Flush();
@@ -117,7 +104,7 @@ void ResultWriter::CloseStatement() {
 void ResultWriter::Message(const ServerMessage& message) {
   if (Dropped()) return;
   WritePending(DoneMore);
-  WriteMessage(out_, version_, message);
+  WriteMessage(out_, message);
   if (message.severity >= kFirstErrorSeverity) error_open_ = true;
   Flush();
 }
@@ -131,7 +118,7 @@ void ResultWriter::DatabaseChanged(std::string_view database) {
 void ResultWriter::TransactionChanged(std::uint64_t id, bool committed) {
   const std::uint64_t before = client_.transaction;
   client_.transaction = id;
-  if (Dropped() || version_ < ProtocolVersion::V72) return;
+  if (Dropped()) return;
   WritePending(DoneMore);
   EnvChange ended = committed ? EnvChange::CommitTransaction : EnvChange::RollbackTransaction;
   WriteEnvChangeBytes(out_, id != 0 ? EnvChange::BeginTransaction : ended, DescriptorBytes(id),
@@ -150,37 +137,15 @@ void ResultWriter::ReturnStatus(std::int32_t status) {
   pending_ = PendingDone{Token::DoneProc, DoneFinal, 0};
 }
 
-void ResultWriter::OutputParameter(std::uint16_t ordinal, const Parameter& parameter) {
-  constexpr std::uint8_t kOutput = 1;
-  if (Dropped()) return;
-  const std::size_t start = out_.size();
-  try {
-    WireType type = MakeWireType(parameter.type, version_);
-    out_.U8(static_cast<std::uint8_t>(Token::ReturnValue));
-    out_.U16(ordinal);
-    WriteShortText(out_, parameter.name);
-    out_.U8(kOutput);
-    WriteUserTypeAndFlags(type, 0);
-    WriteTypeInfo(out_, type);
-    ValueEncoder(type).Write(out_, parameter.value);
-  } catch (const std::bad_variant_access&) {
-    out_.bytes().resize(start);
-    Message(Mismatch("an output parameter does not match its type"));
-  }
-}
-
 void ResultWriter::ResetAcknowledged() {
   WriteEnvChangeBytes(out_, EnvChange::ResetAck, "", "");
 }
 
-void ResultWriter::EndProcedure(std::span<const Parameter> parameters) {
+void ResultWriter::EndProcedure() {
   if (result_open_) Done(std::nullopt);
   if (Dropped()) return;
   WritePending(DoneMore);
   WriteReturnStatus(out_, return_status_);
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    if (parameters[i].output) OutputParameter(static_cast<std::uint16_t>(i), parameters[i]);
-  }
   pending_ = PendingDone{Token::DoneProc, error_open_ ? DoneError : DoneFinal, 0};
   error_open_ = false;
   return_status_ = 0;
@@ -194,7 +159,7 @@ void ResultWriter::Finish() {
 
 void ResultWriter::FinishCancelled() {
   WritePending(DoneMore);
-  WriteDone(out_, version_, Token::Done, DoneAttention, 0);
+  WriteDone(out_, Token::Done, DoneAttention, 0);
 }
 
 }  // namespace sandbox::tds

@@ -27,11 +27,9 @@ class ResultWriter : public ResultSink {
   void TransactionChanged(std::uint64_t id, bool committed) override;
   void ReturnStatus(std::int32_t status) override;
 
-  /// An output parameter; `ordinal` counts the procedure's parameters from 0.
-  void OutputParameter(std::uint16_t ordinal, const Parameter& parameter);
   void ResetAcknowledged();
-  /// Ends a procedure: its status, its output parameters, and that it is over.
-  void EndProcedure(std::span<const Parameter> parameters);
+  /// Ends a procedure: its status, and that it is over.
+  void EndProcedure();
 
   /// The reply's last token; nothing may follow.
   void Finish();
@@ -48,12 +46,10 @@ class ResultWriter : public ResultSink {
   void WritePending(std::uint16_t extra_status);
   void CloseStatement();
   void WriteColumn(const ColumnInfo& column, const WireType& type);
-  void WriteUserTypeAndFlags(const WireType& type, std::uint16_t flags);
   void Flush();
 
   ClientSession& client_;
   ByteWriter& out_;
-  const ProtocolVersion version_;
   const Request request_;
   std::atomic<bool>& cancel_;
   std::vector<ValueEncoder> encoders_;

@@ -11,7 +11,6 @@ namespace sandbox::tds {
 namespace {
 
 constexpr std::uint16_t kByNumber = 0xFFFF;
-constexpr std::uint8_t kOutput = 0x01;
 
 // Numbers of the procedures that drivers call without their name, from 1.
 constexpr const char* kNumbered[] = {"sp_cursor",        "sp_cursoropen",     "sp_cursorprepare",
@@ -38,7 +37,7 @@ std::string ReadProcedure(ByteReader& reader) {
 Parameter ReadParameter(ByteReader& reader) {
   Parameter parameter;
   parameter.name = Utf16ToUtf8(reader.Bytes(2U * reader.U8()));
-  parameter.output = (reader.U8() & kOutput) != 0;
+  reader.U8();  // flags: nothing here has output parameters
   WireType type = ReadTypeInfo(reader);
   parameter.type = DeclaredType(type);
   parameter.value = ReadValue(reader, type, LongForm::InParameter);
@@ -47,8 +46,8 @@ Parameter ReadParameter(ByteReader& reader) {
 
 }  // namespace
 
-std::vector<RpcRequest> ReadRpcRequests(ByteReader& reader, ProtocolVersion version) {
-  SkipAllHeaders(reader, version);
+std::vector<RpcRequest> ReadRpcRequests(ByteReader& reader) {
+  SkipAllHeaders(reader);
   std::vector<RpcRequest> requests;
   while (!reader.AtEnd()) {
     RpcRequest& request = requests.emplace_back();

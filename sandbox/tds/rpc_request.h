@@ -6,7 +6,6 @@
 
 #include "sandbox/engine/engine.h"
 #include "sandbox/tds/byte_reader.h"
-#include "sandbox/tds/protocol_version.h"
 
 namespace sandbox::tds {
 
@@ -17,7 +16,7 @@ struct RpcRequest {
 };
 
 /// All calls of one message, in their order. Throws ProtocolError.
-std::vector<RpcRequest> ReadRpcRequests(ByteReader& reader, ProtocolVersion version);
+std::vector<RpcRequest> ReadRpcRequests(ByteReader& reader);
 
 /// The names in a parameter list such as "@id int, @price decimal(9, 2) output", in their order.
 std::vector<std::string> DeclaredParameterNames(std::string_view declarations);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "sandbox/values/ticks.h"
 #include "sandbox/values/types.h"
@@ -29,8 +28,5 @@ DateTimeValue ToLocal(const DateTimeValue& utc);
 
 /// 10 to the power of 7 - scale: how many ticks make one unit of a time with that scale.
 std::int64_t TicksPerUnit(int scale);
-
-/// As SQL Server writes a date, time, datetime2 or datetimeoffset of this scale.
-std::string DateTimeText(const DateTimeValue& value, SqlType type, int scale);
 
 }  // namespace sandbox::tds

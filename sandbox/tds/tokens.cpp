@@ -52,7 +52,7 @@ void WriteText(ByteWriter& out, std::string_view utf8) {
   out.Raw(text);
 }
 
-void WriteMessage(ByteWriter& out, ProtocolVersion version, const ServerMessage& message) {
+void WriteMessage(ByteWriter& out, const ServerMessage& message) {
   SizedToken token(out, message.severity > kInformation ? Token::Error : Token::Info);
   out.Write(message.number);
   out.U8(static_cast<std::uint8_t>(message.state));
@@ -61,11 +61,7 @@ void WriteMessage(ByteWriter& out, ProtocolVersion version, const ServerMessage&
   WriteText(out, message.text);
   WriteShortText(out, kServerName);
   WriteShortText(out, message.procedure);
-  if (version >= ProtocolVersion::V72) {
-    out.U32(static_cast<std::uint32_t>(message.line));
-  } else {
-    out.U16(static_cast<std::uint16_t>(message.line));
-  }
+  out.U32(static_cast<std::uint32_t>(message.line));
 }
 
 void WriteEnvChange(ByteWriter& out, EnvChange what, std::string_view now,
@@ -86,28 +82,23 @@ void WriteEnvChangeBytes(ByteWriter& out, EnvChange what, std::string_view now,
   }
 }
 
-void WriteLoginAck(ByteWriter& out, ProtocolVersion version) {
+void WriteLoginAck(ByteWriter& out, std::uint32_t version) {
   constexpr std::uint8_t kTransactSql = 1;
   constexpr std::uint32_t kServerVersion = 0x0F0007D0;  // 15.0.2000
   using std::string_view_literals::operator""sv;
   SizedToken token(out, Token::LoginAck);
   out.U8(kTransactSql);
-  out.U32BigEndian(AcknowledgedVersion(version));
+  out.U32BigEndian(version);
   WriteShortText(out, "Microsoft SQL Server\0\0"sv);
   out.U32BigEndian(kServerVersion);
 }
 
-void WriteDone(ByteWriter& out, ProtocolVersion version, Token token, std::uint16_t status,
-               std::uint64_t row_count) {
+void WriteDone(ByteWriter& out, Token token, std::uint16_t status, std::uint64_t row_count) {
   constexpr std::uint16_t kNoCommand = 0;
   out.U8(static_cast<std::uint8_t>(token));
   out.U16(status);
   out.U16(kNoCommand);
-  if (version >= ProtocolVersion::V72) {
-    out.U64(row_count);
-  } else {
-    out.U32(static_cast<std::uint32_t>(row_count));
-  }
+  out.U64(row_count);
 }
 
 void WriteReturnStatus(ByteWriter& out, std::int32_t status) {

@@ -5,7 +5,6 @@
 
 #include "sandbox/engine/engine.h"
 #include "sandbox/tds/byte_writer.h"
-#include "sandbox/tds/protocol_version.h"
 
 namespace sandbox::tds {
 
@@ -51,15 +50,14 @@ constexpr std::string_view kCollation{"\x09\x04\xD0\x00\x34", 5};
 void WriteShortText(ByteWriter& out, std::string_view utf8);
 void WriteText(ByteWriter& out, std::string_view utf8);
 
-void WriteMessage(ByteWriter& out, ProtocolVersion version, const ServerMessage& message);
+void WriteMessage(ByteWriter& out, const ServerMessage& message);
 /// Values as text, for the database, the language and the packet size.
 void WriteEnvChange(ByteWriter& out, EnvChange what, std::string_view now, std::string_view before);
 /// Values as bytes, for the collation and transaction descriptors.
 void WriteEnvChangeBytes(ByteWriter& out, EnvChange what, std::string_view now,
                          std::string_view before);
-void WriteLoginAck(ByteWriter& out, ProtocolVersion version);
-void WriteDone(ByteWriter& out, ProtocolVersion version, Token token, std::uint16_t status,
-               std::uint64_t row_count);
+void WriteLoginAck(ByteWriter& out, std::uint32_t version);
+void WriteDone(ByteWriter& out, Token token, std::uint16_t status, std::uint64_t row_count);
 void WriteReturnStatus(ByteWriter& out, std::int32_t status);
 
 }  // namespace sandbox::tds

@@ -153,8 +153,6 @@ Value DecodeValue(const WireType& type, std::string body) {
     case WireCode::Money:
     case WireCode::MoneyN:
       return Money(body);
-    case WireCode::Decimal:
-    case WireCode::Numeric:
     case WireCode::DecimalN:
     case WireCode::NumericN:
       return Decimal(body, type.scale);
@@ -177,14 +175,10 @@ Value DecodeValue(const WireType& type, std::string body) {
     case WireCode::NText:
     case WireCode::Xml:
       return Utf16ToUtf8(body);
-    case WireCode::ShortChar:
-    case WireCode::ShortVarChar:
     case WireCode::Char:
     case WireCode::VarChar:
     case WireCode::Text:
       return FromCodePage(body);
-    case WireCode::Null:
-      return {};
     default:
       return BinaryValue{std::move(body)};
   }

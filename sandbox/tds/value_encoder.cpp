@@ -126,13 +126,8 @@ void GuidBody(ByteWriter& out, const WireType&, const Value& value) {
   for (int at : kOrder) out.U8(guid.bytes[at]);
 }
 
-// Dates are text for clients that know no date types.
-void UnicodeBody(ByteWriter& out, const WireType& type, const Value& value) {
-  if (const auto* moment = std::get_if<DateTimeValue>(&value)) {
-    AppendUtf16(DateTimeText(*moment, type.sql_type, type.scale), out.bytes());
-  } else {
-    AppendUtf16(std::get<std::string>(value), out.bytes());
-  }
+void UnicodeBody(ByteWriter& out, const WireType&, const Value& value) {
+  AppendUtf16(std::get<std::string>(value), out.bytes());
 }
 
 void AnsiBody(ByteWriter& out, const WireType&, const Value& value) {
@@ -254,20 +249,9 @@ VariantForm FormOfText() {
           std::string(kCollation) + SizeProperty(kGreatest), UnicodeBody};
 }
 
-VariantForm FormOfLaterDate(SqlType type) {
-  VariantForm form = FormOfText();
-  form.type.sql_type = type;
-  form.type.scale = kFullScale;
-  return form;
-}
-
-VariantForm FormOfMoment(const DateTimeValue& moment, bool knows_date_types) {
+VariantForm FormOfMoment(const DateTimeValue& moment) {
   if (moment.offset_minutes == 0 && FitsLegacy(moment)) {
     return {PlainType(WireCode::DateTime, 8), "", LegacyDateTimeBody};
-  }
-  if (!knows_date_types) {
-    return FormOfLaterDate(moment.offset_minutes != 0 ? SqlType::DateTimeOffset
-                                                      : SqlType::DateTime2);
   }
   if (moment.offset_minutes != 0) {
     return {PlainType(WireCode::DateTimeOffsetN, 10, kFullScale), Bytes({kFullScale}),
@@ -276,7 +260,7 @@ VariantForm FormOfMoment(const DateTimeValue& moment, bool knows_date_types) {
   return {PlainType(WireCode::DateTime2N, 8, kFullScale), Bytes({kFullScale}), DateTime2Body};
 }
 
-VariantForm FormOfVariant(const Value& value, bool knows_date_types) {
+VariantForm FormOfVariant(const Value& value) {
   constexpr std::uint16_t kGreatest = 8000;
   if (std::holds_alternative<bool>(value)) return {PlainType(WireCode::Bit, 1), "", IntegerBody};
   if (const auto* integer = std::get_if<std::int64_t>(&value)) return FormOfInteger(*integer);
@@ -288,8 +272,7 @@ VariantForm FormOfVariant(const Value& value, bool knows_date_types) {
     return {PlainType(WireCode::NumericN, DecimalSize(kPrecision), decimal->scale),
             Bytes({kPrecision, decimal->scale}), DecimalBody};
   }
-  if (const auto* moment = std::get_if<DateTimeValue>(&value))
-    return FormOfMoment(*moment, knows_date_types);
+  if (const auto* moment = std::get_if<DateTimeValue>(&value)) return FormOfMoment(*moment);
   if (std::holds_alternative<GuidValue>(value)) {
     return {PlainType(WireCode::Guid, 16), "", GuidBody};
   }
@@ -299,8 +282,8 @@ VariantForm FormOfVariant(const Value& value, bool knows_date_types) {
   return FormOfText();
 }
 
-void Variant(ByteWriter& out, const WireType& type, const Value& value) {
-  VariantForm form = FormOfVariant(value, type.knows_date_types);
+void Variant(ByteWriter& out, const WireType&, const Value& value) {
+  VariantForm form = FormOfVariant(value);
   out.U32(0);
   std::size_t start = out.size();
   out.U8(static_cast<std::uint8_t>(form.type.code));

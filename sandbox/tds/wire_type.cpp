@@ -8,16 +8,8 @@ namespace sandbox::tds {
 
 namespace {
 
-struct Form {
-  SqlType sql_type;
-  WireCode code;
-  WireShape shape;
-  std::uint32_t size;  // of a value; for Short and Long, of one character or byte
-  bool collated = false;
-};
-
-// In the order of SqlType.
-constexpr Form kForms[] = {
+// In the order of SqlType; then the forms that only clients use.
+constexpr WireForm kForms[] = {
     {SqlType::Bit, WireCode::BitN, WireShape::Sized, 1},
     {SqlType::TinyInt, WireCode::IntN, WireShape::Sized, 1},
     {SqlType::SmallInt, WireCode::IntN, WireShape::Sized, 2},
@@ -48,45 +40,23 @@ constexpr Form kForms[] = {
     {SqlType::Timestamp, WireCode::Binary, WireShape::Short, 1},
     {SqlType::UniqueIdentifier, WireCode::Guid, WireShape::Sized, 16},
     {SqlType::Variant, WireCode::Variant, WireShape::Variant, kVariantSize},
+    {SqlType::Bit, WireCode::Bit, WireShape::Bare, 1},
+    {SqlType::TinyInt, WireCode::Int1, WireShape::Bare, 1},
+    {SqlType::SmallInt, WireCode::Int2, WireShape::Bare, 2},
+    {SqlType::Int, WireCode::Int4, WireShape::Bare, 4},
+    {SqlType::BigInt, WireCode::Int8, WireShape::Bare, 8},
+    {SqlType::SmallMoney, WireCode::Money4, WireShape::Bare, 4},
+    {SqlType::Money, WireCode::Money, WireShape::Bare, 8},
+    {SqlType::Real, WireCode::Float4, WireShape::Bare, 4},
+    {SqlType::Float, WireCode::Float8, WireShape::Bare, 8},
+    {SqlType::SmallDateTime, WireCode::DateTime4, WireShape::Bare, 4},
+    {SqlType::DateTime, WireCode::DateTime, WireShape::Bare, 8},
 };
-
-const Form& FormOf(SqlType type) {
-  return kForms[static_cast<int>(type)];
-}
 
 constexpr std::uint32_t kUserTypeTimestamp = 80;
 constexpr std::uint32_t kTimestampSize = 8;
 constexpr std::uint32_t kGreatestShort = 8000;
 constexpr std::uint32_t kGreatestLong = 0x7FFFFFFF;
-
-/// The type that a client too old for `type` gets in its place.
-TypeInfo OlderForm(const TypeInfo& type, ProtocolVersion version) {
-  const bool dates_as_text = version < ProtocolVersion::V73;
-  const bool max_as_text = version < ProtocolVersion::V72;
-  const bool max = type.length < 0;
-  const int fraction = type.scale > 0 ? type.scale + 1 : 0;
-  const auto text = [](int length) { return TypeInfo{SqlType::NVarChar, length, 0, 0}; };
-  switch (type.type) {
-    case SqlType::Date:
-      return dates_as_text ? text(10) : type;
-    case SqlType::Time:
-      return dates_as_text ? text(8 + fraction) : type;
-    case SqlType::DateTime2:
-      return dates_as_text ? text(19 + fraction) : type;
-    case SqlType::DateTimeOffset:
-      return dates_as_text ? text(26 + fraction) : type;
-    case SqlType::VarChar:
-      return max_as_text && max ? TypeInfo{SqlType::Text} : type;
-    case SqlType::NVarChar:
-      return max_as_text && max ? TypeInfo{SqlType::NText} : type;
-    case SqlType::VarBinary:
-      return max_as_text && max ? TypeInfo{SqlType::Image} : type;
-    case SqlType::Xml:
-      return max_as_text ? TypeInfo{SqlType::NText} : type;
-    default:
-      return type;
-  }
-}
 
 void MeasureShort(WireType& wire, const TypeInfo& type, std::uint32_t unit) {
   if (type.length < 0) {
@@ -100,6 +70,10 @@ void MeasureShort(WireType& wire, const TypeInfo& type, std::uint32_t unit) {
 
 }  // namespace
 
+std::span<const WireForm> WireForms() {
+  return kForms;
+}
+
 std::uint32_t DecimalSize(int precision) {
   if (precision <= 9) return 5;
   if (precision <= 19) return 9;
@@ -111,18 +85,15 @@ std::uint32_t TimeSize(int scale) {
   return scale <= 4 ? 4 : 5;
 }
 
-WireType MakeWireType(const TypeInfo& declared, ProtocolVersion version) {
-  const TypeInfo type = OlderForm(declared, version);
-  const Form& form = FormOf(type.type);
+WireType MakeWireType(const TypeInfo& type) {
+  const WireForm& form = kForms[static_cast<int>(type.type)];
   WireType wire{.code = form.code,
                 .shape = form.shape,
                 .collated = form.collated,
                 .size = form.size,
                 .precision = static_cast<std::uint8_t>(type.precision),
-                .scale = static_cast<std::uint8_t>(declared.scale),
-                .user_type = 0,
-                .sql_type = declared.type,
-                .knows_date_types = version >= ProtocolVersion::V73};
+                .scale = static_cast<std::uint8_t>(type.scale),
+                .user_type = 0};
   switch (form.shape) {
     case WireShape::Decimal:
       wire.precision = static_cast<std::uint8_t>(std::clamp(type.precision, 1, 38));

@@ -1,39 +1,32 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "sandbox/tds/byte_writer.h"
-#include "sandbox/tds/protocol_version.h"
 #include "sandbox/values/types.h"
 
 namespace sandbox::tds {
 
 /// The type codes of the protocol.
 enum class WireCode : std::uint8_t {
-  Null = 0x1F,
   Image = 0x22,
   Text = 0x23,
   Guid = 0x24,
-  ShortVarBinary = 0x25,
   IntN = 0x26,
-  ShortVarChar = 0x27,
   DateN = 0x28,
   TimeN = 0x29,
   DateTime2N = 0x2A,
   DateTimeOffsetN = 0x2B,
-  ShortBinary = 0x2D,
-  ShortChar = 0x2F,
   Int1 = 0x30,
   Bit = 0x32,
   Int2 = 0x34,
-  Decimal = 0x37,
   Int4 = 0x38,
   DateTime4 = 0x3A,
   Float4 = 0x3B,
   Money = 0x3C,
   DateTime = 0x3D,
   Float8 = 0x3E,
-  Numeric = 0x3F,
   Variant = 0x62,
   NText = 0x63,
   BitN = 0x68,
@@ -67,7 +60,19 @@ enum class WireShape {
   Variant,  // four bytes of greatest size; four bytes of length, then type and value
 };
 
-/// A column's or output parameter's type as one client sees it.
+/// How a type of the server's travels.
+struct WireForm {
+  SqlType sql_type;
+  WireCode code;
+  WireShape shape;
+  std::uint32_t size;  // of a value; for Short and Long, of one character or byte
+  bool collated = false;
+};
+
+/// Every form; the first with a code is the one that the server sends.
+std::span<const WireForm> WireForms();
+
+/// A column's or parameter's type on the wire.
 struct WireType {
   WireCode code = WireCode::IntN;
   WireShape shape = WireShape::Sized;
@@ -76,12 +81,9 @@ struct WireType {
   std::uint8_t precision = 0;
   std::uint8_t scale = 0;
   std::uint32_t user_type = 0;
-  SqlType sql_type = SqlType::Int;
-  bool knows_date_types = true;  // else a variant holds later dates as text
 };
 
-/// Older clients get later types in the form SQL Server gives them: dates as text, (max) as text.
-WireType MakeWireType(const TypeInfo& type, ProtocolVersion version);
+WireType MakeWireType(const TypeInfo& type);
 
 void WriteTypeInfo(ByteWriter& out, const WireType& type);
 

@@ -1,7 +1,5 @@
 #include "sandbox/values/convert.h"
 
-#include <cmath>
-
 #include "sandbox/values/convert_parts.h"
 #include "sandbox/values/datetime_text.h"
 #include "sandbox/values/errors.h"
@@ -31,13 +29,7 @@ Value ToDateTime(const Value& value, const TypeInfo& from, const TypeInfo& to) {
       time.days = static_cast<std::int32_t>(kDaysTo1900);
     }
   } else {
-    const bool whole = to.type == SqlType::DateTime || to.type == SqlType::SmallDateTime;
-    if (!whole || value.index() > 4) Raise(206, TypeName(from), TypeName(to));
-    const double days = std::get<double>(ToApproximate(value, from, FloatType()));
-    if (std::fabs(days) > 4e6) Raise(8115, "expression", TypeName(to));
-    const double day = std::floor(days);
-    time.days = static_cast<std::int32_t>(day + static_cast<double>(kDaysTo1900));
-    time.ticks = static_cast<std::int64_t>((days - day) * static_cast<double>(kTicksPerDay));
+    Raise(206, TypeName(from), TypeName(to));
   }
   const auto fitted = FitDateTime(time, to);
   if (!fitted) Raise(242, TypeName(from), TypeName(to));
@@ -56,7 +48,7 @@ Value ConvertAny(const Value& value, const TypeInfo& from, const TypeInfo& to, i
   if (IsApproximate(to.type)) return ToApproximate(value, from, to);
   if (IsTemporal(to.type)) return ToDateTime(value, from, to);
   if (to.type == SqlType::UniqueIdentifier) return ToGuid(value, from);
-  if (IsBinary(to.type)) return FitBytes(ToBytes(value, from, to, style), from, to, storing);
+  if (IsBinary(to.type)) return FitBytes(ToBytes(value, from, to), from, to, storing);
   std::string text = ToText(value, from, to, style);
   if (!IsText(from.type)) CheckNumberFits(value, from, to, text);
   return FitText(std::move(text), to, storing);
@@ -78,17 +70,9 @@ void CheckConvertible(const TypeInfo& from, const TypeInfo& to, bool is_explicit
   const ErrorNumber<2> clash = is_explicit ? ErrorNumber<2>(529) : ErrorNumber<2>(206);
   const auto refuse = [&](ErrorNumber<2> number) { Raise(number, TypeName(from), TypeName(to)); };
   const bool temporal = IsTemporal(from.type), temporal_to = IsTemporal(to.type);
-  if (temporal && IsNumber(to.type)) {
-    const bool old = from.type == SqlType::DateTime || from.type == SqlType::SmallDateTime;
-    if (!old) refuse(clash);
-    if (!is_explicit) refuse(257);
-  }
-  if (temporal_to && IsNumber(from.type)) {
-    const bool old = to.type == SqlType::DateTime || to.type == SqlType::SmallDateTime;
-    if (!old) refuse(clash);
-  }
-  if (from.type == SqlType::UniqueIdentifier && !text_to && !IsBinary(to.type)) refuse(206);
-  if (to.type == SqlType::UniqueIdentifier && !text && !IsBinary(from.type)) refuse(206);
+  if ((temporal && IsNumber(to.type)) || (temporal_to && IsNumber(from.type))) refuse(clash);
+  if (from.type == SqlType::UniqueIdentifier && !text_to) refuse(206);
+  if (to.type == SqlType::UniqueIdentifier && !text) refuse(206);
   if (text && IsBinary(to.type) && !is_explicit) refuse(257);
   if (IsLong(from) && Facts(from.type).length != 0 && IsNumber(to.type)) refuse(clash);
   if (Facts(to.type).length == 2147483647 && to.type == SqlType::Text && IsNumber(from.type)) {

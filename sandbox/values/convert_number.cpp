@@ -5,10 +5,8 @@
 
 #include "sandbox/values/convert.h"
 #include "sandbox/values/convert_parts.h"
-#include "sandbox/values/datetime_text.h"
 #include "sandbox/values/decimal.h"
 #include "sandbox/values/errors.h"
-#include "sandbox/values/ticks.h"
 
 namespace sandbox {
 namespace conversion {
@@ -94,10 +92,6 @@ std::int64_t DecimalToInteger(const DecimalValue& number, const TypeInfo& from,
   return static_cast<std::int64_t>(whole);
 }
 
-std::int64_t DateToInteger(const DateTimeValue& value) {
-  return value.days - kDaysTo1900 + (value.ticks > kTicksPerDay / 2 ? 1 : 0);
-}
-
 std::optional<double> TextToDouble(std::string_view text) {
   std::string_view number = Trim(text);
   if (!number.empty() && number.front() == '+') number.remove_prefix(1);
@@ -137,14 +131,6 @@ DecimalValue ExactSource(const Value& value, const TypeInfo& from, const TypeInf
       if (IsMoney(to.type)) Raise(235);
       Raise(8114, TypeName(from), ExactName(to));
     }
-    case 6:
-      return {FromLittleBytes(std::get<BinaryValue>(value).bytes, 8), IsMoney(to.type) ? 4 : 0};
-    case 7: {
-      const auto& time = std::get<DateTimeValue>(value);
-      const double days = static_cast<double>(time.days - kDaysTo1900) +
-                          static_cast<double>(time.ticks) / static_cast<double>(kTicksPerDay);
-      return *DecimalFromDouble(days, to.scale);
-    }
     default:
       Raise(206, TypeName(from), TypeName(to));
   }
@@ -168,8 +154,6 @@ Value ToInteger(const Value& value, const TypeInfo& from, const TypeInfo& to) {
       const std::size_t size = static_cast<std::size_t>(Facts(to.type).length);
       return FromLittleBytes(std::get<BinaryValue>(value).bytes, size);
     }
-    case 7:
-      return CheckRange(DateToInteger(std::get<DateTimeValue>(value)), from, to);
     default:
       Raise(206, TypeName(from), TypeName(to));
   }
@@ -239,12 +223,6 @@ Value ToApproximate(const Value& value, const TypeInfo& from, const TypeInfo& to
       const bool empty = Trim(std::get<std::string>(value)).empty();
       if (!parsed && !empty) Raise(8114, TypeName(from), TypeName(to));
       number = parsed.value_or(0);
-      break;
-    }
-    case 7: {
-      const auto& time = std::get<DateTimeValue>(value);
-      number = static_cast<double>(time.days - kDaysTo1900) +
-               static_cast<double>(time.ticks) / static_cast<double>(kTicksPerDay);
       break;
     }
     default:

@@ -22,7 +22,7 @@ void CheckNumberFits(const Value& value, const TypeInfo& from, const TypeInfo& t
                      std::string& text);
 /// Cut to the type's length, or padded. `storing`: raises Truncation where something is lost.
 Value FitText(std::string text, const TypeInfo& to, bool storing);
-std::string ToBytes(const Value& value, const TypeInfo& from, const TypeInfo& to, int style);
+std::string ToBytes(const Value& value, const TypeInfo& from, const TypeInfo& to);
 Value FitBytes(std::string bytes, const TypeInfo& from, const TypeInfo& to, bool storing);
 Value ToGuid(const Value& value, const TypeInfo& from);
 

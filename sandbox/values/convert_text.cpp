@@ -25,17 +25,6 @@ std::string DoubleText(double number, bool single, int style) {
   return text;
 }
 
-std::string MoneyText(const DecimalValue& number, int style) {
-  if (style == 2 || style == 126) return DecimalText(number);
-  std::string text = DecimalText(*Rescale(number, 2));
-  if (style != 1) return text;
-  for (std::ptrdiff_t at = static_cast<std::ptrdiff_t>(text.find('.')) - 3;
-       at > (text[0] == '-' ? 1 : 0); at -= 3) {
-    text.insert(static_cast<std::size_t>(at), ",");
-  }
-  return text;
-}
-
 std::size_t CountCharacters(std::string_view text, bool unicode) {
   return unicode ? Utf16Length(text) : CodePointCount(text);
 }
@@ -65,7 +54,7 @@ std::string ToText(const Value& value, const TypeInfo& from, const TypeInfo& to,
       return DoubleText(std::get<double>(value), from.type == SqlType::Real, style);
     case 4: {
       const auto& number = std::get<DecimalValue>(value);
-      return IsMoney(from.type) ? MoneyText(number, style) : DecimalText(number);
+      return DecimalText(IsMoney(from.type) ? *Rescale(number, 2) : number);
     }
     case 5:
       return std::get<std::string>(value);
@@ -119,7 +108,7 @@ Value FitText(std::string text, const TypeInfo& to, bool storing) {
   return text;
 }
 
-std::string ToBytes(const Value& value, const TypeInfo& from, const TypeInfo& to, int style) {
+std::string ToBytes(const Value& value, const TypeInfo& from, const TypeInfo& to) {
   const auto big_endian = [](std::int64_t number, int size) {
     std::string bytes(static_cast<std::size_t>(size), '\0');
     for (std::size_t i = bytes.size(); i-- > 0; number >>= 8)
@@ -131,40 +120,12 @@ std::string ToBytes(const Value& value, const TypeInfo& from, const TypeInfo& to
       return std::string(1, std::get<bool>(value) ? '\1' : '\0');
     case 2:
       return big_endian(std::get<std::int64_t>(value), Facts(from.type).length);
-    case 4:
-      if (IsMoney(from.type)) {
-        return big_endian(static_cast<std::int64_t>(std::get<DecimalValue>(value).unscaled),
-                          Facts(from.type).length);
-      }
-      Raise(257, TypeName(from), TypeName(to));
     case 5: {
       const std::string& text = std::get<std::string>(value);
-      if (style != 1 && style != 2) {
-        return IsUnicode(from.type) ? Utf8ToUtf16(text) : ToCodePage(text);
-      }
-      std::string_view digits = Trim(text);
-      if (style == 1 && digits.substr(0, 2) != "0x") Raise(8114, TypeName(from), TypeName(to));
-      if (style == 1) digits.remove_prefix(2);
-      std::string bytes;
-      if (digits.size() % 2 == 1) Raise(8114, TypeName(from), TypeName(to));
-      for (std::size_t i = 0; i < digits.size(); i += 2) {
-        unsigned byte = 0;
-        const auto [end, failure] =
-            std::from_chars(digits.data() + i, digits.data() + i + 2, byte, 16);
-        if (end != digits.data() + i + 2) Raise(8114, TypeName(from), TypeName(to));
-        bytes += static_cast<char>(byte);
-      }
-      return bytes;
+      return IsUnicode(from.type) ? Utf8ToUtf16(text) : ToCodePage(text);
     }
     case 6:
       return std::get<BinaryValue>(value).bytes;
-    case 8: {
-      const auto& guid = std::get<GuidValue>(value).bytes;
-      static constexpr std::array kOrder{3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
-      std::string bytes;
-      for (const int at : kOrder) bytes += static_cast<char>(guid[at]);
-      return bytes;
-    }
     default:
       Raise(257, TypeName(from), TypeName(to));
   }
@@ -189,13 +150,6 @@ Value FitBytes(std::string bytes, const TypeInfo& from, const TypeInfo& to, bool
 Value ToGuid(const Value& value, const TypeInfo& from) {
   GuidValue guid{};
   if (std::holds_alternative<GuidValue>(value)) return value;
-  if (const auto* binary = std::get_if<BinaryValue>(&value)) {
-    static constexpr std::array kOrder{3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
-    for (std::size_t i = 0; i < 16 && i < binary->bytes.size(); ++i) {
-      guid.bytes[kOrder[i]] = static_cast<unsigned char>(binary->bytes[i]);
-    }
-    return guid;
-  }
   const auto* held = std::get_if<std::string>(&value);
   if (!held) Raise(206, TypeName(from), "uniqueidentifier");
   std::string_view text = Trim(*held);

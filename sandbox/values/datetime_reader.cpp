@@ -60,15 +60,6 @@ std::vector<Piece> Split(std::string_view text) {
   return pieces;
 }
 
-int MonthByName(std::string_view name) {
-  if (name.size() < 3) return 0;
-  for (int month = 1; month <= 12; ++month) {
-    const std::string_view full = MonthName(month);
-    if (name.size() <= full.size() && SameName(full.substr(0, name.size()), name)) return month;
-  }
-  return 0;
-}
-
 int FullYear(const Piece& piece) {
   const int year = piece.Number();
   if (piece.text.size() > 2) return year;
@@ -115,16 +106,10 @@ class DateReader {
     return At(ahead) && At(ahead)->kind == Piece::Kind::Number;
   }
   bool IsMark(std::size_t ahead, char mark) const { return At(ahead) && At(ahead)->IsMark(mark); }
-  bool IsHalf(std::size_t ahead) const {
-    return At(ahead) && At(ahead)->kind == Piece::Kind::Word &&
-           (SameName(At(ahead)->text, "AM") || SameName(At(ahead)->text, "PM"));
-  }
-  bool IsTimeAt(std::size_t ahead) const {
-    return IsNumber(ahead) && (IsMark(ahead + 1, ':') || IsHalf(ahead + 1));
-  }
+  bool IsTimeAt(std::size_t ahead) const { return IsNumber(ahead) && IsMark(ahead + 1, ':'); }
 
   bool ReadDate(CivilDate& date) {
-    if (!IsNumber(0)) return ReadNamedMonthFirst(date);
+    if (!IsNumber(0)) return false;
     const Piece first = *At();
     const bool separated = IsMark(1, '-') || IsMark(1, '/') || IsMark(1, '.');
     if (separated && IsNumber(2) && IsNumber(4) && IsMark(3, At(1)->text.front())) {
@@ -147,42 +132,7 @@ class DateReader {
       ++position_;
       return true;
     }
-    if (first.text.size() == 4 && !At(1)) {
-      date.year = first.Number();
-      ++position_;
-      return true;
-    }
-    return ReadDayFirst(date);
-  }
-
-  // "31 Jan 2024", "31-Jan-2024"
-  bool ReadDayFirst(CivilDate& date) {
-    date.day = At()->Number();
-    ++position_;
-    if (IsMark(0, '-')) ++position_;
-    if (!At() || At()->kind != Piece::Kind::Word) return false;
-    date.month = MonthByName(At()->text);
-    ++position_;
-    if (IsMark(0, '-') || IsMark(0, ',')) ++position_;
-    if (date.month == 0 || !IsNumber(0)) return false;
-    date.year = FullYear(*At());
-    ++position_;
-    return true;
-  }
-
-  // "Jan 31 2024", "January 31, 2024"
-  bool ReadNamedMonthFirst(CivilDate& date) {
-    if (At()->kind != Piece::Kind::Word) return false;
-    date.month = MonthByName(At()->text);
-    ++position_;
-    if (date.month == 0 || !IsNumber(0)) return false;
-    date.day = At()->Number();
-    ++position_;
-    if (IsMark(0, ',')) ++position_;
-    if (!IsNumber(0)) return false;
-    date.year = FullYear(*At());
-    ++position_;
-    return true;
+    return false;
   }
 
   bool ReadTime() {
@@ -190,12 +140,6 @@ class DateReader {
     hour_ = At()->Number();
     ++position_;
     if (IsMark(0, ':') && !ReadMinutes()) return false;
-    if (IsHalf(0)) {
-      const bool afternoon = (At()->text.front() | 32) == 'p';
-      if (hour_ < 1 || hour_ > 12) return false;
-      hour_ = hour_ % 12 + (afternoon ? 12 : 0);
-      ++position_;
-    }
     return ReadOffset();
   }
 

@@ -14,34 +14,15 @@ namespace {
 struct Style {
   int number;
   const char* pattern;  // of fmt: 0 year, 1 month, 2 day, 3 hour, 4 minute, 5 second, 6 fraction,
-};                      // 7 short month, 8 hour of twelve, 9 AM or PM, 10 year of two digits
+};                      // 7 short month, 8 hour of twelve, 9 AM or PM
 constexpr std::array kStyles{
     Style{0, "{7} {2:>2} {0:04} {8:>2}:{4:02}{9}"},
-    Style{100, "{7} {2:>2} {0:04} {8:>2}:{4:02}{9}"},
-    Style{1, "{1:02}/{2:02}/{10:02}"},
-    Style{101, "{1:02}/{2:02}/{0:04}"},
-    Style{102, "{0:04}.{1:02}.{2:02}"},
-    Style{103, "{2:02}/{1:02}/{0:04}"},
-    Style{104, "{2:02}.{1:02}.{0:04}"},
-    Style{105, "{2:02}-{1:02}-{0:04}"},
-    Style{106, "{2:02} {7} {0:04}"},
-    Style{107, "{7} {2:02}, {0:04}"},
-    Style{8, "{3:02}:{4:02}:{5:02}"},
-    Style{108, "{3:02}:{4:02}:{5:02}"},
-    Style{110, "{1:02}-{2:02}-{0:04}"},
-    Style{111, "{0:04}/{1:02}/{2:02}"},
-    Style{112, "{0:04}{1:02}{2:02}"},
-    Style{109, "{7} {2:>2} {0:04} {8:>2}:{4:02}:{5:02}:{6}{9}"},
-    Style{113, "{2:02} {7} {0:04} {3:02}:{4:02}:{5:02}:{6}"},
-    Style{114, "{3:02}:{4:02}:{5:02}:{6}"},
-    Style{20, "{0:04}-{1:02}-{2:02} {3:02}:{4:02}:{5:02}"},
-    Style{120, "{0:04}-{1:02}-{2:02} {3:02}:{4:02}:{5:02}"},
-    Style{21, "{0:04}-{1:02}-{2:02} {3:02}:{4:02}:{5:02}.{6}"},
-    Style{25, "{0:04}-{1:02}-{2:02} {3:02}:{4:02}:{5:02}.{6}"},
-    Style{121, "{0:04}-{1:02}-{2:02} {3:02}:{4:02}:{5:02}.{6}"},
     Style{23, "{0:04}-{1:02}-{2:02}"},
+    Style{112, "{0:04}{1:02}{2:02}"},
+    Style{113, "{2:02} {7} {0:04} {3:02}:{4:02}:{5:02}:{6}"},
+    Style{120, "{0:04}-{1:02}-{2:02} {3:02}:{4:02}:{5:02}"},
+    Style{121, "{0:04}-{1:02}-{2:02} {3:02}:{4:02}:{5:02}.{6}"},
     Style{126, "{0:04}-{1:02}-{2:02}T{3:02}:{4:02}:{5:02}.{6}"},
-    Style{127, "{0:04}-{1:02}-{2:02}T{3:02}:{4:02}:{5:02}.{6}"},
 };
 
 }  // namespace
@@ -69,10 +50,9 @@ std::optional<std::string> DateTimeText(const DateTimeValue& value, const TypeIn
     if (!pattern && entry.number == style) pattern = entry.pattern;
   }
   if (!pattern) return std::nullopt;
-  std::string text =
-      fmt::format(fmt::runtime(pattern), date.year, date.month, date.day, hour, minute, second,
-                  fraction, MonthName(date.month).substr(0, 3), hour % 12 == 0 ? 12 : hour % 12,
-                  hour < 12 ? "AM" : "PM", date.year % 100);
+  std::string text = fmt::format(fmt::runtime(pattern), date.year, date.month, date.day, hour,
+                                 minute, second, fraction, MonthName(date.month).substr(0, 3),
+                                 hour % 12 == 0 ? 12 : hour % 12, hour < 12 ? "AM" : "PM");
   const bool no_fraction = fraction.empty() || (style == 126 && fraction_ticks == 0 && !modern);
   if (no_fraction && text.find('.') != std::string::npos &&
       std::string_view(pattern).ends_with(".{6}")) {

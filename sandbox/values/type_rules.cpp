@@ -307,23 +307,8 @@ TypeInfo ArithmeticType(char op, const TypeInfo& left, const TypeInfo& right) {
   const bool both_binary = IsBinary(left.type) && IsBinary(right.type);
   if (op == '+' && (both_text || both_binary)) return Concatenated(left, right);
   const TypeInfo common = CommonType(left, right);
-  const std::string word(1, op);
-  if (IsTemporal(common.type)) {
-    const bool whole = common.type == SqlType::DateTime || common.type == SqlType::SmallDateTime;
-    if (whole && (op == '+' || op == '-')) return common;
-    Raise(402, TypeName(left), TypeName(right), word);
-  }
   if (!IsNumber(common.type)) {
-    if (common.type == SqlType::UniqueIdentifier || IsText(common.type) || IsBinary(common.type)) {
-      if (both_text || both_binary) {
-        static constexpr std::array kWords{std::pair{'-', "subtract"}, std::pair{'*', "multiply"},
-                                           std::pair{'/', "divide"}, std::pair{'%', "modulo"}};
-        for (const auto& [symbol, name] : kWords) {
-          if (symbol == op) Raise(8117, TypeName(left), name);
-        }
-      }
-    }
-    Raise(402, TypeName(left), TypeName(right), word);
+    Raise(402, TypeName(left), TypeName(right), std::string(1, op));
   }
   if (common.type == SqlType::Decimal || common.type == SqlType::Numeric) {
     const TypeInfo& a = IsNumber(left.type) ? left : right;

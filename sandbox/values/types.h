@@ -89,7 +89,6 @@ struct Parameter {
   std::string name;  // with "@", or empty
   TypeInfo type;
   Value value;
-  bool output = false;
 };
 
 struct ColumnInfo {

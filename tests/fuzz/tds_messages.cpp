@@ -3,7 +3,6 @@
 
 #include "sandbox/tds/login.h"
 #include "sandbox/tds/rpc_request.h"
-#include "sandbox/tds/transaction_request.h"
 #include "tests/fuzz/fuzz.h"
 
 namespace {
@@ -12,18 +11,15 @@ using namespace sandbox::tds;
 
 void Parse(std::uint8_t kind, std::string_view bytes) {
   ByteReader reader(bytes);
-  switch (kind % 4) {
+  switch (kind % 3) {
     case 0:
       ParsePreLogin(bytes);
       return;
     case 1:
       ParseLogin(bytes);
       return;
-    case 2:
-      TransactionBatch(reader);
-      return;
     default:
-      ReadRpcRequests(reader, ProtocolVersion::V74);
+      ReadRpcRequests(reader);
   }
 }
 

@@ -10,7 +10,7 @@ class AnswersTest : public BatchTest {};
 TEST_F(AnswersTest, ProceduresByCall) {
   Must("create table parent (a int not null, b char(2) not null, primary key (a, b))");
   std::vector<Parameter> parameters{
-      {"@table_name", {SqlType::NVarChar, 128, 0, 0}, Value(std::string("parent")), false}};
+      {"@table_name", {SqlType::NVarChar, 128, 0, 0}, Value(std::string("parent"))}};
   Answer answer;
   session->Call("sp_pkeys", parameters, answer);
   EXPECT_EQ(answer.results.at(0).rows.size(), 2u);
@@ -26,7 +26,7 @@ TEST_F(AnswersTest, NamesOfEveryForm) {
       "(2,'two')");
   EXPECT_EQ(Query("select [a].[id] from [db].[dbo].[a] where \"name\" = 'ONE'"), "1");
   EXPECT_EQ(Query("select id from db..A where Name = N'two'"), "2");
-  const Answer answer = Run("select id as [my id], 1+1, Name, x = 5, N'q' 'alias' from a");
+  const Answer answer = Run("select id as [my id], 1+1, Name, 5 x, N'q' 'alias' from a");
   EXPECT_THAT(answer.results.at(0).Names(),
               ::testing::ElementsAre("my id", "", "name", "x", "alias"));
   Must("create database [other db]");

@@ -49,7 +49,7 @@ TEST_F(ErrorsTest, SeverityStateAndLine) {
     const char* first;  // number, severity, state, line
   };
   for (const auto& [batch, expected] : std::vector<Case>{
-           {"print 'x'", "0 0 1 1"},
+           {"raiserror('x', 0, 1)", "50000 0 1 1"},
            {"select * from nosuch", "208 16 1 1"},
            {"select 1 +", "102 15 1 1"},
            {"select 1\nselect 1 +\n\n", "102 15 1 2"},

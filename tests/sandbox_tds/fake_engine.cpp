@@ -30,11 +30,11 @@ class FakeEngine::Session : public EngineSession {
     return true;
   }
   void Execute(std::string_view batch, ResultSink& sink) override { Run(batch, {}, sink); }
-  void ExecuteWithParameters(std::string_view batch, std::span<Parameter> parameters,
+  void ExecuteWithParameters(std::string_view batch, std::span<const Parameter> parameters,
                              ResultSink& sink) override {
     Run(batch, parameters, sink);
   }
-  void Call(std::string_view procedure, std::span<Parameter> parameters,
+  void Call(std::string_view procedure, std::span<const Parameter> parameters,
             ResultSink& sink) override {
     engine_.Keep({std::string(procedure), {parameters.begin(), parameters.end()}});
     auto found = engine_.procedures.find(std::string(procedure));
@@ -44,15 +44,12 @@ class FakeEngine::Session : public EngineSession {
       found->second(parameters, sink);
     }
   }
-  std::vector<ColumnInfo> Describe(std::string_view, std::span<const Parameter>) override {
-    return {{.name = "described", .type = {SqlType::Int}}};
-  }
   std::unique_ptr<BulkTarget> BeginBulk(std::string_view, ResultSink&) override {
     return std::make_unique<Bulk>(engine_);
   }
 
  private:
-  void Run(std::string_view batch, std::span<Parameter> parameters, ResultSink& sink) {
+  void Run(std::string_view batch, std::span<const Parameter> parameters, ResultSink& sink) {
     batch = batch.substr(0, batch.find_last_not_of(" \r\n") + 1);  // tools end it with a line end
     engine_.Keep({std::string(batch), {parameters.begin(), parameters.end()}});
     auto found = engine_.batches.find(std::string(batch));

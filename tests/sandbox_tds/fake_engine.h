@@ -15,7 +15,7 @@ namespace sandbox::tds {
 class FakeEngine : public Engine {
  public:
   using Answer = std::function<void(EngineSession& session, ResultSink& sink)>;
-  using Procedure = std::function<void(std::span<Parameter> parameters, ResultSink& sink)>;
+  using Procedure = std::function<void(std::span<const Parameter> parameters, ResultSink& sink)>;
 
   std::map<std::string, Answer> batches;
   std::map<std::string, Procedure> procedures;

@@ -6,7 +6,6 @@
 #include "sandbox/tds/login.h"
 #include "sandbox/tds/rpc_request.h"
 #include "sandbox/tds/tokens.h"
-#include "sandbox/tds/transaction_request.h"
 #include "sandbox/tds/type_decoder.h"
 #include "sandbox/tds/value_encoder.h"
 #include "wire_client.h"
@@ -22,8 +21,9 @@ std::string CallWithEverything() {
   WriteText(out, "sp_everything");
   out.U16(0);
   for (const SampleValue& sample : SampleValues()) {
-    WireType type = MakeWireType(sample.type, ProtocolVersion::V74);
-    if (type.shape == WireShape::Long) continue;  // stands otherwise in a parameter
+    WireType type = MakeWireType(sample.type);
+    // text stands otherwise in a parameter, and no client sends a variant
+    if (type.shape == WireShape::Long || type.shape == WireShape::Variant) continue;
     WriteShortText(out, "@" + sample.name);
     out.U8(0);
     WriteTypeInfo(out, type);
@@ -34,7 +34,7 @@ std::string CallWithEverything() {
 
 std::vector<RpcRequest> ReadCalls(std::string_view bytes) {
   ByteReader reader(bytes);
-  return ReadRpcRequests(reader, ProtocolVersion::V74);
+  return ReadRpcRequests(reader);
 }
 
 /// Parses `bytes` in every way; only ProtocolError may come of it.
@@ -48,10 +48,6 @@ void ParseAll(std::string_view bytes) {
   guarded([&] { ParsePreLogin(bytes); });
   guarded([&] { ParseLogin(bytes); });
   guarded([&] { ReadCalls(bytes); });
-  guarded([&] {
-    ByteReader reader(bytes);
-    TransactionBatch(reader);
-  });
 }
 
 TEST(HostileParser, AGoodCallIsReadWhole) {
@@ -60,7 +56,8 @@ TEST(HostileParser, AGoodCallIsReadWhole) {
   EXPECT_EQ(calls[0].procedure, "sp_everything");
   std::size_t next = 0;
   for (const SampleValue& sample : SampleValues()) {
-    if (MakeWireType(sample.type, ProtocolVersion::V74).shape == WireShape::Long) continue;
+    const WireShape shape = MakeWireType(sample.type).shape;
+    if (shape == WireShape::Long || shape == WireShape::Variant) continue;
     ASSERT_LT(next, calls[0].parameters.size());
     EXPECT_EQ(calls[0].parameters[next].name, "@" + sample.name);
     EXPECT_TRUE(SameValue(calls[0].parameters[next].value, sample.value)) << sample.name;

@@ -97,36 +97,4 @@ OdbcClient::Rows OdbcClient::Query(const std::string& sql) {
   return rows;
 }
 
-void OdbcClient::ExecutePrepared(const std::string& sql,
-                                 const std::vector<std::vector<std::optional<std::string>>>& sets) {
-  constexpr SQLULEN kColumnSize = 4000;
-  Check(SQLPrepare(statement_, Chars(sql), SQL_NTS), SQL_HANDLE_STMT, statement_);
-  for (const auto& set : sets) {
-    std::vector<SQLLEN> lengths;
-    for (const auto& text : set) lengths.push_back(text ? SQL_NTS : SQL_NULL_DATA);
-    for (std::size_t i = 0; i < set.size(); ++i) {
-      SQLBindParameter(statement_, static_cast<SQLUSMALLINT>(i + 1), SQL_PARAM_INPUT, SQL_C_CHAR,
-                       SQL_WVARCHAR, kColumnSize, 0, set[i] ? Chars(*set[i]) : nullptr, 0,
-                       &lengths[i]);
-    }
-    Check(SQLExecute(statement_), SQL_HANDLE_STMT, statement_);
-    SQLFreeStmt(statement_, SQL_CLOSE);
-  }
-  SQLFreeStmt(statement_, SQL_RESET_PARAMS);
-}
-
-void OdbcClient::SetAutocommit(bool on) {
-  auto value = static_cast<SQLULEN>(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF);
-  Check(SQLSetConnectAttr(connection_, SQL_ATTR_AUTOCOMMIT, reinterpret_cast<SQLPOINTER>(value), 0),
-        SQL_HANDLE_DBC, connection_);
-}
-
-void OdbcClient::Commit() {
-  Check(SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_COMMIT), SQL_HANDLE_DBC, connection_);
-}
-
-void OdbcClient::Rollback() {
-  Check(SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK), SQL_HANDLE_DBC, connection_);
-}
-
 }  // namespace sandbox::tds

@@ -31,12 +31,6 @@ class OdbcClient {
   using Rows = std::vector<std::vector<std::optional<std::string>>>;
   /// All rows of all results, as text.
   Rows Query(const std::string& sql);
-  /// A prepared statement executed once per parameter set; text parameters, null for NULL.
-  void ExecutePrepared(const std::string& sql,
-                       const std::vector<std::vector<std::optional<std::string>>>& sets);
-  void SetAutocommit(bool on);
-  void Commit();
-  void Rollback();
 
   SQLHSTMT Statement() const { return statement_; }
   void Check(SQLRETURN result, SQLSMALLINT kind, SQLHANDLE handle) const;

@@ -143,12 +143,11 @@ TEST_F(Wire, TransactionsAreAnnouncedWithTheirDescriptor) {
     sink.TransactionChanged(0, true);
     sink.Done(std::nullopt);
   };
-  const std::string headers = BatchRecord("");
   WireClient client(server_.Port());
   client.LogIn();
-  client.Send(MessageType::TransactionManager, headers + std::string("\x05\0\0\0"sv));
+  client.SendBatch("begin transaction");
   EXPECT_TRUE(Contains(client.Receive(), "\xE3\x0B\0\x08\x08\x08\7\6\5\4\3\2\1\0"sv));
-  client.Send(MessageType::TransactionManager, headers + std::string("\x07\0\0\0"sv));
+  client.SendBatch("commit transaction");
   EXPECT_TRUE(Contains(client.Receive(), "\xE3\x0B\0\x09\0\x08\x08\7\6\5\4\3\2\1"sv));
 }
 
@@ -176,7 +175,7 @@ TEST_F(Wire, RefusalsSayWhy) {
                         {{.user = "bob"}, "Login failed for user 'bob'."},
                         {{.database = "nowhere"}, "Cannot open database \"nowhere\""},
                         {{.integrated = true}, "cannot be used with Integrated authentication"},
-                        {{.version = 0x70000000}, "protocol version is not supported"}};
+                        {{.version = 0x72090002}, "protocol version is not supported"}};
   for (const Case& refused : cases) {
     WireClient client(server_.Port());
     client.Send(MessageType::Login7, LoginRecord(refused.fields));

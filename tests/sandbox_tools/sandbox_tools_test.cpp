@@ -62,15 +62,8 @@ class SandboxTools : public ::testing::Test {
   static void TearDownTestSuite() { server_.reset(); }
 
   SandboxTools() {
-    std::ofstream freetds(folder_ / "freetds.conf");
-    for (const char* version : {"7.2", "7.4"}) {
-      freetds << fmt::format(
-          "[tds{}]\nhost = 127.0.0.1\nport = {}\ntds version = {}\nclient charset = UTF-8\n",
-          version, server_->Port(), version);
-    }
-    std::ofstream(folder_ / "odbc.ini") << fmt::format(
-        "[shop]\nDriver = FreeTDS\nServer = 127.0.0.1\nPort = {}\nDatabase = shop\n"
-        "TDS_Version = 7.4\nClientCharset = UTF-8\n",
+    std::ofstream(folder_ / "freetds.conf") << fmt::format(
+        "[tds7.4]\nhost = 127.0.0.1\nport = {}\ntds version = 7.4\nclient charset = UTF-8\n",
         server_->Port());
   }
 
@@ -89,9 +82,7 @@ class SandboxTools : public ::testing::Test {
   }
   std::string Shell(const std::string& command) {
     return test::Run({"sh", "-c", command}, std::chrono::minutes(1),
-                     {{"FREETDSCONF", (folder_ / "freetds.conf").string()},
-                      {"ODBCINI", (folder_ / "odbc.ini").string()},
-                      {"LC_ALL", "C.UTF-8"}})
+                     {{"FREETDSCONF", (folder_ / "freetds.conf").string()}, {"LC_ALL", "C.UTF-8"}})
         .output;
   }
 
@@ -103,39 +94,25 @@ class SandboxTools : public ::testing::Test {
 std::unique_ptr<SandboxServer> SandboxTools::server_;
 std::string SandboxTools::loaded_;
 
-TEST_F(SandboxTools, IsqlShowsWhatWasLoaded) {
-  const std::string isql = "isql shop sa secret -b -d'|'";
-  EXPECT_EQ(Session(isql, "select * from Everything\nselect * from Orders\n"),
-            "10|1|255|-32768|9223372036854775807|123456.789|"
-            "12345678901234567890123456789012345678|-1.5000|922337203685477.5807|1.5|"
-            "0.10000000000000001|2026-02-28 12:34:00|2026-02-28 12:34:56.997|"
-            "2026-02-28 12:34:56.123|2026-02-28 12:34:56.123 +05:30|2026-02-28|12:34:56.789|"
-            "ab   |it's|long|text|日本 |Zürich 🙂|ж|ntext|<a/>|01020000|ff|dead|beef|"
-            "6F9619FF-8B86-D011-B42D-00C04FC964FF|00000000000007d1|v\n"
-            "15|0||||||||||||||||||||||||||||||00000000000007d2|\n"
-            "1|10|a|1\n2|15|b|7\n3||c;d|9\n");
-  EXPECT_THAT(Session(isql, "help\n"), HasSubstr("shop|dbo|Orders|TABLE|"));
-  EXPECT_THAT(Session(isql, "help Orders\n"),
-              HasSubstr("shop|dbo|Orders|Qty|4|int|10|4|0|10|0||((1))|4|||4|NO|"));
-  EXPECT_THAT(Session(isql + " -v", "select * from nothing\n"),
-              HasSubstr("Invalid object name 'nothing'."));
-}
-
 TEST_F(SandboxTools, BsqldbShowsWhatWasLoaded) {
-  // The tool itself knows no sql_variant and no uniqueidentifier, and has room for 21 digits.
-  EXPECT_EQ(Session("bsqldb -q -t '|' -S tds7.2 -U sa -P secret -D shop",
-                    "select Id, Bi, Ti, Si, Bg, De, convert(varchar(38), Nu), Sm, Mo, Re, Fl\n"
-                    "from Everything\ngo\n"
-                    "select D2, Dx, Da, Tm, Ch, Vc, Tx, Nc, Nv, Nt, Xm, Bn, Vb, Wm, Im, Ts,\n"
-                    "  convert(varchar(36), Gu), convert(varchar(9), Va)\n"
-                    "from Everything where Id = 10\ngo\n"),
-            "10|1|255|-32768|9223372036854775807|123456.789|"
-            "12345678901234567890123456789012345678|-1.5000|922337203685477.5807|1.5|"
-            "0.10000000000000001\n"
-            "15|0|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL\n"
-            "2026-02-28 12:34:56.123|2026-02-28 12:34:56.123 +05:30|2026-02-28|12:34:56.789|"
-            "ab|it's|text|日本|Zürich 🙂|ntext|<a/>|0x01020000|0xff|0xdead|0xbeef|"
-            "0x00000000000007d1|6F9619FF-8B86-D011-B42D-00C04FC964FF|v\n");
+  // The tool itself knows no sql_variant, no uniqueidentifier and no type of date but datetime, and
+  // has room for 21 digits.
+  EXPECT_EQ(
+      Session(
+          "bsqldb -q -t '|' -S tds7.4 -U sa -P secret -D shop",
+          "select Id, Bi, Ti, Si, Bg, De, convert(varchar(38), Nu), Sm, Mo, Re, Fl\n"
+          "from Everything\ngo\n"
+          "select convert(varchar(40), D2), convert(varchar(40), Dx), convert(varchar(40), Da),\n"
+          "  convert(varchar(40), Tm), Ch, Vc, Tx, Nc, Nv, Nt, Xm, Bn, Vb, Wm, Im, Ts,\n"
+          "  convert(varchar(36), Gu), convert(varchar(9), Va)\n"
+          "from Everything where Id = 10\ngo\n"),
+      "10|1|255|-32768|9223372036854775807|123456.789|"
+      "12345678901234567890123456789012345678|-1.5000|922337203685477.5807|1.5|"
+      "0.10000000000000001\n"
+      "15|0|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL\n"
+      "2026-02-28 12:34:56.123|2026-02-28 12:34:56.123 +05:30|2026-02-28|12:34:56.789|"
+      "ab|it's|text|日本|Zürich 🙂|ntext|<a/>|0x01020000|0xff|0xdead|0xbeef|"
+      "0x00000000000007d1|6F9619FF-8B86-D011-B42D-00C04FC964FF|v\n");
   EXPECT_EQ(loaded_, "") << "the script loads without a word";
 }
 
@@ -149,9 +126,6 @@ TEST_F(SandboxTools, TsqlShowsRowsAndTheDefinition) {
             "Id\tint\t4\t0\nLine\tvarchar\t3\t1\n");
   const std::string help = Tsql("sp_help Orders\ngo\n");
   EXPECT_THAT(help, HasSubstr("No identity column defined."));
-  EXPECT_THAT(help, HasSubstr("PK_Orders"));
-  EXPECT_THAT(help, HasSubstr("UQ_Code"));
-  EXPECT_THAT(help, HasSubstr("DEFAULT on column Qty\tDF_Qty"));
 }
 
 TEST_F(SandboxTools, ErrorsAreShownAsTheServerWordsThem) {

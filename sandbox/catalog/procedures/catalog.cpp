@@ -101,7 +101,7 @@ const ShownColumns<Column> kColumns{
     {"SS_DATA_TYPE", kTiny, [](const Column& c) { return c.facts.ss_data_type; }},
 };
 
-int ColumnsOf(Session& session, const Arguments& args, bool modern) {
+int Columns(Session& session, const Arguments& args) {
   const auto name = args.Text(0), owner = args.Text(1), column_name = args.Text(3);
   const bool version3 = args.Integer(4, 2) >= 3;
   const bool patterns = args.Integer(5, 1) != 0;
@@ -119,34 +119,24 @@ int ColumnsOf(Session& session, const Arguments& args, bool modern) {
       ++position;
       if (!NameMatches(column_name, column.name, patterns)) continue;
       columns.push_back({session.DatabaseName(), table, &column, position,
-                         FactsForOdbc(column.type, version3, modern),
-                         OdbcTypeName(catalog, column)});
+                         FactsForOdbc(column.type, version3), OdbcTypeName(catalog, column)});
     }
   }
   SendItems(session, kColumns, columns);
   return 0;
 }
 
-int Columns(Session& session, const Arguments& args) {
-  return ColumnsOf(session, args, false);
-}
-int Columns100(Session& session, const Arguments& args) {
-  return ColumnsOf(session, args, true);
-}
-
 }  // namespace
 
 std::span<const Procedure> CatalogProcedures() {
-  static const std::vector<const char*> kColumnParameters{"@table_name",      "@table_owner",
-                                                          "@table_qualifier", "@column_name",
-                                                          "@ODBCVer",         "@fUsePattern"};
   static const std::vector<Procedure> kProcedures{
       {"sp_tables",
        {"@table_name", "@table_owner", "@table_qualifier", "@table_type", "@fUsePattern"},
        Tables},
-      {"sp_columns", kColumnParameters, Columns},
-      {"sp_columns_90", kColumnParameters, Columns},
-      {"sp_columns_100", kColumnParameters, Columns100},
+      {"sp_columns",
+       {"@table_name", "@table_owner", "@table_qualifier", "@column_name", "@ODBCVer",
+        "@fUsePattern"},
+       Columns},
   };
   return kProcedures;
 }

@@ -9,7 +9,7 @@ namespace sandbox {
 
 namespace {
 
-constexpr std::int64_t kOdbcTimestamp = 93, kOdbcDate = 91, kOdbcTime = -154, kOdbcOffset = -155;
+constexpr std::int64_t kOdbcTimestamp = 93;
 constexpr std::int64_t kDateTimeClass = 9;
 
 // What sp_columns says of the types whose measures are fixed.
@@ -66,7 +66,7 @@ Value NullIfNegative(int number) {
 
 }  // namespace
 
-OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern) {
+OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3) {
   OdbcFacts facts;
   const TypeFacts& general = Facts(type.type);
   facts.data_type = sys::Int(general.odbc_type);
@@ -101,17 +101,6 @@ OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern) {
     if (version3) facts.data_type = sys::Int(kOdbcTimestamp);
     facts.sql_data_type = sys::Int(kDateTimeClass);
     facts.datetime_sub = sys::Int(3);
-  }
-  if (modern && IsTemporal(type.type) && !classic) {
-    const bool date = type.type == SqlType::Date, time = type.type == SqlType::Time;
-    const bool offset = type.type == SqlType::DateTimeOffset;
-    facts.data_type = sys::Int(date     ? kOdbcDate
-                               : time   ? kOdbcTime
-                               : offset ? kOdbcOffset
-                                        : kOdbcTimestamp);
-    facts.sql_data_type = time || offset ? facts.data_type : sys::Int(kDateTimeClass);
-    if (date) facts.datetime_sub = sys::Int(1);
-    if (type.type == SqlType::DateTime2) facts.datetime_sub = sys::Int(3);
   }
   facts.ss_data_type = sys::Int(39);
   for (const ServerCode& code : kServerCodes) {

@@ -13,8 +13,8 @@ struct OdbcFacts {
       ss_data_type;
 };
 
-/// `version3`: dates by their ODBC 3 codes; `modern`: the newer date types by codes of their own.
-OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3, bool modern);
+/// `version3`: dates by their ODBC 3 codes.
+OdbcFacts FactsForOdbc(const TypeInfo& type, bool version3);
 
 /// The name of an alias type, else of the server's own.
 std::string ColumnTypeName(const Catalog& catalog, const ColumnDef& column);

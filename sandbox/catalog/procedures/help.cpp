@@ -8,36 +8,7 @@ namespace {
 
 using namespace sys;
 
-constexpr const char* kNotApplicable = "(n/a)";
-constexpr const char* kReplicated = "Is_For_Replication";
-
-std::string ColumnList(const TableDef& table, const std::vector<int>& ids) {
-  std::string text;
-  for (const int id : ids) text += (text.empty() ? "" : ", ") + table.Column(id).name;
-  return text;
-}
-
-std::string IndexKeys(const TableDef& table, const IndexDef& index) {
-  std::string text;
-  for (const IndexColumn& column : index.columns) {
-    text += (text.empty() ? "" : ", ") + table.Column(column.column_id).name +
-            (column.descending ? "(-)" : "");
-  }
-  return text;
-}
-
-std::string IndexDescription(const IndexDef& index) {
-  std::string text = index.clustered ? "clustered" : "nonclustered";
-  if (index.unique) text += ", unique";
-  if (index.primary) {
-    text += ", primary key";
-  } else if (index.IsConstraint()) {
-    text += ", unique key";
-  }
-  return text + " located on PRIMARY";
-}
-
-// ---- the results of sp_help about a table, in their order
+// ---- the results of sp_help about a table, in their order, up to the identity
 
 struct Head {
   std::string name, schema;
@@ -121,118 +92,6 @@ const ShownColumns<Identity> kIdentity{
     {"Not For Replication", kInt, [](const Identity& i) { return i ? Int(0) : Value(); }},
 };
 
-using Line = std::string;
-
-ShownColumns<Line> OneColumn(const char* name, const TypeInfo& type) {
-  return {{name, type, [](const Line& line) { return Value(line); }}};
-}
-
-void SendRowGuid(Session& session, const TableDef& table) {
-  Line name = "No rowguidcol column defined.";
-  for (const ColumnDef& column : table.columns) {
-    if (column.row_guid) name = column.name;
-  }
-  SendItems(session, OneColumn("RowGuidCol", kName), {name});
-}
-
-struct Index {
-  const TableDef* table;
-  const IndexDef* def;
-};
-
-const ShownColumns<Index> kIndexes{
-    {"index_name", kName, [](const Index& i) { return Value(i.def->name); }},
-    {"index_description", VarChar(210),
-     [](const Index& i) { return Value(IndexDescription(*i.def)); }},
-    {"index_keys", NVarChar(2078),
-     [](const Index& i) { return Value(IndexKeys(*i.table, *i.def)); }},
-};
-
-void SendIndexes(Session& session, const TableDef& table) {
-  std::vector<Index> indexes;
-  for (const IndexDef& index : table.indexes) indexes.push_back({&table, &index});
-  if (!indexes.empty()) return SendItems(session, kIndexes, indexes, {0});
-  session.Message(
-      15472, 0, 1,
-      "The object '" + table.name + "' does not have any indexes, or you do not have permissions.");
-}
-
-struct Constraint {
-  std::string type, name, keys;
-  std::string on_delete = kNotApplicable, on_update = kNotApplicable;
-  std::string status = kNotApplicable, replication = kNotApplicable;
-};
-
-const ShownColumns<Constraint> kConstraints{
-    {"constraint_type", NVarChar(146), [](const Constraint& c) { return Value(c.type); }},
-    {"constraint_name", kName, [](const Constraint& c) { return Value(c.name); }},
-    {"delete_action", NVarChar(9), [](const Constraint& c) { return Value(c.on_delete); }},
-    {"update_action", NVarChar(9), [](const Constraint& c) { return Value(c.on_update); }},
-    {"status_enabled", VarChar(8), [](const Constraint& c) { return Value(c.status); }},
-    {"status_for_replication", VarChar(19),
-     [](const Constraint& c) { return Value(c.replication); }},
-    {"constraint_keys", NVarChar(2126), [](const Constraint& c) { return Value(c.keys); }},
-};
-
-const char* RuleText(ForeignKeyRule rule) {
-  static constexpr const char* kTexts[] = {"No Action", "Cascade", "Set Null", "Set Default"};
-  return kTexts[static_cast<int>(rule)];
-}
-
-const char* Status(bool disabled) {
-  return disabled ? "Disabled" : "Enabled";
-}
-
-void AddForeignKeys(Session& session, const TableDef& table, std::vector<Constraint>& all) {
-  for (const ForeignKeyDef& key : table.foreign_keys) {
-    const TableDef& parent = session.Link().Definitions().tables.at(key.parent_table);
-    all.push_back({"FOREIGN KEY", key.name, ColumnList(table, key.columns), RuleText(key.on_delete),
-                   RuleText(key.on_update), Status(key.disabled), kReplicated});
-    const std::string referenced = "REFERENCES " + session.DatabaseName() + "." +
-                                   parent.FullName() + " (" +
-                                   ColumnList(parent, key.parent_columns) + ")";
-    all.push_back({" ", " ", referenced, " ", " ", " ", " "});
-  }
-}
-
-void SendConstraints(Session& session, const TableDef& table) {
-  std::vector<Constraint> all;
-  for (const CheckDef& check : table.checks) {
-    const std::string type = check.column_id
-                                 ? "CHECK on column " + table.Column(check.column_id).name
-                                 : "CHECK Table Level ";
-    all.push_back({type, check.name, check.text, kNotApplicable, kNotApplicable,
-                   Status(check.disabled), kReplicated});
-  }
-  for (const ColumnDef& column : table.columns) {
-    if (column.default_id != 0)
-      all.push_back({"DEFAULT on column " + column.name, column.default_name, column.default_text});
-  }
-  AddForeignKeys(session, table, all);
-  for (const IndexDef& index : table.indexes) {
-    if (!index.IsConstraint()) continue;
-    const std::string type = fmt::format("{} ({})", index.primary ? "PRIMARY KEY" : "UNIQUE",
-                                         index.clustered ? "clustered" : "non-clustered");
-    all.push_back({type, index.name, IndexKeys(table, index)});
-  }
-  if (!all.empty()) return SendItems(session, kConstraints, all);
-  session.Message(
-      15469, 0, 1,
-      "No constraints are defined on object '" + table.name + "', or you do not have permissions.");
-}
-
-void SendReferences(Session& session, const TableDef& table) {
-  std::vector<Line> keys;
-  for (const auto& [id, child] : session.Link().Definitions().tables) {
-    for (const ForeignKeyDef& key : child.foreign_keys) {
-      if (key.parent_table == table.id)
-        keys.push_back(session.DatabaseName() + "." + child.FullName() + ": " + key.name);
-    }
-  }
-  if (!keys.empty())
-    SendItems(session, OneColumn("Table is referenced by foreign key", NVarChar(516)), keys);
-}
-
 int Help(Session& session, const Arguments& args) {
   const std::string given = args.Text(0).value_or("");
   const ObjectName name = ParsedName(given);
@@ -249,11 +108,6 @@ int Help(Session& session, const Arguments& args) {
   SendItems<Head>(session, kHead, {{table->name, table->schema, "user table", table->created}});
   SendColumns(session, *table);
   SendItems<Identity>(session, kIdentity, {table->IdentityColumn()});
-  SendRowGuid(session, *table);
-  SendItems<Line>(session, OneColumn("Data_located_on_filegroup", kName), {"PRIMARY"});
-  SendIndexes(session, *table);
-  SendConstraints(session, *table);
-  SendReferences(session, *table);
   return 0;
 }
 

@@ -167,7 +167,6 @@ std::span<const Procedure> KeyProcedures() {
         "@fktable_qualifier"},
        ForeignKeys},
       {"sp_statistics", kStatisticsParameters, Statistics},
-      {"sp_statistics_100", kStatisticsParameters, Statistics},
   };
   return kProcedures;
 }

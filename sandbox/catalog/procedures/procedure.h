@@ -16,13 +16,13 @@ namespace sandbox {
 class Arguments {
  public:
   explicit Arguments(std::size_t count) : values_(count) {}
-  void Set(std::size_t i, Parameter* parameter) { values_[i] = parameter; }
+  void Set(std::size_t i, const Parameter* parameter) { values_[i] = parameter; }
   /// The text of an argument; nothing when it is missing or NULL.
   std::optional<std::string> Text(std::size_t i) const;
   std::int64_t Integer(std::size_t i, std::int64_t when_missing) const;
 
  private:
-  std::vector<Parameter*> values_;
+  std::vector<const Parameter*> values_;
 };
 
 struct Procedure {

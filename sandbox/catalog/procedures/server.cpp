@@ -45,8 +45,8 @@ std::string Bracketed(const std::string& name) {
 int AddType(Session& session, const Arguments& args) {
   const std::string nulls = LowerText(args.Text(2).value_or("null"));
   const bool nullable = nulls == "null";
-  session.RunBatch("create type " + Bracketed(args.Text(0).value_or("")) + " from " +
-                   args.Text(1).value_or("") + (nullable ? " null" : " not null"));
+  session.RunText("create type " + Bracketed(args.Text(0).value_or("")) + " from " +
+                  args.Text(1).value_or("") + (nullable ? " null" : " not null"));
   return 0;
 }
 
@@ -56,18 +56,9 @@ std::span<const Procedure> IdleProcedures() {
   static const std::vector<Procedure> kProcedures{
       {"sp_updatestats", {}, Nothing},
       {"sp_dboption", {"@dbname", "@optname", "@optvalue"}, Nothing},
-      {"sp_dbcmptlevel", {"@dbname", "@new_cmptlevel"}, Nothing},
-      {"sp_configure", {"@configname", "@configvalue"}, Nothing},
-      {"sp_changedbowner", {"@loginame", "@map"}, Nothing},
-      {"sp_grantdbaccess", {"@loginame", "@name_in_db"}, Nothing},
       {"sp_addrolemember", {"@rolename", "@membername"}, Nothing},
       {"sp_bindrule", {"@rulename", "@objname", "@futureonly"}, Nothing},
-      {"sp_unbindrule", {"@objname", "@futureonly"}, Nothing},
       {"sp_bindefault", {"@defname", "@objname", "@futureonly"}, Nothing},
-      {"sp_unbindefault", {"@objname", "@futureonly"}, Nothing},
-      {"sp_tableoption", {"@TableNamePattern", "@OptionName", "@OptionValue"}, Nothing},
-      {"sp_fulltext_database", {"@action"}, Nothing},
-      {"sp_recompile", {"@objname"}, Nothing},
   };
   return kProcedures;
 }
