@@ -1,8 +1,11 @@
 // Saves pictures of every window into a folder, for looking at: take_screenshots FOLDER SKINS
-// HELP_FILE. QT_SCALE_FACTOR=2 gives them at 200 %.
+// HELP_FILE. QT_SCALE_FACTOR=2 gives them at 200 %. With SKIN and PALETTE (light, dark) behind
+// these the windows are shown in that skin on such a desktop, and the pictures are put on a few
+// sheets.
 #include <QApplication>
 #include <QDir>
 #include <QPainter>
+#include <QSettings>
 #include <QTimer>
 #include <functional>
 #include <semaphore>
@@ -10,13 +13,17 @@
 
 #include "platform/scheduler/cron_scheduler.h"
 #include "tests/platform/scheduler/file_crontab.h"
+#include "tests/ui/contrast.h"
 #include "tests/ui/wizard/scripted_endpoint.h"
 #include "tests/ui/wizard/wizard_driver.h"
+#include "tools/contact_sheet.h"
 #include "ui/controls/window_style.h"
 #include "ui/dialogs/frm_msg_box.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/dialogs/skin_module.h"
 #include "ui/help/help_window.h"
+#include "ui/look/current_look.h"
+#include "ui/look/skins.h"
 #include "ui/schedule/frm_schedule.h"
 #include "ui/schedule/task_settings_dialog.h"
 #include "ui/wizard/preview_dialog.h"
@@ -27,12 +34,17 @@ namespace {
 
 class Camera {
  public:
-  explicit Camera(const QString& folder) : folder_(folder) { folder_.mkpath("."); }
+  /// Puts every picture on the sheets instead when there are any.
+  explicit Camera(const QString& folder, ContactSheets* sheets = nullptr)
+      : folder_(folder), sheets_(sheets) {
+    folder_.mkpath(".");
+  }
 
   void Take(QWidget& window, const QString& name) {
     QApplication::processEvents();
     QPixmap picture = window.grab();
     if (!window.mask().isEmpty()) CutOut(picture, window.mask());
+    if (sheets_) return sheets_->Add(picture, name);
     picture.save(folder_.filePath(name + ".png"));
   }
 
@@ -50,6 +62,7 @@ class Camera {
   }
 
   QDir folder_;
+  ContactSheets* sheets_;
 };
 
 const std::string kLongName =
@@ -226,43 +239,80 @@ void TakeBox(Camera& camera, const QString& name, MessageBoxKind kind, const QSt
   box.Run(kind, text, style, "MS SQL Server", kAnswerYes);
 }
 
+const QString kFailed =
+    "MS SQL Server can not be found at that server. Make sure that you entered the correct host "
+    "name";
+
+/// Everything but the wizard, in the skin that is chosen.
+void TakeDialogs(Camera& camera, const std::filesystem::path& skin, const QString& help_file) {
+  QString long_text = kFailed + "\n\n" + QString(90, 'x') + "\n";
+  for (int i = 0; i < 20; ++i) long_text += kFailed + "\n";
+  TakeBox(camera, "box-long", MessageBoxKind::Ok, long_text, message_style::kInformation, skin);
+  TakeBox(camera, "box-warning", MessageBoxKind::Ok, "Please click connect to database button",
+          message_style::kPlain, skin);
+  TakeSchedule(camera);
+  TakePreview(camera);
+  HelpWindow help(help_file.toStdString());
+  help.show();
+  help.ShowContext(3);
+  camera.Take(help, "help");
+}
+
+void TakeBoxes(Camera& camera, const QString& suffix, const std::filesystem::path& skin) {
+  TakeBox(camera, "box-error" + suffix, MessageBoxKind::Ok, kFailed, message_style::kError, skin);
+  TakeBox(camera, "box-question" + suffix, MessageBoxKind::YesNo, "Are you sure you want to exit?",
+          message_style::kQuestion, skin);
+}
+
+void TakeEverything(const QString& folder, const std::filesystem::path& skins,
+                    const QString& help_file) {
+  Camera camera(folder);
+  TakeWizard(camera, kFromMsSql, "mssql-", LeaveAsItIs);
+  TakeWizard(camera, kFromMySql, "mysql-", LeaveAsItIs);
+  TakeWizard(camera, kFromMsSql, "small-", MakeSmall);
+  TakeWizard(camera, kFromMySql, "long-", GiveLongNames);
+  for (const char* skin : {"Blue", "Heather", "none"}) {
+    TakeBoxes(camera, QStringLiteral("-") + skin, skins / skin);
+  }
+  TakeDialogs(camera, skins / "Blue", help_file);
+  for (const QString& skin : {kLightSkin, kDarkSkin}) {
+    ChooseSkin(skin);
+    TakeWizard(camera, kFromMsSql, skin.toLower() + "-", LeaveAsItIs);
+  }
+}
+
+void TakeSheets(const QString& folder, const std::filesystem::path& skins, const QString& help_file,
+                const QString& skin, const QString& palette) {
+  if (palette == "dark") QApplication::setPalette(DarkPalette());
+  QApplication::processEvents();
+  ChooseSkin(skin);
+  const QString scale = qEnvironmentVariable("QT_SCALE_FACTOR", "1");
+  ContactSheets sheets(folder, QStringList{skin, palette, scale}.join('-'));
+  Camera camera(folder, &sheets);
+  TakeWizard(camera, kFromMsSql, "mssql-", LeaveAsItIs);
+  TakeWizard(camera, kFromMySql, "mysql-", LeaveAsItIs);
+  TakeBoxes(camera, "", skins / skin.toStdString());
+  TakeDialogs(camera, skins / skin.toStdString(), help_file);
+}
+
 }  // namespace
 }  // namespace dorvane::test
 
 int main(int argc, char** argv) {
   using namespace dorvane;
   using namespace dorvane::test;
+  // The user's own settings stay out of the pictures.
+  const TempFolder settings;
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                     QString::fromStdString(settings.Path().string()));
   QApplication app(argc, argv);
-  if (argc != 4) return 2;
-  Camera camera(argv[1]);
-  const std::filesystem::path skins = argv[2];
   QApplication::setStyle(std::make_unique<WindowStyle>().release());
-
-  TakeWizard(camera, kFromMsSql, "mssql-", LeaveAsItIs);
-  TakeWizard(camera, kFromMySql, "mysql-", LeaveAsItIs);
-  TakeWizard(camera, kFromMsSql, "small-", MakeSmall);
-  TakeWizard(camera, kFromMySql, "long-", GiveLongNames);
-  const QString failed =
-      "MS SQL Server can not be found at that server. Make sure that you entered the correct host "
-      "name";
-  for (const char* skin : {"Blue", "Heather", "none"}) {
-    const QString suffix = QStringLiteral("-") + skin;
-    TakeBox(camera, "box-error" + suffix, MessageBoxKind::Ok, failed, message_style::kError,
-            skins / skin);
-    TakeBox(camera, "box-question" + suffix, MessageBoxKind::YesNo,
-            "Are you sure you want to exit?", message_style::kQuestion, skins / skin);
+  if (argc == 4) {
+    TakeEverything(argv[1], argv[2], argv[3]);
+  } else if (argc == 6) {
+    TakeSheets(argv[1], argv[2], argv[3], argv[4], argv[5]);
+  } else {
+    return 2;
   }
-  QString long_text = failed + "\n\n" + QString(90, 'x') + "\n";
-  for (int i = 0; i < 20; ++i) long_text += failed + "\n";
-  TakeBox(camera, "box-long", MessageBoxKind::Ok, long_text, message_style::kInformation,
-          skins / "Blue");
-  TakeBox(camera, "box-warning", MessageBoxKind::Ok, "Please click connect to database button",
-          message_style::kPlain, skins / "Blue");
-  TakeSchedule(camera);
-  TakePreview(camera);
-  HelpWindow help(argv[3]);
-  help.show();
-  help.ShowContext(3);
-  camera.Take(help, "help");
   return 0;
 }

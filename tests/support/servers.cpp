@@ -24,9 +24,10 @@ constexpr std::array kStartOptions = {"--innodb-buffer-pool-size=64M",
                                       "--max-allowed-packet=64M",
                                       "--loose-cte-max-recursion-depth=100000000",
                                       "--loose-max-recursive-iterations=100000000"};
-constexpr std::array kMySqlOptions = {"--secure-file-priv=",      "--loose-mysqlx=OFF",
-                                      "--skip-log-bin",           "--performance-schema=OFF",
-                                      "--innodb-doublewrite=OFF", "--innodb-flush-method=nosync"};
+constexpr std::array kMySqlOptions = {"--local-infile=ON",           "--secure-file-priv=",
+                                      "--loose-mysqlx=OFF",          "--skip-log-bin",
+                                      "--performance-schema=OFF",    "--innodb-doublewrite=OFF",
+                                      "--innodb-flush-method=nosync"};
 
 constexpr const char* kUserStatements =
     "ALTER USER 'root'@'localhost' IDENTIFIED BY 'secret';\n"

@@ -3,19 +3,20 @@
 #include <QLinearGradient>
 #include <QPainterPath>
 
+#include "ui/look/contrast.h"
+
 namespace dorvane {
 
 namespace {
 
-QColor Mix(const QColor& from, const QColor& to, double part) {
-  const auto channel = [part](int a, int b) { return static_cast<int>(a + (b - a) * part); };
-  return QColor(channel(from.red(), to.red()), channel(from.green(), to.green()),
-                channel(from.blue(), to.blue()));
+bool IsDark(const QColor& color) {
+  return qGray(color.rgb()) < 128;
 }
 
-QColor Greyed(const QColor& color) {
+QColor Greyed(const QColor& color, bool on_dark) {
   const int grey = qGray(color.rgb());
-  return Mix(Mix(color, QColor(grey, grey, grey), 0.7), QColor(200, 204, 212), 0.55);
+  const QColor faint = on_dark ? QColor(52, 55, 61) : QColor(200, 204, 212);
+  return Mix(Mix(color, QColor(grey, grey, grey), 0.7), faint, 0.55);
 }
 
 bool IsSoft(const ButtonLook& look) {
@@ -37,8 +38,8 @@ QBrush Background(const ButtonLook& look, const ButtonState& state, const QRectF
   QColor primary = state.hovered ? look.hover_back_color : look.back_color;
   QColor secondary = look.gradient_color;
   if (!state.enabled) {
-    primary = Greyed(primary);
-    secondary = Greyed(secondary);
+    primary = Greyed(primary, IsDark(look.back_color));
+    secondary = Greyed(secondary, IsDark(look.back_color));
   }
   if (state.pressed) {
     primary = primary.darker(118);
@@ -85,8 +86,10 @@ void PaintRaised(QPainter& painter, const ButtonLook& look, const QRectF& bounds
 
 void PaintBorder(QPainter& painter, const ButtonLook& look, const ButtonState& state,
                  const QRectF& bounds) {
-  const QColor base = state.enabled ? look.back_color : Greyed(look.back_color);
-  const QColor line = Mix(base, Qt::black, state.enabled ? 0.5 : 0.2);
+  const bool on_dark = IsDark(look.back_color);
+  const QColor base = state.enabled ? look.back_color : Greyed(look.back_color, on_dark);
+  const QColor line = on_dark ? Mix(base, Qt::white, state.enabled ? 0.3 : 0.1)
+                              : Mix(base, Qt::black, state.enabled ? 0.5 : 0.2);
   const auto stroke = [&](double inset) {
     const QRectF rect = bounds.adjusted(inset, inset, -inset, -inset);
     painter.setPen(QPen(line, 1, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
@@ -160,7 +163,7 @@ void PaintCaption(QPainter& painter, const ButtonLook& look, const ButtonState& 
     painter.setPen(color);
     painter.drawText(layout.caption.translated(offset, offset), flags, text);
   };
-  if (!state.enabled) text_color = Mix(Greyed(background), text_color, 0.38);
+  if (!state.enabled) text_color = Mix(Greyed(background, IsDark(background)), text_color, 0.38);
   const QColor light = Mix(background, Qt::white, 0.75);
   const QColor dark = Mix(background, Qt::black, 0.6);
   // Embossed letters catch the light from the upper left, engraved ones at their lower right.
@@ -172,7 +175,7 @@ void PaintCaption(QPainter& painter, const ButtonLook& look, const ButtonState& 
 void PaintFocus(QPainter& painter, const ButtonLook& look, const ButtonState& state,
                 const QRectF& bounds) {
   const QColor background = state.hovered ? look.hover_back_color : look.back_color;
-  const QColor color = qGray(background.rgb()) > 128 ? QColor(24, 40, 84) : QColor(255, 255, 255);
+  const QColor color = IsDark(background) ? QColor(255, 255, 255) : QColor(24, 40, 84);
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(color, 1.6, Qt::CustomDashLine, Qt::FlatCap, Qt::RoundJoin));
   QPen pen = painter.pen();

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "ui/controls/make_child.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -112,12 +113,10 @@ NameListView::NameListView(QWidget* parent)
   setSelectionMode(QAbstractItemView::SingleSelection);
   setTextElideMode(Qt::ElideMiddle);
   setSpacing(1);
-  // Scroll bars keep the light look of the list on any ground around it.
-  QPalette light;
-  light.setColor(QPalette::Window, QColor(232, 235, 242));
-  light.setColor(QPalette::Button, QColor(214, 220, 232));
-  light.setColor(QPalette::WindowText, QColor(24, 34, 62));
-  for (QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()}) bar->setPalette(light);
+  // Scroll bars keep the look of the list on any ground around it.
+  for (QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()}) {
+    FollowPalette(*bar, &Look::scroll_bar);
+  }
 }
 
 const std::vector<std::string>& NameListView::Names() const {

@@ -24,6 +24,25 @@ void PaintFocusFrame(QPainter& painter, const QStyleOption& option, const QRect&
   painter.restore();
 }
 
+/// The base style outlines fields in a darker shade of the window, which is lost on a dark one.
+void OutlineOnDark(QPainter& painter, const QStyleOption& option, bool is_round) {
+  const QColor window = option.palette.color(QPalette::Window);
+  if (window.lightness() >= 128) return;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  QColor line = option.palette.color(QPalette::WindowText);
+  line.setAlphaF(option.state.testFlag(QStyle::State_Enabled) ? 0.45F : 0.3F);
+  painter.setPen(line);
+  painter.setBrush(Qt::NoBrush);
+  const QRectF rect = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
+  if (is_round) {
+    painter.drawEllipse(rect);
+  } else {
+    painter.drawRoundedRect(rect, 2, 2);
+  }
+  painter.restore();
+}
+
 }  // namespace
 
 void WindowStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
@@ -34,6 +53,9 @@ void WindowStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
     return;
   }
   QProxyStyle::drawPrimitive(element, option, painter, widget);
+  const bool is_outlined = element == PE_FrameLineEdit || element == PE_Frame ||
+                           element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
+  if (is_outlined) OutlineOnDark(*painter, *option, element == PE_IndicatorRadioButton);
   const bool is_frame = element == PE_FrameLineEdit || (element == PE_Frame && IsList(widget));
   if (is_frame && option->state.testFlag(State_HasFocus)) {
     PaintFocusFrame(*painter, *option, option->rect);
@@ -43,6 +65,7 @@ void WindowStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
 void WindowStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                      QPainter* painter, const QWidget* widget) const {
   QProxyStyle::drawComplexControl(control, option, painter, widget);
+  if (control == CC_SpinBox) OutlineOnDark(*painter, *option, false);
   const bool has_focus = option->state.testFlag(State_HasFocus);
   if (control == CC_ComboBox && has_focus) PaintFocusFrame(*painter, *option, option->rect);
 }
@@ -51,7 +74,9 @@ void WindowStyle::drawControl(ControlElement element, const QStyleOption* option
                               const QWidget* widget) const {
   const auto* combo_box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
   if (element != CE_ComboBoxLabel || !combo_box) {
-    return QProxyStyle::drawControl(element, option, painter, widget);
+    QProxyStyle::drawControl(element, option, painter, widget);
+    if (element == CE_ProgressBarGroove) OutlineOnDark(*painter, *option, false);
+    return;
   }
   QStyleOptionComboBox label = *combo_box;
   const int width =

@@ -4,35 +4,41 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+#include "ui/look/current_look.h"
+
 namespace dorvane {
 
 namespace {
 
 constexpr int kScale = 2;
 constexpr double kBorder = 3;
-const QColor kTitleTop(92, 110, 140);
-const QColor kTitleBottom(58, 72, 98);
-const QColor kEdge(46, 58, 80);
+
+/// The colours of the look now.
+const FrameColors& Colors() {
+  return CurrentLook().frame;
+}
 
 using PaintPicture = void (*)(QPainter& painter, const QRectF& rect);
 
 void PaintTitle(QPainter& painter, const QRectF& rect) {
   QLinearGradient shade(rect.topLeft(), rect.bottomLeft());
-  shade.setColorAt(0, kTitleTop);
-  shade.setColorAt(1, kTitleBottom);
+  shade.setColorAt(0, Colors().title_top);
+  shade.setColorAt(1, Colors().title_bottom);
   painter.fillRect(rect, shade);
 }
 
 void PaintLeftEdge(QPainter& painter, const QRectF& rect) {
-  painter.fillRect(QRectF(rect.left(), rect.top(), kBorder, rect.height()), kEdge);
+  painter.fillRect(QRectF(rect.left(), rect.top(), kBorder, rect.height()), Colors().edge);
 }
 
 void PaintRightEdge(QPainter& painter, const QRectF& rect) {
-  painter.fillRect(QRectF(rect.right() - kBorder, rect.top(), kBorder, rect.height()), kEdge);
+  painter.fillRect(QRectF(rect.right() - kBorder, rect.top(), kBorder, rect.height()),
+                   Colors().edge);
 }
 
 void PaintBottomEdge(QPainter& painter, const QRectF& rect) {
-  painter.fillRect(QRectF(rect.left(), rect.bottom() - kBorder, rect.width(), kBorder), kEdge);
+  painter.fillRect(QRectF(rect.left(), rect.bottom() - kBorder, rect.width(), kBorder),
+                   Colors().edge);
 }
 
 void PaintBottomLeft(QPainter& painter, const QRectF& rect) {
@@ -50,35 +56,35 @@ QRectF PaintFace(QPainter& painter, const QRectF& rect, const QColor& face) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(face);
   painter.drawRoundedRect(rect, 3, 3);
-  painter.setPen(QPen(Qt::white, 1.6, Qt::SolidLine, Qt::RoundCap));
+  painter.setPen(QPen(Colors().sign, 1.6, Qt::SolidLine, Qt::RoundCap));
   painter.setBrush(Qt::NoBrush);
   return rect.adjusted(4, 4, -4, -4);
 }
 
 void PaintClose(QPainter& painter, const QRectF& rect) {
-  const QRectF symbol = PaintFace(painter, rect, QColor(190, 70, 64));
+  const QRectF symbol = PaintFace(painter, rect, Colors().close);
   painter.drawLine(symbol.topLeft(), symbol.bottomRight());
   painter.drawLine(symbol.topRight(), symbol.bottomLeft());
 }
 
 void PaintMinimize(QPainter& painter, const QRectF& rect) {
-  const QRectF symbol = PaintFace(painter, rect, kTitleTop);
+  const QRectF symbol = PaintFace(painter, rect, Colors().button);
   painter.drawLine(symbol.bottomLeft(), symbol.bottomRight());
 }
 
 void PaintMaximize(QPainter& painter, const QRectF& rect) {
-  painter.drawRect(PaintFace(painter, rect, kTitleTop));
+  painter.drawRect(PaintFace(painter, rect, Colors().button));
 }
 
 void PaintRestore(QPainter& painter, const QRectF& rect) {
-  const QRectF symbol = PaintFace(painter, rect, kTitleTop);
+  const QRectF symbol = PaintFace(painter, rect, Colors().button);
   painter.drawRect(symbol.adjusted(0, 2, -2, 0));
   painter.drawLine(symbol.topLeft() + QPointF(2, 0), symbol.topRight());
   painter.drawLine(symbol.topRight(), symbol.bottomRight() - QPointF(0, 2));
 }
 
 void PaintHelp(QPainter& painter, const QRectF& rect) {
-  PaintFace(painter, rect, kTitleTop);
+  PaintFace(painter, rect, Colors().button);
   QFont font = painter.font();
   font.setPixelSize(11);
   font.setBold(true);

@@ -15,6 +15,7 @@
 #include "ui/dialogs/built_in_skin.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/dialogs/skin_module.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -103,6 +104,17 @@ frmMsgBox::frmMsgBox() : QDialog(nullptr, Qt::Dialog | Qt::FramelessWindowHint) 
   AddButtons();
   LayoutSkinFrame(*this);
   SetTopMost(*this, false);
+  FollowLook(*this, [this](const Look& look) { Dress(look); });
+}
+
+void frmMsgBox::Dress(const Look& look) {
+  setPalette(look.message);
+  QPalette title;
+  title.setColor(QPalette::WindowText, look.message_title);
+  lblTitle_->setPalette(title);
+  for (const DesignedPicture& designed : kPictures) {
+    findChild<PictureBox*>(designed.name)->SetPicture(BuiltInPicture(designed.name, designed.size));
+  }
   LoadSkin(*this);
 }
 
@@ -110,7 +122,6 @@ void frmMsgBox::AddFramePictures() {
   for (const DesignedPicture& designed : kPictures) {
     PictureBox& box = MakeNamed<PictureBox>(designed.name, *this);
     box.resize(designed.size);
-    box.SetPicture(BuiltInPicture(box.objectName(), designed.size));
   }
   for (const char* name : kDisabledPictures) findChild<PictureBox*>(name)->setEnabled(false);
   for (const char* name : kHiddenPictures) findChild<PictureBox*>(name)->hide();
@@ -131,9 +142,6 @@ void frmMsgBox::AddTitle() {
   QFont title_font = font();
   title_font.setBold(true);
   lblTitle_->setFont(title_font);
-  QPalette palette = lblTitle_->palette();
-  palette.setColor(QPalette::WindowText, Qt::white);
-  lblTitle_->setPalette(palette);
   lblTitle_->setTextFormat(Qt::PlainText);
   lblTitle_->setGeometry(14, 0, kBoxWidth - 14 - 78, kTitleHeight);
   PassMouseThrough(*lblTitle_);
@@ -142,9 +150,6 @@ void frmMsgBox::AddTitle() {
 void frmMsgBox::AddMessage() {
   lblMessage_ = &MakeNamed<MessageText>("lblMessage", static_cast<QWidget&>(*this));
   chkOffer_ = &MakeNamed<QCheckBox>("chkOffer", *this);
-  QPalette palette = chkOffer_->palette();
-  palette.setColor(QPalette::WindowText, QColor(16, 20, 32));
-  chkOffer_->setPalette(palette);
   chkOffer_->hide();
 }
 

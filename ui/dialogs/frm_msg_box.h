@@ -7,6 +7,7 @@
 #include "ui/controls/gradient_button.h"
 #include "ui/dialogs/message_icon.h"
 #include "ui/dialogs/message_text.h"
+#include "ui/look/look.h"
 
 class QCheckBox;
 class QLabel;
@@ -47,6 +48,7 @@ class frmMsgBox : public QDialog {
 
  private:
   void AddFramePictures();
+  void Dress(const Look& look);
   void AddTitle();
   void AddMessage();
   void AddButtons();

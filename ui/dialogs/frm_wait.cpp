@@ -11,6 +11,7 @@
 
 #include "ui/controls/make_child.h"
 #include "ui/controls/user_input.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -19,15 +20,6 @@ namespace {
 constexpr std::chrono::milliseconds kDelay(250);
 constexpr std::chrono::milliseconds kShortestShow(500);
 constexpr const char* kText = "Please wait";
-
-QPalette PanelPalette() {
-  QPalette palette;
-  palette.setColor(QPalette::Window, QColor(244, 246, 250));
-  palette.setColor(QPalette::WindowText, QColor(24, 34, 62));
-  palette.setColor(QPalette::Base, Qt::white);
-  palette.setColor(QPalette::Highlight, QColor(71, 102, 171));
-  return palette;
-}
 
 }  // namespace
 
@@ -48,7 +40,7 @@ frmWait::frmWait(QWidget& window) : QWidget(&window), window_(window) {
 
 QWidget& frmWait::BuildPanel() {
   auto& panel = MakeChild<QFrame>(static_cast<QWidget&>(*this));
-  panel.setPalette(PanelPalette());
+  FollowPalette(panel, &Look::panel);
   panel.setAutoFillBackground(true);
   auto& layout = MakeChild<QVBoxLayout>(panel);
   layout.setContentsMargins(32, 20, 32, 24);
@@ -149,7 +141,7 @@ void frmWait::closeEvent(QCloseEvent* event) {
 }
 
 void frmWait::paintEvent(QPaintEvent*) {
-  QPainter(this).fillRect(rect(), QColor(13, 19, 40, 110));
+  QPainter(this).fillRect(rect(), CurrentLook().veil);
 }
 
 }  // namespace dorvane

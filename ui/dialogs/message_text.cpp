@@ -18,12 +18,6 @@ MessageText::MessageText(QWidget* parent) : QPlainTextEdit(parent) {
   document()->setDocumentMargin(0);
   viewport()->setAutoFillBackground(false);
   viewport()->setCursor(Qt::IBeamCursor);
-  // On the light ground of the skins, whatever the desktop's colours are.
-  QPalette palette = this->palette();
-  palette.setColor(QPalette::Text, QColor(16, 20, 32));
-  palette.setColor(QPalette::Highlight, QColor(71, 102, 171));
-  palette.setColor(QPalette::HighlightedText, Qt::white);
-  setPalette(palette);
 }
 
 void MessageText::setText(const QString& text) {

@@ -4,7 +4,6 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainterPath>
-#include <QSettings>
 #include <QWindow>
 #include <algorithm>
 #include <array>
@@ -14,13 +13,14 @@
 #include "ui/controls/make_child.h"
 #include "ui/controls/picture_box.h"
 #include "ui/controls/user_input.h"
+#include "ui/look/current_look.h"
+#include "ui/look/skins.h"
 
 namespace dorvane {
 
 namespace {
 
 constexpr int kCornerRadius = 12;
-const QColor kBackground(192, 192, 192);
 
 // A coordinate that may follow the window's size: factor * size + offset.
 struct Coordinate {
@@ -90,11 +90,6 @@ class ManualDrag : public QObject {
 
 }  // namespace
 
-QString CurrentSkin() {
-  const QSettings settings("Dorvane", "Dorvane");
-  return settings.value("Options/Current Skin", "Blue").toString();
-}
-
 void LoadSkin(QWidget& frm) {
   LoadSkin(frm, ProgramFolder() / "Skinz" / CurrentSkin().toStdString());
 }
@@ -121,9 +116,7 @@ QRect SkinPictureRect(std::string_view name, QSize window, QSize designed) {
 
 void LayoutSkinFrame(QWidget& frm) {
   const QSize window = frm.size();
-  QPalette palette = frm.palette();
-  palette.setColor(QPalette::Window, kBackground);
-  frm.setPalette(palette);
+  frm.setPalette(CurrentLook().message);
   if (const auto* title = frm.findChild<QLabel*>("lblTitle")) frm.setWindowTitle(title->text());
   RoundWindowCorners(frm);
   for (const FramePicture& picture : kFrame) {

@@ -8,9 +8,6 @@
 
 namespace dorvane {
 
-/// The skin that the user has chosen (setting "Current Skin" of section "Options"), else "Blue".
-QString CurrentSkin();
-
 /// Loads the current skin from the program's folder into every picture control of `frm`. Pictures
 /// whose file is missing or unreadable stay as they are.
 void LoadSkin(QWidget& frm);

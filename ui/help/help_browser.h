@@ -8,7 +8,8 @@
 namespace dorvane {
 
 /// Shows the topics of a help book and follows their links inside it. Links that lead out of the
-/// book do nothing.
+/// book do nothing. Topics have the colours of the book's style sheet, which is written for a light
+/// ground; on a dark one each of them keeps its hue and becomes as light as it was dark.
 class HelpBrowser : public QTextBrowser {
   Q_OBJECT
 
@@ -23,6 +24,7 @@ class HelpBrowser : public QTextBrowser {
   void ShowText(const QString& text);
 
  protected:
+  void changeEvent(QEvent* event) override;
   QVariant loadResource(int type, const QUrl& name) override;
   void doSetSource(const QUrl& name, QTextDocument::ResourceType type) override;
 

@@ -2,15 +2,20 @@
 
 #include <QLineEdit>
 #include <QListWidget>
+#include <QShortcut>
+#include <QSignalBlocker>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include "platform/run_time_error.h"
 #include "ui/controls/make_child.h"
 #include "ui/help/help_browser.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -42,6 +47,7 @@ HelpWindow::HelpWindow(const std::filesystem::path& help_file, QWidget* parent)
   setWindowTitle("Dorvane Help");
   setAttribute(Qt::WA_QuitOnClose, false);
   resize(kWindowSize);
+  FollowPalette(*this, &Look::window);
   Build();
   try {
     book_ = std::make_unique<help::HelpBook>(help_file);
@@ -85,6 +91,10 @@ void HelpWindow::Build() {
   forward.setEnabled(false);
   connect(browser_, &QTextBrowser::backwardAvailable, &back, &QAction::setEnabled);
   connect(browser_, &QTextBrowser::forwardAvailable, &forward, &QAction::setEnabled);
+  connect(browser_, &QTextBrowser::sourceChanged, this, &HelpWindow::FollowTopic);
+
+  auto& escape = MakeChild<QShortcut>(*this, QKeySequence(Qt::Key_Escape));
+  connect(&escape, &QShortcut::activated, this, &QWidget::close);
 }
 
 QWidget& HelpWindow::BuildContents() {
@@ -128,6 +138,21 @@ QWidget& HelpWindow::BuildSearch() {
   return *search_tab_;
 }
 
+void HelpWindow::FollowTopic(const QUrl& shown) {
+  const QString page = shown.path().mid(1);
+  const QString place = shown.hasFragment() ? page + '#' + shown.fragment() : page;
+  QTreeWidgetItem* entry = nullptr;
+  for (QTreeWidgetItemIterator each(contents_); *each != nullptr; ++each) {
+    const QString topic = (*each)->data(0, kTopicRole).toString();
+    if (topic == place) entry = *each;
+    if (topic == page && !entry) entry = *each;
+  }
+  // It is shown already.
+  const QSignalBlocker blocker(contents_);
+  contents_->setCurrentItem(entry);
+  if (entry) contents_->scrollToItem(entry);
+}
+
 void HelpWindow::ShowTab(QWidget& tab) {
   tabs_->setCurrentWidget(&tab);
 }
@@ -155,6 +180,7 @@ void HelpWindow::ShowContext(std::int32_t context) {
   if (const auto topic = book_->TopicOfContext(context)) {
     browser_->ShowTopic(*topic);
   } else {
+    contents_->setCurrentItem(nullptr);
     browser_->ShowText(QString("There is no help topic of number %1.").arg(context));
   }
 }

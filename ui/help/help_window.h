@@ -11,13 +11,14 @@ class QLineEdit;
 class QListWidget;
 class QTabWidget;
 class QTreeWidget;
+class QUrl;
 
 namespace dorvane {
 
 class HelpBrowser;
 
 /// The window of a help file: contents, index and search on the left, the topic on the right. A
-/// file that is missing or damaged is reported in the window.
+/// file that is missing or damaged is reported in the window. Esc closes it.
 class HelpWindow : public QWidget {
   Q_OBJECT
 
@@ -38,6 +39,8 @@ class HelpWindow : public QWidget {
   QWidget& BuildIndex();
   QWidget& BuildSearch();
   void ShowTab(QWidget& tab);
+  /// Marks the entry of the contents that the shown topic stands under.
+  void FollowTopic(const QUrl& shown);
   void FilterIndex(const QString& text);
   void Search();
 

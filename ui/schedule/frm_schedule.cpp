@@ -14,6 +14,7 @@
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
 #include "ui/controls/soft_button.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -36,6 +37,7 @@ frmSchedule::frmSchedule(const IDatabase& src, const IDatabase& dest, NameList t
       services_(std::move(services)) {
   setObjectName("frmSchedule");
   setWindowTitle("Schedule Conversion");
+  FollowPalette(*this, &Look::window);
   auto& layout = MakeChild<QGridLayout>(*static_cast<QWidget*>(this));
   layout.setContentsMargins(kDialogMargin, kDialogMargin, kDialogMargin, kDialogMargin);
   layout.setSpacing(kDialogGap);

@@ -10,6 +10,7 @@
 #include "ui/controls/make_child.h"
 #include "ui/controls/name_list_view.h"
 #include "ui/controls/soft_button.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -18,6 +19,7 @@ TaskListDialog::TaskListDialog(std::shared_ptr<scheduler::ITaskScheduler> schedu
     : QDialog(parent), scheduler_(std::move(scheduler)), messages_(std::move(messages)) {
   setObjectName("frmTaskList");
   setWindowTitle("Scheduled tasks");
+  FollowPalette(*this, &Look::window);
   QWidget& self = *this;
   auto& layout = MakeChild<QVBoxLayout>(self);
   layout.setContentsMargins(kDialogMargin, kDialogMargin, kDialogMargin, kDialogMargin);

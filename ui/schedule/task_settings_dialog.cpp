@@ -16,6 +16,7 @@
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
 #include "ui/controls/soft_button.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -67,6 +68,7 @@ TaskSettingsDialog::TaskSettingsDialog(std::shared_ptr<scheduler::ITaskScheduler
       messages_(std::move(messages)) {
   setObjectName("frmTaskSettings");
   setWindowTitle(QString::fromStdString(task_.name));
+  FollowPalette(*this, &Look::window);
   auto& layout = MakeChild<QVBoxLayout>(*static_cast<QWidget*>(this));
   layout.setContentsMargins(kDialogMargin, kDialogMargin, kDialogMargin, kDialogMargin);
   layout.setSpacing(kDialogGap);

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "ui/controls/make_child.h"
-#include "ui/wizard/theme.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
@@ -90,7 +90,7 @@ QIcon Icon(const Paint& paint) {
   picture.fill(Qt::transparent);
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(QColor(theme::kTextColor), 2.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setPen(QPen(CurrentLook().icon, 2.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   paint(painter);
   return picture;
 }
@@ -108,7 +108,7 @@ QIcon EyeIcon(bool is_crossed) {
     lids.quadTo(16, 1, 29, 16);
     lids.quadTo(16, 31, 3, 16);
     painter.drawPath(lids);
-    painter.setBrush(QColor(theme::kTextColor));
+    painter.setBrush(CurrentLook().icon);
     painter.drawEllipse(QPointF(16, 16), 3.5, 3.5);
     if (is_crossed) painter.drawLine(6, 27, 26, 5);
   });
@@ -144,7 +144,7 @@ void OfferEarlierConnections(QLineEdit& host, ServerKind kind,
   auto& completer = MakeChild<QCompleter>(static_cast<QObject&>(host));
   completer.setModel(&model);
   completer.setCaseSensitivity(Qt::CaseInsensitive);
-  completer.popup()->setPalette(theme::FieldPalette());
+  FollowPalette(*completer.popup(), &Look::field);
   completer.popup()->setObjectName(host.objectName() + "Earlier");
   completer.popup()->setAccessibleName("Earlier connections");
   host.setCompleter(&completer);
@@ -154,7 +154,8 @@ void OfferEarlierConnections(QLineEdit& host, ServerKind kind,
     completer.setCompletionPrefix({});
     completer.complete();
   };
-  auto& show = *host.addAction(ArrowIcon(), QLineEdit::TrailingPosition);
+  auto& show = *host.addAction(QIcon(), QLineEdit::TrailingPosition);
+  FollowLook(host, [&show](const Look&) { show.setIcon(ArrowIcon()); });
   show.setText("Earlier connections");
   show.setToolTip("Earlier connections");
   QObject::connect(&show, &QAction::triggered, &host, offer_all);
@@ -173,11 +174,12 @@ void OfferEarlierConnections(QLineEdit& host, ServerKind kind,
 }
 
 void AddPasswordEye(QLineEdit& password) {
-  auto& eye = *password.addAction(EyeIcon(false), QLineEdit::TrailingPosition);
+  auto& eye = *password.addAction(QIcon(), QLineEdit::TrailingPosition);
   eye.setObjectName(password.objectName() + "Eye");
   eye.setCheckable(true);
   eye.setText("Show the password");
   eye.setToolTip("Show the password");
+  FollowLook(password, [&eye](const Look&) { eye.setIcon(EyeIcon(eye.isChecked())); });
   QObject::connect(&eye, &QAction::toggled, &password, [&password, &eye](bool is_shown) {
     password.setEchoMode(is_shown ? QLineEdit::Normal : QLineEdit::Password);
     eye.setIcon(EyeIcon(is_shown));

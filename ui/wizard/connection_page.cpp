@@ -6,6 +6,7 @@
 
 #include "platform/text/number_text.h"
 #include "ui/dialogs/message_box.h"
+#include "ui/look/current_look.h"
 #include "ui/wizard/connection_history.h"
 #include "ui/wizard/theme.h"
 
@@ -82,8 +83,9 @@ void ConnectionPage::SetConnected(bool connected) {
 void ConnectionPage::ShowWhatCanBeTyped() {
   for (QLineEdit* field : {host_, port_, user_, password_}) {
     const bool open = field->isEnabledTo(this) && !field->isReadOnly();
+    const Look& look = CurrentLook();
     theme::SetColor(*field, QPalette::Base,
-                    open ? theme::kFieldBackground : theme::kDisabledFieldBackground);
+                    open ? look.page.color(QPalette::Base) : look.closed_field);
   }
 }
 

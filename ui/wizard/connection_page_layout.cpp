@@ -4,6 +4,7 @@
 
 #include "ui/controls/make_child.h"
 #include "ui/controls/option_group.h"
+#include "ui/look/current_look.h"
 #include "ui/wizard/connection_history.h"
 #include "ui/wizard/connection_page.h"
 #include "ui/wizard/theme.h"
@@ -63,6 +64,7 @@ ConnectionPage::ConnectionPage(std::int16_t index, WizardSession& session,
   traits_.is_destination ? AddDestinationCard() : AddSourceCard();
   AddButtons();
   Content().addStretch();
+  FollowLook(*this, [this](const Look&) { ShowWhatCanBeTyped(); });
 }
 
 QLineEdit& ConnectionPage::AddField(QGridLayout& grid, int row, int column, const char* name,

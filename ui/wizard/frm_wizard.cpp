@@ -6,6 +6,7 @@
 #include "ui/controls/qt_text.h"
 #include "ui/controls/user_input.h"
 #include "ui/dialogs/message_box.h"
+#include "ui/look/current_look.h"
 #include "ui/wizard/preview_dialog.h"
 #include "ui/wizard/theme.h"
 
@@ -22,6 +23,7 @@ frmWizard::frmWizard(WizardServices services)
   setObjectName("frmWizard");
   setAcceptDrops(true);
   BuildWindow();
+  FollowLook(*this, [this](const Look&) { HighlightStepIndicator(mnCurStep_); });
   ConnectRun();
   ShowMessagesOver(*this);
   leaving_.setSingleShot(true);
@@ -51,9 +53,9 @@ void frmWizard::ConnectRun() {
   });
   connect(&run_, &WizardRun::Ended, this, [this] {
     report_ = recorder_.Report();
-    NavButton(kCancel).SetEnabled(false);
     NavButton(kFinish).SetEnabled(true);
     NavButton(kFinish).setFocus();
+    NavButton(kCancel).SetEnabled(false);
     transfer_page_->ConversionEnded();
   });
 }
@@ -149,9 +151,10 @@ void frmWizard::HighlightStepIndicator(std::int16_t page) {
   if (!current) return;
   for (std::size_t step = 0; step < kStepCount; ++step) {
     const bool is_current = step == static_cast<std::size_t>(*current);
-    step_markers_[step]->SetFillColor(is_current ? theme::kCurrentMarker : theme::kOtherMarker);
+    const SidebarColors& colors = CurrentLook().sidebar;
+    step_markers_[step]->SetFillColor(is_current ? colors.current_marker : colors.other_marker);
     theme::SetColor(*step_labels_[step], QPalette::WindowText,
-                    is_current ? theme::kCurrentStep : theme::kOtherStep);
+                    is_current ? colors.current_step : colors.other_step);
     step_labels_[step]->setAccessibleDescription(is_current ? "Current step" : QString());
     ProcessAllButUserInput();
   }

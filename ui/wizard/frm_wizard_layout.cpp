@@ -7,7 +7,9 @@
 #include "ui/controls/default_button.h"
 #include "ui/controls/make_child.h"
 #include "ui/controls/qt_text.h"
+#include "ui/look/current_look.h"
 #include "ui/wizard/frm_wizard.h"
+#include "ui/wizard/look_menu.h"
 #include "ui/wizard/save_report.h"
 
 namespace dorvane {
@@ -37,14 +39,14 @@ class Sidebar : public QWidget {
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
     QLinearGradient shade(0, 0, 0, height());
-    shade.setColorAt(0, QColor(theme::kSidebarTop));
-    shade.setColorAt(1, QColor(theme::kSidebarBottom));
+    shade.setColorAt(0, CurrentLook().sidebar.top);
+    shade.setColorAt(1, CurrentLook().sidebar.bottom);
     painter.fillRect(rect(), shade);
   }
 };
 
-void SetBackground(QWidget& widget, QRgb color) {
-  theme::SetColor(widget, QPalette::Window, color);
+void SetGround(QWidget& widget, QPalette Look::*palette) {
+  FollowPalette(widget, palette);
   widget.setAutoFillBackground(true);
 }
 
@@ -85,7 +87,7 @@ QWidget& frmWizard::BuildSidebar() {
   layout.setVerticalSpacing(16);
 
   auto& logo = MakeNamed<PictureBox>("Image2", sidebar);
-  logo.SetPicture(theme::LogoPicture());
+  FollowLook(logo, [&logo](const Look& look) { logo.SetPicture(theme::LogoPicture(look)); });
   logo.setFixedSize(kLogoSize);
   logo.setCursor(Qt::PointingHandCursor);
   logo.setToolTip("Help");
@@ -115,12 +117,11 @@ QWidget& frmWizard::BuildSidebar() {
 
 QWidget& frmWizard::BuildTitleLine() {
   auto& header = MakeChild<QWidget>(*this);
-  SetBackground(header, theme::kTitleBackground);
+  SetGround(header, &Look::title);
   auto& layout = MakeChild<QHBoxLayout>(header);
   layout.setContentsMargins(theme::kMargin, 14, theme::kMargin, 14);
   lblTitle_ = &MakeNamed<QLabel>("lblTitle", header);
   lblTitle_->setFont(theme::TitleFont(font()));
-  theme::SetColor(*lblTitle_, QPalette::WindowText, theme::kTextColor);
   layout.addWidget(lblTitle_);
   return header;
 }
@@ -166,11 +167,13 @@ QWidget& frmWizard::BuildPages() {
 }
 
 void frmWizard::AddHelpPicture(PictureBox& bar, QHBoxLayout& layout) {
-  auto& images = MakeNamed<theme::ImageList>("imglstImages", static_cast<QObject&>(bar),
-                                             theme::HelpPicture(false), theme::HelpPicture(true));
+  auto& images = MakeNamed<theme::ImageList>("imglstImages", static_cast<QObject&>(bar));
   imgHelp_ = &MakeNamed<PictureBox>("imgHelp", static_cast<QWidget&>(bar));
   imgHelp_->setFixedSize(kHelpSize);
-  imgHelp_->SetPicture(images.Picture(1));
+  FollowLook(*imgHelp_, [this, &images](const Look& look) {
+    images.SetPictures(theme::HelpPicture(look, false), theme::HelpPicture(look, true));
+    imgHelp_->SetPicture(images.Picture(1));
+  });
   imgHelp_->setToolTip("F1");
   imgHelp_->setAccessibleName("Help");
   imgHelp_->SetAction();
@@ -185,7 +188,7 @@ void frmWizard::AddHelpPicture(PictureBox& bar, QHBoxLayout& layout) {
 
 QWidget& frmWizard::BuildNavigationBar() {
   auto& bar = MakeNamed<PictureBox>("picNav", *this);
-  SetBackground(bar, theme::kNavBackground);
+  SetGround(bar, &Look::navigation);
   auto& layout = MakeChild<QHBoxLayout>(bar);
   layout.setContentsMargins(theme::kMargin, 12, theme::kMargin, 12);
   layout.setSpacing(theme::kGap);
@@ -218,6 +221,8 @@ QWidget& frmWizard::BuildNavigationBar() {
             [this, action = entry.action] { action(*this); });
     nav_buttons_[index] = &button;
   }
+  // Last in the tab order.
+  layout.insertWidget(1, &AddLookButton(bar));
   return bar;
 }
 

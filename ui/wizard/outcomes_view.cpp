@@ -18,12 +18,12 @@ namespace {
 
 enum Column { kName, kRows, kSeconds, kState, kColumns };
 constexpr const char* kHeaders[kColumns] = {"Table", "Rows", "Seconds", "State"};
+constexpr int kGap = 10;  // between columns
 constexpr std::size_t kNamesToTell = 3;
 constexpr std::size_t kMessagesInTooltip = 12;
 
 int Alignment(int column) {
-  const bool is_number = column == kRows || column == kSeconds;
-  return int(Qt::AlignVCenter | (is_number ? Qt::AlignRight : Qt::AlignLeft));
+  return int(Qt::AlignVCenter | (column == kName ? Qt::AlignLeft : Qt::AlignRight));
 }
 
 QString RowsText(const TableOutcome& table) {
@@ -190,7 +190,7 @@ void OutcomesView::ForgetUnconverted() {
 void OutcomesView::WidenColumns() {
   QHeaderView& header = *horizontalHeader();
   for (const int column : {kRows, kSeconds, kState}) {
-    const int needed = std::max(header.sectionSizeHint(column), sizeHintForColumn(column));
+    const int needed = kGap + std::max(header.sectionSizeHint(column), sizeHintForColumn(column));
     if (needed > header.sectionSize(column)) header.resizeSection(column, needed);
   }
 }

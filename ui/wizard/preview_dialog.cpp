@@ -8,12 +8,14 @@
 #include "ui/controls/make_child.h"
 #include "ui/controls/soft_button.h"
 #include "ui/dialogs/save_text.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane {
 
 PreviewDialog::PreviewDialog(QWidget* parent) : QDialog(parent) {
   setObjectName("frmPreview");
   setWindowTitle("What will happen");
+  FollowPalette(*this, &Look::window);
   QWidget& self = *this;
   auto& layout = MakeChild<QVBoxLayout>(self);
   layout.setContentsMargins(kDialogMargin, kDialogMargin, kDialogMargin, kDialogMargin);

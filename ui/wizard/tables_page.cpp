@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "ui/controls/make_child.h"
+#include "ui/look/current_look.h"
 #include "ui/wizard/table_filter.h"
 #include "ui/wizard/theme.h"
 #include "ui/wizard/wizard_steps.h"
@@ -213,7 +214,7 @@ void TablesPage::AddRunOptions(Card& card, QBoxLayout& layout) {
   row.setSpacing(theme::kGap);
   auto& label = MakeChild<QLabel>(card, "Tables at &once");
   spnTablesAtOnce_ = &MakeNamed<QSpinBox>("spnTablesAtOnce", card);
-  spnTablesAtOnce_->setPalette(theme::FieldPalette());  // of the arrows
+  FollowPalette(*spnTablesAtOnce_, &Look::field);  // of the arrows
   spnTablesAtOnce_->setRange(1, kMostTablesAtOnce);
   spnTablesAtOnce_->setAccessibleName("Tables at once");
   spnTablesAtOnce_->setToolTip("Each of them takes connections of its own to both servers.");

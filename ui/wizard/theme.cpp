@@ -9,17 +9,13 @@
 #include <algorithm>
 
 #include "ui/controls/soft_button.h"
+#include "ui/look/current_look.h"
 
 namespace dorvane::theme {
 
 namespace {
 
 constexpr int kPictureScale = 3;
-constexpr SoftButtonColors kButtonColors = {.back = qRgb(252, 253, 255),
-                                            .gradient = qRgb(196, 207, 228),
-                                            .fore = kTextColor,
-                                            .hover_back = qRgb(255, 226, 160),
-                                            .hover_fore = qRgb(110, 44, 0)};
 
 // A picture of `size` logical pixels, ready to be painted on.
 QPixmap BlankPicture(QSize size) {
@@ -52,45 +48,14 @@ void PaintCylinder(QPainter& painter, const QRectF& rect, const QColor& color) {
 
 }  // namespace
 
-QPalette PagePalette() {
-  QPalette palette;
-  const auto set = [&palette](QPalette::ColorRole role, QRgb color, QRgb disabled) {
-    palette.setColor(role, QColor(color));
-    palette.setColor(QPalette::Disabled, role, QColor(disabled));
-  };
-  const QRgb disabled_text = qRgb(110, 116, 130);
-  set(QPalette::Window, kPageBackground, kPageBackground);
-  set(QPalette::WindowText, qRgb(255, 255, 255), qRgb(164, 184, 228));
-  set(QPalette::Base, kFieldBackground, kDisabledFieldBackground);
-  set(QPalette::AlternateBase, qRgb(240, 243, 250), kDisabledFieldBackground);
-  set(QPalette::Text, kTextColor, disabled_text);
-  set(QPalette::Button, qRgb(238, 241, 247), kDisabledFieldBackground);
-  set(QPalette::ButtonText, kTextColor, disabled_text);
-  // Amber stands out from the background: selected entries, and the frame of the field with the
-  // focus.
-  set(QPalette::Highlight, qRgb(255, 190, 70), qRgb(190, 196, 208));
-  set(QPalette::HighlightedText, kTextColor, disabled_text);
-  set(QPalette::PlaceholderText, qRgb(96, 102, 116), disabled_text);
-  set(QPalette::ToolTipBase, qRgb(255, 252, 230), qRgb(255, 252, 230));
-  set(QPalette::ToolTipText, kTextColor, kTextColor);
-  return palette;
-}
-
-QPalette FieldPalette() {
-  QPalette palette = PagePalette();
-  palette.setColor(QPalette::Window, QColor(kFieldBackground));
-  palette.setColor(QPalette::WindowText, QColor(kTextColor));
-  return palette;
-}
-
 void StyleDropDown(QComboBox& list) {
   // The open list is a window of its own and takes no colours from the page.
-  list.view()->setPalette(FieldPalette());
+  FollowPalette(*list.view(), &Look::field);
   list.view()->setTextElideMode(Qt::ElideMiddle);
 }
 
 void StyleTable(QTableView& table) {
-  table.setPalette(FieldPalette());
+  FollowPalette(table, &Look::field);
   table.setEditTriggers(QAbstractItemView::NoEditTriggers);
   table.setSelectionBehavior(QAbstractItemView::SelectRows);
   table.setTabKeyNavigation(false);
@@ -105,9 +70,9 @@ void StyleTable(QTableView& table) {
   header.setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
 }
 
-void SetColor(QWidget& widget, QPalette::ColorRole role, QRgb color) {
-  QPalette palette = widget.palette();
-  palette.setColor(role, QColor(color));
+void SetColor(QWidget& widget, QPalette::ColorRole role, const QColor& color) {
+  QPalette palette;
+  palette.setColor(role, color);
   widget.setPalette(palette);
 }
 
@@ -125,36 +90,36 @@ QFont CaptionFont(const QFont& base) {
 }
 
 GradientButton& AddButton(const char* name, QWidget& parent, const char* caption, char access_key) {
-  return AddSoftButton(name, parent, caption, access_key, kButtonColors);
+  return AddSoftButton(name, parent, caption, access_key, &Look::button);
 }
 
 void Widen(GradientButton& button, int width) {
   button.setMinimumWidth(std::max(width, button.sizeHint().width()));
 }
 
-QPixmap HelpPicture(bool highlighted) {
+QPixmap HelpPicture(const Look& look, bool highlighted) {
   QPixmap picture = BlankPicture({28, 28});
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(QColor(kTextColor), 1.2));
-  painter.setBrush(highlighted ? QColor(255, 190, 70) : QColor(kPageBackground));
+  painter.setPen(QPen(look.help.edge, 1.2));
+  painter.setBrush(highlighted ? look.help.hover_ground : look.help.ground);
   painter.drawEllipse(QRectF(2, 2, 24, 24));
   QFont font;
   font.setPixelSize(17);
   font.setBold(true);
   painter.setFont(font);
-  painter.setPen(highlighted ? QColor(kTextColor) : QColor(Qt::white));
+  painter.setPen(highlighted ? look.help.hover_sign : look.help.sign);
   painter.drawText(QRectF(0, 0, 28, 28), Qt::AlignCenter, "?");
   return picture;
 }
 
-QPixmap LogoPicture() {
+QPixmap LogoPicture(const Look& look) {
   QPixmap picture = BlankPicture({120, 56});
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
   PaintCylinder(painter, {6, 8, 34, 42}, QColor(226, 96, 74));
   PaintCylinder(painter, {80, 8, 34, 42}, QColor(255, 190, 70));
-  painter.setPen(QPen(Qt::white, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setPen(QPen(look.sidebar.arrows, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   painter.setBrush(Qt::NoBrush);
   painter.drawLine(QPointF(48, 24), QPointF(72, 24));
   painter.drawPolyline(QPolygonF({{66, 18}, {72, 24}, {66, 30}}));
@@ -175,7 +140,7 @@ void StepMarker::SetFillColor(const QColor& color) {
 void StepMarker::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(QColor(255, 255, 255, 150), 1.4));
+  painter.setPen(QPen(CurrentLook().sidebar.marker_edge, 1.4));
   painter.setBrush(fill_);
   painter.drawEllipse(QRectF(rect()).adjusted(2, 2, -2, -2));
 }

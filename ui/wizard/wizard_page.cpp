@@ -5,6 +5,7 @@
 
 #include "ui/controls/make_child.h"
 #include "ui/controls/qt_text.h"
+#include "ui/look/current_look.h"
 #include "ui/wizard/theme.h"
 #include "ui/wizard/wizard_steps.h"
 
@@ -13,8 +14,8 @@ namespace dorvane {
 void Card::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(QColor(255, 255, 255, 70), 1));
-  painter.setBrush(QColor(255, 255, 255, 22));
+  painter.setPen(QPen(CurrentLook().card_edge, 1));
+  painter.setBrush(CurrentLook().card_ground);
   painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 7, 7);
 }
 
@@ -22,7 +23,7 @@ WizardPage::WizardPage(std::int16_t index, QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("fraStep%1").arg(index));
   const QString text = ToQString(PageCaption(index));
   setAccessibleName(text);
-  setPalette(theme::PagePalette());
+  FollowPalette(*this, &Look::page);
   setAutoFillBackground(true);
 
   content_ = &MakeChild<QVBoxLayout>(*this);

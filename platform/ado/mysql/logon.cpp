@@ -3,7 +3,7 @@
 #include <mariadb/errmsg.h>
 
 #include "platform/ado/mysql/errors.h"
-#include "platform/ado/mysql/session_settings.h"
+#include "platform/ado/mysql/served_text.h"
 #include "platform/ado/mysql/session_state.h"
 #include "platform/ado/mysql/tls_gate.h"
 #include "platform/ado/transport.h"
@@ -54,9 +54,9 @@ Client NewClient(const ConnectionSettings& settings, Tls tls, const char* method
   mysql_options(handle, MYSQL_OPT_CONNECT_TIMEOUT, &kConnectTimeout);
   mysql_options(handle, MYSQL_SET_CHARSET_NAME, "utf8mb4");
   mysql_options(handle, MARIADB_OPT_RESTRICTED_AUTH, methods);
-  // A server must not be able to ask for files of this machine.
-  const unsigned no_files = 0;
-  mysql_options(handle, MYSQL_OPT_LOCAL_INFILE, &no_files);
+  const unsigned with_handler = 1;
+  mysql_options(handle, MYSQL_OPT_LOCAL_INFILE, &with_handler);
+  RefuseFiles(handle);
   mysql_options(handle, MYSQL_OPT_SSL_VERIFY_SERVER_CERT, &no);
   if (tls == Tls::WhereOffered) {
     const my_bool yes = 1;
@@ -135,7 +135,7 @@ ServerLink LogOn(const ConnectionSettings& settings) {
   link.client = Connect(settings);
   MYSQL* client = link.client.get();
   link.watchdog = std::make_unique<Watchdog>(mysql_get_socket(client));
-  link.max_allowed_packet = link.watchdog->Watch([&] { return SetUpSession(client); });
+  link.limits = link.watchdog->Watch([&] { return SetUpSession(client); });
   link.is_exposed = mysql_get_ssl_cipher(client) == nullptr && !IsLoopback(settings.server);
   link.takes_bulk = TakesBulk(client);
   link.quotes_defaults = QuotesDefaults(client);

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <memory>
 
 #include "platform/ado/mysql/client.h"
+#include "platform/ado/mysql/session_settings.h"
 #include "platform/ado/provider.h"
 #include "platform/ado/watchdog.h"
 
@@ -13,10 +13,10 @@ namespace dorvane::ado::mysql {
 struct ServerLink {
   Client client;
   std::unique_ptr<Watchdog> watchdog;  // of the client
-  std::size_t max_allowed_packet = 0;  // bytes
-  bool is_exposed = false;             // see Session
-  bool takes_bulk = false;             // the server knows the bulk protocol
-  bool quotes_defaults = false;        // the catalog gives defaults as expressions, texts quoted
+  SessionLimits limits;
+  bool is_exposed = false;       // see Session
+  bool takes_bulk = false;       // the server knows the bulk protocol
+  bool quotes_defaults = false;  // the catalog gives defaults as expressions, texts quoted
 };
 
 /// Logs on and sets the session up; its watchdog keeps the settings' idle limit. Reads no option

@@ -26,8 +26,8 @@ bool IsLostConnection(const ProviderError& failure) {
 
 }  // namespace
 
-ClientSession::ClientSession(ConnectionSettings settings, BulkProtocol bulk)
-    : settings_(std::move(settings)), bulk_(bulk), link_(LogOn(settings_)) {}
+ClientSession::ClientSession(ConnectionSettings settings, RowTransport transport)
+    : settings_(std::move(settings)), transport_(transport), link_(LogOn(settings_)) {}
 
 const ServerLink& ClientSession::Link() {
   if (!abandoned_) return link_;
@@ -41,7 +41,12 @@ const ServerLink& ClientSession::Link() {
 }
 
 bool ClientSession::UsesBulk() {
-  return bulk_ == BulkProtocol::WhereOffered && Link().takes_bulk;
+  return transport_ == RowTransport::Fastest && Link().takes_bulk;
+}
+
+bool ClientSession::UsesLoads() {
+  return transport_ != RowTransport::Statements && in_transaction_ && !UsesBulk() &&
+         Link().limits.takes_local_files;
 }
 
 void ClientSession::Abandon() {
@@ -122,7 +127,7 @@ std::vector<Key> ClientSession::Keys(const TableName& table) {
 }
 
 std::unique_ptr<Session> ClientProvider::Connect(const ConnectionSettings& settings) {
-  return std::make_unique<ClientSession>(settings, bulk_);
+  return std::make_unique<ClientSession>(settings, transport_);
 }
 
 }  // namespace mysql

@@ -12,14 +12,15 @@
 
 namespace dorvane::ado::mysql {
 
-/// How rows are sent: MariaDB's bulk protocol, or INSERT statements of many rows, which every
-/// server understands.
-enum class BulkProtocol { WhereOffered, Never };
+/// How rows are sent: by the fastest way that the server offers, which is MariaDB's bulk protocol
+/// or else a load; by a load where the server takes one; or always by INSERT statements of many
+/// rows, which every server understands.
+enum class RowTransport { Fastest, Loads, Statements };
 
 /// One logged-on session. Its readers and writers must go before it does.
 class ClientSession final : public Session {
  public:
-  ClientSession(ConnectionSettings settings, BulkProtocol bulk);
+  ClientSession(ConnectionSettings settings, RowTransport transport);
 
   std::unique_ptr<ResultReader> Execute(std::string_view sql) override;
   bool IsStreaming() const override { return streaming_; }
@@ -52,6 +53,8 @@ class ClientSession final : public Session {
   }
   /// Whether rows are to be sent by the bulk protocol.
   bool UsesBulk();
+  /// Whether many rows are to be loaded. What is loaded can be undone inside a transaction only.
+  bool UsesLoads();
 
   /// For readers: whether rows are left on the wire.
   void SetStreaming(bool streaming) { streaming_ = streaming; }
@@ -67,21 +70,21 @@ class ClientSession final : public Session {
   void Sever();
 
   ConnectionSettings settings_;
-  BulkProtocol bulk_;
+  const RowTransport transport_;
   ServerLink link_;
   bool streaming_ = false;
   bool abandoned_ = false;
   bool in_transaction_ = false;
 };
 
-/// MySqlProvider() is one of these that uses the bulk protocol where it can.
+/// MySqlProvider() is one of these that sends rows by the fastest way.
 class ClientProvider final : public Provider {
  public:
-  explicit ClientProvider(BulkProtocol bulk = BulkProtocol::WhereOffered) : bulk_(bulk) {}
+  explicit ClientProvider(RowTransport transport = RowTransport::Fastest) : transport_(transport) {}
   std::unique_ptr<Session> Connect(const ConnectionSettings& settings) override;
 
  private:
-  BulkProtocol bulk_;
+  const RowTransport transport_;
 };
 
 }  // namespace dorvane::ado::mysql

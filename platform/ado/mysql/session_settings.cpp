@@ -61,13 +61,16 @@ std::size_t ParseSize(const std::string& text) {
 
 }  // namespace
 
-std::size_t SetUpSession(MYSQL* client) {
-  const TextRows variables = Query(client, "select @@sql_mode, @@max_allowed_packet");
-  const std::string mode = SessionSqlMode(variables.at(0).at(0).value_or(""));
+SessionLimits SetUpSession(MYSQL* client) {
+  const TextRows variables =
+      Query(client, "select @@sql_mode, @@max_allowed_packet, @@local_infile");
+  const auto& values = variables.at(0);
+  const std::string mode = SessionSqlMode(values.at(0).value_or(""));
   Query(client, std::string(kSettings) + Literal(client, mode));
   TrySet(client, "innodb_lock_wait_timeout = 60");
   if (!mariadb_connection(client)) SwitchOffKeyRules(client);
-  return ParseSize(variables.at(0).at(1).value_or(""));
+  return {.max_allowed_packet = ParseSize(values.at(1).value_or("")),
+          .takes_local_files = values.at(2) == "1"};
 }
 
 std::string SessionSqlMode(std::string_view server_mode) {

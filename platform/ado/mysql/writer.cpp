@@ -82,7 +82,7 @@ std::size_t UniformRows(const RowBlock& rows, std::size_t first, std::size_t cou
 
 RowWriter::RowWriter(ClientSession& session, std::string_view table,
                      const std::vector<std::string>& columns)
-    : session_(session), columns_(columns.size()) {
+    : session_(session), loader_(session, table, columns), columns_(columns.size()) {
   insert_clause_ = fmt::format("INSERT INTO {} (", table);
   for (const std::string& column : columns) {
     if (&column != &columns.front()) insert_clause_ += ',';
@@ -94,24 +94,32 @@ RowWriter::RowWriter(ClientSession& session, std::string_view table,
 }
 
 void RowWriter::Insert(const RowBlock& rows, std::size_t first, std::size_t count) {
-  const std::size_t max_packet = session_.Link().max_allowed_packet;
+  const std::size_t max_packet = session_.Link().limits.max_allowed_packet;
   while (count > 0) {
     std::size_t sent = FittingRows(rows, first, count, max_packet);
     if (sent == 0) {
       throw MakeError(ER_NET_PACKET_TOO_LARGE, "08S01",
                       "Got a packet bigger than 'max_allowed_packet' bytes");
     }
-    sent = session_.Watch([&]() -> std::size_t {
-      if (std::ranges::any_of(rows.Row(first), IsLong)) {
-        InsertInPieces(rows.Row(first));
-        return 1;
-      }
-      return session_.UsesBulk() ? InsertBulk(rows, first, sent)
-                                 : InsertMultiRow(rows, first, sent);
-    });
+    sent = session_.Watch([&] { return Send(rows, first, sent); });
     first += sent;
     count -= sent;
   }
+}
+
+std::size_t RowWriter::Send(const RowBlock& rows, std::size_t first, std::size_t count) {
+  // A column that is not among these and has no default is found by statements only.
+  if (takes_statements_ && loader_.Load(rows, first, count)) return count;
+  std::size_t sent = 1;
+  if (std::ranges::any_of(rows.Row(first), IsLong)) {
+    InsertInPieces(rows.Row(first));
+  } else if (session_.UsesBulk()) {
+    sent = InsertBulk(rows, first, count);
+  } else {
+    sent = InsertMultiRow(rows, first, count);
+  }
+  takes_statements_ = true;
+  return sent;
 }
 
 MYSQL_STMT* RowWriter::Prepared(Statement& statement, std::size_t rows) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <random>
 #include <set>
 
 #include "platform/help/html_text.h"
@@ -120,18 +121,53 @@ TEST(HelpBook, SaysWhatIsWrongWithAFile) {
   EXPECT_EQ(number_of(folder.Path()), run_time::kFileNotFound);
   std::ofstream(folder / "text.chm") << "no help at all";
   EXPECT_EQ(number_of(folder / "text.chm"), run_time::kFileInputOutput);
+}
 
-  // A file cut short may open; whatever it still gives must not bring the program down.
+/// The file with one of the things happened to it that happen to files.
+std::string Damaged(std::string bytes, std::mt19937& random) {
+  const std::size_t place = random() % bytes.size();
+  switch (random() % 4) {
+    case 0:
+      bytes.resize(place);
+      break;
+    case 1:
+      bytes[place] = static_cast<char>(bytes[place] ^ (1U << random() % 8));
+      break;
+    case 2:
+      // Most of the numbers that a reader trusts stand near the beginning.
+      for (int count = 0; count < 8; ++count) {
+        bytes[random() % std::min<std::size_t>(bytes.size(), 8'192)] = static_cast<char>(random());
+      }
+      break;
+    default:
+      for (std::size_t at = place; at < std::min(bytes.size(), place + 512); ++at) {
+        bytes[at] = static_cast<char>(random());
+      }
+  }
+  return bytes;
+}
+
+TEST(HelpBook, OutlivesDamagedFiles) {
+  const test::TempFolder folder;
+  const auto file = folder / "damaged.chm";
   const std::string whole = test::ReadFile(HELP_FILE);
-  for (const std::size_t size : {std::size_t{96}, whole.size() / 2, whole.size() - 100}) {
-    std::ofstream(folder / "cut.chm", std::ios::binary) << whole.substr(0, size);
+  std::mt19937 random(7);
+  int refused = 0;
+  for (int run = 0; run < 400; ++run) {
+    std::ofstream(file, std::ios::binary | std::ios::trunc) << Damaged(whole, random);
     try {
-      const HelpBook book(folder / "cut.chm");
+      const HelpBook book(file);
       book.Search("log");
       book.TopicOfContext(1);
-    } catch (const RunTimeError&) {
+    } catch (const RunTimeError& error) {
+      ++refused;
+      EXPECT_EQ(error.Number(), run_time::kFileInputOutput);
+      EXPECT_THAT(error.Description(), HasSubstr("is damaged"));
     }
   }
+  EXPECT_GT(refused, 100);
+  std::ofstream(file, std::ios::binary | std::ios::trunc) << whole;
+  EXPECT_EQ(HelpBook(file).Contents().size(), HelpBook(HELP_FILE).Contents().size());
 }
 
 TEST(SiteMap, ReadsNestedListsAndEntities) {

@@ -22,6 +22,7 @@
 #include "ui/dialogs/frm_msg_box.h"
 #include "ui/dialogs/frm_wait.h"
 #include "ui/dialogs/skin_module.h"
+#include "ui/look/skins.h"
 
 namespace dorvane {
 

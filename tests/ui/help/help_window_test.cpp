@@ -7,11 +7,15 @@
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBlock>
 #include <QTextBrowser>
+#include <QTextTable>
 #include <QTreeWidget>
+#include <fstream>
 #include <memory>
 
 #include "tests/support/temp_folder.h"
+#include "tests/ui/contrast.h"
 #include "ui/help/html_help_viewer.h"
 
 namespace dorvane {
@@ -132,6 +136,70 @@ TEST_F(HelpViewerTest, FollowsLinksInsideTheHelpAndGoesBack) {
   QTextCursor heading(Browser().document());
   heading.movePosition(QTextCursor::NextCharacter);
   EXPECT_EQ(heading.charFormat().foreground().color().name().toStdString(), "#1c4f8c");
+}
+
+TEST_F(HelpViewerTest, ContentsFollowTheShownTopic) {
+  const auto current = [] {
+    const auto* entry = Find<QTreeWidget>("lstContents").currentItem();
+    return entry ? entry->text(0).toStdString() : "none";
+  };
+  viewer_->ShowContext(3);
+  EXPECT_EQ(current(), "Selecting the tables");
+  EXPECT_EQ(Find<QTreeWidget>("lstContents").currentItem()->parent()->text(0).toStdString(),
+            "MS SQL to MySQL");
+  ClickLink("the types");
+  EXPECT_EQ(current(), "Column types");
+  ClickLink("the messages");
+  EXPECT_EQ(current(), "Converting") << "the entry of the link's place";
+  Browser().backward();
+  EXPECT_EQ(current(), "Column types");
+  viewer_->ShowContext(77);
+  EXPECT_EQ(current(), "none");
+  viewer_->ShowContext(3);
+  EXPECT_THAT(Shown(), StartsWith("Step 4"));
+}
+
+TEST_F(HelpViewerTest, EscapeClosesTheWindowWhereverTheFocusIs) {
+  viewer_->ShowSearch();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(OpenWindow()));
+  QTest::keyClick(&Find<QLineEdit>("txtQuery"), Qt::Key_Escape);
+  EXPECT_EQ(OpenWindow(), nullptr);
+}
+
+TEST_F(HelpViewerTest, EveryWordCanBeReadInEveryPalette) {
+  const QPalette usual = QApplication::palette();
+  for (const QPalette& palette : {usual, test::DarkPalette()}) {
+    // Now and then while the window is open.
+    QApplication::setPalette(palette);
+    QApplication::processEvents();
+    for (const int context : {0, 1, 4, 8}) {
+      viewer_->ShowContext(context);
+      const QTextDocument& topic = *Browser().document();
+      const QColor ground = Browser().grab().toImage().pixelColor(3, 3);
+      EXPECT_EQ(ground.lightness() < 128, palette.color(QPalette::Base).lightness() < 128);
+      for (QTextBlock block = topic.begin(); block != topic.end(); block = block.next()) {
+        const QTextTable* table = QTextCursor(block).currentTable();
+        const QBrush cell =
+            table ? table->cellAt(block.position()).format().background() : QBrush();
+        const QColor behind = cell.style() == Qt::NoBrush ? ground : cell.color();
+        for (auto part = block.begin(); !part.atEnd(); ++part) {
+          const QString words = part.fragment().text().trimmed();
+          const QColor ink = part.fragment().charFormat().foreground().color();
+          if (words.isEmpty()) continue;
+          EXPECT_GE(test::Contrast(ink, behind), test::kReadable) << words.toStdString();
+        }
+      }
+    }
+  }
+  QApplication::setPalette(usual);
+}
+
+TEST_F(HelpViewerTest, SaysThatTheFileIsDamaged) {
+  const test::TempFolder folder;
+  std::ofstream(folder / "Help.chm", std::ios::binary) << "ITSF and nothing else";
+  viewer_->SetHelpFile(folder / "Help.chm");
+  viewer_->ShowContext(3);
+  EXPECT_THAT(Shown(), HasSubstr("is damaged"));
 }
 
 TEST_F(HelpViewerTest, SaysThatTheFileIsMissing) {

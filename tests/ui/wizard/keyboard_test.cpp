@@ -87,19 +87,19 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
     }
   };
   expect({
-      {nullptr, {"optMsSqlToMySql", "cmdNav1", "cmdNav3"}},
+      {nullptr, {"optMsSqlToMySql", "cmdNav1", "cmdNav3", "cmdLook"}},
       {"cmdNav3",
        {"txtSrcHost", "txtSrcPortnumber", "txtSrcUsername", "txtSrcPassword", "chkWinAuth",
-        "cmbSrcEncryption", "cmdSrcConnect", "cmdNav1", "cmdNav2", "cmdNav3"}},
+        "cmbSrcEncryption", "cmdSrcConnect", "cmdNav1", "cmdNav2", "cmdNav3", "cmdLook"}},
       {"cmdSrcConnect",
-       {"cmbSrcExistingDatabase", "cmdSrcDisconnect", "cmdNav1", "cmdNav2", "cmdNav3", "txtSrcHost",
-        "txtSrcPortnumber", "txtSrcUsername", "txtSrcPassword"}},
+       {"cmbSrcExistingDatabase", "cmdSrcDisconnect", "cmdNav1", "cmdNav2", "cmdNav3", "cmdLook",
+        "txtSrcHost", "txtSrcPortnumber", "txtSrcUsername", "txtSrcPassword"}},
       {"cmdNav3",
        {"txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword",
         "cmbDestEncryption", "optNewDb", "txtDestNewDbName", "cmdDestConnect", "cmdNav1", "cmdNav2",
-        "cmdNav3"}},
+        "cmdNav3", "cmdLook"}},
       {"optExistingDb",
-       {"optExistingDb", "opnMerge", "cmdDestConnect", "cmdNav1", "cmdNav2", "cmdNav3",
+       {"optExistingDb", "opnMerge", "cmdDestConnect", "cmdNav1", "cmdNav2", "cmdNav3", "cmdLook",
         "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword",
         "cmbDestEncryption"}},
   });
@@ -108,32 +108,33 @@ TEST_F(Keyboard, TabGoesThroughEveryPageInTheOrderOfItsControls) {
   expect({
       {nullptr,
        {"cmbDestExistingDatabase", "opnOverwite", "cmdDestDisconnect", "cmdNav1", "cmdNav2",
-        "cmdNav3", "txtDestHost", "txtDestPortNumber", "txtDestUserName", "txtDestPassword"}},
+        "cmdNav3", "cmdLook", "txtDestHost", "txtDestPortNumber", "txtDestUserName",
+        "txtDestPassword"}},
       {"cmdNav3",
        {"txtTableFilter", "cboSortTables", "lstSrcTables", "cmdSLR", "cmdMLR", "cmdSRL", "cmdMRL",
         "lstDestTables", "chkConvertDefOnly", "chkReplaceSpaceWithUnderscore",
         "chkConvertRelationShips", "chkExactTypes", "chkKeepComputed", "spnTablesAtOnce",
-        "cboVerification", "cmdNav1", "cmdNav2", "cmdNav3"}},
+        "cboVerification", "cmdNav1", "cmdNav2", "cmdNav3", "cmdLook"}},
   });
   driver_.Click("cmdMLR");
   expect({{"cmdNav3",
            {"cmdTransferTables", "cmdPreview", "cmdSaveSettings", "cmdTasks", "lstSelectedTables",
-            "lstConvertedTables", "cmdNav1", "cmdNav2", "cmdNav4"}}});
+            "lstConvertedTables", "cmdNav1", "cmdNav2", "cmdNav4", "cmdLook"}}});
 }
 
 TEST_F(Keyboard, TabGoesThroughThePagesOfTheOtherDirection) {
   driver_.Click("optMySqlToMsSql");
-  EXPECT_EQ(TabOrder(), (Names{"optMySqlToMsSql", "cmdNav1", "cmdNav3"}));
+  EXPECT_EQ(TabOrder(), (Names{"optMySqlToMsSql", "cmdNav1", "cmdNav3", "cmdLook"}));
   driver_.Next();
   EXPECT_EQ(TabOrder(), (Names{"txtDir2MysqlHost", "txtDir2MysqlPortNo", "txtDir2MysqlUsername",
                                "txtDir2MysqlPassword", "cmbDir2MysqlEncryption",
-                               "cmdDir2MysqlConnect", "cmdNav1", "cmdNav2", "cmdNav3"}));
+                               "cmdDir2MysqlConnect", "cmdNav1", "cmdNav2", "cmdNav3", "cmdLook"}));
   driver_.Click("cmdDir2MysqlConnect");
   driver_.Next();
   EXPECT_EQ(TabOrder(), (Names{"txtDir2MsSqlHost", "txtDir2MsSqlPortNo", "txtDir2MsSqlUsername",
                                "txtDir2MsSqlPassword", "chkDir2MsSqlAuth", "cmbDir2MsSqlEncryption",
                                "opnDir2MsSqlNewDb", "txtDir2MsSqlNewDatabase",
-                               "cmdDir2MsSqlConnect", "cmdNav1", "cmdNav2", "cmdNav3"}));
+                               "cmdDir2MsSqlConnect", "cmdNav1", "cmdNav2", "cmdNav3", "cmdLook"}));
 }
 
 TEST_F(Keyboard, ArrowsMoveTheChoice) {

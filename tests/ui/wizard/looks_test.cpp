@@ -5,41 +5,17 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QComboBox>
-#include <cmath>
 #include <map>
 
 #include "tests/ui/print_qt.h"
+#include "tests/ui/readable_words.h"
 #include "tests/ui/wizard/wizard_driver.h"
+#include "ui/look/current_look.h"
+#include "ui/look/skins.h"
 
 namespace dorvane::test {
 
 namespace {
-
-double Luminance(QRgb color) {
-  const auto linear = [](int value) {
-    const double part = value / 255.0;
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color)) +
-         0.0722 * linear(qBlue(color));
-}
-
-/// Of the picture's ground, which most of it is, to the colour farthest from it.
-double Contrast(const QImage& picture) {
-  std::vector<double> lights;
-  for (int y = 0; y < picture.height(); ++y) {
-    for (int x = 0; x < picture.width(); ++x) lights.push_back(Luminance(picture.pixel(x, y)));
-  }
-  std::ranges::sort(lights);
-  const double ground = lights[lights.size() / 2] + 0.05;
-  return std::max((lights.back() + 0.05) / ground, ground / (lights.front() + 0.05));
-}
-
-QPalette DarkPalette() {
-  QPalette dark(QColor(45, 45, 48), QColor(30, 30, 32));
-  dark.setColor(QPalette::Base, QColor(30, 30, 32));
-  return dark;
-}
 
 class Looks : public testing::Test {
  protected:
@@ -47,6 +23,8 @@ class Looks : public testing::Test {
   ~Looks() override {
     QApplication::setFont(font_);
     QApplication::setPalette(palette_);
+    QApplication::processEvents();
+    ChooseSkin(kClassicSkin);
   }
 
   /// Shows each page in turn, both directions, connected where a page connects.
@@ -70,22 +48,6 @@ class Looks : public testing::Test {
       look("transfer");
       for (int page = 0; page < 4; ++page) driver.Back();
     }
-  }
-
-  /// The controls with words on them that are shown and enabled.
-  static std::vector<QWidget*> Worded(QWidget& window) {
-    std::vector<QWidget*> worded;
-    for (auto* control : window.findChildren<QWidget*>()) {
-      if (!control->isVisible() || !control->isEnabled()) continue;
-      const auto* label = qobject_cast<QLabel*>(control);
-      const auto* button = qobject_cast<QAbstractButton*>(control);
-      const auto* field = qobject_cast<QLineEdit*>(control);
-      if ((label && !label->text().isEmpty()) || (button && !button->text().isEmpty()) ||
-          (field && !field->displayText().isEmpty())) {
-        worded.push_back(control);
-      }
-    }
-    return worded;
   }
 
   QFont font_;
@@ -114,22 +76,22 @@ TEST_F(Looks, NothingIsCutAtAnyUsualFontSize) {
   }
 }
 
-TEST_F(Looks, EverythingCanBeReadInEveryPalette) {
+TEST_F(Looks, EverythingCanBeReadInEverySkinAndPalette) {
   for (const QPalette& palette : {palette_, DarkPalette()}) {
     QApplication::setPalette(palette);
-    WizardDriver driver(script_);
-    OnEveryPage(driver, [&](const char* page) {
-      for (QWidget* control : Worded(driver.Window())) {
-        const QRect place(control->mapTo(&driver.Window(), QPoint()), control->size());
-        EXPECT_GE(Contrast(driver.Window().grab(place).toImage()), 4.5)
-            << control->objectName().toStdString() << " on " << page;
-      }
-    });
-    driver.Next();
-    auto& list = driver.Get<QComboBox>("cmbDir2MysqlDatabases");
-    list.showPopup();
-    EXPECT_GE(Contrast(list.view()->grab().toImage()), 4.5) << "the open list";
-    list.hidePopup();
+    QApplication::processEvents();
+    for (const QString& skin : {kClassicSkin, kLightSkin, kDarkSkin}) {
+      ChooseSkin(skin);
+      WizardDriver driver(script_);
+      OnEveryPage(driver, [&](const char* page) {
+        ExpectReadable(driver.Window(), page + (" in " + skin.toStdString()));
+      });
+      driver.Next();
+      auto& list = driver.Get<QComboBox>("cmbDir2MysqlDatabases");
+      list.showPopup();
+      EXPECT_GE(Contrast(list.view()->grab().toImage()), kReadable) << "the open list";
+      list.hidePopup();
+    }
   }
 }
 

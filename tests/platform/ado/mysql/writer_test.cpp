@@ -1,3 +1,4 @@
+#include <array>
 #include <vector>
 
 #include "tests/platform/ado/mysql/fixture.h"
@@ -7,10 +8,11 @@ namespace dorvane::ado {
 namespace {
 
 using namespace std::string_literals;
-using mysql::BulkProtocol;
+using mysql::RowTransport;
 
-/// Every test runs over the bulk protocol and over statements of many rows.
-class MySqlWriterTest : public MySqlTest, public testing::WithParamInterface<BulkProtocol> {
+/// Every test runs in each way that rows are sent. MySQL has no bulk protocol: there the fastest
+/// way is a load.
+class MySqlWriterTest : public MySqlTest, public testing::WithParamInterface<RowTransport> {
  protected:
   MySqlWriterTest() : provider_(GetParam()), writing_(provider_) { writing_.Open(Settings()); }
 
@@ -44,11 +46,15 @@ class MySqlWriterTest : public MySqlTest, public testing::WithParamInterface<Bul
   RowBlock block_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Protocols, MySqlWriterTest,
-                         testing::Values(BulkProtocol::WhereOffered, BulkProtocol::Never),
-                         [](const auto& bulk) {
-                           return bulk.param == BulkProtocol::Never ? "MultiRow" : "Bulk";
-                         });
+std::string NameOf(const testing::TestParamInfo<RowTransport>& way) {
+  constexpr std::array kNames{"Fastest", "Loads", "Statements"};
+  return kNames.at(static_cast<std::size_t>(way.param));
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, MySqlWriterTest,
+                         testing::Values(RowTransport::Fastest, RowTransport::Loads,
+                                         RowTransport::Statements),
+                         NameOf);
 
 TEST_P(MySqlWriterTest, StoresEveryKindOfValue) {
   Run("create table k(id int auto_increment primary key, d double, f float, de decimal(9,3), "
@@ -106,7 +112,7 @@ TEST_P(MySqlWriterTest, ABlockTakesFewRoundTrips) {
   FillNumbers(1, 1000);
   EXPECT_EQ(InsertAll(table), Failure{});
   const int asking = 1;
-  const bool in_bulk = GetParam() == BulkProtocol::WhereOffered && Server().IsMariaDb();
+  const bool in_bulk = GetParam() == RowTransport::Fastest && Server().IsMariaDb();
   EXPECT_LE(executions() - before - asking, in_bulk ? 1 : 6);
 }
 
@@ -257,6 +263,129 @@ TEST_P(MySqlWriterTest, KeepsWritingAfterAResultWasLeftUnread) {
   FillNumbers(4, 3);
   EXPECT_EQ(InsertAll(table), Failure{});
   EXPECT_EQ(Dump("select count(*) from t"), "6\n");
+}
+
+/// Rows that are loaded, beside the same rows in statements.
+class MySqlLoadTest : public MySqlTest {
+ protected:
+  MySqlLoadTest() {
+    loading_.Open(Settings());
+    inserting_.Open(Settings());
+  }
+
+  int Loads() {
+    Recordset status = loading_.Execute("show session status like 'Com_load'");
+    return std::stoi(status.Field("Value").Text());
+  }
+
+  /// 900 rows of two columns, the first 0 to 899, with one other row among them.
+  void FillAround(const Value& id, const Value& text) {
+    block_.Clear(2);
+    for (int i = 0; i < 900; ++i) {
+      const std::span<Value> row = block_.AppendRow();
+      row[0] = i == 800 ? id : block_.Storage().Store(fmt::to_string(i));
+      row[1] = i == 800 ? text : std::string_view("x");
+    }
+  }
+
+  /// What comes of inserting the block into an empty table, and the table behind it, rolled back.
+  std::pair<Failure, std::string> OutcomeOf(Connection& connection) {
+    Recordset table = connection.OpenTable("t", {"id", "v"});
+    connection.BeginTrans();
+    const Failure failure =
+        FailureOf(connection, [&] { table.InsertRows(block_, 0, block_.Rows()); });
+    std::string rows =
+        Ask(connection, "select concat(count(*), ' ', coalesce(sum(crc32(hex(v))), 0)) from t");
+    connection.RollbackTrans();
+    return {failure, rows};
+  }
+
+  mysql::ClientProvider loads_{mysql::RowTransport::Loads};
+  mysql::ClientProvider statements_{mysql::RowTransport::Statements};
+  Connection loading_{loads_};
+  Connection inserting_{statements_};
+  RowBlock block_;
+};
+
+TEST_F(MySqlLoadTest, EveryTextArrivesAsItIs) {
+  const std::vector<std::string> texts{
+      "",     "\\N", "N",          "\\",   "\t",  "a\tb\nc\r\n", "\0zero\0"s,
+      "'\"`", "д😀",  "  blanks  ", "\x1a", "\\0", "%_\\%",       "\x7f\b"};
+  Run("create table l(id int primary key, v varchar(40) character set utf8mb4, n decimal(9,3), "
+      "d datetime(3))");
+  Run("create table i like l");
+  block_.Clear(4);
+  for (int id = 0; id < 1000; ++id) {
+    const std::span<Value> row = block_.AppendRow();
+    row[0] = block_.Storage().Store(fmt::to_string(id));
+    row[1] = id % 15 == 14 ? Value(Null{}) : Value(std::string_view(texts[id % 15 % 14]));
+    row[2] = id % 7 == 0 ? Value(Null{}) : block_.Storage().Store(fmt::format("-{}.125", id));
+    row[3] = std::string_view("2026-02-28 12:34:56.789");
+  }
+  for (auto [connection, name] : {std::pair{&loading_, "l"}, {&inserting_, "i"}}) {
+    Recordset table = connection->OpenTable(name, {"id", "v", "n", "d"});
+    connection->BeginTrans();
+    table.InsertRows(block_, 0, block_.Rows());
+    connection->CommitTrans();
+  }
+  EXPECT_EQ(Loads(), 1);
+  EXPECT_EQ(Ask(inserting_,
+                "select count(*) from l join i on l.id = i.id and binary l.v <=> binary "
+                "i.v and l.n <=> i.n and l.d = i.d"),
+            "1000");
+}
+
+TEST_F(MySqlLoadTest, WhatALoadWouldChangeOrSkipIsRefusedAsByStatements) {
+  struct Case {
+    const char* definition;
+    Value id;
+    Value text;
+  };
+  const std::string_view forty = "forty characters, which is far too many.";
+  for (const Case& one : {
+           Case{"id int primary key, v varchar(9)", std::string_view("7"), std::string_view("x")},
+           Case{"id smallint, v varchar(9)", std::string_view("40000"), std::string_view("x")},
+           Case{"id int, v varchar(9)", std::string_view("1"), forty},
+           Case{"id int, v varchar(9)", std::string_view("1"),
+                std::string_view("blanks          ")},
+           Case{"id int, v varchar(9) character set latin1", std::string_view("1"),
+                std::string_view("д")},
+           Case{"id int not null, v varchar(9)", Null{}, std::string_view("x")},
+           Case{"id int, v varchar(9), check (id <> 42)", std::string_view("42"),
+                std::string_view("x")},
+           Case{"id int, v varchar(9), other int not null", std::string_view("1"),
+                std::string_view("x")},
+           Case{"id int, v enum('x', 'y')", std::string_view("1"), std::string_view("z")},
+           Case{"id decimal(9,1), v varchar(9)", std::string_view("1.55"), std::string_view("x")},
+       }) {
+    Run("drop table if exists t");
+    Run(fmt::format("create table t({})", one.definition));
+    FillAround(one.id, one.text);
+    EXPECT_EQ(OutcomeOf(loading_), OutcomeOf(inserting_)) << one.definition;
+  }
+}
+
+TEST_F(MySqlLoadTest, OnlyATransactionAndManyRowsAreLoaded) {
+  Run("create table t(id int, v varchar(9))");
+  Recordset table = loading_.OpenTable("t", {"id", "v"});
+  FillAround(std::string_view("1"), std::string_view("x"));
+  table.InsertRows(block_, 0, 900);
+  loading_.BeginTrans();
+  table.InsertRows(block_, 0, 3);
+  EXPECT_EQ(Loads(), 0);
+  table.InsertRows(block_, 0, 900);
+  EXPECT_EQ(Loads(), 1);
+  loading_.CommitTrans();
+  EXPECT_EQ(Ask(loading_, "select count(*) from t"), "1803");
+}
+
+TEST_F(MySqlLoadTest, TheServerGetsNoFileOfThisMachine) {
+  Run("create table t(id int, v text)");
+  const Failure refused = FailureOf(loading_, [&] {
+    loading_.Execute("load data local infile '/etc/hostname' into table t (v)");
+  });
+  EXPECT_EQ(refused.number, hresult::kFail);
+  EXPECT_EQ(Ask(inserting_, "select count(*) from t"), "0");
 }
 
 }  // namespace
