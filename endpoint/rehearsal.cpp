@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 #include "endpoint/conversion.h"
@@ -23,6 +24,12 @@ constexpr std::int32_t kNameTooLong = 1059;
 
 bool BeginsCharacter(char c) {
   return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+}
+
+bool IsMoment(ado::DataType type) {
+  constexpr std::array kMoments{ado::DataType::Date, ado::DataType::DBDate, ado::DataType::DBTime,
+                                ado::DataType::DBTimeStamp};
+  return std::ranges::find(kMoments, type) != kMoments.end();
 }
 
 /// The first name in a statement for MySQL that is too long there. SQL Server takes every name that
@@ -218,7 +225,10 @@ TrialRows::Meeting Conversion::MeetingWith(const TableDefinition& table,
       is_my_sql ? "cast({}.{} as binary)" : "cast({}.{} as varbinary(8000))";
   const std::string same =
       own.empty() ? conflicts : condition(own, kPlain) + " and " + condition(own, bytes);
-  return {question + conflicts, question + same};
+  const bool may_mix = std::ranges::none_of(fields, [](const ado::FieldInfo& field) {
+    return IsMoment(field.type);  // of which some change, and are counted
+  });
+  return {.conflicts = question + conflicts, .repetitions = question + same, .may_mix = may_mix};
 }
 
 std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestination> rows,

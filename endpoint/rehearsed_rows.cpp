@@ -109,6 +109,9 @@ class RehearsedRows final : public IRowDestination {
   }
   BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                          std::size_t count) override;
+  std::size_t LeftOut() const override {
+    return rehearsal_.trial ? rehearsal_.trial->LeftOut() : 0;
+  }
   RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) override;
   void RowStored(std::span<const ado::Value> source_row) override { rows_->RowStored(source_row); }
   std::vector<ValueChanges> Changes() const override;

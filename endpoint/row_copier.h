@@ -69,6 +69,8 @@ class IRowDestination {
   /// what the server says.
   virtual BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                                  std::size_t count) = 0;
+  /// How many rows of the block stored last were there before and are there once only.
+  virtual std::size_t LeftOut() const { return 0; }
   /// Stores one row under the rules of the direction. Throws RunTimeError when the copy must end.
   virtual RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) = 0;
   /// A row that has been stored or postponed, as the source gave it: what is lost of it by the

@@ -25,14 +25,18 @@ TrialRows::TrialRows(TrialTable& table, std::unique_ptr<IRowDestination> rows, M
 BlockResult TrialRows::StoreBlock(const ado::RowBlock& converted, std::size_t first,
                                   std::size_t count) {
   try {
+    left_out_ = 0;
     MakeRoom(converted, count);
     const BlockResult result = rows_->StoreBlock(converted, first, count);
     if (result != BlockResult::Stored || !meeting_.IsAsked()) return result;
-    if (Count(meeting_.conflicts) == 0) return result;
-    const std::int64_t repetitions = Count(meeting_.repetitions);
+    const std::int64_t conflicts = Count(meeting_.conflicts);
+    if (conflicts == 0) return result;
+    const std::int64_t repetitions = CountRepetitions(conflicts);
     Empty();
-    const bool are_all_there = repetitions == static_cast<std::int64_t>(count);
-    return are_all_there ? BlockResult::Duplicates : BlockResult::Refused;
+    if (repetitions == static_cast<std::int64_t>(count)) return BlockResult::Duplicates;
+    if (repetitions < conflicts || !meeting_.may_mix) return BlockResult::Refused;
+    left_out_ = static_cast<std::size_t>(repetitions);
+    return result;
   } catch (const RunTimeError&) {
     return BlockResult::Failed;
   }
@@ -44,11 +48,17 @@ RowOutcome TrialRows::StoreRow(const ado::RowBlock& converted, std::size_t row) 
   outcome.reason.description = table_.Words(std::move(outcome.reason.description));
   const bool is_stored =
       outcome.result == RowResult::Stored || outcome.result == RowResult::Changed;
-  if (!is_stored || !meeting_.IsAsked() || Count(meeting_.conflicts) == 0) return outcome;
-  const bool is_there = Count(meeting_.repetitions) > 0;
+  if (!is_stored || !meeting_.IsAsked()) return outcome;
+  const std::int64_t conflicts = Count(meeting_.conflicts);
+  if (conflicts == 0) return outcome;
+  const bool is_there = CountRepetitions(conflicts) > 0;
   Empty();
   if (is_there) return {RowResult::Duplicate};
   return {RowResult::Refused, KeyTaken(table_.Server())};
+}
+
+std::int64_t TrialRows::CountRepetitions(std::int64_t conflicts) {
+  return meeting_.repetitions == meeting_.conflicts ? conflicts : Count(meeting_.repetitions);
 }
 
 std::int64_t TrialRows::Count(const std::string& question) {

@@ -17,6 +17,7 @@ class TrialRows {
   struct Meeting {
     std::string conflicts = {};    // counts the trial's rows that share a key with one of the table
     std::string repetitions = {};  // counts those that are in the table just so
+    bool may_mix = false;          // which rows of a block are there makes no difference
     bool IsAsked() const { return !conflicts.empty(); }
   };
 
@@ -26,12 +27,15 @@ class TrialRows {
   /// As those of IRowDestination, but for Failed, which no server is asked again after: it is the
   /// trial that has come to its end. Duplicates: every row is there already.
   BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first, std::size_t count);
+  std::size_t LeftOut() const { return left_out_; }
   /// Throws RunTimeError when the trial has come to its end.
   RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row);
   std::vector<ValueChanges> Changes() const { return rows_->Changes(); }
 
  private:
   std::int64_t Count(const std::string& question);
+  /// Of so many rows in conflict with the table's.
+  std::int64_t CountRepetitions(std::int64_t conflicts);
   /// Forgets the rows when there are too many of them.
   void MakeRoom(const ado::RowBlock& converted, std::size_t count);
   void Empty();
@@ -39,6 +43,7 @@ class TrialRows {
   TrialTable& table_;
   const std::unique_ptr<IRowDestination> rows_;
   const Meeting meeting_;
+  std::size_t left_out_ = 0;  // of the block stored last
   std::size_t kept_rows_ = 0;
   std::size_t kept_bytes_ = 0;
 };

@@ -53,6 +53,23 @@ TEST(Memory, StaysFlatHoweverLongTheTable) {
   EXPECT_LT(reverse.PeakKiB(), 64 * 1024);
 }
 
+TEST(Memory, StaysFlatInAPreviewOfAMerge) {
+  if (kSanitized) GTEST_SKIP() << "the sanitizers' own memory hides the program's";
+  Rig& rig = Rig::Get();
+  const std::string db = rig.NewDatabases();
+  MakeTables(db);
+  const Job job{
+      .source_db = db, .dest_db = db, .tables = {"Rows500000"}, .mode = convert_mode::kMerge};
+  ProgramRun run(job);
+  EXPECT_EQ(run.Wait(), 0) << run.Log();
+  // Rows that are there and such that are not come by turns.
+  rig.MySqlValue("delete from Rows500000 where Id > 100000", db);
+  ProgramRun preview(job, {}, {"--preview"});
+  EXPECT_EQ(preview.Wait(), 1);
+  EXPECT_THAT(preview.Output(), testing::HasSubstr("100001 of 500000 rows were there already"));
+  EXPECT_LT(preview.PeakKiB(), 64 * 1024);
+}
+
 TEST(Memory, HoldsALongValueFourTimesAtMost) {
   if (kSanitized) GTEST_SKIP() << "the sanitizers' own memory hides the program's";
   constexpr long kMiB = 1024;
