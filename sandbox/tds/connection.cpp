@@ -63,7 +63,7 @@ void Connection::ReportBrokenStream() {
                 .text = "The incoming tabular data stream (TDS) protocol stream is incorrect. The "
                         "stream ended unexpectedly.",
                 .procedure = {}});
-  WriteDone(out, Token::Done, DoneError, 0);
+  WriteDone(out, Token::Done, kDoneError, 0);
   client_.stream.EndReply();
 }
 
@@ -120,7 +120,7 @@ void Connection::ServeBulkLoad() {
 }
 
 void Connection::ConfirmAttention() {
-  WriteDone(client_.stream.Out(), Token::Done, DoneAttention, 0);
+  WriteDone(client_.stream.Out(), Token::Done, kDoneAttention, 0);
   client_.stream.EndReply();
 }
 

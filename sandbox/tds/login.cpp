@@ -10,14 +10,14 @@ namespace sandbox::tds {
 namespace {
 
 enum PreLoginOption : std::uint8_t {
-  Version = 0,
-  Encryption = 1,
-  Instance = 2,
-  MultipleResults = 4,
-  EndOfOptions = 0xFF,
+  kVersion = 0,
+  kEncryption = 1,
+  kInstance = 2,
+  kMultipleResults = 4,
+  kEndOfOptions = 0xFF,
 };
 
-enum EncryptionMode : std::uint8_t { EncryptOn = 1, EncryptRequired = 3 };
+enum EncryptionMode : std::uint8_t { kEncryptOn = 1, kEncryptRequired = 3 };
 
 std::string_view Slice(std::string_view message, std::size_t offset, std::size_t length) {
   if (offset > message.size() || length > message.size() - offset) {
@@ -66,13 +66,13 @@ std::string UnscramblePassword(std::string_view scrambled) {
 PreLogin ParsePreLogin(std::string_view message) {
   PreLogin result;
   ByteReader options(message);
-  for (std::uint8_t option = options.U8(); option != EndOfOptions; option = options.U8()) {
+  for (std::uint8_t option = options.U8(); option != kEndOfOptions; option = options.U8()) {
     std::size_t offset = BigEndian16(options);
     std::size_t length = BigEndian16(options);
     std::string_view value = Slice(message, offset, length);
-    if (option != Encryption || value.empty()) continue;
+    if (option != kEncryption || value.empty()) continue;
     auto mode = static_cast<std::uint8_t>(value.front());
-    result.requires_encryption = mode == EncryptOn || mode == EncryptRequired;
+    result.requires_encryption = mode == kEncryptOn || mode == kEncryptRequired;
   }
   return result;
 }
@@ -83,10 +83,10 @@ void WritePreLoginReply(ByteWriter& out) {
     std::string_view value;
   };
   using std::string_view_literals::operator""sv;
-  constexpr Option kOptions[] = {{Version, "\x0F\x00\x07\xD0\x00\x00"sv},
-                                 {Encryption, "\x02"sv},
-                                 {Instance, "\x00"sv},
-                                 {MultipleResults, "\x00"sv}};
+  constexpr Option kOptions[] = {{kVersion, "\x0F\x00\x07\xD0\x00\x00"sv},
+                                 {kEncryption, "\x02"sv},
+                                 {kInstance, "\x00"sv},
+                                 {kMultipleResults, "\x00"sv}};
   constexpr std::size_t kOptionSize = 5;
   std::size_t offset = std::size(kOptions) * kOptionSize + 1;
   for (const Option& option : kOptions) {
@@ -95,7 +95,7 @@ void WritePreLoginReply(ByteWriter& out) {
     out.U16(__builtin_bswap16(static_cast<std::uint16_t>(option.value.size())));
     offset += option.value.size();
   }
-  out.U8(EndOfOptions);
+  out.U8(kEndOfOptions);
   for (const Option& option : kOptions) out.Raw(option.value);
 }
 

@@ -91,7 +91,7 @@ std::vector<ServerMessage> Admit(ClientSession& client, const Login& login, Engi
 void Refuse(ClientSession& client, const std::vector<ServerMessage>& reasons) {
   ByteWriter& out = client.stream.Out();
   for (const ServerMessage& reason : reasons) WriteMessage(out, reason);
-  WriteDone(out, Token::Done, DoneError, 0);
+  WriteDone(out, Token::Done, kDoneError, 0);
   client.stream.EndReply();
 }
 
@@ -115,7 +115,7 @@ void Welcome(ClientSession& client, const Login& login) {
           : std::clamp<std::size_t>(login.packet_size, kSmallestPacketSize, kLargestPacketSize);
   WriteEnvChange(out, EnvChange::PacketSize, fmt::format("{}", packet_size),
                  fmt::format("{}", kDefaultPacketSize));
-  WriteDone(out, Token::Done, DoneFinal, 0);
+  WriteDone(out, Token::Done, kDoneFinal, 0);
   client.stream.EndReply();
   client.stream.SetPacketSize(packet_size);
 }

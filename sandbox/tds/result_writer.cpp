@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kFirstErrorSeverity = 11;
 
-enum ColumnFlags : std::uint16_t { Nullable = 0x01, UpdatableUnknown = 0x08, Identity = 0x10 };
+enum ColumnFlags : std::uint16_t { kNullable = 0x01, kUpdatableUnknown = 0x08, kIdentity = 0x10 };
 
 std::string_view DescriptorBytes(const std::uint64_t& id) {
   if (id == 0) return {};
@@ -39,8 +39,8 @@ void ResultWriter::WritePending(std::uint16_t extra_status) {
 }
 
 void ResultWriter::WriteColumn(const ColumnInfo& column, const WireType& type) {
-  auto flags = static_cast<std::uint16_t>(UpdatableUnknown | (column.nullable ? Nullable : 0) |
-                                          (column.identity ? Identity : 0));
+  auto flags = static_cast<std::uint16_t>(kUpdatableUnknown | (column.nullable ? kNullable : 0) |
+                                          (column.identity ? kIdentity : 0));
   out_.U32(type.user_type);
   out_.U16(flags);
   WriteTypeInfo(out_, type);
@@ -55,7 +55,7 @@ void ResultWriter::WriteColumn(const ColumnInfo& column, const WireType& type) {
 void ResultWriter::Columns(const std::vector<ColumnInfo>& columns) {
   CloseStatement();
   if (Dropped()) return;
-  WritePending(DoneMore);
+  WritePending(kDoneMore);
   encoders_.clear();
   out_.U8(static_cast<std::uint8_t>(Token::ColMetadata));
   out_.U16(static_cast<std::uint16_t>(columns.size()));
@@ -89,10 +89,10 @@ void ResultWriter::Row(std::span<const Value> values) {
 void ResultWriter::Done(std::optional<std::int64_t> row_count) {
   result_open_ = false;
   if (Dropped()) return;
-  WritePending(DoneMore);
+  WritePending(kDoneMore);
   Token token = request_ == Request::Batch ? Token::Done : Token::DoneInProc;
-  auto status = static_cast<std::uint16_t>((error_open_ ? DoneError : DoneFinal) |
-                                           (row_count ? DoneCount : DoneFinal));
+  auto status = static_cast<std::uint16_t>((error_open_ ? kDoneError : kDoneFinal) |
+                                           (row_count ? kDoneCount : kDoneFinal));
   pending_ = PendingDone{token, status, static_cast<std::uint64_t>(row_count.value_or(0))};
   error_open_ = false;
 }
@@ -103,7 +103,7 @@ void ResultWriter::CloseStatement() {
 
 void ResultWriter::Message(const ServerMessage& message) {
   if (Dropped()) return;
-  WritePending(DoneMore);
+  WritePending(kDoneMore);
   WriteMessage(out_, message);
   if (message.severity >= kFirstErrorSeverity) error_open_ = true;
   Flush();
@@ -111,7 +111,7 @@ void ResultWriter::Message(const ServerMessage& message) {
 
 void ResultWriter::DatabaseChanged(std::string_view database) {
   if (Dropped()) return;
-  WritePending(DoneMore);
+  WritePending(kDoneMore);
   WriteEnvChange(out_, EnvChange::Database, database, "");
 }
 
@@ -119,7 +119,7 @@ void ResultWriter::TransactionChanged(std::uint64_t id, bool committed) {
   const std::uint64_t before = client_.transaction;
   client_.transaction = id;
   if (Dropped()) return;
-  WritePending(DoneMore);
+  WritePending(kDoneMore);
   EnvChange ended = committed ? EnvChange::CommitTransaction : EnvChange::RollbackTransaction;
   WriteEnvChangeBytes(out_, id != 0 ? EnvChange::BeginTransaction : ended, DescriptorBytes(id),
                       DescriptorBytes(before));
@@ -132,9 +132,9 @@ void ResultWriter::ReturnStatus(std::int32_t status) {
   }
   CloseStatement();
   if (Dropped()) return;
-  WritePending(DoneMore);
+  WritePending(kDoneMore);
   WriteReturnStatus(out_, status);
-  pending_ = PendingDone{Token::DoneProc, DoneFinal, 0};
+  pending_ = PendingDone{Token::DoneProc, kDoneFinal, 0};
 }
 
 void ResultWriter::ResetAcknowledged() {
@@ -144,22 +144,22 @@ void ResultWriter::ResetAcknowledged() {
 void ResultWriter::EndProcedure() {
   if (result_open_) Done(std::nullopt);
   if (Dropped()) return;
-  WritePending(DoneMore);
+  WritePending(kDoneMore);
   WriteReturnStatus(out_, return_status_);
-  pending_ = PendingDone{Token::DoneProc, error_open_ ? DoneError : DoneFinal, 0};
+  pending_ = PendingDone{Token::DoneProc, error_open_ ? kDoneError : kDoneFinal, 0};
   error_open_ = false;
   return_status_ = 0;
 }
 
 void ResultWriter::Finish() {
   CloseStatement();
-  if (!pending_) pending_ = PendingDone{Token::Done, DoneFinal, 0};
-  WritePending(DoneFinal);
+  if (!pending_) pending_ = PendingDone{Token::Done, kDoneFinal, 0};
+  WritePending(kDoneFinal);
 }
 
 void ResultWriter::FinishCancelled() {
-  WritePending(DoneMore);
-  WriteDone(out_, Token::Done, DoneAttention, 0);
+  WritePending(kDoneMore);
+  WriteDone(out_, Token::Done, kDoneAttention, 0);
 }
 
 }  // namespace sandbox::tds

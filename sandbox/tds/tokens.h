@@ -34,11 +34,11 @@ enum class EnvChange : std::uint8_t {
 };
 
 enum DoneStatus : std::uint16_t {
-  DoneFinal = 0x00,
-  DoneMore = 0x01,
-  DoneError = 0x02,
-  DoneCount = 0x10,
-  DoneAttention = 0x20,
+  kDoneFinal = 0x00,
+  kDoneMore = 0x01,
+  kDoneError = 0x02,
+  kDoneCount = 0x10,
+  kDoneAttention = 0x20,
 };
 
 constexpr char kServerName[] = "SANDBOX";

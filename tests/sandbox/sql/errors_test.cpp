@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include "tests/sandbox_sql/batch.h"
+#include "tests/sandbox/sql/batch.h"
 
 namespace sandbox::testing {
 

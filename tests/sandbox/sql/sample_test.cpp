@@ -1,7 +1,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "tests/sandbox_sql/batch.h"
+#include "tests/sandbox/sql/batch.h"
 
 namespace sandbox::testing {
 

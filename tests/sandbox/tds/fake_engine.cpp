@@ -1,4 +1,4 @@
-#include "fake_engine.h"
+#include "tests/sandbox/tds/fake_engine.h"
 
 namespace sandbox::tds {
 

@@ -4,10 +4,10 @@
 #include <chrono>
 #include <thread>
 
-#include "fake_engine.h"
-#include "odbc_client.h"
-#include "sample_values.h"
 #include "sandbox/tds/server.h"
+#include "tests/sandbox/tds/fake_engine.h"
+#include "tests/sandbox/tds/odbc_client.h"
+#include "tests/sandbox/tds/sample_values.h"
 
 namespace sandbox::tds {
 

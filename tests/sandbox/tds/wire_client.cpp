@@ -1,4 +1,4 @@
-#include "wire_client.h"
+#include "tests/sandbox/tds/wire_client.h"
 
 #include <arpa/inet.h>
 #include <sys/socket.h>

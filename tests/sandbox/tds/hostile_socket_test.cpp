@@ -2,9 +2,9 @@
 
 #include <random>
 
-#include "fake_engine.h"
 #include "sandbox/tds/server.h"
-#include "wire_client.h"
+#include "tests/sandbox/tds/fake_engine.h"
+#include "tests/sandbox/tds/wire_client.h"
 
 namespace sandbox::tds {
 
@@ -104,7 +104,7 @@ TEST(HostileSocket, BrokenConversationsEndOnlyThemselves) {
   WireClient client(server.Port());
   client.LogIn();
   client.SendBatch("select 1");
-  EXPECT_EQ(FinalStatus(client.Receive()), DoneFinal);
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneFinal);
 }
 
 TEST(HostileSocket, ABrokenRequestIsAnsweredAndClosed) {

@@ -1,6 +1,6 @@
 #include <random>
 
-#include "tests/sandbox_sql/batch.h"
+#include "tests/sandbox/sql/batch.h"
 
 namespace sandbox::testing {
 

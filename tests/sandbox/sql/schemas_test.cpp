@@ -1,6 +1,6 @@
 #include <sqlite3.h>
 
-#include "tests/sandbox_sql/batch.h"
+#include "tests/sandbox/sql/batch.h"
 
 namespace sandbox::testing {
 

@@ -1,4 +1,4 @@
-#include "odbc_client.h"
+#include "tests/sandbox/tds/odbc_client.h"
 
 #include <array>
 

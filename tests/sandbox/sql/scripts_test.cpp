@@ -1,8 +1,8 @@
 // Runs the scripts of this folder.
 #include <algorithm>
 
-#include "tests/sandbox_sql/batch.h"
-#include "tests/sandbox_sql/script.h"
+#include "tests/sandbox/sql/batch.h"
+#include "tests/sandbox/sql/script.h"
 
 namespace sandbox::testing {
 

@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "tests/sandbox_sql/batch.h"
+#include "tests/sandbox/sql/batch.h"
 
 namespace sandbox::testing {
 

@@ -1,4 +1,4 @@
-#include "sample_values.h"
+#include "tests/sandbox/tds/sample_values.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "tests/sandbox_sql/batch.h"
+#include "tests/sandbox/sql/batch.h"
 
 namespace sandbox::testing {
 

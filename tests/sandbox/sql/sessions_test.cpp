@@ -3,7 +3,7 @@
 #include <functional>
 #include <thread>
 
-#include "tests/sandbox_sql/batch.h"
+#include "tests/sandbox/sql/batch.h"
 
 namespace sandbox::testing {
 

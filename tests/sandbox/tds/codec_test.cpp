@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "sample_values.h"
 #include "sandbox/tds/temporal.h"
 #include "sandbox/tds/type_decoder.h"
 #include "sandbox/tds/value_encoder.h"
 #include "sandbox/text/code_page.h"
 #include "sandbox/text/utf16.h"
+#include "tests/sandbox/tds/sample_values.h"
 
 namespace sandbox::tds {
 

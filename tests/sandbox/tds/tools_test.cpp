@@ -3,9 +3,9 @@
 
 #include <fstream>
 
-#include "fake_engine.h"
-#include "sample_values.h"
 #include "sandbox/tds/server.h"
+#include "tests/sandbox/tds/fake_engine.h"
+#include "tests/sandbox/tds/sample_values.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 

@@ -3,9 +3,9 @@
 #include <chrono>
 #include <thread>
 
-#include "fake_engine.h"
 #include "sandbox/tds/server.h"
-#include "wire_client.h"
+#include "tests/sandbox/tds/fake_engine.h"
+#include "tests/sandbox/tds/wire_client.h"
 
 namespace sandbox::tds {
 
@@ -43,7 +43,7 @@ TEST_F(Wire, PacketsHaveTheNegotiatedSize) {
     client.LogIn(static_cast<std::uint32_t>(wanted));
     client.SendBatch("long");
     std::string reply = client.Receive();
-    EXPECT_EQ(FinalStatus(reply), DoneCount);
+    EXPECT_EQ(FinalStatus(reply), kDoneCount);
     EXPECT_TRUE(Contains(reply, std::string(100'000, 'x')));
     const auto& sizes = client.PacketSizes();
     for (std::size_t i = 0; i + 1 < sizes.size(); ++i) EXPECT_EQ(sizes[i], wanted);
@@ -69,17 +69,17 @@ TEST_F(Wire, AnAttentionEndsWhatRunsAndIsConfirmedOnce) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     client.Send(MessageType::Attention, "");
     std::string reply = client.Receive();
-    EXPECT_EQ(FinalStatus(reply), DoneAttention) << batch;
+    EXPECT_EQ(FinalStatus(reply), kDoneAttention) << batch;
     EXPECT_FALSE(Contains(reply, Utf16("too late")));
   }
   // Batch and attention in one segment, and an attention that comes when nothing runs.
   client.SendBytes(Packet(MessageType::SqlBatch, BatchRecord("wait")) +
                    Packet(MessageType::Attention, ""));
-  EXPECT_EQ(FinalStatus(client.Receive()), DoneAttention);
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
   client.Send(MessageType::Attention, "");
-  EXPECT_EQ(FinalStatus(client.Receive()), DoneAttention);
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
   client.SendBatch("long");
-  EXPECT_EQ(FinalStatus(client.Receive()), DoneCount);
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneCount);
 }
 
 TEST_F(Wire, AClientThatLeavesEndsItsBatch) {
@@ -109,9 +109,9 @@ TEST_F(Wire, AWithdrawnMessageIsNotRun) {
   client.Send(MessageType::SqlBatch, "", kLast | kIgnore);
   client.Send(MessageType::SqlBatch, BatchRecord("interrupted"), 0);
   client.Send(MessageType::Attention, "");
-  EXPECT_EQ(FinalStatus(client.Receive()), DoneAttention);
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneAttention);
   client.SendBatch("run");
-  EXPECT_EQ(FinalStatus(client.Receive()), DoneFinal);
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneFinal);
   ASSERT_EQ(engine_.Calls().size(), 1U);
   EXPECT_EQ(engine_.Calls()[0].text, "run");
 }
@@ -163,7 +163,7 @@ TEST_F(Wire, ErrorsAndCountsOfAnUnfinishedResultStillEndIt) {
   client.SendBatch("broken");
   std::string reply = client.Receive();
   EXPECT_TRUE(Contains(reply, Utf16("does not match its column's type")));
-  EXPECT_EQ(FinalStatus(reply), DoneCount);
+  EXPECT_EQ(FinalStatus(reply), kDoneCount);
 }
 
 TEST_F(Wire, RefusalsSayWhy) {
@@ -185,7 +185,7 @@ TEST_F(Wire, RefusalsSayWhy) {
   }
   WireClient client(server_.Port());
   client.Send(MessageType::Login7, LoginRecord({.user = "SA"}));
-  EXPECT_EQ(FinalStatus(client.Receive()), DoneFinal);
+  EXPECT_EQ(FinalStatus(client.Receive()), kDoneFinal);
 }
 
 TEST_F(Wire, AClientThatNeedsEncryptionIsToldThereIsNone) {

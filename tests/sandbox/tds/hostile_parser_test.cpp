@@ -2,13 +2,13 @@
 
 #include <random>
 
-#include "sample_values.h"
 #include "sandbox/tds/login.h"
 #include "sandbox/tds/rpc_request.h"
 #include "sandbox/tds/tokens.h"
 #include "sandbox/tds/type_decoder.h"
 #include "sandbox/tds/value_encoder.h"
-#include "wire_client.h"
+#include "tests/sandbox/tds/sample_values.h"
+#include "tests/sandbox/tds/wire_client.h"
 
 namespace sandbox::tds {
 

@@ -1,4 +1,4 @@
-#include "tests/sandbox_sql/script.h"
+#include "tests/sandbox/sql/script.h"
 
 #include <algorithm>
 #include <fstream>
