@@ -11,7 +11,9 @@ namespace dorvane::to_mysql {
 
 std::vector<std::string> MsSqlToMySql::CopyOfExisting(const ado::TableName& dest_name,
                                                       const std::string& copy) {
-  return {fmt::format("create temporary table {} like {}", copy, MySqlTable(dest_name))};
+  // What is rolled back must be gone from the copy, whatever the table's engine.
+  return {fmt::format("create temporary table {} like {}", copy, MySqlTable(dest_name)),
+          fmt::format("alter table {} engine = innodb", copy)};
 }
 
 /// By a key whose texts its collation takes for one, and by characters that the database lacks.

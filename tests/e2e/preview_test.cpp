@@ -254,22 +254,28 @@ TEST_F(PreviewTest, ForetellsRowsThatATableDoesNotTake) {
       "insert into Stock values (4, 4, '2020-01-01 10:00:00.500', N'fine'), (5, 80000, null, '')\n"
       "insert into Stock values (6, 6, null, N'\u0416\u0416\u0416')\ngo\n",
       database_);
-  rig_.MySqlValue(
-      "create table Stock (Id int primary key, N smallint not null, D datetime, Name varchar(60) "
-      "character set latin1); insert into Stock values (1, 1, null, 'there')",
-      database_);
   Job job = TheJob(ServerKind::MsSql);
   job.tables = {"Stock"};
   job.mode = convert_mode::kMerge;
   std::string preview;
-  EXPECT_THAT(AgreedRemarks(job, &preview),
-              testing::IsSupersetOf({HasSubstr("3 of 6 rows were not copied; the first: 1264"),
-                                     HasSubstr("1 of 6 rows were there already"),
-                                     HasSubstr("1 values of table Stock hold characters")}));
-  EXPECT_THAT(preview, HasSubstr("-- For example N = 70000, row 2 of 2 such: 1264 - "));
-  EXPECT_THAT(preview, HasSubstr("-- For example N = NULL, row 3 of 1 such: 1048 - "));
-  EXPECT_THAT(preview, HasSubstr("-- For example D = 2020-01-01 10:00:00.5: fractions"));
-  EXPECT_THAT(preview, HasSubstr("-- For example Name = \u0416\u0416\u0416: hold characters"));
+  for (const char* engine : {"innodb", "myisam"}) {
+    SCOPED_TRACE(engine);
+    rig_.MySqlValue(
+        fmt::format(
+            "drop table if exists Stock; create table Stock (Id int primary key, N smallint "
+            "not null, D datetime, Name varchar(60) character set latin1) engine = {}; "
+            "insert into Stock values (1, 1, null, 'there')",
+            engine),
+        database_);
+    EXPECT_THAT(AgreedRemarks(job, &preview),
+                testing::IsSupersetOf({HasSubstr("3 of 6 rows were not copied; the first: 1264"),
+                                       HasSubstr("1 of 6 rows were there already"),
+                                       HasSubstr("1 values of table Stock hold characters")}));
+    EXPECT_THAT(preview, HasSubstr("-- For example N = 70000, row 2 of 2 such: 1264 - "));
+    EXPECT_THAT(preview, HasSubstr("-- For example N = NULL, row 3 of 1 such: 1048 - "));
+    EXPECT_THAT(preview, HasSubstr("-- For example D = 2020-01-01 10:00:00.5: fractions"));
+    EXPECT_THAT(preview, HasSubstr("-- For example Name = \u0416\u0416\u0416: hold characters"));
+  }
 
   rig_.MySqlValue(
       "create table Store (Id int primary key, N bigint, Born date, Name varchar(90));"

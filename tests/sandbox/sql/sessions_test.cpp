@@ -78,6 +78,7 @@ TEST_F(SessionsTest, ASessionThatGoesTakesItsTransactionAlong) {
 TEST_F(SessionsTest, SessionsInsertSideBySide) {
   Must("create table n (id int identity primary key, who int)");
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int who = 0; who < 4; ++who) {
     threads.emplace_back([&, who] {
       auto mine = NewSession();

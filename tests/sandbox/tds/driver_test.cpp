@@ -20,7 +20,8 @@ const char* const kVersions[] = {"7.3", "7.4"};
 class Driver : public ::testing::Test {
  protected:
   std::string Version(const char* version) { return std::string("TDS_Version=") + version; }
-  void Answer(const std::string& batch, std::vector<ColumnInfo> columns, std::vector<Value> row) {
+  void Answer(const std::string& batch, const std::vector<ColumnInfo>& columns,
+              const std::vector<Value>& row) {
     engine_.batches[batch] = [=](EngineSession&, ResultSink& sink) {
       sink.Columns(columns);
       sink.Row(row);
@@ -94,6 +95,7 @@ TEST_F(Driver, DescribesColumns) {
       {{.name = "v", .type = {VarBinary, 16}}, SQL_VARBINARY, 16, 0, SQL_NULLABLE},
   };
   std::vector<ColumnInfo> columns;
+  columns.reserve(expected.size());
   for (const Expected& each : expected) columns.push_back(each.column);
   engine_.batches["describe"] = [&](EngineSession&, ResultSink& sink) {
     sink.Columns(columns);

@@ -119,8 +119,8 @@ bool SameContent(const T& left, const T& right) {
 }  // namespace
 
 const std::vector<SampleValue>& SampleValues() {
-  static const std::vector<SampleValue> kSamples = MakeSamples();
-  return kSamples;
+  static const std::vector<SampleValue> samples = MakeSamples();
+  return samples;
 }
 
 bool SameValue(const Value& left, const Value& right) {

@@ -11,8 +11,6 @@ namespace sandbox::tds {
 
 namespace {
 
-using std::string_view_literals::operator""sv;
-
 class Wire : public ::testing::Test {
  protected:
   Wire() {

@@ -23,6 +23,8 @@ class Desktop {
     std::string number;
     Await([&] { return (number = ReadFile(folder_.Path() / "display")).ends_with("\n"); });
     number.pop_back();
+    // Behind what it says of displays that others have left.
+    number.erase(0, number.rfind('\n') + 1);
     qputenv("DISPLAY", QByteArray::fromStdString(":" + number));
     qputenv("QT_QPA_PLATFORM", "xcb");
     manager_.emplace(std::vector<std::string>{"openbox", "--sm-disable"},
