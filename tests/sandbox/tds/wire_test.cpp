@@ -11,6 +11,8 @@ namespace sandbox::tds {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 class Wire : public ::testing::Test {
  protected:
   Wire() {
