@@ -13,6 +13,7 @@
 #include "platform/files/descriptor.h"
 
 namespace dorvane::process {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;

@@ -2,6 +2,7 @@
 #include "ui/look/look.h"
 
 namespace dorvane {
+
 namespace {
 
 constexpr QRgb kPage = qRgb(71, 102, 171);

@@ -4,6 +4,7 @@
 #include <cmath>
 
 namespace dorvane {
+
 namespace {
 
 constexpr double kReadable = 4.5;

@@ -8,6 +8,7 @@
 #include "ui/look/skins.h"
 
 namespace dorvane {
+
 namespace {
 
 Look MakeLook() {

@@ -2,6 +2,7 @@
 #include "ui/look/look.h"
 
 namespace dorvane {
+
 namespace {
 
 /// What everything else is mixed from.

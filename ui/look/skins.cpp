@@ -4,6 +4,7 @@
 #include <QSettings>
 
 namespace dorvane {
+
 namespace {
 
 constexpr const char* kSetting = "Options/Current Skin";

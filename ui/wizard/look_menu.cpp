@@ -10,6 +10,7 @@
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
+
 namespace {
 
 /// Fills the menu with what there is now, the user's skin marked.

@@ -7,6 +7,7 @@
 #include <thread>
 
 namespace dorvane::process {
+
 namespace {
 
 TEST(RunApart, GivesWhatTheWorkWrote) {

@@ -18,6 +18,7 @@
 #include "ui/wizard/preview_dialog.h"
 
 namespace dorvane::test {
+
 namespace {
 
 using Role = QPalette::ColorRole;
