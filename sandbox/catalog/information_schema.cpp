@@ -7,7 +7,6 @@ namespace {
 using sys::kInt;
 using sys::kName;
 using sys::kSmall;
-using sys::kText;
 using sys::kTiny;
 using sys::ShownColumns;
 using sys::TextOrNull;

@@ -91,6 +91,7 @@ std::vector<Type> AllTypes(Session&, DatabaseLink& link) {
   std::vector<AliasTypeDef> types = OwnTypes();
   types.insert(types.end(), catalog.types.begin(), catalog.types.end());
   std::vector<Type> all;
+  all.reserve(types.size());
   for (const AliasTypeDef& type : types) all.push_back({type, catalog.SchemaId(type.schema)});
   return all;
 }

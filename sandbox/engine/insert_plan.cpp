@@ -276,6 +276,7 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
   binder.SetParameters(statement);
   std::vector<Value> row(types.size());
   std::vector<const Value*> cells;
+  cells.reserve(row.size());
   for (const Value& value : row) cells.push_back(&value);
   const auto read = [&] {
     for (std::size_t i = 0; i < row.size(); ++i) {

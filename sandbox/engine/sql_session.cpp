@@ -135,7 +135,7 @@ const Variable* SqlSession::FindVariable(std::string_view name) const {
   return found == variables.end() ? nullptr : &found->second;
 }
 
-void SqlSession::Assign(std::string_view name, Value value, const TypeInfo& from) {
+void SqlSession::Assign(std::string_view name, const Value& value, const TypeInfo& from) {
   Variables& variables = state_.batch.variables;
   const auto found = variables.find(name);
   if (found == variables.end()) Raise(137, name);

@@ -55,7 +55,7 @@ class SqlSession final : public EngineSession, public Session {
   Requests::Guard AtWork() { return {requests_, spid_, is_sending}; }
   void Done(std::optional<std::int64_t> rows);
   /// Gives a declared variable a value. Raises 137 and the errors of conversions.
-  void Assign(std::string_view name, Value value, const TypeInfo& from);
+  void Assign(std::string_view name, const Value& value, const TypeInfo& from);
   void RunBlock(const Block& block);
   void RunStatement(const Statement& statement);
 

@@ -84,7 +84,7 @@ std::string StoredCondition(Session& session, const TableDef& table, const std::
 }
 
 std::string StoredColumnText(Session& session, const TableDef& table, const ColumnDef& column) {
-  const std::string text = Binder::Collated(TableDef::StoredColumn(column.id), column.type);
+  std::string text = Binder::Collated(TableDef::StoredColumn(column.id), column.type);
   if (!column.IsComputed()) return text;
   Parser parser(column.computed_text);
   const ExprPtr value = parser.ParseExpressionText();

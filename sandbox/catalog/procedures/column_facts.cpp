@@ -117,7 +117,7 @@ std::string ColumnTypeName(const Catalog& catalog, const ColumnDef& column) {
 }
 
 std::string OdbcTypeName(const Catalog& catalog, const ColumnDef& column) {
-  const std::string name = ColumnTypeName(catalog, column);
+  std::string name = ColumnTypeName(catalog, column);
   if (!column.identity) return name;
   const bool exact = column.user_type == 0 &&
                      (column.type.type == SqlType::Decimal || column.type.type == SqlType::Numeric);
