@@ -70,6 +70,7 @@ std::int64_t TrialRows::Count(const std::string& question) {
 }
 
 void TrialRows::MakeRoom(const ado::RowBlock& converted, std::size_t count) {
+  if (count == 0) return;
   kept_rows_ += count;
   kept_bytes_ += converted.Bytes() / converted.Rows() * count;
   if (kept_rows_ > kMostRows || kept_bytes_ > kMostBytes) Empty();
