@@ -19,29 +19,40 @@ class Desktop {
  public:
   Desktop()
       : server_({"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24", "-nolisten", "tcp"},
-                folder_.Path() / "display") {
+                display_) {
     std::string number;
-    Await([&] { return (number = ReadFile(folder_.Path() / "display")).ends_with("\n"); });
-    number.pop_back();
-    // Behind what it says of displays that others have left.
-    number.erase(0, number.rfind('\n') + 1);
+    Await("no display", [&] { return !(number = LastNumber(ReadFile(display_))).empty(); });
     qputenv("DISPLAY", QByteArray::fromStdString(":" + number));
     qputenv("QT_QPA_PLATFORM", "xcb");
-    manager_.emplace(std::vector<std::string>{"openbox", "--sm-disable"},
-                     folder_.Path() / "manager");
-    Await([] { return Run({"xdotool", "get_num_desktops"}).status == 0; });
+    manager_.emplace(std::vector<std::string>{"openbox", "--sm-disable"}, manager_output_);
+    Await("no window manager", [] { return Run({"xdotool", "get_num_desktops"}).status == 0; });
   }
 
  private:
-  static void Await(const std::function<bool()>& reached) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  /// The last line when it is whole and a number. Others stand before it: what the server says of
+  /// displays that are taken.
+  static std::string LastNumber(std::string_view output) {
+    if (!output.ends_with('\n')) return {};
+    output.remove_suffix(1);
+    output.remove_prefix(output.rfind('\n') + 1);
+    const bool is_number = output.find_first_not_of("0123456789") == std::string_view::npos;
+    return std::string(is_number ? output : "");
+  }
+
+  void Await(const std::string& missing, const std::function<bool()>& reached) const {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!reached()) {
-      if (std::chrono::steady_clock::now() > end) throw std::runtime_error("no display");
+      if (std::chrono::steady_clock::now() > end) {
+        throw std::runtime_error(missing + "; they said: " + ReadFile(display_) +
+                                 ReadFile(manager_output_));
+      }
       std::this_thread::sleep_for(milliseconds(20));
     }
   }
 
   TempFolder folder_;
+  std::filesystem::path display_ = folder_.Path() / "display";
+  std::filesystem::path manager_output_ = folder_.Path() / "manager";
   Process server_;
   std::optional<Process> manager_;
 };
