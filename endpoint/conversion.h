@@ -12,10 +12,10 @@
 #include <vector>
 
 #include "endpoint/database.h"
+#include "endpoint/definition_statement.h"
 #include "endpoint/failure.h"
 #include "endpoint/references.h"
 #include "endpoint/rehearsed_references.h"
-#include "endpoint/rehearsed_rights.h"
 #include "endpoint/row_copier.h"
 #include "endpoint/table_definition.h"
 #include "endpoint/trial_rows.h"

@@ -1,7 +1,8 @@
-#include "endpoint/rehearsed_rights.h"
+#include "endpoint/definition_statement.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "endpoint/names.h"
 #include "platform/text/ascii.h"
@@ -25,20 +26,22 @@ constexpr std::array kRights{
 
 }  // namespace
 
-std::optional<std::pair<TableRight, ado::TableName>> NeededRight(std::string_view sql) {
+std::optional<DefinitionStatement> ReadDefinition(std::string_view sql) {
   const auto* found = std::ranges::find_if(kRights, [&](const RightOfWord& each) {
     return text::EqualsIgnoringCase(sql.substr(0, each.word.size()), each.word);
   });
   if (found == kRights.end()) return std::nullopt;
-  sql.remove_prefix(found->word.size());
+  std::string_view rest = sql.substr(found->word.size());
   if (found->right == TableRight::Index) {
     constexpr std::string_view kOn = " on ";
-    TakeTableName(sql);
-    sql.remove_prefix(std::min(sql.find(kOn), sql.size()));
-    sql.remove_prefix(std::min(kOn.size(), sql.size()));
+    TakeTableName(rest);
+    rest.remove_prefix(std::min(rest.find(kOn), rest.size()));
+    rest.remove_prefix(std::min(kOn.size(), rest.size()));
   }
-  sql.remove_prefix(std::min(sql.find_first_not_of(' '), sql.size()));
-  return std::pair(found->right, TakeTableName(sql));
+  rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+  const std::size_t begin = sql.size() - rest.size();
+  ado::TableName table = TakeTableName(rest);
+  return DefinitionStatement{found->right, std::move(table), begin, sql.size() - rest.size()};
 }
 
 }  // namespace dorvane

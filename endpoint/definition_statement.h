@@ -1,8 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 #include "platform/ado/table_name.h"
 
@@ -11,8 +11,15 @@ namespace dorvane {
 /// What a login may have to be allowed on a table.
 enum class TableRight { Create, Alter, Index, Drop, Insert };
 
-/// The right that a statement of a conversion needs, and the table on which; none for any other
-/// statement.
-std::optional<std::pair<TableRight, ado::TableName>> NeededRight(std::string_view sql);
+/// A statement of a conversion that makes, changes or drops a table.
+struct DefinitionStatement {
+  TableRight right;  // that it needs
+  ado::TableName table;
+  std::size_t table_begin;  // where the table's quoted name stands in the statement
+  std::size_t table_end;
+};
+
+/// None for any other statement.
+std::optional<DefinitionStatement> ReadDefinition(std::string_view sql);
 
 }  // namespace dorvane

@@ -56,12 +56,12 @@ void Conversion::RehearseStatement(std::string_view sql) {
     throw Refusal(ServerKind::MySql, kNameTooLong,
                   fmt::format("Identifier name '{}' is too long", *name));
   }
-  if (const auto needed = NeededRight(sql)) {
-    const auto& denial = DenialOf(needed->first, needed->second);
+  if (const auto definition = ReadDefinition(sql)) {
+    const auto& denial = DenialOf(definition->right, definition->table);
     if (denial) throw ado::ProviderError(*denial);
+    if (references_) references_->Try(sql, *definition);
+    if (trial_) trial_->Try(sql, *definition);
   }
-  if (references_) references_->Try(sql);
-  if (trial_) trial_->Try(sql);
   rehearsal_(sql);
 }
 

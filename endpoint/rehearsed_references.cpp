@@ -11,18 +11,6 @@
 
 namespace dorvane {
 
-namespace {
-
-/// Takes a word and the blanks behind it off the front; false when it is not there.
-bool Take(std::string_view& sql, std::string_view word) {
-  if (!text::EqualsIgnoringCase(sql.substr(0, word.size()), word)) return false;
-  sql.remove_prefix(word.size());
-  sql.remove_prefix(std::min(sql.find_first_not_of(' '), sql.size()));
-  return true;
-}
-
-}  // namespace
-
 RehearsedReferences::RehearsedReferences(ServerKind server, bool is_maria_db, bool folds,
                                          std::vector<Reference> there)
     : server_(server), is_maria_db_(is_maria_db), folds_(folds), there_(std::move(there)) {
@@ -37,16 +25,16 @@ ado::TableName RehearsedReferences::Folded(const ado::TableName& table) const {
   return {text::ToLower(table.schema), text::ToLower(table.name)};
 }
 
-void RehearsedReferences::Try(std::string_view sql) {
-  if (Take(sql, "drop table ")) {
-    Take(sql, "if exists ");
-    Drop(Folded(TakeTableName(sql)));
-  } else if (Take(sql, "create table ")) {
-    Make(Folded(TakeTableName(sql)));
-  } else if (Take(sql, "alter table ")) {
-    const ado::TableName table = Folded(TakeTableName(sql));
-    if (!Take(sql, " drop foreign key ") && !Take(sql, " drop constraint ")) return;
-    const std::string key = TakeTableName(sql).name;
+void RehearsedReferences::Try(std::string_view sql, const DefinitionStatement& definition) {
+  const ado::TableName table = Folded(definition.table);
+  if (definition.right == TableRight::Drop) return Drop(table);
+  if (definition.right == TableRight::Create) return Make(table);
+  if (definition.right != TableRight::Alter) return;
+  const std::string_view change = sql.substr(definition.table_end);
+  for (const std::string_view drop : {" drop foreign key ", " drop constraint "}) {
+    if (!text::EqualsIgnoringCase(change.substr(0, drop.size()), drop)) continue;
+    std::string_view rest = change.substr(drop.size());
+    const std::string key = TakeTableName(rest).name;
     std::erase_if(there_,
                   [&](const Reference& each) { return each.table == table && each.name == key; });
   }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "endpoint/definition_statement.h"
 #include "endpoint/references.h"
 #include "platform/ado/types.h"
 
@@ -18,9 +19,9 @@ class RehearsedReferences {
   RehearsedReferences(ServerKind server, bool is_maria_db, bool folds,
                       std::vector<Reference> there);
 
-  /// A statement that drops a key or a table, or makes a table; any other one changes nothing.
-  /// Throws ProviderError when the server would refuse it.
-  void Try(std::string_view sql);
+  /// A statement that neither drops a key or a table nor makes a table changes nothing. Throws
+  /// ProviderError when the server would refuse it.
+  void Try(std::string_view sql, const DefinitionStatement& definition);
   /// True for a table that has been dropped, whether or not it was made again.
   bool IsDropped(const ado::TableName& table) const { return dropped_.contains(Folded(table)); }
 

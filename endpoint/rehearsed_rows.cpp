@@ -170,9 +170,7 @@ BlockResult RehearsedRows::StoreBlock(const ado::RowBlock& converted, std::size_
     }
   }
   if (result == BlockResult::Failed) EndTrial();
-  if (result == BlockResult::Stored || result == BlockResult::Duplicates) {
-    handled_ += static_cast<std::int64_t>(count);
-  }
+  if (result == BlockResult::Stored) handled_ += static_cast<std::int64_t>(count);
   return result;
 }
 

@@ -106,13 +106,10 @@ std::size_t RowCopier::StoreSome(const Rows& rows, std::size_t position) {
   switch (destination_.StoreBlock(rows.converted, position, count)) {
     case BlockResult::Stored:
       account_.duplicates += static_cast<std::int64_t>(destination_.LeftOut());
-      Stored(rows, position, count);
-      clean_rows_ += count;
-      batch_size_ = std::min(batch_size_ * kGrowth, limits_.rows);
-      Handled(count);
-      return count;
-    case BlockResult::Duplicates:
-      account_.duplicates += static_cast<std::int64_t>(count);
+      if (destination_.LeftOut() < count) {
+        Stored(rows, position, count);
+        clean_rows_ += count;
+      }
       batch_size_ = std::min(batch_size_ * kGrowth, limits_.rows);
       Handled(count);
       return count;

@@ -16,8 +16,8 @@
 namespace dorvane {
 
 /// Why rows sent together were not stored: something in them was refused, or the sending failed in
-/// another way (a lost connection, a deadlock). Duplicates: every single one was there before.
-enum class BlockResult { Stored, Refused, Failed, Duplicates };
+/// another way (a lost connection, a deadlock).
+enum class BlockResult { Stored, Refused, Failed };
 
 /// What became of a row that was stored alone.
 enum class RowResult {
@@ -69,7 +69,8 @@ class IRowDestination {
   /// what the server says.
   virtual BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first,
                                  std::size_t count) = 0;
-  /// How many rows of the block stored last were there before and are there once only.
+  /// How many rows of the block stored last were there before and were left out: all of them, or
+  /// such of which no value would have changed.
   virtual std::size_t LeftOut() const { return 0; }
   /// Stores one row under the rules of the direction. Throws RunTimeError when the copy must end.
   virtual RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) = 0;

@@ -33,8 +33,9 @@ BlockResult TrialRows::StoreBlock(const ado::RowBlock& converted, std::size_t fi
     if (conflicts == 0) return result;
     const std::int64_t repetitions = CountRepetitions(conflicts);
     Empty();
-    if (repetitions == static_cast<std::int64_t>(count)) return BlockResult::Duplicates;
-    if (repetitions < conflicts || !meeting_.may_mix) return BlockResult::Refused;
+    const bool are_all_there = repetitions == static_cast<std::int64_t>(count);
+    const bool may_mix = repetitions >= conflicts && meeting_.may_mix;
+    if (!are_all_there && !may_mix) return BlockResult::Refused;
     left_out_ = static_cast<std::size_t>(repetitions);
     return result;
   } catch (const RunTimeError&) {

@@ -25,7 +25,7 @@ class TrialRows {
   TrialRows(TrialTable& table, std::unique_ptr<IRowDestination> rows, Meeting meeting);
 
   /// As those of IRowDestination, but for Failed, which no server is asked again after: it is the
-  /// trial that has come to its end. Duplicates: every row is there already.
+  /// trial that has come to its end.
   BlockResult StoreBlock(const ado::RowBlock& converted, std::size_t first, std::size_t count);
   std::size_t LeftOut() const { return left_out_; }
   /// Throws RunTimeError when the trial has come to its end.

@@ -18,10 +18,6 @@ constexpr const char* kMySqlTrial = "dorvane_trial";
 // With the sign of a temporary table; short, so that it stands whole in the names of its keys.
 constexpr const char* kMsSqlTrial = "#dorvane";
 
-constexpr std::string_view kCreateTable = "create table ";
-constexpr std::string_view kAlterTable = "alter table ";
-constexpr std::array<std::string_view, 2> kCreateIndex{"create index ", "create unique index "};
-
 /// Refusals that concern temporary tables only.
 constexpr std::array kNoTrials{
     262,   // no right to create a table
@@ -31,10 +27,6 @@ constexpr std::array kNoTrials{
     1227,  // likewise
     1562,  // no partitions
 };
-
-bool Begins(std::string_view sql, std::string_view word) {
-  return text::EqualsIgnoringCase(sql.substr(0, word.size()), word);
-}
 
 std::string Quoted(const ado::TableName& table, ServerKind kind) {
   return kind == ServerKind::MySql ? MySqlTable(table) : MsSqlTable(table);
@@ -76,8 +68,8 @@ std::string TrialTable::QuotedName() const {
   return Quoted(name_, kind_);
 }
 
-void TrialTable::Try(std::string_view sql) {
-  const std::optional<std::string> trial = TrialOf(sql);
+void TrialTable::Try(std::string_view sql, const DefinitionStatement& definition) {
+  const std::optional<std::string> trial = TrialOf(sql, definition);
   if (!trial) return;
   try {
     connection_->Execute(*trial);
@@ -93,29 +85,19 @@ void TrialTable::Try(std::string_view sql) {
   }
 }
 
-std::optional<std::string> TrialTable::TrialOf(std::string_view sql) const {
-  if (!is_usable_) return std::nullopt;
-  const std::string table = Quoted(stands_for_, kind_);
-  const auto with_trial_at = [&](std::size_t position) {
-    return std::string(sql).replace(position, table.size(), QuotedName());
-  };
-  const auto names_table_behind = [&](std::string_view word) {
-    return Begins(sql, word) && sql.substr(word.size()).starts_with(table);
-  };
-  if (names_table_behind(kCreateTable)) {
-    std::string trial = with_trial_at(kCreateTable.size());
-    if (kind_ == ServerKind::MySql) trial.insert(kCreateTable.find("table"), "temporary ");
-    return trial;
-  }
-  if (!is_there_) return std::nullopt;
-  if (names_table_behind(kAlterTable)) return with_trial_at(kAlterTable.size());
-  if (std::ranges::none_of(kCreateIndex, [&](auto word) { return Begins(sql, word); })) {
-    return std::nullopt;
-  }
-  constexpr std::string_view kOn = " on ";
-  const std::size_t on = sql.find(fmt::format("{}{}(", kOn, table));
-  if (on == std::string_view::npos) return std::nullopt;
-  return with_trial_at(on + kOn.size());
+std::optional<std::string> TrialTable::TrialOf(std::string_view sql,
+                                               const DefinitionStatement& definition) const {
+  constexpr std::string_view kCreate = "create ";
+  if (!is_usable_ || definition.table != stands_for_) return std::nullopt;
+  const bool makes_it = definition.right == TableRight::Create;
+  const bool changes_it =
+      definition.right == TableRight::Alter || definition.right == TableRight::Index;
+  if (!makes_it && !(changes_it && is_there_)) return std::nullopt;
+  std::string trial(sql);
+  trial.replace(definition.table_begin, definition.table_end - definition.table_begin,
+                QuotedName());
+  if (makes_it && kind_ == ServerKind::MySql) trial.insert(kCreate.size(), "temporary ");
+  return trial;
 }
 
 void TrialTable::Make(const std::vector<std::string>& statements) {

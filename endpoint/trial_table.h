@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "endpoint/definition_statement.h"
 #include "platform/ado/connection.h"
 
 namespace dorvane {
@@ -23,7 +24,7 @@ class TrialTable {
   /// Carries out a statement that makes or changes the table. Throws ProviderError when the server
   /// refuses it. Any other statement is taken for done, and so is every one once the server cannot
   /// be asked.
-  void Try(std::string_view sql);
+  void Try(std::string_view sql, const DefinitionStatement& definition);
   /// Makes it by these statements, which name it, as a table that is there already. It is not there
   /// afterwards when one of them fails.
   void Make(const std::vector<std::string>& statements);
@@ -46,7 +47,8 @@ class TrialTable {
 
  private:
   /// What to send in place of a statement; none for one that does not concern the table.
-  std::optional<std::string> TrialOf(std::string_view sql) const;
+  std::optional<std::string> TrialOf(std::string_view sql,
+                                     const DefinitionStatement& definition) const;
   void Drop();
 
   std::unique_ptr<ado::Connection> connection_;

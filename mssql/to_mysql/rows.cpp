@@ -13,7 +13,6 @@
 #include "mssql/to_mysql/literals.h"
 #include "mssql/to_mysql/row_faults.h"
 #include "mssql/to_mysql/row_question.h"
-#include "platform/ado/value_text.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mysql {
@@ -125,7 +124,7 @@ RowOutcome RowsToMySql::StoreRow(const ado::RowBlock& converted, std::size_t row
   for (;;) {
     try {
       Update();
-      replaced_texts_ += replaced;
+      replaced_texts_.count += replaced;
       return {replaced > 0 ? RowResult::Changed : RowResult::Stored};
     } catch (const DestinationFailure& failure) {
       const ado::Error* entry = failure.Primary();
@@ -198,7 +197,8 @@ std::int64_t RowsToMySql::ReplaceCharacters(std::span<const ado::Value> row) {
     const std::string stored = AsStored(*text, character_set);
     if (stored == *text) continue;
     table_->Field(i).SetText(stored);
-    if (first_replaced_.empty()) first_replaced_ = ShownValue(target_.columns[i], *text);
+    std::string& first = replaced_texts_.first;
+    if (first.empty()) first = ShownValue(target_.columns[i], *text);
     ++replaced;
   }
   return replaced;
@@ -234,18 +234,10 @@ std::string RowsToMySql::AsStored(std::string_view text, const std::string& char
 void RowsToMySql::RowStored(std::span<const ado::Value> source_row) {
   for (const std::size_t i : time_columns_) {
     const auto* moment = std::get_if<ado::DateTime>(&source_row[i]);
-    if (moment == nullptr || !LosesFraction(*moment, facts_[i])) continue;
-    if (++cut_fractions_ > 1) continue;
-    first_cut_ = ShownValue(fields_[i].name, ado::ToText(*moment, fields_[i].type));
+    if (moment != nullptr && LosesFraction(*moment, facts_[i])) {
+      Count(cut_fractions_, fields_[i], *moment);
+    }
   }
-}
-
-std::vector<ValueChanges> RowsToMySql::Changes() const {
-  return {{.count = replaced_texts_,
-           .what = "hold characters that the destination cannot store; they were replaced by '?'",
-           .is_loss = true,
-           .first = first_replaced_},
-          {.count = cut_fractions_, .what = "fractions of a second were cut", .first = first_cut_}};
 }
 
 std::unique_ptr<IRowDestination> MsSqlToMySql::OpenRows(const TableDefinition& table, TableUse use,

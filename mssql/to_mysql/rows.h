@@ -55,7 +55,7 @@ class RowsToMySql : public IRowDestination {
                          std::size_t count) override;
   RowOutcome StoreRow(const ado::RowBlock& converted, std::size_t row) override;
   void RowStored(std::span<const ado::Value> source_row) override;
-  std::vector<ValueChanges> Changes() const override;
+  std::vector<ValueChanges> Changes() const override { return {replaced_texts_, cut_fractions_}; }
 
  private:
   bool IsTransactionalWithoutTriggers();
@@ -80,11 +80,10 @@ class RowsToMySql : public IRowDestination {
   std::unique_ptr<ForeignKeyChecksOff> checks_off_;
   std::optional<ado::Recordset> table_;  // open for rows unless they are only compared
   std::map<std::string, std::string> character_sets_;  // by column; empty until they are needed
-  std::int64_t replaced_texts_ = 0;
-  std::int64_t cut_fractions_ = 0;
-  // The first of each with its column.
-  std::string first_replaced_;
-  std::string first_cut_;
+  ValueChanges replaced_texts_{
+      .what = "hold characters that the destination cannot store; they were replaced by '?'",
+      .is_loss = true};
+  ValueChanges cut_fractions_{.what = "fractions of a second were cut"};
 };
 
 }  // namespace dorvane::to_mysql

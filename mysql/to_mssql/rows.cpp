@@ -13,7 +13,6 @@
 #include "mysql/to_mssql/literals.h"
 #include "mysql/to_mssql/row_faults.h"
 #include "mysql/to_mssql/row_question.h"
-#include "platform/ado/value_text.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mssql {
@@ -23,15 +22,6 @@ namespace {
 // Fewer rows are there sooner as one INSERT than by the three trips of a load.
 constexpr std::size_t kFewestLoadedRows = 100;
 constexpr std::string_view kRollback = "if @@trancount > 0 rollback transaction";
-
-// Behind the count, by the bits of TimeChange.
-constexpr std::string_view kChangeTexts[kTimeChanges] = {
-    "dates that do not exist became 1753-01-01",
-    "dates before 1753-01-01 were raised to it",
-    "times were put on 1899-12-30",
-    "times below zero or beyond a day were added to 1899-12-30",
-    "fractions of a second were cut",
-};
 
 /// A column that a table of the classic mapping has.
 bool IsOldMoment(const ado::FieldInfo& column) {
@@ -248,30 +238,20 @@ void RowsToMsSql::RowStored(std::span<const ado::Value> source_row) {
     if (moment == nullptr) continue;
     if (facts_[i].is_exact) {
       if (!IsOfCalendar(*moment)) {
-        Count(facts_[i].nullable ? dates_left_out_ : first_days_, i, *moment);
+        Count(facts_[i].nullable ? dates_left_out_ : first_days_, fields_[i], *moment);
       }
       continue;
     }
     const unsigned changes = ChangesOf(*moment, fields_[i].type);
     for (unsigned bit = 0; changes >> bit != 0; ++bit) {
-      if ((changes >> bit & 1) != 0) Count(changes_[bit], i, *moment);
+      if ((changes >> bit & 1) != 0) Count(changes_[bit], fields_[i], *moment);
     }
   }
 }
 
-void RowsToMsSql::Count(Changed& changed, std::size_t field, const ado::DateTime& moment) {
-  if (++changed.count > 1) return;
-  changed.first = ShownValue(fields_[field].name, ado::ToText(moment, fields_[field].type));
-}
-
 std::vector<ValueChanges> RowsToMsSql::Changes() const {
-  std::vector<ValueChanges> changes;
-  const auto add = [&](const Changed& changed, std::string_view what) {
-    changes.push_back({.count = changed.count, .what = std::string(what), .first = changed.first});
-  };
-  add(dates_left_out_, "dates that do not exist became NULL");
-  add(first_days_, "dates that do not exist became 0001-01-01");
-  for (unsigned bit = 0; bit < kTimeChanges; ++bit) add(changes_[bit], kChangeTexts[bit]);
+  std::vector<ValueChanges> changes{dates_left_out_, first_days_};
+  changes.insert(changes.end(), changes_.begin(), changes_.end());
   return changes;
 }
 

@@ -55,12 +55,6 @@ class RowsToMsSql : public IRowDestination {
   /// For a duplicate: true when the row itself was there before.
   bool IsThere(std::span<const ado::Value> row);
   RowOutcome RefusalOf(const ado::Error& error, std::span<const ado::Value> row);
-  /// Values that are changed in one way, and the first of them with its column.
-  struct Changed {
-    std::int64_t count = 0;
-    std::string first;
-  };
-  void Count(Changed& changed, std::size_t field, const ado::DateTime& moment);
   void LearnTypes();
   bool HasTriggers();
   bool RefersToItself();
@@ -74,10 +68,16 @@ class RowsToMsSql : public IRowDestination {
   ado::RowBlock loaded_;                 // a block's rows without those that are not loaded
   std::vector<std::size_t> not_loaded_;  // the positions of those
 
-  std::array<Changed, kTimeChanges> changes_;  // in rows stored, by the bits of TimeChange
-  Changed dates_left_out_;                     // dates that became NULL
-  Changed first_days_;                         // dates that became 0001-01-01
-  std::int64_t handled_ = 0;                   // rows
+  // In rows stored, by the bits of TimeChange.
+  std::array<ValueChanges, kTimeChanges> changes_{
+      ValueChanges{.what = "dates that do not exist became 1753-01-01"},
+      ValueChanges{.what = "dates before 1753-01-01 were raised to it"},
+      ValueChanges{.what = "times were put on 1899-12-30"},
+      ValueChanges{.what = "times below zero or beyond a day were added to 1899-12-30"},
+      ValueChanges{.what = "fractions of a second were cut"}};
+  ValueChanges dates_left_out_{.what = "dates that do not exist became NULL"};
+  ValueChanges first_days_{.what = "dates that do not exist became 0001-01-01"};
+  std::int64_t handled_ = 0;  // rows
 };
 
 }  // namespace dorvane::to_mssql

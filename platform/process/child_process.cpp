@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "platform/files/descriptor.h"
+#include "platform/process/pipe.h"
 #include "platform/run_time_error.h"
 
 namespace dorvane::process {
@@ -22,22 +23,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using files::Descriptor;
-
-[[noreturn]] void ThrowNotStarted(const std::string& program, int error) {
-  throw RunTimeError(run_time::kFileNotFound, "Scheduler",
-                     fmt::format("Can not start {}: {}", program, std::strerror(error)));
-}
-
-struct Pipe {
-  Pipe() {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) ThrowNotStarted("a process", errno);
-    read = Descriptor(ends[0]);
-    write = Descriptor(ends[1]);
-  }
-  Descriptor read;
-  Descriptor write;
-};
 
 class FileActions {
  public:
@@ -97,13 +82,6 @@ pid_t Spawn(std::vector<std::string> command, std::vector<std::string> environme
   return id;
 }
 
-int Reap(pid_t id) {
-  int status = 0;
-  while (waitpid(id, &status, 0) < 0 && errno == EINTR) {
-  }
-  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-}
-
 /// A child that must not write into a closed pipe of ours, nor we into one of its.
 class IgnoreBrokenPipe {
  public:
@@ -119,13 +97,6 @@ class IgnoreBrokenPipe {
  private:
   struct sigaction previous_ {};
 };
-
-void ReadSome(Descriptor& pipe, std::string& text) {
-  std::array<char, 4096> buffer;
-  const ssize_t count = read(pipe.Number(), buffer.data(), buffer.size());
-  if (count > 0) text.append(buffer.data(), static_cast<std::size_t>(count));
-  if (count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN)) pipe.Close();
-}
 
 void WriteSome(Descriptor& pipe, std::string_view& input) {
   const ssize_t count = write(pipe.Number(), input.data(), input.size());

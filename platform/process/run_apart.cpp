@@ -4,13 +4,13 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 
 #include "platform/files/descriptor.h"
+#include "platform/process/pipe.h"
+#include "platform/run_time_error.h"
 
 namespace dorvane::process {
 
@@ -38,42 +38,40 @@ using files::Descriptor;
 }
 
 /// Drains the pipe to its end; false when a limit is reached first.
-bool Drain(const Descriptor& in, const WorkLimits& limits, std::string& bytes) {
+bool Drain(Descriptor& in, const WorkLimits& limits, std::string& bytes) {
   const auto deadline = Clock::now() + limits.time;
-  std::array<char, 1 << 16> buffer;
   while (bytes.size() <= limits.bytes) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     pollfd wait{in.Number(), POLLIN, 0};
     if (left <= 0 || poll(&wait, 1, static_cast<int>(left)) == 0) return false;
-    const ssize_t count = read(in.Number(), buffer.data(), buffer.size());
-    if (count == 0) return true;
-    if (count > 0) bytes.append(buffer.data(), static_cast<std::size_t>(count));
-    if (count < 0 && errno != EINTR && errno != EAGAIN) return false;
+    if (!ReadSome(in, bytes)) return false;
+    if (!in.IsOpen()) return true;
   }
   return false;
+}
+
+pid_t Fork() {
+  const pid_t id = fork();
+  if (id < 0) ThrowNotStarted("a process", errno);
+  return id;
 }
 
 }  // namespace
 
 std::optional<std::string> RunApart(const std::function<void(const ByteSink&)>& work,
-                                    const WorkLimits& limits) {
-  int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) return std::nullopt;
-  const Descriptor in(ends[0]);
-  Descriptor out(ends[1]);
-  const pid_t id = fork();
-  if (id < 0) return std::nullopt;
-  if (id == 0) WorkAndExit(work, out);
-  out.Close();
+                                    const WorkLimits& limits) try {
+  Pipe pipe;
+  const pid_t id = Fork();
+  if (id == 0) WorkAndExit(work, pipe.write);
+  pipe.write.Close();
 
   std::string bytes;
-  const bool is_whole = Drain(in, limits, bytes);
+  const bool is_whole = Drain(pipe.read, limits, bytes);
   if (!is_whole) kill(id, SIGKILL);
-  int status = 0;
-  while (waitpid(id, &status, 0) < 0 && errno == EINTR) {
-  }
-  if (!is_whole || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
+  if (Reap(id) != 0 || !is_whole) return std::nullopt;
   return bytes;
+} catch (const RunTimeError&) {
+  return std::nullopt;
 }
 
 }  // namespace dorvane::process
