@@ -26,7 +26,6 @@
 #include "ui/look/skins.h"
 #include "ui/schedule/frm_schedule.h"
 #include "ui/schedule/task_settings_dialog.h"
-#include "ui/wizard/preview_dialog.h"
 
 namespace dorvane::test {
 
@@ -137,6 +136,17 @@ constexpr Direction kFromMsSql{"optMsSqlToMySql", "cmdSrcConnect", "optExistingD
 constexpr Direction kFromMySql{"optMySqlToMsSql", "cmdDir2MysqlConnect", "opnDir2MsSqlExistingDb",
                                "cmdDir2MsSqlConnect"};
 
+void FillPreview(PreviewPage& page) {
+  page.Begin();
+  page.Append(
+      "-- What a run would do: 1 table from MS SQL Server sqlhost/Company to MySQL dbhost/company. "
+      "Nothing was changed.\n\n-- Table Couriers\n-- Couriers is there with 3 rows\n"
+      "-- Note: Table Couriers: the 3 rows of Couriers on the destination are dropped\n"
+      "Drop Table If Exists `Couriers`;\nCreate Table `Couriers`(`CourierId` INT NOT NULL);\n"
+      "-- 4 rows are copied");
+  page.End("Something would be lost or changed: see the lines with \"Lost:\" and \"Note:\".");
+}
+
 /// Every page of one direction, the last one during and after a transfer.
 void TakeWizard(Camera& camera, const Direction& direction, QString prefix,
                 const std::function<void(WizardDriver&, Script&)>& prepare) {
@@ -169,6 +179,13 @@ void TakeWizard(Camera& camera, const Direction& direction, QString prefix,
   take("tables");
   driver.Next();
   take("ready");
+  script.transfer = [](IConversionListener& listener, const NameList&) {
+    listener.ConversionEnded();
+  };
+  driver.Click("cmdPreview");
+  FillPreview(*driver.Window().findChild<PreviewPage*>());
+  take("preview");
+  driver.Back();
   HeldTransfer transfer;
   transfer.WhenReached([&] { take("transfer"); });
   script.transfer = [&](IConversionListener& listener, const NameList& tables) {
@@ -215,19 +232,6 @@ void TakeSchedule(Camera& camera) {
   camera.Take(*dialog.findChild<TaskSettingsDialog*>(), "schedule-settings");
 }
 
-void TakePreview(Camera& camera) {
-  PreviewDialog dialog(nullptr);
-  dialog.Append(
-      "-- What a run would do: 1 table from MS SQL Server sqlhost/Company to MySQL dbhost/company. "
-      "Nothing was changed.\n\n-- Table Couriers\n-- Couriers is there with 3 rows\n"
-      "-- Note: Table Couriers: the 3 rows of Couriers on the destination are dropped\n"
-      "Drop Table If Exists `Couriers`;\nCreate Table `Couriers`(`CourierId` INT NOT NULL);\n"
-      "-- 4 rows are copied");
-  dialog.End("Something would be lost or changed: see the lines with \"Lost:\" and \"Note:\".");
-  dialog.show();
-  camera.Take(dialog, "preview");
-}
-
 void TakeBox(Camera& camera, const QString& name, MessageBoxKind kind, const QString& text,
              std::int32_t style, const std::filesystem::path& skin) {
   frmMsgBox box;
@@ -251,7 +255,6 @@ void TakeDialogs(Camera& camera, const std::filesystem::path& skin, const QStrin
   TakeBox(camera, "box-warning", MessageBoxKind::Ok, "Please click connect to database button",
           message_style::kPlain, skin);
   TakeSchedule(camera);
-  TakePreview(camera);
   HelpWindow help(help_file.toStdString());
   help.show();
   help.ShowContext(3);

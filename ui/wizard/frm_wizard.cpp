@@ -7,7 +7,6 @@
 #include "ui/controls/user_input.h"
 #include "ui/dialogs/message_box.h"
 #include "ui/look/current_look.h"
-#include "ui/wizard/preview_dialog.h"
 #include "ui/wizard/theme.h"
 
 namespace dorvane {
@@ -134,7 +133,7 @@ void frmWizard::SetStepTitle(std::int16_t page) {
   const auto step = StepOfPage(page);
   if (!step) return;
   currentScreen_ = *step;
-  lblTitle_->setText(ToQString(StepTitle(*step)));
+  lblTitle_->setText(ToQString(PageTitle(page)));
   const ServerKind source = session_.src ? session_.Direction() : ServerKind::MsSql;
   if (const auto caption = WindowCaption(*step, source)) setWindowTitle(ToQString(*caption));
 }
@@ -142,8 +141,8 @@ void frmWizard::SetStepTitle(std::int16_t page) {
 void frmWizard::SetNavigationButtons(std::int16_t page) {
   mnCurStep_ = page;
   NavButton(kBack).SetEnabled(page != page::kDirection);
-  NavButton(kNext).SetEnabled(page != page::kTransfer);
-  NavButton(kFinish).SetEnabled(blnFinishAllowed_);
+  NavButton(kNext).SetEnabled(page < page::kTransfer);
+  NavButton(kFinish).SetEnabled(blnFinishAllowed_ && page != page::kPreview);
 }
 
 void frmWizard::HighlightStepIndicator(std::int16_t page) {
@@ -187,17 +186,21 @@ WizardRun::TableCounts frmWizard::Counts() const {
 }
 
 void frmWizard::ShowPreview() {
-  PreviewDialog dialog(this);
-  connect(&dialog, &PreviewDialog::HelpRequested, this, &frmWizard::ShowHelp);
-  connect(&dialog, &PreviewDialog::StopRequested, this, [this] { run_.StopPreview(); });
-  PreviewScript script([&dialog](std::string_view lines) { dialog.Append(lines); });
-  dialog.open();
-  run_.Preview(*session_.src, *session_.dest, session_.tables, script);
+  preview_page_->Begin();
+  ShowStep(page::kPreview);
+  PreviewScript script([this](std::string_view lines) { preview_page_->Append(lines); });
+  const bool has_ended = run_.Preview(*session_.src, *session_.dest, session_.tables, script);
   session_.src->SetListener(&recorder_);
-  dialog.End(script.Remarks() == 0 ? "Nothing would be lost."
-                                   : QString("Something would be lost or changed: see the lines "
-                                             "with \"Lost:\" and \"Note:\"."));
-  if (dialog.isVisible()) dialog.exec();
+  if (leaving_.isActive()) {
+    close();
+  } else if (has_ended) {
+    preview_page_->End(script.Remarks() == 0
+                           ? "Nothing would be lost."
+                           : QString("Something would be lost or changed: see the lines "
+                                     "with \"Lost:\" and \"Note:\"."));
+  } else {
+    ShowStep(page::kTransfer);
+  }
 }
 
 void frmWizard::Cancel() {
@@ -236,6 +239,7 @@ void frmWizard::Leave() {
   if (leaving_.isActive()) return services_.end_process();
   leaving_.start();
   if (run_.IsTransferring()) run_.Stop(true);
+  if (run_.IsPreviewing()) LeavePreview();
   server_caller_.Leave();
 }
 

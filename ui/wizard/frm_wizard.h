@@ -17,6 +17,7 @@
 #include "ui/wizard/connection_page.h"
 #include "ui/wizard/desktop_link.h"
 #include "ui/wizard/direction_page.h"
+#include "ui/wizard/preview_page.h"
 #include "ui/wizard/sizes_question.h"
 #include "ui/wizard/tables_page.h"
 #include "ui/wizard/theme.h"
@@ -44,7 +45,7 @@ struct WizardServices {
   std::function<void()> end_process;
 };
 
-/// The wizard window: step list, title line, seven pages of which one is shown, and the navigation
+/// The wizard window: step list, title line, eight pages of which one is shown, and the navigation
 /// bar. Every control carries its name as object name; of an array of controls, the name and the
 /// index ("cmdNav1", "lblleft0", "shpCircle0", "fraStep6").
 class frmWizard : public QWidget {
@@ -105,6 +106,7 @@ class frmWizard : public QWidget {
   bool EnterDestination(std::int16_t page);
   bool EnterTables();
   bool EnterTransfer();
+  bool LeavePreview();
   bool LoadTableLists(const ConnectionPage& source);
 
   ConnectionPage& Page(std::int16_t page) { return *connection_pages_.at(page); }
@@ -115,7 +117,9 @@ class frmWizard : public QWidget {
   /// Asks for a file and writes the conversion into it.
   void SaveSettings();
   /// A server is at work for the wizard.
-  bool IsBusy() const { return run_.IsTransferring() || server_caller_.IsWaiting(); }
+  bool IsBusy() const {
+    return run_.IsTransferring() || run_.IsPreviewing() || server_caller_.IsWaiting();
+  }
   /// The numbers of a run's summary.
   WizardRun::TableCounts Counts() const;
   void ShowPreview();
@@ -155,6 +159,7 @@ class frmWizard : public QWidget {
   std::map<std::int16_t, ConnectionPage*> connection_pages_;
   TablesPage* tables_page_ = nullptr;
   TransferPage* transfer_page_ = nullptr;
+  PreviewPage* preview_page_ = nullptr;
 };
 
 }  // namespace dorvane

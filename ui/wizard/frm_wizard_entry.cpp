@@ -90,6 +90,7 @@ bool frmWizard::EnterTables() {
 }
 
 bool frmWizard::EnterTransfer() {
+  if (mnCurStep_ == page::kPreview) return LeavePreview();
   if (tables_page_->Selected().empty()) {
     return Refuse("Please select at least one table to convert", message_style::kInformation);
   }
@@ -100,6 +101,15 @@ bool frmWizard::EnterTransfer() {
   transfer_page_->SetPlan(PlanText(*session_.src, *session_.dest, session_.tables.size()),
                           session_.tables);
   return true;
+}
+
+bool frmWizard::LeavePreview() {
+  if (!run_.IsPreviewing()) return true;
+  // The page is left when the servers have answered.
+  NavButton(kBack).SetEnabled(false);
+  preview_page_->Stopping();
+  run_.StopPreview();
+  return false;
 }
 
 }  // namespace dorvane

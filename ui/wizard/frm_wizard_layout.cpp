@@ -142,6 +142,8 @@ QWidget& frmWizard::BuildPages() {
   pages_->addWidget(tables_page_);
   transfer_page_ = &MakeChild<TransferPage>(static_cast<QWidget&>(*pages_));
   pages_->addWidget(transfer_page_);
+  preview_page_ = &MakeChild<PreviewPage>(static_cast<QWidget&>(*pages_));
+  pages_->addWidget(preview_page_);
   for (int index = 1; index < pages_->count(); ++index) pages_->widget(index)->setEnabled(false);
 
   connect(direction_page_, &DirectionPage::Chosen, this, &frmWizard::ChooseDirection);

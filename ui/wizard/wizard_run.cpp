@@ -49,7 +49,7 @@ bool WizardRun::Transfer(IDatabase& src, IDatabase& dest, const NameList& tables
   return has_ended_;
 }
 
-void WizardRun::Preview(IDatabase& src, IDatabase& dest, const NameList& tables,
+bool WizardRun::Preview(IDatabase& src, IDatabase& dest, const NameList& tables,
                         PreviewScript& script) {
   stopping_ = false;
   script_ = &script;
@@ -59,6 +59,7 @@ void WizardRun::Preview(IDatabase& src, IDatabase& dest, const NameList& tables,
     script.Fail(error.what(), "Dorvane");
   }
   script_ = nullptr;
+  return !stopping_;
 }
 
 void WizardRun::Stop(bool leave) {

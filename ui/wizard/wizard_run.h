@@ -32,10 +32,11 @@ class WizardRun : public QObject, public IConversionListener, public IRunHost {
   /// Runs the conversion and returns when it has ended; the window stays alive meanwhile. False
   /// when it could not connect or broke off: everything is as before then.
   bool Transfer(IDatabase& src, IDatabase& dest, const NameList& tables);
-  /// Rehearses the conversion for the script; returns when that has ended or was stopped. The
-  /// source has no listener then.
-  void Preview(IDatabase& src, IDatabase& dest, const NameList& tables, PreviewScript& script);
+  /// Rehearses the conversion for the script; returns when that has ended. False when it was
+  /// stopped. The source has no listener then.
+  bool Preview(IDatabase& src, IDatabase& dest, const NameList& tables, PreviewScript& script);
   void StopPreview() { stopping_ = true; }
+  bool IsPreviewing() const { return script_ != nullptr; }
   bool IsTransferring() const { return transferring_; }
   /// Asks a running conversion to end soon. Who leaves sees no summary.
   void Stop(bool leave);

@@ -13,7 +13,7 @@ constexpr Path kFromMsSql = {page::kDirection, page::kMsSqlSource, page::kMySqlD
 constexpr Path kFromMySql = {page::kDirection, page::kMySqlSource, page::kMsSqlDestination,
                              page::kTables, page::kTransfer};
 
-constexpr std::array<std::int16_t, page::kCount> kSteps = {0, 1, 2, 1, 2, 3, 4};
+constexpr std::array<std::int16_t, page::kCount> kSteps = {0, 1, 2, 1, 2, 3, 4, 4};
 
 constexpr std::array<std::string_view, page::kCount> kPageCaptions = {
     "Select Conversion Direction",
@@ -22,7 +22,8 @@ constexpr std::array<std::string_view, page::kCount> kPageCaptions = {
     "Dir 2 - Connect To MySQL Database",
     "Dir 2 - Connect To MS SQL Database",
     "Select Tables",
-    "Finished !"};
+    "Finished !",
+    "What a transfer would do; looking changes nothing"};
 
 constexpr std::array<std::string_view, kStepCount> kStepNames = {
     "Select Direction", "Connect to Source", "Connect to Target", "Select Tables", "Done!"};
@@ -52,6 +53,7 @@ std::int16_t NextPage(ServerKind source, std::int16_t current) {
 }
 
 std::int16_t PreviousPage(ServerKind source, std::int16_t current) {
+  if (current == page::kPreview) return page::kTransfer;
   return Neighbour(source, current, -1);
 }
 
@@ -73,8 +75,9 @@ std::string_view PageCaption(std::int16_t page) {
 std::string_view StepName(std::int16_t step) {
   return kStepNames[static_cast<std::size_t>(step)];
 }
-std::string_view StepTitle(std::int16_t step) {
-  return kStepTitles[static_cast<std::size_t>(step)];
+std::string_view PageTitle(std::int16_t page) {
+  if (page == page::kPreview) return "Step 5 - What will happen";
+  return kStepTitles[static_cast<std::size_t>(kSteps[static_cast<std::size_t>(page)])];
 }
 
 std::optional<std::string_view> WindowCaption(std::int16_t step, ServerKind source) {

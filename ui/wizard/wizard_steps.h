@@ -8,7 +8,7 @@
 
 namespace dorvane {
 
-/// The seven pages, by index.
+/// The seven pages, by index, and the one beside the last of them.
 namespace page {
 inline constexpr std::int16_t kDirection = 0;
 inline constexpr std::int16_t kMsSqlSource = 1;
@@ -17,13 +17,14 @@ inline constexpr std::int16_t kMySqlSource = 3;
 inline constexpr std::int16_t kMsSqlDestination = 4;
 inline constexpr std::int16_t kTables = 5;
 inline constexpr std::int16_t kTransfer = 6;
-inline constexpr std::int16_t kCount = 7;
+inline constexpr std::int16_t kPreview = 7;
+inline constexpr std::int16_t kCount = 8;
 }  // namespace page
 
 inline constexpr int kStepCount = 5;
 
 /// The pages of a direction, which is told by the kind of its source. A page outside the direction,
-/// or without a neighbour, leads to page 0.
+/// or without a neighbour, leads to page 0; from the preview it goes back to the transfer.
 std::int16_t NextPage(ServerKind source, std::int16_t current);
 std::int16_t PreviousPage(ServerKind source, std::int16_t current);
 std::int16_t SourcePage(ServerKind source);
@@ -33,9 +34,10 @@ std::int16_t DestinationPage(ServerKind source);
 std::optional<std::int16_t> StepOfPage(std::int16_t page);
 
 std::string_view PageCaption(std::int16_t page);
-/// `step` 0 to 4: the entry of the step list, and the title line.
+/// `step` 0 to 4: the entry of the step list.
 std::string_view StepName(std::int16_t step);
-std::string_view StepTitle(std::int16_t step);
+/// The title line of a page.
+std::string_view PageTitle(std::int16_t page);
 /// The window's caption from that step on; none where it stays as it is.
 std::optional<std::string_view> WindowCaption(std::int16_t step, ServerKind source);
 

@@ -208,29 +208,60 @@ TEST_F(TransferPages, WhatWillHappenIsShownBeforehand) {
     listener.ConversionEnded();
   };
   GoToTransfer();
-  QString shown;
-  QTimer look;
-  QObject::connect(&look, &QTimer::timeout, [&] {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-      if (window->objectName() != "frmPreview" || !window->isVisible()) continue;
-      if (!window->findChild<QLabel*>("lblOutcome")->text().startsWith("Something")) continue;
-      shown = window->findChild<QPlainTextEdit*>("txtScript")->toPlainText();
-      window->findChild<QAbstractButton*>("cmdClosePreview")->click();
-    }
-  });
-  look.start(20);
   driver_.Click("cmdPreview");
   EXPECT_TRUE(driver_.TakeBoxes().empty());
-  EXPECT_THAT(shown.toStdString(),
+  EXPECT_EQ(driver_.Window().CurrentPage(), page::kPreview);
+  EXPECT_TRUE(driver_.LabelText("lblOutcome").startsWith("Something would be lost"));
+  EXPECT_FALSE(driver_.IsEnabled("cmdNav3"));
+  EXPECT_FALSE(driver_.IsEnabled("cmdNav4")) << "Enter would end the program";
+  EXPECT_THAT(driver_.Get<QPlainTextEdit>("txtScript").toPlainText().toStdString(),
               testing::HasSubstr("-- Table Customers\n"
                                  "-- Note: Table Customers: 3 fractions of a second were cut\n"
                                  "-- 3 rows are copied\n"
                                  "-- Lost: Insertion Error - it is too long\n"
                                  "\n-- 2 remarks, see above."));
+  driver_.Back();
+  EXPECT_EQ(driver_.Window().CurrentPage(), page::kTransfer);
+  EXPECT_EQ(driver_.Names("lstSelectedTables").size(), 2u);
   EXPECT_FALSE(driver_.Get<QWidget>("tblMessages").isVisible());
-  EXPECT_TRUE(driver_.IsEnabled("cmdTransferTables"));
   driver_.Click("cmdTransferTables");
   EXPECT_EQ(driver_.TakeBoxes().size(), 2u) << "the listener is the run's again";
+}
+
+TEST_F(TransferPages, WhatWillHappenCanBeLeftWhileTheServersAreAsked) {
+  std::atomic<bool> is_asking = false;
+  script_.transfer = [&](IConversionListener& listener, const NameList& tables) {
+    listener.ConversionStarted(static_cast<std::int16_t>(tables.size()), false);
+    is_asking = true;
+    while (!script_.host->IsStopping()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  };
+  GoToTransfer();
+  QTimer meanwhile;
+  const auto once_asking = [&](const std::function<void()>& action) {
+    is_asking = false;
+    meanwhile.callOnTimeout([&, action] {
+      if (!is_asking) return;
+      meanwhile.stop();
+      meanwhile.disconnect();
+      action();
+    });
+    meanwhile.start(5);
+    driver_.Click("cmdPreview");
+  };
+  once_asking([&] {
+    driver_.Back();
+    EXPECT_EQ(driver_.LabelText("lblOutcome"), "Stopping ......");
+    EXPECT_EQ(driver_.Window().CurrentPage(), page::kPreview) << "until they have answered";
+  });
+  EXPECT_EQ(driver_.Window().CurrentPage(), page::kTransfer);
+  EXPECT_TRUE(driver_.IsEnabled("cmdTransferTables"));
+  EXPECT_TRUE(driver_.IsEnabled("cmdNav2"));
+
+  once_asking([&] {
+    driver_.Window().close();
+    EXPECT_FALSE(driver_.closed);
+  });
+  EXPECT_TRUE(driver_.closed);
 }
 
 TEST_F(TransferPages, RowsAreShownInOrderWithTheOtherEvents) {

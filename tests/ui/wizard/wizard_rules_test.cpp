@@ -32,6 +32,7 @@ TEST(Steps, AnyOtherCombinationLeadsToTheFirstPage) {
   EXPECT_EQ(NextPage(kMsSql, 6), 0);
   EXPECT_EQ(PreviousPage(kMsSql, 0), 0);
   EXPECT_EQ(NextPage(kMsSql, 77), 0);
+  EXPECT_EQ(PreviousPage(kMySql, page::kPreview), page::kTransfer);
 }
 
 TEST(Steps, HelpAndCaptionsFollowStepAndDirection) {
@@ -42,7 +43,7 @@ TEST(Steps, HelpAndCaptionsFollowStepAndDirection) {
   EXPECT_EQ(WindowCaption(0, kMySql), "Dorvane");
   EXPECT_EQ(WindowCaption(1, kMySql), "Convert from MySQL to MS SQL");
   EXPECT_EQ(WindowCaption(2, kMySql), std::nullopt);
-  EXPECT_EQ(StepOfPage(7), std::nullopt);
+  EXPECT_EQ(StepOfPage(8), std::nullopt);
   EXPECT_EQ(StepOfPage(-1), std::nullopt);
 }
 
