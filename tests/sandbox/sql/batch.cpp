@@ -80,8 +80,8 @@ std::string BatchTest::Query(std::string_view query) {
   return answer.Rows();
 }
 
-std::unique_ptr<EngineSession> BatchTest::NewSession() {
-  auto opened = engine->OpenSession("sa");
+std::unique_ptr<EngineSession> BatchTest::NewSession(std::string_view login) {
+  auto opened = engine->OpenSession(login);
   EXPECT_TRUE(opened->UseDatabase("db"));
   return opened;
 }

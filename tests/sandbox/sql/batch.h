@@ -64,7 +64,7 @@ class BatchTest : public ::testing::Test {
   void Must(std::string_view batch);
   /// The rows of the only result of a query that must not fail.
   std::string Query(std::string_view query);
-  std::unique_ptr<EngineSession> NewSession();
+  std::unique_ptr<EngineSession> NewSession(std::string_view login = "sa");
   void Reopen();
 
   std::filesystem::path folder;

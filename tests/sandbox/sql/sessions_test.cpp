@@ -68,13 +68,6 @@ TEST_F(SessionsTest, WhatIsNotCommittedIsNotSeen) {
   EXPECT_EQ(Run(*other, "select v from t where id = 4").Rows(), "d");
 }
 
-TEST_F(SessionsTest, ASessionThatGoesTakesItsTransactionAlong) {
-  auto other = NewSession();
-  Run(*other, "begin tran insert t values (4, 'd')");
-  other.reset();
-  Must("insert t values (4, 'mine')");
-}
-
 TEST_F(SessionsTest, SessionsInsertSideBySide) {
   Must("create table n (id int identity primary key, who int)");
   std::vector<std::thread> threads;
@@ -106,20 +99,25 @@ TEST_F(SessionsTest, CancelEndsWhatRuns) {
   EXPECT_EQ(Query("select count(*) from t"), "3");
 }
 
-TEST_F(SessionsTest, DatabasesComeAndGo) {
-  EXPECT_TRUE(engine->HasDatabase("DB"));
-  Must("create database [name with ; blanks]");
-  auto inside = engine->OpenSession("sa");
-  ASSERT_TRUE(inside->UseDatabase("NAME with ; blanks"));
-  EXPECT_EQ(inside->Database(), "name with ; blanks");
-  EXPECT_FALSE(inside->UseDatabase("nosuch"));
-  EXPECT_EQ(Run("drop database [name with ; blanks]").Numbers(), "3702");
-  inside.reset();
-  Must("drop database [name with ; blanks]");
-  EXPECT_FALSE(engine->HasDatabase("name with ; blanks"));
-  Must("create database [name with ; blanks]");
+// Two sessions make the same table: the second one waits, and finds it there.
+TEST_F(SessionsTest, MakeTheSameTable) {
+  const auto other = NewSession();
+  Must("begin tran; create table made (a int)");
+  EXPECT_EQ(Run(*other, "select * from made").Numbers(), "208");
+  Answer second;
+  std::thread waiting([&] { other->Execute("create table made (b int)", second); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  Must("commit");
+  waiting.join();
+  EXPECT_EQ(second.Numbers(), "2714");
+  EXPECT_EQ(Run(*other, "select a from made").Numbers(), "");
+}
+
+TEST_F(SessionsTest, LoginsOutliveTheServer) {
+  Must("create login clerk with password = 'pw'");
   Reopen();
-  EXPECT_TRUE(engine->HasDatabase("name with ; blanks"));
+  EXPECT_TRUE(engine->MayLogIn("Clerk", "pw"));
+  EXPECT_FALSE(engine->MayLogIn("clerk", "PW"));
 }
 
 }  // namespace
