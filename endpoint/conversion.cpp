@@ -42,6 +42,7 @@ Conversion::Conversion(Context context)
 void Conversion::Run(const NameList& src_tables) {
   if (IsRehearsing()) OpenTrial();
   const NameList tables = WithoutCollisions(src_tables);
+  if (IsRehearsing() && IsMerging()) LearnParents(tables);
   PrepareSchemas(tables);
   for (const std::string& name : tables) plans_->try_emplace(name);
   if (IsSideBySide(tables)) {
@@ -287,12 +288,14 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
     }
     ReportChanges(table, rows->Changes());
     const RowAccount& account = copier.Account();
-    if (account.postponed > 0 && !is_stopped) {
+    const bool waits = account.postponed > 0 && !is_stopped;
+    if (waits) {
       Postpone(table, announced, account);
-      return Copied::WithRowsPostponed;
+    } else {
+      ReportRows(table, announced, account);
     }
-    ReportRows(table, announced, account);
     if (IsRehearsing()) ShowExamples(*rows);
+    if (waits) return Copied::WithRowsPostponed;
     return is_stopped ? Copied::Stopped : Copied::AsFarAsPossible;
   } catch (const RunTimeError& error) {
     report(error);
@@ -316,7 +319,11 @@ void Conversion::FinishPostponedTables() {
   } catch (const RunTimeError&) {
     // Then every row is refused, and reported.
   }
-  StorePostponedRows(postponed_accounts_);
+  if (parents_) {
+    parents_->FinishPostponed(postponed_accounts_);
+  } else {
+    StorePostponedRows(postponed_accounts_);
+  }
   for (const auto& [table, announced] : postponed_tables_) {
     events_.TableConversionStarted(table->name.Text());
     ReportRows(*table, announced, postponed_accounts_[table->dest_name.Text()]);

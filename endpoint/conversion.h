@@ -15,7 +15,9 @@
 #include "endpoint/definition_statement.h"
 #include "endpoint/failure.h"
 #include "endpoint/references.h"
+#include "endpoint/rehearsed_parents.h"
 #include "endpoint/rehearsed_references.h"
+#include "endpoint/rehearsed_server.h"
 #include "endpoint/row_copier.h"
 #include "endpoint/table_definition.h"
 #include "endpoint/trial_rows.h"
@@ -104,6 +106,10 @@ class Conversion {
   /// since the table that it refers to will not be there. The tables are the destination's.
   void RehearseRelationship(const std::string& name, const ado::TableName& table,
                             const ado::TableName& referenced);
+  /// How many rows of the destination's table refer to none by this key of it: those of the query,
+  /// or those that a rehearsal foresees.
+  std::string OrphansOf(const ado::TableName& dest_name, const ado::Key& key,
+                        const std::string& query);
   /// The other table of this run that has the table's name on the destination; null when there is
   /// none.
   const ado::TableName* Namesake(const ado::TableName& source) const;
@@ -142,15 +148,8 @@ class Conversion {
   /// What a new table of the exact mapping gets when its rows are there, the next identity value
   /// among it. What is refused is noted.
   virtual void CompleteTable(const TableDefinition& table) = 0;
-  /// For a rehearsal: the statements that make a temporary table of that quoted name with the
-  /// columns and unique keys of the destination's table.
-  virtual std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
-                                                  const std::string& copy) = 0;
-  /// For a rehearsal: what the server says of a statement that needs this right on the table of
-  /// the destination; none when the login has the right, or the server does not tell. Changes
-  /// nothing. Throws RunTimeError.
-  virtual std::optional<ado::ProviderError> Denial(ado::Connection& asked, TableRight right,
-                                                   const ado::TableName& table) = 0;
+  /// For a rehearsal: the destination's server, asked over a connection that outlives the result.
+  virtual std::unique_ptr<IRehearsedServer> ServerOver(ado::Connection& connection) const = 0;
   /// For a rehearsal: true when the destination may refuse or change rows of a new table although
   /// there is room in it for each of their values.
   virtual bool MayRefuseRows(const TableDefinition& table,
@@ -242,12 +241,20 @@ class Conversion {
   /// In overwrite mode, when the tables are planned.
   void LearnReferences();
   bool IsMariaDb();
+  /// In merge mode, ahead of the first table.
+  void LearnParents(const NameList& tables);
+  /// A line of the script for a person to read.
+  void Remark(std::string_view text);
+  void RemarkUnforeseen(std::string_view what, std::string_view why);
   /// True when the destination has a table of that name.
   bool TellWhatIsThere(const TableDefinition& table);
-  /// Tries from now on what is said of this table, on a copy of the destination's when it is kept.
-  /// Denial, asked over the trial's connection and kept.
+  /// Why the login is denied the right, asked once.
   const std::optional<ado::ProviderError>& DenialOf(TableRight right, const ado::TableName& table);
+  /// Throws DestinationFailure when it is.
+  void NeedRight(TableRight right, const ado::TableName& table);
+  /// Tries from now on what is said of this table, on a copy of the destination's when it is kept.
   void BeginTrial(const TableDefinition& table, bool is_kept);
+  void MakeCopy(const TableDefinition& table);
   /// The rows of the trial table; none when there is no trial.
   std::unique_ptr<TrialRows> OpenTrialRows(const TableDefinition& table, bool is_new,
                                            const std::vector<ado::FieldInfo>& fields,
@@ -294,6 +301,8 @@ class Conversion {
   const CopyPlan copy_;
   const ado::StatementSink rehearsal_;
   std::unique_ptr<TrialTable> trial_;  // none: this is no rehearsal, or the server takes none
+  std::unique_ptr<IRehearsedServer> server_;         // none: likewise
+  std::unique_ptr<RehearsedParents> parents_;        // none: likewise, or nothing is merged
   std::unique_ptr<RehearsedReferences> references_;  // none: likewise, or nothing is overwritten
   std::map<std::pair<TableRight, ado::TableName>, std::optional<ado::ProviderError>> denials_;
   std::vector<ado::TableName> rehearsed_tables_;  // that a rehearsal has made

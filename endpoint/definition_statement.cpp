@@ -22,6 +22,8 @@ constexpr std::array kRights{
     RightOfWord{"drop table ", TableRight::Drop},
     RightOfWord{"create index ", TableRight::Index},
     RightOfWord{"create unique index ", TableRight::Index},
+    RightOfWord{"create database ", TableRight::MakeSchema},
+    RightOfWord{"create schema ", TableRight::MakeSchema},
 };
 
 }  // namespace

@@ -8,10 +8,11 @@
 
 namespace dorvane {
 
-/// What a login may have to be allowed on a table.
-enum class TableRight { Create, Alter, Index, Drop, Insert };
+/// What a login may have to be allowed on a table; with Refer, to have another table refer to it.
+/// MakeSchema is the right to make what tables stand in, which has a bare name.
+enum class TableRight { Create, Alter, Index, Drop, Insert, Refer, MakeSchema };
 
-/// A statement of a conversion that makes, changes or drops a table.
+/// A statement of a conversion that makes, changes or drops a table, or makes what tables stand in.
 struct DefinitionStatement {
   TableRight right;  // that it needs
   ado::TableName table;

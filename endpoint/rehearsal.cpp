@@ -21,6 +21,7 @@ namespace {
 
 constexpr std::ptrdiff_t kLongestName = 64;  // characters that MySQL takes
 constexpr std::int32_t kNameTooLong = 1059;
+constexpr std::string_view kOrphans = "rows whose parents are missing";
 
 bool BeginsCharacter(char c) {
   return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
@@ -70,11 +71,16 @@ const std::optional<ado::ProviderError>& Conversion::DenialOf(TableRight right,
   const auto [denial, is_new] = denials_.try_emplace({right, table});
   if (!is_new || !trial_) return denial->second;
   try {
-    denial->second = Denial(trial_->Connection(), right, table);
+    denial->second = server_->Denial(right, table);
   } catch (const RunTimeError&) {
     // The rights are not known, and the run will tell.
   }
   return denial->second;
+}
+
+void Conversion::NeedRight(TableRight right, const ado::TableName& table) {
+  const auto& denial = DenialOf(right, table);
+  if (denial) throw DestinationFailure(*denial, denial->Entries());
 }
 
 void Conversion::LearnReferences() {
@@ -99,9 +105,9 @@ bool Conversion::IsMariaDb() {
 void Conversion::RehearseRelationship(const std::string& name, const ado::TableName& table,
                                       const ado::TableName& referenced) {
   if (!IsRehearsing()) return;
-  // The server asks for the right first.
-  const auto& denial = DenialOf(TableRight::Alter, table);
-  if (denial) throw DestinationFailure(*denial, denial->Entries());
+  // A server asks for the rights first.
+  NeedRight(TableRight::Alter, table);
+  NeedRight(TableRight::Refer, referenced);
   const auto is_it = [&](const ado::TableName& made) {
     return text::EqualsIgnoringCase(made.Text(), referenced.Text());
   };
@@ -127,21 +133,26 @@ void Conversion::RehearseRelationship(const std::string& name, const ado::TableN
                            table.IsBare() ? database : table.schema, table.name));
 }
 
+void Conversion::Remark(std::string_view text) {
+  rehearsal_(fmt::format("-- {}", text::Visible(text)));
+}
+
+void Conversion::RemarkUnforeseen(std::string_view what, std::string_view why) {
+  Remark(fmt::format("Not foretold: {} ({})", what, why));
+}
+
 bool Conversion::TellWhatIsThere(const TableDefinition& table) {
-  const auto remark = [this](std::string_view text) {
-    rehearsal_(fmt::format("-- {}", text::Visible(text)));
-  };
   const std::string name = table.dest_name.Text();
   const bool is_there =
       OnDestination(*destination_, [&] { return !destination_->Columns(table.dest_name).empty(); });
   if (!is_there) {
-    remark(fmt::format("{} is made", name));
+    Remark(fmt::format("{} is made", name));
     return false;
   }
   const std::int64_t rows = CountRows(*destination_, "count(*)", DestQuoted(table.dest_name));
-  remark(fmt::format("{} is there with {} row{}", name, rows, rows == 1 ? "" : "s"));
+  Remark(fmt::format("{} is there with {} row{}", name, rows, rows == 1 ? "" : "s"));
   if (IsMerging()) {
-    remark("it stays as it is, rows are added to it");
+    Remark("it stays as it is, rows are added to it");
   } else if (rows > 0) {
     host_.Inform(fmt::format("Table {}: the {} row{} of {} on the destination are dropped",
                              table.name.Text(), rows, rows == 1 ? "" : "s", name));
@@ -153,9 +164,28 @@ void Conversion::OpenTrial() {
   try {
     auto connection = destination_->OpenAnother();
     connection->Rehearse(nullptr);
+    server_ = ServerOver(*connection);
     trial_ = std::make_unique<TrialTable>(std::move(connection), DestinationKind());
   } catch (const RunTimeError&) {
     // What follows from names and lengths is found all the same.
+  }
+}
+
+void Conversion::LearnParents(const NameList& tables) {
+  if (!trial_ || !options_.copy_table_content) return;
+  OrphanRule rule = OrphanRule::Postponed;
+  if (DestinationKind() == ServerKind::MySql) {
+    rule = options_.convert_relationships ? OrphanRule::Stored : OrphanRule::Refused;
+  }
+  auto parents = std::make_unique<RehearsedParents>(*trial_, *server_, rule);
+  try {
+    for (const std::string& name : tables) {
+      const ado::TableName table = DestTableOf(name);
+      parents->Add(table, trial_->Connection().Keys(table));
+    }
+    parents_ = std::move(parents);
+  } catch (const RunTimeError& error) {
+    RemarkUnforeseen(kOrphans, error.Description());
   }
 }
 
@@ -164,9 +194,25 @@ void Conversion::BeginTrial(const TableDefinition& table, bool is_kept) {
   trial_->StandFor(table.dest_name);
   if (!is_kept) return;
   // A run sends the statement that makes the table all the same.
-  const auto& denial = DenialOf(TableRight::Create, table.dest_name);
-  if (denial) throw DestinationFailure(*denial, denial->Entries());
-  trial_->Make(CopyOfExisting(table.dest_name, trial_->QuotedName()));
+  NeedRight(TableRight::Create, table.dest_name);
+  try {
+    MakeCopy(table);
+  } catch (const RunTimeError&) {
+    trial_->GiveUp();
+  }
+}
+
+void Conversion::MakeCopy(const TableDefinition& table) {
+  if (server_->HasTriggers(table.dest_name)) {
+    RemarkUnforeseen("what its triggers do", table.dest_name.Text());
+  }
+  for (const std::string& statement :
+       server_->CopyOf(table.dest_name, trial_->QuotedName(), table.Identity() != nullptr)) {
+    const std::string refusal = trial_->Add(statement);
+    if (!refusal.empty()) RemarkUnforeseen("rows that this refuses: " + statement, refusal);
+    if (!trial_->IsThere()) return;
+  }
+  trial_->CallChecks(server_->RenamedChecks(table.dest_name, trial_->QuotedName()));
 }
 
 std::unique_ptr<TrialRows> Conversion::OpenTrialRows(const TableDefinition& table, bool is_new,
@@ -186,7 +232,8 @@ std::unique_ptr<TrialRows> Conversion::OpenTrialRows(const TableDefinition& tabl
   }
   trial_->SwapConnection(destination_);
   if (!rows) return nullptr;
-  return std::make_unique<TrialRows>(*trial_, std::move(rows), std::move(meeting));
+  return std::make_unique<TrialRows>(*trial_, std::move(rows), std::move(meeting),
+                                     is_new ? nullptr : parents_.get());
 }
 
 TrialRows::Meeting Conversion::MeetingWith(const TableDefinition& table,
@@ -208,11 +255,18 @@ TrialRows::Meeting Conversion::MeetingWith(const TableDefinition& table,
       fmt::format("select count(*) from {} t where ", trial_->QuotedName());
   constexpr std::string_view kPlain = "{}.{}";
 
+  const std::vector<std::string> given = server_->GivenColumns(table.dest_name);
+  const auto is_unknown = [&](const std::string& column) {
+    const auto is_field = [&](const ado::FieldInfo& field) {
+      return text::EqualsIgnoringCase(DestName(field.name), column);
+    };
+    return column.empty() || (std::ranges::find(given, column) != given.end() &&
+                              std::ranges::none_of(fields, is_field));
+  };
   std::string conflicts;
   for (const ado::Index& index : destination_->Indexes(table.dest_name)) {
     const bool tells_rows_apart = (index.unique && index.filter.empty()) || index.primary_key;
-    const bool is_of_columns = std::ranges::find(index.columns, "") == index.columns.end();
-    if (!tells_rows_apart || !is_of_columns) continue;
+    if (!tells_rows_apart || std::ranges::any_of(index.columns, is_unknown)) continue;
     conflicts += (conflicts.empty() ? "" : " or ") + condition(index.columns, kPlain);
   }
   if (conflicts.empty()) return {};
@@ -261,9 +315,15 @@ std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestin
 }
 
 void Conversion::ShowExamples(const IRowDestination& rows) {
-  for (const std::string& example : rows.Examples()) {
-    rehearsal_(fmt::format("-- {}", text::Visible(example)));
-  }
+  for (const std::string& example : rows.Examples()) Remark(example);
+  const std::string trouble = parents_ ? parents_->TakeTrouble() : "";
+  if (!trouble.empty()) RemarkUnforeseen(kOrphans, trouble);
+}
+
+std::string Conversion::OrphansOf(const ado::TableName& dest_name, const ado::Key& key,
+                                  const std::string& query) {
+  const auto foreseen = parents_ ? parents_->Orphans(dest_name, key) : std::nullopt;
+  return foreseen ? std::to_string(*foreseen) : destination_->Execute(query).Field(0).Text();
 }
 
 }  // namespace dorvane

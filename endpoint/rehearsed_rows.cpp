@@ -218,7 +218,7 @@ RowOutcome RehearsedRows::Try(const ado::RowBlock& converted, std::size_t row) {
   const ColumnRoom* too_small = TooSmall(converted.Row(row));
   if (rehearsal_.trial && (rehearsal_.is_all_tried || too_small != nullptr)) {
     try {
-      return rehearsal_.trial->StoreRow(converted, row);
+      return rehearsal_.trial->StoreRow(converted, row, handled_);
     } catch (const RunTimeError&) {
       EndTrial();
     }

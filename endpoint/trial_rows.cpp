@@ -19,8 +19,9 @@ ErrorSummary KeyTaken(ServerKind server) {
 
 }  // namespace
 
-TrialRows::TrialRows(TrialTable& table, std::unique_ptr<IRowDestination> rows, Meeting meeting)
-    : table_(table), rows_(std::move(rows)), meeting_(std::move(meeting)) {}
+TrialRows::TrialRows(TrialTable& table, std::unique_ptr<IRowDestination> rows, Meeting meeting,
+                     RehearsedParents* parents)
+    : table_(table), rows_(std::move(rows)), meeting_(std::move(meeting)), parents_(parents) {}
 
 BlockResult TrialRows::StoreBlock(const ado::RowBlock& converted, std::size_t first,
                                   std::size_t count) {
@@ -28,14 +29,17 @@ BlockResult TrialRows::StoreBlock(const ado::RowBlock& converted, std::size_t fi
     left_out_ = 0;
     MakeRoom(converted, count);
     const BlockResult result = rows_->StoreBlock(converted, first, count);
-    if (result != BlockResult::Stored || !meeting_.IsAsked()) return result;
-    const std::int64_t conflicts = Count(meeting_.conflicts);
-    if (conflicts == 0) return result;
-    const std::int64_t repetitions = CountRepetitions(conflicts);
-    Empty();
+    if (result != BlockResult::Stored) return result;
+    const std::int64_t conflicts = CountConflicts();
+    const std::int64_t repetitions = conflicts > 0 ? CountRepetitions(conflicts) : 0;
     const bool are_all_there = repetitions == static_cast<std::int64_t>(count);
     const bool may_mix = repetitions >= conflicts && meeting_.may_mix;
-    if (!are_all_there && !may_mix) return BlockResult::Refused;
+    bool is_taken = conflicts == 0 || are_all_there || may_mix;
+    if (is_taken && !are_all_there && parents_ != nullptr) {
+      is_taken = parents_->TakeBlock(count, conflicts == 0);
+    }
+    if (conflicts > 0 || !is_taken) Empty();
+    if (!is_taken) return BlockResult::Refused;
     left_out_ = static_cast<std::size_t>(repetitions);
     return result;
   } catch (const RunTimeError&) {
@@ -43,19 +47,26 @@ BlockResult TrialRows::StoreBlock(const ado::RowBlock& converted, std::size_t fi
   }
 }
 
-RowOutcome TrialRows::StoreRow(const ado::RowBlock& converted, std::size_t row) {
+RowOutcome TrialRows::StoreRow(const ado::RowBlock& converted, std::size_t row,
+                               std::int64_t position) {
   MakeRoom(converted, 1);
   RowOutcome outcome = rows_->StoreRow(converted, row);
   outcome.reason.description = table_.Words(std::move(outcome.reason.description));
   const bool is_stored =
       outcome.result == RowResult::Stored || outcome.result == RowResult::Changed;
-  if (!is_stored || !meeting_.IsAsked()) return outcome;
-  const std::int64_t conflicts = Count(meeting_.conflicts);
-  if (conflicts == 0) return outcome;
-  const bool is_there = CountRepetitions(conflicts) > 0;
+  if (!is_stored) return outcome;
+  // A server looks for the keys before it looks for the parents.
+  if (const std::int64_t conflicts = CountConflicts(); conflicts > 0) {
+    const bool is_there = CountRepetitions(conflicts) > 0;
+    Empty();
+    if (is_there) return {RowResult::Duplicate};
+    return {RowResult::Refused, KeyTaken(table_.Server())};
+  }
+  if (parents_ == nullptr) return outcome;
+  RowOutcome taken = parents_->TakeRow(position);
+  if (taken.result == RowResult::Stored) return outcome;
   Empty();
-  if (is_there) return {RowResult::Duplicate};
-  return {RowResult::Refused, KeyTaken(table_.Server())};
+  return taken;
 }
 
 std::int64_t TrialRows::CountRepetitions(std::int64_t conflicts) {

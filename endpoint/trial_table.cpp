@@ -32,6 +32,12 @@ std::string Quoted(const ado::TableName& table, ServerKind kind) {
   return kind == ServerKind::MySql ? MySqlTable(table) : MsSqlTable(table);
 }
 
+void Replace(std::string& text, const std::string& name, const std::string& by) {
+  for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos; at += by.size()) {
+    text.replace(at, name.size(), by);
+  }
+}
+
 bool IsOfTheTable(const ado::ProviderError& failure) {
   const ado::Error* entry = PrimaryError(failure.Entries(), 0);
   return IsRowRefusal(failure.Number()) && entry != nullptr &&
@@ -47,6 +53,7 @@ TrialTable::TrialTable(std::unique_ptr<ado::Connection> connection, ServerKind k
 
 void TrialTable::StandFor(const ado::TableName& table) {
   Drop();
+  checks_.clear();
   stands_for_ = table;
 }
 
@@ -100,15 +107,13 @@ std::optional<std::string> TrialTable::TrialOf(std::string_view sql,
   return trial;
 }
 
-void TrialTable::Make(const std::vector<std::string>& statements) {
-  if (!is_usable_ || statements.empty()) return;
+std::string TrialTable::Add(const std::string& statement) {
   try {
-    for (const std::string& statement : statements) {
-      connection_->Execute(statement);
-      is_there_ = true;
-    }
-  } catch (const RunTimeError&) {
-    Drop();
+    connection_->Execute(statement);
+    is_there_ = is_usable_;
+    return {};
+  } catch (const RunTimeError& error) {
+    return Words(error.Description());
   }
 }
 
@@ -117,10 +122,9 @@ void TrialTable::Empty() {
 }
 
 std::string TrialTable::Words(std::string text) const {
-  for (std::size_t at = 0; (at = text.find(name_.name, at)) != std::string::npos;) {
-    text.replace(at, name_.name.size(), stands_for_.name);
-    at += stands_for_.name.size();
-  }
+  // The checks first, in whose names the trial's may stand.
+  for (const auto& [trial, own] : checks_) Replace(text, trial, own);
+  Replace(text, name_.name, stands_for_.name);
   return text;
 }
 

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "endpoint/definition_statement.h"
 #include "platform/ado/connection.h"
@@ -25,11 +26,16 @@ class TrialTable {
   /// refuses it. Any other statement is taken for done, and so is every one once the server cannot
   /// be asked.
   void Try(std::string_view sql, const DefinitionStatement& definition);
-  /// Makes it by these statements, which name it, as a table that is there already. It is not there
-  /// afterwards when one of them fails.
-  void Make(const std::vector<std::string>& statements);
+  /// Makes it, as a table that is there already, or adds to it, by a statement that names it so.
+  /// Empty, or why that failed, after which it is as it was.
+  std::string Add(const std::string& statement);
+  /// The names that the server's words have in place of its own.
+  void CallChecks(std::map<std::string, std::string> names) { checks_ = std::move(names); }
   bool IsThere() const { return is_there_; }
   ServerKind Server() const { return kind_; }
+  const ado::TableName& StandsFor() const { return stands_for_; }
+  /// Open, until the connection to the server is lost.
+  ado::Connection& Connection() { return *connection_; }
   /// No longer asks the server.
   void GiveUp();
 
@@ -37,7 +43,6 @@ class TrialTable {
 
   ado::TableName Name() const { return name_; }
   std::string QuotedName() const;
-  ado::Connection& Connection() { return *connection_; }
   /// Takes the connection or gives it back.
   void SwapConnection(std::unique_ptr<ado::Connection>& other) { connection_.swap(other); }
   /// Throws RunTimeError.
@@ -55,6 +60,7 @@ class TrialTable {
   const ServerKind kind_;
   const ado::TableName name_;
   ado::TableName stands_for_;
+  std::map<std::string, std::string> checks_;  // names of the table's by the trial's
   bool is_there_ = false;
   bool is_usable_ = true;
 };

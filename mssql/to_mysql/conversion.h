@@ -93,14 +93,9 @@ class MsSqlToMySql : public Conversion {
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
 
   // trial.cpp
-  std::vector<std::string> CopyOfExisting(const ado::TableName& dest_name,
-                                          const std::string& copy) override;
+  std::unique_ptr<IRehearsedServer> ServerOver(ado::Connection& connection) const override;
   bool MayRefuseRows(const TableDefinition& table,
                      const std::vector<ado::FieldInfo>& fields) override;
-
-  // rights.cpp
-  std::optional<ado::ProviderError> Denial(ado::Connection& asked, TableRight right,
-                                           const ado::TableName& table) override;
 
   // overwriting.cpp
   void PrepareOverwriting(const std::vector<const TableDefinition*>& tables) override;

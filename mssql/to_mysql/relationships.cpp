@@ -239,7 +239,7 @@ void MsSqlToMySql::ReportOrphans(const ado::TableName& dest_name) {
   try {
     for (const ado::Key& key : destination.Keys(dest_name)) {
       if (key.type != ado::KeyType::Foreign) continue;
-      const std::string count = destination.Execute(OrphanQuery(dest_name, key)).Field(0).Text();
+      const std::string count = OrphansOf(dest_name, key, OrphanQuery(dest_name, key));
       if (count == "0") continue;
       RaiseError(fmt::format("{} rows of table {} refer to rows of table {} that are not there "
                              "(relationship {})",

@@ -3,15 +3,20 @@
 #include <algorithm>
 #include <array>
 
+#include "endpoint/failure.h"
 #include "endpoint/names.h"
-#include "mssql/to_mysql/conversion.h"
 #include "mssql/to_mysql/literals.h"
+#include "mssql/to_mysql/rehearsed_server.h"
 
 namespace dorvane::to_mysql {
 
 namespace {
 
+constexpr std::int32_t kDatabaseDenied = 1044;
 constexpr std::int32_t kCommandDenied = 1142;
+
+/// The login, as the server writes it.
+constexpr std::string_view kGrantee = "concat('''', replace(current_user(), '@', '''@'''), '''')";
 
 /// A statement that needs a right and fails in any case: on tables that nobody has.
 struct Probe {
@@ -25,6 +30,8 @@ constexpr std::array kProbes{
     Probe{TableRight::Index, "INDEX", "create index i on {0} (i)"},
     Probe{TableRight::Drop, "DROP", "drop table {0}"},
     Probe{TableRight::Insert, "INSERT", "explain insert into {0} () values ()"},
+    Probe{TableRight::Refer, "REFERENCES",
+          "create table {1} (i int, foreign key (i) references {0} (i))"},
 };
 
 /// What the server says when it denies the command; none when it says anything else.
@@ -47,24 +54,35 @@ bool IsGrantedOnTable(ado::Connection& connection, const Probe& probe,
                       const ado::TableName& table) {
   ado::Recordset count = connection.Execute(
       fmt::format("select count(*) from information_schema.table_privileges where table_schema = "
-                  "{} and table_name = '{}' and privilege_type = '{}' and "
-                  "grantee = concat('''', replace(current_user(), '@', '''@'''), '''')",
-                  SchemaText(table), Quote(table.name), probe.command));
+                  "{} and table_name = '{}' and privilege_type = '{}' and grantee = {}",
+                  SchemaText(table), Quote(table.name), probe.command, kGrantee));
   return count.AtEnd() || count.Field(0).Text() != "0";
 }
 
 }  // namespace
 
-std::optional<ado::ProviderError> MsSqlToMySql::Denial(ado::Connection& asked, TableRight right,
-                                                       const ado::TableName& table) {
+std::optional<ado::ProviderError> RehearsedMySql::Denial(TableRight right,
+                                                         const ado::TableName& table) {
+  if (right == TableRight::MakeSchema) return SchemaDenial(table.name);
   const auto* probe = std::ranges::find(kProbes, right, &Probe::right);
-  const std::string name = asked.Execute("select concat('dorvane_', uuid())").Field(0).Text();
-  std::optional<ado::ProviderError> denial = WordsOf(asked, *probe, {table.schema, name});
-  if (!denial || IsGrantedOnTable(asked, *probe, table)) return std::nullopt;
+  const std::string name = connection_.Execute("select concat('dorvane_', uuid())").Field(0).Text();
+  std::optional<ado::ProviderError> denial = WordsOf(connection_, *probe, {table.schema, name});
+  if (!denial || IsGrantedOnTable(connection_, *probe, table)) return std::nullopt;
   std::string words = denial->Entries().front().description;
   const std::size_t at = words.find(name);
   if (at != std::string::npos) words.replace(at, name.size(), table.name);
   return Refusal(ServerKind::MySql, kCommandDenied, words, denial->Number());
+}
+
+std::optional<ado::ProviderError> RehearsedMySql::SchemaDenial(const std::string& schema) {
+  // The right to make a database is that to make tables in it.
+  const std::optional<ado::ProviderError> denial =
+      WordsOf(connection_, kProbes.front(), {schema, "dorvane"});
+  if (!denial) return std::nullopt;
+  const std::string login = connection_.Execute(fmt::format("select {}", kGrantee)).Field(0).Text();
+  return Refusal(ServerKind::MySql, kDatabaseDenied,
+                 fmt::format("Access denied for user {} to database '{}'", login, schema),
+                 ado::hresult::kFail);
 }
 
 }  // namespace dorvane::to_mysql

@@ -5,15 +5,13 @@
 #include "endpoint/names.h"
 #include "endpoint/row_identity.h"
 #include "mssql/to_mysql/conversion.h"
+#include "mssql/to_mysql/rehearsed_server.h"
 #include "platform/ado/items.h"
 
 namespace dorvane::to_mysql {
 
-std::vector<std::string> MsSqlToMySql::CopyOfExisting(const ado::TableName& dest_name,
-                                                      const std::string& copy) {
-  // What is rolled back must be gone from the copy, whatever the table's engine.
-  return {fmt::format("create temporary table {} like {}", copy, MySqlTable(dest_name)),
-          fmt::format("alter table {} engine = innodb", copy)};
+std::unique_ptr<IRehearsedServer> MsSqlToMySql::ServerOver(ado::Connection& connection) const {
+  return std::make_unique<RehearsedMySql>(connection);
 }
 
 /// By a key whose texts its collation takes for one, and by characters that the database lacks.

@@ -220,6 +220,10 @@ TEST_F(PreviewTest, TellsOfTablesThatAreThere) {
   EXPECT_THAT(RemarksOf(Preview(job, 1)),
               Contains(HasSubstr("1 of 3 rows were not copied; the first: 1406")));
   EXPECT_EQ(rig_.MySqlValue("select count(*) from Loose", database_), "0");
+
+  rig_.MySqlValue("create trigger Ring before insert on Loose for each row set new.A = 1",
+                  database_);
+  EXPECT_THAT(Preview(job, 1), HasSubstr("\n-- Not foretold: what its triggers do (Loose)\n"));
 }
 
 TEST_F(PreviewTest, ForetellsKeysThatCannotBeMade) {
@@ -319,6 +323,19 @@ TEST_F(PreviewTest, ForetellsWhatTheLoginMayNotDo) {
   answer("grant drop on " + database_ + ".* to clerk; revoke index on " + database_ +
          ".* from clerk");
   EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("INDEX command denied")));
+
+  // MariaDB asks for no right to refer to a table.
+  answer("grant index on " + database_ + ".* to clerk; revoke references on " + database_ +
+         ".* from clerk");
+  const bool is_asked = !rig_.MySql().IsMariaDb();
+  const auto denial = Contains(HasSubstr("REFERENCES command denied"));
+  EXPECT_EQ(testing::Matches(denial)(AgreedRemarks(job)), is_asked);
+
+  rig_.MsSql().Script("create schema Sales\ngo\ncreate table Sales.Deals (A int)\ngo\n", database_);
+  job.tables = {"Sales.Deals"};
+  job.schemas = SchemaPolicy::Database;
+  EXPECT_THAT(AgreedRemarks(job), Contains(HasSubstr("Access denied for user 'clerk'@'%' to "
+                                                     "database 'Sales'")));
   answer("drop user clerk");
 }
 
