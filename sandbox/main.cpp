@@ -105,44 +105,6 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
   return options;
 }
 
-/// Turns the first error of a batch into an exception.
-class FailOnError : public sandbox::ResultSink {
- public:
-  void Columns(const std::vector<sandbox::ColumnInfo>&) override {}
-  void Row(std::span<const sandbox::Value>) override {}
-  void Done(std::optional<std::int64_t>) override {}
-  void Message(const sandbox::ServerMessage& message) override {
-    constexpr int kFirstErrorSeverity = 11;
-    if (message.severity >= kFirstErrorSeverity && error_.empty()) error_ = message.text;
-  }
-  void DatabaseChanged(std::string_view) override {}
-  void TransactionChanged(std::uint64_t, bool) override {}
-  void ReturnStatus(std::int32_t) override {}
-
-  void Check() const {
-    if (!error_.empty()) throw std::runtime_error(error_);
-  }
-
- private:
-  std::string error_;
-};
-
-std::string Bracketed(const std::string& name) {
-  std::string quoted = "[";
-  for (char c : name) quoted += c == ']' ? "]]" : std::string(1, c);
-  return quoted + "]";
-}
-
-void CreateDatabases(sandbox::Engine& engine, const Options& options) {
-  auto session = engine.OpenSession(options.user);
-  for (const std::string& name : options.create) {
-    if (engine.HasDatabase(name)) continue;
-    FailOnError sink;
-    session->Execute("create database " + Bracketed(name), sink);
-    sink.Check();
-  }
-}
-
 /// The signals that end the server, blocked in this thread and those it starts.
 sigset_t BlockEndSignals() {
   sigset_t signals;
@@ -157,7 +119,7 @@ void Run(const Options& options) {
   const sigset_t end_signals = BlockEndSignals();
   std::unique_ptr<sandbox::Engine> engine =
       sandbox::OpenEngine(options.folder, true, options.traits);
-  CreateDatabases(*engine, options);
+  for (const std::string& name : options.create) engine->CreateDatabase(name);
   sandbox::tds::Server server(*engine, {options.user, *options.password}, options.port);
   fmt::print("listening on 127.0.0.1:{}\n", server.Port());
   std::fflush(stdout);

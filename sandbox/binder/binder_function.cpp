@@ -144,15 +144,7 @@ Bound Binder::BindAggregate(const Expr& expr, const Scope& scope) {
   if (!IsNumber(value.type.type) || value.type.type == SqlType::Bit) {
     Raise(8117, TypeName(value.type), expr.text);
   }
-  const SqlType type = value.type.type;
-  const bool average = expr.text == "avg";
-  bound.type =
-      IsApproximate(type)       ? FloatType()
-      : IsMoney(type)           ? MoneyType()
-      : type == SqlType::BigInt ? BigIntType()
-      : IsInteger(type)
-          ? IntType()
-          : TypeInfo{type, 0, 38, average ? std::max(6, value.type.scale) : value.type.scale};
+  bound.type = expr.text == "avg" ? AverageType(value.type) : SumType(value.type);
   if (expr.distinct) {
     // SQLite allows DISTINCT only with one argument: a function that takes the type along.
     Raise(195, expr.text + " distinct");

@@ -166,51 +166,31 @@ void DatabaseLink::RollbackToSavepoint() {
   catalog_ = LoadCatalog(connection_);
 }
 
-void DatabaseLink::Store(TableDef table) {
+void DatabaseLink::StoreChange() {
   definitions_changed_ = true;
   ForgetStatements();
-  TableDef& stored = catalog_.tables[table.id] = std::move(table);
-  StoreTable(connection_, catalog_, stored);
+  StoreShared(connection_, catalog_);
 }
 
-void DatabaseLink::Forget(int table_id) {
-  definitions_changed_ = true;
-  ForgetStatements();
-  ForgetTable(connection_, table_id);
-  ForgetCounter(connection_, IdentityCounter(table_id));
-  unsaved_identities_.erase(table_id);
-  catalog_.tables.erase(table_id);
+void DatabaseLink::Store(TableDef table) {
+  StoreChange();
+  TableDef& stored = catalog_.tables[table.id] = std::move(table);
+  StoreTable(connection_, stored);
 }
 
 void DatabaseLink::Store(ViewDef view) {
-  definitions_changed_ = true;
+  StoreChange();
   ViewDef& stored = catalog_.views[view.id] = std::move(view);
-  StoreView(connection_, catalog_, stored);
+  StoreView(connection_, stored);
 }
 
-void DatabaseLink::ForgetView(int view_id) {
-  definitions_changed_ = true;
-  ForgetStatements();
-  sandbox::ForgetView(connection_, view_id);
-  catalog_.views.erase(view_id);
-}
-
-void DatabaseLink::SetSchemas(std::vector<SchemaDef> schemas) {
-  definitions_changed_ = true;
-  catalog_.schemas = std::move(schemas);
-  StoreLists(connection_, catalog_);
-}
-
-void DatabaseLink::SetUsers(std::vector<UserDef> users) {
-  definitions_changed_ = true;
-  catalog_.users = std::move(users);
-  StoreLists(connection_, catalog_);
-}
-
-void DatabaseLink::SetTypes(std::vector<AliasTypeDef> types) {
-  definitions_changed_ = true;
-  catalog_.types = std::move(types);
-  StoreLists(connection_, catalog_);
+void DatabaseLink::Forget(int object_id) {
+  StoreChange();
+  ForgetObject(connection_, object_id);
+  ForgetCounter(connection_, IdentityCounter(object_id));
+  unsaved_identities_.erase(object_id);
+  catalog_.tables.erase(object_id);
+  catalog_.views.erase(object_id);
 }
 
 void DatabaseLink::DropTemporaryTables() {

@@ -64,14 +64,18 @@ class DatabaseLink final : public FunctionHost {
   void ReleaseSavepoint();
   void RollbackToSavepoint();
 
-  /// Changes a table's definition (or adds it) and stores it. Within a write transaction.
+  // Changes of definitions, within a write transaction.
+  /// Changes a definition (or adds it) and stores it.
   void Store(TableDef table);
-  void Forget(int table_id);
   void Store(ViewDef view);
-  void ForgetView(int view_id);
-  void SetSchemas(std::vector<SchemaDef> schemas);
-  void SetUsers(std::vector<UserDef> users);
-  void SetTypes(std::vector<AliasTypeDef> types);
+  /// Forgets a table or view.
+  void Forget(int object_id);
+  /// Adds a schema, user or type to its list.
+  template <typename Definition>
+  void Add(std::vector<Definition> Catalog::*list, Definition added) {
+    (catalog_.*list).push_back(std::move(added));
+    StoreChange();
+  }
   int NewObjectId();
   /// Drops the session's own tables.
   void DropTemporaryTables();
@@ -98,6 +102,7 @@ class DatabaseLink final : public FunctionHost {
  private:
   [[noreturn]] void Translate(const SqliteError& error);
   void ForgetStatements();
+  void StoreChange();
   void SaveCounters();
 
   std::shared_ptr<DatabaseState> state_;

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "sandbox/values/ticks.h"
 #include "sandbox/values/type_rules.h"
 #include "sandbox/values/types.h"
 
@@ -20,7 +19,6 @@ const TypeInfo kBit = BitType();
 const TypeInfo kTiny = TinyIntType();
 const TypeInfo kSmall = SmallIntType();
 const TypeInfo kKind{SqlType::Char, 2, 0, 0};
-const TypeInfo kTime = DateTimeType();
 const TypeInfo kText = NVarChar(4000);
 const TypeInfo kRemarks = VarChar(254);
 const TypeInfo kVariant{SqlType::Variant, 8000, 0, 0};
@@ -30,9 +28,6 @@ inline Value Int(std::int64_t number) {
 }
 inline Value Word(const char* text) {
   return std::string(text);
-}
-inline Value Time(std::int64_t ticks) {
-  return DateTimeValue{static_cast<std::int32_t>(ticks / kTicksPerDay), ticks % kTicksPerDay, 0};
 }
 inline Value TextOrNull(const std::string& text) {
   return text.empty() ? Value() : Value(text);

@@ -84,22 +84,14 @@ std::vector<Object> Objects(DatabaseLink& link, std::string_view kind) {
   const Catalog& catalog = link.Definitions();
   for (const auto& [id, table] : catalog.tables) {
     if (table.IsTemporary()) continue;
-    Object object{table.name,
-                  catalog.SchemaId(table.schema),
-                  id,
-                  0,
-                  "U ",
-                  "USER_TABLE",
-                  table.created,
-                  &catalog,
+    Object object{table.name, catalog.SchemaId(table.schema), id, 0, "U ", "USER_TABLE", &catalog,
                   &table};
     objects.push_back(object);
     object.parent = id;
     AddPartsOf(table, object, objects);
   }
   for (const auto& [id, view] : catalog.views) {
-    objects.push_back(
-        {view.name, catalog.SchemaId(view.schema), id, 0, "V ", "VIEW", view.created, &catalog});
+    objects.push_back({view.name, catalog.SchemaId(view.schema), id, 0, "V ", "VIEW", &catalog});
   }
   if (!kind.empty()) std::erase_if(objects, [&](const Object& o) { return kind != o.kind; });
   return objects;

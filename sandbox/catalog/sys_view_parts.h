@@ -30,7 +30,6 @@ struct Object {
   int parent = 0;
   const char* kind = "";
   const char* description = "";
-  std::int64_t created = 0;
   const Catalog* catalog = nullptr;
   const TableDef* table = nullptr;  // itself or its parent
   const ColumnDef* column = nullptr;

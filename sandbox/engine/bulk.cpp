@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "sandbox/engine/definitions.h"
 #include "sandbox/engine/insert_plan.h"
 #include "sandbox/engine/sql_session.h"
@@ -47,13 +49,7 @@ class BulkLoad final : public BulkTarget {
         columns_(std::move(columns)),
         table_(table),
         checks_constraints_(statement.checks_constraints) {
-    const bool keeps_identity = [&] {
-      const ColumnDef* identity = table_.IdentityColumn();
-      for (const std::string& name : names) {
-        if (identity && table_.FindColumn(name) == identity) return true;
-      }
-      return false;
-    }();
+    const bool keeps_identity = std::ranges::any_of(columns_, &ColumnInfo::identity);
     scope_.emplace(link_);
     writer_.emplace(
         session_, link_, table_, names,
@@ -156,15 +152,6 @@ std::unique_ptr<BulkTarget> SqlSession::BeginBulk(std::string_view statement, Re
       if (found->type.type == SqlType::Timestamp) Raise(273);
       names.push_back(found->name);
       columns.push_back({found->name, column.column.type, found->nullable, found->identity});
-    }
-    if (bulk.columns.empty()) {
-      for (const ColumnDef& column : table.columns) {
-        const bool filled = column.type.type == SqlType::Timestamp || column.IsComputed() ||
-                            column.generated != Generated::No;
-        if (filled) continue;
-        names.push_back(column.name);
-        columns.push_back({column.name, column.type, column.nullable, column.identity});
-      }
     }
     return std::make_unique<BulkLoad>(*this, link, table, names, std::move(columns), bulk);
   } catch (const SqlError& error) {

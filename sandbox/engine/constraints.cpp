@@ -26,18 +26,7 @@ bool FindsRow(DatabaseLink& link, const std::string& sql, std::int64_t first, st
   return link.Step(statement);
 }
 
-}  // namespace
-
-Value StoreValue(DatabaseLink& link, const TableDef& table, const ColumnDef& column,
-                 const Value& value, const TypeInfo& from) {
-  CheckConvertible(from, column.type, false);
-  try {
-    return ConvertToStore(value, from, column.type);
-  } catch (const Truncation& truncation) {
-    Raise(2628, fmt::format("{}.{}", link.Name(), table.FullName()), column.name, truncation.kept);
-  }
-}
-
+// The index that SQLite's message of a broken uniqueness means; null when none.
 const IndexDef* BrokenIndex(const TableDef& table, std::string_view message) {
   for (const IndexDef& index : table.indexes) {
     if (!index.unique) continue;
@@ -54,6 +43,7 @@ const IndexDef* BrokenIndex(const TableDef& table, std::string_view message) {
   return nullptr;
 }
 
+// Null when the row breaks none, filtered ones aside.
 const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
                                  const std::function<Value(int column_id)>& value,
                                  std::int64_t own_row) {
@@ -83,6 +73,18 @@ const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
   return nullptr;
 }
 
+}  // namespace
+
+Value StoreValue(DatabaseLink& link, const TableDef& table, const ColumnDef& column,
+                 const Value& value, const TypeInfo& from) {
+  CheckConvertible(from, column.type, false);
+  try {
+    return ConvertToStore(value, from, column.type);
+  } catch (const Truncation& truncation) {
+    Raise(2628, fmt::format("{}.{}", link.Name(), table.FullName()), column.name, truncation.kept);
+  }
+}
+
 std::string KeyText(const TableDef& table, const IndexDef& index, const std::vector<Value>& keys) {
   std::string text;
   for (std::size_t i = 0; i < keys.size(); ++i) {
@@ -92,12 +94,17 @@ std::string KeyText(const TableDef& table, const IndexDef& index, const std::vec
   return text;
 }
 
-SqlError DuplicateKey(const TableDef& table, const IndexDef& index,
-                      const std::vector<Value>& keys) {
+void RaiseDuplicate(DatabaseLink& link, const TableDef& table, const SqliteError& error,
+                    const std::function<Value(int column_id)>& value, std::int64_t own_row) {
+  const IndexDef* reported = BrokenIndex(table, error.what());
+  if (!reported) throw error;
+  const IndexDef* first = FirstBrokenIndex(link, table, value, own_row);
+  const IndexDef& index = first ? *first : *reported;
+  std::vector<Value> keys;
+  for (const IndexColumn& column : index.columns) keys.push_back(value(column.column_id));
   const std::string text = KeyText(table, index, keys);
-  if (!index.IsConstraint()) return Error(2601, table.FullName(), index.name, text);
-  return Error(2627, index.primary ? "PRIMARY KEY" : "UNIQUE KEY", index.name, table.FullName(),
-               text);
+  if (!index.IsConstraint()) Raise(2601, table.FullName(), index.name, text);
+  Raise(2627, index.primary ? "PRIMARY KEY" : "UNIQUE KEY", index.name, table.FullName(), text);
 }
 
 void VerifyForeignKey(DatabaseLink& link, const TableDef& table, const ForeignKeyDef& key,

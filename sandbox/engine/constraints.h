@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "sandbox/storage/catalog.h"
+#include "sandbox/storage/sqlite.h"
 #include "sandbox/values/errors.h"
 #include "sandbox/values/types.h"
 
@@ -18,18 +20,15 @@ class Session;
 Value StoreValue(DatabaseLink& link, const TableDef& table, const ColumnDef& column,
                  const Value& value, const TypeInfo& from);
 
-/// The index that SQLite's message of a broken uniqueness means; null when none.
-const IndexDef* BrokenIndex(const TableDef& table, std::string_view sqlite_message);
-
-/// Of the unique indexes that a row breaks the one the server names: the primary key's, else the
-/// oldest. `value` gives the row's value of a column by its number; `own_row` is its row number
-/// when it is in the table already, else 0. Null when it breaks none, filtered ones aside.
-const IndexDef* FirstBrokenIndex(DatabaseLink& link, const TableDef& table,
+/// Raises 2627 or 2601 for a row that SQLite has refused; `error` itself when it is about something
+/// else. Of several broken indexes the server names the primary key's, else the oldest. `value`
+/// gives the row's value of a column by its number; `own_row` is its row number when it is in the
+/// table already, else 0.
+[[noreturn]] void RaiseDuplicate(DatabaseLink& link, const TableDef& table,
+                                 const SqliteError& error,
                                  const std::function<Value(int column_id)>& value,
                                  std::int64_t own_row);
-
-/// 2627 or 2601 with the key's values, which are in the order of the index.
-SqlError DuplicateKey(const TableDef& table, const IndexDef& index, const std::vector<Value>& keys);
+/// The values of a key, which are in the order of the index.
 std::string KeyText(const TableDef& table, const IndexDef& index, const std::vector<Value>& keys);
 
 /// Checks foreign keys (as the child) and checks of the rows with these SQLite row numbers. Raises

@@ -63,11 +63,7 @@ void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name
   if (std::erase_if(table.checks, [&](const auto& check) { return SameName(check.name, name); }))
     return;
   const IndexDef* index = table.FindIndex(name);
-  if (!index || !index->IsConstraint()) {
-    SqlError error = Error(3728, name);
-    error.messages.push_back(Error(3727).messages.front());
-    throw error;
-  }
+  if (!index || !index->IsConstraint()) throw Followed(Error(3728, name), 3727);
   std::vector<int> columns;
   for (const IndexColumn& key : index->columns) columns.push_back(key.column_id);
   std::sort(columns.begin(), columns.end());
@@ -76,9 +72,7 @@ void DropConstraint(DatabaseLink& link, TableDef& table, const std::string& name
       std::vector<int> referenced = key.parent_columns;
       std::sort(referenced.begin(), referenced.end());
       if (key.parent_table != table.id || referenced != columns) continue;
-      SqlError error = Error(3725, name, other.name, key.name);
-      error.messages.push_back(Error(3727).messages.front());
-      throw error;
+      throw Followed(Error(3725, name, other.name, key.name), 3727);
     }
   }
   link.Connection().Execute("DROP INDEX IF EXISTS " + table.StoredIndexName(*index));
@@ -105,11 +99,7 @@ void SwitchConstraints(Session& session, DatabaseLink& link, TableDef& table,
     if (switch_one(check))
       VerifyCheck(session, link, table, check, INT64_MIN, INT64_MAX, "ALTER TABLE");
   }
-  if (!missing.empty()) {
-    SqlError error = Error(4917, missing.front());
-    error.messages.push_back(Error(4916).messages.front());
-    throw error;
-  }
+  if (!missing.empty()) throw Followed(Error(4917, missing.front()), 4916);
   link.Store(table);
 }
 

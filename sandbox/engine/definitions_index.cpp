@@ -84,10 +84,9 @@ void MakeStoredIndex(Session& session, DatabaseLink& link, const TableDef& table
   try {
     link.Run(statement);
   } catch (const SqliteError&) {
-    SqlError error =
+    const SqlError error =
         Error(1505, table.FullName(), index.name, DuplicateText(link, table, index, where));
-    if (index.IsConstraint()) error.messages.push_back(Error(1750).messages.front());
-    throw error;
+    throw index.IsConstraint() ? Followed(error, 1750) : error;
   }
 }
 

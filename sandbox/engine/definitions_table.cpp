@@ -5,7 +5,6 @@
 #include "sandbox/engine/statement_runners.h"
 #include "sandbox/engine/stored_columns.h"
 #include "sandbox/text/text_order.h"
-#include "sandbox/values/ticks.h"
 
 namespace sandbox {
 
@@ -57,7 +56,6 @@ const TableDef& TargetTable(DatabaseLink& link, const ObjectName& name, ErrorNum
 
 void AddTable(Session& session, DatabaseLink& link, TableDef table) {
   if (table.id == 0) table.id = link.NewObjectId();
-  table.created = NowTicks();
   std::string columns;
   for (const ColumnDef& column : table.columns) {
     columns += (columns.empty() ? "" : ", ") + StoredColumnText(session, table, column);
@@ -134,7 +132,7 @@ void DefinitionRunner::Run(const DropTableStatement& drop) {
     if (drop.view) {
       const ViewDef* view = link.FindView(name);
       if (!view) Raise(3701, "drop", "view", name.Text());
-      link.ForgetView(view->id);
+      link.Forget(view->id);
       continue;
     }
     const TableDef* table = link.FindTable(name);
@@ -167,7 +165,7 @@ void DefinitionRunner::Run(const CreateViewStatement& create) {
     if (i >= create.columns.size() && query.columns[i].name.empty())
       Raise(8155, i + 1, create.name.name);
   }
-  link.Store(ViewDef{link.NewObjectId(), schema, create.name.name, NowTicks(), create.text});
+  link.Store(ViewDef{link.NewObjectId(), schema, create.name.name, create.text});
   Done();
 }
 
@@ -175,9 +173,6 @@ void DefinitionRunner::Run(const CreateDatabaseStatement& create) {
   if (session_.InTransaction())
     Raise(15034, "CREATE DATABASE statement not allowed within multi-statement transaction.");
   session_.CommitImplicit();
-  if (create.name.find('/') != std::string::npos || create.name.find('\0') != std::string::npos) {
-    Raise(5105, create.name);
-  }
   if (!session_.Folder().Create(create.name)) Raise(1801, create.name);
   Done();
 }

@@ -71,7 +71,8 @@ class Engine {
  public:
   virtual ~Engine() = default;
   virtual std::unique_ptr<EngineSession> OpenSession(std::string_view login) = 0;
-  virtual bool HasDatabase(std::string_view name) const = 0;
+  /// Makes the database unless there is one of that name.
+  virtual void CreateDatabase(std::string_view name) = 0;
   /// True for a login that CREATE LOGIN made, with its password.
   virtual bool MayLogIn(std::string_view /*login*/, std::string_view /*password*/) const {
     return false;

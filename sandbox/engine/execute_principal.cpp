@@ -17,11 +17,10 @@ bool HasNamed(const Range& range, std::string_view name) {
 
 void DefinitionRunner::CreateSchema(const PrincipalStatement& statement) {
   Link().BeginWrite();
-  std::vector<SchemaDef> schemas = Link().Definitions().schemas;
+  const std::vector<SchemaDef>& schemas = Link().Definitions().schemas;
   if (HasNamed(schemas, statement.name)) Raise(2714, statement.name);
   const std::string owner = statement.owner.empty() ? Link().User().name : statement.owner;
-  schemas.push_back({schemas.back().id + 1, statement.name, owner});
-  Link().SetSchemas(std::move(schemas));
+  Link().Add(&Catalog::schemas, {schemas.back().id + 1, statement.name, owner});
 }
 
 void DefinitionRunner::CreateLogin(const PrincipalStatement& statement) {
@@ -34,15 +33,14 @@ void DefinitionRunner::CreateLogin(const PrincipalStatement& statement) {
 
 void DefinitionRunner::CreateUser(const PrincipalStatement& statement) {
   Link().BeginWrite();
-  std::vector<UserDef> users = Link().Definitions().users;
+  const std::vector<UserDef>& users = Link().Definitions().users;
   if (HasNamed(users, statement.name)) Raise(15023, statement.name);
   UserDef user{users.back().id + 1, statement.name, statement.login.value_or(statement.name),
                statement.default_schema.value_or(kDefaultSchema)};
   const bool known = user.login.empty() || SameName(user.login, session_.Login()) ||
                      session_.Folder().HasLogin(user.login);
   if (!known) Raise(15007, user.login);
-  users.push_back(std::move(user));
-  Link().SetUsers(std::move(users));
+  Link().Add(&Catalog::users, std::move(user));
 }
 
 void DefinitionRunner::Run(const PrincipalStatement& statement) {

@@ -12,11 +12,10 @@ void DefinitionRunner::Run(const CreateTypeStatement& create) {
   DatabaseLink& link = session_.LinkTo(create.name.database);
   link.BeginWrite();
   const std::string schema = link.SchemaForNew(create.name);
-  std::vector<AliasTypeDef> types = link.Definitions().types;
+  const std::vector<AliasTypeDef>& types = link.Definitions().types;
   if (link.Definitions().FindType(schema, create.name.name)) Raise(219, create.name.Text());
   const int id = types.empty() ? kFirstAliasType : types.back().id + 1;
-  types.push_back({id, schema, create.name.name, create.type, create.nullable});
-  link.SetTypes(std::move(types));
+  link.Add(&Catalog::types, {id, schema, create.name.name, create.type, create.nullable});
   Done();
 }
 

@@ -59,13 +59,13 @@ class ReadyRow final : public RowCells {
   std::span<const TypeInfo> types_;
 };
 
+}  // namespace
+
 Value RowVersionValue(std::int64_t version) {
   std::string bytes(8, '\0');
   for (std::size_t i = 8; i-- > 0; version >>= 8) bytes[i] = static_cast<char>(version & 0xFF);
   return BinaryValue{std::move(bytes)};
 }
-
-}  // namespace
 
 Value PeriodValue(const ColumnDef& column) {
   constexpr std::int32_t kLastDay = 3652058, kUnixEpoch = 719162;
@@ -205,7 +205,13 @@ void RowWriter::WriteRow(RowCells& row) {
   try {
     link_.Run(plan_->insert);
   } catch (const SqliteError& error) {
-    RaiseDuplicate(error);
+    const auto value = [&](int column_id) -> Value {
+      const auto slot = std::ranges::find(
+          plan_->slots, column_id, [](const InsertPlan::Slot& each) { return each.column.id; });
+      if (slot == plan_->slots.end()) return {};  // computed
+      return stored_[static_cast<std::size_t>(slot - plan_->slots.begin())];
+    };
+    RaiseDuplicate(link_, table_, error, value, 0);
   }
   last_row_ = sqlite3_last_insert_rowid(link_.Connection().get());
   if (first_row_ == 0) first_row_ = last_row_;
@@ -300,23 +306,6 @@ std::int64_t RowWriter::WriteQuery(const BoundQuery& query, const Binder& binder
     Write(cells, types);
   }
   return rows;
-}
-
-void RowWriter::RaiseDuplicate(const SqliteError& error) {
-  const IndexDef* reported = BrokenIndex(table_, error.what());
-  if (!reported) throw error;
-  const auto value = [&](int column_id) -> Value {
-    const auto slot =
-        std::find_if(plan_->slots.begin(), plan_->slots.end(),
-                     [&](const InsertPlan::Slot& each) { return each.column.id == column_id; });
-    if (slot == plan_->slots.end()) return {};  // computed
-    return stored_[static_cast<std::size_t>(slot - plan_->slots.begin())];
-  };
-  const IndexDef* index = FirstBrokenIndex(link_, table_, value, 0);
-  if (!index) index = reported;
-  std::vector<Value> keys;
-  for (const IndexColumn& column : index->columns) keys.push_back(value(column.column_id));
-  throw DuplicateKey(table_, *index, keys);
 }
 
 void RowWriter::Finish(bool checks_constraints) {

@@ -18,6 +18,8 @@ class Session;
 
 /// What a column of a row's period gets when the row is written: the time now (UTC), or the last.
 Value PeriodValue(const ColumnDef& column);
+/// A row version as its column holds it.
+Value RowVersionValue(std::int64_t version);
 
 /// How a row of an INSERT becomes a row of the table; worked out once for a list of columns.
 struct InsertPlan {
@@ -89,7 +91,6 @@ class RowWriter {
   void BindCell(const InsertPlan::Slot& slot, const Place& place, const RowCells::Cell& cell);
   void Store(const Place& place, const ColumnDef& column, const Value& value, const TypeInfo& from);
   Value DefaultOf(const InsertPlan::Slot& slot);
-  [[noreturn]] void RaiseDuplicate(const SqliteError& error);
 
   Session& session_;
   DatabaseLink& link_;

@@ -57,9 +57,8 @@ void CheckKeyLength(Session& session, const TableDef& table, const IndexDef& ind
   const Lengths lengths = LengthsOf(table, index);
   const int limit = MostBytes(index);
   if (lengths.least > limit) {
-    SqlError error = Error(1944, index.name, lengths.least, limit);
-    if (index.IsConstraint()) error.messages.push_back(Error(1750).messages.front());
-    throw error;
+    const SqlError error = Error(1944, index.name, lengths.least, limit);
+    throw index.IsConstraint() ? Followed(error, 1750) : error;
   }
   if (lengths.most <= limit) return;
   session.Message(1945, 10, 1,

@@ -119,18 +119,12 @@ void RowChanger::WriteRow(const TableDef& table, const RowChange& change) {
   try {
     link_.Run(statement);
   } catch (const SqliteError& error) {
-    const IndexDef* reported = BrokenIndex(table, error.what());
-    if (!reported) throw;
     const auto value = [&](int column_id) {
       const auto changed = change.values.find(column_id);
       return changed != change.values.end() ? changed->second
                                             : ReadKey(table, {column_id}, change.row).front();
     };
-    const IndexDef* broken = FirstBrokenIndex(link_, table, value, change.row);
-    if (!broken) broken = reported;
-    Key key;
-    for (const IndexColumn& column : broken->columns) key.push_back(value(column.column_id));
-    throw DuplicateKey(table, *broken, key);
+    RaiseDuplicate(link_, table, error, value, change.row);
   }
 }
 
@@ -144,10 +138,7 @@ void RowChanger::Update(const TableDef& table, const std::vector<RowChange>& giv
     }
     if (column.type.type != SqlType::Timestamp) continue;
     for (RowChange& change : changes) {
-      std::string bytes(8, '\0');
-      std::int64_t version = link_.NextRowVersion();
-      for (std::size_t i = 8; i-- > 0; version >>= 8) bytes[i] = static_cast<char>(version & 0xFF);
-      change.values[column.id] = BinaryValue{bytes};
+      change.values[column.id] = RowVersionValue(link_.NextRowVersion());
     }
   }
   for (const RowChange& change : changes) {

@@ -23,7 +23,7 @@ class EngineImpl final : public Engine {
     return std::make_unique<SqlSession>(folder_, requests_, traits_, std::string(login),
                                         ++last_spid_);
   }
-  bool HasDatabase(std::string_view name) const override { return folder_.Find(name) != nullptr; }
+  void CreateDatabase(std::string_view name) override { folder_.Create(name); }
   bool MayLogIn(std::string_view login, std::string_view password) const override {
     return folder_.LoginMatches(login, password);
   }

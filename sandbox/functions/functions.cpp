@@ -208,20 +208,6 @@ void SumStep(sqlite3_context* context, int, sqlite3_value** args) {
   if (!sum->overflow) sum->Add(number);
 }
 
-TypeInfo SumType(const TypeInfo& type) {
-  if (IsApproximate(type.type)) return FloatType();
-  if (IsMoney(type.type)) return MoneyType();
-  if (IsExact(type.type)) return {type.type, 0, 38, type.scale};
-  return type.type == SqlType::BigInt ? type : IntType();
-}
-
-TypeInfo AverageType(const TypeInfo& type) {
-  const TypeInfo sum = SumType(type);
-  return sum.type == SqlType::Decimal || sum.type == SqlType::Numeric
-             ? TypeInfo{sum.type, 0, 38, std::max(type.scale, 6)}
-             : sum;
-}
-
 void SumFinal(sqlite3_context* context, bool average) {
   auto* sum = static_cast<Sum*>(sqlite3_aggregate_context(context, 0));
   if (!sum || sum->count == 0) return sqlite3_result_null(context);
@@ -275,6 +261,20 @@ void SingleEnd(sqlite3_context* context) {
 }
 
 }  // namespace
+
+TypeInfo SumType(const TypeInfo& type) {
+  if (IsApproximate(type.type)) return FloatType();
+  if (IsMoney(type.type)) return MoneyType();
+  if (IsExact(type.type)) return {type.type, 0, 38, type.scale};
+  return type.type == SqlType::BigInt ? type : IntType();
+}
+
+TypeInfo AverageType(const TypeInfo& type) {
+  const TypeInfo sum = SumType(type);
+  return sum.type == SqlType::Decimal || sum.type == SqlType::Numeric
+             ? TypeInfo{sum.type, 0, 38, std::max(type.scale, 6)}
+             : sum;
+}
 
 void RegisterFunctions(sqlite3* connection, FunctionHost& host) {
   const auto scalar = [&](const std::string& name, int args, int flags, auto* function) {

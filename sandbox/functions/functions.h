@@ -59,6 +59,10 @@ std::optional<std::string_view> DateUnit(std::string_view word);
 /// - tsql_one(value): 512 on a second row
 void RegisterFunctions(sqlite3* connection, FunctionHost& host);
 
+/// The types of sum and avg over values of a type.
+TypeInfo SumType(const TypeInfo& type);
+TypeInfo AverageType(const TypeInfo& type);
+
 /// Matches LIKE's wildcards % _ [], without regard to case unless told to.
 bool MatchesPattern(std::string_view text, std::string_view pattern, char32_t escape = 0,
                     bool with_case = false);

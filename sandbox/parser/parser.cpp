@@ -231,18 +231,17 @@ InsertBulkStatement Parser::ParseInsertBulk() {
   Expect("insert");
   Expect("bulk");
   bulk.table = TakeObjectName();
-  if (AcceptSymbol("(")) {
-    do {
-      ColumnSyntax column;
-      column.column.name = TakeName();
-      column.column.type = ParseType(static_cast<int>(bulk.columns.size()) + 1, column.column.name);
-      if (Accept("collate")) TakeName();
-      if (Accept("not")) Expect("null");
-      Accept("null");
-      bulk.columns.push_back(std::move(column));
-    } while (AcceptSymbol(","));
-    ExpectSymbol(")");
-  }
+  ExpectSymbol("(");
+  do {
+    ColumnSyntax column;
+    column.column.name = TakeName();
+    column.column.type = ParseType(static_cast<int>(bulk.columns.size()) + 1, column.column.name);
+    if (Accept("collate")) TakeName();
+    if (Accept("not")) Expect("null");
+    Accept("null");
+    bulk.columns.push_back(std::move(column));
+  } while (AcceptSymbol(","));
+  ExpectSymbol(")");
   if (!Accept("with")) return bulk;
   ExpectSymbol("(");
   do {

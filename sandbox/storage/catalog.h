@@ -103,7 +103,6 @@ struct TableDef {
   int id = 0;
   std::string schema = kDefaultSchema;
   std::string name;
-  std::int64_t created = 0;  // ticks of 100 ns since 0001-01-01
   int next_column_id = 1;
   std::vector<ColumnDef> columns;
   std::vector<IndexDef> indexes;
@@ -132,7 +131,6 @@ struct ViewDef {
   int id = 0;
   std::string schema = kDefaultSchema;
   std::string name;
-  std::int64_t created = 0;
   std::string text;  // the whole CREATE VIEW statement
 };
 

@@ -7,25 +7,21 @@ namespace sandbox {
 
 /// Makes the catalog's own tables in a new database file.
 void CreateCatalogTables(SqliteConnection& connection);
-/// Adds to a file of an earlier version what it lacks.
-void CompleteCatalogTables(SqliteConnection& connection);
 
 /// Drops the tables of all sessions, of which none is left.
 void DropTemporaryTables(SqliteConnection& connection);
 
-/// Reads every definition of the database.
+/// Reads every definition of the database. Throws std::runtime_error for a damaged one.
 Catalog LoadCatalog(SqliteConnection& connection);
 
-/// Writes one table's definition over the stored one, and the last object id.
-void StoreTable(SqliteConnection& connection, const Catalog& catalog, const TableDef& table);
-void ForgetTable(SqliteConnection& connection, int table_id);
+/// Writes a definition over the stored one.
+void StoreTable(SqliteConnection& connection, const TableDef& table);
+void StoreView(SqliteConnection& connection, const ViewDef& view);
+/// What is of no one table or view: schemas, users, alias types, the last object id.
+void StoreShared(SqliteConnection& connection, const Catalog& catalog);
 
-/// Schemas, users and alias types; the server's own are not written.
-void LoadLists(SqliteConnection& connection, Catalog& catalog);
-void StoreLists(SqliteConnection& connection, const Catalog& catalog);
-
-void StoreView(SqliteConnection& connection, const Catalog& catalog, const ViewDef& view);
-void ForgetView(SqliteConnection& connection, int view_id);
+/// Forgets a table or view.
+void ForgetObject(SqliteConnection& connection, int object_id);
 
 /// A number kept by name: identity counters, the last row version.
 std::int64_t LoadCounter(SqliteConnection& connection, std::string_view name,

@@ -15,8 +15,6 @@ namespace {
 // Positions of the text form's bytes, most significant for sorting first.
 constexpr std::array<int, 16> kGuidOrder{10, 11, 12, 13, 14, 15, 8, 9, 7, 6, 5, 4, 3, 2, 1, 0};
 
-enum class VariantTag : char { Bool = 1, Decimal, Binary, DateTime, Guid };
-
 template <typename Number>
 std::array<char, sizeof(Number)> BigEndian(Number number) {
   std::array<char, sizeof(Number)> bytes;
@@ -102,44 +100,6 @@ DateTimeValue DecodeOffset(std::string_view bytes) {
   return value;
 }
 
-std::string EncodeVariant(const Value& value) {
-  const auto tagged = [](VariantTag tag, std::string_view bytes) {
-    return static_cast<char>(tag) + std::string(bytes);
-  };
-  if (const auto* flag = std::get_if<bool>(&value)) {
-    return tagged(VariantTag::Bool, *flag ? "\1" : std::string_view("\0", 1));
-  }
-  if (const auto* decimal = std::get_if<DecimalValue>(&value)) {
-    return tagged(VariantTag::Decimal, View(EncodeDecimal(decimal->unscaled))) +
-           static_cast<char>(decimal->scale);
-  }
-  if (const auto* time = std::get_if<DateTimeValue>(&value)) {
-    return tagged(VariantTag::DateTime, View(EncodeOffset(*time)));
-  }
-  if (const auto* guid = std::get_if<GuidValue>(&value)) {
-    return tagged(VariantTag::Guid, View(EncodeGuid(*guid)));
-  }
-  return tagged(VariantTag::Binary, std::get<BinaryValue>(value).bytes);
-}
-
-Value DecodeVariant(std::string_view bytes) {
-  if (bytes.empty()) return std::monostate();
-  const std::string_view body = bytes.substr(1);
-  switch (static_cast<VariantTag>(bytes.front())) {
-    case VariantTag::Bool:
-      return !body.empty() && body.front() != 0;
-    case VariantTag::Decimal:
-      return DecimalValue{DecodeDecimal(body), body.size() > 16 ? body[16] : 0};
-    case VariantTag::DateTime:
-      return DecodeOffset(body);
-    case VariantTag::Guid:
-      return DecodeGuid(body);
-    case VariantTag::Binary:
-      break;
-  }
-  return BinaryValue{std::string(body)};
-}
-
 std::int64_t DateTimeNumber(const DateTimeValue& value, SqlType type) {
   if (type == SqlType::Date) return value.days;
   if (type == SqlType::Time) return value.ticks;
@@ -154,7 +114,6 @@ void Encode(const Value& value, const TypeInfo& type, Out&& out) {
     case 0:
       return out.Null();
     case 1:
-      if (type.type == SqlType::Variant) return out.Made(EncodeVariant(value));
       return out.Integer(std::get<bool>(value) ? 1 : 0);
     case 2:
       return out.Integer(std::get<std::int64_t>(value));
@@ -165,7 +124,6 @@ void Encode(const Value& value, const TypeInfo& type, Out&& out) {
     default:
       break;
   }
-  if (type.type == SqlType::Variant) return out.Made(EncodeVariant(value));
   if (const auto* decimal = std::get_if<DecimalValue>(&value)) {
     return out.Made(View(EncodeDecimal(decimal->unscaled)));
   }
@@ -260,21 +218,6 @@ void AssignText(Value& value, std::string_view text) {
   }
 }
 
-void DecodeVariantFrom(const Source& source, Value& value) {
-  switch (source.Kind()) {
-    case SQLITE_INTEGER:
-      value = source.Integer();
-      return;
-    case SQLITE_FLOAT:
-      value = source.Real();
-      return;
-    case SQLITE_TEXT:
-      return AssignText(value, source.Text());
-    default:
-      value = DecodeVariant(source.Blob());
-  }
-}
-
 // A value that is not NULL.
 void DecodeHeld(const Source& source, const TypeInfo& type, Value& value) {
   switch (type.type) {
@@ -331,7 +274,8 @@ void DecodeHeld(const Source& source, const TypeInfo& type, Value& value) {
       value = DecodeGuid(source.Blob());
       return;
     case SqlType::Variant:
-      return DecodeVariantFrom(source, value);
+      if (source.Kind() == SQLITE_TEXT) return AssignText(value, source.Text());
+      value = source.Integer();
   }
 }
 

@@ -18,7 +18,7 @@ namespace sandbox {
 ///   datetimeoffset         10 bytes: the same of the UTC time, then the offset in minutes
 ///   text                   TEXT under the collation kTextCollation
 ///   binary                 BLOB;  uniqueidentifier: 16 bytes in the server's sorting order
-///   sql_variant            INTEGER, REAL or TEXT as they are, all else a BLOB with a tag in front
+///   sql_variant            INTEGER or TEXT; it takes nothing else
 void BindValue(sqlite3_stmt* statement, int index, const Value& value, const TypeInfo& type);
 /// The same without a copy: text and bytes must stay until the statement has run.
 void BindKeptValue(sqlite3_stmt* statement, int index, const Value& value, const TypeInfo& type);

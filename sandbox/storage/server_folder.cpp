@@ -7,15 +7,11 @@
 #include "sandbox/storage/catalog_store.h"
 #include "sandbox/storage/collations.h"
 #include "sandbox/text/text_order.h"
-#include "sandbox/values/ticks.h"
 
 namespace sandbox {
 DatabaseState::DatabaseState(std::string database_name, std::filesystem::path database_file,
-                             int database_id, std::int64_t when)
-    : name(std::move(database_name)),
-      file(std::move(database_file)),
-      id(database_id),
-      created(when) {}
+                             int database_id)
+    : name(std::move(database_name)), file(std::move(database_file)), id(database_id) {}
 
 std::optional<std::int64_t> DatabaseState::LastIdentity(int table_id) {
   std::lock_guard lock(mutex_);
@@ -42,23 +38,34 @@ ServerFolder::ServerFolder(std::filesystem::path folder, bool durable)
     : folder_(std::move(folder)), durable_(durable) {
   std::filesystem::create_directories(folder_);
   index_ = std::make_unique<SqliteConnection>(folder_ / "server.db", durable_);
+  CheckVersion();
   index_->Execute(
-      "CREATE TABLE IF NOT EXISTS databases(id INTEGER PRIMARY KEY, name TEXT, created INTEGER);"
+      "CREATE TABLE IF NOT EXISTS databases(id INTEGER PRIMARY KEY, name TEXT);"
       "CREATE TABLE IF NOT EXISTS logins(name TEXT PRIMARY KEY COLLATE NOCASE, password TEXT)");
-  auto rows = index_->Prepare("SELECT id, name, created FROM databases ORDER BY id");
+  auto rows = index_->Prepare("SELECT id, name FROM databases ORDER BY id");
   while (rows.Step()) {
     const int id = static_cast<int>(rows.Integer(0));
     const auto file = folder_ / fmt::format("database{}.db", id);
-    databases_.push_back(std::make_shared<DatabaseState>(rows.Text(1), file, id, rows.Integer(2)));
+    databases_.push_back(std::make_shared<DatabaseState>(rows.Text(1), file, id));
     SqliteConnection connection(file, durable_);
     RegisterTextOrder(connection.get());
-    CompleteCatalogTables(connection);
     DropTemporaryTables(connection);
   }
   rows.Reset();
   for (const char* name : {"master", "tempdb", "model", "msdb"}) {
     if (!Find(name)) Add(name);
   }
+}
+
+// A folder of another version is left as it is.
+void ServerFolder::CheckVersion() {
+  constexpr int kVersion = 1;
+  auto other = index_->Prepare(
+      "SELECT 1 FROM sqlite_schema, pragma_user_version"
+      " WHERE user_version<>?1");
+  if (other.Bind(1, kVersion).Step())
+    throw std::runtime_error(folder_.string() + " was made by another version of the server");
+  index_->Execute(fmt::format("PRAGMA user_version={}", kVersion));
 }
 
 std::shared_ptr<DatabaseState> ServerFolder::Find(std::string_view name) const {
@@ -92,10 +99,9 @@ std::shared_ptr<DatabaseState> ServerFolder::Add(std::string_view name) {
   connection.Execute("BEGIN IMMEDIATE");
   CreateCatalogTables(connection);
   connection.Execute("COMMIT");
-  const std::int64_t created = NowTicks();
-  auto insert = index_->Prepare("INSERT INTO databases VALUES(?1,?2,?3)");
-  insert.Bind(1, id).Bind(2, name).Bind(3, created).Run();
-  databases_.push_back(std::make_shared<DatabaseState>(std::string(name), file, id, created));
+  auto insert = index_->Prepare("INSERT INTO databases VALUES(?1,?2)");
+  insert.Bind(1, id).Bind(2, name).Run();
+  databases_.push_back(std::make_shared<DatabaseState>(std::string(name), file, id));
   return databases_.back();
 }
 

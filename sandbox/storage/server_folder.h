@@ -18,12 +18,11 @@ namespace sandbox {
 /// What the sessions of one database share. Counters never run backwards, not even on rollback.
 class DatabaseState {
  public:
-  DatabaseState(std::string name, std::filesystem::path file, int id, std::int64_t created);
+  DatabaseState(std::string name, std::filesystem::path file, int id);
 
   const std::string name;
   const std::filesystem::path file;
   const int id;
-  const std::int64_t created;  // ticks of 100 ns since 0001-01-01
   /// Changes with every committed definition, so that sessions read the catalog anew. The lock
   /// keeps a session from reading the version between a commit and its change.
   std::uint64_t definition_version = 1;
@@ -46,7 +45,7 @@ class DatabaseState {
 /// The folder of a server: one file for each database, and "master" always. Thread-safe.
 class ServerFolder {
  public:
-  /// Makes the folder when needed. Throws std::runtime_error.
+  /// Makes the folder when needed. Throws std::runtime_error, also for one of another version.
   ServerFolder(std::filesystem::path folder, bool durable);
 
   std::shared_ptr<DatabaseState> Find(std::string_view name) const;
@@ -63,6 +62,7 @@ class ServerFolder {
   bool LoginMatches(std::string_view name, std::string_view password) const;
 
  private:
+  void CheckVersion();
   std::shared_ptr<DatabaseState> Add(std::string_view name);
 
   const std::filesystem::path folder_;

@@ -12,7 +12,7 @@ namespace sandbox::tds {
 bool IsInsertBulk(std::string_view batch);
 
 /// Hands the rows of a bulk load to `target` as they arrive. The first refused row ends the load;
-/// what follows it is read and dropped. Throws ProtocolError, MessageWithdrawn.
+/// what follows it is read and dropped. Throws ProtocolError.
 void LoadRows(ByteReader& reader, BulkTarget& target, ResultWriter& results);
 
 }  // namespace sandbox::tds

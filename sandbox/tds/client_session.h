@@ -15,8 +15,6 @@ struct ClientSession {
 
   PacketStream stream;
   std::unique_ptr<EngineSession> engine;
-  std::string login;
-  std::string login_database;
   std::uint64_t transaction = 0;  // 0 when none is open
 };
 

@@ -30,28 +30,16 @@ Connection::Connection(int socket, Engine& engine, const Credentials& credential
 
 void Connection::Run() {
   SetReceiveTimeout(socket_, kHandshakeSeconds);
-  try {
-    if (!LogIn(client_, engine_, credentials_)) return;
-  } catch (const MessageWithdrawn&) {
-    return;
-  }
+  if (!LogIn(client_, engine_, credentials_)) return;
   SetReceiveTimeout(socket_, 0);
   try {
     while (auto type = client_.stream.NextMessage()) {
-      ServeUnlessWithdrawn(*type);
+      Serve(*type);
       if (client_.stream.Broken()) return;
     }
   } catch (const ProtocolError&) {
     ReportBrokenStream();
     throw;
-  }
-}
-
-void Connection::ServeUnlessWithdrawn(MessageType type) {
-  try {
-    Serve(type);
-  } catch (const MessageWithdrawn& withdrawn) {
-    if (withdrawn.attention) ConfirmAttention();
   }
 }
 
@@ -124,20 +112,11 @@ void Connection::ConfirmAttention() {
   client_.stream.EndReply();
 }
 
-void Connection::StartFresh() {
-  client_.engine = engine_.OpenSession(client_.login);
-  client_.engine->UseDatabase(client_.login_database);
-  client_.transaction = 0;
-}
-
 void Connection::RunRequest(ResultWriter::Request kind,
                             const std::function<void(ResultWriter&)>& work) {
   bulk_target_.reset();
-  const bool reset = client_.stream.ResetRequested();
-  if (reset) StartFresh();
   client_.engine->cancel = client_.stream.AttentionFollows();
   ResultWriter results(client_, kind);
-  if (reset) results.ResetAcknowledged();
   if (!client_.engine->cancel) {
     // Bytes that were already received are the next request's; the socket would mislead.
     std::optional<AttentionWatch::Guard> guard;

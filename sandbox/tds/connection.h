@@ -25,11 +25,9 @@ class Connection {
   void ServeBatch();
   void ServeProcedures();
   void ServeBulkLoad();
-  void ServeUnlessWithdrawn(MessageType type);
   void ConfirmAttention();
   void ReportBrokenStream();
   void RunRequest(ResultWriter::Request kind, const std::function<void(ResultWriter&)>& work);
-  void StartFresh();
 
   int socket_;
   Engine& engine_;

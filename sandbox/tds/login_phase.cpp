@@ -81,11 +81,10 @@ std::vector<ServerMessage> Admit(ClientSession& client, const Login& login, Engi
   if (login.integrated) return {NoIntegratedLogin()};
   if (!Matches(login, credentials) && !engine.MayLogIn(login.user, login.password))
     return {LoginFailed(login.user)};
-  client.login = login.user;
-  client.login_database = login.database.empty() ? kMaster : login.database;
   client.engine = engine.OpenSession(login.user);
-  if (client.engine->UseDatabase(client.login_database)) return {};
-  return {NoSuchDatabase(client.login_database), LoginFailed(login.user)};
+  const std::string database = login.database.empty() ? kMaster : login.database;
+  if (client.engine->UseDatabase(database)) return {};
+  return {NoSuchDatabase(database), LoginFailed(login.user)};
 }
 
 void Refuse(ClientSession& client, const std::vector<ServerMessage>& reasons) {

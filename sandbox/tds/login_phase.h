@@ -13,7 +13,7 @@ struct Credentials {
 };
 
 /// Takes a new connection through its handshake. False when the client left or was refused, which
-/// it has been told. Throws ProtocolError, Disconnected, MessageWithdrawn.
+/// it has been told. Throws ProtocolError, Disconnected.
 bool LogIn(ClientSession& client, Engine& engine, const Credentials& credentials);
 
 }  // namespace sandbox::tds

@@ -4,14 +4,15 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace sandbox::tds {
 
 namespace {
 
 constexpr std::uint8_t kEndOfMessage = 0x01;
-constexpr std::uint8_t kIgnoreMessage = 0x02;
-constexpr std::uint8_t kResetConnection = 0x08 | 0x10;
+// To withdraw a message, or to begin the session anew.
+constexpr std::uint8_t kNotServed = 0x02 | 0x08 | 0x10;
 constexpr std::size_t kSendThreshold = 65536;
 
 std::uint16_t BigEndian16(const char* bytes) {
@@ -48,6 +49,9 @@ bool PacketStream::ReadPacket(Header& header) {
     throw ProtocolError("a packet's length is out of range");
   }
   header = {static_cast<MessageType>(bytes[0]), static_cast<std::uint8_t>(bytes[1])};
+  if ((header.status & kNotServed) != 0) {
+    throw ProtocolError("a message is withdrawn, or asks for a fresh session");
+  }
   if (!FillTo(length)) throw Disconnected("the client left inside a packet");
   piece_ = std::string_view(in_.data() + in_begin_ + kPacketHeaderSize, length - kPacketHeaderSize);
   in_begin_ += length;
@@ -55,17 +59,11 @@ bool PacketStream::ReadPacket(Header& header) {
 }
 
 std::optional<MessageType> PacketStream::NextMessage() {
-  try {
-    SkipMessage();
-  } catch (const MessageWithdrawn& withdrawn) {
-    if (withdrawn.attention) return MessageType::Attention;
-  }
+  SkipMessage();
   Header header;
   if (!ReadPacket(header)) return std::nullopt;
   type_ = header.type;
   last_packet_ = (header.status & kEndOfMessage) != 0;
-  withdrawn_ = (header.status & kIgnoreMessage) != 0;
-  reset_requested_ = (header.status & kResetConnection) != 0;
   return type_;
 }
 
@@ -77,22 +75,10 @@ std::string_view PacketStream::NextPiece() {
   while (piece_.empty() && !last_packet_) {
     Header header;
     if (!ReadPacket(header)) throw Disconnected("the client left inside a message");
-    if (header.type == MessageType::Attention) {
-      piece_ = {};
-      last_packet_ = true;
-      throw MessageWithdrawn{true};
-    }
     if (header.type != type_) throw ProtocolError("a message of another type interrupts a message");
     last_packet_ = (header.status & kEndOfMessage) != 0;
-    withdrawn_ = withdrawn_ || (header.status & kIgnoreMessage) != 0;
   }
-  if (withdrawn_) {
-    piece_ = {};
-    throw MessageWithdrawn{false};
-  }
-  std::string_view piece = piece_;
-  piece_ = {};
-  return piece;
+  return std::exchange(piece_, {});
 }
 
 void PacketStream::FlushFullPackets() {

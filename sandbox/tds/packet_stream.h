@@ -32,11 +32,6 @@ class Disconnected : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The client took back the message it was sending. `attention`: it waits for a confirmation.
-struct MessageWithdrawn {
-  bool attention;
-};
-
 /// Messages over a connected socket, cut into packets. Requests are read packet by packet, replies
 /// leave as soon as a send buffer is full, so neither is held whole in memory.
 class PacketStream : public ByteSource {
@@ -49,14 +44,12 @@ class PacketStream : public ByteSource {
   std::optional<MessageType> NextMessage();
   /// Reads and drops what is left of the message.
   void SkipMessage();
-  /// Whether the message's first packet asks for a session as fresh as after the login.
-  bool ResetRequested() const { return reset_requested_; }
   /// Whether bytes behind the current message have been received, and are an attention packet.
   bool HasMore() const { return in_end_ > in_begin_; }
   bool AttentionFollows() const {
     return HasMore() && in_[in_begin_] == static_cast<char>(MessageType::Attention);
   }
-  /// Throws ProtocolError, Disconnected, MessageWithdrawn.
+  /// Throws ProtocolError, Disconnected.
   std::string_view NextPiece() override;
 
   /// The reply under construction. Call FlushFullPackets now and then, EndReply at its end.
@@ -86,8 +79,6 @@ class PacketStream : public ByteSource {
   std::string_view piece_;
   MessageType type_{};
   bool last_packet_ = true;
-  bool withdrawn_ = false;
-  bool reset_requested_ = false;
 
   ByteWriter out_;
   std::string framed_;

@@ -137,10 +137,6 @@ void ResultWriter::ReturnStatus(std::int32_t status) {
   pending_ = PendingDone{Token::DoneProc, kDoneFinal, 0};
 }
 
-void ResultWriter::ResetAcknowledged() {
-  WriteEnvChangeBytes(out_, EnvChange::ResetAck, "", "");
-}
-
 void ResultWriter::EndProcedure() {
   if (result_open_) Done(std::nullopt);
   if (Dropped()) return;

@@ -27,7 +27,6 @@ class ResultWriter : public ResultSink {
   void TransactionChanged(std::uint64_t id, bool committed) override;
   void ReturnStatus(std::int32_t status) override;
 
-  void ResetAcknowledged();
   /// Ends a procedure: its status, and that it is over.
   void EndProcedure();
 

@@ -30,7 +30,6 @@ enum class EnvChange : std::uint8_t {
   BeginTransaction = 8,
   CommitTransaction = 9,
   RollbackTransaction = 10,
-  ResetAck = 18,
 };
 
 enum DoneStatus : std::uint16_t {

@@ -1,7 +1,6 @@
 #include "sandbox/tds/value_encoder.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "sandbox/tds/temporal.h"
 #include "sandbox/tds/tokens.h"
@@ -15,7 +14,6 @@ namespace {
 constexpr std::uint64_t kPartialNull = ~std::uint64_t{0};
 constexpr std::uint16_t kShortNull = 0xFFFF;
 constexpr int kMoneyScale = 4;
-constexpr int kFullScale = 7;
 constexpr std::size_t kDateSize = 3;
 
 void WriteLow(ByteWriter& out, std::uint64_t value, std::size_t bytes) {
@@ -204,92 +202,23 @@ ValueEncoder::Encode ByShape(WireShape shape) {
   }
 }
 
-// A sql_variant names the type of each value.
-
-struct VariantForm {
-  WireType type;
-  std::string properties;
-  ValueEncoder::Encode body;
-};
-
-bool FitsLegacy(const DateTimeValue& moment) {
-  constexpr std::int32_t kDaysTo1753 = 639'905;
-  if (moment.days < kDaysTo1753) return false;
-  DateTimeValue back = FromLegacy(ToLegacy(moment));
-  return back.days == moment.days && back.ticks == moment.ticks;
-}
-
-std::string Bytes(std::initializer_list<int> values) {
-  std::string bytes;
-  for (int value : values) bytes.push_back(static_cast<char>(value));
-  return bytes;
-}
-
-std::string SizeProperty(std::uint16_t size) {
-  return Bytes({size & 0xFF, size >> 8});
-}
-
-WireType PlainType(WireCode code, std::uint32_t size, int scale = 0) {
-  WireType type;
-  type.code = code;
-  type.size = size;
-  type.scale = static_cast<std::uint8_t>(scale);
-  return type;
-}
-
-VariantForm FormOfInteger(std::int64_t value) {
-  bool narrow = value >= std::numeric_limits<std::int32_t>::min() &&
-                value <= std::numeric_limits<std::int32_t>::max();
-  return {PlainType(narrow ? WireCode::Int4 : WireCode::Int8, narrow ? 4 : 8), "", IntegerBody};
-}
-
-VariantForm FormOfText() {
-  constexpr std::uint16_t kGreatest = 8000;
-  return {PlainType(WireCode::NVarChar, kGreatest),
-          std::string(kCollation) + SizeProperty(kGreatest), UnicodeBody};
-}
-
-VariantForm FormOfMoment(const DateTimeValue& moment) {
-  if (moment.offset_minutes == 0 && FitsLegacy(moment)) {
-    return {PlainType(WireCode::DateTime, 8), "", LegacyDateTimeBody};
-  }
-  if (moment.offset_minutes != 0) {
-    return {PlainType(WireCode::DateTimeOffsetN, 10, kFullScale), Bytes({kFullScale}),
-            DateTimeOffsetBody};
-  }
-  return {PlainType(WireCode::DateTime2N, 8, kFullScale), Bytes({kFullScale}), DateTime2Body};
-}
-
-VariantForm FormOfVariant(const Value& value) {
-  constexpr std::uint16_t kGreatest = 8000;
-  if (std::holds_alternative<bool>(value)) return {PlainType(WireCode::Bit, 1), "", IntegerBody};
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) return FormOfInteger(*integer);
-  if (std::holds_alternative<double>(value)) {
-    return {PlainType(WireCode::Float8, 8), "", FloatBody};
-  }
-  if (const auto* decimal = std::get_if<DecimalValue>(&value)) {
-    constexpr int kPrecision = 38;
-    return {PlainType(WireCode::NumericN, DecimalSize(kPrecision), decimal->scale),
-            Bytes({kPrecision, decimal->scale}), DecimalBody};
-  }
-  if (const auto* moment = std::get_if<DateTimeValue>(&value)) return FormOfMoment(*moment);
-  if (std::holds_alternative<GuidValue>(value)) {
-    return {PlainType(WireCode::Guid, 16), "", GuidBody};
-  }
-  if (std::holds_alternative<BinaryValue>(value)) {
-    return {PlainType(WireCode::VarBinary, kGreatest), SizeProperty(kGreatest), BinaryBody};
-  }
-  return FormOfText();
-}
-
+// A sql_variant names the type of each value: a whole number's, or nvarchar.
 void Variant(ByteWriter& out, const WireType&, const Value& value) {
-  VariantForm form = FormOfVariant(value);
+  constexpr std::uint16_t kGreatestText = 8000;
   out.U32(0);
-  std::size_t start = out.size();
-  out.U8(static_cast<std::uint8_t>(form.type.code));
-  WriteSize(out, static_cast<std::uint32_t>(form.properties.size()));
-  out.Raw(form.properties);
-  form.body(out, form.type, value);
+  const std::size_t start = out.size();
+  if (const auto* number = std::get_if<std::int64_t>(&value)) {
+    const bool narrow = *number >= INT32_MIN && *number <= INT32_MAX;
+    out.U8(static_cast<std::uint8_t>(narrow ? WireCode::Int4 : WireCode::Int8));
+    WriteSize(out, 0);  // of what else is told of the type
+    WriteLow(out, static_cast<std::uint64_t>(*number), narrow ? 4 : 8);
+  } else {
+    out.U8(static_cast<std::uint8_t>(WireCode::NVarChar));
+    WriteSize(out, kCollation.size() + sizeof kGreatestText);
+    out.Raw(kCollation);
+    out.U16(kGreatestText);
+    AppendUtf16(std::get<std::string>(value), out.bytes());
+  }
   out.Patch(start - sizeof(std::uint32_t), static_cast<std::uint32_t>(out.size() - start));
 }
 

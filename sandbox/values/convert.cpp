@@ -36,10 +36,18 @@ Value ToDateTime(const Value& value, const TypeInfo& from, const TypeInfo& to) {
   return *fitted;
 }
 
+// Whole numbers and text are all that a variant holds here.
+Value ToVariant(const Value& value, const TypeInfo& from) {
+  const bool fits =
+      std::holds_alternative<std::int64_t>(value) || std::holds_alternative<std::string>(value);
+  if (!fits) Raise(206, TypeName(from), TypeName({SqlType::Variant}));
+  return value;
+}
+
 Value ConvertAny(const Value& value, const TypeInfo& from, const TypeInfo& to, int style,
                  bool storing) {
   if (IsNull(value)) return value;
-  if (to.type == SqlType::Variant) return value;
+  if (to.type == SqlType::Variant) return ToVariant(value, from);
   if (from.type == SqlType::Variant)
     return ConvertAny(value, VariantBase(value), to, style, storing);
   if (to.type == SqlType::Bit) return ToBit(value, from);
@@ -91,26 +99,9 @@ std::string ValueText(const Value& value, const TypeInfo& type) {
 }
 
 TypeInfo VariantBase(const Value& value) {
-  switch (value.index()) {
-    case 1:
-      return BitType();
-    case 2: {
-      const std::int64_t number = std::get<std::int64_t>(value);
-      return number >= INT32_MIN && number <= INT32_MAX ? IntType() : BigIntType();
-    }
-    case 3:
-      return FloatType();
-    case 4:
-      return DecimalType(38, std::get<DecimalValue>(value).scale);
-    case 6:
-      return VarBinary(std::get<BinaryValue>(value).bytes.size());
-    case 7:
-      return {SqlType::DateTime2, 0, 27, 7};
-    case 8:
-      return {SqlType::UniqueIdentifier, 0, 0, 0};
-    default:
-      return NVarChar(4000);
-  }
+  const auto* number = std::get_if<std::int64_t>(&value);
+  if (!number) return NVarChar(4000);
+  return *number >= INT32_MIN && *number <= INT32_MAX ? IntType() : BigIntType();
 }
 
 }  // namespace sandbox

@@ -321,9 +321,6 @@ inline constexpr std::array kMessages{
     MessageText{4936, 16, 1, Ends::Batch,
                 "Computed column '{}' in table '{}' cannot be persisted because the column is "
                 "non-deterministic."},
-    MessageText{5105, 16, 1, Ends::Batch,
-                "A file activation error occurred. The physical file name '{}' may be incorrect. "
-                "Diagnose and correct additional errors, and retry the operation."},
     MessageText{5701, 10, 2, Ends::Statement, "Changed database context to '{}'."},
     MessageText{7997, 16, 1, Ends::Statement, "'{}' does not contain an identity column."},
     MessageText{

@@ -47,13 +47,17 @@ template <typename... Arguments>
   throw Error(number, arguments...);
 }
 
+/// The error with another one that the server lets follow.
+inline SqlError Followed(SqlError error, ErrorNumber<0> next) {
+  error.messages.push_back(Error(next).messages.front());
+  return error;
+}
+
 /// Raises an error that the server follows with 1750, "Could not create constraint or index".
 template <typename... Arguments>
 [[noreturn]] void RaiseForConstraint(ErrorNumber<sizeof...(Arguments)> number,
                                      const Arguments&... arguments) {
-  SqlError error = Error(number, arguments...);
-  error.messages.push_back(Error(1750).messages.front());
-  throw error;
+  throw Followed(Error(number, arguments...), 1750);
 }
 
 }  // namespace sandbox

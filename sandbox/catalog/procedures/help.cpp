@@ -13,60 +13,24 @@ using namespace sys;
 struct Head {
   std::string name, schema;
   const char* kind;
-  std::int64_t created;
 };
 
 const ShownColumns<Head> kHead{
     {"Name", kName, [](const Head& h) { return Value(h.name); }},
     {"Owner", kName, [](const Head& h) { return Value(h.schema); }},
     {"Type", VarChar(31), [](const Head& h) { return Word(h.kind); }},
-    {"Created_datetime", kTime, [](const Head& h) { return Time(h.created); }},
 };
 
 struct Column {
   const ColumnDef* def;
   std::string type;
-  const TypeInfo& Type() const { return def->type; }
-  bool HasDigits() const {
-    return (IsNumber(Type().type) && Type().type != SqlType::Bit) || HasDate();
-  }
-  bool HasDate() const {
-    return IsTemporal(Type().type) && Type().type != SqlType::DateTime &&
-           Type().type != SqlType::SmallDateTime;
-  }
-  bool IsPadded() const {
-    const bool text = IsText(Type().type) && Type().type != SqlType::Xml;
-    return (text && !IsUnicode(Type().type)) || IsBinary(Type().type);
-  }
 };
-
-const TypeInfo kDigits{SqlType::Char, 5, 0, 0};
-const TypeInfo kAnswer = VarChar(35);
-
-Value Digits(bool shown, int number) {
-  return shown ? fmt::format("{:<5}", number) : std::string(5, ' ');
-}
-const char* YesOrNo(bool yes) {
-  return yes ? "yes" : "no";
-}
 
 const ShownColumns<Column> kColumns{
     {"Column_name", kName, [](const Column& c) { return Value(c.def->name); }},
     {"Type", kName, [](const Column& c) { return Value(c.type); }},
-    {"Computed", kAnswer, [](const Column& c) { return Word(YesOrNo(c.def->IsComputed())); }},
-    {"Length", kInt, [](const Column& c) { return Int(MaxLength(c.Type())); }},
-    {"Prec", kDigits, [](const Column& c) { return Digits(c.HasDigits(), c.Type().precision); }},
-    {"Scale", kDigits,
-     [](const Column& c) {
-       return Digits(c.HasDigits() && !IsApproximate(c.Type().type), c.Type().scale);
-     }},
-    {"Nullable", kAnswer, [](const Column& c) { return Word(YesOrNo(c.def->nullable)); }},
-    {"TrimTrailingBlanks", kAnswer,
-     [](const Column& c) { return Word(c.IsPadded() ? "no" : "(n/a)"); }},
-    {"FixedLenNullInSource", kAnswer,
-     [](const Column& c) { return Word(c.IsPadded() ? YesOrNo(c.def->nullable) : "(n/a)"); }},
-    {"Collation", kName,
-     [](const Column& c) { return TextOrNull(CollationName(c.Type(), c.def->collation)); }},
+    {"Length", kInt, [](const Column& c) { return Int(MaxLength(c.def->type)); }},
+    {"Nullable", VarChar(35), [](const Column& c) { return Word(c.def->nullable ? "yes" : "no"); }},
 };
 
 void SendColumns(Session& session, const TableDef& table) {
@@ -96,7 +60,7 @@ int Help(Session& session, const Arguments& args) {
   const std::string given = args.Text(0).value_or("");
   const ObjectName name = ParsedName(given);
   if (const ViewDef* view = session.Link().FindView(name)) {
-    SendItems<Head>(session, kHead, {{view->name, view->schema, "view", view->created}});
+    SendItems<Head>(session, kHead, {{view->name, view->schema, "view"}});
     return 0;
   }
   const TableDef* table = session.Link().FindTable(name);
@@ -105,7 +69,7 @@ int Help(Session& session, const Arguments& args) {
     error.messages.front().procedure = "sp_help";
     throw error;
   }
-  SendItems<Head>(session, kHead, {{table->name, table->schema, "user table", table->created}});
+  SendItems<Head>(session, kHead, {{table->name, table->schema, "user table"}});
   SendColumns(session, *table);
   SendItems<Identity>(session, kIdentity, {table->IdentityColumn()});
   return 0;

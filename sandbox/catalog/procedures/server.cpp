@@ -66,7 +66,6 @@ std::span<const Procedure> IdleProcedures() {
 std::span<const Procedure> ServerProcedures() {
   static const std::vector<Procedure> kProcedures{
       {"sp_databases", {}, Databases},
-      {"sp_reset_connection", {}, Nothing},
       {"sp_addtype", {"@typename", "@phystype", "@nulltype", "@owner"}, AddType},
   };
   return kProcedures;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <thread>
 
+#include "sandbox/storage/sqlite.h"
 #include "tests/sandbox/sql/batch.h"
 
 namespace sandbox::testing {
@@ -118,6 +119,13 @@ TEST_F(SessionsTest, LoginsOutliveTheServer) {
   Reopen();
   EXPECT_TRUE(engine->MayLogIn("Clerk", "pw"));
   EXPECT_FALSE(engine->MayLogIn("clerk", "PW"));
+}
+
+TEST_F(SessionsTest, AFolderOfAnotherVersionIsNotOpened) {
+  session.reset();
+  engine.reset();
+  SqliteConnection(folder / "server.db", false).Execute("PRAGMA user_version=2");
+  EXPECT_THROW(OpenEngine(folder, false), std::runtime_error);
 }
 
 }  // namespace

@@ -58,11 +58,8 @@ TEST_F(Driver, VariantsShowEachValueInItsOwnType) {
   const ColumnInfo variant{.name = "v", .type = {SqlType::Variant}};
   const std::vector<std::pair<Value, std::string>> values = {
       {std::int64_t{-7}, "-7"},
-      {DecimalValue{-12'345, 3}, "-12.345"},
+      {std::int64_t{1} << 40, "1099511627776"},
       {std::string("h\u00e4 \u65e5"), "h\u00e4 \u65e5"},
-      {DateTimeValue{738'000, 36'000'000'000, 0}, "2021-07-30 01:00:00.000"},
-      {DateTimeValue{738'000, 36'000'000'001, 0}, "2021-07-30 01:00:00.0000001"},
-      {DateTimeValue{738'000, 36'000'000'000, -60}, "2021-07-30 01:00:00.0000000 -01:00"},
   };
   engine_.batches["variants"] = [&](EngineSession&, ResultSink& sink) {
     sink.Columns({variant});

@@ -29,7 +29,7 @@ class FakeEngine : public Engine {
   std::vector<std::vector<Value>> BulkRows() const;
 
   std::unique_ptr<EngineSession> OpenSession(std::string_view login) override;
-  bool HasDatabase(std::string_view name) const override;
+  void CreateDatabase(std::string_view) override {}
 
  private:
   class Session;
