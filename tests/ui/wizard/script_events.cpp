@@ -69,7 +69,7 @@ void Await(const std::function<bool()>& reached) {
 
 /// The person's turn while the servers go on.
 void Meanwhile(Player& player, Listener&, const QString&) {
-  QMetaObject::invokeMethod(&player.driver.Window(), [&player] {
+  QMetaObject::invokeMethod(&player.driver->Window(), [&player] {
     for (const Step& step : std::exchange(player.meanwhile, {})) player.Run(step);
   });
 }
@@ -95,7 +95,7 @@ const std::map<std::string, Event> kEvents = {
     {"until-stopped", [](Player& p, Listener&,
                          const QString&) { Await([&] { return p.script.host->IsStopping(); }); }},
     {"until-ended",
-     [](Player& p, Listener&, const QString&) { Await([&] { return p.driver.ended > 0; }); }},
+     [](Player& p, Listener&, const QString&) { Await([&] { return p.driver->ended > 0; }); }},
     {"end", [](Player&, Listener& listener, const QString&) { listener.ConversionEnded(); }},
 };
 

@@ -4,8 +4,10 @@
 
 #include <QFileDialog>
 #include <QRegularExpression>
+#include <fstream>
 
 #include "job/encryptor.h"
+#include "tests/support/process.h"
 
 namespace dorvane::test {
 
@@ -61,35 +63,48 @@ void ScriptPlayer::ExpectNothingLeft() {
 
 void ScriptPlayer::Run(const Step& step) {
   SCOPED_TRACE(step.verb + " " + step.rest);
-  const Verb act = FindAct(step.verb);
-  const Verb verb = act ? act : FindExpectation(step.verb);
+  const auto more = more_verbs.find(step.verb);
+  Verb verb = more == more_verbs.end() ? FindAct(step.verb) : more->second;
+  if (!verb) verb = FindExpectation(step.verb);
   ASSERT_NE(verb, nullptr) << "no such verb";
-  verb(*this, QString::fromStdString(step.rest));
+  QString rest = QString::fromStdString(step.rest);
+  for (const auto& [word, meaning] : words) rest.replace(word, meaning);
+  verb(*this, rest);
 }
 
 void ScriptPlayer::Activate() {
   EXPECT_TRUE(QTest::qWaitFor([this] {
-    QApplication::setActiveWindow(&driver.Window());
-    return driver.Window().isActiveWindow() && !QApplication::activeModalWidget();
+    QApplication::setActiveWindow(&driver->Window());
+    driver->Window().activateWindow();
+    return driver->Window().isActiveWindow() && !QApplication::activeModalWidget() &&
+           QGuiApplication::focusWindow() == driver->Window().windowHandle();
   }));
 }
 
 void ScriptPlayer::ChooseFile(const QByteArray& button, const QString& dialog,
                               const QString& file) {
-  QTimer::singleShot(0, &driver.Window(), [&] {
-    auto* chooser = driver.Window().findChild<QFileDialog*>(dialog);
+  QTimer::singleShot(0, &driver->Window(), [&] {
+    auto* chooser = driver->Window().findChild<QFileDialog*>(dialog);
     chooser->selectFile(QString::fromStdString(PathOf(file).string()));
     QMetaObject::invokeMethod(chooser, "accept");
   });
-  driver.Click(button);
+  driver->Click(button);
 }
 
 std::filesystem::path ScriptPlayer::PathOf(const QString& file) const {
-  return driver.Folder() / file.toStdString();
+  return (file == kLastRun ? driver->Folder() : folder.Path()) / file.toStdString();
+}
+
+void ScriptPlayer::AnotherWizard(bool with_last_run) {
+  const std::string last_run = ReadFile(PathOf(kLastRun));
+  driver = make_driver();
+  if (!with_last_run) return;
+  std::ofstream(PathOf(kLastRun), std::ios::binary) << last_run;
+  driver->Window().Load();
 }
 
 QString ScriptPlayer::TakeBox() {
-  for (const SeenBox& box : driver.TakeBoxes()) boxes.push_back(box);
+  for (const SeenBox& box : driver->TakeBoxes()) boxes.push_back(box);
   if (boxes.empty()) return "none";
   const SeenBox box = boxes.front();
   boxes.pop_front();
@@ -98,7 +113,7 @@ QString ScriptPlayer::TakeBox() {
 
 void ScriptPlayer::AtBox(int number, const Step& step) {
   at_boxes.emplace(number, step);
-  driver.on_box = [this, seen = 0](QWidget&) mutable {
+  driver->on_box = [this, seen = 0](QWidget&) mutable {
     const auto [first, last] = at_boxes.equal_range(++seen);
     for (auto at = first; at != last; ++at) Run(at->second);
     at_boxes.erase(first, last);

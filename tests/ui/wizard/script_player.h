@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <vector>
 
 #include "tests/ui/wizard/script.h"
@@ -11,8 +12,17 @@
 
 namespace dorvane::test {
 
+struct ScriptPlayer;
+using Verb = void (*)(ScriptPlayer& player, const QString& rest);
+
 /// Plays a script on a wizard: the person, the servers, and who looks at the window.
 struct ScriptPlayer {
+  /// On scripted servers.
+  ScriptPlayer() : ScriptPlayer([this] { return std::make_unique<WizardDriver>(script); }) {}
+  /// On others.
+  explicit ScriptPlayer(std::function<std::unique_ptr<WizardDriver>()> new_driver)
+      : make_driver(std::move(new_driver)), driver(make_driver()) {}
+
   void Play(const WizardScript& wizard_script);
 
   /// What has been expected too early or in vain when the script is over.
@@ -25,8 +35,10 @@ struct ScriptPlayer {
   void Activate();
   /// Chooses a file in the dialog that a button opens.
   void ChooseFile(const QByteArray& button, const QString& dialog, const QString& file);
-  /// A file in the folder of the wizard's own.
+  /// Of a script's file, or of the wizard's kLastRun.
   std::filesystem::path PathOf(const QString& file) const;
+  /// A new wizard in the place of this one, which may know what this one has kept.
+  void AnotherWizard(bool with_last_run);
   /// The next box that was not looked at, "TITLE: text"; "none".
   QString TakeBox();
   /// Steps for while the box of that number is seen.
@@ -34,8 +46,13 @@ struct ScriptPlayer {
   /// Adds an event to what the next conversions tell.
   void Tell(const std::string& event, const QString& text);
 
+  static constexpr const char* kLastRun = "config";
+  std::map<QString, QString> words;        // "{port}": what stands for it
+  std::map<std::string, Verb> more_verbs;  // of the scripts of one program
+  TempFolder folder;
   Script script;
-  WizardDriver driver{script};
+  std::function<std::unique_ptr<WizardDriver>()> make_driver;
+  std::unique_ptr<WizardDriver> driver;
   std::deque<SeenBox> boxes;
   std::multimap<int, Step> at_boxes;
   std::vector<Step> meanwhile;  // of the person, while a conversion waits for it
@@ -43,7 +60,6 @@ struct ScriptPlayer {
   NameList asked_for;  // the tables of the last conversion
 };
 
-using Verb = void (*)(ScriptPlayer& player, const QString& rest);
 /// Null when there is no such verb (script_acts.cpp, script_expectations.cpp).
 Verb FindAct(const std::string& name);
 Verb FindExpectation(const std::string& name);
@@ -60,6 +76,8 @@ QString TextIn(QString text);
 std::pair<QByteArray, QString> NameAndText(const QString& rest);
 /// "TITLE: text" of a box or a failure.
 std::pair<std::string, std::string> TitleAndText(const QString& rest);
+/// "..." at an end of what is expected stands for more.
+void ExpectText(const QString& shown, const QString& expected);
 /// "7 text": a failure of that number.
 [[noreturn]] void ThrowRunTimeError(const QString& number_and_text);
 
