@@ -294,6 +294,7 @@ Conversion::Copied Conversion::CopyTableContent(const TableDefinition& table, bo
     } else {
       ReportRows(table, announced, account);
     }
+    if (account.refused > 0) refused_tables_.insert(table.name);
     if (IsRehearsing()) ShowExamples(*rows);
     if (waits) return Copied::WithRowsPostponed;
     return is_stopped ? Copied::Stopped : Copied::AsFarAsPossible;

@@ -106,6 +106,9 @@ class Conversion {
   /// since the table that it refers to will not be there. The tables are the destination's.
   void RehearseRelationship(const std::string& name, const ado::TableName& table,
                             const ado::TableName& referenced);
+  /// The same since rows refer to none, as far as that can be known; a remark where it cannot. The
+  /// table and the key are the source's.
+  void RehearseRelatedRows(const ado::TableName& table, const ado::Key& key);
   /// How many rows of the destination's table refer to none by this key of it: those of the query,
   /// or those that a rehearsal foresees.
   std::string OrphansOf(const ado::TableName& dest_name, const ado::Key& key,
@@ -238,11 +241,6 @@ class Conversion {
   void OpenTrial();
   /// Throws ProviderError, as the server would refuse it.
   void RehearseStatement(std::string_view sql);
-  /// In overwrite mode, when the tables are planned.
-  void LearnReferences();
-  bool IsMariaDb();
-  /// In merge mode, ahead of the first table.
-  void LearnParents(const NameList& tables);
   /// A line of the script for a person to read.
   void Remark(std::string_view text);
   void RemarkUnforeseen(std::string_view what, std::string_view why);
@@ -268,6 +266,17 @@ class Conversion {
                                             const TableDefinition& table, bool is_new,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts);
+
+  // rehearsed_relationships.cpp
+  /// In overwrite mode, when the tables are planned.
+  void LearnReferences();
+  /// In merge mode, ahead of the first table.
+  void LearnParents(const NameList& tables);
+  bool IsMariaDb();
+  /// True for a table that the rehearsal has made.
+  bool IsMade(const ado::TableName& dest_table) const;
+  /// True when rows of the source's table refer to none by its key.
+  bool HasOrphans(const ado::TableName& table, const ado::Key& key);
 
   // generated_columns.cpp
   /// The columns that get no values, since the destination computes them or gives them itself.
@@ -306,6 +315,7 @@ class Conversion {
   std::unique_ptr<RehearsedReferences> references_;  // none: likewise, or nothing is overwritten
   std::map<std::pair<TableRight, ado::TableName>, std::optional<ado::ProviderError>> denials_;
   std::vector<ado::TableName> rehearsed_tables_;  // that a rehearsal has made
+  std::set<ado::TableName> refused_tables_;       // of which rows were refused
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();

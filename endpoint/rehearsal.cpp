@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::ptrdiff_t kLongestName = 64;  // characters that MySQL takes
 constexpr std::int32_t kNameTooLong = 1059;
-constexpr std::string_view kOrphans = "rows whose parents are missing";
 
 bool BeginsCharacter(char c) {
   return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
@@ -83,56 +82,6 @@ void Conversion::NeedRight(TableRight right, const ado::TableName& table) {
   if (denial) throw DestinationFailure(*denial, denial->Entries());
 }
 
-void Conversion::LearnReferences() {
-  try {
-    std::set<ado::TableName> tables;
-    for (const auto& [name, planned] : *plans_) {
-      if (planned.definition) tables.insert(planned.definition->dest_name);
-    }
-    references_ = std::make_unique<RehearsedReferences>(DestinationKind(), IsMariaDb(),
-                                                        FoldsTableNames(), DestReferences(tables));
-  } catch (const RunTimeError&) {
-    // The conversion tells of what it cannot read.
-  }
-}
-
-bool Conversion::IsMariaDb() {
-  if (DestinationKind() != ServerKind::MySql) return false;
-  ado::Recordset version = destination_->Execute("select version()");
-  return !version.AtEnd() && version.Field(0).Text().find("MariaDB") != std::string::npos;
-}
-
-void Conversion::RehearseRelationship(const std::string& name, const ado::TableName& table,
-                                      const ado::TableName& referenced) {
-  if (!IsRehearsing()) return;
-  // A server asks for the rights first.
-  NeedRight(TableRight::Alter, table);
-  NeedRight(TableRight::Refer, referenced);
-  const auto is_it = [&](const ado::TableName& made) {
-    return text::EqualsIgnoringCase(made.Text(), referenced.Text());
-  };
-  if (std::ranges::any_of(rehearsed_tables_, is_it)) return;
-  const bool is_dropped = references_ && references_->IsDropped(referenced);
-  if (!is_dropped && !destination_->Columns(referenced).empty()) return;
-  const bool is_ms_sql = DestinationKind() == ServerKind::MsSql;
-  const std::int32_t hresult = is_ms_sql ? ado::hresult::kErrorsInCommand : ado::hresult::kFail;
-  const auto refuse = [&](std::int32_t number, const std::string& words) {
-    const ado::ProviderError refusal = Refusal(DestinationKind(), number, words, hresult);
-    throw DestinationFailure(refusal, refusal.Entries());
-  };
-  if (is_ms_sql) {
-    refuse(1767,
-           fmt::format("Foreign key '{}' references invalid table '{}'.", name, referenced.Text()));
-  }
-  if (!IsMariaDb()) {
-    refuse(1824, fmt::format("Failed to open the referenced table '{}'", referenced.name));
-  }
-  const std::string database = destination_->Execute("select database()").Field(0).Text();
-  refuse(1005, fmt::format("Can't create table `{}`.`{}` (errno: 150 \"Foreign key constraint is "
-                           "incorrectly formed\")",
-                           table.IsBare() ? database : table.schema, table.name));
-}
-
 void Conversion::Remark(std::string_view text) {
   rehearsal_(fmt::format("-- {}", text::Visible(text)));
 }
@@ -168,24 +117,6 @@ void Conversion::OpenTrial() {
     trial_ = std::make_unique<TrialTable>(std::move(connection), DestinationKind());
   } catch (const RunTimeError&) {
     // What follows from names and lengths is found all the same.
-  }
-}
-
-void Conversion::LearnParents(const NameList& tables) {
-  if (!trial_ || !options_.copy_table_content) return;
-  OrphanRule rule = OrphanRule::Postponed;
-  if (DestinationKind() == ServerKind::MySql) {
-    rule = options_.convert_relationships ? OrphanRule::Stored : OrphanRule::Refused;
-  }
-  auto parents = std::make_unique<RehearsedParents>(*trial_, *server_, rule);
-  try {
-    for (const std::string& name : tables) {
-      const ado::TableName table = DestTableOf(name);
-      parents->Add(table, trial_->Connection().Keys(table));
-    }
-    parents_ = std::move(parents);
-  } catch (const RunTimeError& error) {
-    RemarkUnforeseen(kOrphans, error.Description());
   }
 }
 
@@ -317,13 +248,7 @@ std::unique_ptr<IRowDestination> Conversion::Rehearse(std::unique_ptr<IRowDestin
 void Conversion::ShowExamples(const IRowDestination& rows) {
   for (const std::string& example : rows.Examples()) Remark(example);
   const std::string trouble = parents_ ? parents_->TakeTrouble() : "";
-  if (!trouble.empty()) RemarkUnforeseen(kOrphans, trouble);
-}
-
-std::string Conversion::OrphansOf(const ado::TableName& dest_name, const ado::Key& key,
-                                  const std::string& query) {
-  const auto foreseen = parents_ ? parents_->Orphans(dest_name, key) : std::nullopt;
-  return foreseen ? std::to_string(*foreseen) : destination_->Execute(query).Field(0).Text();
+  if (!trouble.empty()) RemarkUnforeseen("rows whose parents are missing", trouble);
 }
 
 }  // namespace dorvane

@@ -35,6 +35,8 @@ class IRehearsedServer {
   virtual bool HasTriggers(const ado::TableName& table) = 0;
   /// How a row is refused for want of the row that it refers to by this key of the table.
   virtual ErrorSummary LackOfParent(const ado::TableName& table, const ado::Key& key) = 0;
+  /// How the key is refused that rows of the table have no such rows for.
+  virtual ErrorSummary LackOfParents(const ado::TableName& table, const ado::Key& key) = 0;
   /// What is said of a statement that needs this right on the table; none when the login has the
   /// right, or the server does not tell. Changes nothing.
   virtual std::optional<ado::ProviderError> Denial(TableRight right,

@@ -18,10 +18,13 @@ constexpr const char* kMySqlTrial = "dorvane_trial";
 // With the sign of a temporary table; short, so that it stands whole in the names of its keys.
 constexpr const char* kMsSqlTrial = "#dorvane";
 
-/// Refusals that concern temporary tables only.
+/// Refusals that concern temporary tables only, or no statement at all.
 constexpr std::array kNoTrials{
     262,   // no right to create a table
+    1021,  // the disk is full
+    1041,  // no memory
     1044,  // no right to the database
+    1053,  // the server is going down
     1114,  // no room left
     1142,  // no right to the command
     1227,  // likewise
@@ -38,10 +41,14 @@ void Replace(std::string& text, const std::string& name, const std::string& by) 
   }
 }
 
-bool IsOfTheTable(const ado::ProviderError& failure) {
+bool IsOfTheTable(const ado::ProviderError& failure, ServerKind kind) {
   const ado::Error* entry = PrimaryError(failure.Entries(), 0);
-  return IsRowRefusal(failure.Number()) && entry != nullptr &&
-         std::ranges::find(kNoTrials, entry->native_error) == kNoTrials.end();
+  if (entry == nullptr) return false;
+  const std::int32_t number = entry->native_error;
+  // MySQL has one class for many refusals and for lost connections, of which its library tells.
+  const bool is_refusal = IsRowRefusal(failure.Number()) ||
+                          (kind == ServerKind::MySql && number >= 1000 && number / 1000 != 2);
+  return is_refusal && std::ranges::find(kNoTrials, number) == kNoTrials.end();
 }
 
 }  // namespace
@@ -82,7 +89,7 @@ void TrialTable::Try(std::string_view sql, const DefinitionStatement& definition
     connection_->Execute(*trial);
     is_there_ = true;
   } catch (const ado::ProviderError& failure) {
-    if (!IsOfTheTable(failure)) return GiveUp();
+    if (!IsOfTheTable(failure, kind_)) return GiveUp();
     ado::Errors entries = failure.Entries();
     for (ado::Error& entry : entries) entry.description = Words(std::move(entry.description));
     throw ado::ProviderError(failure.Number(), std::string(failure.Source()),

@@ -14,6 +14,12 @@ namespace {
 
 constexpr std::int32_t kNoSuchParent = 1452;
 
+std::string List(const std::vector<std::string>& columns) {
+  std::string list;
+  for (const std::string& column : columns) list += (list.empty() ? "" : ", ") + MySqlName(column);
+  return list;
+}
+
 /// The line of a table's definition that makes the key.
 std::string LineOf(std::string_view definition, const ado::Key& key) {
   const std::string begin = fmt::format("CONSTRAINT {} FOREIGN KEY", MySqlName(key.name));
@@ -69,9 +75,7 @@ std::vector<std::string> RehearsedMySql::CopyOf(const ado::TableName& table,
 
 std::string RehearsedMySql::CopyOfColumns(const ado::TableName& table, const std::string& copy,
                                           const std::vector<std::string>& columns) {
-  std::string list;
-  for (const std::string& column : columns) list += (list.empty() ? "" : ", ") + MySqlName(column);
-  return fmt::format("create temporary table {} select {} from {} limit 0", copy, list,
+  return fmt::format("create temporary table {} select {} from {} limit 0", copy, List(columns),
                      MySqlTable(table));
 }
 
@@ -92,13 +96,28 @@ bool RehearsedMySql::HasTriggers(const ado::TableName& table) {
   return !triggers.AtEnd();
 }
 
-ErrorSummary RehearsedMySql::LackOfParent(const ado::TableName& table, const ado::Key& key) {
+ErrorSummary RehearsedMySql::Orphan(const ado::TableName& table, const std::string& key) {
   const std::string database =
       table.IsBare() ? connection_.Execute("select database()").Field(0).Text() : table.schema;
   return {kNoSuchParent,
           fmt::format("Cannot add or update a child row: a foreign key constraint fails ({}, {})",
-                      MySqlTable({database, table.name}),
-                      LineOf(DefinitionOf(MySqlTable(table)), key))};
+                      MySqlTable({database, table.name}), key)};
+}
+
+ErrorSummary RehearsedMySql::LackOfParent(const ado::TableName& table, const ado::Key& key) {
+  return Orphan(table, LineOf(DefinitionOf(MySqlTable(table)), key));
+}
+
+ErrorSummary RehearsedMySql::LackOfParents(const ado::TableName& table, const ado::Key& key) {
+  std::vector<std::string> columns;
+  std::vector<std::string> related;
+  for (const ado::KeyColumn& column : key.columns) {
+    columns.push_back(column.name);
+    related.push_back(column.related_column);
+  }
+  return Orphan(
+      table, fmt::format("CONSTRAINT {} FOREIGN KEY ({}) REFERENCES {} ({})", MySqlName(key.name),
+                         List(columns), MySqlTable(key.related_table), List(related)));
 }
 
 }  // namespace dorvane::to_mysql

@@ -25,9 +25,12 @@ class RehearsedMySql : public IRehearsedServer {
   std::vector<std::string> GivenColumns(const ado::TableName& table) override;
   bool HasTriggers(const ado::TableName& table) override;
   ErrorSummary LackOfParent(const ado::TableName& table, const ado::Key& key) override;
+  ErrorSummary LackOfParents(const ado::TableName& table, const ado::Key& key) override;
   std::optional<ado::ProviderError> Denial(TableRight right, const ado::TableName& table) override;
 
  private:
+  /// The refusal of a row by a key, as the server writes the key.
+  ErrorSummary Orphan(const ado::TableName& table, const std::string& key);
   std::string DefinitionOf(const std::string& quoted_name);
   // rights.cpp
   std::optional<ado::ProviderError> SchemaDenial(const std::string& schema);

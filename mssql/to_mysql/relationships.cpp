@@ -172,6 +172,7 @@ bool MsSqlToMySql::AddRelationship(const ado::TableName& table, ado::Key key) {
   for (;;) {
     try {
       RehearseRelationship(key.name, DestTable(table), DestTable(key.related_table));
+      RehearseRelatedRows(table, key);
       ExecuteOn(Destination(), RelationshipStatement(table, key, form));
       if (SetsDefault(key)) {
         Host().Inform(fmt::format("Table {}: SET DEFAULT of relationship {} became NO ACTION",

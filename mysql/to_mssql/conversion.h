@@ -105,6 +105,8 @@ class MySqlToMsSql : public Conversion {
   // relationships.cpp
   void AddRelationships(ado::Table& tab_src);
   void AddRelationship(const ado::TableName& table, const ForeignKeyText& key);
+  /// The same key in the source's catalog.
+  ado::Key SourceKey(const ado::TableName& table, const ForeignKeyText& key);
   /// The table that a key refers to, on the destination.
   ado::TableName ReferencedTable(const ForeignKeyText& key) const;
   /// Throws DestinationFailure where the server would refuse the rules beside those of other keys.

@@ -139,6 +139,15 @@ bool RehearsedMsSql::HasTriggers(const ado::TableName& table) {
 }
 
 ErrorSummary RehearsedMsSql::LackOfParent(const ado::TableName& table, const ado::Key& key) {
+  return Orphan("INSERT", table, key);
+}
+
+ErrorSummary RehearsedMsSql::LackOfParents(const ado::TableName& table, const ado::Key& key) {
+  return Orphan("ALTER TABLE", table, key);
+}
+
+ErrorSummary RehearsedMsSql::Orphan(std::string_view statement, const ado::TableName& table,
+                                    const ado::Key& key) {
   const auto full_name = [&](const ado::TableName& name) {
     return name.IsBare()
                ? connection_.Execute("select schema_name()").Field(0).Text() + "." + name.name
@@ -148,9 +157,9 @@ ErrorSummary RehearsedMsSql::LackOfParent(const ado::TableName& table, const ado
   const std::string column =
       key.columns.size() == 1 ? fmt::format(", column '{}'", key.columns[0].related_column) : "";
   return {kConstraintError,
-          fmt::format("The INSERT statement conflicted with the FOREIGN KEY{} constraint \"{}\". "
+          fmt::format("The {} statement conflicted with the FOREIGN KEY{} constraint \"{}\". "
                       "The conflict occurred in database \"{}\", table \"{}\"{}.",
-                      is_same ? " SAME TABLE" : "", key.name,
+                      statement, is_same ? " SAME TABLE" : "", key.name,
                       connection_.Execute("select db_name()").Field(0).Text(),
                       full_name(key.related_table), column)};
 }

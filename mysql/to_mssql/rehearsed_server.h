@@ -3,6 +3,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "endpoint/rehearsed_server.h"
@@ -28,10 +29,13 @@ class RehearsedMsSql : public IRehearsedServer {
   std::vector<std::string> GivenColumns(const ado::TableName& table) override;
   bool HasTriggers(const ado::TableName& table) override;
   ErrorSummary LackOfParent(const ado::TableName& table, const ado::Key& key) override;
+  ErrorSummary LackOfParents(const ado::TableName& table, const ado::Key& key) override;
   /// In rights.cpp.
   std::optional<ado::ProviderError> Denial(TableRight right, const ado::TableName& table) override;
 
  private:
+  ErrorSummary Orphan(std::string_view statement, const ado::TableName& table, const ado::Key& key);
+
   ado::Connection& connection_;
 };
 

@@ -4,6 +4,7 @@
 
 #include "endpoint/names.h"
 #include "mysql/to_mssql/conversion.h"
+#include "platform/ado/items.h"
 #include "platform/text/ascii.h"
 
 namespace dorvane::to_mssql {
@@ -56,7 +57,10 @@ void MySqlToMsSql::AddRelationship(const ado::TableName& table, const ForeignKey
   // The server would refuse it, without a word to anyone.
   if (IsRehearsing() && MayBeOld(table) && HasRelationship(dest_table, name)) return;
   const auto execute = [&](const std::string& delete_rule, const std::string& update_rule) {
-    if (IsRehearsing()) RehearseRules(table, key, delete_rule, update_rule);
+    if (IsRehearsing()) {
+      RehearseRules(table, key, delete_rule, update_rule);
+      RehearseRelatedRows(table, SourceKey(table, key));
+    }
     ExecuteOn(Destination(),
               fmt::format("Alter Table {} add CONSTRAINT {} Foreign Key ({}) "
                           "References {} On Delete {} On Update {}",
@@ -88,6 +92,12 @@ void MySqlToMsSql::AddRelationship(const ado::TableName& table, const ForeignKey
                     table_reference, columns, referenced, summary.number, summary.description),
         kTitle);
   }
+}
+
+ado::Key MySqlToMsSql::SourceKey(const ado::TableName& table, const ForeignKeyText& key) {
+  std::string_view quoted = key.name;
+  const std::string name = TakeTableName(quoted).name;
+  return ado::FindItem(SourceCatalog().TableByName(table.Text()).Keys(), name, "ADOX.Keys");
 }
 
 ado::TableName MySqlToMsSql::ReferencedTable(const ForeignKeyText& key) const {

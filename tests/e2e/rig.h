@@ -68,8 +68,8 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
                    const std::filesystem::path& log);
 
 /// The lines of a run that a rehearsal did not foretell, behind "+", and those it foretold in vain,
-/// behind "-". The words for a key that is taken or too long hold names that the server makes up,
-/// and of the rows that are dropped with their tables a run says nothing.
+/// behind "-". The words for a key that is taken, too long or lacks rows hold names that the server
+/// makes up, and of the rows that are dropped with their tables a run says nothing.
 std::vector<std::string> Disagreement(std::vector<std::string> foretold,
                                       std::vector<std::string> told);
 

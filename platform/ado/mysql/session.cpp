@@ -19,7 +19,9 @@ namespace mysql {
 namespace {
 
 bool IsLostConnection(const ProviderError& failure) {
-  constexpr std::array kNumbers = {CR_SERVER_GONE_ERROR, CR_SERVER_LOST, ER_CONNECTION_KILLED};
+  // Behind TLS the end of a connection is a failure of TLS.
+  constexpr std::array kNumbers = {CR_SERVER_GONE_ERROR, CR_SERVER_LOST, CR_SSL_CONNECTION_ERROR,
+                                   ER_CONNECTION_KILLED};
   const std::int32_t number = failure.Entries().at(0).native_error;
   return std::ranges::find(kNumbers, number) != kNumbers.end();
 }

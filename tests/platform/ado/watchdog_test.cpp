@@ -1,13 +1,6 @@
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <string_view>
-
-#include "platform/ado/connection.h"
+// Servers of both kinds that fall silent.
+#include "tests/platform/ado/server_test.h"
 #include "tests/support/proxy.h"
-#include "tests/support/servers.h"
 
 namespace dorvane::ado {
 
@@ -16,31 +9,16 @@ namespace {
 using test::Fault;
 using testing::HasSubstr;
 
-/// Either kind of server, its sessions reached through a proxy and given a second of silence.
-class Watched : public testing::TestWithParam<ServerKind> {
+/// Sessions that are reached through a proxy and given a second of silence.
+class Watched : public BothServers {
  protected:
-  static bool IsMySql() { return GetParam() == ServerKind::MySql; }
-
-  static const test::PrivateMySql& MySql() {
-    static const test::PrivateMySql my_sql;
-    return my_sql;
-  }
-
-  static int ServerPort() {
-    static const test::SandboxServer ms_sql({"shop"});
-    return IsMySql() ? MySql().Port() : ms_sql.Port();
-  }
-
-  void SetUp() override { Open(); }
+  Watched() { Open(); }
 
   void Open() {
     connection_.Close();
-    connection_.Open({.server = "127.0.0.1",
-                      .port = proxy_.Port(),
-                      .user_id = IsMySql() ? "root" : "sa",
-                      .password = "secret",
-                      .database = IsMySql() ? "mysql" : "shop",
-                      .idle_limit = 1});
+    settings_.port = proxy_.Port();
+    settings_.idle_limit = 1;
+    connection_.Open(settings_);
   }
 
   /// How the statement ends, its rows read: in the words of its failure, or not at all.
@@ -57,7 +35,7 @@ class Watched : public testing::TestWithParam<ServerKind> {
   }
 
   /// Some megabytes, more than the buffers between server and client take.
-  static std::string ManyRows() {
+  std::string ManyRows() const {
     constexpr std::string_view kDigits = "(select 0 d union all select 1 union all select 2 d)";
     std::string sql =
         fmt::format("select {}('x', 4000) from {} t0", IsMySql() ? "repeat" : "replicate", kDigits);
@@ -65,8 +43,7 @@ class Watched : public testing::TestWithParam<ServerKind> {
     return sql;
   }
 
-  test::Proxy proxy_{ServerPort(), GetParam()};
-  Connection connection_{InstalledProvider(GetParam())};
+  test::Proxy proxy_{settings_.port, GetParam()};
 };
 
 TEST_P(Watched, ALongStatementMayTakeItsTime) {
@@ -93,10 +70,7 @@ TEST_P(Watched, AWrongLengthEndsLikeALostConnection) {
   EXPECT_NE(Outcome("select 1"), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(, Watched, testing::Values(ServerKind::MySql, ServerKind::MsSql),
-                         [](const auto& kind) {
-                           return kind.param == ServerKind::MySql ? "MySql" : "MsSql";
-                         });
+INSTANTIATE_TEST_SUITE_P(, Watched, kBothServers, NameOfKind);
 
 }  // namespace
 }  // namespace dorvane::ado

@@ -16,49 +16,39 @@ constexpr int kNotAllowed = 5010;  // the client library's number for a method i
 class MySqlLogonTest : public MySqlTest {
  protected:
   /// The settings of a user with the fixture's password.
-  static ConnectionSettings As(const std::string& user) {
-    ConnectionSettings settings = Settings();
+  ConnectionSettings As(const std::string& user) const {
+    ConnectionSettings settings = settings_;
     settings.user_id = user;
     settings.database = "";
     return settings;
   }
 
   static void OfferTls(bool offered) {
-    Server().Query(offered ? "set global tls_version = default; alter instance reload tls"
-                           : "set global tls_version = '';"
-                             "alter instance reload tls no rollback on error");
+    MySql().Query(offered ? "set global tls_version = default; alter instance reload tls"
+                          : "set global tls_version = '';"
+                            "alter instance reload tls no rollback on error");
   }
 };
 
-/// The methods that the servers keep passwords by, as the end of a CREATE USER statement.
-std::vector<std::string> Methods(bool is_mariadb) {
-  if (is_mariadb) {
-    return {"via mysql_native_password using password('secret')",
-            "via ed25519 using password('secret')"};
-  }
-  return {"with caching_sha2_password by 'secret'", "with sha256_password by 'secret'"};
-}
-
 TEST_F(MySqlLogonTest, EveryMethodWorksFromTheFirstLogonOnWithTlsAndWithout) {
-  const bool is_mariadb = Server().IsMariaDb();
-  if (is_mariadb) Server().Query("install soname 'auth_ed25519'");
+  const bool is_mariadb = IsMariaDb();
   for (const bool with_tls : {false, true}) {
     if (!is_mariadb) OfferTls(with_tls);
-    for (const std::string& method : Methods(is_mariadb)) {
+    for (const std::string& method : PasswordMethods(MySql())) {
       SCOPED_TRACE(method + (with_tls ? ", TLS" : ""));
-      Server().Query("create user 'someone'@'127.0.0.1' identified " + method);
+      MySql().Query("create user 'someone'@'127.0.0.1' identified " + method);
       ConnectionSettings settings = As("someone");
       EXPECT_EQ(LogOn(settings), Failure{}) << "the server has nothing of the user in its cache";
       EXPECT_EQ(LogOn(settings), Failure{});
       settings.password = "wrong";
       EXPECT_EQ(LogOn(settings), (Failure{hresult::kFail, 1045}));
-      Server().Query("drop user 'someone'@'127.0.0.1'");
+      MySql().Query("drop user 'someone'@'127.0.0.1'");
     }
     if (is_mariadb) return;  // this server offers no TLS
-    Connection connection(MySqlProvider());
-    connection.Open(Settings());
-    Recordset status = connection.Execute("show session status like 'Ssl_cipher'");
-    EXPECT_EQ(!status.Field("Value").Text().empty(), with_tls);
+    connection_.Close();
+    connection_.Open(settings_);
+    const Rows status = RowsOf("show session status like 'Ssl_cipher'");
+    EXPECT_EQ(!status.at(0).at(1).empty(), with_tls);
   }
 }
 
@@ -138,7 +128,7 @@ TEST_F(MySqlLogonTest, AServerThatAsksForTheBarePasswordDoesNotGetIt) {
       EXPECT_EQ(failure.number, hresult::kFail);
       EXPECT_TRUE(each.native_error == 0 || failure.native_error == each.native_error) << failure;
     }
-    EXPECT_THAT(thief.Loot(), Not(HasSubstr(Settings().password)));
+    EXPECT_THAT(thief.Loot(), Not(HasSubstr(settings_.password)));
   }
 }
 
@@ -147,7 +137,7 @@ TEST_F(MySqlLogonTest, ALatin1ServerKeepsEveryTextAndMakesUnicodeDatabases) {
       {"--character-set-server=latin1", "--loose-skip-character-set-client-handshake"});
   ConnectionSettings settings = As("root");
   settings.port = latin1.Port();
-  Connection connection(MySqlProvider());
+  Connection connection(InstalledProvider(kind_));
   connection.Open(settings);
   connection.Execute("create database made");
   connection.Execute("create table made.t(v varchar(9))");
@@ -159,27 +149,27 @@ TEST_F(MySqlLogonTest, ALatin1ServerKeepsEveryTextAndMakesUnicodeDatabases) {
 TEST_F(MySqlLogonTest, LimitsOfTheServerDoNotShortenResults) {
   Run("create table t(id int)");
   Run("insert into t select seq from " + test::Sequence(1, 20) + " s");
-  Server().Query("set global sql_select_limit = 5; set global max_join_size = 10");
-  Connection connection(MySqlProvider());
-  connection.Open(Settings());
+  MySql().Query("set global sql_select_limit = 5; set global max_join_size = 10");
+  Connection connection(InstalledProvider(kind_));
+  connection.Open(settings_);
   Recordset rows = connection.Execute("select a.id from t a, t b");
   int count = 0;
   for (; !rows.AtEnd(); rows.MoveNext()) ++count;
-  Server().Query("set global sql_select_limit = default; set global max_join_size = default");
+  MySql().Query("set global sql_select_limit = default; set global max_join_size = default");
   EXPECT_EQ(count, 400);
 }
 
 TEST_F(MySqlLogonTest, TablesWithoutAKeyAreMadeWhereTheRightIsThere) {
-  if (Server().IsMariaDb()) GTEST_SKIP() << "MariaDB makes any table";
+  if (IsMariaDb()) GTEST_SKIP() << "MariaDB makes any table";
   const auto set_switches = [](const char* value) {
     for (const char* name : {"sql_require_primary_key", "sql_generate_invisible_primary_key"}) {
-      Server().Query(fmt::format("set global {} = {}", name, value));
+      MySql().Query(fmt::format("set global {} = {}", name, value));
     }
   };
-  Server().Query("create user 'plain'@'127.0.0.1' identified by 'secret'");
+  MySql().Query("create user 'plain'@'127.0.0.1' identified by 'secret'");
   set_switches("on");
-  Connection connection(MySqlProvider());
-  connection.Open(Settings());
+  Connection connection(InstalledProvider(kind_));
+  connection.Open(settings_);
   connection.Execute("create table bare(id int)");
   EXPECT_EQ(connection.Columns("bare").size(), 1U);
   EXPECT_EQ(LogOn(As("plain")), Failure{}) << "a user who may not switch them off";

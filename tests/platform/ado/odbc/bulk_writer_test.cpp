@@ -1,7 +1,3 @@
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <limits>
 
 #include "tests/platform/ado/odbc/server_fixture.h"
@@ -15,10 +11,8 @@ using testing::IsEmpty;
 
 using Row = std::vector<Value>;
 
-class BulkWriterTest : public ServerTest {
+class BulkWriterTest : public MsSqlTest {
  protected:
-  void TearDown() override { Run("if object_id('[b]]u ''lk?]') is not null drop table " + kTable); }
-
   void MakeTable(const std::string& columns) {
     Run("create table " + kTable + " (" + columns + ")");
   }
@@ -47,7 +41,7 @@ class BulkWriterTest : public ServerTest {
     MakeTable("v " + type);
     const bool takes = Open({"v"})->Takes(Row{value});
     if (takes) Load({"v"}, {{value}});
-    TearDown();
+    Run("drop table " + kTable);
     return takes;
   }
 
@@ -103,7 +97,7 @@ TEST_F(BulkWriterTest, ValuesArriveAsTheyAre) {
   RowBlock stored;
   ASSERT_TRUE(session_->Execute("select * from " + kTable + " order by [k 1]")->Read(stored));
   ASSERT_EQ(stored.Rows(), rows.size());
-  EXPECT_THAT(Rows("select [k 1], s, n, d, t, v, p from " + kTable + " where [k 1] < 3"),
+  EXPECT_THAT(RowsOf("select [k 1], s, n, d, t, v, p from " + kTable + " where [k 1] < 3"),
               ElementsAre(ElementsAre("1", "-32768", "-1234567890123456789012345678.0123456789",
                                       "-9999", "1753-01-01 00:00:00", "caf\u00E9 \u20AC ",
                                       std::string("\1\0\0\0", 4)),
@@ -144,7 +138,7 @@ TEST_F(BulkWriterTest, MomentsAndPaddedTextsArriveAsTheirLiteralsWould) {
       "select a, convert(varchar(40), b, 121), convert(varchar(40), c, 121), convert(varchar(40), "
       "d, 121), convert(varchar(40), e, 121), f from " +
       kTable;
-  EXPECT_EQ(Rows(cells + " where k < 9 order by k"), Rows(cells + " where k >= 9 order by k"));
+  EXPECT_EQ(RowsOf(cells + " where k < 9 order by k"), RowsOf(cells + " where k >= 9 order by k"));
 }
 
 TEST_F(BulkWriterTest, NumbersOfEveryPrecisionKeepTheirDigits) {
@@ -166,7 +160,7 @@ TEST_F(BulkWriterTest, NumbersOfEveryPrecisionKeepTheirDigits) {
   for (const std::string& number : digits) row.emplace_back(Decimal{number});
   Load(names, {row});
   digits.insert(digits.begin(), "1");
-  EXPECT_THAT(Rows("select * from " + kTable), ElementsAre(digits));
+  EXPECT_THAT(RowsOf("select * from " + kTable), ElementsAre(digits));
 }
 
 TEST_F(BulkWriterTest, TakesOnlyWhatArrivesWhole) {
@@ -239,7 +233,7 @@ TEST_F(BulkWriterTest, KeepsNullsAndIdentityValuesAndAsksConstraints) {
   EXPECT_EQ(LoadError(names, {row(41, {}, {}), row(42, {}, std::int64_t{1})}), 547);
   EXPECT_EQ(LoadError(names, {row(41, {}, {}), row(40, {}, {})}), 2627);
   Run("insert into " + kTable + " (p) values (1)");
-  EXPECT_THAT(Rows("select * from " + kTable),
+  EXPECT_THAT(RowsOf("select * from " + kTable),
               ElementsAre(ElementsAre("-5", "NULL", "NULL", "NULL"),
                           ElementsAre("40", "NULL", "99", "-5"), testing::Contains("7")));
 }
@@ -248,9 +242,9 @@ TEST_F(BulkWriterTest, ALoadIsPartOfATransaction) {
   MakeTable("k int not null primary key");
   session_->BeginTransaction();
   Load({"k"}, {{std::int64_t{1}}});
-  Run("insert into " + kTable + " values (2)");
+  session_->Execute("insert into " + kTable + " values (2)");
   session_->Rollback();
-  EXPECT_THAT(Rows("select * from " + kTable), IsEmpty());
+  EXPECT_THAT(RowsOf("select * from " + kTable), IsEmpty());
 }
 
 TEST_F(BulkWriterTest, SomeTablesAreNotLoaded) {
@@ -258,7 +252,7 @@ TEST_F(BulkWriterTest, SomeTablesAreNotLoaded) {
        {"k int, d int default 1", "k sql_variant", "k xml", "k rowversion"}) {
     MakeTable(columns);
     EXPECT_THROW(Open({"k"}), ProviderError) << columns;
-    TearDown();
+    Run("drop table " + kTable);
   }
   EXPECT_THROW(Open({"k"}), ProviderError);
 }

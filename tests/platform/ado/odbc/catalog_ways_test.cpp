@@ -1,13 +1,9 @@
 // The catalog by the server's own views, and by the driver's functions where it lacks them.
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <optional>
-
-#include "platform/ado/provider.h"
+#include "tests/platform/ado/told.h"
 #include "tests/support/servers.h"
 
 namespace dorvane::ado {
@@ -80,27 +76,6 @@ Way& Functions() {
   return way;
 }
 
-std::string Told(const Column& c) {
-  return fmt::format("{} type {} size {} {}.{} attributes {} default {} {}", c.name,
-                     static_cast<int>(c.type), c.defined_size, c.precision, c.numeric_scale,
-                     c.attributes, c.default_value.value_or("none"), c.other_default);
-}
-std::string Told(const Index& i) {
-  return fmt::format("{} {}{} ({})", i.name, i.primary_key, i.unique, fmt::join(i.columns, ","));
-}
-std::string Told(const Key& k) {
-  std::string text = fmt::format("{} {} to {} rules {} {}:", k.name, static_cast<int>(k.type),
-                                 k.related_table.Text(), static_cast<int>(k.delete_rule),
-                                 static_cast<int>(k.update_rule));
-  for (const KeyColumn& each : k.columns) text += " " + each.name + "=" + each.related_column;
-  return text;
-}
-template <typename Item>
-std::vector<std::string> Told(const std::vector<Item>& items) {
-  std::vector<std::string> texts;
-  for (const Item& item : items) texts.push_back(Told(item));
-  return texts;
-}
 std::vector<std::string> TablesOf(Session& session) {
   std::vector<std::string> names;
   for (const TableInfo& table : session.Tables()) {

@@ -1,4 +1,4 @@
-#include "tests/platform/ado/odbc/tls_front.h"
+#include "tests/platform/ado/tls_front.h"
 
 #include <openssl/ssl.h>
 #include <sys/socket.h>
