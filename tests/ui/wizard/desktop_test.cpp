@@ -74,13 +74,7 @@ class FakeDesktop : public QObject {
 };
 
 void TransferBothTables(WizardDriver& driver) {
-  driver.Next();
-  driver.Click("cmdSrcConnect");
-  driver.Next();
-  driver.Click("cmdDestConnect");
-  driver.Next();
-  driver.Click("cmdMLR");
-  driver.Next();
+  driver.GoTo(page::kTransfer);
   driver.Click("cmdTransferTables");
 }
 

@@ -141,5 +141,17 @@ TEST_F(Looks, EveryControlHasANameInTheAccessibleTree) {
   EXPECT_EQ(driver.help_contexts.size(), 1u);
 }
 
+TEST_F(Looks, HelpPictureAndLogoReact) {
+  WizardDriver driver(script_);
+  auto& help = driver.Get<PictureBox>("imgHelp");
+  const QImage normal = help.Picture().toImage();
+  QTest::mouseMove(&help, {10, 10});
+  EXPECT_NE(help.Picture().toImage(), normal);
+  QTest::mouseMove(&driver.Get("picNav"), {60, 5});
+  EXPECT_EQ(help.Picture().toImage(), normal);
+  driver.Click("Image2");
+  EXPECT_EQ(driver.help_contexts, std::vector<std::int32_t>{0}) << "the help's first page";
+}
+
 }  // namespace
 }  // namespace dorvane::test

@@ -13,14 +13,6 @@ namespace {
 
 class TablesPages : public testing::Test {
  protected:
-  void GoToTables() {
-    driver_.Next();
-    driver_.Click("cmdSrcConnect");
-    driver_.Next();
-    driver_.Click("cmdDestConnect");
-    driver_.Next();
-    ASSERT_EQ(driver_.Window().CurrentPage(), page::kTables);
-  }
   void SortBy(const char* key) {
     auto& box = driver_.Get<QComboBox>("cboSortTables");
     QTest::keyClick(&box, Qt::Key_Home);
@@ -31,38 +23,6 @@ class TablesPages : public testing::Test {
   WizardDriver driver_{script_};
 };
 
-TEST_F(TablesPages, WhatTheFilterShowsIsWhatIsMoved) {
-  script_.tables = [] {
-    return NameList{"Customers", "Orders", "Orders_2024", "Orders_2025", "Old Orders", "a.b*c"};
-  };
-  GoToTables();
-  EXPECT_EQ(driver_.LabelText("lblAvailable"), "&Available tables (6):");
-  EXPECT_FALSE(driver_.IsEnabled("cmdSelectPattern"));
-  driver_.Type("txtTableFilter", "ORDERS");
-  EXPECT_EQ(driver_.Names("lstSrcTables"),
-            (NameList{"Orders", "Orders_2024", "Orders_2025", "Old Orders"}));
-  EXPECT_EQ(driver_.LabelText("lblAvailable"), "&Available tables (4 of 6):");
-  driver_.Type("txtTableFilter", "orders_????, cust*");
-  driver_.Click("cmdSelectPattern");
-  EXPECT_EQ(driver_.Names("lstDestTables"), (NameList{"Customers", "Orders_2024", "Orders_2025"}));
-  EXPECT_EQ(driver_.LabelText("lblSelected"), "Selected &tables (3):");
-  driver_.Type("txtTableFilter", "old");
-  driver_.Click("cmdMLR");
-  EXPECT_EQ(driver_.Names("lstDestTables").back(), "Old Orders");
-  driver_.Click("cmdSRL");
-  driver_.Click("cmdSRL");
-  EXPECT_EQ(driver_.Names("lstSrcTables"), NameList{"Old Orders"}) << "the other one is hidden";
-  EXPECT_EQ(driver_.LabelText("lblAvailable"), "&Available tables (1 of 4):");
-  driver_.Type("txtTableFilter", "a.b*c");
-  EXPECT_EQ(driver_.Names("lstSrcTables"), NameList{"a.b*c"});
-  driver_.Type("txtTableFilter", "");
-  EXPECT_EQ(driver_.Names("lstSrcTables"),
-            (NameList{"Orders", "a.b*c", "Old Orders", "Orders_2025"}));
-  driver_.Click("cmdMLR");
-  EXPECT_EQ(driver_.Names("lstDestTables").size(), 6u);
-  EXPECT_TRUE(driver_.Names("lstSrcTables").empty());
-}
-
 TEST_F(TablesPages, SizesComeWhileOneChoosesAndSortTheTables) {
   std::binary_semaphore asked{0};
   script_.tables = [] { return NameList{"a", "b", "c", "d"}; };
@@ -70,7 +30,7 @@ TEST_F(TablesPages, SizesComeWhileOneChoosesAndSortTheTables) {
     EXPECT_TRUE(asked.try_acquire_for(std::chrono::seconds(20)));
     return std::vector<TableSize>{{"a", 10, 900'000}, {"b", 2'000'000, 70'000}, {"c", 30, 8'192}};
   };
-  GoToTables();
+  driver_.GoTo(page::kTables);
   driver_.Click("cmdSLR");
   EXPECT_EQ(driver_.Names("lstDestTables"), NameList{"a"}) << "before the server has answered";
   asked.release();
@@ -95,7 +55,7 @@ TEST_F(TablesPages, WhoLeavesWhileTheServerCountsSeesNoWindowAnyMore) {
     ended.acquire();
     return std::vector<TableSize>();
   };
-  GoToTables();
+  driver_.GoTo(page::kTables);
   driver_.Window().close();
   EXPECT_FALSE(driver_.Window().isVisible());
   EXPECT_FALSE(driver_.closed) << "the connection is open";

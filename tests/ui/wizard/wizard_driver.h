@@ -1,11 +1,15 @@
 #pragma once
 
 #include <QApplication>
+#include <QComboBox>
 #include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QTest>
 #include <QTimer>
 #include <atomic>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -78,6 +82,21 @@ class WizardDriver {
   }
   void Next() { Click("cmdNav3"); }
   void Back() { Click("cmdNav2"); }
+  /// On to a page; those before it are connected, and every table is chosen.
+  void GoTo(int page) {
+    static const std::map<int, const char*> kButtons = {
+        {page::kMsSqlSource, "cmdSrcConnect"},
+        {page::kMySqlDestination, "cmdDestConnect"},
+        {page::kMySqlSource, "cmdDir2MysqlConnect"},
+        {page::kMsSqlDestination, "cmdDir2MsSqlConnect"},
+        {page::kTables, "cmdMLR"}};
+    while (wizard_.CurrentPage() != page) {
+      const int before = wizard_.CurrentPage();
+      if (const auto found = kButtons.find(before); found != kButtons.end()) Click(found->second);
+      Next();
+      if (wizard_.CurrentPage() == before) throw std::logic_error("the page can't be left");
+    }
+  }
   void Type(const char* name, const QString& text) {
     auto& field = Get<QLineEdit>(name);
     field.setFocus();
@@ -88,6 +107,17 @@ class WizardDriver {
   /// Whether the control has the focus while the wizard is the active window.
   bool HasFocus(const char* name) { return wizard_.focusWidget() == &Get(name); }
   QString Text(const char* name) { return Get<QLineEdit>(name).text(); }
+  /// What a control shows; a bar shows "3 of 10".
+  QString Shown(const char* name) {
+    QWidget& control = Get(name);
+    if (auto* button = qobject_cast<GradientButton*>(&control)) return button->Caption();
+    if (auto* box = qobject_cast<QComboBox*>(&control)) return box->currentText();
+    if (auto* text = qobject_cast<QPlainTextEdit*>(&control)) return text->toPlainText();
+    if (auto* bar = qobject_cast<QProgressBar*>(&control)) {
+      return QString("%1 of %2").arg(bar->value()).arg(bar->maximum());
+    }
+    return control.property("text").toString();
+  }
   QString LabelText(const char* name) { return Get<QLabel>(name).text(); }
   bool IsEnabled(const char* name) {
     QWidget& control = Get(name);
@@ -96,7 +126,8 @@ class WizardDriver {
   /// The entries of a list, of a table its first column, as they are shown.
   NameList Names(const char* list) { return Column(list, 0); }
   NameList Column(const char* list, int column) {
-    const QAbstractItemModel& model = *Get<QAbstractItemView>(list).model();
+    const auto* box = qobject_cast<QComboBox*>(&Get(list));
+    const QAbstractItemModel& model = box ? *box->model() : *Get<QAbstractItemView>(list).model();
     NameList texts;
     for (int row = 0; row < model.rowCount(); ++row) {
       texts.push_back(model.index(row, column).data().toString().toStdString());
