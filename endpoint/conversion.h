@@ -102,6 +102,10 @@ class Conversion {
   ado::TableName DestTableOf(const std::string& listed) { return DestTable(SourceTable(listed)); }
   /// True when a table of this run stands in another schema than the login's.
   bool HasSchemas() const;
+  /// True in a rehearsal for a table of the destination that has been dropped, or made anew.
+  bool IsToBeDropped(const ado::TableName& dest_table) const {
+    return references_ && references_->IsDropped(dest_table);
+  }
   /// In a rehearsal, throws DestinationFailure when the destination would refuse a relationship
   /// since the table that it refers to will not be there. The tables are the destination's.
   void RehearseRelationship(const std::string& name, const ado::TableName& table,

@@ -77,8 +77,7 @@ void Conversion::RehearseRelationship(const std::string& name, const ado::TableN
   NeedRight(TableRight::Alter, table);
   NeedRight(TableRight::Refer, referenced);
   if (IsMade(referenced)) return;
-  const bool is_dropped = references_ && references_->IsDropped(referenced);
-  if (!is_dropped && !destination_->Columns(referenced).empty()) return;
+  if (!IsToBeDropped(referenced) && !destination_->Columns(referenced).empty()) return;
   const bool is_ms_sql = DestinationKind() == ServerKind::MsSql;
   const std::int32_t hresult = is_ms_sql ? ado::hresult::kErrorsInCommand : ado::hresult::kFail;
   const auto refuse = [&](std::int32_t number, const std::string& words) {

@@ -110,6 +110,8 @@ class MsSqlToMySql : public Conversion {
                                     NameForm form);
   /// The table that a key refers to, as its statement names it.
   ado::TableName ReferencedTable(const ado::TableName& table, const ado::Key& key);
+  /// For a rehearsal: throws DestinationFailure when the database will have a key of that name.
+  void RehearseName(const ado::TableName& dest_table, const std::string& name);
   bool ReportRelationship(const ado::TableName& table, const ado::Key& key,
                           const DestinationFailure& failure);
   /// True when the destination's table has a foreign key of that name.
@@ -118,7 +120,9 @@ class MsSqlToMySql : public Conversion {
   void ReportOrphans(const ado::TableName& dest_name);
 
   std::set<ado::TableName> unchecked_tables_;  // names on the destination
-  std::optional<bool> new_takes_blocks_;       // unknown before the first new table
+  // Databases and names in lower case of the keys that a rehearsal has made.
+  std::set<std::pair<std::string, std::string>> relationship_names_;
+  std::optional<bool> new_takes_blocks_;  // unknown before the first new table
 };
 
 }  // namespace dorvane::to_mysql

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::string_view kTitle = "Creating Relationship Error";
 constexpr std::int32_t kSyntax = 1064;
+constexpr std::int32_t kNameTaken = 1826;
 constexpr std::int32_t kCannotCreateTable = 1005;  // its words hold the reason's number
 
 enum class Refusal { Other, CannotBeMade, ExistsAlready };
@@ -172,6 +173,7 @@ bool MsSqlToMySql::AddRelationship(const ado::TableName& table, ado::Key key) {
   for (;;) {
     try {
       RehearseRelationship(key.name, DestTable(table), DestTable(key.related_table));
+      if (IsRehearsing()) RehearseName(DestTable(table), key.name);
       RehearseRelatedRows(table, key);
       ExecuteOn(Destination(), RelationshipStatement(table, key, form));
       if (SetsDefault(key)) {
@@ -203,6 +205,22 @@ bool MsSqlToMySql::AddRelationship(const ado::TableName& table, ado::Key key) {
       form = NameForm::Quoted;
     }
   }
+}
+
+void MsSqlToMySql::RehearseName(const ado::TableName& dest_table, const std::string& name) {
+  bool is_taken = !relationship_names_.emplace(dest_table.schema, text::ToLower(name)).second;
+  ado::Recordset owners = Destination().Execute(
+      fmt::format("select table_name from information_schema.referential_constraints where "
+                  "constraint_schema = {} and constraint_name = '{}'",
+                  SchemaText(dest_table), Quote(name)));
+  for (; !owners.AtEnd(); owners.MoveNext()) {
+    is_taken = is_taken || !IsToBeDropped({dest_table.schema, owners.Field(0).Text()});
+  }
+  if (!is_taken) return;
+  const ado::ProviderError refusal =
+      dorvane::Refusal(ServerKind::MySql, kNameTaken,
+                       fmt::format("Duplicate foreign key constraint name '{}'", name));
+  throw DestinationFailure(refusal, refusal.Entries());
 }
 
 bool MsSqlToMySql::ReportRelationship(const ado::TableName& table, const ado::Key& key,

@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -8,6 +9,7 @@
 #include "job/last_settings.h"
 #include "tests/support/plain_endpoint.h"
 #include "tests/support/process.h"
+#include "tests/support/table.h"
 #include "tests/support/temp_folder.h"
 
 namespace dorvane {
@@ -46,6 +48,7 @@ std::string WithLine(int number, const std::string& line) {
 }
 
 TEST(ConversionSettings, ReadsNineteenLinesAndWritesThemBack) {
+  EXPECT_EQ(Read(WithLine(3, "65535")).src->PortNo(), 65535) << "the highest";
   const ConversionSettings settings = Read(kSales);
   EXPECT_EQ(settings.src->Kind(), ServerKind::MsSql);
   EXPECT_EQ(settings.src->Password(), "pw-1");
@@ -71,52 +74,35 @@ TEST(ConversionSettings, SplitsTheTableLineAtEverySeparator) {
   EXPECT_THAT(Read(WithLine(14, "a:<::<:b:<:")).tables, ElementsAre("a", "", "b", ""));
 }
 
-TEST(ConversionSettings, BadLinesFailByKind) {
+/// The error and the message that settings are refused with.
+std::pair<std::int32_t, std::string> RefusalOf(const std::string& bytes) {
+  try {
+    Read(bytes);
+  } catch (const RunTimeError& error) {
+    return {error.Number(), error.Description()};
+  }
+  return {};
+}
+
+TEST(ConversionSettings, BadLinesFailByKindAndAreNamed) {
   EXPECT_THROW(Read(WithLine(1, "3")), UnexpectedDirection);
   EXPECT_THROW(Read(WithLine(1, "1 ")), UnexpectedDirection);
+  for (const auto& cells : test::ReadTable("job/bad_settings.txt")) {
+    const int line = std::stoi(cells.at(0));
+    const std::string& text = cells.at(1);
+    const auto [number, message] =
+        RefusalOf(line < 20 ? WithLine(line, text) : kSales + std::string(line - 20, '\n') + text);
+    EXPECT_EQ(number, std::stoi(cells.at(2))) << text;
+    EXPECT_THAT(message, HasSubstr(cells.at(3)));
+    EXPECT_THAT(message, testing::EndsWith(fmt::format("(line {} of file.dcs{}{})", line,
+                                                       text.empty() ? "" : ": ", text)));
+  }
   const std::string full = kSales;
   const auto last_line = full.rfind("\r\n", full.size() - 3) + 2;
-  struct Case {
-    std::string bytes;
-    std::int32_t number;
-    std::string place;  // where the message sends a person
-  };
-  const Case cases[] = {
-      {WithLine(3, "70000"), run_time::kOverflow, "(line 3 of file.dcs: 70000)"},
-      {WithLine(9, "port"), run_time::kTypeMismatch, "(line 9 of file.dcs: port)"},
-      {WithLine(6, "maybe"), run_time::kTypeMismatch, "(line 6 of file.dcs: maybe)"},
-      {WithLine(16, ""), run_time::kTypeMismatch, "(line 16 of file.dcs)"},
-      {full.substr(0, last_line), run_time::kInputPastEnd, "(line 19 of file.dcs)"},
-      {"", run_time::kInputPastEnd, "(line 1 of file.dcs)"},
-      {full + "Encription source=required\r\n", run_time::kInvalidArgument,
-       "There is no such option (line 20 of file.dcs: Encription source=required)"},
-      {full + "\r\nverified", run_time::kInvalidArgument, "(line 21 of file.dcs: verified)"},
-      {full + "Encryption source=on", run_time::kTypeMismatch,
-       "Encryption source: not offered, required or verified (line 20 of file.dcs: Encryption "
-       "source=on)"},
-      {full + "Idle limit=", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=)"},
-      {full + "Types=modern", run_time::kTypeMismatch, "(line 20 of file.dcs: Types=modern)"},
-      {full + "Schemas=both", run_time::kTypeMismatch, "(line 20 of file.dcs: Schemas=both)"},
-      {full + "Destination schema=x", run_time::kInvalidArgument,
-       "Destination schema: for conversions from MySQL to SQL Server only (line 20 of file.dcs: "
-       "Destination schema=x)"},
-      {full + "Idle limit=-1", run_time::kTypeMismatch, "(line 20 of file.dcs: Idle limit=-1)"},
-      {full + "Idle limit=2147484", run_time::kOverflow,
-       "(line 20 of file.dcs: Idle limit=2147484)"},
-      {full + "Idle limit=99999999999", run_time::kOverflow, "Idle limit=99999999999)"},
-      {full + "Tables at once=0", run_time::kOverflow, "Tables at once=0)"},
-      {full + "Tables at once=9", run_time::kOverflow, "Tables at once=9)"},
-      {full + "Report=r.txt", run_time::kTypeMismatch,
-       "Report: no name of a .html or .json file (line 20 of file.dcs: Report=r.txt)"}};
-  for (const auto& [bytes, number, place] : cases) {
-    try {
-      Read(bytes);
-      ADD_FAILURE() << bytes;
-    } catch (const RunTimeError& error) {
-      EXPECT_EQ(error.Number(), number) << bytes;
-      EXPECT_THAT(error.Description(), testing::EndsWith(place));
-    }
-  }
+  EXPECT_EQ(RefusalOf("").first, run_time::kInputPastEnd);
+  const auto [number, message] = RefusalOf(full.substr(0, last_line));
+  EXPECT_EQ(number, run_time::kInputPastEnd);
+  EXPECT_THAT(message, testing::EndsWith("(line 19 of file.dcs)"));
 }
 
 TEST(ConversionSettings, OptionsFollowTheLastLineAndAreWrittenBack) {
@@ -204,12 +190,6 @@ TEST(ConversionSettings, NamesOfEveryScriptAreKept) {
               testing::StartsWith("1\r\n"));
 }
 
-TEST(ConversionSettings, PortsGoUpToTheHighest) {
-  EXPECT_EQ(Read(WithLine(3, "65535")).src->PortNo(), 65535);
-  EXPECT_THROW(Read(WithLine(3, "65536")), RunTimeError);
-  EXPECT_THROW(Read(WithLine(3, "-1")), RunTimeError);
-}
-
 TEST(LastSettings, AreSavedForTheNextStart) {
   const TempFolder folder;
   PlainEndpoint src(ServerKind::MySql);
@@ -231,26 +211,19 @@ TEST(LastSettings, AreSavedForTheNextStart) {
   EXPECT_EQ(loaded.PlainPassword(LastSettings::kSrcPassword), "Geheim 1");
 }
 
-TEST(LastSettings, APasswordThatCannotBeKeptIsLeftOut) {
+TEST(LastSettings, WhatTheFileCannotHoldIsLeftOut) {
   const TempFolder folder;
   for (const char* password : {"пароль", "pässword"}) {
     PlainEndpoint src(ServerKind::MySql);
+    src.SetServer("сервер");
+    src.SetUserId("üser");
     src.SetPassword(password);
     SaveLastSettings(folder.Path(), src, PlainEndpoint(ServerKind::MsSql));
     const LastSettings loaded = LoadLastSettings(folder.Path(), [](auto) { FAIL(); });
+    EXPECT_EQ(loaded[LastSettings::kSrcServer], "");
+    EXPECT_EQ(loaded[LastSettings::kSrcUser], "üser");
     EXPECT_EQ(loaded.PlainPassword(LastSettings::kSrcPassword), "") << password;
   }
-}
-
-TEST(LastSettings, WhatTheFileCannotHoldIsLeftOut) {
-  const TempFolder folder;
-  PlainEndpoint src(ServerKind::MySql);
-  src.SetServer("сервер");
-  src.SetUserId("üser");
-  SaveLastSettings(folder.Path(), src, PlainEndpoint(ServerKind::MsSql));
-  const LastSettings loaded = LoadLastSettings(folder.Path(), [](auto) { FAIL(); });
-  EXPECT_EQ(loaded[LastSettings::kSrcServer], "");
-  EXPECT_EQ(loaded[LastSettings::kSrcUser], "üser");
 }
 
 TEST(LastSettings, AMissingFileGivesTheDefaultsQuietly) {

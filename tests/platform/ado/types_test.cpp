@@ -1,9 +1,9 @@
 // What a column of each type is to the catalog and to a result, and its values on their way. The
 // types of a server are the lines of a file.
-#include <fstream>
 #include <map>
 
 #include "tests/platform/ado/server_test.h"
+#include "tests/support/table.h"
 
 namespace dorvane::ado {
 
@@ -73,25 +73,9 @@ std::string Expanded(std::string text) {
   return repeated;
 }
 
-std::vector<std::string> Cells(const std::string& line) {
-  std::vector<std::string> cells;
-  for (std::size_t start = 0; start <= line.size();) {
-    const std::size_t end = std::min(line.find('|', start), line.size());
-    const std::string cell = line.substr(start, end - start);
-    const std::size_t first = std::min(cell.find_first_not_of(' '), cell.size());
-    cells.push_back(cell.substr(first, cell.find_last_not_of(' ') + 1 - first));
-    start = end + 1;
-  }
-  return cells;
-}
-
-std::vector<TypeCase> ReadCases(const char* file) {
+std::vector<TypeCase> ReadCases(const std::string& file) {
   std::vector<TypeCase> cases;
-  std::ifstream lines(std::string(TYPES_FOLDER "/") + file);
-  EXPECT_TRUE(lines) << file;
-  for (std::string line; std::getline(lines, line);) {
-    if (line.starts_with('#')) continue;
-    const std::vector<std::string> cells = Cells(line);
+  for (const std::vector<std::string>& cells : test::ReadTable("platform/ado/" + file)) {
     cases.push_back({cells.at(0),
                      {.name = {},
                       .type = kTypes.at(cells.at(1)),

@@ -8,27 +8,28 @@ namespace dorvane::ado::odbc {
 
 namespace {
 
-std::int32_t StatementNumber(const std::string& state, std::int32_t native) {
-  return StatementError({{state, native, "text"}}).Number();
-}
-
 TEST(StatementFailure, HasTheNumberOfItsClass) {
-  EXPECT_EQ(StatementNumber("23000", 2627), hresult::kIntegrityViolation);
-  EXPECT_EQ(StatementNumber("42000", 102), hresult::kErrorsInCommand);
-  EXPECT_EQ(StatementNumber("42S02", 208), hresult::kErrorsInCommand);
-  EXPECT_EQ(StatementNumber("21S01", 213), hresult::kErrorsInCommand);
-  EXPECT_EQ(StatementNumber("22007", 241), hresult::kErrorsOccurred);
-  EXPECT_EQ(StatementNumber("22001", 8152), hresult::kDataOverflow);
-  EXPECT_EQ(StatementNumber("HYT00", 0), hresult::kTimeout);
-  EXPECT_EQ(StatementNumber("08S01", 20006), hresult::kFail);
-  EXPECT_EQ(StatementNumber("40001", 1205), hresult::kFail);
-}
-
-TEST(StatementFailure, IsKnownByTheServersNumberWhereTheDriverGivesNoClass) {
-  EXPECT_EQ(StatementNumber("42000", 2628), hresult::kDataOverflow);
-  EXPECT_EQ(StatementNumber("42000", 547), hresult::kIntegrityViolation);
-  EXPECT_EQ(StatementNumber("42000", 8114), hresult::kErrorsOccurred);
-  EXPECT_EQ(StatementNumber("HY019", 220), hresult::kErrorsOccurred);
+  using namespace hresult;
+  const struct {
+    const char* state;
+    std::int32_t native, number;
+  } cases[] = {{"23000", 2627, kIntegrityViolation},
+               {"42000", 102, kErrorsInCommand},
+               {"42S02", 208, kErrorsInCommand},
+               {"21S01", 213, kErrorsInCommand},
+               {"22007", 241, kErrorsOccurred},
+               {"22001", 8152, kDataOverflow},
+               {"HYT00", 0, kTimeout},
+               {"08S01", 20006, kFail},
+               {"40001", 1205, kFail},
+               // by the server's number where the driver gives no class
+               {"42000", 2628, kDataOverflow},
+               {"42000", 547, kIntegrityViolation},
+               {"42000", 8114, kErrorsOccurred},
+               {"HY019", 220, kErrorsOccurred}};
+  for (const auto& [state, native, number] : cases) {
+    EXPECT_EQ(StatementError({{state, native, "text"}}).Number(), number) << state << native;
+  }
 }
 
 TEST(StatementFailure, ListsErrorsInTheServersOrderWithoutItsRemarks) {
@@ -47,29 +48,45 @@ TEST(StatementFailure, IsNeverWithoutAnEntry) {
   EXPECT_EQ(StatementError({{"01000", 1, "only a remark"}}).Entries().size(), 1U);
 }
 
-/// The native error that a failed logon is told apart by: the one of the second entry.
-std::int32_t LogonNumber(const Diagnostics& records, const ConnectionSettings& settings = {}) {
-  const ProviderError error = LogonError(records, settings);
-  EXPECT_GE(error.Entries().size(), 2U);
-  EXPECT_EQ(error.Entries()[0].native_error, 0);
-  EXPECT_EQ(error.Description(), error.Entries()[1].description);
-  return error.Entries()[1].native_error;
-}
-
-TEST(LogonFailure, IsServerNotFoundWhateverKeepsTheServerAway) {
-  EXPECT_EQ(LogonNumber({{"08S01", 20009, "Unavailable"}, {"08001", 0, "Unable"}}), 17);
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20013, "Unknown host"}}), 17);
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20017, "End"}, {"01000", 20002, "F"}}),
-            17);
-  EXPECT_EQ(LogonNumber({{"HYT00", 0, "Timeout expired"}, {"08001", 0, "Unable"}}), 17);
-  EXPECT_EQ(LogonNumber({{"08001", 11001, "Name or service not known"}}), 17);
-}
-
-TEST(LogonFailure, GivesTheServersOwnErrorWhereverItStands) {
-  EXPECT_EQ(LogonNumber({{"42000", 18456, "Login failed"}, {"08001", 0, "Unable"}}), 18456);
-  EXPECT_EQ(LogonNumber({{"28000", 18456, "Login failed"}}), 18456);
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"42000", 18470, "Account disabled"}}), 18470);
-  EXPECT_EQ(LogonNumber({{"42000", 911, "No such database"}, {"08001", 0, "Unable"}}), 911);
+TEST(LogonFailure, IsTheServersOwnErrorElseWhatKeepsItAway) {
+  constexpr int kNotFound = 17, kTlsFailure = 18, kUntrusted = 18452;
+  const ConnectionSettings plain;
+  const ConnectionSettings trusted{.integrated_security = true};
+  const ConnectionSettings verified{.encryption = Encryption::Verified};
+  const Diagnostics unavailable{{"08S01", 20009, "Unavailable"}, {"08001", 0, "Unable"}};
+  const Diagnostics failed{{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}};
+  const Diagnostics ended{{"08001", 0, "Unable"}, {"01000", 20017, "End"}, {"01000", 20002, "F"}};
+  const Diagnostics no_name{{"08001", 11001, "Name or service not known"}};
+  const struct {
+    ConnectionSettings settings;
+    Diagnostics records;
+    int number;
+  } cases[] = {
+      {plain, unavailable, kNotFound},
+      {plain, {{"08001", 0, "Unable"}, {"01000", 20013, "Unknown host"}}, kNotFound},
+      {plain, ended, kNotFound},
+      {plain, {{"HYT00", 0, "Timeout expired"}, {"08001", 0, "Unable"}}, kNotFound},
+      {plain, no_name, kNotFound},
+      {plain, failed, kNotFound},
+      {plain, {{"42000", 18456, "Login failed"}, {"08001", 0, "Unable"}}, 18456},
+      {plain, {{"28000", 18456, "Login failed"}}, 18456},
+      {plain, {{"08001", 0, "Unable"}, {"42000", 18470, "Account disabled"}}, 18470},
+      {plain, {{"42000", 911, "No such database"}, {"08001", 0, "Unable"}}, 911},
+      {trusted, failed, kUntrusted},
+      {trusted, {{"42000", kUntrusted, "Untrusted domain"}, {"08001", 0, "Unable"}}, kUntrusted},
+      {trusted, unavailable, kNotFound},
+      {verified, failed, kTlsFailure},
+      {verified, {{"08001", -1, "SSL Provider: certificate verify failed"}}, kTlsFailure},
+      {verified, no_name, kNotFound},
+      {verified, ended, kNotFound}};
+  for (const auto& [settings, records, number] : cases) {
+    const ProviderError error = LogonError(records, settings);
+    ASSERT_GE(error.Entries().size(), 2U);
+    EXPECT_EQ(error.Entries()[0].native_error, 0);
+    EXPECT_EQ(error.Entries()[1].native_error, number)
+        << settings.integrated_security << static_cast<int>(settings.encryption);
+    EXPECT_EQ(error.Description(), error.Entries()[1].description);
+  }
 }
 
 TEST(LogonFailure, PutsAMissingDatabaseBeforeTheRefusedLogin) {
@@ -80,25 +97,6 @@ TEST(LogonFailure, PutsAMissingDatabaseBeforeTheRefusedLogin) {
   ASSERT_EQ(error.Entries().size(), 3U);
   EXPECT_EQ(error.Entries()[1].native_error, 4060);
   EXPECT_EQ(error.Entries()[2].native_error, 18456);
-}
-
-TEST(LogonFailure, OfATrustedConnectionIsAMissingTicketUnlessTheServerWasNotReached) {
-  const ConnectionSettings trusted{.integrated_security = true};
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}}, trusted), 18452);
-  EXPECT_EQ(LogonNumber({{"42000", 18452, "Untrusted domain"}, {"08001", 0, "Unable"}}, trusted),
-            18452);
-  EXPECT_EQ(LogonNumber({{"08S01", 20009, "Unavailable"}, {"08001", 0, "Unable"}}, trusted), 17);
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}}), 17);
-}
-
-TEST(LogonFailure, OfADemandForTlsIsItsOwnUnlessTheServerWasNotReached) {
-  const ConnectionSettings verified{.encryption = Encryption::Verified};
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20002, "Failed"}}, verified), 18);
-  EXPECT_EQ(LogonNumber({{"08001", -1, "SSL Provider: certificate verify failed"}}, verified), 18);
-  EXPECT_EQ(LogonNumber({{"08001", 11001, "Name or service not known"}}, verified), 17);
-  EXPECT_EQ(LogonNumber({{"08001", 0, "Unable"}, {"01000", 20017, "End"}, {"01000", 20002, "F"}},
-                        verified),
-            17);
 }
 
 TEST(LogonFailure, OfADriverThatCannotBeLoadedIsAMissingProvider) {
