@@ -81,30 +81,6 @@ TEST_F(UnattendedRun, TheLogOfUtf8SettingsIsUtf8) {
   EXPECT_EQ(Log(), mark_ + "Converting table 'таблица' ..... \r\n");
 }
 
-TEST_F(UnattendedRun, AnythingReportedFailsTheRun) {
-  EXPECT_EQ(Run([](IConversionListener& listener) {
-              listener.ErrorOccured("went wrong", 16, "MySQL");
-              listener.ConversionEnded();
-            }),
-            RunStatus::Failed);
-  EXPECT_THAT(Log(), HasSubstr("MySQL - went wrong\r\n"));
-  EXPECT_EQ(Run([](IConversionListener& listener) {
-              listener.TableConversionFailed("a");
-              listener.ConversionEnded();
-            }),
-            RunStatus::Failed);
-}
-
-TEST_F(UnattendedRun, AConnectionFailureIsItsLogLineAndNoEnd) {
-  EXPECT_EQ(Run([this](IConversionListener& listener) {
-              listener.ConversionStarted(2, false);
-              host_->ConnectionFailed({"for a person", "Conversion Failed! for the log", "title"});
-            }),
-            RunStatus::Failed);
-  EXPECT_THAT(Log(), HasSubstr("Conversion Failed! for the log\r\n"));
-  EXPECT_THAT(Log(), Not(HasSubstr("ended")));
-}
-
 TEST_F(UnattendedRun, ARunThatBreaksOffIsReportedAsFarAsItCame) {
   const std::string report = folder_ / "r.json";
   options_ = "Report=" + report + "\r\nReport=" + (folder_ / "missing/r.html").string() + "\r\n";
@@ -136,28 +112,52 @@ TEST_F(UnattendedRun, AReportThatCannotBeWrittenFailsTheRunAlone) {
   EXPECT_THAT(Log(), HasSubstr("missing/r.json cannot be written: "));
 }
 
-TEST_F(UnattendedRun, EveryFailureIsInTheLogAndNotesAreNoFailure) {
+TEST_F(UnattendedRun, AnythingReportedFailsTheRunAndIsALineOfTheLog) {
+  const std::pair<std::function<void(IConversionListener&)>, const char*> cases[] = {
+      {[](IConversionListener& l) { l.ErrorOccured("went wrong", 16, "MySQL"); },
+       "MySQL - went wrong\r\n"},
+      {[](IConversionListener& l) { l.TableConversionFailed("a"); }, ""},
+      {[this](IConversionListener&) {
+         host_->UnclassifiedFailure("Failed to convert table a", 16, "Table Conversion");
+       },
+       "Table Conversion - Failed to convert table a\r\n"},
+      {[](IConversionListener& l) {
+         l.TableConversionStarted("evil\x1B[2J");
+         l.ErrorOccured("Duplicate entry 'x\r\nDone!\r\n'", 16, "Insertion Error");
+       },
+       "Converting table 'evil\\x1B[2J' ..... \r\n"
+       "Insertion Error - Duplicate entry 'x\\r\\nDone!\\r\\n'\r\n"},
+      {[this](IConversionListener& l) {
+         l.TableConversionStarted("a");
+         host_->Inform("Table a: 3 rows were there already");
+         l.TableConversionSuccessed("a");
+         l.TableConversionStarted("b");
+         l.ErrorOccured("5 of 9 rows were not copied", 16, "Insertion Error");
+         l.TableConversionSuccessed("b");
+       },
+       "Converting table 'a' ..... \r\n"
+       "Note - Table a: 3 rows were there already\r\nDone!\r\n"
+       "Converting table 'b' ..... \r\n"
+       "Insertion Error - 5 of 9 rows were not copied\r\n"
+       "Done, with errors.\r\n"}};
+  for (const auto& [tell, line] : cases) {
+    const auto tell_and_end = [&](IConversionListener& listener) {
+      tell(listener);
+      listener.ConversionEnded();
+    };
+    EXPECT_EQ(Run(tell_and_end), RunStatus::Failed) << line;
+    EXPECT_THAT(Log(), HasSubstr(line));
+  }
+}
+
+TEST_F(UnattendedRun, AConnectionFailureIsItsLogLineAndNoEnd) {
   EXPECT_EQ(Run([this](IConversionListener& listener) {
-              host_->UnclassifiedFailure("Failed to convert table a", 16, "Table Conversion");
-              listener.ConversionEnded();
+              listener.ConversionStarted(2, false);
+              host_->ConnectionFailed({"for a person", "Conversion Failed! for the log", "title"});
             }),
             RunStatus::Failed);
-  EXPECT_THAT(Log(), HasSubstr("Table Conversion - Failed to convert table a\r\n"));
-  EXPECT_EQ(Run([this](IConversionListener& listener) {
-              listener.TableConversionStarted("a");
-              host_->Inform("Table a: 3 rows were there already");
-              listener.TableConversionSuccessed("a");
-              listener.TableConversionStarted("b");
-              listener.ErrorOccured("5 of 9 rows were not copied", 16, "Insertion Error");
-              listener.TableConversionSuccessed("b");
-              listener.ConversionEnded();
-            }),
-            RunStatus::Failed);
-  EXPECT_THAT(Log(), HasSubstr("Converting table 'a' ..... \r\n"
-                               "Note - Table a: 3 rows were there already\r\nDone!\r\n"
-                               "Converting table 'b' ..... \r\n"
-                               "Insertion Error - 5 of 9 rows were not copied\r\n"
-                               "Done, with errors.\r\n"));
+  EXPECT_THAT(Log(), HasSubstr("Conversion Failed! for the log\r\n"));
+  EXPECT_THAT(Log(), Not(HasSubstr("ended")));
 }
 
 TEST_F(UnattendedRun, ASignalEndsItInOrder) {
@@ -177,17 +177,6 @@ TEST_F(UnattendedRun, ASignalEndsItInOrder) {
                 std::raise(SIGTERM);
               }),
               testing::KilledBySignal(SIGTERM), "");
-}
-
-TEST_F(UnattendedRun, AMessageIsOneLineWhateverItHolds) {
-  EXPECT_EQ(Run([](IConversionListener& listener) {
-              listener.TableConversionStarted("evil\x1B[2J");
-              listener.ErrorOccured("Duplicate entry 'x\r\nDone!\r\n'", 16, "Insertion Error");
-              listener.ConversionEnded();
-            }),
-            RunStatus::Failed);
-  EXPECT_THAT(Log(), HasSubstr("Converting table 'evil\\x1B[2J' ..... \r\n"
-                               "Insertion Error - Duplicate entry 'x\\r\\nDone!\\r\\n'\r\n"));
 }
 
 TEST_F(UnattendedRun, AStandardErrorThatTakesNothingIsNoReasonToFail) {

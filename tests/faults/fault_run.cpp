@@ -160,21 +160,15 @@ void FaultRunner::Compare(const Scenario& scenario, const std::string& database,
                           const std::string& table, bool with_indexes,
                           std::vector<std::string>& faults) const {
   try {
-    const Content expected = stage_.ContentOf(scenario.source, "source", table);
-    const Content found = stage_.ContentOf(DestinationOf(scenario), database, table);
-    if (expected.has_primary_key != found.has_primary_key) {
-      faults.push_back(fmt::format("table {} lacks its primary key", table));
-    }
-    if (with_indexes && expected.indexes != found.indexes) {
-      faults.push_back(
-          fmt::format("table {} has {} indexes of {}", table, found.indexes, expected.indexes));
-    }
-    if (expected.rows == found.rows) return;
-    const auto [one, other] = std::ranges::mismatch(expected.rows, found.rows);
-    faults.push_back(fmt::format("table {} has {} rows of {}, the first that differs: '{}', '{}'",
-                                 table, found.rows.size(), expected.rows.size(),
-                                 one == expected.rows.end() ? "" : *one,
-                                 other == found.rows.end() ? "" : *other));
+    const std::vector<std::string> expected =
+        stage_.ContentOf(scenario.source, "source", table, with_indexes);
+    const std::vector<std::string> found =
+        stage_.ContentOf(DestinationOf(scenario), database, table, with_indexes);
+    if (expected == found) return;
+    const auto [one, other] = std::ranges::mismatch(expected, found);
+    faults.push_back(fmt::format(
+        "table {} has {} facts of {}, the first that differs: '{}', '{}'", table, found.size(),
+        expected.size(), one == expected.end() ? "" : *one, other == found.end() ? "" : *other));
   } catch (const RunTimeError& error) {
     faults.push_back(fmt::format("table {} cannot be read: {}", table, error.Description()));
   }

@@ -16,13 +16,6 @@ namespace dorvane::test {
 inline const NameList kStageTables = {"First", "Big", "Loose", "Last"};
 inline const NameList kKeyedTables = {"First", "Big", "Last"};
 
-/// What a table holds.
-struct Content {
-  bool has_primary_key = false;
-  std::size_t indexes = 0;        // with the primary key
-  std::vector<std::string> rows;  // as text, in the order of their numbers
-};
-
 /// A server of either kind with the same tables, and a proxy in front of each. What a server has
 /// committed outlives its death.
 class Stage {
@@ -31,7 +24,7 @@ class Stage {
 
   SmallDisk& Disk() { return disk_; }
   PrivateMySql& MySql() { return *my_sql_; }
-  SandboxServer& MsSql() { return *ms_sql_; }
+  PrivateServer& ServerOf(ServerKind server);
   Proxy& ProxyOf(ServerKind server) {
     return server == ServerKind::MySql ? *my_sql_proxy_ : *ms_sql_proxy_;
   }
@@ -41,13 +34,15 @@ class Stage {
   void DropDatabase(ServerKind server, const std::string& database);
   /// How to log on as the servers' administrator, past the proxy.
   ado::ConnectionSettings Settings(ServerKind server, const std::string& database) const;
-  /// Ends it as a crash would, and starts it again.
-  void Restart(ServerKind server);
-  void Signal(ServerKind server, int number) const;
-  /// Throws RunTimeError.
-  Content ContentOf(ServerKind server, const std::string& database, const std::string& table) const;
+  /// What a table holds: whether it has a primary key, how many indexes if these are asked for, and
+  /// its rows in the order of their numbers. Throws RunTimeError.
+  std::vector<std::string> ContentOf(ServerKind server, const std::string& database,
+                                     const std::string& table, bool with_indexes) const;
 
  private:
+  /// As the administrator, in no database. Throws RunTimeError.
+  void Execute(ServerKind server, const std::string& sql) const;
+
   SmallDisk disk_;
   std::optional<PrivateMySql> my_sql_;
   std::optional<SandboxServer> ms_sql_;

@@ -49,13 +49,13 @@ void CauseTrouble(Stage& stage, const Scenario& scenario, const std::string& dat
   const ServerKind server = scenario.Server();
   switch (scenario.trouble) {
     case Trouble::KillServer:
-      return stage.Restart(server);
+      return stage.ServerOf(server).Restart();
     case Trouble::StopServer:
-      return stage.Signal(server, SIGSTOP);
+      return stage.ServerOf(server).Signal(SIGSTOP);
     case Trouble::PauseServer:
-      stage.Signal(server, SIGSTOP);
+      stage.ServerOf(server).Signal(SIGSTOP);
       std::this_thread::sleep_for(kWhile);
-      return stage.Signal(server, SIGCONT);
+      return stage.ServerOf(server).Signal(SIGCONT);
     case Trouble::KillSessions:
       return KillSessions(stage.MySql());
     case Trouble::LockTable:
@@ -68,11 +68,11 @@ void CauseTrouble(Stage& stage, const Scenario& scenario, const std::string& dat
 }
 
 void RelieveTrouble(Stage& stage, const Scenario& scenario) {
-  if (scenario.trouble == Trouble::StopServer) stage.Signal(scenario.Server(), SIGCONT);
+  if (scenario.trouble == Trouble::StopServer) stage.ServerOf(scenario.Server()).Signal(SIGCONT);
   if (scenario.trouble == Trouble::FullDisk) {
     stage.Disk().Empty();
     // A server may have given itself up.
-    stage.Restart(scenario.Server());
+    stage.ServerOf(scenario.Server()).Restart();
     if (scenario.Server() == ServerKind::MySql) stage.Disk().DeleteOrphanedTables();
   }
 }

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "job/run_recorder.h"
+#include "tests/endpoint/recorders.h"
 #include "tests/support/plain_endpoint.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
@@ -75,34 +76,23 @@ TEST(RunReport, TheNameSaysWhatIsWritten) {
   EXPECT_THAT(test::ReadFile(folder / "r.HTM"), testing::StartsWith("<!DOCTYPE html>"));
 }
 
-/// A listener and host that let everything pass.
-class Audience : public IConversionListener, public IRunHost {
-  void ErrorOccured(std::string_view, std::int32_t, std::string_view) override {}
-  void ConversionStarted(std::int16_t, bool) override {}
-  void ConversionEnded() override {}
-  void TableConversionSuccessed(std::string_view) override {}
-  void TableConversionFailed(std::string_view) override {}
-  void TableContentTransferStarted(std::string_view, std::int32_t) override {}
-  void TableRecordConverted() override {}
-  void TableConversionStarted(std::string_view) override {}
-  void TableRelationsConversionStarted(std::string_view) override {}
-  void ConnectionFailed(const ConnectionFailure&) override {}
-  void ShowMessage(std::string_view, std::int32_t, std::string_view) override {}
-  void Inform(std::string_view) override {}
-  void UnclassifiedFailure(std::string_view, std::int32_t, std::string_view) override {}
-  void Yield() override {}
-};
-
 class RunRecorderTest : public testing::Test {
  protected:
   void Begin(const NameList& tables) {
     src_.SetPassword("open sesame");
     recorder_.Begin("Conversion", src_, dest_, tables);
   }
+  /// A step of a table that takes so many seconds.
+  void Step(const char* table, int seconds, const std::function<void()>& tell) {
+    recorder_.TableStepStarted(table);
+    tell();
+    recorder_.TableStepEnded(table, std::chrono::seconds(seconds));
+  }
   ReportedTable Table(std::size_t position) const { return recorder_.Report().tables.at(position); }
 
-  Audience audience_;
-  RunRecorder recorder_{audience_, audience_};
+  test::EventRecorder events_;
+  test::HostRecorder host_;
+  RunRecorder recorder_{events_, host_};
   test::PlainEndpoint src_{ServerKind::MsSql};
   test::PlainEndpoint dest_{ServerKind::MySql};
 };
@@ -110,21 +100,21 @@ class RunRecorderTest : public testing::Test {
 TEST_F(RunRecorderTest, WhatIsToldBelongsToTheTableWhoseStepItIs) {
   Begin({"a", "b", "c"});
   recorder_.Inform("of the run");
-  recorder_.TableStepStarted("a");
-  recorder_.TableConversionStarted("a");
-  recorder_.TableContentTransferStarted("a", 2);
-  recorder_.TableRecordConverted();
-  recorder_.TableRecordConverted();
-  recorder_.TableConversionSuccessed("a");
-  recorder_.TableStepEnded("a", 2s);
-  recorder_.TableStepStarted("b");
-  recorder_.TableConversionStarted("b");
-  recorder_.UnclassifiedFailure("gone", 16, "Table Conversion");  // and no word of its end
-  recorder_.TableStepEnded("b", 1s);
-  recorder_.TableStepStarted("a");
-  recorder_.TableComparisonStarted("a", 2);
-  recorder_.ErrorOccured("Table a: 1 row is missing", 16, "Verification");
-  recorder_.TableStepEnded("a", 3s);
+  Step("a", 2, [&] {
+    recorder_.TableConversionStarted("a");
+    recorder_.TableContentTransferStarted("a", 2);
+    recorder_.TableRecordConverted();
+    recorder_.TableRecordConverted();
+    recorder_.TableConversionSuccessed("a");
+  });
+  Step("b", 1, [&] {
+    recorder_.TableConversionStarted("b");
+    recorder_.UnclassifiedFailure("gone", 16, "Table Conversion");  // and no word of its end
+  });
+  Step("a", 3, [&] {
+    recorder_.TableComparisonStarted("a", 2);
+    recorder_.ErrorOccured("Table a: 1 row is missing", 16, "Verification");
+  });
 
   EXPECT_EQ(Table(0).state, ReportedTable::State::DoneWithErrors);
   EXPECT_EQ(Table(0).rows, 2);
@@ -146,10 +136,10 @@ TEST_F(RunRecorderTest, WhatIsToldBelongsToTheTableWhoseStepItIs) {
 
 TEST_F(RunRecorderTest, ATableWhoseRowsWaitIsDoneWhenTheyAreThere) {
   Begin({"a"});
-  recorder_.TableStepStarted("a");
-  recorder_.TableConversionStarted("a");
-  recorder_.Inform("1 of 1 rows wait");
-  recorder_.TableStepEnded("a", 2s);
+  Step("a", 2, [&] {
+    recorder_.TableConversionStarted("a");
+    recorder_.Inform("1 of 1 rows wait");
+  });
   EXPECT_EQ(Table(0).state, ReportedTable::State::AtWork);
   recorder_.TableConversionStarted("a");
   recorder_.TableConversionSuccessed("a");
@@ -162,13 +152,14 @@ TEST_F(RunRecorderTest, ATableWhoseRowsWaitIsDoneWhenTheyAreThere) {
 
 TEST_F(RunRecorderTest, TheRestOfARunIsReportedWithWhatWasDoneBefore) {
   Begin({"a", "b"});
-  for (const char* table : {"a", "b"}) {
-    recorder_.TableStepStarted(table);
-    recorder_.TableConversionStarted(table);
-    if (*table == 'b') recorder_.ErrorOccured("no", 16, "x");
-    if (*table == 'a') recorder_.TableConversionSuccessed(table);
-    recorder_.TableStepEnded(table, 2s);
-  }
+  Step("a", 2, [&] {
+    recorder_.TableConversionStarted("a");
+    recorder_.TableConversionSuccessed("a");
+  });
+  Step("b", 2, [&] {
+    recorder_.TableConversionStarted("b");
+    recorder_.ErrorOccured("no", 16, "x");
+  });
   recorder_.AddFailure("stopped");
   recorder_.ConversionEnded();
   EXPECT_FALSE(recorder_.Report().succeeded);

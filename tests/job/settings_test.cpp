@@ -9,6 +9,7 @@
 #include "job/last_settings.h"
 #include "tests/support/plain_endpoint.h"
 #include "tests/support/process.h"
+#include "tests/support/refusal.h"
 #include "tests/support/table.h"
 #include "tests/support/temp_folder.h"
 
@@ -16,8 +17,10 @@ namespace dorvane {
 
 namespace {
 
+using test::NumberOf;
 using test::PlainEndpoint;
 using test::ReadFile;
+using test::RefusalOf;
 using test::TempFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -74,24 +77,15 @@ TEST(ConversionSettings, SplitsTheTableLineAtEverySeparator) {
   EXPECT_THAT(Read(WithLine(14, "a:<::<:b:<:")).tables, ElementsAre("a", "", "b", ""));
 }
 
-/// The error and the message that settings are refused with.
-std::pair<std::int32_t, std::string> RefusalOf(const std::string& bytes) {
-  try {
-    Read(bytes);
-  } catch (const RunTimeError& error) {
-    return {error.Number(), error.Description()};
-  }
-  return {};
-}
-
 TEST(ConversionSettings, BadLinesFailByKindAndAreNamed) {
   EXPECT_THROW(Read(WithLine(1, "3")), UnexpectedDirection);
   EXPECT_THROW(Read(WithLine(1, "1 ")), UnexpectedDirection);
   for (const auto& cells : test::ReadTable("job/bad_settings.txt")) {
     const int line = std::stoi(cells.at(0));
     const std::string& text = cells.at(1);
-    const auto [number, message] =
-        RefusalOf(line < 20 ? WithLine(line, text) : kSales + std::string(line - 20, '\n') + text);
+    const std::string bytes =
+        line < 20 ? WithLine(line, text) : kSales + std::string(line - 20, '\n') + text;
+    const auto [number, message] = RefusalOf([&] { Read(bytes); });
     EXPECT_EQ(number, std::stoi(cells.at(2))) << text;
     EXPECT_THAT(message, HasSubstr(cells.at(3)));
     EXPECT_THAT(message, testing::EndsWith(fmt::format("(line {} of file.dcs{}{})", line,
@@ -99,8 +93,8 @@ TEST(ConversionSettings, BadLinesFailByKindAndAreNamed) {
   }
   const std::string full = kSales;
   const auto last_line = full.rfind("\r\n", full.size() - 3) + 2;
-  EXPECT_EQ(RefusalOf("").first, run_time::kInputPastEnd);
-  const auto [number, message] = RefusalOf(full.substr(0, last_line));
+  EXPECT_EQ(NumberOf([] { Read(""); }), run_time::kInputPastEnd);
+  const auto [number, message] = RefusalOf([&] { Read(full.substr(0, last_line)); });
   EXPECT_EQ(number, run_time::kInputPastEnd);
   EXPECT_THAT(message, testing::EndsWith("(line 19 of file.dcs)"));
 }
@@ -146,12 +140,9 @@ TEST(ConversionSettings, RefusesWhatTheFileCouldNotGiveBack) {
   EXPECT_THROW(Write(src, dest, {"a:<:b"}, "log"), RunTimeError);
   EXPECT_THROW(Write(src, dest, {"a"}, "log\nfile"), RunTimeError);
   dest.SetPassword("pass\nword");
-  try {
-    Write(src, dest, {"a"}, "log");
-    ADD_FAILURE();
-  } catch (const RunTimeError& error) {
-    EXPECT_THAT(error.Description(), testing::Not(HasSubstr("word\n")));
-  }
+  const auto [number, message] = RefusalOf([&] { Write(src, dest, {"a"}, "log"); });
+  EXPECT_NE(number, 0);
+  EXPECT_THAT(message, testing::Not(HasSubstr("word\n")));
 }
 
 // Every value in turn needs UTF-8, which the mark tells; no other file has it.

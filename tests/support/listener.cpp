@@ -1,36 +1,16 @@
 #include "tests/support/listener.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <stdexcept>
 #include <utility>
 
-#include "tests/support/temp_folder.h"
-
 namespace dorvane::test {
 
-namespace {
-
-bool Bind(int socket, int port) {
-  // A connection of an earlier listener may linger on the port.
-  const int yes = 1;
-  setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-}
-
-}  // namespace
-
-Listener::Listener(std::function<void(int)> serve) : serve_(std::move(serve)) {
-  port_ = FreePort();
-  socket_ = socket(AF_INET, SOCK_STREAM, 0);
-  if (!Bind(socket_, port_) || listen(socket_, 8) != 0) throw std::runtime_error("cannot listen");
+Listener::Listener(std::function<void(int)> serve)
+    : port_(FreePort()), socket_(ListenAt(port_)), serve_(std::move(serve)) {
+  if (socket_ < 0) throw std::runtime_error("cannot listen");
   thread_ = std::jthread([this] {
     while (true) {
       const int client = accept(socket_, nullptr, nullptr);

@@ -4,6 +4,8 @@
 #include <string>
 #include <thread>
 
+#include "tests/support/sockets.h"
+
 namespace dorvane::test {
 
 /// Listens on a free loopback port and handles each connection with a function, one after another.
@@ -19,8 +21,8 @@ class Listener {
   int Port() const { return port_; }
 
  private:
-  int socket_ = -1;
-  int port_ = 0;
+  int port_;
+  int socket_;
   std::function<void(int)> serve_;
   std::jthread thread_;
 };

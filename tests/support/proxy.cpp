@@ -1,6 +1,5 @@
 #include "tests/support/proxy.h"
 
-#include <arpa/inet.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -12,7 +11,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "tests/support/temp_folder.h"
+#include "tests/support/sockets.h"
 
 namespace dorvane::test {
 
@@ -20,18 +19,6 @@ namespace {
 
 constexpr int kLook = 50;  // milliseconds between looks at whether the proxy ends
 constexpr std::chrono::milliseconds kLateness(20);
-
-sockaddr_in Loopback(int port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
-int NewSocket() {
-  return socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-}
 
 /// Follows the packets of one direction of a connection.
 class PacketTracker {
@@ -83,10 +70,8 @@ class Proxy::Tunnel {
   Tunnel(Proxy& proxy, int client)
       : proxy_(proxy),
         sides_{Side{client, PacketTracker(proxy.framing_)},
-               Side{NewSocket(), PacketTracker(proxy.framing_)}} {
-    const sockaddr_in address = Loopback(proxy.server_port_);
-    is_open_ =
-        connect(sides_[1].socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+               Side{ConnectTo(proxy.server_port_), PacketTracker(proxy.framing_)}},
+        is_open_(sides_[1].socket >= 0) {
     const timeval limit{.tv_sec = 0, .tv_usec = kLook * 1000};
     for (const Side& side : sides_) {
       setsockopt(side.socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
@@ -173,21 +158,14 @@ class Proxy::Tunnel {
 
   Proxy& proxy_;
   std::array<Side, 2> sides_;  // the client's and the server's
-  bool is_open_ = false;
+  bool is_open_;
   std::optional<Fault> fault_;
   std::uint8_t pattern_ = 0;
 };
 
 Proxy::Proxy(int server_port, ServerKind framing)
-    : server_port_(server_port), framing_(framing), listener_(NewSocket()), port_(FreePort()) {
-  const int yes = 1;
-  setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-  const sockaddr_in address = Loopback(port_);
-  if (bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-      listen(listener_, 16) != 0) {
-    close(listener_);
-    throw std::runtime_error("the proxy cannot listen");
-  }
+    : server_port_(server_port), framing_(framing), port_(FreePort()), listener_(ListenAt(port_)) {
+  if (listener_ < 0) throw std::runtime_error("the proxy cannot listen");
   acceptor_ = std::thread([this] { Accept(); });
 }
 

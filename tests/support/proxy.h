@@ -59,8 +59,8 @@ class Proxy {
 
   const int server_port_;
   const ServerKind framing_;
-  int listener_ = -1;
-  int port_ = 0;
+  const int port_;
+  const int listener_;
   std::atomic<bool> is_over_ = false;
   std::atomic<bool> has_struck_ = false;
   std::mutex mutex_;

@@ -1,26 +1,16 @@
 #include "tests/support/relay.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
 
+#include "tests/support/sockets.h"
+
 namespace dorvane::test {
 
 namespace {
-
-int ConnectTo(int port) {
-  const int server = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  connect(server, reinterpret_cast<sockaddr*>(&address), sizeof address);
-  return server;
-}
 
 /// What a socket has to read by now; empty when it has ended.
 std::string ReceiveSome(int socket) {

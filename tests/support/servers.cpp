@@ -35,18 +35,6 @@ constexpr const char* kUserStatements =
     "CREATE USER 'root'@'127.0.0.1' IDENTIFIED BY 'secret';\n"
     "GRANT ALL ON *.* TO 'root'@'127.0.0.1' WITH GRANT OPTION;\n";
 
-/// Waits until `ready`; throws with the process's output when it ends or takes too long.
-template <typename Ready>
-void Await(Process& process, const std::filesystem::path& output, Ready ready) {
-  const auto deadline = std::chrono::steady_clock::now() + kStartLimit;
-  while (!ready()) {
-    if (!process.IsRunning() || std::chrono::steady_clock::now() > deadline) {
-      throw std::runtime_error("a server did not start:\n" + ReadFile(output));
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-}
-
 std::vector<std::string> AsRoot(std::vector<std::string> command) {
   if (geteuid() == 0) command.push_back("--user=root");
   return command;
@@ -69,27 +57,38 @@ void WriteFile(const std::filesystem::path& path, const std::string& text) {
 
 }  // namespace
 
+void PrivateServer::Start(std::vector<std::string> command,
+                          const std::vector<std::string>& options) {
+  command_ = std::move(command);
+  const std::filesystem::path log = folder_ / "log";
+  std::filesystem::remove(log);
+  std::vector<std::string> whole = command_;
+  whole.insert(whole.end(), options.begin(), options.end());
+  process_ = std::make_unique<Process>(whole, log);
+  const auto deadline = std::chrono::steady_clock::now() + kStartLimit;
+  while (ReadFile(log).find(ready_) == std::string::npos) {
+    if (!process_->IsRunning() || std::chrono::steady_clock::now() > deadline) {
+      throw std::runtime_error("a server did not start:\n" + ReadFile(log));
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+}
+
+void PrivateServer::Restart() {
+  Kill();
+  Start(command_);
+}
+
 PrivateMySql::PrivateMySql(const std::vector<std::string>& extra_options)
-    : program_(ServerProgram()), is_mariadb_(SaysMariaDb(program_)), extra_options_(extra_options) {
+    : PrivateServer("ready for connections"),
+      program_(ServerProgram()),
+      is_mariadb_(SaysMariaDb(program_)) {
   std::filesystem::create_directory(folder_ / "tmp");
   MakeDataFolder();
   WriteFile(folder_ / "init.sql", kUserStatements);
-  Start();
-}
-
-void PrivateMySql::Restart() {
-  Kill();
-  std::filesystem::remove(folder_ / "log");
-  Start();
-}
-
-void PrivateMySql::Start() {
   std::vector<std::string> command = StartCommand();
-  command.insert(command.end(), extra_options_.begin(), extra_options_.end());
-  process_ = std::make_unique<Process>(command, folder_ / "log");
-  Await(*process_, folder_ / "log", [&] {
-    return ReadFile(folder_ / "log").find("ready for connections") != std::string::npos;
-  });
+  command.insert(command.end(), extra_options.begin(), extra_options.end());
+  Start(command);
 }
 
 void PrivateMySql::MakeDataFolder() const {
@@ -150,34 +149,17 @@ std::string PrivateMySql::Query(const std::string& sql, const std::string& datab
 }
 
 SandboxServer::SandboxServer(const std::vector<std::string>& databases,
-                             std::vector<std::string> options)
-    : options_(std::move(options)) {
-  Start(databases);
-}
-
-void SandboxServer::Restart() {
-  Kill();
-  std::filesystem::remove(folder_ / "log");
-  Start({});
-}
-
-void SandboxServer::Start(const std::vector<std::string>& databases) {
-  std::vector<std::string> command = {SANDBOX_PROGRAM,
-                                      "--folder",
-                                      (folder_ / "data").string(),
-                                      "--port",
-                                      fmt::to_string(port_),
-                                      "--user",
-                                      "sa",
-                                      "--password",
-                                      "secret"};
+                             const std::vector<std::string>& options)
+    : PrivateServer("listening on") {
+  std::vector<std::string> command = {
+      SANDBOX_PROGRAM, "--folder", folder_ / "data", "--port", fmt::to_string(port_),
+      "--user",        "sa",       "--password",     "secret"};
+  command.insert(command.end(), options.begin(), options.end());
+  std::vector<std::string> creating;
   for (const std::string& database : databases) {
-    command.insert(command.end(), {"--create", database});
+    creating.insert(creating.end(), {"--create", database});
   }
-  command.insert(command.end(), options_.begin(), options_.end());
-  process_ = std::make_unique<Process>(command, folder_ / "log");
-  Await(*process_, folder_ / "log",
-        [&] { return ReadFile(folder_ / "log").find("listening on") != std::string::npos; });
+  Start(command, creating);
 }
 
 std::string SandboxServer::Script(const std::string& sql, const std::string& database) const {

@@ -19,7 +19,4 @@ class TempFolder {
   std::filesystem::path path_;
 };
 
-/// A loopback port that nothing listens on, below 32768 as the endpoints' 16-bit ports need it.
-int FreePort();
-
 }  // namespace dorvane::test

@@ -5,14 +5,13 @@
 
 #include <csignal>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <string>
 
 #include "platform/files/replace_file.h"
 #include "platform/files/text_file.h"
-#include "platform/run_time_error.h"
 #include "tests/support/process.h"
+#include "tests/support/refusal.h"
 #include "tests/support/temp_folder.h"
 
 namespace dorvane::files {
@@ -20,17 +19,9 @@ namespace dorvane::files {
 namespace {
 
 namespace fs = std::filesystem;
+using test::NumberOf;
 using test::ReadFile;
 using test::TempFolder;
-
-std::int32_t NumberOf(const std::function<void()>& failing) {
-  try {
-    failing();
-  } catch (const RunTimeError& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 std::ptrdiff_t EntriesOf(const fs::path& folder) {
   return std::distance(fs::directory_iterator(folder), fs::directory_iterator());

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/run_time_error.h"
+#include "tests/support/refusal.h"
 
 namespace dorvane::process {
 
@@ -19,13 +19,10 @@ TEST(ChildProcess, PassesBytesAndStatusBothWays) {
   EXPECT_EQ(RunChild({"sh", "-c", "kill -9 $$"}).status, 137);
   EXPECT_THROW(RunChild({"sleep", "60"}, {}, std::chrono::seconds(1)), RunTimeError);
   EXPECT_THROW(RunChild({"no-such-command-here"}), RunTimeError);
-  try {
-    RunChildOrThrow({"sh", "-c", "echo out; echo why >&2; exit 3"});
-    FAIL();
-  } catch (const RunTimeError& error) {
-    EXPECT_EQ(error.Number(), kCommandFailed);
-    EXPECT_EQ(error.Description(), "why");
-  }
+  EXPECT_EQ(test::RefusalOf([] {
+              RunChildOrThrow({"sh", "-c", "echo out; echo why >&2; exit 3"});
+            }),
+            std::pair(kCommandFailed, std::string("why")));
 }
 
 }  // namespace

@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <fstream>
 
-#include "platform/run_time_error.h"
 #include "platform/scheduler/task_fields.h"
 #include "tests/platform/scheduler/tasks.h"
 #include "tests/support/process.h"
+#include "tests/support/refusal.h"
 #include "tests/support/temp_folder.h"
 
 namespace dorvane::scheduler {
@@ -62,12 +62,7 @@ TEST_F(SystemdSchedulerTest, KeepsATaskFromItsNameToItsRemoval) {
   EXPECT_EQ(scheduler_.Load("nightly"), task);
   EXPECT_THAT(scheduler_.Tasks(), ElementsAre(task));
   EXPECT_THAT(test::ReadFile(units_ / "dorvane-nightly.timer"), HasSubstr("Persistent=true\n"));
-  try {
-    scheduler_.NewTask("nightly");
-    FAIL();
-  } catch (const RunTimeError& error) {
-    EXPECT_EQ(error.Number(), -2147024816);
-  }
+  EXPECT_EQ(test::NumberOf([&] { scheduler_.NewTask("nightly"); }), -2147024816);
 
   task.enabled = false;
   scheduler_.Save(task);
@@ -85,29 +80,23 @@ TEST_F(SystemdSchedulerTest, KeepsATaskFromItsNameToItsRemoval) {
 
 TEST_F(SystemdSchedulerTest, ReportsWhatSystemctlSays) {
   std::ofstream(folder_ / "broken") << "";
-  try {
-    scheduler_.Save(DailyTask("t"));
-    FAIL();
-  } catch (const RunTimeError& error) {
-    EXPECT_EQ(error.Description(), "no bus");
-  }
+  EXPECT_EQ(test::RefusalOf([&] { scheduler_.Save(DailyTask("t")); }).second, "no bus");
 }
 
 TEST_F(SystemdSchedulerTest, RefusesATaskThatNoUnitCanHold) {
-  Task task = DailyTask("t");
-  task.repetition = Repetition::Weekly;
-  EXPECT_THROW(scheduler_.Save(task), RunTimeError);
-  task = DailyTask("t");
-  task.working_directory = "/tmp/a\nExecStartPre=/bin/false";
-  EXPECT_THROW(scheduler_.Save(task), RunTimeError);
-  task = DailyTask("t");
-  task.program = "/opt/it's/Dorvane";
-  EXPECT_THROW(scheduler_.Save(task), RunTimeError);
-  task = DailyTask("../t");
-  EXPECT_THROW(scheduler_.Save(task), RunTimeError);
+  void (*const spoilings[])(Task&) = {
+      [](Task& task) { task.repetition = Repetition::Weekly; },
+      [](Task& task) { task.working_directory = "/tmp/a\nExecStartPre=/bin/false"; },
+      [](Task& task) { task.program = "/opt/it's/Dorvane"; },
+      [](Task& task) { task.name = "../t"; }};
+  for (const auto spoil : spoilings) {
+    Task task = DailyTask("t");
+    spoil(task);
+    EXPECT_THROW(scheduler_.Save(task), RunTimeError);
+  }
   EXPECT_FALSE(std::filesystem::exists(units_));
 
-  task = DailyTask("t");
+  Task task = DailyTask("t");
   task.program = folder_ / "gone";
   scheduler_.Save(task);
   EXPECT_THROW(scheduler_.RunNow("t"), RunTimeError);

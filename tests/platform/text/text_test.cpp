@@ -1,26 +1,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
-#include "platform/run_time_error.h"
 #include "platform/text/code_page.h"
 #include "platform/text/number_text.h"
 #include "platform/text/utf8.h"
+#include "tests/support/refusal.h"
 
 namespace dorvane::text {
 
 namespace {
 
-std::int32_t NumberOf(const std::function<void()>& failing) {
-  try {
-    failing();
-  } catch (const RunTimeError& error) {
-    return error.Number();
-  }
-  return 0;
-}
+using test::NumberOf;
 
 TEST(CodePage, KeepsEveryByteOnTheWayToUtf8AndBack) {
   std::string every_byte;

@@ -7,6 +7,7 @@
 #include "platform/ado/mysql/errors.h"
 #include "platform/ado/mysql/session_settings.h"
 #include "platform/ado/mysql/types.h"
+#include "tests/support/table.h"
 
 namespace dorvane::ado::mysql {
 
@@ -21,30 +22,15 @@ TEST(SqlMode, KeepsTheServersModesButThoseThatChangeMeanings) {
             "REAL_AS_FLOAT,PIPES_AS_CONCAT,IGNORE_SPACE,NO_AUTO_VALUE_ON_ZERO,STRICT_TRANS_TABLES");
 }
 
-TEST(Defaults, OfServersThatWriteThemAsExpressions) {
-  const auto value = [](const char* text) { return DefaultValue(text, "varchar", "", true); };
-  EXPECT_EQ(value("NULL"), std::nullopt);
-  EXPECT_EQ(value("'NULL'"), "NULL");
-  EXPECT_EQ(value("''"), "");
-  EXPECT_EQ(value("'it''s \\\\ \\n\\r\\t\\Z\\0'"), std::string("it's \\ \n\r\t\x1a\0", 12));
-  EXPECT_EQ(value("'a' + 'b'"), std::nullopt);
-  EXPECT_EQ(value("'unfinished"), std::nullopt);
-  EXPECT_EQ(value("-1.5e3"), "-1.5e3");
-  EXPECT_EQ(value("current_timestamp(6)"), std::nullopt);
-  EXPECT_EQ(DefaultValue("current_timestamp(6)", "datetime", "", true), "getdate()");
-  EXPECT_EQ(value("uuid()"), std::nullopt);
-  EXPECT_EQ(value("b'1'"), "1");
-}
-
-TEST(Defaults, OfServersThatWriteThemPlainly) {
-  EXPECT_EQ(DefaultValue("it's", "varchar", "", false), "it's");
-  EXPECT_EQ(DefaultValue("CURRENT_TIMESTAMP", "varchar", "", false), "CURRENT_TIMESTAMP");
-  EXPECT_EQ(DefaultValue("CURRENT_TIMESTAMP(3)", "datetime", "DEFAULT_GENERATED", false),
-            "getdate()");
-  EXPECT_EQ(DefaultValue("CURRENT_TIMESTAMP", "timestamp", "", false), "getdate()");
-  EXPECT_EQ(DefaultValue("uuid()", "char", "DEFAULT_GENERATED", false), std::nullopt);
-  EXPECT_EQ(DefaultValue("b'110'", "bit", "", false), "6");
-  EXPECT_EQ(DefaultValue("b'110'", "varchar", "", false), "b'110'");
+TEST(Defaults, AreReportedAsTheirValues) {
+  for (const auto& cells : test::ReadTable("platform/ado/mysql/defaults.txt")) {
+    const bool as_expression = cells.at(0) == "expression";
+    EXPECT_EQ(DefaultValue(cells.at(1), cells.at(2), cells.at(3), as_expression).value_or("none"),
+              cells.at(4))
+        << cells[1];
+  }
+  EXPECT_EQ(DefaultValue("'it''s \\\\ \\n\\r\\t\\Z\\0'", "varchar", "", true),
+            std::string("it's \\ \n\r\t\x1a\0", 12));
 }
 
 TEST(Errors, AreClassifiedAlikeOnEveryServer) {

@@ -10,6 +10,13 @@ namespace {
 using namespace std::string_literals;
 using mysql::RowTransport;
 
+/// Adds a row of two columns.
+void Add(RowBlock& block, const Value& first, const Value& second) {
+  const std::span<Value> row = block.AppendRow();
+  row[0] = first;
+  row[1] = second;
+}
+
 /// Every test runs in each way that rows are sent. MySQL has no bulk protocol: there the fastest
 /// way is a load.
 class MySqlWriterTest : public MySqlTest, public testing::WithParamInterface<RowTransport> {
@@ -29,9 +36,8 @@ class MySqlWriterTest : public MySqlTest, public testing::WithParamInterface<Row
   void FillNumbers(int from, int count) {
     block_.Clear(2);
     for (int i = from; i < from + count; ++i) {
-      const std::span<Value> row = block_.AppendRow();
-      row[0] = block_.Storage().Store(fmt::to_string(i));
-      row[1] = block_.Storage().Store(fmt::format("note {}", i));
+      Add(block_, block_.Storage().Store(fmt::to_string(i)),
+          block_.Storage().Store(fmt::format("note {}", i)));
     }
   }
 
@@ -79,11 +85,7 @@ TEST_P(MySqlWriterTest, BytesStayBytesBesideTexts) {
   // Both kinds in one column, the change in the middle of the block.
   const std::string bytes = "\0\xff\xe9"s;
   block_.DropLastRow();
-  for (const char* id : {"5", "6"}) {
-    const std::span<Value> row = block_.AppendRow();
-    row[0] = std::string_view(id);
-    row[1] = Binary{bytes};
-  }
+  for (const std::string_view id : {"5", "6"}) Add(block_, id, Binary{bytes});
   EXPECT_EQ(InsertAll(table), Failure{});
   EXPECT_EQ(Dump("select id, hex(data) from b order by id"),
             "1\t7465787420C3A9\n2\tNULL\n3\tNULL\n4\t\n5\t00FFE9\n6\t00FFE9\n");
@@ -137,20 +139,15 @@ TEST_P(MySqlWriterTest, RequestsStayBelowThePacketLimit) {
   Recordset table = writing_.OpenTable("big", {"id", "data"});
   const std::string five_megabytes(5'000'000, '\xfe');
   block_.Clear(2);
-  for (const char* id : {"1", "2", "3", "4", "5", "6", "7"}) {
-    const std::span<Value> row = block_.AppendRow();
-    row[0] = std::string_view(id);
-    row[1] = Binary{five_megabytes};
+  for (const std::string_view id : {"1", "2", "3", "4", "5", "6", "7"}) {
+    Add(block_, id, Binary{five_megabytes});
   }
   EXPECT_EQ(InsertAll(table), Failure{});
   EXPECT_EQ(Dump("select count(*), sum(data = repeat(x'fe', 5000000)) from big"), "7\t7\n");
 
-  std::string too_big;
-  too_big.resize(17'000'000, 'x');
+  const std::string too_big(17'000'000, 'x');
   block_.Clear(2);
-  const std::span<Value> row = block_.AppendRow();
-  row[0] = std::string_view("8");
-  row[1] = Binary{too_big};
+  Add(block_, std::string_view("8"), Binary{too_big});
   EXPECT_EQ(InsertAll(table), (Failure{hresult::kFail, 1153}));
   FillNumbers(9, 2);
   EXPECT_EQ(InsertAll(table), Failure{}) << "the session was lost";
@@ -289,9 +286,9 @@ class MySqlLoadTest : public MySqlTest {
   void FillAround(const Value& id, const Value& text) {
     block_.Clear(2);
     for (int i = 0; i < 900; ++i) {
-      const std::span<Value> row = block_.AppendRow();
-      row[0] = i == 800 ? id : block_.Storage().Store(fmt::to_string(i));
-      row[1] = i == 800 ? text : std::string_view("x");
+      const bool is_other = i == 800;
+      Add(block_, is_other ? id : block_.Storage().Store(fmt::to_string(i)),
+          is_other ? text : std::string_view("x"));
     }
   }
 

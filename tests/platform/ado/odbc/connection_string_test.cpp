@@ -7,6 +7,7 @@
 
 #include "platform/ado/odbc/driver.h"
 #include "platform/ado/types.h"
+#include "tests/support/table.h"
 
 namespace dorvane::ado::odbc {
 
@@ -53,33 +54,13 @@ TEST(DriverChoice, NamesThePackageWhenThereIsNone) {
 }
 
 TEST(ServerName, IsTakenApartAsSqlServersClientsReadIt) {
-  const struct {
-    const char* server;
-    int port;
-    ServerAddress expected;
-  } cases[] = {
-      {"db1", 1433, {"db1", "", 1433}},
-      {"db1", 0, {"db1", "", 0}},
-      {"  db1 ", 1444, {"db1", "", 1444}},
-      {"db1,5000", 1433, {"db1", "", 5000}},
-      {"tcp:db1, 5000", 0, {"db1", "", 5000}},
-      {"db1\\shop", 0, {"db1", "shop", 0}},
-      {"db1\\shop", 1433, {"db1", "shop", 0}},
-      {"db1\\shop", 1500, {"db1", "shop", 1500}},
-      {"db1\\shop,1433", 7, {"db1", "shop", 1433}},
-      {".", 1433, {"localhost", "", 1433}},
-      {"(local)\\x", 0, {"localhost", "x", 0}},
-      {"", 0, {"localhost", "", 0}},
-      {"::1", 1433, {"::1", "", 1433}},
-      {"[::1]", 1433, {"::1", "", 1433}},
-      {"db1,port", 1444, {"db1", "", 1444}},
-  };
-  for (const auto& [server, port, expected] : cases) {
-    const auto [host, instance, port_there] = ParseServer(server, port);
-    EXPECT_EQ(host, expected.host) << server;
-    EXPECT_EQ(instance, expected.instance) << server;
-    EXPECT_EQ(port_there, expected.port) << server;
+  for (const auto& cells : test::ReadTable("platform/ado/odbc/server_names.txt")) {
+    const auto [host, instance, port] = ParseServer(cells.at(0), std::stoi(cells.at(1)));
+    EXPECT_EQ(host, cells.at(2)) << cells[0];
+    EXPECT_EQ(instance, cells.at(3)) << cells[0];
+    EXPECT_EQ(port, std::stoi(cells.at(4))) << cells[0];
   }
+  EXPECT_EQ(ParseServer("  db1 ", 1444).host, "db1");
 }
 
 TEST(ConnectionString, LeavesNothingOfFreeTdsToAConfigurationFile) {
