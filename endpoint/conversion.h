@@ -102,6 +102,12 @@ class Conversion {
   ado::TableName DestTableOf(const std::string& listed) { return DestTable(SourceTable(listed)); }
   /// True when a table of this run stands in another schema than the login's.
   bool HasSchemas() const;
+  /// In a rehearsal, ahead of the statement that gives a table of the destination which is there a
+  /// primary key of these columns.
+  void RehearseKey(const ado::TableName& dest_table, std::string name,
+                   std::vector<std::string> columns) {
+    if (IsRehearsing()) new_key_ = {dest_table, std::move(name), std::move(columns)};
+  }
   /// True in a rehearsal for a table of the destination that has been dropped, or made anew.
   bool IsToBeDropped(const ado::TableName& dest_table) const {
     return references_ && references_->IsDropped(dest_table);
@@ -250,6 +256,8 @@ class Conversion {
   void RemarkUnforeseen(std::string_view what, std::string_view why);
   /// True when the destination has a table of that name.
   bool TellWhatIsThere(const TableDefinition& table);
+  /// Throws ProviderError when rows of the table share its new key.
+  void TryNewKey();
   /// Why the login is denied the right, asked once.
   const std::optional<ado::ProviderError>& DenialOf(TableRight right, const ado::TableName& table);
   /// Throws DestinationFailure when it is.
@@ -319,7 +327,13 @@ class Conversion {
   std::unique_ptr<RehearsedReferences> references_;  // none: likewise, or nothing is overwritten
   std::map<std::pair<TableRight, ado::TableName>, std::optional<ado::ProviderError>> denials_;
   std::vector<ado::TableName> rehearsed_tables_;  // that a rehearsal has made
-  std::set<ado::TableName> refused_tables_;       // of which rows were refused
+  struct NewKey {
+    ado::TableName table;
+    std::string name;
+    std::vector<std::string> columns;
+  };
+  NewKey new_key_;                           // of a table that was there: the last one
+  std::set<ado::TableName> refused_tables_;  // of which rows were refused
   // Shared with the forks. It has an entry for every listed table before they begin, and each of
   // them touches the entries of its own tables only.
   std::shared_ptr<Plans> plans_ = std::make_shared<Plans>();

@@ -61,8 +61,17 @@ void Conversion::RehearseStatement(std::string_view sql) {
     if (denial) throw ado::ProviderError(*denial);
     if (references_) references_->Try(sql, *definition);
     if (trial_) trial_->Try(sql, *definition);
+    if (definition->right == TableRight::Alter && definition->table == new_key_.table) TryNewKey();
   }
   rehearsal_(sql);
+}
+
+void Conversion::TryNewKey() {
+  if (!server_) return;
+  const auto shared = server_->SharedKey(new_key_.table, new_key_.name, new_key_.columns);
+  if (!shared) return;
+  new_key_ = {};
+  throw ado::ProviderError(*shared);
 }
 
 const std::optional<ado::ProviderError>& Conversion::DenialOf(TableRight right,
@@ -195,7 +204,11 @@ TrialRows::Meeting Conversion::MeetingWith(const TableDefinition& table,
                               std::ranges::none_of(fields, is_field));
   };
   std::string conflicts;
-  for (const ado::Index& index : destination_->Indexes(table.dest_name)) {
+  std::vector<ado::Index> indexes = destination_->Indexes(table.dest_name);
+  if (new_key_.table == table.dest_name) {
+    indexes.push_back({.name = new_key_.name, .primary_key = true, .columns = new_key_.columns});
+  }
+  for (const ado::Index& index : indexes) {
     const bool tells_rows_apart = (index.unique && index.filter.empty()) || index.primary_key;
     if (!tells_rows_apart || std::ranges::any_of(index.columns, is_unknown)) continue;
     conflicts += (conflicts.empty() ? "" : " or ") + condition(index.columns, kPlain);

@@ -33,6 +33,11 @@ class IRehearsedServer {
   /// The columns whose values the server gives by itself, and other ones in a copy.
   virtual std::vector<std::string> GivenColumns(const ado::TableName& table) = 0;
   virtual bool HasTriggers(const ado::TableName& table) = 0;
+  /// How a primary key over these columns is refused since rows of the table share it; none when
+  /// they do not.
+  virtual std::optional<ado::ProviderError> SharedKey(const ado::TableName& table,
+                                                      const std::string& name,
+                                                      const std::vector<std::string>& columns) = 0;
   /// How a row is refused for want of the row that it refers to by this key of the table.
   virtual ErrorSummary LackOfParent(const ado::TableName& table, const ado::Key& key) = 0;
   /// How the key is refused that rows of the table have no such rows for.

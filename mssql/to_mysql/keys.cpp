@@ -91,10 +91,12 @@ void MsSqlToMySql::CheckExistingTable(ado::Table& tab_src, const TableDefinition
       if (!index.primary_key) continue;
       std::vector<std::string> notes{
           fmt::format("its primary key {} was missing on the destination", index.name)};
+      RehearseKey(table.dest_name, index.name, DestNames(index.columns));
       const KeyResult result = AddKey(tab_src, table, index, notes);
       if (result == KeyResult::Unique) notes.back() += " and was added";
       for (const std::string& note : notes) TellNote(table, note);
       if (result == KeyResult::Unique) return;
+      RehearseKey({}, {}, {});  // it tells no rows apart
     }
     if (Options().copy_table_content) TellNote(table, kRowsDouble);
   } catch (const RunTimeError& error) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "endpoint/failure.h"
 #include "endpoint/names.h"
 #include "mssql/to_mysql/literals.h"
 
@@ -12,6 +13,7 @@ namespace dorvane::to_mysql {
 
 namespace {
 
+constexpr std::int32_t kDuplicate = 1062;
 constexpr std::int32_t kNoSuchParent = 1452;
 
 std::string List(const std::vector<std::string>& columns) {
@@ -94,6 +96,21 @@ bool RehearsedMySql::HasTriggers(const ado::TableName& table) {
                   "event_object_table = '{}' and event_manipulation = 'INSERT'",
                   SchemaText(table), Quote(table.name)));
   return !triggers.AtEnd();
+}
+
+std::optional<ado::ProviderError> RehearsedMySql::SharedKey(
+    const ado::TableName& table, const std::string& /*name*/,
+    const std::vector<std::string>& columns) {
+  const std::string list = List(columns);
+  ado::Recordset shared = connection_.Execute(
+      fmt::format("select concat_ws('-', {0}), version() from {1} group by {0} having count(*) > 1 "
+                  "limit 1",
+                  list, MySqlTable(table)));
+  if (shared.AtEnd()) return std::nullopt;
+  const bool is_maria_db = shared.Field(1).Text().find("MariaDB") != std::string::npos;
+  return Refusal(ServerKind::MySql, kDuplicate,
+                 fmt::format("Duplicate entry '{}' for key '{}PRIMARY'", shared.Field(0).Text(),
+                             is_maria_db ? "" : table.name + "."));
 }
 
 ErrorSummary RehearsedMySql::Orphan(const ado::TableName& table, const std::string& key) {

@@ -24,6 +24,8 @@ class RehearsedMySql : public IRehearsedServer {
                             const std::vector<std::string>& columns) override;
   std::vector<std::string> GivenColumns(const ado::TableName& table) override;
   bool HasTriggers(const ado::TableName& table) override;
+  std::optional<ado::ProviderError> SharedKey(const ado::TableName& table, const std::string& name,
+                                              const std::vector<std::string>& columns) override;
   ErrorSummary LackOfParent(const ado::TableName& table, const ado::Key& key) override;
   ErrorSummary LackOfParents(const ado::TableName& table, const ado::Key& key) override;
   std::optional<ado::ProviderError> Denial(TableRight right, const ado::TableName& table) override;

@@ -125,6 +125,9 @@ void MySqlToMsSql::CheckExistingTable(ado::Table& tab_src, const TableDefinition
       return;
     }
     primary = keys[0];
+    std::vector<std::string> columns;
+    for (const std::string& column : primary->columns) columns.push_back(DestName(column));
+    RehearseKey(table.dest_name, "PK", std::move(columns));
     AddPrimaryKey(*primary, table);
     Host().Inform(fmt::format("Table {}: it was there without its primary key, which was added",
                               table.name.Text()));

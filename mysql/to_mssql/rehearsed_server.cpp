@@ -18,6 +18,7 @@ namespace dorvane::to_mssql {
 namespace {
 
 constexpr std::int32_t kConstraintError = 547;
+constexpr std::int32_t kDuplicate = 1505;
 constexpr const char* kDefaults =
     "select c.name, 'default ' + d.definition from sys.default_constraints d join sys.columns c on "
     "c.object_id = d.parent_object_id and c.column_id = d.parent_column_id where "
@@ -132,10 +133,34 @@ std::vector<std::string> RehearsedMsSql::GivenColumns(const ado::TableName& tabl
   return columns;
 }
 
+std::string RehearsedMsSql::FullName(const ado::TableName& table) {
+  if (!table.IsBare()) return table.Text();
+  return connection_.Execute("select schema_name()").Field(0).Text() + "." + table.name;
+}
+
 bool RehearsedMsSql::HasTriggers(const ado::TableName& table) {
   ado::Recordset triggers = connection_.Execute(
       "select 1 from sys.triggers where is_disabled = 0 and parent_id = " + ObjectId(table));
   return !triggers.AtEnd();
+}
+
+std::optional<ado::ProviderError> RehearsedMsSql::SharedKey(
+    const ado::TableName& table, const std::string& name, const std::vector<std::string>& columns) {
+  const std::string list = List(columns);
+  ado::Recordset shared = connection_.Execute(
+      fmt::format("select {0} from {1} group by {0} having count(*) > 1", list, MsSqlTable(table)));
+  if (shared.AtEnd()) return std::nullopt;
+  std::string values;
+  for (std::size_t i = 0; i < shared.FieldCount(); ++i) {
+    values += (i == 0 ? "" : ", ") + shared.Field(i).Text();
+  }
+  shared.Close();
+  return Refusal(
+      ServerKind::MsSql, kDuplicate,
+      fmt::format("The CREATE UNIQUE INDEX statement terminated because a duplicate key was found "
+                  "for the object name '{}' and the index name '{}'. The duplicate key value is "
+                  "({}).",
+                  FullName(table), name, values));
 }
 
 ErrorSummary RehearsedMsSql::LackOfParent(const ado::TableName& table, const ado::Key& key) {
@@ -148,11 +173,6 @@ ErrorSummary RehearsedMsSql::LackOfParents(const ado::TableName& table, const ad
 
 ErrorSummary RehearsedMsSql::Orphan(std::string_view statement, const ado::TableName& table,
                                     const ado::Key& key) {
-  const auto full_name = [&](const ado::TableName& name) {
-    return name.IsBare()
-               ? connection_.Execute("select schema_name()").Field(0).Text() + "." + name.name
-               : name.Text();
-  };
   const bool is_same = text::EqualsIgnoringCase(table.Text(), key.related_table.Text());
   const std::string column =
       key.columns.size() == 1 ? fmt::format(", column '{}'", key.columns[0].related_column) : "";
@@ -161,7 +181,7 @@ ErrorSummary RehearsedMsSql::Orphan(std::string_view statement, const ado::Table
                       "The conflict occurred in database \"{}\", table \"{}\"{}.",
                       statement, is_same ? " SAME TABLE" : "", key.name,
                       connection_.Execute("select db_name()").Field(0).Text(),
-                      full_name(key.related_table), column)};
+                      FullName(key.related_table), column)};
 }
 
 }  // namespace dorvane::to_mssql

@@ -28,12 +28,15 @@ class RehearsedMsSql : public IRehearsedServer {
                             const std::vector<std::string>& columns) override;
   std::vector<std::string> GivenColumns(const ado::TableName& table) override;
   bool HasTriggers(const ado::TableName& table) override;
+  std::optional<ado::ProviderError> SharedKey(const ado::TableName& table, const std::string& name,
+                                              const std::vector<std::string>& columns) override;
   ErrorSummary LackOfParent(const ado::TableName& table, const ado::Key& key) override;
   ErrorSummary LackOfParents(const ado::TableName& table, const ado::Key& key) override;
   /// In rights.cpp.
   std::optional<ado::ProviderError> Denial(TableRight right, const ado::TableName& table) override;
 
  private:
+  std::string FullName(const ado::TableName& table);
   ErrorSummary Orphan(std::string_view statement, const ado::TableName& table, const ado::Key& key);
 
   ado::Connection& connection_;

@@ -3,13 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "tests/ui/contrast.h"
+#include "ui/look/current_look.h"
+#include "ui/look/skins.h"
 
 namespace dorvane::test {
 
@@ -27,6 +31,23 @@ inline std::vector<QWidget*> Worded(QWidget& window) {
     }
   }
   return worded;
+}
+
+/// Calls `look` with each skin on a light and on a dark desktop, and says where it is; the classic
+/// skin and the desktop that was are back afterwards.
+inline void InEverySkinAndPalette(const std::function<void(const std::string& where)>& look) {
+  const QPalette usual = QApplication::palette();
+  for (const QPalette& palette : {usual, DarkPalette()}) {
+    QApplication::setPalette(palette);
+    QApplication::processEvents();
+    for (const QString& skin : {kClassicSkin, kLightSkin, kDarkSkin}) {
+      ChooseSkin(skin);
+      look(skin.toStdString() + (palette == usual ? ", light desktop" : ", dark desktop"));
+    }
+  }
+  QApplication::setPalette(usual);
+  QApplication::processEvents();
+  ChooseSkin(kClassicSkin);
 }
 
 inline void ExpectReadable(QWidget& window, const std::string& where) {

@@ -10,8 +10,6 @@
 #include "tests/ui/print_qt.h"
 #include "tests/ui/readable_words.h"
 #include "tests/ui/wizard/wizard_driver.h"
-#include "ui/look/current_look.h"
-#include "ui/look/skins.h"
 
 namespace dorvane::test {
 
@@ -19,12 +17,9 @@ namespace {
 
 class Looks : public testing::Test {
  protected:
-  Looks() : font_(QApplication::font()), palette_(QApplication::palette()) {}
   ~Looks() override {
     QApplication::setFont(font_);
-    QApplication::setPalette(palette_);
     QApplication::processEvents();
-    ChooseSkin(kClassicSkin);
   }
 
   /// Shows each page in turn, both directions, connected where a page connects.
@@ -50,8 +45,7 @@ class Looks : public testing::Test {
     }
   }
 
-  QFont font_;
-  QPalette palette_;
+  QFont font_ = QApplication::font();
   Script script_;
 };
 
@@ -77,22 +71,17 @@ TEST_F(Looks, NothingIsCutAtAnyUsualFontSize) {
 }
 
 TEST_F(Looks, EverythingCanBeReadInEverySkinAndPalette) {
-  for (const QPalette& palette : {palette_, DarkPalette()}) {
-    QApplication::setPalette(palette);
-    QApplication::processEvents();
-    for (const QString& skin : {kClassicSkin, kLightSkin, kDarkSkin}) {
-      ChooseSkin(skin);
-      WizardDriver driver(script_);
-      OnEveryPage(driver, [&](const char* page) {
-        ExpectReadable(driver.Window(), page + (" in " + skin.toStdString()));
-      });
-      driver.Next();
-      auto& list = driver.Get<QComboBox>("cmbDir2MysqlDatabases");
-      list.showPopup();
-      EXPECT_GE(Contrast(list.view()->grab().toImage()), kReadable) << "the open list";
-      list.hidePopup();
-    }
-  }
+  InEverySkinAndPalette([this](const std::string& where) {
+    WizardDriver driver(script_);
+    OnEveryPage(driver, [&](const char* page) {
+      ExpectReadable(driver.Window(), page + (" in " + where));
+    });
+    driver.Next();
+    auto& list = driver.Get<QComboBox>("cmbDir2MysqlDatabases");
+    list.showPopup();
+    EXPECT_GE(Contrast(list.view()->grab().toImage()), kReadable) << "the open list";
+    list.hidePopup();
+  });
 }
 
 TEST_F(Looks, LongNamesNeverWidenTheWindow) {

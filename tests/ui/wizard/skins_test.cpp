@@ -144,31 +144,21 @@ TEST_F(SkinsTest, TheDesktopsPaletteIsFollowedAtOnce) {
 }
 
 TEST_F(SkinsTest, DialogsCanBeReadInEverySkinAndPalette) {
-  for (const QPalette& palette : {palette_, DarkPalette()}) {
-    QApplication::setPalette(palette);
-    QApplication::processEvents();
-    for (const QString& skin : {kClassicSkin, kLightSkin, kDarkSkin}) {
-      ChooseSkin(skin);
-      const std::string where =
-          skin.toStdString() + (palette == palette_ ? ", light desktop" : ", dark desktop");
-      PlainEndpoint src(ServerKind::MsSql);
-      PlainEndpoint dest(ServerKind::MySql);
-      frmSchedule schedule(src, dest, {"Orders"}, {});
-      schedule.show();
-      ExpectReadable(schedule, where);
-      frmMsgBox box;
-      QTimer::singleShot(0, &box, [&] {
-        ExpectReadable(box, where);
-        const auto& text = *box.findChild<MessageText*>("lblMessage");
-        EXPECT_GE(
-            Contrast(text.palette().color(QPalette::Text), box.palette().color(QPalette::Window)),
-            kReadable)
-            << where;
-        box.done(0);
-      });
-      box.Run(MessageBoxKind::YesNo, "Are you sure?", message_style::kQuestion, "", kAnswerYes);
-    }
-  }
+  InEverySkinAndPalette([](const std::string& where) {
+    PlainEndpoint src(ServerKind::MsSql);
+    PlainEndpoint dest(ServerKind::MySql);
+    frmSchedule schedule(src, dest, {"Orders"}, {});
+    schedule.show();
+    ExpectReadable(schedule, where);
+    frmMsgBox box;
+    QTimer::singleShot(0, &box, [&] {
+      ExpectReadable(box, where);
+      const QColor ink = box.findChild<MessageText*>("lblMessage")->palette().color(QPalette::Text);
+      EXPECT_GE(Contrast(ink, box.palette().color(QPalette::Window)), kReadable) << where;
+      box.done(0);
+    });
+    box.Run(MessageBoxKind::YesNo, "Are you sure?", message_style::kQuestion, "", kAnswerYes);
+  });
 }
 
 }  // namespace

@@ -32,27 +32,6 @@ class TransferPages : public testing::Test {
   WizardDriver driver_{script_};
 };
 
-TEST_F(TransferPages, RowsAreShownInOrderWithTheOtherEvents) {
-  std::vector<int> values;
-  const char* const words[] = {"look", "see"};
-  script_.transfer = [&](IConversionListener& listener, const NameList& tables) {
-    listener.ConversionStarted(2, false);
-    for (const std::string& table : tables) {
-      listener.TableConversionStarted(table);
-      listener.TableContentTransferStarted(table, 50'000);
-      for (int i = 0; i < 50'007; ++i) listener.TableRecordConverted();
-      // Every row before this event is on the bar when the event is seen.
-      listener.ErrorOccured(words[&table - tables.data()], 0, "");
-    }
-    listener.TableConversionStarted("x");
-    listener.ErrorOccured("watch", 0, "");
-  };
-  driver_.GoTo(page::kTransfer);
-  driver_.on_box = [&](QWidget&) { values.push_back(Bar("pbRecordsProgress").value()); };
-  driver_.Click("cmdTransferTables");
-  EXPECT_EQ(values, (std::vector<int>{50'000, 50'000, 0}));
-}
-
 /// Tells a thread that waits for it that a widget was painted.
 class PaintWatch : public QObject {
  public:
