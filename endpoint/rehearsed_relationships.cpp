@@ -97,8 +97,7 @@ void Conversion::RehearseRelationship(const std::string& name, const ado::TableN
 }
 
 bool Conversion::HasOrphans(const ado::TableName& table, const ado::Key& key) {
-  // A server checks its rows by its keys, but for those that SQL Server tells of; MySQL does not
-  // tell.
+  // SQL Server tells of keys that not every row was checked against, MySQL does not.
   if (DestinationKind() == ServerKind::MySql && key.is_trusted) return false;
   std::string is_set;
   std::string is_parent;
@@ -110,8 +109,7 @@ bool Conversion::HasOrphans(const ado::TableName& table, const ado::Key& key) {
   }
   ado::Recordset answer = source_->Execute(
       fmt::format("select case when exists (select 1 from {} c where {}not exists (select 1 from "
-                  "{} p where {})) "
-                  "then 1 else 0 end",
+                  "{} p where {})) then 1 else 0 end",
                   SourceName(table), is_set, SourceName(key.related_table), is_parent));
   return !answer.AtEnd() && answer.Field(0).Text() == "1";
 }

@@ -11,6 +11,7 @@
 #include "endpoint/conversion.h"
 #include "endpoint/references.h"
 #include "mysql/to_mssql/cascade_paths.h"
+#include "mysql/to_mssql/code_page.h"
 #include "mysql/to_mssql/columns.h"
 #include "mysql/to_mssql/foreign_key_text.h"
 #include "mysql/to_mssql/key_text.h"
@@ -98,6 +99,8 @@ class MySqlToMsSql : public Conversion {
   std::unique_ptr<IRowDestination> OpenRows(const TableDefinition& table, TableUse use,
                                             const std::vector<ado::FieldInfo>& fields,
                                             const std::vector<ColumnFacts>& facts) override;
+  /// Of the columns that this run makes; null when it has every character.
+  std::shared_ptr<const CodePage> DatabasePage();
   bool HasIdentity(const ado::TableName& dest_table);
   void StorePostponedRows(std::map<std::string, RowAccount>& accounts) override;
   void ReportCopyProblem(const TableDefinition& table, std::string_view problem) override;
@@ -121,6 +124,7 @@ class MySqlToMsSql : public Conversion {
   const std::string default_schema_;  // of the login on the destination
   Util util_;
   WaitingRows waiting_;
+  std::optional<std::shared_ptr<const CodePage>> database_page_;  // once asked
   // Of the keys that a rehearsal has made.
   CascadePaths deletions_;
   CascadePaths updates_;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "endpoint/literal_text.h"
@@ -48,23 +49,37 @@ bool RowsToMsSql::TakesBlocks() {
 
 void RowsToMsSql::LearnTypes() {
   std::vector<ado::DataType> types(fields_.size(), ado::DataType::Empty);
+  pages_ = std::move(target_.pages);
+  pages_.resize(fields_.size());
   if (target_.is_new) {
     // Its columns were made for the source's.
     std::ranges::transform(fields_, types.begin(), &ado::FieldInfo::type);
   } else {
     try {
-      for (const ado::Column& column : destination_.Columns(target_.table)) {
-        for (std::size_t i = 0; i < fields_.size(); ++i) {
-          if (!text::EqualsIgnoringCase(target_.columns[i], column.name)) continue;
-          types[i] = column.type;
-          if (IsOldMoment(column)) facts_[i].is_exact = false;
-        }
-      }
+      LearnColumns(types);
     } catch (const RunTimeError&) {
       // Without a type numbers are not joined.
     }
   }
   inserts_.SetTypes(std::move(types));
+}
+
+void RowsToMsSql::LearnColumns(std::vector<ado::DataType>& types) {
+  std::map<std::string, std::shared_ptr<const CodePage>> pages;  // of collations
+  for (const ado::Column& column : destination_.Columns(target_.table)) {
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      if (!text::EqualsIgnoringCase(target_.columns[i], column.name)) continue;
+      types[i] = column.type;
+      if (IsOldMoment(column)) facts_[i].is_exact = false;
+      const std::string& collation = column.kind.collation;
+      if (!IsOfCodePage(column.server_type) || collation.empty()) continue;
+      const auto [page, is_unknown] = pages.try_emplace(collation);
+      if (is_unknown) {
+        page->second = PageOfCollation(destination_, fmt::format("'{}'", SqlText(collation)));
+      }
+      pages_[i] = page->second;
+    }
+  }
 }
 
 bool RowsToMsSql::HasTriggers() {
@@ -234,6 +249,12 @@ bool RowsToMsSql::IsThere(std::span<const ado::Value> row) {
 
 void RowsToMsSql::RowStored(std::span<const ado::Value> source_row) {
   for (std::size_t i = 0; i < source_row.size(); ++i) {
+    const auto* text = std::get_if<std::string_view>(&source_row[i]);
+    if (text != nullptr && pages_[i] && !pages_[i]->Takes(*text)) {
+      ++replaced_texts_.count;
+      std::string& first = replaced_texts_.first;
+      if (first.empty()) first = ShownValue(target_.columns[i], *text);
+    }
     const auto* moment = std::get_if<ado::DateTime>(&source_row[i]);
     if (moment == nullptr) continue;
     if (facts_[i].is_exact) {
@@ -250,7 +271,7 @@ void RowsToMsSql::RowStored(std::span<const ado::Value> source_row) {
 }
 
 std::vector<ValueChanges> RowsToMsSql::Changes() const {
-  std::vector<ValueChanges> changes{dates_left_out_, first_days_};
+  std::vector<ValueChanges> changes{replaced_texts_, dates_left_out_, first_days_};
   changes.insert(changes.end(), changes_.begin(), changes_.end());
   return changes;
 }
@@ -268,11 +289,29 @@ std::unique_ptr<IRowDestination> MySqlToMsSql::OpenRows(const TableDefinition& t
                              .sends_pieces = Strategy() != CopyStrategy::RowByRow,
                              .waiting = is_new ? nullptr : &waiting_};
   for (const ado::FieldInfo& field : fields) target.columns.push_back(DestName(field.name));
-  if (!is_new) {
+  if (is_new) {
+    for (const ado::FieldInfo& field : fields) {
+      const ColumnDefinition* column = table.Find(field.name);
+      const bool is_of_page = column != nullptr && IsOfCodePage(column->type);
+      target.pages.push_back(is_of_page ? DatabasePage() : nullptr);
+    }
+  } else {
     target.identity =
         IdentifyingFields(SourceCatalog().TableByName(table.name.Text()).Indexes(), fields);
   }
   return std::make_unique<RowsToMsSql>(Destination(), std::move(target), fields, facts);
+}
+
+std::shared_ptr<const CodePage> MySqlToMsSql::DatabasePage() {
+  if (database_page_) return *database_page_;
+  database_page_.emplace();
+  try {
+    *database_page_ = PageOfCollation(
+        Destination(), "(select collation_name from sys.databases where name = db_name())");
+  } catch (const RunTimeError&) {
+    // Then it is taken to have every character.
+  }
+  return *database_page_;
 }
 
 bool MySqlToMsSql::HasIdentity(const ado::TableName& dest_table) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -11,6 +12,7 @@
 #include "endpoint/failure.h"
 #include "endpoint/row_copier.h"
 #include "endpoint/table_definition.h"
+#include "mysql/to_mssql/code_page.h"
 #include "mysql/to_mssql/insert_batch.h"
 #include "mysql/to_mssql/literals.h"
 #include "mysql/to_mssql/waiting_rows.h"
@@ -30,6 +32,7 @@ class RowsToMsSql : public IRowDestination {
     bool sends_pieces = true;                // of long values, instead of their literals
     WaitingRows* waiting = nullptr;          // for rows of a table that is not new; outlives this
     std::vector<std::size_t> identity = {};  // see IdentifyingFields
+    CodePages pages = {};                    // of a new table's columns
   };
 
   /// `fields` and `facts` describe the source's columns in the order of the target's; `fields` and
@@ -56,6 +59,8 @@ class RowsToMsSql : public IRowDestination {
   bool IsThere(std::span<const ado::Value> row);
   RowOutcome RefusalOf(const ado::Error& error, std::span<const ado::Value> row);
   void LearnTypes();
+  /// Of a table that was there.
+  void LearnColumns(std::vector<ado::DataType>& types);
   bool HasTriggers();
   bool RefersToItself();
 
@@ -64,6 +69,7 @@ class RowsToMsSql : public IRowDestination {
   const std::vector<ado::FieldInfo>& fields_;
   std::vector<ColumnFacts> facts_;
   InsertBatch inserts_;
+  CodePages pages_;                      // of what the columns hold of texts
   std::optional<ado::Recordset> load_;   // opened for the first block worth it
   ado::RowBlock loaded_;                 // a block's rows without those that are not loaded
   std::vector<std::size_t> not_loaded_;  // the positions of those
@@ -76,6 +82,9 @@ class RowsToMsSql : public IRowDestination {
       ValueChanges{.what = "times below zero or beyond a day were added to 1899-12-30"},
       ValueChanges{.what = "fractions of a second were cut"}};
   ValueChanges dates_left_out_{.what = "dates that do not exist became NULL"};
+  ValueChanges replaced_texts_{
+      .what = "hold characters that the destination cannot store; they were replaced by '?'",
+      .is_loss = true};
   ValueChanges first_days_{.what = "dates that do not exist became 0001-01-01"};
   std::int64_t handled_ = 0;  // rows
 };
