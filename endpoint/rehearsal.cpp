@@ -149,8 +149,10 @@ void Conversion::MakeCopy(const TableDefinition& table) {
   for (const std::string& statement :
        server_->CopyOf(table.dest_name, trial_->QuotedName(), table.Identity() != nullptr)) {
     const std::string refusal = trial_->Add(statement);
+    if (!trial_->IsThere()) {
+      return RemarkUnforeseen("which rows " + table.dest_name.Text() + " refuses", refusal);
+    }
     if (!refusal.empty()) RemarkUnforeseen("rows that this refuses: " + statement, refusal);
-    if (!trial_->IsThere()) return;
   }
   trial_->CallChecks(server_->RenamedChecks(table.dest_name, trial_->QuotedName()));
 }

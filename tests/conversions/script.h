@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,8 @@ struct Script {
   std::filesystem::path file;
   Lines ways = {};  // of copying rows, one run each; empty: one run, the usual way
   std::vector<Step> steps = {};
+  /// For GoogleTest.
+  inline void PrintTo(const Script& script, std::ostream* out) { *out << script.name; }
 };
 
 /// The parts of "a, b, c".

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,10 @@ struct Script {
   std::filesystem::path file;
   std::vector<Record> records;
 };
+/// For GoogleTest.
+inline void PrintTo(const Script& script, std::ostream* out) {
+  *out << script.name;
+}
 
 /// All scripts of the folder's *.slt files. Throws std::runtime_error.
 std::vector<Script> ReadScripts(const std::filesystem::path& folder);
