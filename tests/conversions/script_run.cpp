@@ -11,6 +11,7 @@
 #include <regex>
 #include <thread>
 
+#include "app/preview.h"
 #include "app/unattended_listener.h"
 #include "app/unattended_run.h"
 #include "endpoint/names.h"
@@ -33,6 +34,13 @@ Lines RemarksIn(const std::string& log) {
   Lines lines = LinesOf(log);
   std::erase_if(lines, [](const std::string& line) { return std::regex_match(line, frame); });
   return lines;
+}
+
+/// A statement that creates a table, a column a line; others as they are.
+Lines ColumnByColumn(const std::string& statement) {
+  static const std::regex next_column(", ?(?=[`\\[])");
+  if (!statement.starts_with("Create Table ")) return {statement};
+  return LinesOf(std::regex_replace(statement, next_column, ",\n  "));
 }
 
 /// A conversion as a step asks for it.
@@ -92,6 +100,7 @@ class ScriptRun {
     }
     if (step.head == "differences") return Differences();
     if (step.head == "the same in every way") return SinceFirstWay(step.line);
+    if (step.head.starts_with("preview")) return Preview(step.head, body);
     return Convert(step.head, body);
   }
 
@@ -110,7 +119,8 @@ class ScriptRun {
   }
 
   Order OrderOf(const std::string& head, const Lines& body) {
-    static const std::regex convert("convert(?: (.+))? to (mssql|mysql)(?: ([^:]+))?(?:: (.+))?");
+    static const std::regex convert(
+        "(?:convert|preview)(?: (.+))? to (mssql|mysql)(?: ([^:]+))?(?:: (.+))?");
     std::smatch parts;
     if (!std::regex_match(head, parts, convert)) throw std::runtime_error("no step: " + head);
     Order order;
@@ -170,17 +180,42 @@ class ScriptRun {
     return planned(std::make_unique<PlannedEndpoint<MySqlDatabase>>(host));
   }
 
+  static void WriteOrder(const Order& order, const TempFolder& folder) {
+    WriteSettings(order.job, folder / "run.dcs", folder / "log.txt");
+    std::ofstream(folder / "run.dcs", std::ios::app) << Joined(order.options, "\r\n") << "\r\n";
+  }
+
+  HostedEndpointFactory Maker() const {
+    return [this](ServerKind kind, IRunHost& host) { return MakeEndpoint(kind, host); };
+  }
+
+  /// What `--preview` prints between its first line and its last one.
+  Lines Preview(const std::string& head, const Lines& body) {
+    const Order order = OrderOf(head, body);
+    const TempFolder folder;
+    WriteOrder(order, folder);
+    testing::internal::CaptureStdout();
+    const RunStatus status = RunPreview(folder / "run.dcs", Maker());
+    const Lines printed = LinesOf(testing::internal::GetCapturedStdout());
+    EXPECT_EQ(static_cast<int>(status), order.status) << script_.name << ": " << head;
+    static const std::regex frame(
+        "|go|-- What a run would do: .*|-- Nothing would be lost.|-- \\d+ remarks?, see above.");
+    Lines lines;
+    for (const std::string& line : printed) {
+      if (std::regex_match(line, frame)) continue;
+      std::ranges::copy(ColumnByColumn(line), std::back_inserter(lines));
+    }
+    return lines;
+  }
+
   Lines Convert(const std::string& head, const Lines& body) {
     const Order order = OrderOf(head, body);
     last_ = order;
     const TempFolder folder;
-    WriteSettings(order.job, folder / "run.dcs", folder / "log.txt");
-    std::ofstream(folder / "run.dcs", std::ios::app) << Joined(order.options, "\r\n") << "\r\n";
+    WriteOrder(order, folder);
     Lines foretold;
     if (order.is_previewed) foretold = Rehearse(folder / "run.dcs", folder / "preview.txt");
-    const RunStatus status = RunUnattendedConversion(
-        folder / "run.dcs",
-        [this](ServerKind kind, IRunHost& host) { return MakeEndpoint(kind, host); });
+    const RunStatus status = RunUnattendedConversion(folder / "run.dcs", Maker());
     Lines remarks = RemarksIn(ReadLog(folder / "log.txt"));
     EXPECT_EQ(static_cast<int>(status), order.status) << script_.name << ": " << head;
     if (!order.is_previewed) return remarks;

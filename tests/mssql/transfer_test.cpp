@@ -53,41 +53,17 @@ struct MsSqlTransfer : testing::Test, test::TransferRig<MsSqlDatabase, MySqlData
   }
 };
 
-TEST_F(MsSqlTransfer, GivesEachTypeItsText) {
-  struct Row {
-    DataType type;
-    std::string text;
+TEST_F(MsSqlTransfer, GivesTypesThatNoDriverHereHasTheirText) {
+  const std::pair<DataType, std::string_view> types[] = {
+      {DataType::TinyInt, "TINYINT(1) NULL"},
+      {DataType::UnsignedSmallInt, "INT NULL"},
+      {DataType::UnsignedInt, "BIGINT UNSIGNED NULL"},
+      {DataType::UnsignedBigInt, "BIGINT UNSIGNED NULL"},
+      {DataType::Date, "DATETIME NULL"},
+      {DataType::BStr, "LONGTEXT NULL"},
+      {DataType::Empty, " NULL"},
   };
-  const Row rows[] = {
-      {DataType::SmallInt, "SMALLINT(6)"},
-      {DataType::Integer, "INT"},
-      {DataType::Single, "FLOAT"},
-      {DataType::Double, "DOUBLE"},
-      {DataType::Currency, "DECIMAL(19,4)"},
-      {DataType::Boolean, "TINYINT(1)"},
-      {DataType::TinyInt, "TINYINT(1)"},
-      {DataType::UnsignedTinyInt, "TINYINT(1)"},
-      {DataType::Variant, "LONGBLOB"},
-      {DataType::Guid, "LONGBLOB"},
-      {DataType::LongVarBinary, "LONGBLOB"},
-      {DataType::BigInt, "BIGINT"},
-      {DataType::Binary, "BLOB"},
-      {DataType::VarBinary, "BLOB"},
-      {DataType::LongVarChar, "LONGTEXT"},
-      {DataType::LongVarWChar, "LONGTEXT"},
-      {DataType::DBTimeStamp, "DATETIME"},
-      {DataType::DBDate, "DATE"},
-      {DataType::DBTime, "TIME"},
-      {DataType::Date, "DATETIME"},
-      {DataType::BStr, "LONGTEXT"},
-      {DataType::UnsignedSmallInt, "INT"},
-      {DataType::UnsignedInt, "BIGINT UNSIGNED"},
-      {DataType::UnsignedBigInt, "BIGINT UNSIGNED"},
-  };
-  for (const Row& row : rows) {
-    EXPECT_EQ(Definition(MakeColumn("c", row.type)), row.text + " NULL");
-  }
-  EXPECT_EQ(Definition(MakeColumn("c", DataType::Empty, false)), " NOT NULL");
+  for (const auto& [type, text] : types) EXPECT_EQ(Definition(MakeColumn("c", type)), text);
 }
 
 TEST_F(MsSqlTransfer, ReadsObjectsAsTheirText) {
@@ -112,141 +88,10 @@ TEST_F(MsSqlTransfer, ReadsObjectsAsTheirText) {
   }
 }
 
-TEST_F(MsSqlTransfer, SizesDecideOverTextAndFractions) {
-  const auto sized = [&](DataType type, std::int64_t size) {
-    return Definition(WithSize(MakeColumn("c", type, false), size));
-  };
-  EXPECT_EQ(sized(DataType::WChar, 10), "varchar(10) NOT NULL");
-  EXPECT_EQ(sized(DataType::Char, 256), "Text NOT NULL");
-  EXPECT_EQ(sized(DataType::VarWChar, 255), "VARCHAR(255) NOT NULL");
-  EXPECT_EQ(sized(DataType::VarChar, 256), "Text NOT NULL");
-  EXPECT_EQ(sized(DataType::VarChar, 2147483647), "Text NOT NULL");
-  const auto digits = [&](DataType type, int precision, int scale) {
-    return Definition(WithDigits(MakeColumn("c", type), precision, scale));
-  };
-  EXPECT_EQ(digits(DataType::Numeric, 10, 2), "DECIMAL(10,2) NULL");
-  EXPECT_EQ(digits(DataType::VarNumeric, 38, 0), "DECIMAL(38,0) NULL");
-  EXPECT_EQ(digits(DataType::DBTimeStamp, 0, 3), "DATETIME NULL");
-  EXPECT_EQ(digits(DataType::DBTimeStamp, 0, 7), "DATETIME(6) NULL");
-  EXPECT_EQ(digits(DataType::DBTime, 0, 7), "TIME(6) NULL");
-}
-
-TEST_F(MsSqlTransfer, TurnsDefaultsIntoLiterals) {
-  struct Row {
-    DataType type;
-    std::string value;
-    std::string tail;
-  };
-  const Row rows[] = {
-      {DataType::Integer, "-7", " Default -7"},
-      {DataType::Integer, "1.5", " Default 1"},
-      {DataType::Integer, "", " Default 0"},
-      {DataType::Double, "", " Default  0.0"},
-      {DataType::Boolean, "", " Default 0"},
-      {DataType::Double, "0", " Default  0.0"},
-      {DataType::Currency, "1.5", " Default  1.5"},
-      {DataType::Boolean, "1", " Default 1"},
-      {DataType::Boolean, "0", " Default 0"},
-      {DataType::DBTimeStamp, "GetDate()", ""},
-      {DataType::DBTimeStamp, "2020-01-31 10:20:30", " Default 20200131102030"},
-      {DataType::DBTimeStamp, "", " Default 19000101000000"},
-      {DataType::DBTimeStamp, "0", " Default 19000101000000"},
-      {DataType::DBTimeStamp, "-1", " Default 18991231000000"},
-      {DataType::DBTimeStamp, "0001-01-01T00:00:00.0000000", " Default '00010101000000'"},
-      {DataType::DBTimeStamp, "Jan 2 2020", " Default 20200102000000"},
-      {DataType::DBTimeStamp, "12 February, 1999 10:30PM", " Default 19990212223000"},
-      {DataType::DBTimeStamp, "12/31/2099 11:59 PM", " Default 20991231235900"},
-      {DataType::DBTimeStamp, "1900.01.02 12 am", " Default 19000102000000"},
-      {DataType::DBTimeStamp, "1/2/49", " Default 20490102000000"},
-      {DataType::DBTimeStamp, "2020-02-31", ""},
-      {DataType::DBTimeStamp, "2020", ""},  // a year or a number of days
-      {DataType::DBDate, "getdate()", ""},
-      {DataType::DBDate, "20200131", " Default '2020-01-31 00:00:00'"},
-      {DataType::VarWChar, "O'Brien \\ \"x\"", " Default 'O''Brien \\\\ \\\"x\\\"'"},
-      {DataType::VarChar, "12'5", " Default '12''5'"},
-      {DataType::VarChar, "10", " Default 10"},
-      {DataType::VarChar, "007", " Default '007'"},
-      {DataType::VarChar, "1e5", " Default '1e5'"},
-      {DataType::VarChar, "+5", " Default '+5'"},
-      {DataType::VarChar, "", " Default ''"},
-      {DataType::Guid, "{6F9619FF-8B86-D011-B42D-00C04FC964FF}",
-       " Default 0x6F9619FF8B86D011B42D00C04FC964FF"},
-      {DataType::Guid, "none", ""},
-      {DataType::VarBinary, "0x0aff", " Default 0x0AFF"},
-      {DataType::VarBinary, "0x", " Default ''"},
-      {DataType::Binary, "0x0aff", ""},
-  };
-  for (const Row& row : rows) {
-    host.notes.clear();
-    const std::string text =
-        Definition(WithDefault(WithSize(MakeColumn("c", row.type, false), 20), row.value));
-    const std::string_view not_null = " NOT NULL";
-    const std::size_t at = text.find(not_null);
-    ASSERT_NE(at, std::string::npos) << row.value;
-    EXPECT_EQ(text.substr(at + not_null.size()), row.tail) << row.value;
-    EXPECT_EQ(host.notes.size(), row.tail.empty() ? 1u : 0u) << row.value;
-  }
-  EXPECT_EQ(Definition(WithDefault(WithDigits(MakeColumn("c", DataType::DBTimeStamp), 0, 7),
-                                   "2020-01-02 03:04:05.1234567")),
-            "DATETIME(6) NULL Default '2020-01-02 03:04:05.123456'");
-  ado::Column computed = MakeColumn("c", DataType::Integer);
-  computed.other_default = "(1+1)";
-  host.notes.clear();
-  EXPECT_EQ(Definition(computed), "INT NULL");
-  EXPECT_THAT(host.notes, ElementsAre("Table t: the default (1+1) of column c was left off"));
-}
-
 TEST_F(MsSqlTransfer, MarksTheIdentityColumnByItsExactName) {
   EXPECT_EQ(Definition(MakeColumn("c", DataType::Integer, false), "c"),
             "INT NOT NULL primary key auto_increment");
   EXPECT_EQ(Definition(MakeColumn("c", DataType::Integer, false), "C"), "INT NOT NULL");
-}
-
-TEST_F(MsSqlTransfer, ConvertsTablesKeysAndRelationshipsInOrder) {
-  src.SetReplaceSpaceWithUnderscore(true);
-  src.SetConvertMode(convert_mode::kOverwrite);
-  src.SetConvertRelationships(true);
-  AddTable("Order Details", {MakeColumn("Order ID", DataType::Integer, false),
-                             WithSize(MakeColumn("Unit Name", DataType::VarChar), 9)});
-  AddTable("Orders", {MakeColumn("ID", DataType::Integer, false)}, "ID");
-  source.indexes["Order Details"] = {{"UX", false, true, {"Unit Name"}},
-                                     {"PK OD", true, true, {"Order ID", "Unit Name"}},
-                                     {"IX Unit Name", false, false, {"Unit Name", "Order ID"}}};
-  source.indexes["Orders"] = {{"PK_Orders", true, true, {"ID", "other"}}};
-  source.keys["Order Details"] = {{"PK OD", ado::KeyType::Primary, "", {}, {}, {{"Order ID", ""}}},
-                                  {"FK 1",
-                                   ado::KeyType::Foreign,
-                                   "Other Table",
-                                   ado::RuleType::Cascade,
-                                   ado::RuleType::SetNull,
-                                   {{"a b", "x"}, {"b", "y"}}},
-                                  {"FK_2",
-                                   ado::KeyType::Foreign,
-                                   "Orders",
-                                   ado::RuleType::SetDefault,
-                                   ado::RuleType::None,
-                                   {{"c", "z"}}}};
-  Transfer({"Order Details", "Orders"});
-  EXPECT_THAT(
-      Changes(),
-      ElementsAre(
-          "Drop Table If Exists `Order_Details`",
-          "Create Table `Order_Details`(`Order_ID` INT NOT NULL,`Unit_Name` VARCHAR(9) NULL)",
-          "ALTER TABLE `Order_Details` add constraint `PK_OD` Primary "
-          "key(`Order_ID`,`Unit_Name`)",
-          "Create unique index `UX` on `Order_Details`(`Unit_Name`)",
-          "Create index `IX_Unit_Name` on `Order_Details`(`Unit_Name`,`Order_ID`)",
-          "Drop Table If Exists `Orders`",
-          "Create Table `Orders`(`ID` INT NOT NULL primary key auto_increment)",
-          "ALTER TABLE `Order_Details` ADD CONSTRAINT  `FK 1` FOREIGN KEY (a b,b) REFERENCES "
-          "Other_Table(x,y) ON DELETE CASCADE ON UPDATE SET NULL",
-          "ALTER TABLE `Order_Details` ADD CONSTRAINT  `FK_2` FOREIGN KEY (c) REFERENCES "
-          "Orders(z) ON DELETE  ON UPDATE NO ACTION"));
-  EXPECT_THAT(events.events,
-              ElementsAre("started 2 true", "table Order Details", "succeeded Order Details",
-                          "table Orders", "succeeded Orders", "relations Order Details",
-                          "relations Orders", "ended"));
-  EXPECT_GE(host.yields, 2);
 }
 
 TEST_F(MsSqlTransfer, AsksForTheIdentityColumnInAnotherWayWhereTheProcedureIsRefused) {
@@ -305,6 +150,7 @@ TEST_F(MsSqlTransfer, SourceFailuresAreNotPutDownToTheDestination) {
               ElementsAre("started 3 false", "table a",
                           "error 16 [MySQL] Can not drop table a - Error no. -2147217871 - busy",
                           "failed a", "table missing", "table b", "succeeded b", "ended"));
+  EXPECT_GE(host.yields, 2);
   ASSERT_EQ(host.unclassified.size(), 1u);
   EXPECT_TRUE(host.unclassified[0].starts_with(
       "16 [Table Conversion] Failed to convert table missing 3265: "));
@@ -375,42 +221,6 @@ TEST_F(MsSqlTransfer, RefusedDefinitionsAreCured) {
     EXPECT_THAT(events.Errors(), IsEmpty());
     EXPECT_EQ(host.notes, each.notes);
   }
-}
-
-TEST_F(MsSqlTransfer, AFilterIsToldAndItsUniqueKeyRefusesNoRow) {
-  AddTable("t", {MakeColumn("a", DataType::Integer), MakeColumn("b", DataType::Integer)});
-  source.indexes["t"] = {
-      {"ux_null", false, true, {"a", "b"}, true, "([b] IS NOT NULL AND [a] IS NOT NULL)"},
-      {"ux_part", false, true, {"a"}, false, "([a] IS NOT NULL AND [b]>(0))"},
-      {"ix_part", false, false, {"b"}, false, "([a]=(1))"}};
-  Transfer({"t"});
-  EXPECT_THAT(dest.Sent("Create unique"),
-              ElementsAre("Create unique index `ux_null` on `t`(`a`,`b`)"));
-  EXPECT_THAT(dest.Sent("Create index"), ElementsAre("Create index `ux_part` on `t`(`a`)",
-                                                     "Create index `ix_part` on `t`(`b`)"));
-  EXPECT_THAT(host.notes,
-              ElementsAre("Table t: index ux_null is ascending in all its columns",
-                          "Table t: unique key ux_part became a plain index, since MySQL has no "
-                          "filter ([a] IS NOT NULL AND [b]>(0))",
-                          "Table t: index ix_part covers every row, since MySQL has no filter "
-                          "([a]=(1))"));
-}
-
-TEST_F(MsSqlTransfer, RelationshipsThatAreOffAreLeftOut) {
-  AddTable("t", {MakeColumn("a", DataType::Integer)});
-  ado::Key off{
-      .name = "off", .type = ado::KeyType::Foreign, .related_table = "t", .columns = {{"a", "a"}}};
-  off.is_disabled = true;
-  ado::Key unchecked = off;
-  unchecked.name = "unchecked";
-  unchecked.is_disabled = unchecked.is_trusted = false;
-  source.keys["t"] = {off, unchecked};
-  src.SetConvertRelationships(true);
-  Transfer({"t"});
-  EXPECT_EQ(dest.Sent("ALTER TABLE").size(), 1U);
-  EXPECT_THAT(host.notes, ElementsAre("Table t: relationship off was left out: it is disabled",
-                                      "Table t: relationship unchecked was not checked against "
-                                      "every row on the source"));
 }
 
 TEST_F(MsSqlTransfer, ARefusedKeyIsNamedAndTheNextOneGoesOn) {
