@@ -151,6 +151,8 @@ class ScriptRun {
     const std::string rest = line.substr(std::min(line.find(' ') + 1, line.size()));
     if (line.starts_with("tables ")) {
       order.job.tables = SplitAtCommas(rest);
+    } else if (line.starts_with("login of MySQL ")) {
+      order.job.my_sql_user = line.substr(line.rfind(' ') + 1);
     } else if (line.starts_with("login ")) {
       order.job.ms_sql_user = rest;
     } else if (line.starts_with("exit ")) {
