@@ -192,21 +192,5 @@ INSTANTIATE_TEST_SUITE_P(, SideBySide, testing::Values(ServerKind::MsSql, Server
                            return kind.param == ServerKind::MsSql ? "FromMsSql" : "FromMySql";
                          });
 
-TEST(SideBySideProgram, IsToldByAnOption) {
-  Rig& rig = Rig::Get();
-  const std::string database = rig.NewDatabases();
-  std::string script;
-  for (int i = 1; i <= 6; ++i) script += fmt::format("create table t{} (id int)\ngo\n", i);
-  rig.MsSql().Script(script, database);
-  ProgramRun run({.source_db = database,
-                  .dest_db = database,
-                  .tables = {"t1", "t2", "t3", "t4", "t5", "t6"},
-                  .tables_at_once = 4});
-  EXPECT_EQ(run.Wait(), 0) << run.Log();
-  for (int i = 1; i <= 6; ++i) {
-    EXPECT_THAT(run.Log(), HasSubstr(fmt::format("Converting table 't{}' ..... \nDone!\n", i)));
-  }
-}
-
 }  // namespace
 }  // namespace dorvane::test
