@@ -29,29 +29,12 @@ class FakeEngine::Session : public EngineSession {
     database_ = name;
     return true;
   }
-  void Execute(std::string_view batch, ResultSink& sink) override { Run(batch, {}, sink); }
-  void ExecuteWithParameters(std::string_view batch, std::span<const Parameter> parameters,
-                             ResultSink& sink) override {
-    Run(batch, parameters, sink);
-  }
-  void Call(std::string_view procedure, std::span<const Parameter> parameters,
-            ResultSink& sink) override {
-    engine_.Keep({std::string(procedure), {parameters.begin(), parameters.end()}});
-    auto found = engine_.procedures.find(std::string(procedure));
-    if (found == engine_.procedures.end()) {
-      sink.Message({.number = 2812, .text = "Could not find stored procedure.", .procedure = {}});
-    } else {
-      found->second(parameters, sink);
-    }
-  }
-  std::unique_ptr<BulkTarget> BeginBulk(std::string_view, ResultSink&) override {
-    return std::make_unique<Bulk>(engine_);
-  }
-
- private:
-  void Run(std::string_view batch, std::span<const Parameter> parameters, ResultSink& sink) {
+  void Execute(std::string_view batch, ResultSink& sink) override {
     batch = batch.substr(0, batch.find_last_not_of(" \r\n") + 1);  // tools end it with a line end
-    engine_.Keep({std::string(batch), {parameters.begin(), parameters.end()}});
+    {
+      std::lock_guard lock(engine_.mutex_);
+      engine_.batches_.emplace_back(batch);
+    }
     auto found = engine_.batches.find(std::string(batch));
     if (found == engine_.batches.end()) {
       sink.Done(std::nullopt);
@@ -59,24 +42,30 @@ class FakeEngine::Session : public EngineSession {
       found->second(*this, sink);
     }
   }
+  void ExecuteWithParameters(std::string_view batch, std::span<const Parameter>,
+                             ResultSink& sink) override {
+    Execute(batch, sink);
+  }
+  void Call(std::string_view, std::span<const Parameter>, ResultSink& sink) override {
+    sink.Message({.number = 2812, .text = "Could not find stored procedure.", .procedure = {}});
+  }
+  std::unique_ptr<BulkTarget> BeginBulk(std::string_view, ResultSink&) override {
+    return std::make_unique<Bulk>(engine_);
+  }
 
+ private:
   FakeEngine& engine_;
   std::string database_ = "master";
 };
 
-std::vector<FakeEngine::Call> FakeEngine::Calls() const {
+std::vector<std::string> FakeEngine::Batches() const {
   std::lock_guard lock(mutex_);
-  return calls_;
+  return batches_;
 }
 
 std::vector<std::vector<Value>> FakeEngine::BulkRows() const {
   std::lock_guard lock(mutex_);
   return bulk_rows_;
-}
-
-void FakeEngine::Keep(Call call) {
-  std::lock_guard lock(mutex_);
-  calls_.push_back(std::move(call));
 }
 
 std::unique_ptr<EngineSession> FakeEngine::OpenSession(std::string_view) {

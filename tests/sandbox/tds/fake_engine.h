@@ -10,22 +10,16 @@
 
 namespace sandbox::tds {
 
-/// An engine whose answers a test scripts: what a batch or procedure does is a function, what the
-/// client sent is kept.
+/// An engine whose answers a test scripts: what a batch does is a function, what the client sent is
+/// kept.
 class FakeEngine : public Engine {
  public:
   using Answer = std::function<void(EngineSession& session, ResultSink& sink)>;
-  using Procedure = std::function<void(std::span<const Parameter> parameters, ResultSink& sink)>;
 
   std::map<std::string, Answer> batches;
-  std::map<std::string, Procedure> procedures;
   std::vector<ColumnInfo> bulk_columns;
 
-  struct Call {
-    std::string text;
-    std::vector<Parameter> parameters;
-  };
-  std::vector<Call> Calls() const;
+  std::vector<std::string> Batches() const;
   std::vector<std::vector<Value>> BulkRows() const;
 
   std::unique_ptr<EngineSession> OpenSession(std::string_view login) override;
@@ -35,10 +29,8 @@ class FakeEngine : public Engine {
   class Session;
   class Bulk;
 
-  void Keep(Call call);
-
   mutable std::mutex mutex_;
-  std::vector<Call> calls_;
+  std::vector<std::string> batches_;
   std::vector<std::vector<Value>> bulk_rows_;
 };
 

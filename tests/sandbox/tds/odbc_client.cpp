@@ -1,6 +1,7 @@
 #include "tests/sandbox/tds/odbc_client.h"
 
 #include <array>
+#include <stdexcept>
 
 namespace sandbox::tds {
 
@@ -16,19 +17,9 @@ SQLCHAR* Chars(const std::string& text) {
 
 void OdbcClient::Check(SQLRETURN result, SQLSMALLINT kind, SQLHANDLE handle) const {
   if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return;
-  std::string text;
-  std::vector<int> natives;
-  std::array<SQLCHAR, 1024> message;
-  std::array<SQLCHAR, 6> state;
-  SQLINTEGER native = 0;
-  SQLSMALLINT length = 0;
-  for (SQLSMALLINT record = 1; SQL_SUCCEEDED(SQLGetDiagRec(
-           kind, handle, record, state.data(), &native, message.data(), message.size(), &length));
-       ++record) {
-    text += reinterpret_cast<char*>(message.data()) + std::string("\n");
-    natives.push_back(native);
-  }
-  throw OdbcError(text, natives);
+  std::array<SQLCHAR, 1024> message{};
+  SQLGetDiagRec(kind, handle, 1, nullptr, nullptr, message.data(), message.size(), nullptr);
+  throw std::runtime_error(reinterpret_cast<char*>(message.data()));
 }
 
 OdbcClient::OdbcClient(std::uint16_t port, const std::string& settings) {
@@ -36,9 +27,8 @@ OdbcClient::OdbcClient(std::uint16_t port, const std::string& settings) {
   SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, reinterpret_cast<void*>(SQL_OV_ODBC3), 0);
   SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_);
   std::string text = std::string("DRIVER=") + kDriver +
-                     ";Server=127.0.0.1;Port=" + std::to_string(port) + ";ClientCharset=UTF-8;" +
-                     settings;
-  if (text.find("UID=") == std::string::npos) text += ";UID=sa;PWD=secret";
+                     ";Server=127.0.0.1;Port=" + std::to_string(port) +
+                     ";ClientCharset=UTF-8;UID=sa;PWD=secret;" + settings;
   try {
     Check(SQLDriverConnect(connection_, nullptr, Chars(text), SQL_NTS, nullptr, 0, nullptr,
                            SQL_DRIVER_NOPROMPT),

@@ -5,22 +5,13 @@
 
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace sandbox::tds {
 
-/// A failure with the native error numbers of all its records.
-class OdbcError : public std::runtime_error {
- public:
-  OdbcError(const std::string& text, std::vector<int> numbers)
-      : std::runtime_error(text), natives(std::move(numbers)) {}
-  std::vector<int> natives;
-};
-
-/// The real driver, against a server on loopback; user "sa", password "secret" unless `settings`
-/// say otherwise. Every failure throws OdbcError.
+/// The real driver, against a server on loopback, as "sa" with the password "secret". Every failure
+/// throws std::runtime_error.
 class OdbcClient {
  public:
   explicit OdbcClient(std::uint16_t port, const std::string& settings = "TDS_Version=7.4");

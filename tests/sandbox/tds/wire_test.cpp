@@ -109,7 +109,7 @@ TEST_F(Wire, WithdrawnMessagesAndFreshSessionsAreRefused) {
     client.Send(MessageType::SqlBatch, BatchRecord("run"), status);
     EXPECT_TRUE(Contains(client.Receive(), Utf16("protocol stream is incorrect")));
   }
-  EXPECT_TRUE(engine_.Calls().empty());
+  EXPECT_TRUE(engine_.Batches().empty());
 }
 
 TEST_F(Wire, TransactionsAreAnnouncedWithTheirDescriptor) {
