@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "platform/ado/connection.h"
-#include "tests/support/compare.h"
+#include "tools/compare.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ void Print(std::string_view heading, const std::vector<std::string>& lines) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  using dorvane::test::WayBack;
+  using dorvane::WayBack;
   const bool is_exact = argc == 6 && std::string_view(argv[5]) == "exact";
   if (argc != 5 && !is_exact) {
     fmt::print(stderr, "usage: compare_databases PORT PASSWORD FIRST LAST [exact]\n");
@@ -43,7 +43,7 @@ int main(int argc, char** argv) {
     first.Open(SettingsOf(argv, argv[3]));
     last.Open(SettingsOf(argv, argv[4]));
     const auto comparison =
-        dorvane::test::CompareDatabases(first, last, is_exact ? WayBack::Exact : WayBack::Classic);
+        dorvane::CompareDatabases(first, last, is_exact ? WayBack::Exact : WayBack::Classic);
     Print(fmt::format("{} and {}, row by row:", argv[3], argv[4]), comparison.tables);
     Print("Not to be kept on the way over MySQL:", comparison.losses);
     Print("DIFFERENT:", comparison.faults);

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "tests/e2e/rig.h"
-#include "tests/support/compare.h"
+#include "tools/compare.h"
 
 namespace dorvane::test {
 

@@ -1,4 +1,4 @@
-#include "tests/support/compare.h"
+#include "tools/compare.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,7 @@
 
 #include "platform/ado/catalog.h"
 
-namespace dorvane::test {
+namespace dorvane {
 
 namespace {
 
@@ -91,8 +91,7 @@ std::string Quoted(const ado::TableName& table) {
 }
 
 /// The rows of a table of the last database in the order of the first one's key.
-std::string OrderedSelect(ado::Connection& connection, const ado::TableName& table,
-                          const ado::TableName& in_last) {
+std::string OrderedSelect(ado::Connection& connection, const ado::TableName& table) {
   std::string order;
   for (const ado::Index& index : connection.Indexes(table)) {
     if (!index.primary_key) continue;
@@ -100,7 +99,7 @@ std::string OrderedSelect(ado::Connection& connection, const ado::TableName& tab
       order += fmt::format("{}[{}]", order.empty() ? " order by " : ", ", column);
     }
   }
-  return fmt::format("select * from {}{}", Quoted(in_last), order);
+  return fmt::format("select * from {}{}", Quoted(table), order);
 }
 
 struct ColumnDifference {
@@ -111,11 +110,11 @@ struct ColumnDifference {
 class TableComparison {
  public:
   TableComparison(ado::Connection& first, ado::Connection& last, const ado::TableName& table,
-                  const ado::TableName& in_last, WayBack way)
+                  WayBack way)
       : table_(table.Text()),
         way_(way),
-        first_(first.Execute(OrderedSelect(first, table, table))),
-        last_(last.Execute(OrderedSelect(first, table, in_last))) {}
+        first_(first.Execute(OrderedSelect(first, table))),
+        last_(last.Execute(OrderedSelect(first, table))) {}
 
   void Run(Comparison& result) {
     if (first_.FieldCount() != last_.FieldCount()) {
@@ -176,14 +175,13 @@ class TableComparison {
 
 }  // namespace
 
-Comparison CompareDatabases(ado::Connection& first, ado::Connection& last, WayBack way,
-                            const NameInLast& name_in_last) {
+Comparison CompareDatabases(ado::Connection& first, ado::Connection& last, WayBack way) {
   Comparison result;
   for (const ado::TableInfo& table : first.Tables()) {
     if (table.type != "TABLE") continue;
-    TableComparison(first, last, table.name, name_in_last(table.name), way).Run(result);
+    TableComparison(first, last, table.name, way).Run(result);
   }
   return result;
 }
 
-}  // namespace dorvane::test
+}  // namespace dorvane
