@@ -94,37 +94,6 @@ TEST_F(BulkWriterTest, ValuesArriveAsTheyAre) {
   }
 }
 
-TEST_F(BulkWriterTest, MomentsAndPaddedTextsArriveAsTheirLiteralsWould) {
-  MakeTable(
-      "k int, a date null, b time(0) null, c time(6) null, d datetime2(0) null, e datetime2(6) "
-      "null, f nchar(4) null");
-  const std::vector<std::string> names{"k", "a", "b", "c", "d", "e", "f"};
-  const std::vector<std::vector<std::string>> texts{
-      {"1753-01-01", "00:00:00", "00:00:00.000001", "1753-01-01 00:00:00",
-       "1753-01-01 00:00:00.000001", ""},
-      {"9999-12-31", "23:59:59", "23:59:59.999999", "9999-12-31 23:59:59",
-       "9999-12-31 23:59:59.999999", "\u4E16\u00E9"},
-      {"2000-02-29", "12:00:00", "12:34:56.123456", "1900-09-14 01:02:03",
-       "2020-02-29 12:34:56.654321", "abcd"}};
-  std::vector<Row> rows{{std::int64_t{-1}, {}, {}, {}, {}, {}, {}}};
-  for (const auto& row : texts) {
-    rows.push_back({static_cast<std::int64_t>(rows.size())});
-    for (const std::string& text : row) rows.back().emplace_back(std::string_view(text));
-  }
-  Load(names, rows);
-  Run("insert into " + kTable +
-      " values (11, '1753-01-01', '00:00:00', '00:00:00.000001', "
-      "'1753-01-01 00:00:00', '1753-01-01 00:00:00.000001', N''), (12, '9999-12-31', '23:59:59', "
-      "'23:59:59.999999', '9999-12-31 23:59:59', '9999-12-31 23:59:59.999999', N'\u4E16\u00E9'), "
-      "(13, '2000-02-29', '12:00:00', '12:34:56.123456', '1900-09-14 01:02:03', "
-      "'2020-02-29 12:34:56.654321', N'abcd'), (9, null, null, null, null, null, null)");
-  const std::string cells =
-      "select a, convert(varchar(40), b, 121), convert(varchar(40), c, 121), convert(varchar(40), "
-      "d, 121), convert(varchar(40), e, 121), f from " +
-      kTable;
-  EXPECT_EQ(RowsOf(cells + " where k < 9 order by k"), RowsOf(cells + " where k >= 9 order by k"));
-}
-
 TEST_F(BulkWriterTest, NumbersOfEveryPrecisionKeepTheirDigits) {
   std::string columns = "k int not null";
   std::vector<std::string> names{"k"};
