@@ -28,10 +28,12 @@ TEST(Conversion, TheUsersOwnDriverSettingsDoNotMatter) {
                   {"TDSVER", "4.2"},
                   {"TDSPORT", "1"},
                   {"TDSHOST", "10.255.255.1"},
+                  {"TDSDUMP", (home / "dump").string()},
                   {"ODBCINI", (home / ".odbc.ini").string()},
                   {"LC_ALL", "C"}});
   EXPECT_EQ(run.Wait(), 0) << run.Log();
   EXPECT_EQ(rig.MySqlValue("select hex(V) from T", db), "D18FE6BCA2");
+  EXPECT_FALSE(std::filesystem::exists(home / "dump")) << "it holds passwords";
 }
 
 }  // namespace

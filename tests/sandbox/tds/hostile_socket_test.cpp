@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "sandbox/tds/server.h"
+#include "tests/fuzz/mutator.h"
 #include "tests/sandbox/tds/fake_engine.h"
 #include "tests/sandbox/tds/wire_client.h"
 
@@ -51,28 +50,6 @@ std::string Requests() {
          Packet(MessageType::BulkLoad, bulk.bytes());
 }
 
-std::string Mutated(std::string bytes, std::mt19937& random) {
-  const auto any = [&](std::size_t below) { return random() % below; };
-  for (std::size_t edits = 1 + any(8); edits > 0; --edits) {
-    std::size_t at = any(bytes.size());
-    switch (any(4)) {
-      case 0:
-        bytes[at] = static_cast<char>(any(256));
-        break;
-      case 1:
-        bytes[at] = '\xFF';
-        break;
-      case 2:
-        bytes.erase(at, 1 + any(16));
-        break;
-      default:
-        bytes.insert(at, std::string(1 + any(16), static_cast<char>(any(256))));
-    }
-    if (bytes.empty()) bytes = "x";
-  }
-  return bytes;
-}
-
 TEST(HostileSocket, BrokenConversationsEndOnlyThemselves) {
   FakeEngine engine;
   engine.bulk_columns = {{.name = "n", .type = {SqlType::Int}}};
@@ -86,12 +63,11 @@ TEST(HostileSocket, BrokenConversationsEndOnlyThemselves) {
   }
   ASSERT_EQ(engine.BulkRows().size(), 1U);
 
-  std::mt19937 random(20240501);
+  dorvane::fuzz::Mutator late({requests});
+  dorvane::fuzz::Mutator early({handshake + requests});
   for (int round = 0; round < 400; ++round) {
     WireClient client(server.Port());
-    const bool late = round % 4 != 0;
-    client.SendBytes(late ? handshake + Mutated(requests, random)
-                          : Mutated(handshake + requests, random));
+    client.SendBytes(round % 4 != 0 ? handshake + late.Next() : early.Next());
     client.StopSending();
     EXPECT_TRUE(client.ClosedByServer());
   }

@@ -1,12 +1,12 @@
 #include "tests/sandbox/tds/wire_client.h"
 
-#include <arpa/inet.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 
 #include <stdexcept>
 
 #include "sandbox/text/utf16.h"
+#include "tests/support/sockets.h"
 
 namespace sandbox::tds {
 
@@ -93,16 +93,10 @@ bool Contains(const std::string& reply, std::string_view bytes) {
   return reply.find(bytes) != std::string::npos;
 }
 
-WireClient::WireClient(std::uint16_t port) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(port);
+WireClient::WireClient(std::uint16_t port) : socket_(dorvane::test::ConnectTo(port)) {
+  if (socket_.get() < 0) throw std::runtime_error("cannot connect");
   timeval timeout{.tv_sec = 20, .tv_usec = 0};
   setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
-  if (connect(socket_.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
-    throw std::runtime_error("cannot connect");
-  }
 }
 
 void WireClient::SendBytes(std::string_view bytes) {

@@ -19,6 +19,23 @@ TEST_F(MsSqlTest, FindsTheServerByAnyFormOfItsName) {
   EXPECT_EQ(LogOn(settings_), (Failure{hresult::kFail, 18456})) << "no trusted connection";
 }
 
+TEST_F(MsSqlTest, LogsOnWithWhatLooksLikeSyntax) {
+  for (const std::string value :
+       {"a;b", "a}b", "a;b}c", "x}", "{x}", "{;}", "a=b", "it's \"x\"", " edge ", "ä€😀;"}) {
+    std::string literal = value;
+    if (const auto quote = literal.find('\''); quote != literal.npos) literal.insert(quote, "'");
+    ConnectionSettings settings = settings_;
+    settings.user_id = "u" + value;
+    settings.password = value;
+    settings.database = "d" + value;
+    Run(fmt::format("create login [u{}] with password = N'{}'", value, literal));
+    Run(fmt::format("create database [d{}]", value));
+    EXPECT_EQ(LogOn(settings), Failure{}) << value;
+    settings.password += " ";
+    EXPECT_EQ(LogOn(settings), (Failure{hresult::kFail, 18456})) << value;
+  }
+}
+
 TEST_F(MsSqlTest, ABatchIsCarriedOutWholeWhenItReturns) {
   Run("create table batch (id int not null primary key)");
   Run("insert into batch values (1); update batch set id = 5 where id = 99; "
