@@ -24,6 +24,11 @@ TEST(OtherServers, LackProceduresAndViewsAndSpellTablesInLowerCase) {
       "insert Artist(Name) values (N'Björk'), (N'二')\ngo\n"
       "insert Album values (1, 1, N'Debut'), (2, 2, N'zwei')\ngo\n",
       "music");
+  EXPECT_THROW(server.Script("exec sp_help Artist\ngo\n", "music"), std::runtime_error);
+  EXPECT_THROW(server.Script("select * from sys.foreign_keys\ngo\n", "music"), std::runtime_error);
+  EXPECT_THAT(server.Script("exec sp_tables @table_type = \"'TABLE'\"\ngo\n", "music"),
+              HasSubstr("\talbum\t"));
+  EXPECT_THAT(server.Script("select name from sys.tables\ngo\n", "music"), HasSubstr("Album"));
   const std::string there = Rig::Get().NewDatabases();
   ProgramRun run({.source_db = "music",
                   .dest_db = there,

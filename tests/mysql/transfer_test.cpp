@@ -135,15 +135,6 @@ TEST_F(MySqlTransfer, DropsEveryTableFirstAndReportsWhatKeepsThem) {
   EXPECT_EQ(dest.log[4], "drop table  [c]");
 }
 
-TEST_F(MySqlTransfer, MergeKeepsATableThatExists) {
-  AddTable("t", {{MakeColumn("c", DataType::Integer)}});
-  AddKeys("t", {{"t", "1", "a", "1", "c", {}, "BTREE"}});
-  dest.Fail("Create Table", Failure(ado::hresult::kErrorsInCommand, 2714, "exists"));
-  Transfer({"t"});
-  EXPECT_THAT(events.events, ElementsAre("started 1 false", "table t", "succeeded t", "ended"));
-  EXPECT_THAT(dest.Sent("Create index"), IsEmpty());
-}
-
 TEST_F(MySqlTransfer, SourceFailuresSayWhatTheyAre) {
   AddTable("t", {{MakeColumn("c", DataType::Integer)}});
   source.Fail("show columns", Failure(-9, 1, "lost"));

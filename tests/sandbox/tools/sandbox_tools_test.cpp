@@ -116,18 +116,6 @@ TEST_F(SandboxTools, BsqldbShowsWhatWasLoaded) {
   EXPECT_EQ(loaded_, "") << "the script loads without a word";
 }
 
-TEST_F(SandboxTools, TsqlShowsRowsAndTheDefinition) {
-  EXPECT_EQ(Tsql("select * from Orders order by Number desc\ngo\n"),
-            "3\tNULL\tc;d\t9\n2\t15\tb\t7\n1\t10\ta\t1\n");
-  EXPECT_EQ(Tsql("select c.name, y.name, c.max_length, c.is_nullable\n"
-                 "from sys.columns c join sys.tables t on t.object_id = c.object_id\n"
-                 "join sys.types y on y.user_type_id = c.user_type_id\n"
-                 "where t.name = 'Others' order by c.column_id\ngo\n"),
-            "Id\tint\t4\t0\nLine\tvarchar\t3\t1\n");
-  const std::string help = Tsql("sp_help Orders\ngo\n");
-  EXPECT_THAT(help, HasSubstr("No identity column defined."));
-}
-
 TEST_F(SandboxTools, ErrorsAreShownAsTheServerWordsThem) {
   const std::string shown = Tsql(
       "select 1\ninsert Orders values 1\ngo\n"

@@ -42,20 +42,6 @@ TEST(GradientButton, EnumeratedPropertiesTakeTheirRangeAndIgnoreTheRest) {
   }
 }
 
-TEST(GradientButton, CarriesADescriptionForEveryPublicProperty) {
-  const QMetaObject& meta = GradientButton::staticMetaObject;
-  const char* names[] = {"ButtonStyle",    "Caption",       "CaptionAlign",       "CaptionStyle",
-                         "ButtonShape",    "Picture",       "PictureAlign",       "PictureSize",
-                         "Enabled",        "ShowFocusRect", "MousePointer",       "MouseIcon",
-                         "Font",           "FontStyle",     "ForeColor",          "BackColor",
-                         "GradientColor",  "GradientMode",  "ResetDefaultColors", "HoverColorLocks",
-                         "HoverForeColor", "HoverBackColor"};
-  for (const char* name : names) {
-    EXPECT_GE(meta.indexOfProperty(name), 0) << name;
-    EXPECT_GE(meta.indexOfClassInfo(name), 0) << name;
-  }
-}
-
 TEST(GradientButton, StackedPictureKeepsTheCaptionCentred) {
   GradientButton button;
   button.SetCaptionAlign(0);

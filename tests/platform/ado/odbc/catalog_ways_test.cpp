@@ -154,28 +154,5 @@ TEST(SystemViews, TellWhatAColumnIsBeside) {
   Views().Run("drop table kinds");
 }
 
-TEST(SystemViews, TellWhichIndexesAndKeysCount) {
-  Views().Run(
-      "create table counted(id int not null primary key, a int null, b int null, "
-      "constraint fk_off foreign key (a) references counted(id))");
-  Views().Run("create unique index ux on counted(a desc) where a is not null");
-  Views().Run("create index ix_off on counted(b) include (a)");
-  Views().Run("alter index ix_off on counted disable");
-  Views().Run("alter table counted nocheck constraint fk_off");
-  Views().Run(
-      "alter table counted with nocheck add constraint fk_some foreign key (b) references "
-      "counted(id)");
-  const TableDetails table = Views().Catalog().AllTables().at("counted");
-  EXPECT_THAT(table.left_out, ElementsAre("index ix_off was left out: it is disabled"));
-  ASSERT_EQ(table.indexes.size(), 2U);
-  EXPECT_EQ(table.indexes[1].filter, "([a] IS NOT NULL)");
-  EXPECT_TRUE(table.indexes[1].is_descending);
-  EXPECT_FALSE(table.indexes[0].is_descending);
-  ASSERT_EQ(table.keys.size(), 3U);
-  EXPECT_TRUE(table.keys[1].is_disabled);
-  EXPECT_FALSE(table.keys[2].is_disabled || table.keys[2].is_trusted);
-  Views().Run("drop table counted");
-}
-
 }  // namespace
 }  // namespace dorvane::ado
