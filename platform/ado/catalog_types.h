@@ -32,8 +32,6 @@ struct ColumnKind {
   std::string computed;   // the definition, "([a]+[b])"; empty for a column that is stored as given
   bool is_given = false;  // its values are the server's own: computed, a period's, a row version
   bool is_persisted = false;  // a computed column that is stored
-  bool is_sparse = false;
-  bool is_row_guid = false;
   bool is_masked = false;
   bool is_hidden = false;    // "select *" leaves it out
   int generated_always = 0;  // 0: not; 1, 2: a period's start and end; further ones of ledgers

@@ -21,6 +21,7 @@ Lines Batches(const Lines& body) {
       batches.back() += line + "\n";
     }
   }
+  std::erase(batches, "");  // behind the last "go"
   return batches;
 }
 

@@ -36,6 +36,19 @@ Lines RemarksIn(const std::string& log) {
   return lines;
 }
 
+/// Statements, those of a file of the project in place of the line that names it.
+Lines WithoutFiles(const Lines& body) {
+  constexpr std::string_view kFile = "from file ";
+  Lines statements;
+  for (const std::string& line : body) {
+    const bool is_file = line.starts_with(kFile);
+    const Lines lines =
+        is_file ? LinesOf(ReadFile(PROJECT_FOLDER "/" + line.substr(kFile.size()))) : Lines{line};
+    statements.insert(statements.end(), lines.begin(), lines.end());
+  }
+  return statements;
+}
+
 /// A statement that creates a table, a column a line; others as they are.
 Lines ColumnByColumn(const std::string& statement) {
   static const std::regex next_column(", ?(?=[`\\[])");
@@ -96,7 +109,9 @@ class ScriptRun {
     std::smatch parts;
     if (std::regex_match(step.head, parts, query)) {
       const std::string database = parts[2].matched ? parts[2].str() : "shop";
-      return parts[1] == "mssql" ? AnswerOfMsSql(database, body) : AnswerOfMySql(database, body);
+      const Lines statements = WithoutFiles(body);
+      return parts[1] == "mssql" ? AnswerOfMsSql(database, statements)
+                                 : AnswerOfMySql(database, statements);
     }
     if (step.head == "differences") return Differences();
     if (step.head == "the same in every way") return SinceFirstWay(step.line);

@@ -190,29 +190,6 @@ TEST_F(MySqlCopy, EachRefusalIsTheRowsOrEndsTheCopy) {
   }
 }
 
-TEST_F(MySqlCopy, CountsTheValuesOfStoredRowsThatTheRulesChange) {
-  const ado::DateTime moments[] = {
-      {0, 0, 0, 0, 0},    {2020, 2, 31, 0, 0},           {2020, 0, 0, 0, 5}, {1752, 12, 31, 0, 5},
-      {1753, 1, 1, 0, 0}, {2020, 2, 29, 1, 500'000'000}, {2021, 1, 1, 0, 5}};
-  std::vector<Row> rows;
-  for (const ado::DateTime& moment : moments) rows.push_back(Numbered(1, moment));
-  Rows(DataType::DBTimeStamp, rows);
-  dest.Fail("2021", Failure(kViolation, 547, "check"));
-  Transfer({"a t"});
-  EXPECT_THAT(host.notes,
-              ElementsAre("Table a t: 3 dates that do not exist became 1753-01-01, 1 dates before "
-                          "1753-01-01 were raised to it, 1 fractions of a second were cut"));
-
-  host.notes.clear();
-  Rows(DataType::DBTime,
-       {Numbered(1, ado::DateTime{}), Numbered(2, ado::DateTime{1899, 12, 30, 90000, 0}),
-        Numbered(3, ado::DateTime{1899, 12, 30, 0, -1000})});
-  Transfer({"a t"});
-  EXPECT_THAT(host.notes,
-              ElementsAre("Table a t: 1 times were put on 1899-12-30, 2 times below zero or beyond "
-                          "a day were added to 1899-12-30, 1 fractions of a second were cut"));
-}
-
 TEST_F(MySqlCopy, TablesThatWouldTellBlocksApartGetRows) {
   Rows(DataType::VarChar, {Numbered(1, std::string_view("a")), Numbered(2, std::string_view("b"))});
   dest.Fail("Create Table", Failure(ado::hresult::kErrorsInCommand, 2714, "exists"));

@@ -76,14 +76,12 @@ void AddColumnRow(const QueryRow& row, TableDetails& details) {
     kAliasType,
     kDefault,
     kCollation,
-    kIsRowGuid,
     kComputed,
     kIsPersisted,
     kIsIdentity,
     kSeed,
     kIncrement,
     kLast,
-    kIsSparse,
     kIsMasked,
     kIsHidden,
     kGenerated
@@ -106,8 +104,6 @@ void AddColumnRow(const QueryRow& row, TableDetails& details) {
                  .is_given = !row.Text(kComputed).empty() || row.Number(kGenerated) != 0 ||
                              type == "timestamp",
                  .is_persisted = row.Flag(kIsPersisted),
-                 .is_sparse = row.Flag(kIsSparse),
-                 .is_row_guid = row.Flag(kIsRowGuid),
                  .is_masked = row.Flag(kIsMasked),
                  .is_hidden = row.Flag(kIsHidden),
                  .generated_always = static_cast<int>(row.Number(kGenerated))};

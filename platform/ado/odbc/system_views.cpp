@@ -110,9 +110,9 @@ void SystemViews::ReadColumns(const std::string& object_id, const DetailsOf& det
       "case when t.is_user_defined = 1 and b.name is not null then "
       "schema_name(t.schema_id) + '.' + t.name end, "
       "convert(nvarchar(4000), isnull(d.definition, object_name(c.default_object_id))), "
-      "c.collation_name, c.is_rowguidcol, convert(nvarchar(4000), e.definition), e.is_persisted, "
+      "c.collation_name, convert(nvarchar(4000), e.definition), e.is_persisted, "
       "c.is_identity, convert(varchar(40), i.seed_value), convert(varchar(40), i.increment_value), "
-      "convert(varchar(40), i.last_value), {}, {}, {}, {} "
+      "convert(varchar(40), i.last_value), {}, {}, {} "
       "from sys.columns c "
       "left join sys.types t on t.user_type_id = c.user_type_id "
       "left join sys.types b on b.user_type_id = c.system_type_id "
@@ -120,9 +120,8 @@ void SystemViews::ReadColumns(const std::string& object_id, const DetailsOf& det
       "left join sys.computed_columns e on e.object_id = c.object_id and e.column_id = c.column_id "
       "left join sys.identity_columns i on i.object_id = c.object_id and i.column_id = c.column_id "
       "where {} order by c.object_id, c.column_id",
-      IfThere("columns", "c", "is_sparse"), IfThere("columns", "c", "is_masked"),
-      IfThere("columns", "c", "is_hidden"), IfThere("columns", "c", "generated_always_type"),
-      IsOf("c.object_id", object_id));
+      IfThere("columns", "c", "is_masked"), IfThere("columns", "c", "is_hidden"),
+      IfThere("columns", "c", "generated_always_type"), IsOf("c.object_id", object_id));
   ForEachRow(logon_, sql, [&](const QueryRow& row) {
     if (TableDetails* details = details_of(row.Number(0))) AddColumnRow(row, *details);
   });

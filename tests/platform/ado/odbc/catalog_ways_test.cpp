@@ -131,28 +131,5 @@ TEST(CatalogWays, TheDefaultSchemaIsTheLogins) {
   }
 }
 
-TEST(SystemViews, TellWhatAColumnIsBeside) {
-  Views().Run(
-      "create table kinds(id decimal(20,0) identity(-5,2) not null, p Money2, s int sparse null, "
-      "g uniqueidentifier rowguidcol default newid(), a int, total as (a * 2), "
-      "kept as (a + 1) persisted, cs varchar(10) collate Latin1_General_CS_AS)");
-  Views().Run("insert kinds(a) values (1)");
-  Views().Run("insert kinds(a) values (1)");
-  const std::vector<Column> columns = Views().Catalog().Columns("kinds");
-  ASSERT_EQ(columns.size(), 8U);
-  ASSERT_TRUE(columns[0].identity);
-  EXPECT_EQ(columns[0].identity->seed + columns[0].identity->increment + columns[0].identity->last,
-            "-52-3");
-  EXPECT_EQ(columns[1].kind.alias_type + " " + columns[1].kind.base_type, "dbo.Money2 decimal");
-  EXPECT_EQ(columns[1].precision, 12);
-  EXPECT_TRUE(columns[2].kind.is_sparse && columns[3].kind.is_row_guid);
-  EXPECT_FALSE(columns[1].kind.is_sparse || columns[1].kind.is_row_guid || columns[1].identity);
-  EXPECT_EQ(columns[5].kind.computed, "([a]*(2))");
-  EXPECT_FALSE(columns[5].kind.is_persisted);
-  EXPECT_TRUE(columns[6].kind.is_persisted);
-  EXPECT_EQ(columns[7].kind.collation, "Latin1_General_CS_AS");
-  Views().Run("drop table kinds");
-}
-
 }  // namespace
 }  // namespace dorvane::ado
