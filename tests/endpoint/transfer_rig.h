@@ -37,6 +37,17 @@ inline ado::Column MakeColumn(std::string name, ado::DataType type, bool nullabl
   return column;
 }
 
+/// One of 20 characters where that matters.
+inline ado::Column ColumnOf(std::string name, std::string server_type, int digits = 0,
+                            int scale = 0) {
+  ado::Column column = MakeColumn(std::move(name), ado::DataType::Integer);
+  column.server_type = std::move(server_type);
+  column.precision = digits;
+  column.numeric_scale = scale;
+  column.defined_size = 20;
+  return column;
+}
+
 inline ado::Column WithSize(ado::Column column, std::int64_t size) {
   column.defined_size = size;
   return column;

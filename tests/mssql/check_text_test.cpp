@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
+#include "tests/support/table.h"
 
 namespace dorvane::to_mysql {
 
@@ -10,18 +10,8 @@ namespace {
 
 TEST(CheckTextToMySql, NamesAreQuotedAndWhatIsReadOtherwiseIsNothing) {
   const auto quoted = [](std::string_view name) { return "`" + std::string(name) + "`"; };
-  for (const auto& [condition, text] : {
-           std::pair{"([Price]>=(0))", "(`Price`>=(0))"},
-           {"([a ]] b]='it''s [x' OR [c] IS NULL)", ""},
-           {"([a ]] b]='it''s' OR [c] IS NULL)", "(`a ] b`='it''s' OR `c` IS NULL)"},
-           {"([Kind]=N'\u4E16')", "(`Kind`=N'\u4E16')"},
-           {"([a]/(2)>(1))", ""},
-           {"([a]+[b]='ab')", ""},
-           {"([a] like '[0-9]%')", ""},
-           {"([a] like 'x\\%')", ""},
-           {"([a]<>'/+')", "(`a`<>'/+')"},
-       }) {
-    EXPECT_EQ(CheckText(condition, quoted), text) << condition;
+  for (const auto& cells : test::ReadTable("mssql/checks.txt")) {
+    EXPECT_EQ(CheckText(cells.at(0), quoted), cells.at(1) == "-" ? "" : cells[1]) << cells[0];
   }
 }
 
