@@ -1,13 +1,11 @@
 #include "tests/conversions/script_run.h"
 
 #include <fmt/format.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <map>
 #include <regex>
 #include <thread>
 
@@ -18,6 +16,7 @@
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"
 #include "tests/conversions/answers.h"
+#include "tests/conversions/order.h"
 #include "tests/conversions/table_differences.h"
 #include "tests/e2e/rig.h"
 #include "tests/support/planned_endpoint.h"
@@ -55,14 +54,6 @@ Lines ColumnByColumn(const std::string& statement) {
   if (!statement.starts_with("Create Table ")) return {statement};
   return LinesOf(std::regex_replace(statement, next_column, ",\n  "));
 }
-
-/// A conversion as a step asks for it.
-struct Order {
-  Job job;
-  Lines options;  // as in a settings file
-  int status = 0;
-  bool is_previewed = false;
-};
 
 class ScriptRun {
  public:
@@ -134,49 +125,10 @@ class ScriptRun {
   }
 
   Order OrderOf(const std::string& head, const Lines& body) {
-    static const std::regex convert(
-        "(?:convert|preview)(?: (.+))? to (mssql|mysql)(?: ([^:]+))?(?:: (.+))?");
-    std::smatch parts;
-    if (!std::regex_match(head, parts, convert)) throw std::runtime_error("no step: " + head);
-    Order order;
-    Job& job = order.job;
-    job.source = parts[2] == "mysql" ? ServerKind::MsSql : ServerKind::MySql;
-    job.source_db = parts[1].matched ? parts[1].str() : "shop";
-    job.dest_db = parts[3].matched ? parts[3].str() : "shop";
-    job.tables_at_once = way_.tables_at_once;
-    for (const std::string& word : SplitAtCommas(parts[4].str())) TakeWord(word, job);
-    for (const std::string& line : body) TakeLine(line, order);
-    if (job.tables.empty()) job.tables = AllTables(job);
+    Order order = ReadOrder(head, body);
+    order.job.tables_at_once = way_.tables_at_once;
+    if (order.job.tables.empty()) order.job.tables = AllTables(order.job);
     return order;
-  }
-
-  static void TakeWord(const std::string& word, Job& job) {
-    if (word == "merge") {
-      job.mode = convert_mode::kMerge;
-    } else if (word == "relationships") {
-      job.relationships = true;
-    } else if (word == "underscores") {
-      job.underscores = true;
-    } else if (!word.empty()) {
-      throw std::runtime_error("no word of a conversion: " + word);
-    }
-  }
-
-  static void TakeLine(const std::string& line, Order& order) {
-    const std::string rest = line.substr(std::min(line.find(' ') + 1, line.size()));
-    if (line.starts_with("tables ")) {
-      order.job.tables = SplitAtCommas(rest);
-    } else if (line.starts_with("login of MySQL ")) {
-      order.job.my_sql_user = line.substr(line.rfind(' ') + 1);
-    } else if (line.starts_with("login ")) {
-      order.job.ms_sql_user = rest;
-    } else if (line.starts_with("exit ")) {
-      order.status = std::stoi(rest);
-    } else if (line == "preview agrees") {
-      order.is_previewed = true;
-    } else {
-      order.options.push_back(line);
-    }
   }
 
   NameList AllTables(const Job& job) {

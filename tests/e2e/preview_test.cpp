@@ -1,10 +1,8 @@
 // A preview says beforehand what a run does and what is lost by it, and changes nothing.
 
-#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <sstream>
 
 #include "tests/e2e/rig.h"
@@ -17,31 +15,22 @@ using testing::HasSubstr;
 
 constexpr const char* kMsSqlShop =
     "create table Customer (Id int identity(7,1) not null primary key, Name nvarchar(40) not null, "
-    "Since datetime null, Note varchar(max) null, Code uniqueidentifier null, Price money default "
-    "1.5)\ngo\n"
+    "Note varchar(max) null, Price money default 1.5)\ngo\n"
     "create unique index Names on Customer(Name)\ngo\n"
-    "insert into Customer (Name, Since, Note) values (N'Łódź', '2024-02-29 12:30:15.123', "
-    "'short')\n"
+    "insert into Customer (Name, Note) values (N'Łódź', 'short')\n"
     "insert into Customer (Name, Note) values (N'x', replicate(convert(varchar(max), 'long '), "
-    "20000))\n"
-    "insert into Customer (Name) values (N'y')\ngo\n"
+    "20000))\ngo\n"
     "create table Orders (No int not null primary key, Customer int not null references "
     "Customer(Id))\ngo\n"
-    "insert into Orders values (1, 7)\ngo\n"
-    "create table Loose (A int null, B varchar(10) null)\ngo\n"
-    "insert into Loose values (1, 'x')\ngo\n";
+    "insert into Orders values (1, 7)\ngo\n";
 
 constexpr const char* kMySqlShop =
     "create table Customer (Id int auto_increment primary key, Name varchar(40) not null unique, "
-    "Since datetime(6), Born date, Clock time, Note text, Kind enum('a','b') default 'b') "
-    "character set utf8mb4;"
-    "insert into Customer values (1, 'Łódź', '2024-02-29 12:30:15.123456', '1700-01-01', "
-    "'12:00:00', 'n', 'a'), (2, 'x', null, null, null, null, null);"
+    "Born date, Kind enum('a','b') default 'b') character set utf8mb4;"
+    "insert into Customer values (1, 'Łódź', '1700-01-01', 'a'), (2, 'x', null, null);"
     "create table Orders (No int primary key, Customer int not null, foreign key (Customer) "
     "references Customer(Id));"
-    "insert into Orders values (1, 1);"
-    "create table Loose (A int, B varchar(10));"
-    "insert into Loose values (1, 'x')";
+    "insert into Orders values (1, 1);";
 
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;
@@ -63,7 +52,7 @@ class PreviewTest : public testing::Test {
     return {.source = source,
             .source_db = database_,
             .dest_db = database_,
-            .tables = {"Customer", "Loose", "Orders"},
+            .tables = {"Customer", "Orders"},
             .mode = convert_mode::kOverwrite,
             .relationships = true};
   }
@@ -99,7 +88,7 @@ TEST_F(PreviewTest, ShowsTheStatementsThatAreSentToMySql) {
   std::erase_if(shown,
                 [](const std::string& line) { return line.empty() || line.starts_with("--"); });
   EXPECT_THAT(shown, testing::ElementsAreArray(LinesOf(sent)));
-  EXPECT_THAT(preview, HasSubstr("-- 3 rows are copied\n"));
+  EXPECT_THAT(preview, HasSubstr("-- 2 rows are copied\n"));
 }
 
 TEST_F(PreviewTest, TheScriptForSqlServerMakesWhatTheRunMakes) {

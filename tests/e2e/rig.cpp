@@ -11,13 +11,14 @@ namespace dorvane::test {
 
 namespace {
 
-void Prepare(IDatabase& endpoint, int port, const std::string& user, const std::string& password,
-             const std::string& database) {
-  endpoint.SetServer("127.0.0.1");
-  endpoint.SetPortNo(port);
-  endpoint.SetUserId(user);
-  endpoint.SetPassword(password);
-  endpoint.SetDbName(database);
+void Prepare(IDatabase& endpoint, int port, const std::string& user, const std::string& database,
+             int idle_limit) {
+  endpoint.SetSettings({.server = "127.0.0.1",
+                        .port = port,
+                        .user_id = user,
+                        .password = "secret",
+                        .database = database,
+                        .idle_limit = idle_limit});
 }
 
 std::string Trimmed(std::string text) {
@@ -73,27 +74,17 @@ void WriteSettings(const Job& job, const std::filesystem::path& settings,
   PlainEndpoint src(job.source);
   PlainEndpoint dest(from_ms_sql ? ServerKind::MySql : ServerKind::MsSql);
   Prepare(from_ms_sql ? src : dest, job.ms_sql_port ? job.ms_sql_port : Rig::Get().MsSql().Port(),
-          job.ms_sql_user, job.ms_sql_password, from_ms_sql ? job.source_db : job.dest_db);
+          job.ms_sql_user, from_ms_sql ? job.source_db : job.dest_db, job.idle_limit);
   Prepare(from_ms_sql ? dest : src, job.my_sql_port ? job.my_sql_port : Rig::Get().MySql().Port(),
-          job.my_sql_user, job.my_sql_password, from_ms_sql ? job.dest_db : job.source_db);
-  for (IDatabase* endpoint : {static_cast<IDatabase*>(&src), static_cast<IDatabase*>(&dest)}) {
-    ado::ConnectionSettings settings_of = endpoint->Settings();
-    settings_of.idle_limit = job.idle_limit;
-    endpoint->SetSettings(std::move(settings_of));
-  }
-  src.SetCopyTableContent(true);
-  src.SetConvertMode(job.mode);
-  src.SetConvertRelationships(job.relationships);
-  src.SetReplaceSpaceWithUnderscore(job.underscores);
-  ConversionOptions options = src.Options();
-  options.types = job.types;
-  options.tables_at_once = job.tables_at_once;
-  options.verification = job.verification;
-  options.reports = job.reports;
-  options.computed_columns = job.computed_columns;
-  options.schemas = job.schemas;
-  options.destination_schema = job.dest_schema;
-  src.SetOptions(options);
+          job.my_sql_user, from_ms_sql ? job.dest_db : job.source_db, job.idle_limit);
+  src.SetOptions({.copy_table_content = true,
+                  .convert_mode = job.mode,
+                  .replace_space_with_underscore = job.underscores,
+                  .convert_relationships = job.relationships,
+                  .verification = job.verification,
+                  .types = job.types,
+                  .reports = job.reports,
+                  .tables_at_once = job.tables_at_once});
   SaveConversionSettings(settings, src, dest, job.tables, log.string());
 }
 

@@ -23,18 +23,13 @@ struct Job {
   bool underscores = false;
   int ms_sql_port = 0;  // 0: the rig's server
   int my_sql_port = 0;
-  std::string ms_sql_password = "secret";
-  std::string my_sql_password = "secret";
   int idle_limit = 600;  // seconds
   TypeMapping types = TypeMapping::Classic;
-  SchemaPolicy schemas = SchemaPolicy::Prefix;
-  std::string dest_schema = {};
   std::string ms_sql_user = "sa";
   std::string my_sql_user = "root";
   int tables_at_once = 1;
   Verification verification = Verification::None;
   NameList reports = {};
-  ComputedColumns computed_columns = ComputedColumns::Values;
 };
 
 /// Two private servers, shared by all tests of the program, and runs of the real program.

@@ -78,43 +78,5 @@ TEST_F(DyingServers, ALostSourceThatComesBackCostsOneTable) {
                                      "Done!\n"));
 }
 
-struct Unreachable {
-  Job job;
-  std::string line;
-};
-
-TEST(UnreachableServers, AreLoggedInTheirOwnWords) {
-  Rig& rig = Rig::Get();
-  const std::string db = rig.NewDatabases();
-  const Job good{.source_db = db, .dest_db = db, .tables = {"t"}};
-  Job no_source = good, bad_source = good, no_source_db = good;
-  no_source.ms_sql_port = FreePort();
-  bad_source.ms_sql_password = "wrong";
-  no_source_db.source_db = "nowhere";
-  Job no_dest = good, bad_dest = good, no_dest_db = good;
-  no_dest.my_sql_port = FreePort();
-  bad_dest.my_sql_password = "wrong";
-  no_dest_db.dest_db = "nowhere";
-  const std::vector<Unreachable> cases = {
-      {no_source,
-       "Conversion Failed! MS SQL Server can not be found at that server. Make sure that "
-       "you entered the correct host name"},
-      {bad_source, "Conversion Failed! Access denied while trying to connect to MS SQL server"},
-      {no_source_db, "Conversion Failed! Database nowhere does not exist. Please create it first."},
-      {no_dest,
-       "Conversion Failed! MySQL Server can not be found at that server. Make sure that you "
-       "entered the correct host name"},
-      {bad_dest, "Conversion Failed! Access denied while trying to connect to MySQL server"},
-      {no_dest_db,
-       "Conversion Failed! Database nowhere does not exist in MySQL Server. Please "
-       "create it first."}};
-  for (const auto& [job, line] : cases) {
-    ProgramRun run(job);
-    EXPECT_EQ(run.Wait(), 1);
-    EXPECT_THAT(run.Log(), HasSubstr(line + "\n"));
-    EXPECT_THAT(run.Log(), Not(HasSubstr("Conversion ended")));
-  }
-}
-
 }  // namespace
 }  // namespace dorvane::test

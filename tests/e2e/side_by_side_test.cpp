@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <set>
 
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"

@@ -51,22 +51,21 @@ struct MySqlCopy : testing::Test,
 
 constexpr const char* kHead = "INSERT INTO [a_t] ([the_k], [v]) ";
 
-TEST_F(MySqlCopy, RowByRowSendsOneInsertEach) {
+TEST_F(MySqlCopy, RowByRowSendsOneInsertEachAndSwitchesIdentitiesAroundIt) {
   src.plan.strategy = CopyStrategy::RowByRow;
+  const std::string head(kHead);
   Rows(DataType::VarChar, {Numbered(1, std::string_view("It's")), Numbered(2, {})});
   Transfer({"a t"});
-  EXPECT_THAT(RowStatements(), ElementsAre(std::string(kHead) + " VALUES(1, 'It''s')",
-                                           std::string(kHead) + " VALUES(2, NULL)"));
+  EXPECT_THAT(RowStatements(),
+              ElementsAre(head + " VALUES(1, 'It''s')", head + " VALUES(2, NULL)"));
   EXPECT_THAT(events.events, ElementsAre("started 1 false", "table a t", "content a t 2", "rows 2",
                                          "succeeded a t", "ended"));
-}
 
-TEST_F(MySqlCopy, RowByRowSwitchesIdentityInsertAroundEachRow) {
-  src.plan.strategy = CopyStrategy::RowByRow;
+  dest.log.clear();
   Rows(DataType::Double, {Numbered(1, 2.0)}, true);
   Transfer({"a t"});
   EXPECT_THAT(RowStatements(),
-              ElementsAre("set identity_insert [a_t] On;" + std::string(kHead) + " VALUES(1,  2.0)",
+              ElementsAre("set identity_insert [a_t] On;" + head + " VALUES(1,  2.0)",
                           "set identity_insert [a_t] Off;"));
 }
 

@@ -3,6 +3,7 @@
 
 #include "tests/platform/ado/server_test.h"
 #include "tests/platform/ado/told.h"
+#include "tests/support/table.h"
 
 namespace dorvane::ado {
 
@@ -84,44 +85,11 @@ TEST_P(CatalogTest, IsReadWhileRowsStream) {
   EXPECT_FALSE(stream.AtEnd());
 }
 
-/// A column's definition and what is told of it: its attributes and its default value.
-struct ColumnCase {
-  const char* definition;
-  const char* told;
-};
-
-const std::vector<ColumnCase> kMySqlColumns = {
-    {"id int not null auto_increment primary key", ", none"},
-    {"n int default -3", "null, -3"},
-    {"de decimal(5,2) not null default 1.5", ", 1.50"},
-    {"t varchar(30) default 'O''Br\\\\ien (it)'", "null, O'Br\\ien (it)"},
-    {"e varchar(3) default ''", "null, "},
-    {"m datetime default current_timestamp", "null, getdate()"},
-    {"x varchar(9) default (concat('a', 'b'))", "null, none"},
-    {"b bit(3) default b'101'", "null, 5"},
-    {"nul text", "null, none"},
-    {"d date default '2020-01-02'", "null, 2020-01-02"},
-    {"u varchar(9) default 'NULL'", "null, NULL"}};
-
-const std::vector<ColumnCase> kMsSqlColumns = {
-    {"id int identity(1,1) not null primary key", "fixed, none"},
-    {"n int not null default (0)", "fixed, 0"},
-    {"f float null default (-1.5)", "fixed null, -1.5"},
-    {"b bit not null default 1", "fixed, 1"},
-    {"w varchar(20) null default 'O''Brien'", "null, O'Brien"},
-    {"nw nvarchar(20) null default N'漢'", "null, 漢"},
-    {"d datetime not null default getdate()", "fixed, getdate()"},
-    {"g uniqueidentifier null default newid()", "fixed null, none"},
-    {"gi uniqueidentifier not null default '6f9619ff-8b86-d011-b42d-00c04fc964ff'",
-     "fixed, {6F9619FF-8B86-D011-B42D-00C04FC964FF}"},
-    {"c int null default (1+2)", "fixed null, none"},
-    {"h varbinary(4) null default 0x0A", "null, 0x0A"},
-    {"odd char(2) null", "fixed null, none"}};
-
 TEST_P(CatalogTest, ColumnsHaveTheirAttributesAndPlainDefaults) {
-  const std::vector<ColumnCase> cases = Either(kMySqlColumns, kMsSqlColumns);
+  const auto cases =
+      test::ReadTable(Either("platform/ado/mysql_columns.txt", "platform/ado/mssql_columns.txt"));
   std::vector<std::string> definitions;
-  for (const ColumnCase& each : cases) definitions.push_back(each.definition);
+  for (const auto& cells : cases) definitions.push_back(cells.at(0));
   Run(fmt::format("create table defaults ({})", fmt::join(definitions, ", ")));
   const std::vector<Column> columns = connection_.Columns("defaults");
   ASSERT_EQ(columns.size(), cases.size());
@@ -129,10 +97,10 @@ TEST_P(CatalogTest, ColumnsHaveTheirAttributesAndPlainDefaults) {
     std::vector<std::string> attributes;
     if ((columns[i].attributes & kColumnFixed) != 0) attributes.push_back("fixed");
     if ((columns[i].attributes & kColumnNullable) != 0) attributes.push_back("null");
-    EXPECT_EQ(fmt::format("{}, {}", fmt::join(attributes, " "),
-                          columns[i].default_value.value_or("none")),
-              cases[i].told)
-        << cases[i].definition;
+    if (attributes.empty()) attributes.push_back("-");
+    EXPECT_EQ(fmt::format("{}", fmt::join(attributes, " ")), cases[i].at(1)) << definitions[i];
+    const auto& value = columns[i].default_value;
+    EXPECT_EQ(value ? "'" + *value + "'" : "none", cases[i].at(2)) << definitions[i];
   }
 }
 

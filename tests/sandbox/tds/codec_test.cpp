@@ -108,14 +108,5 @@ TEST(Temporal, ThreeHundredthsRoundIntoTheNextDay) {
   }
 }
 
-TEST(Temporal, OffsetsCrossDays) {
-  const DateTimeValue early{10, kTicksPerMinute, 120};
-  const DateTimeValue utc = ToUtc(early);
-  EXPECT_EQ(utc.days, 9);
-  EXPECT_EQ(utc.ticks, kTicksPerDay - 119 * kTicksPerMinute);
-  EXPECT_EQ(ToLocal(utc).days, 10);
-  EXPECT_EQ(ToLocal(utc).ticks, early.ticks);
-}
-
 }  // namespace
 }  // namespace sandbox::tds

@@ -70,13 +70,6 @@ TEST_F(ConnectionPages, PasswordsShowAsAsterisksUnlessTheEyeIsOpen) {
   }
 }
 
-TEST_F(ConnectionPages, FieldsTakeTextsOfTheirLengthOnly) {
-  for (const auto& [field, most] :
-       {std::pair("txtSrcPassword", 40), {"txtSrcHost", 50}, {"txtDestHost", 40}}) {
-    EXPECT_EQ(driver_.Get<QLineEdit>(field).maxLength(), most) << field;
-  }
-}
-
 TEST_F(ConnectionPages, ASlowServerLeavesTheOverlayMovingAndTakesNoClicks) {
   driver_.Next();
   std::atomic<bool> answered = false;
