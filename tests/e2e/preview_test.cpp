@@ -100,11 +100,10 @@ TEST_F(PreviewTest, TheScriptForSqlServerMakesWhatTheRunMakes) {
   run.Wait();
   EXPECT_THAT(preview, HasSubstr("-- Note: Table Customer: 1 dates before 1753-01-01 were raised"));
 
-  std::string script = preview;
   const std::string other = rig_.NewMsSqlDatabase();
-  const std::size_t first_create = script.find("Create ");
-  ASSERT_NE(first_create, std::string::npos) << script;
-  rig_.MsSql().Script(script.substr(first_create), other);
+  const std::size_t first_create = preview.find("Create ");
+  ASSERT_NE(first_create, std::string::npos) << preview;
+  rig_.MsSql().Script(preview.substr(first_create), other);
   for (const char* question :
        {"select object_name(object_id), name, type_name(system_type_id), max_length, is_nullable, "
         "is_identity from sys.columns where object_id in (select object_id from sys.tables) "

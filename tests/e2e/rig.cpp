@@ -36,13 +36,13 @@ Rig& Rig::Get() {
 }
 
 std::string Rig::NewMsSqlDatabase() {
-  const std::string name = fmt::format("db{}", ++databases_);
+  std::string name = fmt::format("db{}", ++databases_);
   ms_sql_.Script("create database " + name + "\ngo\n", "master");
   return name;
 }
 
 std::string Rig::NewDatabases() {
-  const std::string name = NewMsSqlDatabase();
+  std::string name = NewMsSqlDatabase();
   my_sql_.Query("create database " + name + " character set utf8mb4");
   return name;
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <utility>
 
 #include "mssql/mssql_database.h"
 #include "mysql/mysql_database.h"
@@ -45,7 +46,8 @@ class Connections : public testing::TestWithParam<ServerKind> {
 
   /// What both kinds of run say of a refused logon.
   ConnectionFailure FailureOf(ado::Errors entries, std::int32_t number = -77) {
-    server_.connect_failure = ado::ProviderError(number, "test", "run-time words", entries);
+    server_.connect_failure =
+        ado::ProviderError(number, "test", "run-time words", std::move(entries));
     EXPECT_EQ(endpoint_->OpenConnection(true), nullptr);
     if (host_.connection_failures.empty()) return {};
     EXPECT_EQ(host_.connection_failures.back().title, Title());

@@ -39,12 +39,10 @@ struct MsSqlCopy : testing::TestWithParam<CopyStrategy>,
                   {TextResult({"Rows_No"}, {{source.Keep(std::to_string(rows.size()))}})});
   }
   void Texts(const std::vector<std::pair<std::string_view, std::string_view>>& rows) {
-    std::vector<std::pair<std::string_view, ado::Value>> values;
-    for (const auto& [key, value] : rows) values.emplace_back(key, value);
-    Rows(DataType::VarChar, values);
+    Rows(DataType::VarChar, {rows.begin(), rows.end()});
   }
   /// Rows of this key fail.
-  void Refuse(std::string key, ado::ProviderError error) {
+  void Refuse(const std::string& key, const ado::ProviderError& error) {
     dest.on_row = [key, error](const Row& row) {
       if (row[0] == key) throw error;
     };

@@ -99,10 +99,8 @@ TEST_F(MySqlCopy, ARefusedBlockLeavesTheSessionAsItWas) {
 
 TEST_F(MySqlCopy, BatchesStayWithinBounds) {
   src.plan.strategy = CopyStrategy::Statements;
-  std::vector<Row> rows;
   const std::string_view text = source.Keep(std::string(5000, 'x'));
-  for (int i = 0; i < 600; ++i) rows.push_back(Numbered(i, text));
-  Rows(DataType::VarChar, rows);
+  Rows(DataType::VarChar, std::vector<Row>(600, Numbered(1, text)));
   Transfer({"a t"});
   std::size_t longest = 0;
   for (const std::string& sql : dest.log) longest = std::max(longest, sql.size());
@@ -112,8 +110,7 @@ TEST_F(MySqlCopy, BatchesStayWithinBounds) {
 
 TEST_F(MySqlCopy, NoInsertHasMoreValuesThanTheServerKeepsAPlanFor) {
   src.plan.strategy = CopyStrategy::Statements;
-  std::vector<Row> rows;
-  for (int i = 0; i < 2500; ++i) rows.push_back(Numbered(i, true));
+  const std::vector<Row> rows(2500, Numbered(1, true));
   Rows(DataType::Boolean, rows);
   Transfer({"a t"});
   const auto occurrences = [](std::string_view text, std::string_view part) {

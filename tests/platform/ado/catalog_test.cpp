@@ -88,8 +88,8 @@ TEST_P(CatalogTest, IsReadWhileRowsStream) {
 TEST_P(CatalogTest, ColumnsHaveTheirAttributesAndPlainDefaults) {
   const auto cases =
       test::ReadTable(Either("platform/ado/mysql_columns.txt", "platform/ado/mssql_columns.txt"));
-  std::vector<std::string> definitions;
-  for (const auto& cells : cases) definitions.push_back(cells.at(0));
+  std::vector<std::string> definitions(cases.size());
+  std::ranges::transform(cases, definitions.begin(), [](const auto& cells) { return cells.at(0); });
   Run(fmt::format("create table defaults ({})", fmt::join(definitions, ", ")));
   const std::vector<Column> columns = connection_.Columns("defaults");
   ASSERT_EQ(columns.size(), cases.size());

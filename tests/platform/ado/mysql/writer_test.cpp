@@ -117,7 +117,8 @@ TEST_P(MySqlWriterTest, RequestsStayBelowThePacketLimit) {
   EXPECT_EQ(InsertAll(table), Failure{});
   EXPECT_EQ(Dump("select count(*), sum(data = repeat(x'fe', 5000000)) from big"), "7\t7\n");
 
-  const std::string too_big(17'000'000, 'x');
+  std::string too_big;
+  too_big.resize(17'000'000, 'x');
   block_.Clear(2);
   Add(block_, std::string_view("8"), Binary{too_big});
   EXPECT_EQ(InsertAll(table), (Failure{hresult::kFail, 1153}));

@@ -6,7 +6,6 @@ namespace dorvane::ado {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST_F(MsSqlTest, FindsTheServerByAnyFormOfItsName) {
   for (const std::string name : {"127.0.0.1,", "tcp:127.0.0.1,", "(local),", "127.0.0.1\\any,"}) {
